@@ -1,0 +1,162 @@
+// The process's diagnostic log.
+//
+// Terms. A *line* has a level from 0 (always) to 6 (trace) and a class, one or more bits of 32. A
+// *module* is one source file that writes lines; it may have a level of its own. A *sink* is where
+// lines go: the standard error stream, a rotating file, or a callback of the application. There is
+// no sink until somebody adds one, and without a sink no line is active, whatever its level.
+//
+// Switched on without code by the environment, read once when the library loads:
+//   VQ_DIAG_LEVEL=4                    lines up to level 4
+//   VQ_DIAG_LEVEL=1,LoginHandler=6     1 in general, 6 for one module
+//   VQ_DIAG_FILE=/var/log/client.log   to this file (10 MB, three older files kept) instead of the
+//                                      standard error stream
+//
+// Writing lines:
+//
+//   namespace { TDiagRegister diagModule("LoginHandler"); }
+//
+//   int LoginHandler::Login(...) {
+//     TDiagFunc diag(diagModule, "LoginHandler::Login");   // logs "Enter" at level 6
+//     VQ_LOG(diag, 4) << "Resetting timeout to: " << timeOut;
+//   }
+//
+// A line that is not active costs one load and one branch, and nothing to the right of VQ_LOG is
+// evaluated.
+#ifndef VQ_SUPPORT_DIAGNOSTICS_TDIAG_H
+#define VQ_SUPPORT_DIAGNOSTICS_TDIAG_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include <support/Export.h>
+#include <support/diagnostics/FormatObj.h>
+
+class TDiagRegister;
+
+// One line as a callback sink receives it. The views live for the length of the call.
+struct TDiagLine {
+  int level;
+  std::uint32_t lineClass;
+  std::string_view module;  // as registered, e.g. "LoginHandler"
+  std::string_view scope;   // the function's qualified name; may be empty
+  std::string_view text;    // as logged, line ends included
+};
+
+// Thread contract: every operation may be called from any thread at any time. A callback sink is
+// called under the log's lock, one line at a time, and must not log itself.
+class VQ_SUPPORT_API TDiag {
+ public:
+  static constexpr int kAlways = 0;
+  static constexpr int kTrace = 6;
+  static constexpr std::uint32_t kAllClasses = 0xFFFFFFFFU;
+
+  using Callback = std::function<void(const TDiagLine&)>;
+  using SinkId = unsigned;
+
+  // The one log of the process; never null, never destroyed.
+  static TDiag* Instance();
+
+  // The level of every module that has none of its own. Values outside 0 to 6 are taken as the
+  // nearest of them. 1 until set.
+  void SetMinimumDebugLevel(int level);
+  int GetMinimumDebugLevel() const;
+
+  // A level for one module by its registered name, now or when such a module appears.
+  void SetModuleLevel(std::string_view module, int level);
+  void ClearModuleLevels();
+
+  // Lines whose class has no bit in common with the mask are not written. All bits until set.
+  void SetClassMask(std::uint32_t mask);
+  std::uint32_t GetClassMask() const;
+
+  // Each returns a number for RemoveSink. AddFileSink appends to `path`, starts a new file when it
+  // reaches `maxBytes` and keeps `olderFiles` old ones; it returns 0 when the file does not open.
+  SinkId AddStandardErrorSink();
+  SinkId AddFileSink(const std::string& path, std::size_t maxBytes = 10U << 20U,
+                     std::size_t olderFiles = 3);
+  SinkId AddCallbackSink(Callback callback);
+  void RemoveSink(SinkId id);  // an unknown number is no fault
+  void RemoveAllSinks();
+
+  // Applies a text of the form of VQ_DIAG_LEVEL; what is not of that form is left out.
+  void ApplyLevels(std::string_view text);
+
+  // Used by TDiagRegister and the macros.
+  void Write(const TDiagLine& line);
+
+  TDiag(const TDiag&) = delete;
+  TDiag& operator=(const TDiag&) = delete;
+
+ private:
+  friend class TDiagRegister;
+  TDiag();
+  ~TDiag();
+  struct State;
+  State* const m_state;
+};
+
+// One source file's place in the log: a static object named diagModule in each file that writes.
+class VQ_SUPPORT_API TDiagRegister {
+ public:
+  explicit TDiagRegister(const char* moduleName);  // the text must outlive the object
+  ~TDiagRegister();
+  TDiagRegister(const TDiagRegister&) = delete;
+  TDiagRegister& operator=(const TDiagRegister&) = delete;
+
+  bool IsActive(int level) const { return level <= m_level.load(std::memory_order_relaxed); }
+  FormatObj Line(int level, std::uint32_t lineClass = TDiag::kAllClasses) const {
+    return FormatObj(*this, {}, level, lineClass);
+  }
+  const char* Name() const { return m_name; }
+
+ private:
+  friend class TDiag;
+  const char* m_name;
+  std::atomic<int> m_level{-1};  // the highest active level; -1 while nothing is active
+};
+
+// The scope of one function: logs "Enter" at level 6 and gives its name to the lines inside.
+class TDiagFunc {
+ public:
+  TDiagFunc(const TDiagRegister& module, const char* qualifiedName)
+      : m_module(module), m_name(qualifiedName) {
+    if (IsActive(TDiag::kTrace)) [[unlikely]] Enter();
+  }
+  TDiagFunc(const TDiagFunc&) = delete;
+  TDiagFunc& operator=(const TDiagFunc&) = delete;
+
+  bool IsActive(int level) const { return m_module.IsActive(level); }
+  FormatObj Line(int level, std::uint32_t lineClass = TDiag::kAllClasses) const {
+    return FormatObj(m_module, m_name, level, lineClass);
+  }
+
+ private:
+  VQ_SUPPORT_API void Enter() const;
+  const TDiagRegister& m_module;
+  const char* m_name;
+};
+
+// VQ_LOG(where, level) << ...; writes one line. `where` is a TDiagFunc or a TDiagRegister.
+// VQ_LOG_CLASS does the same in a diagnostics class of its own.
+#define VQ_LOG(where, level)      \
+  switch (0)                      \
+  case 0:                         \
+  default:                        \
+    if (!(where).IsActive(level)) \
+      ;                           \
+    else                          \
+      (where).Line(level)
+#define VQ_LOG_CLASS(where, level, lineClass) \
+  switch (0)                                  \
+  case 0:                                     \
+  default:                                    \
+    if (!(where).IsActive(level))             \
+      ;                                       \
+    else                                      \
+      (where).Line(level, lineClass)
+
+#endif  // VQ_SUPPORT_DIAGNOSTICS_TDIAG_H
