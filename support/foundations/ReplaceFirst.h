@@ -1,0 +1,24 @@
+// Fills a message template, one mark at a time.
+//
+// Message templates are never format strings: a text that is filled in may itself hold a mark, and
+// the next call then finds that one. Several messages depend on exactly this.
+//
+//   std::string text = "Version %s of %s";
+//   vq::ReplaceFirst(text, "%s", "6.4");    // "Version 6.4 of %s"
+//   vq::ReplaceFirst(text, "%s", "client"); // "Version 6.4 of client"
+#ifndef VQ_SUPPORT_FOUNDATIONS_REPLACEFIRST_H
+#define VQ_SUPPORT_FOUNDATIONS_REPLACEFIRST_H
+
+#include <string>
+#include <string_view>
+
+namespace vq {
+
+// Replaces the first occurrence of `pattern` in `text`, searched from its start, and tells whether
+// there was one. Without one, and for an empty pattern, `text` stays as it is. `pattern` and `by`
+// must not be views into `text`.
+bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view by);
+
+}  // namespace vq
+
+#endif  // VQ_SUPPORT_FOUNDATIONS_REPLACEFIRST_H
