@@ -1,0 +1,86 @@
+#include <support/security/ChallengeResponse.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string_view>
+
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
+
+#include <support/security/SecretString.h>
+
+namespace {
+
+constexpr std::size_t kDigestSize = 32;
+
+// A digest on the stack that is wiped on every way out.
+struct Digest {
+  std::array<unsigned char, kDigestSize> bytes{};
+  Digest() = default;
+  ~Digest() { OPENSSL_cleanse(bytes.data(), bytes.size()); }
+  Digest(const Digest&) = delete;
+  Digest& operator=(const Digest&) = delete;
+};
+
+void ToBase64Url(const Digest& digest, std::string& out) {
+  constexpr std::string_view kAlphabet =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+  out.reserve((kDigestSize * 8 + 5) / 6);
+  unsigned bits = 0;
+  int count = 0;  // how many of the low bits of `bits` are still to be written
+  for (const unsigned char byte : digest.bytes) {
+    bits = bits << 8U | byte;
+    for (count += 8; count >= 6; count -= 6) out += kAlphabet[bits >> (count - 6) & 0x3FU];
+  }
+  if (count > 0) out += kAlphabet[bits << (6 - count) & 0x3FU];
+}
+
+void ToHex(const Digest& digest, std::string& out) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  out.reserve(kDigestSize * 2);
+  for (const unsigned char byte : digest.bytes) {
+    out += kDigits[byte >> 4U];
+    out += kDigits[byte & 0xFU];
+  }
+}
+
+void AppendWithLength(const std::string& text, std::string& message) {
+  const auto length = static_cast<std::uint64_t>(text.size());
+  for (int shift = 56; shift >= 0; shift -= 8) {
+    message += static_cast<char>(static_cast<unsigned char>(length >> shift));
+  }
+  message += text;
+}
+
+}  // namespace
+
+void ChkSum(const std::string& text, std::string& result) {
+  Digest digest;
+  const bool done = EVP_Digest(text.data(), text.size(), digest.bytes.data(), nullptr, EVP_sha256(),
+                               nullptr) == 1;
+  vq::Wipe(result);
+  if (!done) throw std::runtime_error("ChkSum: no SHA-256 digest");
+  ToBase64Url(digest, result);
+}
+
+void MakeChallengeResponse(const std::string& first, const std::string& second,
+                           const std::string& password, std::string& response) {
+  std::string message;
+  message.reserve(first.size() + second.size() + 16);
+  AppendWithLength(first, message);
+  AppendWithLength(second, message);
+
+  Digest digest;
+  std::size_t written = 0;
+  const bool done =
+      EVP_Q_mac(nullptr, "HMAC", nullptr, "SHA256", nullptr, password.data(), password.size(),
+                reinterpret_cast<const unsigned char*>(message.data()), message.size(),
+                digest.bytes.data(), digest.bytes.size(), &written) != nullptr;
+  vq::Wipe(response);
+  if (!done || written != kDigestSize) {
+    throw std::runtime_error("MakeChallengeResponse: no HMAC-SHA-256");
+  }
+  ToHex(digest, response);
+}

@@ -1,0 +1,49 @@
+// Wiping texts that must not stay in memory once they are done with.
+//
+// A *secret* is a password or what is computed from one. Freeing a string leaves its bytes in the
+// heap, and a short string leaves them in the object itself, so a secret is overwritten before its
+// memory goes back.
+//
+//   vq::SecretString response;
+//   MakeChallengeResponse(first, second, password, response.Text());
+//   Send(response.Text());
+//   // wiped here, on every way out
+#ifndef VQ_SUPPORT_SECURITY_SECRETSTRING_H
+#define VQ_SUPPORT_SECURITY_SECRETSTRING_H
+
+#include <string>
+#include <string_view>
+
+namespace vq {
+
+// Overwrites the whole buffer of `text`, what lies between its length and its capacity included,
+// and leaves it empty. The compiler does not optimise the overwriting away. Buffers that the string
+// gave up earlier, when it grew, are out of reach.
+void Wipe(std::string& text) noexcept;
+
+// Owns one text and wipes it when it is destroyed, assigned to or moved from.
+//
+// Thread contract: as a std::string; an object belongs to one thread at a time.
+class SecretString {
+ public:
+  SecretString() = default;
+  explicit SecretString(std::string_view text) : m_text(text) {}
+  ~SecretString() { Wipe(m_text); }
+
+  SecretString(const SecretString& other) = default;
+  SecretString(SecretString&& other) noexcept;
+  SecretString& operator=(const SecretString& other);
+  SecretString& operator=(SecretString&& other) noexcept;
+
+  // The text itself, for functions that read or fill a std::string. A caller that makes it longer
+  // step by step leaves copies behind; assign it whole.
+  std::string& Text() noexcept { return m_text; }
+  const std::string& Text() const noexcept { return m_text; }
+
+ private:
+  std::string m_text;
+};
+
+}  // namespace vq
+
+#endif  // VQ_SUPPORT_SECURITY_SECRETSTRING_H
