@@ -1,0 +1,76 @@
+#include <vq_client_common/text/TablePath.h>
+
+#include <cstddef>
+#include <utility>
+
+namespace {
+
+using vq::kTablePathSeparator;
+constexpr std::size_t kNone = std::string_view::npos;
+
+// Sets both outputs at the end, so that either may be the text that the views look into.
+void SetBoth(std::string_view newLeft, std::string_view newRight, std::string& left,
+             std::string& right) {
+  std::string leftText(newLeft);
+  std::string rightText(newRight);
+  left = std::move(leftText);
+  right = std::move(rightText);
+}
+
+}  // namespace
+
+bool AppendToTablePath(const std::string& path, const std::string& name, std::string& out) {
+  if (path.empty()) {
+    // Meant: `out` is not cleared here; callers that collect names in it depend on that.
+    out += name;
+    return true;
+  }
+  std::string joined = path;
+  if (!path.ends_with(kTablePathSeparator)) joined += kTablePathSeparator;
+  joined += name;
+  out = std::move(joined);
+  return true;
+}
+
+bool SplitTablePath(const std::string& path, std::list<std::string>& out) {
+  std::list<std::string> names;
+  std::string_view rest = path;
+  while (!rest.empty()) {
+    const std::size_t position = rest.find(kTablePathSeparator);
+    names.emplace_back(rest.substr(0, position));
+    rest.remove_prefix(position == kNone ? rest.size() : position + kTablePathSeparator.size());
+  }
+  out = std::move(names);
+  return true;
+}
+
+bool SplitLeftMost(const std::string& path, std::string& left, std::string& right) {
+  const std::string_view text = path;
+  const std::size_t position = text.find(kTablePathSeparator);
+  const std::string_view behind =
+      position == kNone ? std::string_view() : text.substr(position + kTablePathSeparator.size());
+  SetBoth(text.substr(0, position), behind, left, right);
+  return true;
+}
+
+bool SplitRightMost(const std::string& path, std::string& left, std::string& right) {
+  const std::string_view text = path.c_str();
+  const std::size_t position = text.rfind(kTablePathSeparator);
+  // Meant: without a separator both outputs are the path; callers tell an outermost table by it.
+  const std::string_view behind =
+      position == kNone ? text : text.substr(position + kTablePathSeparator.size());
+  SetBoth(text.substr(0, position), behind, left, right);
+  return true;
+}
+
+bool IsOuterMostTableName(const std::string& path) {
+  return path.find(kTablePathSeparator) == kNone;
+}
+
+bool DoesTableBelongToTable(const std::string& first, const std::string& second) {
+  // Meant: a path that holds the other does not belong to it; clients are built on that answer.
+  if (second.find(first) != kNone) return false;
+  if (first.size() == second.size()) return true;
+  if (second.size() < first.size() + 2) return false;
+  return std::string_view(second).substr(first.size()).starts_with(kTablePathSeparator);
+}
