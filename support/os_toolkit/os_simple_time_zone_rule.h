@@ -1,0 +1,53 @@
+// A yearly rule that sets clocks forward: summer time.
+//
+// The rule covers [start, end) of every year from the first to the last of its range, read on the
+// clock on the wall. A start after its end covers the turn of the year, as summer does in the
+// south: in every year of the range, both the days before the end and those from the start on. A
+// start that equals its end covers nothing, as does a range whose last year lies before its first.
+//
+//   // From 31 March to 27 October of 2024 and 2025, an hour.
+//   const os_simple_time_zone_rule summer(os_calendar_date(3, 31), os_calendar_date(10, 27), 2024,
+//                                         2025, os_time_period(0, 1, 0, 0, 0));
+//
+// Terms. The *standard* clock is the zone's clock without any rule. A *moment* is a period counted
+// from 00:00 of the Julian day 0 on one of these clocks.
+#ifndef VQ_SUPPORT_OS_TOOLKIT_OS_SIMPLE_TIME_ZONE_RULE_H
+#define VQ_SUPPORT_OS_TOOLKIT_OS_SIMPLE_TIME_ZONE_RULE_H
+
+#include <support/Export.h>
+#include <support/os_toolkit/os_calendar_date.h>
+#include <support/os_toolkit/os_time_period.h>
+
+// Thread contract: a value that does not change after construction.
+class VQ_SUPPORT_API os_simple_time_zone_rule {
+ public:
+  // Years outside those of os_date are taken as its nearest. `adjustment` is added to the standard
+  // clock while the rule is in effect.
+  os_simple_time_zone_rule(os_calendar_date start, os_calendar_date end, int firstYear,
+                           int lastYear, os_time_period adjustment);
+
+  os_calendar_date start() const { return m_start; }
+  os_calendar_date end() const { return m_end; }
+  int first_year() const { return m_firstYear; }
+  int last_year() const { return m_lastYear; }
+  os_time_period adjustment() const { return m_adjustment; }
+
+  // Whether the rule is in effect when the clock on the wall shows this. In the hour that is left
+  // out at the start and in the one that comes twice at the end it is.
+  bool covers_wall_clock(os_time_period moment) const;
+  // Whether the rule is in effect when the standard clock would show this. Unlike a reading of the
+  // wall, this is never in doubt: the rule starts when the standard clock reaches the start, and
+  // ends when the adjusted clock reaches the end.
+  bool covers_standard_clock(os_time_period moment) const;
+
+ private:
+  bool Covers(os_time_period standardClock, os_time_period adjustedClock) const;
+
+  os_calendar_date m_start;
+  os_calendar_date m_end;
+  int m_firstYear;
+  int m_lastYear;
+  os_time_period m_adjustment;
+};
+
+#endif  // VQ_SUPPORT_OS_TOOLKIT_OS_SIMPLE_TIME_ZONE_RULE_H

@@ -1,0 +1,34 @@
+// The tokens of a text: what stands between delimiters, each a single character. Empty tokens are
+// dropped, so delimiters in a row count as one, and those at either end as none.
+//
+//   const os_tokenizer tokens("E_GAS \t 8.0.00", " \t");
+//   tokens.size();   // 2
+//   tokens[1];       // "8.0.00"
+#ifndef VQ_SUPPORT_OS_TOOLKIT_OS_TOKENIZER_H
+#define VQ_SUPPORT_OS_TOOLKIT_OS_TOKENIZER_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <support/Export.h>
+
+// Thread contract: does not change after construction, so any number of threads may read one.
+class VQ_SUPPORT_API os_tokenizer {
+ public:
+  // The text is copied. Without delimiters the whole text is one token, unless it is empty.
+  os_tokenizer(std::string_view text, std::string_view delimiters);
+
+  std::size_t size() const { return m_tokens.size(); }
+  bool empty() const { return m_tokens.empty(); }
+  // From 0; raises std::out_of_range for a token that is not there.
+  const std::string& operator[](std::size_t index) const { return m_tokens.at(index); }
+  std::vector<std::string>::const_iterator begin() const { return m_tokens.begin(); }
+  std::vector<std::string>::const_iterator end() const { return m_tokens.end(); }
+
+ private:
+  std::vector<std::string> m_tokens;
+};
+
+#endif  // VQ_SUPPORT_OS_TOOLKIT_OS_TOKENIZER_H

@@ -1,0 +1,119 @@
+#include <support/os_toolkit/os_date.h>
+
+#include <chrono>
+#include <climits>
+#include <cstdint>
+#include <limits>
+
+#include <gtest/gtest.h>
+#include <support/os_toolkit/os_time.h>
+
+namespace {
+
+constexpr os_time_period kDay(1, 0, 0, 0, 0);
+constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
+
+TEST(OsDateTest, EveryDayAgreesWithTheStandardCalendar) {
+  using std::chrono::sys_days;
+  const sys_days last = sys_days(std::chrono::year(2405) / 1 / 1);
+  os_date walking(1583, 1, 1);
+  for (sys_days day = sys_days(std::chrono::year(1583) / 1 / 1); day < last;
+       day += std::chrono::days(1), walking += kDay) {
+    const std::chrono::year_month_day parts(day);
+    const os_date date(static_cast<int>(parts.year()),
+                       static_cast<int>(static_cast<unsigned>(parts.month())),
+                       static_cast<int>(static_cast<unsigned>(parts.day())));
+    ASSERT_EQ(date, walking);
+    ASSERT_EQ(date.parts(), parts);
+    ASSERT_EQ(date.julian_day(), 2440588 + day.time_since_epoch().count());
+    ASSERT_EQ(static_cast<unsigned>(date.day_of_week()), std::chrono::weekday(day).c_encoding());
+    ASSERT_EQ((date + kDay) - kDay, date);
+    ASSERT_EQ(date - os_date(), os_time_period(day.time_since_epoch().count(), 0, 0, 0, 0));
+  }
+}
+
+TEST(OsDateTest, RefusesWhatTheCalendarDoesNotHave) {
+  const struct {
+    int year, month, day;
+  } cases[] = {{2023, 2, 29},     {1900, 2, 29},  {2024, 2, 30},        {2024, 13, 1},
+               {2024, 0, 1},      {2024, 4, 31},  {2024, 1, 0},         {2024, 1, 32},
+               {2024, 1, 257},    {2024, 257, 1}, {2024, -1, 1},        {2024, 1, -255},
+               {-32768, 1, 1},    {32768, 1, 1},  {65536 + 2024, 1, 1}, {2024, 1, INT_MAX},
+               {2024, INT_MIN, 1}};
+  for (const auto& c : cases) {
+    EXPECT_FALSE(os_date::is_valid(c.year, c.month, c.day))
+        << c.year << '-' << c.month << '-' << c.day;
+    EXPECT_THROW(os_date(c.year, c.month, c.day), os_toolkit_error);
+  }
+  try {
+    const os_date date(2023, 2, 29);
+    FAIL() << date.day();
+  } catch (const std::exception& error) {
+    EXPECT_STREQ(error.what(), "no such date: 2023-02-29");
+  }
+}
+
+TEST(OsDateTest, ArithmeticRollsMonthsAndYears) {
+  const struct {
+    os_date from;
+    os_time_period period;
+    os_date to;
+  } cases[] = {
+      {{2024, 3, 1}, -kDay, {2024, 2, 29}},
+      {{2023, 3, 1}, -kDay, {2023, 2, 28}},
+      {{2023, 12, 31}, kDay, {2024, 1, 1}},
+      {{2000, 2, 28}, kDay, {2000, 2, 29}},
+      {{1, 1, 1}, -kDay, {0, 12, 31}},
+      {{2024, 1, 1}, {-366, 0, 0, 0, 0}, {2022, 12, 31}},
+      {{2024, 1, 1}, os_time_period(86399), {2024, 1, 1}},
+      {{2024, 1, 1}, os_time_period(0, -1), {2023, 12, 31}},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.from + c.period, c.to);
+    EXPECT_EQ(c.from - -c.period, c.to);
+  }
+}
+
+TEST(OsDateTest, RaisesAtTheEndsOfItsRange) {
+  EXPECT_EQ(os_date::from_julian_day(0).parts(), std::chrono::year(-4713) / 11 / 24);
+  EXPECT_THROW(os_date(os_date::kMaxYear, 12, 31) + kDay, os_toolkit_error);
+  EXPECT_THROW(os_date(os_date::kMinYear, 1, 1) - kDay, os_toolkit_error);
+  EXPECT_THROW(os_date() + os_time_period(kLargest), os_toolkit_error);
+  EXPECT_THROW(os_date() - os_time_period(kSmallest), os_toolkit_error);
+  EXPECT_THROW(os_date::from_julian_day(kLargest), os_toolkit_error);
+  EXPECT_THROW(os_date::from_julian_day(kSmallest), os_toolkit_error);
+}
+
+TEST(OsTimePeriodTest, CarriesRoundsDownAndRaisesOnOverflow) {
+  const os_time_period half(0, 500'000'000);
+  EXPECT_EQ((half + half), os_time_period(1));
+  EXPECT_EQ((-half).to_seconds(), -1);
+  EXPECT_EQ((-half).nanoseconds(), 500'000'000);
+  EXPECT_EQ((-half).to_days(), -1);
+  EXPECT_LT(-half, os_time_period());
+  EXPECT_LT(half, os_time_period(1));
+  EXPECT_EQ(os_time_period(-1, 2, -3, 4, 0).to_seconds(), -86400 + 7200 - 180 + 4);
+  EXPECT_EQ(os_time_period(0, kSmallest).to_seconds(), -9223372037);
+
+  EXPECT_THROW(os_time_period(kLargest) + os_time_period(1), os_toolkit_error);
+  EXPECT_THROW(os_time_period(kSmallest) - half, os_toolkit_error);
+  EXPECT_THROW(-os_time_period(kSmallest), os_toolkit_error);
+  EXPECT_THROW(os_time_period(kLargest, 1'000'000'000), os_toolkit_error);
+  EXPECT_THROW(os_time_period(kLargest / 2, 0, 0, 0, 0), os_toolkit_error);
+}
+
+TEST(OsTimeTest, ReadsTheClockAlsoOutsideTheDay) {
+  EXPECT_EQ(os_time(7, 30, 9).since_midnight(), os_time_period(27009));
+  for (const std::int64_t day : {-2, -1, 0, 1}) {
+    const os_time time(day * 86400 + 86399);
+    EXPECT_EQ(time.hour(), 23);
+    EXPECT_EQ(time.minute(), 59);
+    EXPECT_EQ(time.second(), 59);
+  }
+  EXPECT_THROW(os_time(24, 0, 0), os_toolkit_error);
+  EXPECT_THROW(os_time(0, 60, 0), os_toolkit_error);
+  EXPECT_THROW(os_time(0, 0, -1), os_toolkit_error);
+}
+
+}  // namespace

@@ -1,0 +1,218 @@
+#include <support/os_toolkit/os_time_zone.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <ostream>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <support/os_toolkit/os_time_and_date.h>
+
+namespace {
+
+constexpr std::int64_t kEpoch = 210866803200;  // seconds from the Julian day 0 to 1970
+constexpr os_time_period kHour(3600);
+
+// The C library's zone for the length of a test.
+class ScopedTimeZone {
+ public:
+  explicit ScopedTimeZone(const char* value) {
+    if (const char* before = std::getenv("TZ")) m_before = before;
+    setenv("TZ", value, 1);
+    tzset();
+  }
+  ~ScopedTimeZone() {
+    if (m_before) {
+      setenv("TZ", m_before->c_str(), 1);
+    } else {
+      unsetenv("TZ");
+    }
+    tzset();
+  }
+  ScopedTimeZone(const ScopedTimeZone&) = delete;
+  ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
+
+ private:
+  std::optional<std::string> m_before;
+};
+
+os_time_zone Zone(std::int64_t offset, os_calendar_date start, os_calendar_date end, int firstYear,
+                  int lastYear, os_time_period adjustment = kHour) {
+  os_time_zone zone(os_time_period(offset), "zone", "Z");
+  zone.insert(os_simple_time_zone_rule(start, end, firstYear, lastYear, adjustment));
+  return zone;
+}
+
+os_calendar_date At(int month, int day, int hour) {
+  return {month, day, os_time_period(3600 * hour)};
+}
+
+// The C library does not apply such rules to years before 1970. The calendar repeats itself after
+// 400 years to the day of the week, so those years are read off there.
+constexpr std::int64_t kCycle = std::int64_t{146097} * 86400;
+
+// What the C library's clock shows at an instant, in seconds since 1970.
+std::tm LocalTime(std::int64_t instant) {
+  const bool early = instant < std::int64_t{365} * 86400;
+  const std::time_t given = instant + (early ? kCycle : 0);
+  std::tm local{};
+  localtime_r(&given, &local);
+  if (early) local.tm_year -= 400;
+  return local;
+}
+
+struct PosixCase {
+  const char* posix;  // J90 is 31 March in every year, J300 27 October
+  os_time_zone zone;
+};
+
+void PrintTo(const PosixCase& value, std::ostream* out) {
+  *out << value.posix;
+}
+
+class AgainstTheCLibrary : public ::testing::TestWithParam<PosixCase> {};
+
+TEST_P(AgainstTheCLibrary, From1900To2100) {
+  const os_time_zone& zone = GetParam().zone;
+  const ScopedTimeZone scoped(GetParam().posix);
+  const std::int64_t first = (os_date(1900, 1, 2) - os_date()).to_seconds();
+  const std::int64_t last = (os_date(2100, 12, 30) - os_date()).to_seconds();
+
+  // About 9 instants a day on the days around a change, 2 a week elsewhere.
+  std::mt19937 random(20240229);
+  int adjusted = 0;
+  for (std::int64_t instant = first; instant < last;) {
+    const std::tm local = LocalTime(instant);
+    const os_time_and_date view(os_time_period(kEpoch + instant), zone);
+    const std::string shown = std::to_string(instant) + " is " + asctime(&local);
+    ASSERT_EQ(view.date(), os_date(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday)) << shown;
+    ASSERT_EQ(view.time(), os_time(local.tm_hour, local.tm_min, local.tm_sec)) << shown;
+
+    // Back again, save that the second passing of a repeated hour is read as its first.
+    const os_time_and_date back(view.time(), view.date(), zone);
+    const std::int64_t adjustment = zone.dst_adjustment(view.time(), view.date()).to_seconds();
+    const std::int64_t expected = local.tm_isdst > 0 ? instant : instant - adjustment;
+    ASSERT_EQ(back.utc_time_and_date().to_seconds() - kEpoch, expected) << shown;
+    if (local.tm_isdst > 0) {
+      ++adjusted;
+      ASSERT_NE(adjustment, 0) << shown;
+    } else if (adjustment != 0) {
+      const std::tm earlier = LocalTime(expected);
+      ASSERT_EQ(earlier.tm_hour * 60 + earlier.tm_min, local.tm_hour * 60 + local.tm_min) << shown;
+    }
+    const int month = local.tm_mon + 1;
+    const bool near = (month == 3 && local.tm_mday > 28) || month == 4 || month == 10;
+    instant += std::uniform_int_distribution<std::int64_t>(1, near ? 20000 : 600000)(random);
+  }
+  EXPECT_EQ(adjusted == 0, zone.rules().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Zones, AgainstTheCLibrary,
+    ::testing::Values(
+        PosixCase{"CET-1CEST,J90/2,J300/3", Zone(-3600, At(3, 31, 2), At(10, 27, 3), 1800, 2200)},
+        PosixCase{"EST5EDT,J90/0,J300/0", Zone(18000, At(3, 31, 0), At(10, 27, 0), 1800, 2200)},
+        PosixCase{"AEST-10AEDT,J274/2,J91/3", Zone(-36000, At(10, 1, 2), At(4, 1, 3), 1800, 2200)},
+        PosixCase{"XST3:30XDT,J276/0,J90/0", Zone(12600, At(10, 3, 0), At(3, 31, 0), 1800, 2200)},
+        PosixCase{"LHST-10:30LHDT-11,J275/2,J92/2",
+                  Zone(-37800, At(10, 2, 2), At(4, 2, 2), 1800, 2200, os_time_period(1800))},
+        PosixCase{"NPT-5:45", os_time_zone(os_time_period(-20700), "zone", "Z")}),
+    [](const auto& parameter) { return "Zone" + std::to_string(parameter.index); });
+
+TEST(OsTimeZoneTest, ARuleCoversFromItsStartToBeforeItsEndInEachYearOfItsRange) {
+  const os_time_zone north = Zone(0, {3, 31}, {10, 27}, 2023, 2024);
+  const os_time_zone south = Zone(0, {10, 1}, {4, 1}, 2023, 2024);
+  const os_time_zone never = Zone(0, {3, 31}, {10, 27}, 2024, 2023);
+  const os_time_zone empty = Zone(0, {3, 31}, {3, 31}, 2023, 2024);
+  const os_time_zone leap = Zone(0, {2, 29}, {10, 0}, 2023, 2024);
+  const os_time_zone wild = Zone(0, {-5, 40}, {99, 0}, -40000, 40000);
+  const struct {
+    const os_time_zone& zone;
+    os_date date;
+    std::int64_t time;
+    bool covered;
+  } cases[] = {
+      {north, {2023, 3, 30}, 86399, false}, {north, {2023, 3, 31}, 0, true},
+      {north, {2023, 3, 31}, -1, false},    {north, {2023, 3, 30}, 86400, true},
+      {north, {2023, 10, 26}, 86399, true}, {north, {2023, 10, 27}, 0, false},
+      {north, {2024, 7, 1}, 0, true},       {north, {2022, 7, 1}, 0, false},
+      {north, {2025, 7, 1}, 0, false},      {south, {2022, 12, 31}, 86399, false},
+      {south, {2023, 1, 1}, 0, true},       {south, {2023, 3, 31}, 86399, true},
+      {south, {2023, 4, 1}, 0, false},      {south, {2023, 9, 30}, 86399, false},
+      {south, {2023, 10, 1}, 0, true},      {south, {2023, 12, 31}, 86399, true},
+      {south, {2024, 1, 1}, 0, true},       {south, {2024, 12, 31}, 86399, true},
+      {south, {2025, 1, 1}, 0, false},      {never, {2023, 7, 1}, 0, false},
+      {empty, {2023, 3, 31}, 0, false},     {leap, {2023, 2, 28}, 86399, false},
+      {leap, {2023, 3, 1}, 0, true},        {leap, {2024, 2, 29}, 0, true},
+      {leap, {2024, 9, 30}, 86399, true},   {leap, {2024, 10, 1}, 0, false},
+      {wild, {2024, 1, 1}, 0, true},        {wild, {2024, 12, 31}, 86399, true},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.zone.dst_adjustment(os_time(c.time), c.date), c.covered ? kHour : os_time_period())
+        << "case " << &c - cases;
+  }
+}
+
+TEST(OsTimeZoneTest, AnInstantNearTheTurnOfTheYearFallsInOnePeriodOnly) {
+  const struct {
+    os_time_zone zone;
+    os_date date;
+    std::int64_t time;
+    bool covered;
+  } cases[] = {
+      // Starts at the turn: the hour before it is not covered, though the adjusted clock is past
+      // it.
+      {Zone(0, {1, 1}, {3, 1}, 2000, 2100), {2023, 12, 31}, 84600, false},
+      {Zone(0, {1, 1}, {3, 1}, 2000, 2100), {2024, 1, 1}, 0, true},
+      // Over the turn, inside the range and at its ends.
+      {Zone(0, {10, 1}, {4, 1}, 2000, 2100), {2023, 12, 31}, 84600, true},
+      {Zone(0, {10, 1}, {4, 1}, 2024, 2024), {2023, 12, 31}, 84600, false},
+      {Zone(0, {10, 1}, {4, 1}, 2024, 2024), {2024, 12, 31}, 84600, false},
+      {Zone(0, {10, 1}, {4, 1}, 2024, 2024), {2024, 12, 31}, 82000, true},
+      // An adjustment backwards ends after the turn of the standard clock.
+      {Zone(0, {3, 1}, {13, 1}, 2000, 2100, -kHour), {2024, 1, 1}, 1800, true},
+      {Zone(0, {3, 1}, {13, 1}, 2000, 2100, -kHour), {2024, 1, 1}, 3600, false},
+  };
+  for (const auto& c : cases) {
+    const os_time_period utc = os_time_and_date(os_time(c.time), c.date).utc_time_and_date();
+    EXPECT_EQ(c.zone.to_wall_clock(utc) - utc,
+              c.covered ? c.zone.rules().front().adjustment() : os_time_period())
+        << "case " << &c - cases;
+  }
+}
+
+TEST(OsTimeZoneTest, TheFirstRuleThatCoversHolds) {
+  os_time_zone zone = Zone(0, {3, 1}, {10, 1}, 2024, 2024);
+  zone.insert(os_simple_time_zone_rule({6, 1}, {12, 1}, 2024, 2024, os_time_period(7200)));
+  EXPECT_EQ(zone.dst_adjustment(os_time(), {2024, 7, 1}), kHour);
+  EXPECT_EQ(zone.dst_adjustment(os_time(), {2024, 11, 1}), os_time_period(7200));
+  EXPECT_TRUE(os_time_zone::greenwich().rules().empty());
+  EXPECT_EQ(os_time_zone::greenwich().offset(), os_time_period());
+}
+
+TEST(OsTimeAndDateTest, CountsFromTheJulianDayZero) {
+  EXPECT_EQ(os_time_and_date().utc_time_and_date(), os_time_period(kEpoch));
+  const os_time_and_date late(os_time(90000), {2024, 12, 31});
+  EXPECT_EQ(late.date(), os_date(2025, 1, 1));
+  EXPECT_EQ(late.time(), os_time(1, 0, 0));
+  const os_time_zone east(os_time_period(-7200), "east", "E");
+  EXPECT_EQ(os_time_and_date(os_time(3, 0, 0), {2025, 1, 1}, east), late);
+  EXPECT_EQ(os_time_and_date(late.utc_time_and_date(), east).time(), os_time(3, 0, 0));
+  EXPECT_THROW(os_time_and_date(os_time(86400), {os_date::kMaxYear, 12, 31}), os_toolkit_error);
+}
+
+TEST(OsTimeAndDateTest, NowComesFromTheClockInPlace) {
+  const auto before = os_time_and_date::set_clock([] { return os_time_period(kEpoch + 86399, 5); });
+  const os_time_and_date now = os_time_and_date::now();
+  EXPECT_NE(os_time_and_date::set_clock(before), nullptr);
+  EXPECT_EQ(now.date(), os_date());
+  EXPECT_EQ(now.time().second(), 59);
+
+  const std::int64_t seconds = os_time_and_date::now().utc_time_and_date().to_seconds() - kEpoch;
+  EXPECT_NEAR(static_cast<double>(seconds), static_cast<double>(std::time(nullptr)), 5);
+}
+
+}  // namespace
