@@ -1,0 +1,119 @@
+#include <support/diagnostics/PasswordFile.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <optional>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/security/SecretString.h>
+
+namespace {
+
+TDiagRegister diagModule("PasswordFile");
+
+constexpr std::size_t kLongestFile = 64U * 1024U;
+
+// Closes a file descriptor. Thread contract: belongs to one thread.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : m_number(number) {}
+  ~Descriptor() {
+    if (m_number >= 0) close(m_number);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int Number() const { return m_number; }
+
+ private:
+  int m_number;
+};
+
+// What speaks against the open file, or nullptr.
+const char* WhyNotPrivate(int file) {
+  struct stat status {};
+  if (fstat(file, &status) != 0) return "its owner and rights cannot be read";
+  if (!S_ISREG(status.st_mode)) return "it is not a regular file";
+  if (status.st_uid != geteuid()) return "it belongs to another user";
+  if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) return "group or others have rights to it";
+  return nullptr;
+}
+
+// Reads the whole file into one buffer that never grows, so that no copy is left behind in memory.
+const char* ReadAll(int file, std::string& text) {
+  text.resize(kLongestFile + 1);
+  std::size_t length = 0;
+  while (length < text.size()) {
+    const ssize_t count = read(file, text.data() + length, text.size() - length);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return "it cannot be read";
+    if (count == 0) break;
+    length += static_cast<std::size_t>(count);
+  }
+  if (length > kLongestFile) return "it is too long";
+  text.resize(length);
+  return nullptr;
+}
+
+const char* ReadFile(const std::string& path, std::string& user, std::string& password) {
+  if (path.find('\0') != std::string::npos) return "its name holds a zero byte";
+  // Without O_NONBLOCK a named pipe would wait here for somebody to write to it.
+  const Descriptor file(
+      open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
+  if (file.Number() < 0) return errno == ELOOP ? "it is a symbolic link" : "it does not open";
+  if (const char* const reason = WhyNotPrivate(file.Number())) return reason;
+
+  vq::SecretString text;
+  if (const char* const reason = ReadAll(file.Number(), text.Text())) return reason;
+  return vq::ParsePasswordFile(text.Text(), user, password);
+}
+
+// Puts a value in the place of what was there, of which nothing stays in memory.
+void Replace(std::string& place, std::string_view value) {
+  vq::Wipe(place);
+  place.assign(value);
+}
+
+}  // namespace
+
+const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std::string& password) {
+  if (text.find('\0') != std::string_view::npos) return "it holds a zero byte";
+  struct Entry {
+    std::string_view key;
+    std::string& place;
+    std::optional<std::string_view> value;
+  };
+  Entry entries[] = {{"user=", user, {}}, {"password=", password, {}}};
+
+  while (!text.empty()) {
+    const std::size_t end = text.find('\n');
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    if (line.ends_with('\r')) line.remove_suffix(1);  // written on a system that ends lines so
+    if (line.starts_with('#') || line.find_first_not_of(" \t") == std::string_view::npos) continue;
+
+    Entry* match = nullptr;
+    for (Entry& entry : entries) {
+      if (line.starts_with(entry.key)) match = &entry;
+    }
+    if (match == nullptr) return "a line is neither user= nor password=";
+    if (match->value) return "a value is given twice";
+    match->value = line.substr(match->key.size());
+  }
+  for (const Entry& entry : entries) {
+    if (entry.value) Replace(entry.place, *entry.value);
+  }
+  return nullptr;
+}
+
+int getUsrAndPasswdFromFile(const std::string& path, std::string& user, std::string& password) {
+  const TDiagFunc diag(diagModule, "getUsrAndPasswdFromFile");
+  const char* const reason = ReadFile(path, user, password);
+  if (reason == nullptr) return 1;
+  VQ_LOG(diag, 2) << "Password file " << path << " refused: " << reason;
+  return 0;
+}

@@ -1,0 +1,41 @@
+// Reads a user name and a password from a file.
+//
+// The file is text. A line is `user=` or `password=` and then the value: every character up to the
+// line end, blanks and further "=" included. Blank lines and lines that begin with "#" say nothing.
+//
+//   # credentials of the nightly run
+//   user=operator
+//   password=open = sesame
+//
+//   std::string user, password;
+//   if (getUsrAndPasswdFromFile("/home/operator/.vq-credentials", user, password) == 0) ...
+#ifndef VQ_SUPPORT_DIAGNOSTICS_PASSWORDFILE_H
+#define VQ_SUPPORT_DIAGNOSTICS_PASSWORDFILE_H
+
+#include <string>
+#include <string_view>
+
+// Returns 1 when the file was read. `user` and `password` then have what the file gives; one that
+// it does not name stays as it was, so a file may give one of them, or neither.
+// Returns 0, with both untouched, when the file
+// - does not open, or is no regular file. A symbolic link in the last place of the path is refused
+//   too, since the rights that are looked at must be those of the file that the user named;
+//   directories above it may be links;
+// - belongs to another user than the process's effective one;
+// - gives group or others any right at all. A right to write would let them choose the credentials,
+//   and the group's bits also stand for whatever an access control list grants;
+// - is longer than 64 KiB, has a line of another form, names a value twice, or holds a zero byte.
+// The reason goes to the log at level 2, without any of the file's contents.
+// Owner and rights are those of the open file, so it cannot be exchanged between check and reading.
+// Thread contract: may be called from any thread.
+int getUsrAndPasswdFromFile(const std::string& path, std::string& user, std::string& password);
+
+namespace vq {
+
+// The same for the text of such a file. Returns nullptr when it was read, and otherwise what is
+// wrong with it, with both strings untouched.
+const char* ParsePasswordFile(std::string_view text, std::string& user, std::string& password);
+
+}  // namespace vq
+
+#endif  // VQ_SUPPORT_DIAGNOSTICS_PASSWORDFILE_H

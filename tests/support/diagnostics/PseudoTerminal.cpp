@@ -1,0 +1,129 @@
+#include "PseudoTerminal.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kPatience = 10'000;  // milliseconds
+
+// Plays the shell: gives the terminal to the program and tells whenever it stops or ends.
+[[noreturn]] void Lead(const std::function<int()>& program, int status, int output) {
+  const pid_t child = fork();
+  if (child == 0) {
+    setpgid(0, 0);
+    signal(SIGTTOU, SIG_IGN);
+    tcsetpgrp(STDIN_FILENO, getpid());
+    signal(SIGTTOU, SIG_DFL);
+    dup2(output, STDOUT_FILENO);
+    close(status);
+    const int code = program();
+    std::fflush(nullptr);
+    _exit(code);
+  }
+  int report = static_cast<int>(child);
+  bool tells = write(status, &report, sizeof report) == sizeof report;
+  while (tells && waitpid(child, &report, WUNTRACED) == child) {
+    tells = write(status, &report, sizeof report) == sizeof report;
+    if (!WIFSTOPPED(report)) break;
+  }
+  pause();  // the terminal stays until the test has looked at it
+  _exit(0);
+}
+
+bool IsReadable(int file, int milliseconds) {
+  pollfd input{file, POLLIN, 0};
+  return poll(&input, 1, milliseconds) == 1 && (input.revents & POLLIN) != 0;
+}
+
+}  // namespace
+
+PseudoTerminal::PseudoTerminal(const std::function<int()>& program) {
+  int status[2];
+  int output[2];
+  if (pipe2(status, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC | O_NONBLOCK) != 0) {
+    throw std::runtime_error("no pipes");
+  }
+  m_leader = forkpty(&m_master, nullptr, nullptr, nullptr);
+  if (m_leader < 0) throw std::runtime_error("no terminal");
+  if (m_leader == 0) {
+    close(status[0]);
+    Lead(program, status[1], output[1]);
+  }
+  close(status[1]);
+  close(output[1]);
+  m_status = status[0];
+  m_output = output[0];
+  m_program = NextStatus();
+  if (m_program <= 0) throw std::runtime_error("no program");
+}
+
+PseudoTerminal::~PseudoTerminal() {
+  if (m_program > 0) kill(m_program, SIGKILL);
+  kill(m_leader, SIGKILL);
+  waitpid(m_leader, nullptr, 0);
+  for (const int file : {m_master, m_status, m_output}) close(file);
+}
+
+bool PseudoTerminal::ReadScreen(int milliseconds) {
+  if (!IsReadable(m_master, milliseconds)) return false;
+  char buffer[512];
+  const ssize_t count = read(m_master, buffer, sizeof buffer);
+  if (count <= 0) return false;
+  m_screen.append(buffer, static_cast<std::size_t>(count));
+  return true;
+}
+
+bool PseudoTerminal::Sees(const std::string& text) {
+  for (;;) {
+    const std::size_t place = m_screen.find(text, m_seen);
+    if (place != std::string::npos) {
+      m_seen = place + text.size();
+      return true;
+    }
+    if (!ReadScreen(kPatience)) return false;
+  }
+}
+
+void PseudoTerminal::Type(const std::string& keys) const {
+  if (write(m_master, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size())) {
+    throw std::runtime_error("the terminal takes no keys");
+  }
+}
+
+void PseudoTerminal::Send(int signal) const {
+  kill(m_program, signal);
+}
+
+bool PseudoTerminal::Echoes() const {
+  termios attributes{};
+  if (tcgetattr(m_master, &attributes) != 0) throw std::runtime_error("no attributes");
+  return (attributes.c_lflag & ECHO) != 0;
+}
+
+int PseudoTerminal::NextStatus() const {
+  int status = -1;
+  if (!IsReadable(m_status, kPatience)) return -1;
+  return read(m_status, &status, sizeof status) == sizeof status ? status : -1;
+}
+
+const std::string& PseudoTerminal::Screen() {
+  while (ReadScreen(0)) {
+  }
+  return m_screen;
+}
+
+std::string PseudoTerminal::StandardOutput() const {
+  char buffer[512];
+  const ssize_t count = read(m_output, buffer, sizeof buffer);
+  return count > 0 ? std::string(buffer, static_cast<std::size_t>(count)) : std::string();
+}
