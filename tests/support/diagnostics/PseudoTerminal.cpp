@@ -53,6 +53,7 @@ PseudoTerminal::PseudoTerminal(const std::function<int()>& program) {
   if (pipe2(status, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC | O_NONBLOCK) != 0) {
     throw std::runtime_error("no pipes");
   }
+  std::fflush(nullptr);  // or the program would write what this process has left in its buffers
   m_leader = forkpty(&m_master, nullptr, nullptr, nullptr);
   if (m_leader < 0) throw std::runtime_error("no terminal");
   if (m_leader == 0) {
