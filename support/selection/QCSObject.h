@@ -1,0 +1,49 @@
+// An object as a selection sees it: named text attributes.
+//
+// A calendar, a table, a resource or a job is described to a selection (QCSSelectionDef.h) by the
+// texts that its criteria speak of:
+//
+//   QCSObject table;
+//   table.SetAttribute("NAME", "PAYROLL_DAILY");
+//   table.SetAttribute("DATACENTER", "PROD");
+//   if (authorizations->IsSchedTblAccessAllowed(table, UPDATE_ACCESS)) ...
+//
+// Names are case sensitive. An attribute that was never set is missing, which is not the same as an
+// attribute whose value is the empty text.
+#ifndef VQ_SUPPORT_SELECTION_QCSOBJECT_H
+#define VQ_SUPPORT_SELECTION_QCSOBJECT_H
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <support/Export.h>
+
+// Thread contract: like a standard container. Several threads may read one object, nobody may write
+// meanwhile.
+class VQ_SUPPORT_API QCSObject {
+ public:
+  using Attribute = std::pair<std::string, std::string>;  // name, value
+  using const_iterator = std::vector<Attribute>::const_iterator;
+
+  // Sets the attribute; a value that it had before is replaced.
+  void SetAttribute(std::string name, std::string value);
+
+  // Makes the attribute missing. Returns whether it was there.
+  bool RemoveAttribute(std::string_view name);
+
+  // The attribute's value, or null when it is missing. The object owns the text, and any change of
+  // the object ends its life.
+  const std::string* FindAttribute(std::string_view name) const;
+
+  // All attributes in the order of their names.
+  const_iterator begin() const { return m_attributes.begin(); }
+  const_iterator end() const { return m_attributes.end(); }
+  std::size_t size() const { return m_attributes.size(); }
+
+ private:
+  std::vector<Attribute> m_attributes;  // sorted by name, names unique
+};
+
+#endif  // VQ_SUPPORT_SELECTION_QCSOBJECT_H

@@ -1,0 +1,86 @@
+// A selection: says of an object whether it is one of those meant.
+//
+// Terms. A *matching* is a field, an operator and a value (SelectionMatching.h). A *term* is
+// matchings joined by AND: all of them must fit. A *definition* is terms joined by OR: one of them
+// must fit. A definition without terms fits nothing; a term without matchings, written `*`, fits
+// every object.
+//
+//   QCSSelectionDef selection;
+//   vq::SelectionParseError error;
+//   if (!selection.Parse("DATACENTER = 'PROD' AND NAME LIKE 'PAY*' OR OWNER = 'ops'", error)) {
+//     Show(error.AsString());   // "at position 13: expected a value in single quotes, found PROD"
+//   }
+//   if (selection.DoesItFit(job, false)) ...
+//
+// The text form is described in docs/selection-language.md.
+#ifndef VQ_SUPPORT_SELECTION_QCSSELECTIONDEF_H
+#define VQ_SUPPORT_SELECTION_QCSSELECTIONDEF_H
+
+#include <list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <support/Export.h>
+#include <support/selection/QCSObject.h>
+#include <support/selection/SelectionMatching.h>
+#include <support/selection/SelectionParseError.h>
+
+// Thread contract: like a standard container. The five virtual operations only read, so several
+// threads may ask one definition, as long as nobody changes it meanwhile.
+class VQ_SUPPORT_API QCSSelectionDef {
+ public:
+  using Term = std::vector<vq::SelectionMatching>;
+
+  // The virtual operations keep this order: classes of other libraries derive from this one.
+  virtual ~QCSSelectionDef();
+
+  // Whether the object fits. A matching whose attribute the object lacks fits when
+  // `missingAttrsFit` is true; otherwise HowToEvaluateMissingAttrsMatches decides.
+  virtual bool DoesItFit(const QCSObject& object, bool missingAttrsFit) const;
+
+  // The text form. Parses back to an equal definition. Empty for a definition without terms.
+  virtual std::string AsString() const;
+
+  // Tells how a matching counts whose attribute is missing: `fits` for the operators that say what
+  // the attribute is (=, <, <=, >, >=, LIKE), `negatedFits` for those that say what it is not (!=,
+  // NOT LIKE). Both false here: nothing is known of the attribute, so nothing is claimed of it. A
+  // derived class may answer otherwise, and must not change the object: DoesItFit asks it, on
+  // constant objects too.
+  virtual void HowToEvaluateMissingAttrsMatches(bool& fits, bool& negatedFits);
+
+  // Checks the fields of all matchings by IsValidField. Returns 1 when all are valid, else 0.
+  // `invalidFields` is set to those that are not, each once, in the order of the text.
+  virtual int ValidateFields(std::list<std::string>& invalidFields) const;
+
+  // Whether matchings may name this field. Any name but the empty one here; a derived class knows
+  // the fields of its kind of object.
+  virtual bool IsValidField(const std::string& field) const;
+
+  QCSSelectionDef();
+  QCSSelectionDef(const QCSSelectionDef&);
+  QCSSelectionDef(QCSSelectionDef&&) noexcept;
+  QCSSelectionDef& operator=(const QCSSelectionDef&);
+  QCSSelectionDef& operator=(QCSSelectionDef&&) noexcept;
+
+  // Replaces the terms by those of the text. Returns false when the text does not parse: `error`
+  // then tells why, and the definition is as it was. The empty text gives no terms. Takes time and
+  // memory in proportion to the text.
+  bool Parse(std::string_view text, vq::SelectionParseError& error);
+
+  const std::vector<Term>& Terms() const { return m_terms; }
+  void AddTerm(Term term);
+  void Clear();
+
+  // Equal terms in the same order.
+  friend bool operator==(const QCSSelectionDef& left, const QCSSelectionDef& right) {
+    return left.m_terms == right.m_terms;
+  }
+
+ private:
+  bool DoesMissingFit(vq::SelectionOperator op) const;
+
+  std::vector<Term> m_terms;
+};
+
+#endif  // VQ_SUPPORT_SELECTION_QCSSELECTIONDEF_H

@@ -1,0 +1,69 @@
+#include <support/selection/SelectionMatching.h>
+
+#include <algorithm>
+#include <compare>
+#include <optional>
+
+#include <support/selection/Wildcard.h>
+
+namespace vq {
+namespace {
+
+struct WholeNumber {
+  bool negative;
+  std::string_view digits;  // without leading zeros; empty is zero
+};
+
+std::optional<WholeNumber> AsWholeNumber(std::string_view text) {
+  WholeNumber number{!text.empty() && text.front() == '-', text};
+  if (number.negative) number.digits.remove_prefix(1);
+  if (number.digits.empty() || !std::all_of(number.digits.begin(), number.digits.end(),
+                                            [](char c) { return c >= '0' && c <= '9'; })) {
+    return std::nullopt;
+  }
+  number.digits.remove_prefix(std::min(number.digits.find_first_not_of('0'), number.digits.size()));
+  if (number.digits.empty()) number.negative = false;
+  return number;
+}
+
+std::strong_ordering CompareSize(std::string_view left, std::string_view right) {
+  const auto byLength = left.size() <=> right.size();
+  return byLength != 0 ? byLength : left <=> right;
+}
+
+std::strong_ordering Compare(std::string_view left, std::string_view right) {
+  const auto leftNumber = AsWholeNumber(left);
+  const auto rightNumber = leftNumber ? AsWholeNumber(right) : std::nullopt;
+  if (!rightNumber) return left <=> right;
+  if (leftNumber->negative != rightNumber->negative) {
+    return leftNumber->negative ? std::strong_ordering::less : std::strong_ordering::greater;
+  }
+  return leftNumber->negative ? CompareSize(rightNumber->digits, leftNumber->digits)
+                              : CompareSize(leftNumber->digits, rightNumber->digits);
+}
+
+}  // namespace
+
+bool MatchesValue(SelectionOperator op, std::string_view value, std::string_view attribute) {
+  switch (op) {
+    case SelectionOperator::Equal:
+      return attribute == value;
+    case SelectionOperator::NotEqual:
+      return attribute != value;
+    case SelectionOperator::Less:
+      return Compare(attribute, value) < 0;
+    case SelectionOperator::LessOrEqual:
+      return Compare(attribute, value) <= 0;
+    case SelectionOperator::Greater:
+      return Compare(attribute, value) > 0;
+    case SelectionOperator::GreaterOrEqual:
+      return Compare(attribute, value) >= 0;
+    case SelectionOperator::Like:
+      return MatchesWildcard(value, attribute);
+    case SelectionOperator::NotLike:
+      return !MatchesWildcard(value, attribute);
+  }
+  return false;
+}
+
+}  // namespace vq

@@ -1,0 +1,61 @@
+// One condition of a selection: a field, an operator and a value.
+//
+//   vq::SelectionMatching matching{"NAME", vq::SelectionOperator::Like, "PAY*"};
+//   vq::MatchesValue(matching.op, matching.value, "PAYROLL");   // true
+//
+// `=` and `!=` compare the texts byte by byte. LIKE and NOT LIKE take the value for a pattern with
+// `*` and `?`. The four order operators compare as whole numbers where both texts are whole numbers
+// of any length ("9" < "10", "-3" < "2"), and byte by byte otherwise.
+#ifndef VQ_SUPPORT_SELECTION_SELECTIONMATCHING_H
+#define VQ_SUPPORT_SELECTION_SELECTIONMATCHING_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include <support/Export.h>
+
+namespace vq {
+
+enum class SelectionOperator : std::uint8_t {
+  Equal,
+  NotEqual,
+  Less,
+  LessOrEqual,
+  Greater,
+  GreaterOrEqual,
+  Like,
+  NotLike,
+};
+
+// The operators as they are written, by the number of their enumerator.
+inline constexpr std::array<std::string_view, 8> kSelectionOperatorTexts = {
+    "=", "!=", "<", "<=", ">", ">=", "LIKE", "NOT LIKE"};
+
+constexpr std::string_view AsText(SelectionOperator op) {
+  return kSelectionOperatorTexts[static_cast<std::size_t>(op)];
+}
+
+// Whether the operator says what the attribute must not be.
+constexpr bool IsNegated(SelectionOperator op) {
+  return op == SelectionOperator::NotEqual || op == SelectionOperator::NotLike;
+}
+
+// Thread contract: a plain value.
+struct SelectionMatching {
+  std::string field;
+  SelectionOperator op = SelectionOperator::Equal;
+  std::string value;
+
+  friend bool operator==(const SelectionMatching&, const SelectionMatching&) = default;
+};
+
+// Whether an attribute with the text `attribute` fits the operator and the value. May be called
+// from any thread.
+VQ_SUPPORT_API bool MatchesValue(SelectionOperator op, std::string_view value,
+                                 std::string_view attribute);
+
+}  // namespace vq
+
+#endif  // VQ_SUPPORT_SELECTION_SELECTIONMATCHING_H
