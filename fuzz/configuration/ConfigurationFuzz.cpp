@@ -1,0 +1,27 @@
+// The file of a configuration domain: whatever it holds, reading it is safe, and one that is
+// accepted keeps its meaning when it is written and read again.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include <support/configuration/ConfigDocument.h>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const vq::XmlSession xml;  // Starting anew for each input would take most of the time.
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  vq::ConfigDocument document;
+  std::string error;
+  if (!document.Parse(text, error)) return error.empty() ? std::abort(), 0 : 0;
+
+  using Kind = vq::ConfigChange::Kind;
+  document.Apply({Kind::SetVar, "default", "-BiDirPolicy", "<1>\r\n"});
+  document.Apply({Kind::RemoveVar, "default", "-PreferIPMask", {}});
+  document.Apply({Kind::RemoveScope, "Test1", {}, {}});
+  const auto written = document.Text();
+  vq::ConfigDocument again;
+  if (!written || !again.Parse(*written, error) || again.Scopes() != document.Scopes())
+    std::abort();
+  return 0;
+}

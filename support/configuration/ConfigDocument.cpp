@@ -1,0 +1,238 @@
+#include <support/configuration/ConfigDocument.h>
+
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax/HandlerBase.hpp>
+#include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include <support/configuration/XmlText.h>
+
+namespace vq {
+
+namespace {
+
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+
+// Keeps the first complaint of a parse.
+class FirstError : public xercesc::HandlerBase {
+ public:
+  void error(const xercesc::SAXParseException& found) override { Keep(found); }
+  void fatalError(const xercesc::SAXParseException& found) override { Keep(found); }
+  const std::string& Text() const { return m_text; }
+
+ private:
+  void Keep(const xercesc::SAXParseException& found) {
+    if (!m_text.empty()) return;
+    m_text = "line " + std::to_string(found.getLineNumber()) + ", column " +
+             std::to_string(found.getColumnNumber()) + ": " + Utf8FromXml(found.getMessage());
+  }
+  std::string m_text;
+};
+
+template <class Release>
+class Released {
+ public:
+  explicit Released(Release* object) : m_object(object) {}
+  ~Released() { m_object->release(); }
+  Released(const Released&) = delete;
+  Released& operator=(const Released&) = delete;
+  Release* operator->() const { return m_object; }
+  Release* Get() const { return m_object; }
+
+ private:
+  Release* m_object;
+};
+
+xercesc::DOMImplementation* Implementation() {
+  return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+}
+
+xercesc::DOMDocument* NewDomain() {
+  return Implementation()->createDocument(nullptr, u"domain", nullptr);
+}
+
+bool IsElement(const DOMNode* node, const char16_t* tag) {
+  return node->getNodeType() == DOMNode::ELEMENT_NODE &&
+         xercesc::XMLString::equals(node->getNodeName(), tag);
+}
+
+// True when elements stand in one another more than `limit` deep. The XML library walks down by
+// recursion when it collects text and when it writes, so a document must not be any deeper.
+bool IsDeeperThan(int limit, const DOMNode* root) {
+  int depth = 0;
+  for (const DOMNode* node = root; node != nullptr && depth <= limit;) {
+    if (const DOMNode* child = node->getFirstChild()) {
+      node = child;
+      ++depth;
+      continue;
+    }
+    while (node != root && node->getNextSibling() == nullptr) {
+      node = node->getParentNode();
+      --depth;
+    }
+    node = node == root ? nullptr : node->getNextSibling();
+  }
+  return depth > limit;
+}
+
+// Why a well-formed document is no configuration domain; empty when it is one.
+std::string Objection(const xercesc::DOMDocument& document) {
+  constexpr int kDeepest = 100;
+  if (document.getDoctype() != nullptr) return "a document type declaration is not allowed";
+  const DOMElement* root = document.getDocumentElement();
+  if (root == nullptr || !IsElement(root, u"domain")) return "the root is no <domain>";
+  return IsDeeperThan(kDeepest, root) ? "the elements are nested too deep" : "";
+}
+
+// The next element from `node` on among its siblings that has this tag and a name.
+DOMElement* NextNamed(DOMNode* node, const char16_t* tag) {
+  for (; node != nullptr; node = node->getNextSibling()) {
+    if (!IsElement(node, tag)) continue;
+    auto* element = static_cast<DOMElement*>(node);
+    if (*element->getAttribute(u"name") != u'\0') return element;
+  }
+  return nullptr;
+}
+
+// The next of them with this very name.
+DOMElement* Find(DOMNode* node, const char16_t* tag, const std::u16string& name) {
+  DOMElement* element = NextNamed(node, tag);
+  while (element != nullptr && element->getAttribute(u"name") != name) {
+    element = NextNamed(element->getNextSibling(), tag);
+  }
+  return element;
+}
+
+bool IsBlank(const DOMNode* node) {
+  return node != nullptr && node->getNodeType() == DOMNode::TEXT_NODE &&
+         std::u16string_view(node->getNodeValue()).find_first_not_of(u" \t\r\n") ==
+             std::u16string_view::npos;
+}
+
+// Appends an element on a line of its own, in a parent that stands `depth` levels deep.
+DOMElement* Append(DOMElement* parent, std::size_t depth, const char16_t* tag,
+                   const std::u16string& name) {
+  xercesc::DOMDocument* document = parent->getOwnerDocument();
+  const std::u16string line = u"\n" + std::u16string(2 * (depth + 1), u' ');
+  const std::u16string lastLine = u"\n" + std::u16string(2 * depth, u' ');
+  DOMElement* element = document->createElement(tag);
+  element->setAttribute(u"name", name.c_str());
+  if (IsBlank(parent->getLastChild())) parent->removeChild(parent->getLastChild())->release();
+  parent->appendChild(document->createTextNode(line.c_str()));
+  parent->appendChild(element);
+  parent->appendChild(document->createTextNode(lastLine.c_str()));
+  return element;
+}
+
+// Removes every element of this tag and name, with the line that it stood on.
+void RemoveAll(DOMElement* parent, const char16_t* tag, const std::u16string& name) {
+  while (DOMElement* element = Find(parent->getFirstChild(), tag, name)) {
+    if (IsBlank(element->getPreviousSibling())) {
+      parent->removeChild(element->getPreviousSibling())->release();
+    }
+    parent->removeChild(element)->release();
+  }
+}
+
+}  // namespace
+
+void ConfigDocument::Release::operator()(xercesc::DOMDocument* document) const {
+  document->release();
+}
+
+ConfigDocument::ConfigDocument() : m_document(NewDomain()) {}
+
+ConfigDocument::~ConfigDocument() = default;
+
+bool ConfigDocument::Parse(std::string_view text, std::string& error) {
+  xercesc::SecurityManager security;
+  security.setEntityExpansionLimit(0);
+  FirstError firstError;
+  const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(text.data()),
+                                          text.size(), u"domain");
+  xercesc::XercesDOMParser parser;
+  parser.setValidationScheme(xercesc::XercesDOMParser::Val_Never);
+  parser.setDoNamespaces(false);
+  parser.setLoadExternalDTD(false);
+  parser.setDisableDefaultEntityResolution(true);
+  parser.setCreateEntityReferenceNodes(false);
+  parser.setSecurityManager(&security);
+  parser.setErrorHandler(&firstError);
+  try {
+    parser.parse(source);
+  } catch (const xercesc::XMLException& failure) {
+    error = Utf8FromXml(failure.getMessage());
+    return false;
+  } catch (const xercesc::DOMException& failure) {
+    error = Utf8FromXml(failure.getMessage());
+    return false;
+  }
+  error = firstError.Text();
+  if (error.empty() && parser.getErrorCount() == 0) error = Objection(*parser.getDocument());
+  if (!error.empty()) return false;
+  m_document.reset(parser.adoptDocument());
+  return true;
+}
+
+ConfigScopes ConfigDocument::Scopes() const {
+  ConfigScopes scopes;
+  DOMNode* root = m_document->getDocumentElement();
+  for (DOMElement* scope = NextNamed(root->getFirstChild(), u"scope"); scope != nullptr;
+       scope = NextNamed(scope->getNextSibling(), u"scope")) {
+    const auto [at, isFirst] = scopes.try_emplace(Utf8FromXml(scope->getAttribute(u"name")));
+    if (!isFirst) continue;
+    for (DOMElement* var = NextNamed(scope->getFirstChild(), u"var"); var != nullptr;
+         var = NextNamed(var->getNextSibling(), u"var")) {
+      at->second.try_emplace(Utf8FromXml(var->getAttribute(u"name")),
+                             Utf8FromXml(var->getTextContent()));
+    }
+  }
+  return scopes;
+}
+
+void ConfigDocument::Apply(const ConfigChange& change) {
+  const std::u16string scopeName = XmlFromUtf8(change.scope).value();
+  const std::u16string name = XmlFromUtf8(change.name).value();
+  const std::u16string value = XmlFromUtf8(change.value).value();
+  DOMElement* root = m_document->getDocumentElement();
+  DOMElement* scope = Find(root->getFirstChild(), u"scope", scopeName);
+  switch (change.kind) {
+    case ConfigChange::Kind::SetVar: {
+      if (scope == nullptr) scope = Append(root, 0, u"scope", scopeName);
+      DOMElement* var = Find(scope->getFirstChild(), u"var", name);
+      if (var == nullptr) var = Append(scope, 1, u"var", name);
+      var->setTextContent(value.c_str());
+      break;
+    }
+    case ConfigChange::Kind::RemoveVar:
+      if (scope != nullptr) RemoveAll(scope, u"var", name);
+      break;
+    case ConfigChange::Kind::RemoveScope:
+      RemoveAll(root, u"scope", scopeName);
+      break;
+  }
+}
+
+std::optional<std::string> ConfigDocument::Text() const {
+  const Released serializer(Implementation()->createLSSerializer());
+  serializer->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMXMLDeclaration, false);
+  serializer->setNewLine(u"\n");
+  std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+  // One by one, because line ends between comments and the root are no part of the document.
+  for (DOMNode* node = m_document->getFirstChild(); node != nullptr;
+       node = node->getNextSibling()) {
+    const Released output(Implementation()->createLSOutput());
+    xercesc::MemBufFormatTarget target;
+    output->setEncoding(u"UTF-8");
+    output->setByteStream(&target);
+    if (!serializer->write(node, output.Get())) return std::nullopt;
+    text.append(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen()) += '\n';
+  }
+  return text;
+}
+
+}  // namespace vq

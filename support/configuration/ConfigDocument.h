@@ -1,0 +1,74 @@
+// The XML document of a configuration domain, in memory.
+//
+// What counts: <scope name="..."> elements directly in the root <domain>, and <var name="...">
+// elements directly in them, whose text is the value. Everything else - comments, other elements
+// and attributes, a scope or variable without a name - means nothing and is kept where it stands.
+// Of two with the same name the first counts.
+//
+//   vq::ConfigDocument document;
+//   if (document.Parse(text, error)) {
+//     document.Apply({vq::ConfigChange::Kind::SetVar, "default", "-BiDirPolicy", "1"});
+//     text = document.Text().value();
+//   }
+#ifndef VQ_SUPPORT_CONFIGURATION_CONFIGDOCUMENT_H
+#define VQ_SUPPORT_CONFIGURATION_CONFIGDOCUMENT_H
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <xercesc/util/XercesDefs.hpp>
+
+#include <support/configuration/XmlPlatform.h>
+
+XERCES_CPP_NAMESPACE_BEGIN
+class DOMDocument;
+XERCES_CPP_NAMESPACE_END
+
+namespace vq {
+
+using ConfigVariables = std::map<std::string, std::string>;
+using ConfigScopes = std::map<std::string, ConfigVariables>;
+
+struct ConfigChange {
+  enum class Kind { SetVar, RemoveVar, RemoveScope };
+  Kind kind;
+  std::string scope;
+  std::string name;   // not looked at by RemoveScope
+  std::string value;  // SetVar only
+};
+
+// Thread contract: one thread an object.
+class ConfigDocument {
+ public:
+  ConfigDocument();  // an empty domain
+  ~ConfigDocument();
+  ConfigDocument(const ConfigDocument&) = delete;
+  ConfigDocument& operator=(const ConfigDocument&) = delete;
+
+  // Replaces the document by the one in `text`. Returns false, says why in `error` and leaves the
+  // document as it is when the text is not well-formed, has a document type declaration, nests
+  // elements more than 100 deep, or its root is no <domain>. Nothing outside `text` is ever read.
+  bool Parse(std::string_view text, std::string& error);
+
+  ConfigScopes Scopes() const;
+
+  // Makes the change. The texts must be such as XmlFromUtf8 takes.
+  void Apply(const ConfigChange& change);
+
+  // The document as UTF-8, closed by a line end; nothing when it can't be written.
+  std::optional<std::string> Text() const;
+
+ private:
+  struct Release {
+    void operator()(XERCES_CPP_NAMESPACE::DOMDocument* document) const;
+  };
+  XmlSession m_xml;  // before the document, which must go first
+  std::unique_ptr<XERCES_CPP_NAMESPACE::DOMDocument, Release> m_document;
+};
+
+}  // namespace vq
+
+#endif  // VQ_SUPPORT_CONFIGURATION_CONFIGDOCUMENT_H

@@ -1,0 +1,156 @@
+#include <support/configuration/ConfigXml.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/util/XMLException.hpp>
+
+#include <support/configuration/SafeFile.h>
+#include <support/configuration/XmlText.h>
+
+namespace vq {
+
+namespace {
+
+constexpr char kDefaultScope[] = "default";
+
+// The file that is read and replaced. A symbolic link is followed, so that a save replaces the file
+// that it names and not the link.
+std::string PathOf(const std::string& directory, const std::string& name) {
+  if (name.empty() || name.find('/') != std::string::npos) return {};
+  const std::filesystem::path path = std::filesystem::path(directory) / (name + ".xml");
+  std::error_code error;
+  const std::filesystem::path target = std::filesystem::canonical(path, error);
+  return error ? path.string() : target.string();
+}
+
+// Runs `step`, which returns a bool, and turns what the XML library throws into a text. The library
+// stays started until its exception is read.
+template <class Step>
+bool Guarded(std::string& error, Step step) {
+  try {
+    const XmlSession xml;
+    try {
+      return step();
+    } catch (const xercesc::XMLException& failure) {
+      error = Utf8FromXml(failure.getMessage());
+    } catch (const xercesc::DOMException& failure) {
+      error = Utf8FromXml(failure.getMessage());
+    }
+  } catch (const xercesc::XMLException&) {
+    error = "the XML library does not start";
+  }
+  return false;
+}
+
+}  // namespace
+
+ConfigXml::ConfigXml(const std::string& directory, const std::string& name,
+                     std::chrono::milliseconds wait)
+    : m_path(PathOf(directory, name)), m_wait(wait) {}
+
+bool ConfigXml::Complain(const std::string& error) {
+  m_error = error;
+  return false;
+}
+
+bool ConfigXml::ReadInto(ConfigDocument& document) {
+  std::string text;
+  std::string error;
+  switch (ReadFile(m_path, kLargestFile, text, error)) {
+    case ReadResult::Missing:
+      return true;
+    case ReadResult::Failed:
+      return Complain(error);
+    case ReadResult::Read:
+      break;
+  }
+  return document.Parse(text, error) || Complain(m_path + ": " + error);
+}
+
+bool ConfigXml::Load() {
+  m_error.clear();
+  if (m_path.empty()) return Complain("the domain has no name that a file can have");
+  return Guarded(m_error, [this] {
+    ConfigDocument document;
+    if (!ReadInto(document)) return false;
+    m_scopes = document.Scopes();
+    m_changes.clear();
+    return true;
+  });
+}
+
+bool ConfigXml::Save() {
+  m_error.clear();
+  if (m_path.empty()) return Complain("the domain has no name that a file can have");
+  if (m_changes.empty()) return true;
+  std::error_code failure;
+  std::filesystem::create_directories(std::filesystem::path(m_path).parent_path(), failure);
+  const FileLock lock(m_path + ".lock", m_wait);
+  if (!lock.Held()) return Complain(lock.Error());
+  return Guarded(m_error, [this] {
+    ConfigDocument document;
+    if (!ReadInto(document)) return false;
+    for (const ConfigChange& change : m_changes) document.Apply(change);
+    const auto text = document.Text();
+    if (!text) return Complain(m_path + ": the domain can't be written as XML");
+    if (!ReplaceFile(m_path, *text, m_error)) return false;
+    m_scopes = document.Scopes();
+    m_changes.clear();
+    return true;
+  });
+}
+
+std::optional<std::string> ConfigXml::GetVar(const std::string& scope,
+                                             const std::string& name) const {
+  const auto inScope = m_scopes.find(scope);
+  if (inScope == m_scopes.end()) return std::nullopt;
+  const auto found = inScope->second.find(name);
+  if (found == inScope->second.end()) return std::nullopt;
+  return found->second;
+}
+
+bool ConfigXml::SetVar(const std::string& scope, const std::string& name,
+                       const std::string& value) {
+  if (scope.empty() || name.empty()) return false;
+  const XmlSession xml;  // the conversion needs it
+  for (const std::string* text : {&scope, &name, &value}) {
+    if (!XmlFromUtf8(*text)) return false;
+  }
+  m_scopes[scope][name] = value;
+  m_changes.push_back({ConfigChange::Kind::SetVar, scope, name, value});
+  return true;
+}
+
+bool ConfigXml::RemoveVar(const std::string& scope, const std::string& name) {
+  const auto inScope = m_scopes.find(scope);
+  if (inScope == m_scopes.end() || inScope->second.erase(name) == 0) return false;
+  m_changes.push_back({ConfigChange::Kind::RemoveVar, scope, name, {}});
+  return true;
+}
+
+bool ConfigXml::RemoveScope(const std::string& scope) {
+  if (m_scopes.erase(scope) == 0) return false;
+  m_changes.push_back({ConfigChange::Kind::RemoveScope, scope, {}, {}});
+  return true;
+}
+
+std::list<std::string> ConfigXml::GetScopes() const {
+  std::list<std::string> names;
+  for (const auto& [name, variables] : m_scopes) {
+    name == kDefaultScope ? names.push_front(name) : names.push_back(name);
+  }
+  return names;
+}
+
+void ConfigXml::GetScopeAndDefaultVars(const std::string& scope,
+                                       std::map<std::string, std::string>& table) const {
+  for (const std::string& from : {std::string(kDefaultScope), scope}) {
+    const auto found = m_scopes.find(from);
+    if (found == m_scopes.end()) continue;
+    for (const auto& [name, value] : found->second) table[name] = value;
+  }
+}
+
+}  // namespace vq

@@ -1,0 +1,138 @@
+#include <support/configuration/SafeFile.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vq {
+
+namespace {
+
+std::string SystemError(const std::string& path) {
+  return path + ": " + std::generic_category().message(errno);
+}
+
+class Descriptor {
+ public:
+  Descriptor(const std::string& path, int flags, mode_t mode = 0)
+      : m_file(::open(path.c_str(), flags | O_CLOEXEC, mode)) {}
+  ~Descriptor() {
+    if (m_file != -1) ::close(m_file);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int Get() const { return m_file; }
+  bool Close() { return ::close(std::exchange(m_file, -1)) == 0; }
+
+ private:
+  int m_file;
+};
+
+bool WriteAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(file, text.data(), text.size());
+    if (written == -1 && errno == EINTR) continue;
+    if (written == -1) return false;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+// Writes the new content under its temporary name and brings it to the disk.
+bool WriteDurably(const std::string& path, std::string_view text, mode_t mode) {
+  ::unlink(path.c_str());  // What a writer left that was killed; O_EXCL follows no link.
+  Descriptor file(path, O_WRONLY | O_CREAT | O_EXCL, mode);
+  return file.Get() != -1 && WriteAll(file.Get(), text) && ::fchmod(file.Get(), mode) == 0 &&
+         ::fsync(file.Get()) == 0 && file.Close();
+}
+
+}  // namespace
+
+ReadResult ReadFile(const std::string& path, std::size_t limit, std::string& text,
+                    std::string& error) {
+  // O_NONBLOCK, so that a pipe under this name does not stop the process.
+  const Descriptor file(path, O_RDONLY | O_NONBLOCK);
+  struct stat status {};
+  if (file.Get() == -1 && errno == ENOENT) return ReadResult::Missing;
+  if (file.Get() == -1 || ::fstat(file.Get(), &status) == -1) {
+    error = SystemError(path);
+    return ReadResult::Failed;
+  }
+  if (!S_ISREG(status.st_mode)) {
+    error = path + ": not a regular file";
+    return ReadResult::Failed;
+  }
+  std::string content;
+  char buffer[16384];
+  for (;;) {
+    const ssize_t size = ::read(file.Get(), buffer, sizeof buffer);
+    if (size == -1 && errno == EINTR) continue;
+    if (size == -1) {
+      error = SystemError(path);
+      return ReadResult::Failed;
+    }
+    if (size == 0) break;
+    content.append(buffer, static_cast<std::size_t>(size));
+    if (content.size() > limit) {
+      error = path + ": more than " + std::to_string(limit) + " bytes";
+      return ReadResult::Failed;
+    }
+  }
+  text = std::move(content);
+  return ReadResult::Read;
+}
+
+bool ReplaceFile(const std::string& path, std::string_view text, std::string& error) {
+  struct stat status {};
+  const bool exists = ::stat(path.c_str(), &status) == 0;
+  const mode_t mode = exists ? status.st_mode & 07777U : 0644U;
+  const std::string temporary = path + ".new";
+  if (!WriteDurably(temporary, text, mode)) {
+    error = SystemError(temporary);
+    ::unlink(temporary.c_str());
+    return false;
+  }
+  if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+    error = SystemError(path);
+    ::unlink(temporary.c_str());
+    return false;
+  }
+  // The rename itself reaches the disk with its directory. A file system that can't do this on
+  // demand does it in its own time; the file is whole in either case.
+  const Descriptor directory(path.substr(0, path.rfind('/') + 1) + ".", O_RDONLY | O_DIRECTORY);
+  if (directory.Get() != -1) ::fsync(directory.Get());
+  return true;
+}
+
+FileLock::FileLock(const std::string& path, std::chrono::milliseconds wait) {
+  constexpr std::chrono::milliseconds kPause{5};
+  m_file = ::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
+  if (m_file == -1) {
+    m_error = SystemError(path);
+    return;
+  }
+  // The system offers no lock that waits for a limited time.
+  const auto end = std::chrono::steady_clock::now() + wait;
+  while (::flock(m_file, LOCK_EX | LOCK_NB) == -1) {
+    const bool taken = errno == EWOULDBLOCK || errno == EINTR;
+    if (!taken || std::chrono::steady_clock::now() >= end) {
+      m_error = taken ? path + ": another program is writing" : SystemError(path);
+      return;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+  m_held = true;
+}
+
+FileLock::~FileLock() {
+  if (m_file != -1) ::close(m_file);
+}
+
+}  // namespace vq

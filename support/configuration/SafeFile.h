@@ -1,0 +1,54 @@
+// Reading and replacing a small file so that no crash and no second writer spoils it.
+//
+//   const vq::FileLock lock(path + ".lock", std::chrono::seconds(10));
+//   if (!lock.Held()) return false;
+//   vq::ReplaceFile(path, text, error);
+//
+// Errors are texts for a reader of messages: the path and what the system said.
+#ifndef VQ_SUPPORT_CONFIGURATION_SAFEFILE_H
+#define VQ_SUPPORT_CONFIGURATION_SAFEFILE_H
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace vq {
+
+enum class ReadResult { Read, Missing, Failed };
+
+// Reads the regular file at `path` into `text`. `Missing` when there is none. `Failed`, with
+// `error` set, when it can't be read, is no regular file or has more than `limit` bytes. `text` is
+// changed by `Read` only. Safe on any thread.
+ReadResult ReadFile(const std::string& path, std::size_t limit, std::string& text,
+                    std::string& error);
+
+// Puts `text` into the file at `path`, as a whole or not at all: it is written to `path` + ".new",
+// brought to the disk and renamed. The new file has the permissions of the old one. Returns false,
+// with `error` set and the old file as it was, when a step fails. Callers keep one another out with
+// a FileLock.
+bool ReplaceFile(const std::string& path, std::string_view text, std::string& error);
+
+// Keeps writers apart that use the same lock file, in this process and in others. The system lets
+// the lock go when its holder ends, however it ends; the lock file itself stays. Thread contract:
+// one thread an object.
+class FileLock {
+ public:
+  // Makes the lock file at `path` where it is missing, and waits at most `wait` for its holder.
+  FileLock(const std::string& path, std::chrono::milliseconds wait);
+  ~FileLock();
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+  bool Held() const { return m_held; }
+  const std::string& Error() const { return m_error; }  // empty when held
+
+ private:
+  int m_file = -1;
+  bool m_held = false;
+  std::string m_error;
+};
+
+}  // namespace vq
+
+#endif  // VQ_SUPPORT_CONFIGURATION_SAFEFILE_H
