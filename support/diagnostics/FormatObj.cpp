@@ -34,7 +34,9 @@ FormatObj& FormatObj::operator<<(char character) {
   return *this;
 }
 
-FormatObj& FormatObj::operator<<(bool value) { return *this << (value ? '1' : '0'); }
+FormatObj& FormatObj::operator<<(bool value) {
+  return *this << (value ? '1' : '0');
+}
 
 FormatObj& FormatObj::operator<<(double value) {
   fmt::format_to(std::back_inserter(m_text), "{}", value);

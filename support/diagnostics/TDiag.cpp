@@ -16,7 +16,9 @@
 
 namespace {
 
-int ClampLevel(int level) { return std::clamp(level, TDiag::kAlways, TDiag::kTrace); }
+int ClampLevel(int level) {
+  return std::clamp(level, TDiag::kAlways, TDiag::kTrace);
+}
 
 // Text sinks keep one line of the log apart from the next: what follows a line end is indented, so
 // that no text from outside can pass for a line of its own.
@@ -120,9 +122,13 @@ void TDiag::ClearModuleLevels() {
   m_state->Spread();
 }
 
-void TDiag::SetClassMask(std::uint32_t mask) { m_state->classMask = mask; }
+void TDiag::SetClassMask(std::uint32_t mask) {
+  m_state->classMask = mask;
+}
 
-std::uint32_t TDiag::GetClassMask() const { return m_state->classMask; }
+std::uint32_t TDiag::GetClassMask() const {
+  return m_state->classMask;
+}
 
 TDiag::SinkId TDiag::AddStandardErrorSink() {
   return m_state->Add(std::make_shared<spdlog::sinks::stderr_sink_st>());
@@ -209,4 +215,6 @@ TDiagRegister::~TDiagRegister() {
   m_level = -1;
 }
 
-void TDiagFunc::Enter() const { Line(TDiag::kTrace) << "Enter"; }
+void TDiagFunc::Enter() const {
+  Line(TDiag::kTrace) << "Enter";
+}

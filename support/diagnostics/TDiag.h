@@ -124,7 +124,8 @@ class TDiagFunc {
  public:
   TDiagFunc(const TDiagRegister& module, const char* qualifiedName)
       : m_module(module), m_name(qualifiedName) {
-    if (IsActive(TDiag::kTrace)) [[unlikely]] Enter();
+    if (IsActive(TDiag::kTrace)) [[unlikely]]
+      Enter();
   }
   TDiagFunc(const TDiagFunc&) = delete;
   TDiagFunc& operator=(const TDiagFunc&) = delete;
@@ -141,22 +142,20 @@ class TDiagFunc {
 };
 
 // VQ_LOG(where, level) << ...; writes one line. `where` is a TDiagFunc or a TDiagRegister.
-// VQ_LOG_CLASS does the same in a diagnostics class of its own.
-#define VQ_LOG(where, level)      \
-  switch (0)                      \
-  case 0:                         \
-  default:                        \
-    if (!(where).IsActive(level)) \
-      ;                           \
-    else                          \
-      (where).Line(level)
-#define VQ_LOG_CLASS(where, level, lineClass) \
-  switch (0)                                  \
-  case 0:                                     \
-  default:                                    \
-    if (!(where).IsActive(level))             \
-      ;                                       \
-    else                                      \
-      (where).Line(level, lineClass)
+// VQ_LOG_CLASS does the same in a diagnostics class of its own. Each is one expression, so that it
+// may stand wherever a statement may.
+#define VQ_LOG_IF(where, level, line) \
+  !(where).IsActive(level) ? (void)0 : vq::EndOfLine() & (where).line
+#define VQ_LOG(where, level) VQ_LOG_IF(where, level, Line(level))
+#define VQ_LOG_CLASS(where, level, lineClass) VQ_LOG_IF(where, level, Line(level, lineClass))
+
+namespace vq {
+
+// Gives both branches of VQ_LOG's condition the same type.
+struct EndOfLine {
+  void operator&(const FormatObj&) const {}
+};
+
+}  // namespace vq
 
 #endif  // VQ_SUPPORT_DIAGNOSTICS_TDIAG_H

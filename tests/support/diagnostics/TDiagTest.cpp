@@ -33,7 +33,8 @@ class TDiagTest : public ::testing::Test {
 TEST_F(TDiagTest, LinesUpToTheLevelAreWrittenAndNoOthers) {
   TDiag::Instance()->SetMinimumDebugLevel(4);
   for (int level = 0; level <= 6; ++level) VQ_LOG(diagModule, level) << "at " << level;
-  EXPECT_EQ(m_lines, (std::vector<std::string>{"0  at 0", "1  at 1", "2  at 2", "3  at 3", "4  at 4"}));
+  EXPECT_EQ(m_lines,
+            (std::vector<std::string>{"0  at 0", "1  at 1", "2  at 2", "3  at 3", "4  at 4"}));
 }
 
 TEST_F(TDiagTest, AnInactiveLineEvaluatesNothing) {

@@ -1,0 +1,31 @@
+// CORBA exceptions and references in words, in one place for the whole system.
+//
+//   catch (const CORBA::SystemException& e) {
+//     VQ_LOG(diag, 1) << "CORBA::SystemException caught: " << e;
+//   }
+//   -> CORBA::SystemException caught: TRANSIENT (IDL:omg.org/CORBA/TRANSIENT:1.0), minor code
+//      0x41540002 (TRANSIENT_ConnectFailed), completed: NO
+#ifndef VQ_SUPPORT_ORB_CORBATEXT_H
+#define VQ_SUPPORT_ORB_CORBATEXT_H
+
+#include <string>
+
+#include <support/diagnostics/FormatObj.h>
+#include <support/orb/Corba.h>
+
+namespace vq::orb {
+
+// Name and repository id; for a system exception also the minor code with its name and whether the
+// call was completed. A message beyond the size limit adds which setting raises the limit.
+std::string ExceptionText(const CORBA::Exception& exception);
+
+// "Failed with CORBA::SystemException [name = ...] [minor = ...]", the minor code in decimal.
+std::string NameAndMinorText(const CORBA::SystemException& exception);
+
+}  // namespace vq::orb
+
+inline FormatObj& operator<<(FormatObj& line, const CORBA::Exception& exception) {
+  return line << vq::orb::ExceptionText(exception);
+}
+
+#endif  // VQ_SUPPORT_ORB_CORBATEXT_H

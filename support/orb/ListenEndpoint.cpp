@@ -1,0 +1,79 @@
+#include <support/orb/ListenEndpoint.h>
+
+#include <charconv>
+#include <system_error>
+
+namespace vq::orb {
+namespace {
+
+constexpr std::string_view kProtocol = "iiop://";
+constexpr int kHighestPort = 65535;
+
+bool ParseNumber(std::string_view text, int& value) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return error == std::errc() && end == text.data() + text.size() && value >= 0 &&
+         value <= kHighestPort;
+}
+
+bool ApplyOption(std::string_view option, ListenEndpoint& endpoint) {
+  const std::size_t equals = option.find('=');
+  if (equals == std::string_view::npos) return false;
+  const std::string_view name = option.substr(0, equals);
+  const std::string_view value = option.substr(equals + 1);
+  int reuse = 0;
+  if (name == "hostname_in_ior") {
+    endpoint.publishedHost = value;
+    return !value.empty();
+  }
+  if (name == "portspan") return ParseNumber(value, endpoint.portSpan);
+  if (name == "ssl_port") return ParseNumber(value, endpoint.tlsPort);
+  return name == "reuse_addr" && ParseNumber(value, reuse);
+}
+
+}  // namespace
+
+std::optional<ListenEndpoint> ParseListenEndpoint(std::string_view text, std::string& error) {
+  ListenEndpoint endpoint;
+  if (text.empty()) return endpoint;
+  if (!text.starts_with(kProtocol)) {
+    error = "the listen endpoint '" + std::string(text) + "' does not begin with 'iiop://'";
+    return std::nullopt;
+  }
+  std::string_view rest = text.substr(kProtocol.size());
+  std::string_view options;
+  if (const std::size_t slash = rest.find('/'); slash != std::string_view::npos) {
+    options = rest.substr(slash + 1);
+    rest = rest.substr(0, slash);
+  }
+
+  // The port follows the last colon; an IPv6 address in brackets holds colons of its own.
+  const std::size_t colon = rest.rfind(':');
+  const std::size_t bracket = rest.rfind(']');
+  if (colon != std::string_view::npos && (bracket == std::string_view::npos || colon > bracket)) {
+    const std::string_view port = rest.substr(colon + 1);
+    if (!port.empty() && !ParseNumber(port, endpoint.port)) {
+      error = "'" + std::string(port) + "' in '" + std::string(text) + "' is not a port number";
+      return std::nullopt;
+    }
+    rest = rest.substr(0, colon);
+  }
+  endpoint.host = rest;
+
+  while (!options.empty()) {
+    const std::size_t separator = options.find('&');
+    const std::string_view option = options.substr(0, separator);
+    options.remove_prefix(separator == std::string_view::npos ? options.size() : separator + 1);
+    if (!ApplyOption(option, endpoint)) {
+      error = "'" + std::string(option) + "' in '" + std::string(text) +
+              "' is not a listen endpoint option";
+      return std::nullopt;
+    }
+  }
+  if (endpoint.portSpan > 0 && endpoint.port == 0) {
+    error = "'" + std::string(text) + "' has a port span and no port to start from";
+    return std::nullopt;
+  }
+  return endpoint;
+}
+
+}  // namespace vq::orb

@@ -1,0 +1,38 @@
+// A listen endpoint as the setting -ORBListenEndpoints gives it:
+//
+//   iiop://[host][:port][/option{&option}]
+//
+//   portspan=n          try n ports from `port` on
+//   ssl_port=n          listen for TLS on that port as well
+//   hostname_in_ior=h   publish h in references instead of the address listened on
+//   reuse_addr=0|1      accepted; ORB products here always set the socket option as they see fit
+//
+//   const auto endpoint = vq::orb::ParseListenEndpoint("iiop://:5000/hostname_in_ior=gui.site",
+//   error);
+#ifndef VQ_SUPPORT_ORB_LISTENENDPOINT_H
+#define VQ_SUPPORT_ORB_LISTENENDPOINT_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vq::orb {
+
+// Thread contract: a plain value.
+struct ListenEndpoint {
+  std::string host;           // empty: every interface of the machine
+  int port = 0;               // 0: any free port
+  int portSpan = 0;           // 0: just `port`
+  int tlsPort = 0;            // 0: no TLS
+  std::string publishedHost;  // empty: as listened on
+
+  bool operator==(const ListenEndpoint&) const = default;
+};
+
+// Nothing for a text of another form; `error` then says what is wrong with which piece. An empty
+// text is the endpoint "iiop://".
+std::optional<ListenEndpoint> ParseListenEndpoint(std::string_view text, std::string& error);
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_LISTENENDPOINT_H

@@ -1,0 +1,62 @@
+// The seam between this system and the ORB product it was built with.
+//
+// One implementation file a product (OmniOrbProduct.cpp) defines what is declared here; nothing
+// else in the tree knows which product it is. The translation of our settings into the product's
+// options is a pure function beside it (OmniOrbOptions.h), so that a table can test it.
+#ifndef VQ_SUPPORT_ORB_ORBPRODUCT_H
+#define VQ_SUPPORT_ORB_ORBPRODUCT_H
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <support/orb/Corba.h>
+#include <support/orb/OrbSettings.h>
+
+namespace vq::orb {
+
+// A client that is called back listens from the start; a pure client listens only when it asks for
+// its POA.
+enum class OrbRole { kClient, kPureClient };
+
+// One running ORB of the process, as its number sees it. Where a product has a single ORB a
+// process, several of these share it and each has its own POA.
+//
+// Thread contract: ChildPoa and Orb from any thread; Stop once, when no call is under way.
+class OrbInstance {
+ public:
+  virtual ~OrbInstance() = default;
+
+  virtual CORBA::ORB_ptr Orb() = 0;  // borrowed
+
+  // The POA of this ORB's servants, activated; made on first use. Borrowed. Raises
+  // CORBA::SystemException when the listen endpoint cannot be opened.
+  virtual PortableServer::POA_ptr ChildPoa() = 0;
+
+  // Ends this ORB: its servants, and its connections where nothing else uses them. With `wait` it
+  // returns when everything has ended.
+  virtual void Stop(bool wait) = 0;
+};
+
+// Starts an ORB. `arguments` is what the command line holds beyond our own options; the product
+// refuses an -ORB option that it does not know. Raises CORBA::SystemException.
+std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role,
+                                      const OrbSettings& settings,
+                                      const std::vector<std::string>& arguments);
+
+// What the product calls a minor code; empty when it has no name for it.
+std::string MinorCodeName(const CORBA::SystemException& exception);
+
+// True for the exception that the product raises when a message is larger than the setting
+// -ORBMaxMessageSize allows.
+bool IsMessageTooLarge(const CORBA::SystemException& exception);
+
+// The reference as "IOR:..." text. The reference is neither null nor nil.
+std::string StringifyReference(CORBA::Object_ptr object);
+
+std::string_view ProductName();
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_ORBPRODUCT_H

@@ -1,0 +1,176 @@
+#include <support/orb/OrbSettings.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+
+namespace vq::orb {
+namespace {
+
+struct KnownSetting {
+  std::string_view name;
+  std::string_view builtIn;
+};
+
+constexpr std::string_view kListenEndpoints = "-ORBListenEndpoints";
+constexpr std::string_view kBiDirPolicy = "-BiDirPolicy";
+constexpr std::string_view kPreferIpMask = "-PreferIPMask";
+constexpr std::string_view kInitRef = "-ORBInitRef";
+constexpr std::string_view kConnectTimeout = "-ORBConnectTimeout";
+constexpr std::string_view kCallTimeout = "-ORBCallTimeout";
+constexpr std::string_view kMaxMessageSize = "-ORBMaxMessageSize";
+constexpr std::string_view kTlsCa = "-SSLCACertificate";
+constexpr std::string_view kTlsCertificate = "-SSLCertificate";
+constexpr std::string_view kTlsKey = "-SSLPrivateKey";
+constexpr std::string_view kTlsVerifyPeer = "-SSLVerifyPeer";
+constexpr std::string_view kTlsVerifyHost = "-SSLVerifyHost";
+
+// A dead network must never hang a client for ever, so both time-outs are finite. The message size
+// leaves room for an authorization snapshot of some hundred thousand grants.
+constexpr std::array kKnown{
+    KnownSetting{kListenEndpoints, "iiop://"},
+    KnownSetting{kBiDirPolicy, "0"},
+    KnownSetting{kPreferIpMask, ""},
+    KnownSetting{kInitRef, ""},
+    KnownSetting{kConnectTimeout, "10000"},
+    KnownSetting{kCallTimeout, "60000"},
+    KnownSetting{kMaxMessageSize, "268435456"},
+    KnownSetting{kTlsCa, ""},
+    KnownSetting{kTlsCertificate, ""},
+    KnownSetting{kTlsKey, ""},
+    KnownSetting{kTlsVerifyPeer, "1"},
+    KnownSetting{kTlsVerifyHost, "1"},
+};
+
+[[noreturn]] void Refuse(const ResolvedSetting& setting, std::string_view form) {
+  throw std::invalid_argument("the value '" + setting.value + "' of " + setting.name + " (" +
+                              std::string(SettingOriginText(setting.origin)) + ") is not " +
+                              std::string(form));
+}
+
+std::uint64_t Number(const ResolvedSetting& setting, std::uint64_t lowest, std::uint64_t highest,
+                     std::string_view form) {
+  std::uint64_t value = 0;
+  const char* const end = setting.value.data() + setting.value.size();
+  const auto [rest, error] = std::from_chars(setting.value.data(), end, value);
+  if (error != std::errc() || rest != end || value < lowest || value > highest) {
+    Refuse(setting, form);
+  }
+  return value;
+}
+
+bool Flag(const ResolvedSetting& setting) {
+  if (setting.value != "0" && setting.value != "1") Refuse(setting, "0 or 1");
+  return setting.value == "1";
+}
+
+ListenEndpoint Endpoint(const ResolvedSetting& setting) {
+  std::string error;
+  const std::optional<ListenEndpoint> endpoint = ParseListenEndpoint(setting.value, error);
+  if (!endpoint) Refuse(setting, "a listen endpoint: " + error);
+  return *endpoint;
+}
+
+ResolvedSetting Resolve(const KnownSetting& known, const OrbArguments& arguments,
+                        const SettingScope& ownScope, const SettingScope& defaultScope) {
+  const std::string name(known.name);
+  if (const auto found = arguments.options.find(name); found != arguments.options.end()) {
+    return {name, found->second, SettingOrigin::kCommandLine};
+  }
+  if (const auto found = ownScope.find(name); found != ownScope.end()) {
+    return {name, found->second, SettingOrigin::kOwnScope};
+  }
+  if (const auto found = defaultScope.find(name); found != defaultScope.end()) {
+    return {name, found->second, SettingOrigin::kDefaultScope};
+  }
+  return {name, std::string(known.builtIn), SettingOrigin::kBuiltIn};
+}
+
+// The command line may name several initial references; every other source holds one.
+std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
+                                     const OrbArguments& arguments) {
+  std::vector<std::string> refs;
+  if (setting.origin == SettingOrigin::kCommandLine) {
+    const auto [first, last] = arguments.options.equal_range(setting.name);
+    std::transform(first, last, std::back_inserter(refs),
+                   [](const auto& option) { return option.second; });
+  } else if (!setting.value.empty()) {
+    refs.push_back(setting.value);
+  }
+  for (const std::string& ref : refs) {
+    const std::size_t equals = ref.find('=');
+    if (equals == 0 || equals == std::string::npos || equals + 1 == ref.size()) {
+      Refuse({setting.name, ref, setting.origin}, "of the form NAME=REFERENCE");
+    }
+  }
+  return refs;
+}
+
+}  // namespace
+
+std::string_view SettingOriginText(SettingOrigin origin) {
+  constexpr std::array<std::string_view, 4> kTexts{
+      "command line", "configuration domain, own scope", "configuration domain, scope default",
+      "built in"};
+  return kTexts.at(static_cast<std::size_t>(origin));
+}
+
+std::vector<std::string_view> KnownSettingNames() {
+  std::vector<std::string_view> names;
+  for (const KnownSetting& known : kKnown) names.push_back(known.name);
+  return names;
+}
+
+OrbArguments SplitArguments(int argc, const char* const* argv) {
+  OrbArguments arguments;
+  for (int i = 0; i < argc; ++i) {
+    if (argv[i] == nullptr) break;
+    const std::string argument = argv[i];
+    const auto isOurs = [&](const KnownSetting& known) { return known.name == argument; };
+    if (std::none_of(kKnown.begin(), kKnown.end(), isOurs)) {
+      arguments.rest.push_back(argument);
+      continue;
+    }
+    if (i + 1 >= argc || argv[i + 1] == nullptr) {
+      throw std::invalid_argument("the option " + argument + " lacks its value");
+    }
+    arguments.options.emplace(argument, argv[++i]);
+  }
+  return arguments;
+}
+
+OrbSettings ResolveSettings(const OrbArguments& arguments, const SettingScope& ownScope,
+                            const SettingScope& defaultScope) {
+  OrbSettings settings;
+  for (const KnownSetting& known : kKnown) {
+    settings.table.push_back(Resolve(known, arguments, ownScope, defaultScope));
+  }
+  const auto find = [&](std::string_view name) -> const ResolvedSetting& {
+    return *std::find_if(settings.table.begin(), settings.table.end(),
+                         [&](const ResolvedSetting& setting) { return setting.name == name; });
+  };
+  constexpr std::string_view kMilliseconds = "a number of milliseconds from 1 to 86400000";
+  constexpr std::uint64_t kDay = 86'400'000;
+
+  settings.listenEndpoint = Endpoint(find(kListenEndpoints));
+  settings.biDirectional = Flag(find(kBiDirPolicy));
+  settings.preferIpMask = find(kPreferIpMask).value;
+  settings.initialRefs = InitialRefs(find(kInitRef), arguments);
+  settings.connectTimeout =
+      std::chrono::milliseconds(Number(find(kConnectTimeout), 1, kDay, kMilliseconds));
+  settings.callTimeout =
+      std::chrono::milliseconds(Number(find(kCallTimeout), 1, kDay, kMilliseconds));
+  settings.maxMessageSize =
+      Number(find(kMaxMessageSize), 8192, 0x7FFFFFFF, "a number of bytes from 8192 to 2147483647");
+  settings.tls.caCertificate = find(kTlsCa).value;
+  settings.tls.certificate = find(kTlsCertificate).value;
+  settings.tls.privateKey = find(kTlsKey).value;
+  settings.tls.verifyPeer = Flag(find(kTlsVerifyPeer));
+  settings.tls.verifyHost = Flag(find(kTlsVerifyHost));
+  return settings;
+}
+
+}  // namespace vq::orb

@@ -1,0 +1,80 @@
+// The settings of one ORB, and where each of them came from.
+//
+// A setting is looked for in this order, and the first place that has it wins:
+//   1. the command line ("-ORBCallTimeout 5000"),
+//   2. the configuration domain's scope that is named like the ORB ("GUI"),
+//   3. the domain's scope "default",
+//   4. the built-in value.
+//
+// Everything here is plain data and pure functions: no ORB product, no file and no environment, so
+// that a table can test it. QCSOrbCommon brings the sources together.
+#ifndef VQ_SUPPORT_ORB_ORBSETTINGS_H
+#define VQ_SUPPORT_ORB_ORBSETTINGS_H
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <support/orb/ListenEndpoint.h>
+
+namespace vq::orb {
+
+enum class SettingOrigin { kCommandLine, kOwnScope, kDefaultScope, kBuiltIn };
+std::string_view SettingOriginText(SettingOrigin origin);
+
+// Thread contract: plain values.
+struct ResolvedSetting {
+  std::string name;  // as on the command line and in the domain, with its dash
+  std::string value;
+  SettingOrigin origin = SettingOrigin::kBuiltIn;
+};
+
+// What the command line says to the ORB: our own options by name, and everything else, which the
+// ORB product gets to see.
+struct OrbArguments {
+  std::multimap<std::string, std::string> options;
+  std::vector<std::string> rest;
+};
+
+struct TlsSettings {
+  std::string caCertificate;  // file of the authorities that are believed
+  std::string certificate;    // file of the own certificate
+  std::string privateKey;     // file of its key
+  bool verifyPeer = true;
+  bool verifyHost = true;
+
+  bool IsOn() const { return !caCertificate.empty() || !certificate.empty(); }
+};
+
+struct OrbSettings {
+  ListenEndpoint listenEndpoint;
+  bool biDirectional = false;
+  std::string preferIpMask;              // text with which the preferred own address begins
+  std::vector<std::string> initialRefs;  // NAME=REFERENCE
+  std::chrono::milliseconds connectTimeout{0};
+  std::chrono::milliseconds callTimeout{0};
+  std::uint64_t maxMessageSize = 0;  // bytes
+  TlsSettings tls;
+  std::vector<ResolvedSetting> table;  // all of it as text, in the order of the known names
+};
+
+using SettingScope = std::map<std::string, std::string>;
+
+// The names of our own settings, in table order.
+std::vector<std::string_view> KnownSettingNames();
+
+// Takes our own options with their values out of an argument vector. `argv` may be null when `argc`
+// is 0. A known option without a value raises std::invalid_argument.
+OrbArguments SplitArguments(int argc, const char* const* argv);
+
+// Applies the order above. A value that is not of its setting's form raises std::invalid_argument
+// with a text that names the setting, the value and the form.
+OrbSettings ResolveSettings(const OrbArguments& arguments, const SettingScope& ownScope,
+                            const SettingScope& defaultScope);
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_ORBSETTINGS_H

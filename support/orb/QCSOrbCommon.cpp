@@ -1,0 +1,204 @@
+#include <support/orb/QCSOrbCommon.h>
+
+#include <map>
+#include <mutex>
+#include <stdexcept>
+
+#include <support/configuration/ConfigAPI.h>
+#include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/diagnostics/TDiag.h>
+#include <support/foundations/Locations.h>
+#include <support/orb/CorbaText.h>
+#include <support/orb/OrbProduct.h>
+#include <support/orb/OrbSettings.h>
+
+namespace {
+
+TDiagRegister diagModule("QCSOrbCommon");
+
+// The ORB objects by number. Never destroyed as a whole: an ORB may be asked for until the very end
+// of the process.
+struct Registry {
+  std::mutex mutex;
+  std::map<int, std::unique_ptr<QCSOrbCommon>> orbs;
+
+  static Registry& Instance() {
+    static auto* const registry = new Registry;
+    return *registry;
+  }
+};
+
+// The configuration domain's scope for an ORB: its name without the number.
+std::string ScopeOf(const std::string& orbName) {
+  return orbName.substr(0, orbName.rfind(':'));
+}
+
+CosNaming::Name ServiceName(const std::string& server, const std::string& kind,
+                            const std::string& service) {
+  CosNaming::Name name(2);
+  name.length(2);
+  name[0].id = server.c_str();
+  name[0].kind = kind.c_str();
+  name[1].id = service.c_str();
+  name[1].kind = "";
+  return name;
+}
+
+}  // namespace
+
+QCSOrbCommon::QCSOrbCommon() : m_role(vq::orb::OrbRole::kClient) {}
+
+QCSOrbCommon::~QCSOrbCommon() {
+  DestroyOrb(false);
+}
+
+QCSOrbCommon* QCSOrbCommon::GetOrbById(int id, QCSOrbCommon* (*factory)()) {
+  Registry& registry = Registry::Instance();
+  const std::lock_guard lock(registry.mutex);
+  std::unique_ptr<QCSOrbCommon>& orb = registry.orbs[id];
+  if (orb == nullptr) orb.reset(factory());
+  return orb.get();
+}
+
+void QCSOrbCommon::DeleteOrbById(int id) {
+  Registry& registry = Registry::Instance();
+  std::unique_ptr<QCSOrbCommon> orb;  // destroyed after the lock is released
+  const std::lock_guard lock(registry.mutex);
+  if (const auto found = registry.orbs.find(id); found != registry.orbs.end()) {
+    orb = std::move(found->second);
+    registry.orbs.erase(found);
+  }
+}
+
+bool QCSOrbCommon::IsInitialized() const {
+  return m_instance != nullptr;
+}
+
+bool QCSOrbCommon::InitCorba(int argc, char** argv, const char* name) {
+  m_role = vq::orb::OrbRole::kClient;
+  return InitAlways(argc, argv, name);
+}
+
+bool QCSOrbCommon::InitCorba4Client(int argc, char** argv, const char* name) {
+  m_role = vq::orb::OrbRole::kPureClient;
+  return InitAlways(argc, argv, name);
+}
+
+bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
+  const TDiagFunc diag(diagModule, "QCSOrbCommon::InitAlways");
+  const std::string orbName = name;
+  std::vector<std::string> productArguments;
+  if (!ReadSettings(argc, argv, ScopeOf(orbName), productArguments)) return false;
+  try {
+    m_instance = vq::orb::StartOrb(orbName, m_role, *m_settings, productArguments);
+    if (ReachNamingService()) {
+      VQ_LOG(diag, 4) << "The ORB " << orbName << " is up on " << vq::orb::ProductName();
+      return true;
+    }
+  } catch (const CORBA::Exception& e) {
+    VQ_LOG(diag, 1) << "The ORB " << orbName << " does not start. Check its -ORB options and that "
+                    << "it may listen on " << m_settings->table.front().value << ": " << e;
+  }
+  DestroyOrb(true);
+  return false;
+}
+
+bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
+                                std::vector<std::string>& productArguments) {
+  const TDiagFunc diag(diagModule, "QCSOrbCommon::ReadSettings");
+  const std::string directory = GetConfigDomainsDir();
+  const std::string domain = GetConfigDomainName();
+  const std::unique_ptr<ConfigAPI> config = ConfigAPIFactoryXML::Create(directory, domain);
+  if (!config->Load()) {
+    VQ_LOG(diag, 1) << "The configuration domain " << directory << domain
+                    << ".xml cannot be read; correct the file or remove it: " << config->Error();
+    return false;
+  }
+  vq::orb::SettingScope own;
+  vq::orb::SettingScope common;
+  for (const std::string_view known : vq::orb::KnownSettingNames()) {
+    const std::string setting(known);
+    if (const auto value = config->GetVar(scope, setting)) own[setting] = *value;
+    if (const auto value = config->GetVar("default", setting)) common[setting] = *value;
+  }
+  try {
+    const vq::orb::OrbArguments arguments = vq::orb::SplitArguments(argc, argv);
+    m_settings =
+        std::make_unique<vq::orb::OrbSettings>(vq::orb::ResolveSettings(arguments, own, common));
+    productArguments = arguments.rest;
+  } catch (const std::invalid_argument& e) {
+    VQ_LOG(diag, 1) << "The ORB " << scope << " is not started: " << e.what();
+    return false;
+  }
+  for (const vq::orb::ResolvedSetting& setting : m_settings->table) {
+    VQ_LOG(diag, 5) << setting.name << " = '" << setting.value << "' ("
+                    << vq::orb::SettingOriginText(setting.origin) << ")";
+  }
+  return true;
+}
+
+// Asks the naming service once whether it is there: without it no server can be found, and this is
+// the place where the reason can still be told apart from a server that is not running.
+bool QCSOrbCommon::ReachNamingService() {
+  const TDiagFunc diag(diagModule, "QCSOrbCommon::ReachNamingService");
+  try {
+    CORBA::Object_var object = m_instance->Orb()->resolve_initial_references("NameService");
+    if (!CORBA::is_nil(object.in()) && !object->_non_existent()) {
+      // The type is known; asking the service for it would cost another call.
+      m_namingRoot = CosNaming::NamingContext::_unchecked_narrow(object.in());
+      return true;
+    }
+    VQ_LOG(diag, 1) << "The naming service's reference is of no object that exists. Correct "
+                    << "-ORBInitRef NameService=corbaloc:iiop:HOST:PORT/NameService";
+  } catch (const CORBA::ORB::InvalidName& e) {
+    VQ_LOG(diag, 1) << "No naming service is configured. Set -ORBInitRef "
+                    << "NameService=corbaloc:iiop:HOST:PORT/NameService on the command line or in "
+                    << "the configuration domain: " << e;
+  } catch (const CORBA::NO_RESOURCES& e) {
+    VQ_LOG(diag, 1) << "No naming service is configured. Set -ORBInitRef "
+                    << "NameService=corbaloc:iiop:HOST:PORT/NameService on the command line or in "
+                    << "the configuration domain: " << e;
+  } catch (const CORBA::Exception& e) {
+    VQ_LOG(diag, 1) << "The naming service does not answer. Check that it runs and that a firewall "
+                    << "does not block its port: " << e;
+  }
+  return false;
+}
+
+CORBA::Object_ptr QCSOrbCommon::Bind(const std::string& server, const std::string& kind,
+                                     const std::string& service, bool probe) {
+  const TDiagFunc diag(diagModule, "QCSOrbCommon::Bind");
+  if (!IsInitialized()) throw CORBA::BAD_INV_ORDER(0, CORBA::COMPLETED_NO);
+  CORBA::Object_var object = m_namingRoot->resolve(ServiceName(server, kind, service));
+  if (probe && !CORBA::is_nil(object.in()) && object->_non_existent()) {
+    throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
+  }
+  return object._retn();
+}
+
+void QCSOrbCommon::DestroyOrb(bool wait) {
+  if (m_instance == nullptr) return;
+  const TDiagFunc diag(diagModule, "QCSOrbCommon::DestroyOrb");
+  m_namingRoot = CosNaming::NamingContext::_nil();
+  try {
+    m_instance->Stop(wait);
+  } catch (const CORBA::Exception& e) {
+    VQ_LOG(diag, 1) << "The ORB does not end in order: " << e;
+  }
+  m_instance.reset();
+  m_settings.reset();
+}
+
+int QCSOrbCommon::CheckCertificateExpiration(int) const {
+  return 0;
+}
+
+PortableServer::POA_ptr QCSOrbCommon::GetChildPoa() {
+  if (!IsInitialized()) throw CORBA::BAD_INV_ORDER(0, CORBA::COMPLETED_NO);
+  return m_instance->ChildPoa();
+}
+
+const std::vector<vq::orb::ResolvedSetting>& QCSOrbCommon::GetSettings() const {
+  static const std::vector<vq::orb::ResolvedSetting> kNone;
+  return m_settings != nullptr ? m_settings->table : kNone;
+}

@@ -1,0 +1,156 @@
+#include <support/orb/ReferenceAddress.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include <support/orb/OrbProduct.h>
+
+namespace vq::orb {
+namespace {
+
+constexpr std::uint32_t kIiopProfile = 0;
+// An address is written as host:port into 255 characters; a longer one is no address.
+constexpr std::size_t kLongestAddress = 255;
+
+// Reads a CDR encapsulation: a byte order, then numbers aligned to their size, counted from the
+// encapsulation's first byte. Every read checks what is left.
+class CdrReader {
+ public:
+  CdrReader(const std::uint8_t* data, std::size_t size) : m_data(data), m_size(size) {
+    std::uint8_t order = 0;
+    m_ok = Octet(order) && order <= 1;
+    m_littleEndian = order == 1;
+  }
+
+  bool Ok() const { return m_ok; }
+
+  bool Octet(std::uint8_t& value) {
+    if (m_position >= m_size) return false;
+    value = m_data[m_position++];
+    return true;
+  }
+
+  bool Short(std::uint16_t& value) {
+    std::uint32_t wide = 0;
+    if (!Number(2, wide)) return false;
+    value = static_cast<std::uint16_t>(wide);
+    return true;
+  }
+
+  bool Long(std::uint32_t& value) { return Number(4, value); }
+
+  bool Bytes(const std::uint8_t*& data, std::uint32_t& length) {
+    if (!Long(length) || length > m_size - m_position) return false;
+    data = m_data + m_position;
+    m_position += length;
+    return true;
+  }
+
+  bool Text(std::string& text) {
+    const std::uint8_t* data = nullptr;
+    std::uint32_t length = 0;
+    if (!Bytes(data, length) || length == 0 || data[length - 1] != 0) return false;
+    text.assign(reinterpret_cast<const char*>(data), length - 1);
+    return true;
+  }
+
+ private:
+  bool Number(std::size_t width, std::uint32_t& value) {
+    const std::size_t aligned = (m_position + width - 1) / width * width;
+    if (aligned > m_size || m_size - aligned < width) return false;
+    value = 0;
+    for (std::size_t i = 0; i < width; ++i) {
+      const std::size_t place = m_littleEndian ? width - 1 - i : i;
+      value = (value << 8U) | m_data[aligned + place];
+    }
+    m_position = aligned + width;
+    return true;
+  }
+
+  const std::uint8_t* m_data;
+  std::size_t m_size;
+  std::size_t m_position = 0;
+  bool m_littleEndian = false;
+  bool m_ok = false;
+};
+
+std::optional<std::uint8_t> HexDigit(char c) {
+  if (c >= '0' && c <= '9') return static_cast<std::uint8_t>(c - '0');
+  if (c >= 'a' && c <= 'f') return static_cast<std::uint8_t>(c - 'a' + 10);
+  if (c >= 'A' && c <= 'F') return static_cast<std::uint8_t>(c - 'A' + 10);
+  return std::nullopt;
+}
+
+bool DecodeHex(std::string_view text, std::vector<std::uint8_t>& bytes) {
+  if (text.size() % 2 != 0) return false;
+  bytes.reserve(text.size() / 2);
+  for (std::size_t i = 0; i < text.size(); i += 2) {
+    const auto high = HexDigit(text[i]);
+    const auto low = HexDigit(text[i + 1]);
+    if (!high || !low) return false;
+    bytes.push_back(static_cast<std::uint8_t>(*high << 4U | *low));
+  }
+  return true;
+}
+
+AddressFault ReadProfile(const std::uint8_t* data, std::size_t size, ReferenceAddress& address) {
+  CdrReader profile(data, size);
+  std::uint8_t major = 0;
+  std::uint8_t minor = 0;
+  std::string host;
+  std::uint16_t port = 0;
+  if (!profile.Ok() || !profile.Octet(major) || !profile.Octet(minor) || major != 1 ||
+      !profile.Text(host) || !profile.Short(port)) {
+    return AddressFault::kInvalidProfile;
+  }
+  const std::string number = std::to_string(port);
+  if (host.empty() || host.size() + 1 + number.size() > kLongestAddress) {
+    return AddressFault::kNoAddress;
+  }
+  address = {host, number};
+  return AddressFault::kNone;
+}
+
+}  // namespace
+
+std::string_view AddressFaultText(AddressFault fault) {
+  constexpr std::array<std::string_view, 5> kTexts{"", "Nil", "Invalid stub", "Invalid profile",
+                                                   "Could not put endpoint address in string."};
+  return kTexts.at(static_cast<std::size_t>(fault));
+}
+
+AddressFault AddressOf(CORBA::Object_ptr object, ReferenceAddress& address) {
+  if (CORBA::is_nil(object)) return AddressFault::kNil;
+  try {
+    return AddressOfText(StringifyReference(object), address);
+  } catch (const CORBA::Exception&) {  // A local object or one of an ORB that has ended.
+    return AddressFault::kInvalidStub;
+  }
+}
+
+AddressFault AddressOfText(std::string_view ior, ReferenceAddress& address) {
+  constexpr std::string_view kPrefix = "IOR:";
+  std::vector<std::uint8_t> bytes;
+  if (!ior.starts_with(kPrefix) || !DecodeHex(ior.substr(kPrefix.size()), bytes)) {
+    return AddressFault::kInvalidStub;
+  }
+  CdrReader reader(bytes.data(), bytes.size());
+  std::string typeId;
+  std::uint32_t profiles = 0;
+  if (!reader.Ok() || !reader.Text(typeId) || !reader.Long(profiles)) {
+    return AddressFault::kInvalidStub;
+  }
+  if (typeId.empty() && profiles == 0) return AddressFault::kNil;
+  for (std::uint32_t i = 0; i < profiles; ++i) {
+    std::uint32_t tag = 0;
+    const std::uint8_t* data = nullptr;
+    std::uint32_t length = 0;
+    if (!reader.Long(tag) || !reader.Bytes(data, length)) return AddressFault::kInvalidProfile;
+    if (tag == kIiopProfile) return ReadProfile(data, length, address);
+  }
+  return AddressFault::kInvalidProfile;
+}
+
+}  // namespace vq::orb

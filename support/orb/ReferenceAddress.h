@@ -1,0 +1,36 @@
+// Where the object behind a reference listens, read from the reference itself: no call is made.
+//
+//   vq::orb::ReferenceAddress address;
+//   switch (vq::orb::AddressOf(server, address)) { ... }
+//
+// A reference's text form ("IOR:" and hexadecimal digits) holds a byte order, a type and a list of
+// profiles; the first profile for IIOP holds the address.
+#ifndef VQ_SUPPORT_ORB_REFERENCEADDRESS_H
+#define VQ_SUPPORT_ORB_REFERENCEADDRESS_H
+
+#include <string>
+#include <string_view>
+
+#include <support/orb/Corba.h>
+
+namespace vq::orb {
+
+// Thread contract: a plain value.
+struct ReferenceAddress {
+  std::string host;
+  std::string port;  // decimal; "0" for an object that listens for TLS only
+};
+
+// Why a reference gives no address. The texts are what the diagnostics print.
+enum class AddressFault { kNone, kNil, kInvalidStub, kInvalidProfile, kNoAddress };
+std::string_view AddressFaultText(AddressFault fault);  // empty for kNone
+
+// `address` is set only when the result is kNone. `object` may be null or nil.
+AddressFault AddressOf(CORBA::Object_ptr object, ReferenceAddress& address);
+
+// The same for a reference as text; any text is accepted and judged.
+AddressFault AddressOfText(std::string_view ior, ReferenceAddress& address);
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_REFERENCEADDRESS_H
