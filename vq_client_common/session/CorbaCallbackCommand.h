@@ -1,0 +1,22 @@
+// Work that arrives by a callback from a server and is carried out by the client program.
+//
+//   class RefreshJobs : public CorbaCallbackCommand {
+//     void Execute() override { ... }
+//   };
+#ifndef VQ_CLIENT_COMMON_SESSION_CORBACALLBACKCOMMAND_H
+#define VQ_CLIENT_COMMON_SESSION_CORBACALLBACKCOMMAND_H
+
+#include <vq_client_common/Export.h>
+
+// Thread contract: a command is made on the ORB's thread and belongs to whoever executes it.
+class VQ_CLIENT_COMMON_API CorbaCallbackCommand {
+ public:
+  virtual ~CorbaCallbackCommand();
+
+  virtual void Execute() = 0;
+
+  // Whether the command may be left out while the client changes its filter. True here.
+  virtual bool CanBeSkippedDuringChangeFilter();
+};
+
+#endif  // VQ_CLIENT_COMMON_SESSION_CORBACALLBACKCOMMAND_H

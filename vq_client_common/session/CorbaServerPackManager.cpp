@@ -1,0 +1,55 @@
+#include <vq_client_common/session/CorbaServerPackManager.h>
+
+#include <mutex>
+
+#include <support/diagnostics/TDiag.h>
+
+namespace {
+
+TDiagRegister diagModule("CorbaServerPackManager");
+
+}  // namespace
+
+CorbaServerPackManager* CorbaServerPackManager::pCorbaServerPackManager = nullptr;
+
+CorbaServerPackManager* CorbaServerPackManager::Get() {
+  if (pCorbaServerPackManager == nullptr) pCorbaServerPackManager = new CorbaServerPackManager;
+  return pCorbaServerPackManager;
+}
+
+CorbaServerPackManager::CorbaServerPackManager() : m_lock(false) {}
+
+CorbaServerPackManager::~CorbaServerPackManager() {
+  Reset();
+}
+
+CORBA::Object_ptr CorbaServerPackManager::FindItem(const char* name, SERVER_ID serverId) {
+  const TDiagFunc diag(diagModule, "CorbaServerPackManager::FindItem");
+  const std::lock_guard lock(m_lock);
+  const auto found = m_items.find(Key(name, serverId));
+  return found != m_items.end() ? found->second : CORBA::Object::_nil();
+}
+
+void CorbaServerPackManager::InsertItem(const char* name, SERVER_ID serverId,
+                                        CORBA::Object_ptr object) {
+  const TDiagFunc diag(diagModule, "CorbaServerPackManager::InsertItem");
+  m_items[Key(name, serverId)] = object;
+}
+
+void CorbaServerPackManager::Reset() {
+  const TDiagFunc diag(diagModule, "CorbaServerPackManager::Reset");
+  const std::lock_guard lock(m_lock);
+  for (const auto& [key, object] : m_items) {
+    VQ_LOG(diag, 5) << "Release CRB object - " << key.first << ":" << static_cast<int>(key.second);
+    if (object != nullptr) CORBA::release(object);
+  }
+  m_items.clear();
+}
+
+void CorbaServerPackManager::DiagPdefWrapper(int level, const std::string& text) {
+  VQ_LOG(diagModule, level) << text;
+}
+
+bool CorbaServerPackManager::IsDiagActive(int level) {
+  return diagModule.IsActive(level);
+}

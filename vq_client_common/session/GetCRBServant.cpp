@@ -1,0 +1,54 @@
+#include <vq_client_common/session/GetCRBServant.h>
+
+#include <string>
+
+#include <support/orb/CorbaText.h>
+#include <support/orb/ORBCommon.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/CorbaServerPackManager.h>
+#include <vq_idl/SystemConfigurationC.h>
+#include <vq_idl/UsersManagerC.h>
+
+namespace {
+
+// Composes a text only for a line that is written: this runs before every remote call.
+template <class... Pieces>
+void Log(int level, const Pieces&... pieces) {
+  if (!CorbaServerPackManager::IsDiagActive(level)) return;
+  CorbaServerPackManager::DiagPdefWrapper(level, (std::string() + ... + pieces));
+}
+
+}  // namespace
+
+template <class T>
+int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID serverId, bool probe) {
+  Log(6, "GetCRBServant");
+  try {
+    CorbaServerPackManager* const cache = CorbaServerPackManager::Get();
+    const CORBA::Object_ptr cached = cache->FindItem(name, serverId);
+    if (!CORBA::is_nil(cached)) {
+      Log(5, name, ": CRB servant is already bound.");
+      result = dynamic_cast<typename T::_ptr_type>(cached);
+      return CORBA::is_nil(result) ? 0 : 1;
+    }
+    Log(4, name, ": CRB servant is about to be bound.");
+    CORBA::Object_var object = ORBCommon<1>::Get()->Bind(ConnectionSettings::Get()->GetServerName(),
+                                                         GL_ResolveServerID(serverId), name, probe);
+    result = T::_narrow(object.in());
+    if (CORBA::is_nil(result)) {
+      Log(5, "Failed to obtain the CRB Servant: '", name, "'");
+      return 0;
+    }
+    cache->InsertItem(name, serverId, result);
+    Log(4, "GetCRBServant has succeeded");
+    return 1;
+  } catch (const CORBA::Exception& e) {
+    Log(1, "CORBA::Exception was caught. ", vq::orb::ExceptionText(e));
+    return -3;
+  }
+}
+
+template VQ_CLIENT_COMMON_API int GetCRBServant<QCSCorbaUsersManager>(
+    const char*, QCSCorbaUsersManager::_ptr_type&, SERVER_ID, bool);
+template VQ_CLIENT_COMMON_API int GetCRBServant<VQCorbaSystemConfiguration>(
+    const char*, VQCorbaSystemConfiguration::_ptr_type&, SERVER_ID, bool);

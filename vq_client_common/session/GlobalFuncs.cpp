@@ -1,0 +1,206 @@
+#include <vq_client_common/session/GlobalFuncs.h>
+
+#include <exception>
+#include <utility>
+#include <vector>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/foundations/Environment.h>
+#include <support/foundations/ProfileSettings.h>
+#include <support/orb/CorbaText.h>
+#include <support/orb/ORBCommon.h>
+#include <support/os_toolkit/Atoi.h>
+#include <vq_client_common/environment/ClientProperties.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/CorbaServerPackManager.h>
+#include <vq_client_common/session/LoginExceptions.h>
+#include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/ServerLocale.h>
+#include <vq_client_common/session/SystemParameterHandler.h>
+#include <vq_client_common/session/internal/Collaborators.h>
+#include <vq_idl/SharedTypesC.h>
+
+namespace {
+
+TDiagRegister diagModule("GlobalFuncs");
+
+constexpr long kDefaultRegisterTimeOut = 600;  // seconds
+
+constexpr const char* kOrbNotUpText =
+    "CORBA initialization failed\n"
+    "This error can occur for any of the following reasons:\n"
+    "- The CORBA Naming Service is not running.\n"
+    "- The CORBA Naming Service listening port is blocked by the firewall.\t\n"
+    "- The CORBA configuration file is invalid.\t\n"
+    "  [Edit and save the file. Restart the application to apply the new settings].\t";
+
+void (*troubleshooter)(void*) = nullptr;
+void* troubleshooterData = nullptr;
+
+// Copies of the command line for the ORB, which may reorder or remove entries of its array.
+class ArgumentCopy {
+ public:
+  ArgumentCopy(int argc, char** argv) {
+    for (int i = 0; i < argc && argv != nullptr && argv[i] != nullptr; ++i) {
+      m_texts.emplace_back(argv[i]);
+    }
+    for (std::string& text : m_texts) m_pointers.push_back(text.data());
+    m_pointers.push_back(nullptr);
+  }
+
+  int Count() const { return static_cast<int>(m_texts.size()); }
+  char** Pointers() { return m_pointers.data(); }
+
+ private:
+  std::vector<std::string> m_texts;
+  std::vector<char*> m_pointers;
+};
+
+void TestCallbackIfAsked(const TDiagFunc& diag) {
+  if (troubleshooter == nullptr) return;
+  if (!vq::GetEnv("ENABLE_TEST_CALLBACK")) {
+    VQ_LOG(diag, 4) << "ENABLE_TEST_CALLBACK environment variable is not set : no test callback "
+                       "performed";
+    return;
+  }
+  VQ_LOG(diag, 4) << "ENABLE_TEST_CALLBACK environment variable is set : starting test callback";
+  if (!vq::session::TestSessionCallback()) troubleshooter(troubleshooterData);
+  VQ_LOG(diag, 4) << "ENABLE_TEST_CALLBACK environment variable is set : test callback ended";
+}
+
+}  // namespace
+
+int GL_Login(const std::string& user, const std::string& password, const std::string& server,
+             unsigned int timeOut, std::string& message, CLIENT_ID clientId, SERVER_ID serverId,
+             int argc, char** argv) {
+  const TDiagFunc diag(diagModule, "GL_Login");
+  try {
+    // First of all, because the ORB is named after the client.
+    ConnectionSettings::Get()->SetClientID(clientId);
+    if (!GL_InitializeCORBA(argc, argv)) throw BadOrbixCfgEx(kOrbNotUpText);
+    LoginHandler* const session = LoginHandler::GetGlobal();
+    session->SetConnectionData(user, password, server, clientId, serverId);
+    VQ_LOG(diag, 5) << "Setting connection info as follow: User=" << user << " Server=" << server
+                    << " ClinetID=" << ConnectionSettings::Get()->GetClientIDAsString();
+    i18n_aux::init_globa_c(true, serverId);
+    return session->Login(message, timeOut);
+  } catch (BaseLoginEx& e) {
+    message = e.handle();
+    return e.GetReturnCode();
+  } catch (const std::exception& e) {
+    VQ_LOG(diag, 1) << "failed with excepion: " << e.what();
+    return 0;
+  }
+}
+
+bool GL_InitializeCORBA(int argc, char** argv) {
+  const TDiagFunc diag(diagModule, "GL_InitializeCORBA");
+  auto* const orb = ORBCommon<1>::Get();
+  if (orb->IsInitialized()) return true;
+  ArgumentCopy arguments(argc, argv);
+  const std::string name = ConnectionSettings::Get()->GetClientIDAsString();
+  if (ConnectionSettings::Get()->isPureClient()) {
+    orb->InitCorba4Client(arguments.Count(), arguments.Pointers(), name.c_str());
+  } else {
+    orb->InitCorba(arguments.Count(), arguments.Pointers(), name.c_str());
+  }
+  return orb->IsInitialized();
+}
+
+int GL_PostLogin(std::string& message) {
+  const TDiagFunc diag(diagModule, "GL_PostLogin");
+  int result = 0;
+  try {
+    result = LoginHandler::GetGlobal()->PostLogin();
+  } catch (BaseLoginEx& e) {
+    message = e.handle();
+    return e.GetReturnCode();
+  }
+  if (result == 1) TestCallbackIfAsked(diag);
+  return result;
+}
+
+int GL_ClientKeepAlive() {
+  const TDiagFunc diag(diagModule, "GL_ClientKeepAlive");
+  try {
+    // Meant to be so: BaseLoginEx is no std::exception and reaches the caller.
+    return LoginHandler::GetGlobal()->ClientKeepAlive();
+  } catch (const std::exception& e) {
+    VQ_LOG(diag, 1) << "failed with excepion: " << e.what();
+    return 0;
+  }
+}
+
+int GL_ReLogin(unsigned int timeOut) {
+  const TDiagFunc diag(diagModule, "GL_ReLogin");
+  if (!ORBCommon<1>::Get()->IsInitialized()) {
+    VQ_LOG(diag, 1) << "CORBA communication is down";
+    return 0;
+  }
+  try {
+    std::string message;
+    return LoginHandler::GetGlobal()->ReLogin(message, timeOut);
+  } catch (BaseLoginEx& e) {
+    e.handle();  // Meant to be so: the text is lost and every failure is 0.
+    return 0;
+  }
+}
+
+int GL_LogOut(bool destroyOrb) {
+  const TDiagFunc diag(diagModule, "GL_LogOut");
+  constexpr int kNotAuthorized = 43;
+  int result = 1;
+  LoginHandler* const session = LoginHandler::GetGlobal();
+  try {
+    if (session->IsConnected()) {
+      VQ_LOG(diag, 4) << "User was connected - must unregister...";
+      session->Logout();
+    } else {
+      VQ_LOG(diag, 4) << "User was not connected...";
+    }
+  } catch (const USER_NOT_AUTHORIZED& e) {
+    VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
+    result = kNotAuthorized;
+  } catch (const CORBA::SystemException& e) {
+    VQ_LOG(diag, 2) << "Caught a CORBA System Exception - " << e;
+  } catch (const CORBA::Exception& e) {
+    VQ_LOG(diag, 2) << "Caught a CORBA exception - " << e;
+  }
+  CorbaServerPackManager::Get()->Reset();
+  vq::session::ResetUserAuthorizations(*session->GetUserAuthorizations());
+  ConnectionSettings* const settings = session->GetConnectionSettings();
+  settings->SetUserID("");
+  if (destroyOrb) ORBCommon<1>::Get()->DestroyOrb(settings->GetWait4Shutdown());
+  return result;
+}
+
+long GL_GetCRBRegisterTimeOut() {
+  const TDiagFunc diag(diagModule, "GL_GetCRBRegisterTimeOut");
+  int value = 0;
+  if (GetProfileIntFromCurrentUserOrLocalMachine("", "Orb Parameters", "RegisterTimeOut", value,
+                                                 true)) {
+    return value;  // as it stands, zero and negatives included
+  }
+  // The two keys differ in one letter, and both forms are in use.
+  std::string text;
+  if (GetSystemParameter("RegisterTimeout", text, "gui", E_GSR) && vq::Atoi(text) > 0) {
+    return vq::Atoi(text);
+  }
+  return kDefaultRegisterTimeOut;
+}
+
+int GL_CheckSSLCertificateExpiration(std::string& message) {
+  return LoginHandler::GetGlobal()->CheckSSLCertificateExpiration(message);
+}
+
+void (*GL_SetCallbackTroubleshooter(void (*callback)(void*), void* data))(void*) {
+  troubleshooterData = data;
+  return std::exchange(troubleshooter, callback);
+}
+
+// The pointers are emptied, so that a call that comes too late finds no object that is gone.
+void exit_vqclient_common() {
+  delete std::exchange(CorbaServerPackManager::pCorbaServerPackManager, nullptr);
+  ClientProperties::ReleaseStaticObject();
+  delete std::exchange(LoginHandler::g_obLoginHandler, nullptr);
+}

@@ -1,0 +1,103 @@
+#include <vq_client_common/session/LoginExceptions.h>
+
+#include <cstddef>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/foundations/ReplaceFirst.h>
+#include <support/orb/ReferenceAddress.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/LoginHandler.h>
+#include <vq_idl/UsersManagerC.h>
+
+namespace {
+
+TDiagRegister diagModule("LoginExceptions");
+
+constexpr std::size_t kLongestNameInText = 45;
+
+constexpr const char* kCauses = "This error may be caused by any of the following:\n";
+
+std::string ServerTypeText() {
+  std::string text = std::string(kCauses) +
+                     " - Server '%s' has incorrect or old version.\n"
+                     " - Server '%s' went down during login process.\t";
+  const std::string server = ConnectionSettings::Get()->GetServerName();
+  vq::ReplaceFirst(text, "%s", server);
+  vq::ReplaceFirst(text, "%s", server);
+  return text;
+}
+
+std::string UserAuthText(const std::string& user) {
+  const bool named = user.size() <= kLongestNameInText;
+  std::string text =
+      std::string(kCauses) +
+      (named ? " - User '%s' is not defined properly.\n" : " - User is not defined properly.\n") +
+      " - The specified password is incorrect.\n\n"
+      "For more information, refer to the VELTRA-M/Quorum Manager documentation.";
+  if (named) vq::ReplaceFirst(text, "%s", user);
+  return text;
+}
+
+// The address where the server's reference says that it listens; empty texts when it says nothing.
+vq::orb::ReferenceAddress ServerAddress(CORBA::Object_ptr server) {
+  vq::orb::ReferenceAddress address;
+  const vq::orb::AddressFault fault = vq::orb::AddressOf(server, address);
+  if (fault != vq::orb::AddressFault::kNone) {
+    VQ_LOG(diagModule, 5) << vq::orb::AddressFaultText(fault);
+  }
+  return address;
+}
+
+std::string NoServerText() {
+  const std::string server = ConnectionSettings::Get()->GetServerName();
+  const SERVER_ID serverId = LoginHandler::GetGlobal()->GetServerID();
+  QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
+  // The look-up does not ask the server whether it is there: a reference alone tells where it ought
+  // to listen, also when it does not.
+  if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, serverId, false) == 1) {
+    const vq::orb::ReferenceAddress address = ServerAddress(users);
+    return std::string(kCauses) + " - Server '" + server + "' is not running on '" + address.host +
+           "'.\t\n" + " - The Server listening port of " + address.port +
+           " is blocked by the firewall.\t\n - The outgoing ports are blocked in this computer.\t";
+  }
+  return std::string(kCauses) + " - Server '" + server +
+         "' is not running.\t\n - The Server listening port is blocked by the firewall.\t\n"
+         " - The outgoing ports are blocked in this computer.\t";
+}
+
+}  // namespace
+
+BaseLoginEx::BaseLoginEx(const std::string& reason) : m_reason(reason) {}
+
+BaseLoginEx::BaseLoginEx(const std::string& reason, int returnCode, int errorNumber)
+    : m_reason(reason), m_returnCode(returnCode), m_errorNumber(errorNumber) {}
+
+std::string BaseLoginEx::handle() {
+  VQ_LOG(diagModule, 1) << m_reason;
+  return m_reason;
+}
+
+BadOrbixCfgEx::BadOrbixCfgEx(const std::string& reason) : BaseLoginEx(reason, 55, 60008) {}
+
+NoServerEx::NoServerEx(const std::string& reason)
+    : BaseLoginEx(reason.empty() ? NoServerText() : reason, 54, 60007) {}
+
+ServerTypeEx::ServerTypeEx(const std::string& reason)
+    : BaseLoginEx(reason.empty() ? ServerTypeText() : reason, 0, 60009) {}
+
+UserAuthEx::UserAuthEx(const std::string& reason, const std::string& user)
+    : BaseLoginEx(reason, 0, 60010) {
+  if (!reason.empty()) return;
+  SetReason(UserAuthText(user.empty() ? ConnectionSettings::Get()->getUserName() : user));
+}
+
+UserLockedEx::UserLockedEx(const std::string& reason) : UserAuthEx("", "") {
+  SetReason(reason.empty() ? "User account is locked.\t" : reason);
+  SetCodes(49, 60006);
+}
+
+UserPwdExpEx::UserPwdExpEx(const std::string& reason) : UserAuthEx("", "") {
+  SetReason(reason.empty() ? "Password has expired.\t" : reason);
+  SetCodes(48, 60011);
+}

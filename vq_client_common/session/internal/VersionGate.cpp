@@ -1,0 +1,234 @@
+// The version gate of LoginHandler: client and server judge each other's version before a client
+// registers. Here a version is a text "X.Y.Z"; the scheduler versions of TVltVersion are another
+// matter.
+
+#include <vq_client_common/session/internal/VersionGate.h>
+
+#include <locale.h>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <list>
+#include <string>
+#include <string_view>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/foundations/Locations.h>
+#include <support/foundations/ProductVersion.h>
+#include <support/foundations/ReplaceFirst.h>
+#include <support/orb/CorbaText.h>
+#include <support/os_toolkit/Atoi.h>
+#include <support/os_toolkit/os_tokenizer.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/LoginExceptions.h>
+#include <vq_client_common/session/LoginHandler.h>
+
+namespace {
+
+TDiagRegister diagModule("VersionGate");
+
+constexpr int kVersionRefusedByServer = 56;
+constexpr int kClientTakesNoPart = 20;
+constexpr int kFileDoesNotOpen = 19;
+constexpr std::size_t kLineSize = 256;  // 255 characters and a zero byte
+
+constexpr std::array<std::string_view, 5> kServerKeys{"E_GSR", "E_GAS", "E_QIMS", "E_FORECAST",
+                                                      "E_CMS"};
+
+// Whether the first token of a line of min-accepted-servers.txt selects the server kind, by its key
+// or by its number. Meant to be so: a token without leading digits reads as the number 0, so every
+// other key also selects kind 0, and a file for other kinds may override the entry of E_GSR.
+bool SelectsServer(const std::string& token, SERVER_ID serverId) {
+  const auto index = static_cast<std::size_t>(serverId);
+  if (index >= kServerKeys.size()) return false;
+  return token == kServerKeys[index] || vq::Atoi(token) == static_cast<int>(index);
+}
+
+// Numbers of a version have a point whatever the process's locale says.
+double Number(const std::string& text) {
+  static const locale_t kPlain = newlocale(LC_ALL_MASK, "C", nullptr);
+  return strtod_l(text.c_str(), nullptr, kPlain);
+}
+
+}  // namespace
+
+int LoginHandler::ParseVersion(const std::string& version, std::string& major, std::string& minor) {
+  const TDiagFunc diag(diagModule, "LoginHandler::ParseVersion");
+  const std::size_t first = version.find('.');
+  if (first == std::string::npos) {
+    VQ_LOG(diag, 1) << "Invalid value found for version: " << version;
+    return 0;
+  }
+  // Meant to be so: without a second point both parts are the whole text, and the comparison of
+  // versions such as "8.0" rests on that.
+  const std::size_t second = version.find('.', first + 1);
+  const std::string whole = version;  // the outputs may be the same object as the input
+  major = whole.substr(0, second);
+  minor = whole.substr(second == std::string::npos ? 0 : second + 1);
+  return 1;
+}
+
+int LoginHandler::ParseVersion(const std::string& version, double& major, double& minor) {
+  std::string majorText;
+  std::string minorText;
+  const int result = ParseVersion(version, majorText, minorText);
+  if (result != 1) return result;
+  major = Number(majorText);
+  minor = Number(minorText);
+  return 1;
+}
+
+int LoginHandler::GetClientVersion(std::string& plain, std::string& withPatches) const {
+  const TDiagFunc diag(diagModule, "LoginHandler::GetClientVersion");
+  const CLIENT_ID clientId = m_connectionSettings->GetClientID();
+  if (clientId == CLIENT_QIMC || clientId == CLIENT_UNKNOWN) return kClientTakesNoPart;
+
+  std::string version = "0";
+  std::list<std::string> patches;
+  const int result = GetProductVersion("NFT", version, patches);
+  plain = version;
+  VQ_LOG(diag, 5) << "Client Version: " << plain;
+  std::string_view separator = "::";
+  for (const std::string& patch : patches) {
+    version.append(separator).append(patch);
+    separator = ",";
+  }
+  withPatches = version;
+  VQ_LOG(diag, 5) << "Client Version (Including Patches): " << withPatches;
+  return result;
+}
+
+int LoginHandler::GetMinimumServerVersionAllowed(SERVER_ID serverId, std::string& version) const {
+  const TDiagFunc diag(diagModule, "LoginHandler::GetMinimumServerVersionAllowed");
+  const std::string path = GetVQRootLocation() + "min-accepted-servers.txt";
+  errno = 0;
+  std::FILE* const file = std::fopen(path.c_str(), "r");
+  if (file == nullptr) {
+    VQ_LOG(diag, 4) << "Accepted: Couldn't open file " << path << ": " << std::strerror(errno);
+    return kFileDoesNotOpen;
+  }
+  VQ_LOG(diag, 4) << "Minimum Server versions file exists.";
+
+  // A longer line is read in pieces, each taken as a line. The line end stays in the last token,
+  // where the reading of numbers stops at it.
+  char line[kLineSize];
+  while (std::fgets(line, sizeof line, file) != nullptr) {
+    VQ_LOG(diag, 5) << line;
+    os_tokenizer tokens(line, "\t ");
+    if (tokens.size() < 2) {
+      VQ_LOG(diag, 2) << "Warning: line skipped - contains only " << tokens.size() << " elements.";
+      continue;
+    }
+    if (SelectsServer(tokens[0], serverId)) version = tokens[1];
+  }
+  const bool failed = std::ferror(file) != 0;
+  const int error = errno;
+  std::fclose(file);
+  if (failed) {
+    VQ_LOG(diag, 1) << "Error occured while reading file " << path << ": " << std::strerror(error);
+    return 0;
+  }
+  return 1;
+}
+
+bool LoginHandler::IsServerVersionPermitted(std::string& clientVersion, SERVER_ID serverId,
+                                            std::string& serverVersion) const {
+  const TDiagFunc diag(diagModule, "LoginHandler::IsServerVersionPermitted");
+  std::string minimum = clientVersion;
+  std::string fromFile;
+  if (GetMinimumServerVersionAllowed(serverId, fromFile) == 1 && !fromFile.empty()) {
+    minimum = fromFile;
+  }
+  if (minimum.empty() || serverVersion.empty()) return true;
+
+  double serverMajor = 0;
+  double serverMinor = 0;
+  double minimumMajor = 0;
+  double minimumMinor = 0;
+  if (ParseVersion(serverVersion, serverMajor, serverMinor) != 1 ||
+      ParseVersion(minimum, minimumMajor, minimumMinor) != 1) {
+    return true;
+  }
+  // Meant to be so: the majors must be equal, so a server of a newer major version is refused.
+  return serverMajor == minimumMajor && minimumMinor <= serverMinor;
+}
+
+namespace vq::session {
+namespace {
+
+// The refusal of a server that does not accept this client.
+std::string RefusedByServerText(const std::string& serverKind, const ConnectionSettings& settings,
+                                const std::string& clientVersion,
+                                const std::string& serverVersion) {
+  std::string text =
+      "Connection refused by %s: '%s'.\nVersion %s of %s is not compatible with a %s of version "
+      "%s.";
+  // Meant to be so: five values for six places. The client version is said to be of the server
+  // kind, and the last "%s" stays in the text; users know it in this form.
+  ReplaceFirst(text, "%s", serverKind);
+  ReplaceFirst(text, "%s", settings.GetServerName());
+  ReplaceFirst(text, "%s", clientVersion);
+  ReplaceFirst(text, "%d", std::to_string(static_cast<int>(settings.GetClientID())));
+  ReplaceFirst(text, "%s", serverKind);
+  ReplaceFirst(text, "%s", serverVersion);
+  return text;
+}
+
+// The refusal of a client that does not accept this server.
+std::string RefusedByClientText(const std::string& serverKind, const ConnectionSettings& settings,
+                                const std::string& clientVersion,
+                                const std::string& serverVersion) {
+  std::string text = "Version %s of %s is not compatible with a %s of version %s.";
+  ReplaceFirst(text, "%s", clientVersion);
+  ReplaceFirst(text, "%s", ClientIDtoString(settings.GetClientID()));
+  ReplaceFirst(text, "%s", serverKind);
+  ReplaceFirst(text, "%s", serverVersion);
+  return text;
+}
+
+}  // namespace
+
+bool VersionGate::Pass(QCSCorbaUsersManager_ptr users, const std::string& clientVersion,
+                       std::string& message) const {
+  const TDiagFunc diag(diagModule, "LoginHandler::Register");
+  const ConnectionSettings& settings = *m_session.GetConnectionSettings();
+  const SERVER_ID serverId = m_session.GetServerID();
+  const std::string serverKind = ServerIDtoString(serverId);
+  try {
+    CORBA::String_var answer;
+    const CORBA::Long result =
+        users->CRB_VerifyClientServerVersion(clientVersion.c_str(), answer.out());
+    std::string serverVersion = answer.in();
+
+    if (result == kVersionRefusedByServer) {
+      message = RefusedByServerText(serverKind, settings, clientVersion, serverVersion);
+      VQ_LOG(diag, 1) << message;
+      return false;
+    }
+    VQ_LOG(diag, 5) << "Server Version: " << serverVersion;
+    if (result == 1 && !serverVersion.empty() && serverVersion != "0") {
+      std::string ownVersion = clientVersion;
+      if (m_session.IsServerVersionPermitted(ownVersion, serverId, serverVersion)) {
+        VQ_LOG(diag, 4) << "server version is allowed by client";
+        return true;
+      }
+      message = RefusedByClientText(serverKind, settings, clientVersion, serverVersion);
+      VQ_LOG(diag, 1) << message;
+      return false;
+    }
+    // A server that cannot say its version is not refused.
+    VQ_LOG(diag, 2) << "Version Verification failed with return code: " << result;
+    VQ_LOG(diag, 2) << "Continue with login process...";
+    return true;
+  } catch (const CORBA::Exception& e) {
+    // Meant to be so: the line promises that the check is ignored, and the login fails all the
+    // same.
+    VQ_LOG(diag, 1) << "CORBA::Exception was caught during versions verification (" << e
+                    << "). Probably old Server version, verification is ignored";
+    throw ServerTypeEx("");
+  }
+}
+
+}  // namespace vq::session
