@@ -1,0 +1,49 @@
+// The growing array of the exported signatures that hand out lists of names.
+//
+//   ArrayWrap<std::string> names;
+//   DataCenters.GetAsStringList(names);
+//   for (const std::string& name : names) Show(name);
+#ifndef VQ_CLIENT_COMMON_DATACENTERS_ARRAYWRAP_H
+#define VQ_CLIENT_COMMON_DATACENTERS_ARRAYWRAP_H
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+// Holds copies of what is appended. An index is a position from 0; references and iterators last
+// until the next Append or Clear.
+//
+// Thread contract: as a standard container, readers side by side or one writer alone.
+template <typename T>
+class ArrayWrap {
+ public:
+  using value_type = T;
+  using iterator = typename std::vector<T>::iterator;
+  using const_iterator = typename std::vector<T>::const_iterator;
+
+  void Clear() { m_items.clear(); }
+
+  // Returns the index of the new element.
+  std::size_t Append(T item) {
+    m_items.push_back(std::move(item));
+    return m_items.size() - 1;
+  }
+
+  std::size_t size() const { return m_items.size(); }
+
+  // Raises std::out_of_range for an index that is not below size().
+  typename std::vector<T>::reference operator[](std::size_t index) { return m_items.at(index); }
+  typename std::vector<T>::const_reference operator[](std::size_t index) const {
+    return m_items.at(index);
+  }
+
+  iterator begin() { return m_items.begin(); }
+  iterator end() { return m_items.end(); }
+  const_iterator begin() const { return m_items.begin(); }
+  const_iterator end() const { return m_items.end(); }
+
+ private:
+  std::vector<T> m_items;
+};
+
+#endif  // VQ_CLIENT_COMMON_DATACENTERS_ARRAYWRAP_H

