@@ -1,0 +1,216 @@
+#include <vq_client_common/text/BaseString.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t kFormatBuffer = 1000;
+// Meant: the two ends differ by CR; clients that trim line by line depend on it.
+constexpr std::string_view kRightBlanks = " \t\r\n";
+constexpr std::string_view kLeftBlanks = "\n \t";
+
+const char* NotNull(const char* text) {
+  if (text == nullptr) throw std::invalid_argument("BaseString: null text");
+  return text;
+}
+
+std::size_t Length(std::int32_t count) {
+  if (count < 0) throw std::length_error("string too long");
+  return static_cast<std::size_t>(count);
+}
+
+// How many of `available` bytes a count asks for: a negative one asks for all of them.
+std::size_t AtMost(std::int32_t count, std::size_t available) {
+  return count < 0 ? available : std::min(static_cast<std::size_t>(count), available);
+}
+
+std::int32_t Position(std::size_t found) {
+  return std::in_range<std::int32_t>(found) ? static_cast<std::int32_t>(found) : -1;
+}
+
+void Upper(std::string& text) {
+  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+}
+
+void Lower(std::string& text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
+
+}  // namespace
+
+BaseString::BaseString(const char* text) : m_text(NotNull(text)) {}
+
+BaseString::BaseString(std::int32_t count, char character) : m_text(Length(count), character) {}
+
+BaseString& BaseString::operator=(const char* text) {
+  m_text = NotNull(text);
+  return *this;
+}
+
+BaseString& BaseString::operator=(char character) {
+  // Meant: a resize, so a text that holds anything keeps its first byte; clients depend on it.
+  m_text.resize(1, character);
+  return *this;
+}
+
+BaseString& BaseString::operator+=(const BaseString& text) {
+  m_text += text.m_text;
+  return *this;
+}
+
+BaseString& BaseString::operator+=(const char* text) {
+  m_text += NotNull(text);
+  return *this;
+}
+
+BaseString& BaseString::operator+=(char character) {
+  m_text += character;
+  return *this;
+}
+
+BaseString& BaseString::append(std::int32_t count, char character) {
+  m_text.append(Length(count), character);
+  return *this;
+}
+
+// Meant: the three give the left operand and join nothing; clients depend on it staying as it was.
+const BaseString& BaseString::operator+(const BaseString& /*right*/) const {
+  return *this;
+}
+const BaseString& BaseString::operator+(const std::string& /*right*/) const {
+  return *this;
+}
+const BaseString& BaseString::operator+(const char* right) const {
+  NotNull(right);
+  return *this;
+}
+
+char BaseString::GetAt(std::int32_t position) const {
+  if (position < 0 || static_cast<std::size_t>(position) >= m_text.size()) {
+    throw std::out_of_range("invalid string position");
+  }
+  return m_text[static_cast<std::size_t>(position)];
+}
+
+char& BaseString::Outside() {
+  thread_local char zero;
+  zero = '\0';  // Somebody may have written to it.
+  return zero;
+}
+
+void BaseString::MakeUpper() {
+  Upper(m_text);
+}
+void BaseString::MakeLower() {
+  Lower(m_text);
+}
+
+std::int32_t BaseString::Find(char character, std::int32_t start) const {
+  return start < 0 ? -1 : Position(m_text.find(character, static_cast<std::size_t>(start)));
+}
+
+std::int32_t BaseString::Find(const char* text, std::int32_t start) const {
+  NotNull(text);
+  return start < 0 ? -1 : Position(m_text.find(text, static_cast<std::size_t>(start)));
+}
+
+std::int32_t BaseString::FindOneOf(const char* characters) const {
+  return Position(m_text.find_first_of(NotNull(characters)));
+}
+
+std::int32_t BaseString::ReverseFind(char character) const {
+  return Position(m_text.rfind(character));
+}
+
+int BaseString::FindNoCase(const char* text) const {
+  std::string whole = m_text;
+  std::string part = NotNull(text);
+  Upper(whole);
+  Upper(part);
+  // Meant: found or not, and no position; clients test it as a yes or no.
+  return whole.find(part) != std::string::npos ? 1 : 0;
+}
+
+int BaseString::Compare(const char* text) const {
+  return std::strcoll(m_text.c_str(), NotNull(text));
+}
+
+int BaseString::CompareNoCase(const char* text) const {
+  std::string left = m_text;
+  std::string right = NotNull(text);
+  Lower(left);
+  Lower(right);
+  return std::strcoll(left.c_str(), right.c_str());
+}
+
+int BaseString::CompareNoLS(const char* text) const {
+  const int order = m_text.compare(NotNull(text));
+  return (order > 0) - (order < 0);
+}
+
+char* BaseString::GetBufferSetLength(std::int32_t length) {
+  m_text.resize(Length(length));
+  return m_text.data();
+}
+
+void BaseString::ReleaseBuffer(std::int32_t length) {
+  // Meant: -1 does not look for a closing zero byte; a buffer's length is what its user set.
+  if (length != -1) m_text.resize(Length(length));
+}
+
+void BaseString::Format(const char* format, ...) {
+  char buffer[kFormatBuffer] = {};
+  std::va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(buffer, sizeof(buffer), NotNull(format), arguments);
+  va_end(arguments);
+  m_text = buffer;
+}
+
+int BaseString::Replace(const std::string& from, const std::string& to) {
+  if (from.empty()) return 0;
+  std::string result;  // Built beside the text, which `from` and `to` may be.
+  int count = 0;
+  std::size_t done = 0;
+  for (std::size_t found; (found = m_text.find(from, done)) != std::string::npos; ++count) {
+    result.append(m_text, done, found - done).append(to);
+    done = found + from.size();
+  }
+  if (count == 0) return 0;
+  result.append(m_text, done);
+  m_text = std::move(result);
+  return count;
+}
+
+void BaseString::TrimRight() {
+  m_text.erase(m_text.find_last_not_of(kRightBlanks) + 1);
+}
+
+void BaseString::TrimLeft() {
+  m_text.erase(0, std::min(m_text.find_first_not_of(kLeftBlanks), m_text.size()));
+}
+
+void BaseString::Trim() {
+  TrimLeft();
+  TrimRight();
+}
+
+BaseString BaseString::Mid(std::int32_t first, std::int32_t count) const {
+  if (first < 0) throw std::out_of_range("invalid string position");
+  const std::size_t start = std::min(static_cast<std::size_t>(first), m_text.size());
+  return m_text.substr(start, AtMost(count, m_text.size() - start));
+}
+
+BaseString BaseString::Left(std::int32_t count) const {
+  return m_text.substr(0, AtMost(count, m_text.size()));
+}
+
+BaseString BaseString::Right(std::int32_t count) const {
+  return m_text.substr(m_text.size() - AtMost(count, m_text.size()));
+}
