@@ -1,0 +1,357 @@
+#include <vq_client_common/datacenters/TArchive.h>
+
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <limits>
+#include <new>
+#include <streambuf>
+#include <type_traits>
+
+#include <support/security/StupidEncrypt.h>
+#include <vq_client_common/datacenters/internal/RecordPieces.h>
+
+namespace {
+
+constexpr char kSeparator = ';';
+constexpr char kLineEnd = '\n';
+constexpr std::size_t kMaxLine = 512;
+constexpr std::uint32_t kMaxNumber = 50;  // bytes of a number's text
+constexpr int kDecimal = 10;
+
+using State = std::ios_base::iostate;
+constexpr State kGood = std::ios_base::goodbit;
+constexpr State kFail = std::ios_base::failbit;
+constexpr State kAtEnd = std::ios_base::eofbit | std::ios_base::failbit;
+
+[[noreturn]] void Fail() {
+  throw TArchiveException(0, "");
+}
+
+void RequireGood(const std::iostream& stream) {
+  if (!stream.good()) Fail();
+}
+
+// Runs `read` on the stream's buffer and gives the stream the state that it returns. The pieces
+// it reads come from RecordPieces.h; the stream's state comes out as if it had extracted them.
+template <typename Read>
+void Load(std::iostream& stream, Read read) {
+  State state = kGood;
+  const std::istream::sentry sentry(stream, true);
+  if (sentry) {
+    try {
+      state = read(*stream.rdbuf());
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception&) {  // from the stream's buffer
+      state = std::ios_base::badbit;
+    }
+    if (state != kGood) stream.setstate(state);
+  }
+  RequireGood(stream);
+}
+
+// One line without its end. A line of more than 512 bytes is a failure.
+std::string ReadLine(std::iostream& stream) {
+  std::array<char, kMaxLine + 1> line{};
+  stream.getline(line.data(), line.size());
+  RequireGood(stream);
+  return std::string(line.data(), static_cast<std::size_t>(stream.gcount() - 1));
+}
+
+// Meant: only the digits before the decimal point are read, archives in the field depend on it.
+double ToDouble(const char* text) {
+  return static_cast<double>(static_cast<std::uint32_t>(std::strtoul(text, nullptr, kDecimal)));
+}
+
+}  // namespace
+
+TArchive::TArchive(std::iostream* stream, unsigned int mode, int /*unused*/, void* /*unused*/)
+    : m_loading(mode != 0), m_stream(stream) {}
+
+TArchive::~TArchive() {
+  try {
+    Close();
+  } catch (const std::exception&) {  // A stream may be set to raise on failure.
+  }
+  Abort();
+}
+
+void TArchive::Close() {
+  if (m_stream == nullptr) return;
+  std::iostream& stream = *m_stream;
+  m_stream = nullptr;
+  stream.flush();
+}
+
+void TArchive::Abort() {
+  m_stream = nullptr;
+}
+
+void TArchive::Ignore() {
+  if (m_loading && m_stream != nullptr) m_stream->ignore();
+}
+
+std::iostream& TArchive::Stream() const {
+  if (m_stream == nullptr) Fail();
+  return *m_stream;
+}
+
+// The inverse of StupidEncrypt's rule, on the bytes where they are: a byte's number, which leaves
+// out the line end, less the state that the byte before it left.
+void TArchive::RecordCipher(char* bytes, std::size_t count) {
+  int state = 90;
+  for (char* const end = bytes + count; bytes != end; ++bytes) {
+    const int hidden = static_cast<unsigned char>(*bytes);
+    if (hidden == kLineEnd) continue;
+    const int number = hidden - (hidden > kLineEnd ? 1 : 0);
+    int plain = number - state;
+    if (plain < 0) plain += 255;
+    *bytes = static_cast<char>(static_cast<unsigned char>(plain + (plain >= kLineEnd ? 1 : 0)));
+    state = number + 37;
+    if (state >= 255) state -= 255;
+  }
+}
+
+// --- storing
+
+void TArchive::WriteRecord(const std::string& text) {
+  std::iostream& stream = Stream();
+  std::array<char, 24> digits{};
+  char* const end =
+      std::to_chars(digits.data(), digits.data() + digits.size(), text.size() + 1).ptr;
+  std::string body(text.size(), '\0');
+  if (m_encrypt) StupidEncrypt(text, body);
+  std::string record;
+  record.reserve(text.size() + digits.size());
+  record.append(digits.data(), end).push_back(kSeparator);
+  record.append(body, 0, text.size()).push_back(kLineEnd);
+  stream.write(record.data(), static_cast<std::streamsize>(record.size()));
+  RequireGood(stream);
+}
+
+template <typename T>
+void TArchive::WritePlain(T value) {
+  std::iostream& stream = Stream();
+  stream << value << kLineEnd;
+  RequireGood(stream);
+}
+
+TArchive& TArchive::operator<<(const std::string& value) {
+  WriteRecord(value);
+  return *this;
+}
+
+TArchive& TArchive::operator<<(unsigned long value) {
+  if (m_encrypt) {
+    WriteRecord(std::to_string(value));
+  } else {
+    WritePlain(value);
+  }
+  return *this;
+}
+
+TArchive& TArchive::operator<<(double value) {
+  if (m_encrypt) {
+    std::array<char, 32> text{};  // "%22.15E" takes at most 23 bytes
+    std::snprintf(text.data(), text.size(), "%22.15E", value);
+    WriteRecord(text.data());
+  } else {
+    WritePlain(value);
+  }
+  return *this;
+}
+
+TArchive& TArchive::operator<<(long value) {
+  // Meant: 32 bits without sign, whatever the width of a long; every loading program expects them.
+  return *this << static_cast<unsigned long>(static_cast<std::uint32_t>(value));
+}
+
+TArchive& TArchive::operator<<(unsigned char value) {
+  return *this << static_cast<unsigned long>(value);
+}
+TArchive& TArchive::operator<<(unsigned short value) {
+  return *this << static_cast<unsigned long>(value);
+}
+TArchive& TArchive::operator<<(unsigned int value) {
+  return *this << static_cast<unsigned long>(value);
+}
+TArchive& TArchive::operator<<(bool value) {
+  return *this << static_cast<long>(value);
+}
+TArchive& TArchive::operator<<(char value) {
+  return *this << static_cast<long>(value);
+}
+TArchive& TArchive::operator<<(short value) {
+  return *this << static_cast<long>(value);
+}
+TArchive& TArchive::operator<<(int value) {
+  return *this << static_cast<long>(value);
+}
+TArchive& TArchive::operator<<(float value) {
+  return *this << static_cast<double>(value);
+}
+
+// --- loading
+
+template <typename T>
+void TArchive::ExtractPlain(T& value) {
+  std::iostream& stream = Stream();
+  stream >> value;
+  RequireGood(stream);
+}
+
+std::string TArchive::ReadCipheredLine() {
+  std::string line = ReadLine(Stream());
+  StupidDecrypt(line, line);
+  return line;
+}
+
+TArchive& TArchive::operator>>(std::string& value) {
+  if (m_decryptType == kLines) {
+    value = ReadCipheredLine();
+    return *this;
+  }
+  const bool ciphered = m_decryptType == kRecords;
+  Load(Stream(), [&](std::streambuf& in) {
+    std::int64_t prefix = 0;
+    if (const State state = vq::ReadPrefix(in, prefix); state != kGood) return state;
+    if (prefix < 0 || prefix > std::numeric_limits<std::int32_t>::max()) return kFail;
+    const std::size_t count = prefix == 0 ? 0 : static_cast<std::size_t>(prefix - 1);
+    if (const State state = vq::ReadBody(in, count, value); state != kGood) return state;
+    if (ciphered) RecordCipher(value.data(), value.size());
+    return vq::SkipLine(in);
+  });
+  return *this;
+}
+
+unsigned long TArchive::ReadUnsignedLong() {
+  if (m_decryptType == kLines) {
+    return std::strtoul(ReadCipheredLine().c_str(), nullptr, kDecimal);
+  }
+  unsigned long value = 0;
+  const bool ciphered = m_decryptType == kRecords;
+  Load(Stream(), [&](std::streambuf& in) {
+    std::int64_t prefix = 0;
+    if (const State state = vq::ReadPrefix(in, prefix); state != kGood) return state;
+    // In 32 bits without sign, so that a prefix of 0 claims far too many bytes.
+    const auto count = static_cast<std::uint32_t>(prefix - 1);
+    if (count > kMaxNumber) Fail();
+    std::array<char, kMaxNumber + 1> text{};
+    if (in.sgetn(text.data(), count) != count) return kAtEnd;
+    if (ciphered) RecordCipher(text.data(), count);
+    value = std::strtoul(text.data(), nullptr, kDecimal);
+    return vq::SkipLine(in);
+  });
+  return value;
+}
+
+TArchive& TArchive::operator>>(double& value) {
+  if (m_decryptType == kRecordsAsTheyStand) {
+    ExtractPlain(value);
+    return *this;
+  }
+  if (m_decryptType == kLines) {
+    ReadCipheredLine();  // Meant: the value is dropped; old archives are read past it this way.
+    return *this;
+  }
+  bool wholeLine = false;
+  std::string text;
+  Load(Stream(), [&](std::streambuf& in) {
+    std::int64_t prefix = 0;
+    if (const State state = vq::ReadPrefix(in, prefix); state != kGood) return state;
+    if (prefix < 1 || prefix > std::numeric_limits<std::int32_t>::max()) return kFail;
+    wholeLine = prefix == 1;
+    return wholeLine ? kGood : vq::ReadUpToLineEnd(in, static_cast<std::size_t>(prefix - 1), text);
+  });
+  if (wholeLine) {
+    text = ReadLine(Stream());
+  } else {
+    // Meant: deciphered at every decrypt type, and the line end stays; the next load skips it.
+    StupidDecrypt(text, text);
+  }
+  value = ToDouble(text.c_str());
+  return *this;
+}
+
+TArchive& TArchive::operator>>(float& value) {
+  if (m_decryptType == kRecordsAsTheyStand) {
+    ExtractPlain(value);
+    return *this;
+  }
+  double wide = value;
+  *this >> wide;
+  value = static_cast<float>(wide);
+  return *this;
+}
+
+// Plain at type 1, otherwise the low bits of what a record or a line holds. Bool and long take 32
+// of them, as they do when they are stored.
+template <typename T>
+void TArchive::LoadInteger(T& value) {
+  if (m_decryptType == kRecordsAsTheyStand) {
+    ExtractPlain(value);
+  } else if constexpr (std::is_same_v<T, bool>) {
+    value = static_cast<std::uint32_t>(ReadUnsignedLong()) != 0;
+  } else if constexpr (std::is_same_v<T, long>) {
+    value = static_cast<std::int32_t>(ReadUnsignedLong());
+  } else {
+    value = static_cast<T>(ReadUnsignedLong());
+  }
+}
+
+TArchive& TArchive::operator>>(bool& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+TArchive& TArchive::operator>>(char& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+TArchive& TArchive::operator>>(unsigned char& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+TArchive& TArchive::operator>>(short& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+TArchive& TArchive::operator>>(unsigned short& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+TArchive& TArchive::operator>>(int& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+TArchive& TArchive::operator>>(unsigned int& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+TArchive& TArchive::operator>>(long& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+TArchive& TArchive::operator>>(unsigned long& value) {
+  LoadInteger(value);
+  return *this;
+}
+
+void SerializeElement(TArchive& archive, std::string& value) {
+  if (archive.IsLoading()) {
+    archive >> value;
+  } else {
+    archive << value;
+  }
+}
