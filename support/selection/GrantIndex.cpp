@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
 #include <support/selection/GrantIndexBuilder.h>
 
@@ -36,8 +37,8 @@ class GrantIndex::BoundObject {
   std::span<std::string_view> m_values;
 };
 
-GrantIndex::GrantIndex(std::span<const Grant> grants) {
-  Builder(*this).Build(grants);
+GrantIndex::GrantIndex(std::vector<Grant> grants) : m_grants(std::move(grants)) {
+  Builder(*this).Build();
 }
 
 std::span<const GrantIndex::Entry> GrantIndex::Bucket(std::uint32_t bucket) const {
@@ -63,27 +64,23 @@ bool GrantIndex::LookUp(std::uint64_t hash, Look& look) const {
 template <class Look>
 bool GrantIndex::LookUpValue(std::uint32_t field, std::string_view value, Look& look) const {
   const FieldKeys& keys = m_fields[field];
-  if (keys.exact && LookUp(KeyHash::Exact(field, value), look)) return true;
+  if (keys.exact && LookUp(KeyHash::Of(field, KeyKind::Exact, value), look)) return true;
 
-  const auto affixes = [&](const std::vector<bool>& lengths, KeyKind kind, auto byteAt) {
-    std::uint64_t state = KeyHash::Seed(field, kind);
-    for (std::size_t n = 1; n < lengths.size() && n <= value.size(); ++n) {
-      state = KeyHash::Step(state, value[byteAt(n)]);
-      if (lengths[n] && LookUp(KeyHash::Finish(state), look)) return true;
-    }
-    return false;
-  };
-  if (affixes(keys.prefixes, KeyKind::Prefix, [](std::size_t n) { return n - 1; })) return true;
-  if (affixes(keys.suffixes, KeyKind::Suffix, [&](std::size_t n) { return value.size() - n; })) {
-    return true;
+  KeyHash prefix(field, KeyKind::Prefix);
+  for (const std::uint32_t length : keys.prefixes) {
+    if (length > value.size()) break;
+    if (LookUp(prefix.Prefix(value, length), look)) return true;
   }
-
+  KeyHash suffix(field, KeyKind::Suffix);
+  for (const std::uint32_t length : keys.suffixes) {
+    if (length > value.size()) break;
+    if (LookUp(suffix.Suffix(value, length), look)) return true;
+  }
   for (std::size_t i = 0; i < kPieceLengths.size(); ++i) {
     if ((keys.pieces >> i & 1U) == 0) continue;
-    const std::size_t length = kPieceLengths[i];
-    const std::uint64_t seed = KeyHash::Seed(field, KeyKind::Piece, length);
-    for (std::size_t at = 0; at + length <= value.size(); ++at) {
-      if (LookUp(KeyHash::Piece(seed, value.data() + at, length), look)) return true;
+    for (std::size_t at = 0; at + kPieceLengths[i] <= value.size(); ++at) {
+      const std::string_view piece = value.substr(at, kPieceLengths[i]);
+      if (LookUp(KeyHash::Of(field, KeyKind::Piece, piece), look)) return true;
     }
   }
   return keys.presence != KeyTable::kNone && look(Bucket(keys.presence));

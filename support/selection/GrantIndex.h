@@ -57,7 +57,7 @@ class GrantIndex {
   };
 
   // The grants are numbered from 0 in their order. Copies what it needs of the texts.
-  explicit GrantIndex(std::span<const Grant> grants);
+  explicit GrantIndex(std::vector<Grant> grants);
   GrantIndex(const GrantIndex&) = delete;
   GrantIndex& operator=(const GrantIndex&) = delete;
 
@@ -86,6 +86,7 @@ class GrantIndex {
     std::uint32_t firstMatching;
     std::uint32_t matchings;
     std::uint32_t grant;
+    std::uint8_t level;
   };
   struct Entry {
     std::uint32_t term;
@@ -95,9 +96,9 @@ class GrantIndex {
   struct FieldKeys {
     std::uint32_t presence = KeyTable::kNone;  // the bucket of the terms that ask no more
     bool exact = false;
-    std::uint8_t pieces = 0;     // bit i: pieces of kPieceLengths[i]
-    std::vector<bool> prefixes;  // element n: prefixes of n bytes
-    std::vector<bool> suffixes;  // likewise
+    std::uint8_t pieces = 0;              // bit i: pieces of kPieceLengths[i]
+    std::vector<std::uint32_t> prefixes;  // their lengths, rising
+    std::vector<std::uint32_t> suffixes;  // likewise
   };
 
   // Calls `look(entries)` for every bucket that may hold terms that fit, until it returns true.

@@ -11,26 +11,26 @@ namespace vq {
 // Terms, matchings and buckets are numbered by 32 bits: the shortest term takes four bytes of text,
 // so more than 2^32 of them would need 16 GB of criteria, beyond what a message can carry.
 
-void GrantIndex::Builder::Build(std::span<const Grant> grants) {
-  CopyTexts(grants);
-  m_index.m_terms.reserve(grants.size() + grants.size() / 8);
-  m_index.m_matchings.reserve(grants.size() + grants.size() / 4);
-  for (std::uint32_t grant = 0; grant < grants.size(); ++grant) Parse(grant);
+void GrantIndex::Builder::Build() {
+  const std::size_t grants = m_index.m_grants.size();
+  CopyTexts();
+  m_index.m_terms.reserve(grants + grants / 8);
+  m_index.m_matchings.reserve(grants + grants / 4);
+  for (std::uint32_t grant = 0; grant < grants; ++grant) Parse(grant);
   CollectCandidates();
   ChooseBuckets();
   LayOutBuckets();
 }
 
-void GrantIndex::Builder::CopyTexts(std::span<const Grant> grants) {
+void GrantIndex::Builder::CopyTexts() {
   std::size_t length = 0;
-  for (const Grant& grant : grants) length += grant.criteria.size();
+  for (const Grant& grant : m_index.m_grants) length += grant.criteria.size();
   std::string& text = m_index.m_text;
-  text.reserve(length);  // the views below rely on the text staying where it is
-  m_index.m_grants.reserve(grants.size());
-  for (const Grant& grant : grants) {
+  text.reserve(length);  // the views rely on the text staying where it is
+  for (Grant& grant : m_index.m_grants) {
     const char* start = text.data() + text.size();
     text += grant.criteria;
-    m_index.m_grants.push_back({{start, grant.criteria.size()}, grant.level});
+    grant.criteria = {start, grant.criteria.size()};
   }
 }
 
@@ -46,7 +46,8 @@ void GrantIndex::Builder::Parse(std::uint32_t grant) {
 }
 
 void GrantIndex::Builder::BeginTerm() {
-  m_index.m_terms.push_back({static_cast<std::uint32_t>(m_index.m_matchings.size()), 0, m_grant});
+  m_index.m_terms.push_back({static_cast<std::uint32_t>(m_index.m_matchings.size()), 0, m_grant,
+                             m_index.m_grants[m_grant].level});
 }
 
 void GrantIndex::Builder::OnMatching(const SelectionToken& field, SelectionOperator op,
@@ -84,7 +85,7 @@ void GrantIndex::Builder::CollectCandidates() {
     }
     if (m_candidates.size() == first && term.matchings > 0) {
       const std::uint32_t field = m_index.m_matchings[term.firstMatching].field;
-      Offer(KeyKind::Presence, field, KeyHash::Seed(field, KeyKind::Presence), 0);
+      Offer(KeyKind::Presence, field, {});
     }
     m_candidateEnds.push_back(static_cast<std::uint32_t>(m_candidates.size()));
   }
@@ -98,16 +99,16 @@ void GrantIndex::Builder::OfferKeys(const Matching& matching) {
                                         : std::string_view::npos;
   if (firstWildcard == std::string_view::npos) {
     if (matching.op == SelectionOperator::Equal || matching.op == SelectionOperator::Like) {
-      Offer(KeyKind::Exact, field, KeyHash::Exact(field, value), value.size());
+      Offer(KeyKind::Exact, field, value);
     }
     return;
   }
   const std::size_t lastWildcard = value.find_last_of(kWildcards);
   if (const auto head = value.substr(0, firstWildcard); !head.empty()) {
-    Offer(KeyKind::Prefix, field, KeyHash::Prefix(field, head), head.size());
+    Offer(KeyKind::Prefix, field, head);
   }
   if (const auto tail = value.substr(lastWildcard + 1); !tail.empty()) {
-    Offer(KeyKind::Suffix, field, KeyHash::Suffix(field, tail), tail.size());
+    Offer(KeyKind::Suffix, field, tail);
   }
   OfferPieces(field, value.substr(firstWildcard, lastWildcard - firstWildcard));
 }
@@ -124,17 +125,15 @@ void GrantIndex::Builder::OfferPieces(std::uint32_t field, std::string_view midd
   if (longest.empty()) return;
   const std::size_t length = *std::find_if(kPieceLengths.rbegin(), kPieceLengths.rend(),
                                            [&](std::size_t n) { return n <= longest.size(); });
-  const std::uint64_t seed = KeyHash::Seed(field, KeyKind::Piece, length);
-  const char* last = longest.data() + longest.size() - length;
-  Offer(KeyKind::Piece, field, KeyHash::Piece(seed, longest.data(), length), length);
-  if (last != longest.data()) {
-    Offer(KeyKind::Piece, field, KeyHash::Piece(seed, last, length), length);
+  Offer(KeyKind::Piece, field, longest.substr(0, length));
+  if (length < longest.size()) {
+    Offer(KeyKind::Piece, field, longest.substr(longest.size() - length));
   }
 }
 
-void GrantIndex::Builder::Offer(KeyKind kind, std::uint32_t field, std::uint64_t hash,
-                                std::size_t length) {
-  m_candidates.push_back({hash, KeyTable::kNone, field, static_cast<std::uint32_t>(length), kind});
+void GrantIndex::Builder::Offer(KeyKind kind, std::uint32_t field, std::string_view text) {
+  m_candidates.push_back({KeyHash::Of(field, kind, text), KeyTable::kNone, field,
+                          static_cast<std::uint32_t>(text.size()), kind});
 }
 
 void GrantIndex::Builder::ChooseBuckets() {
@@ -168,9 +167,11 @@ void GrantIndex::Builder::ChooseBuckets() {
 
 void GrantIndex::Builder::MarkInUse(const Candidate& key) {
   FieldKeys& keys = m_index.m_fields[key.field];
-  const auto mark = [&key](std::vector<bool>& lengths) {
-    if (lengths.size() <= key.length) lengths.resize(key.length + std::size_t{1});
-    lengths[key.length] = true;
+  // Distinct lengths are few: a thousand of them need half a megabyte of text, so inserting in
+  // order stays linear in the text.
+  const auto mark = [&key](std::vector<std::uint32_t>& lengths) {
+    const auto place = std::lower_bound(lengths.begin(), lengths.end(), key.length);
+    if (place == lengths.end() || *place != key.length) lengths.insert(place, key.length);
   };
   switch (key.kind) {
     case KeyKind::Exact:
@@ -196,28 +197,26 @@ void GrantIndex::Builder::MarkInUse(const Candidate& key) {
 
 void GrantIndex::Builder::LayOutBuckets() {
   const std::vector<Term>& terms = m_index.m_terms;
-  const auto levelOf = [&](std::uint32_t term) {
-    return m_index.m_grants[terms[term].grant].level;
-  };
-
   // Two counting sorts: the terms by level, highest first, and those by bucket.
   std::array<std::uint32_t, 257> levelStarts{};
-  for (std::uint32_t term = 0; term < terms.size(); ++term) ++levelStarts[256U - levelOf(term)];
+  for (const Term& term : terms) ++levelStarts[256U - term.level];
   for (std::size_t i = 1; i < levelStarts.size(); ++i) levelStarts[i] += levelStarts[i - 1];
   std::vector<std::uint32_t> byLevel(terms.size());
   for (std::uint32_t term = 0; term < terms.size(); ++term) {
-    byLevel[levelStarts[255U - levelOf(term)]++] = term;
+    byLevel[levelStarts[255U - terms[term].level]++] = term;
   }
 
+  // Element b + 1 first counts bucket b, then tells where its next entry goes, and in the end where
+  // it ends, which is where the next bucket starts.
   std::vector<std::uint32_t>& starts = m_index.m_bucketStarts;
-  starts.assign(m_offers.size() + 1, 0);
-  for (const std::uint32_t bucket : m_chosen) ++starts[bucket + 1];
+  starts.assign(m_offers.size() + 2, 0);
+  for (const std::uint32_t bucket : m_chosen) ++starts[bucket + 2];
   for (std::size_t i = 1; i < starts.size(); ++i) starts[i] += starts[i - 1];
-  std::vector<std::uint32_t> next(starts.begin(), starts.end() - 1);
   m_index.m_entries.resize(terms.size());
   for (const std::uint32_t term : byLevel) {
-    m_index.m_entries[next[m_chosen[term]]++] = {term, levelOf(term)};
+    m_index.m_entries[starts[m_chosen[term] + 1]++] = {term, terms[term].level};
   }
+  starts.pop_back();
 }
 
 }  // namespace vq

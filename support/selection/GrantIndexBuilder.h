@@ -6,7 +6,6 @@
 #define VQ_SUPPORT_SELECTION_GRANTINDEXBUILDER_H
 
 #include <cstdint>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -21,7 +20,7 @@ class GrantIndex::Builder {
   static constexpr std::uint32_t kAlways = 0;  // the bucket of the terms without matchings
 
   explicit Builder(GrantIndex& index) : m_index(index) {}
-  void Build(std::span<const Grant> grants);
+  void Build();
 
   // The parser's sink.
   void BeginTerm();
@@ -37,7 +36,7 @@ class GrantIndex::Builder {
     KeyKind kind;
   };
 
-  void CopyTexts(std::span<const Grant> grants);
+  void CopyTexts();
   void Parse(std::uint32_t grant);
   std::uint32_t FieldNumber(const SelectionToken& field);
   std::string_view Unquoted(const SelectionToken& token);
@@ -45,7 +44,7 @@ class GrantIndex::Builder {
   void CollectCandidates();
   void OfferKeys(const Matching& matching);
   void OfferPieces(std::uint32_t field, std::string_view middle);
-  void Offer(KeyKind kind, std::uint32_t field, std::uint64_t hash, std::size_t length);
+  void Offer(KeyKind kind, std::uint32_t field, std::string_view text);
 
   void ChooseBuckets();
   void MarkInUse(const Candidate& key);

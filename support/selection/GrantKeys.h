@@ -23,59 +23,70 @@ enum class KeyKind : std::uint8_t { Exact, Prefix, Suffix, Piece, Presence };
 // so they are few, and eight bytes fit a register.
 inline constexpr std::array<std::size_t, 4> kPieceLengths = {1, 2, 4, 8};
 
+// Hashes texts eight bytes at a time, from the front or from the back. What has been read of a text
+// serves for all its prefixes (or suffixes): each of them takes one more step, whatever its length.
+// Thread contract: a plain value.
 class KeyHash {
  public:
-  static std::uint64_t Seed(std::uint32_t field, KeyKind kind, std::size_t length = 0) {
-    return Mix((static_cast<std::uint64_t>(field) << 8U | static_cast<std::uint64_t>(kind)) +
-               (static_cast<std::uint64_t>(length) << 48U) + kOdd);
+  KeyHash(std::uint32_t field, KeyKind kind)
+      : m_state(Mix((static_cast<std::uint64_t>(field) << 8U | static_cast<std::uint64_t>(kind)) +
+                    kOdd)) {}
+
+  // The hash of a whole text; of a suffix when the kind is Suffix.
+  static std::uint64_t Of(std::uint32_t field, KeyKind kind, std::string_view text) {
+    KeyHash hash(field, kind);
+    return kind == KeyKind::Suffix ? hash.Suffix(text, text.size())
+                                   : hash.Prefix(text, text.size());
   }
 
-  // One byte more; Finish(Step(...)) of a prefix's bytes is the prefix's hash, so one pass over a
-  // value gives the hashes of all its prefixes.
-  static std::uint64_t Step(std::uint64_t state, char c) {
-    return (std::rotl(state, 23) ^ static_cast<unsigned char>(c)) * kOdd;
+  // The hash of the text's first, or last, `length` bytes. For one object always the same text and
+  // lengths that do not fall.
+  std::uint64_t Prefix(std::string_view text, std::size_t length) {
+    for (; m_read + kBlock <= length; m_read += kBlock) Step(Load8(text.data() + m_read));
+    return Finish(text.data() + m_read, length);
   }
-  static std::uint64_t Finish(std::uint64_t state) { return Mix(state); }
-
-  static std::uint64_t Exact(std::uint32_t field, std::string_view value) {
-    std::uint64_t state = Seed(field, KeyKind::Exact, 0) + value.size();
-    while (value.size() >= 8) {
-      state = (std::rotl(state, 23) ^ Load(value.data(), 8)) * kOdd;
-      value.remove_prefix(8);
-    }
-    return Mix(state ^ Load(value.data(), value.size()));
+  std::uint64_t Suffix(std::string_view text, std::size_t length) {
+    const char* end = text.data() + text.size();
+    for (; m_read + kBlock <= length; m_read += kBlock) Step(Load8(end - m_read - kBlock));
+    return Finish(end - length, length);
   }
 
-  static std::uint64_t Prefix(std::uint32_t field, std::string_view prefix) {
-    std::uint64_t state = Seed(field, KeyKind::Prefix);
-    for (const char c : prefix) state = Step(state, c);
-    return Finish(state);
-  }
-
-  static std::uint64_t Suffix(std::uint32_t field, std::string_view suffix) {
-    std::uint64_t state = Seed(field, KeyKind::Suffix);
-    for (std::size_t i = suffix.size(); i > 0; --i) state = Step(state, suffix[i - 1]);
-    return Finish(state);
-  }
-
-  // `seed` is Seed(field, KeyKind::Piece, length); `length` is one of kPieceLengths.
-  static std::uint64_t Piece(std::uint64_t seed, const char* bytes, std::size_t length) {
-    return Mix(seed ^ Load(bytes, length));
-  }
+  std::uint64_t Plain() const { return Mix(m_state); }
 
  private:
   static constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
+  static constexpr std::size_t kBlock = 8;
 
-  static std::uint64_t Load(const char* bytes, std::size_t length) {
+  void Step(std::uint64_t word) { m_state = (std::rotl(m_state, 23) ^ word) * kOdd; }
+  std::uint64_t Finish(const char* rest, std::size_t length) const {
+    return Mix((m_state + length) ^ LoadUpTo7(rest, length - m_read));
+  }
+
+  static std::uint64_t Load8(const char* bytes) {
     std::uint64_t word = 0;
-    if (length > 0) std::memcpy(&word, bytes, length);
+    std::memcpy(&word, bytes, sizeof word);
     return word;
+  }
+  static std::uint64_t Load4(const char* bytes) {
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+  }
+  static std::uint64_t Load1(const char* byte) { return static_cast<unsigned char>(*byte); }
+  // Reads every byte; together with the length the result tells all texts apart.
+  static std::uint64_t LoadUpTo7(const char* bytes, std::size_t count) {
+    if (count >= 4) return Load4(bytes) << 32U | Load4(bytes + count - 4);
+    if (count == 0) return 0;
+    return Load1(bytes) << 16U | Load1(bytes + count / 2) << 8U | Load1(bytes + count - 1);
   }
   static std::uint64_t Mix(std::uint64_t h) {
     h = (h ^ (h >> 32U)) * 0xD6E8FEB86659FD93U;
     h = (h ^ (h >> 32U)) * 0xD6E8FEB86659FD93U;
     return h ^ (h >> 32U);
   }
+
+  std::uint64_t m_state;
+  std::size_t m_read = 0;
 };
 
 // A set of hashes that may say yes to a few it does not hold: two bits of one word for each. It is
