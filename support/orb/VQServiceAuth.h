@@ -1,0 +1,28 @@
+// One grant on services: a level of access and the numbers of the actions that are allowed, over
+// the services that a criteria text selects (docs/selection-language.md).
+//
+//   std::list<VQServiceAuth> own;
+//   CrbConvert(snapshot->ServiceUserAccess, own);
+//   VQServiceUserAuth services(std::move(own));
+#ifndef VQ_SUPPORT_ORB_VQSERVICEAUTH_H
+#define VQ_SUPPORT_ORB_VQSERVICEAUTH_H
+
+#include <list>
+#include <string>
+#include <vector>
+
+#include <support/Export.h>
+#include <support/orb/Corba.h>
+#include <vq_idl/AuthorizationC.h>
+
+// Thread contract: a plain value.
+struct VQ_SUPPORT_API VQServiceAuth {
+  std::string Criteria;
+  QCSAuthLevelEnum Level = DEFAULT_ACCESS;
+  std::vector<int> Actions;  // as the server sent them
+};
+
+// Turns a wire list into the list, which takes its place: what `grants` held before is gone.
+VQ_SUPPORT_API void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& grants);
+
+#endif  // VQ_SUPPORT_ORB_VQSERVICEAUTH_H
