@@ -1,0 +1,150 @@
+#include <vq_client_common/environment/CmdParser.h>
+
+#include <algorithm>
+#include <cctype>
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/os_toolkit/Atoi.h>
+
+namespace {
+
+TDiagRegister diagModule("CmdParser");
+
+constexpr std::string_view kSecretNames[] = {"PASSWORD", "P"};
+
+bool IsSecret(std::string_view name) {
+  return std::find(std::begin(kSecretNames), std::end(kSecretNames), name) !=
+         std::end(kSecretNames);
+}
+
+}  // namespace
+
+CmdParser* CmdParser::m_pCmdParser = nullptr;
+
+CmdParser::CmdParser(bool caseSensitive, bool acceptShortParams)
+    : m_caseSensitive(caseSensitive), m_acceptShortParams(acceptShortParams) {}
+
+CmdParser::~CmdParser() {
+  if (m_pCmdParser == this) m_pCmdParser = nullptr;
+  std::cout << "CmdParser destructor" << std::endl;
+}
+
+CmdParser* CmdParser::Get() {
+  if (m_pCmdParser == nullptr) m_pCmdParser = new CmdParser(false, true);
+  return m_pCmdParser;
+}
+
+void CmdParser::SetCmdLineArgs(int argc, char** argv) {
+  m_argc = argc;
+  m_argv = argv;
+}
+
+void CmdParser::SetCaseSensitive(bool caseSensitive) {
+  m_caseSensitive = caseSensitive;
+}
+
+void CmdParser::SetAcceptShortParams(bool acceptShortParams) {
+  m_acceptShortParams = acceptShortParams;
+}
+
+bool CmdParser::is_switch(std::string& token) const {
+  return token.starts_with('/');
+}
+
+bool CmdParser::is_param(std::string& token) const {
+  return token.starts_with('-');
+}
+
+void CmdParser::trim(std::string& token) const {
+  if (token.empty()) throw std::out_of_range("invalid string position");
+  if (is_param(token) || is_switch(token)) token.erase(0, 1);
+}
+
+void CmdParser::set_case(std::string& token) const {
+  if (m_caseSensitive) return;
+  for (char& c : token) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+}
+
+bool CmdParser::parse(std::string&) {
+  const TDiagFunc diag(diagModule, "CmdParser::parse");
+  int count = 1;
+  while (m_argv != nullptr && count < m_argc && m_argv[count] != nullptr) ++count;
+
+  for (int i = 1; i < count; ++i) {
+    std::string token = m_argv[i];
+    if (is_switch(token)) {
+      trim(token);
+      set_case(token);
+      m_switches.push_back(token);
+      continue;
+    }
+    // A bare token keeps its case. That is meant: params() shows it as it was given, and a query
+    // that folds its name does not find it unless it is in upper case.
+    if (is_param(token)) {
+      trim(token);
+      set_case(token);
+    }
+    std::string value = i + 1 < count ? m_argv[i + 1] : "";
+    if (is_param(value)) {
+      value.clear();  // the next name
+    } else {
+      ++i;
+    }
+    m_params.emplace(token, value);
+  }
+  check_debug();
+  return true;
+}
+
+std::string CmdParser::param(const std::string& name, const std::string& shortName) const {
+  const TDiagFunc diag(diagModule, "CmdParser::param");
+  std::string key = name;
+  set_case(key);
+  // lower_bound and not find: of repeated names the one that was given first counts.
+  auto entry = m_params.lower_bound(key);
+  if (entry != m_params.end() && entry->first == key) return entry->second;
+  if (!m_acceptShortParams || shortName.empty()) return {};
+  key = shortName;
+  set_case(key);
+  entry = m_params.lower_bound(key);
+  return entry != m_params.end() && entry->first == key ? entry->second : std::string();
+}
+
+bool CmdParser::is_switch_on(const std::string& name) const {
+  const TDiagFunc diag(diagModule, "CmdParser::is_switch_on");
+  VQ_LOG(diag, 4) << "Testing " << name;
+  // The name is not folded, in contrast to param; client programs ask in upper case.
+  const bool isOn = std::find(m_switches.begin(), m_switches.end(), name) != m_switches.end();
+  VQ_LOG(diag, 4) << name << (isOn ? " turned on" : " turned off");
+  return isOn;
+}
+
+bool CmdParser::is_switch_on(char name) const {
+  const TDiagFunc diag(diagModule, "CmdParser::is_switch_on");
+  VQ_LOG(diag, 4) << "Testing: " << name;
+  return is_switch_on(std::string(1, name));
+}
+
+void CmdParser::check_debug() {
+  const std::string level = param("DBG", "");
+  if (!level.empty()) TDiag::Instance()->SetMinimumDebugLevel(vq::Atoi(level));
+}
+
+void CmdParser::debug() const {
+  for (const auto& [name, value] : m_params) std::cout << name << " = " << value << std::endl;
+  for (const std::string& name : m_switches) std::cout << "/" << name << std::endl;
+}
+
+void CmdParser::diag_print() const {
+  const TDiagFunc diag(diagModule, "CmdParser::diag_print");
+  if (!diag.IsActive(5)) return;
+  for (const auto& [name, value] : m_params) {
+    // Left out whole, and by the exact name: that is meant, no line tells that a secret was given.
+    if (IsSecret(name)) continue;
+    VQ_LOG(diag, 5) << name << " = " << value;
+  }
+  for (const std::string& name : m_switches) VQ_LOG(diag, 5) << "/" << name;
+}

@@ -1,0 +1,60 @@
+#include <vq_client_common/environment/Collation.h>
+
+#include <cstddef>
+#include <cstring>
+#include <cwchar>
+#include <cwctype>
+#include <limits>
+#include <string>
+
+#include <support/diagnostics/Osl_UnicodeConfiguration.h>
+
+namespace {
+
+constexpr std::size_t kAllCharacters = std::numeric_limits<std::size_t>::max();
+
+// Stands for a byte that begins no character: in the range of the surrogates, which no encoding
+// yields. To compare such texts by bytes instead would order them against the others in circles.
+constexpr wchar_t kBadByte = 0xDC00;
+
+std::wstring Decode(const char* text, std::size_t mostCharacters) {
+  std::wstring result;
+  std::mbstate_t state{};
+  std::size_t left = std::strlen(text);
+  while (left > 0 && result.size() < mostCharacters) {
+    wchar_t character = 0;
+    std::size_t length = std::mbrtowc(&character, text, left, &state);
+    if (length == 0 || length > left) {
+      state = {};
+      character = kBadByte + static_cast<unsigned char>(*text);
+      length = 1;
+    }
+    result.push_back(character);
+    text += length;
+    left -= length;
+  }
+  return result;
+}
+
+std::wstring WithoutCase(const char* text) {
+  std::wstring result = Decode(text, kAllCharacters);
+  for (wchar_t& c : result) c = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(c)));
+  return result;
+}
+
+const char* OrEmpty(const char* text) {
+  return text != nullptr ? text : "";
+}
+
+}  // namespace
+
+int stricoll(const char* a, const char* b, bool caseInsensitiveAlways) {
+  a = OrEmpty(a);
+  b = OrEmpty(b);
+  if (i18n_aux::IsCJK_mode() && !caseInsensitiveAlways) return std::strcoll(a, b);
+  return std::wcscoll(WithoutCase(a).c_str(), WithoutCase(b).c_str());
+}
+
+int strncoll(const char* a, const char* b, unsigned int n) {
+  return std::wcscoll(Decode(OrEmpty(a), n).c_str(), Decode(OrEmpty(b), n).c_str());
+}

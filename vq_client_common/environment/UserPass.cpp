@@ -1,0 +1,153 @@
+#include <vq_client_common/environment/UserPass.h>
+
+#include <utility>
+
+#include <support/diagnostics/ConsoleInput.h>
+#include <support/diagnostics/PasswordFile.h>
+#include <support/diagnostics/TDiag.h>
+#include <support/security/SecretString.h>
+
+namespace {
+
+TDiagRegister diagModule("UserPass");
+
+constexpr struct {
+  UserPass::eStatus status;
+  const char* text;
+  bool isCorrectable;
+} kStatuses[] = {
+    {UserPass::STAT_NOT_INITIALIZED, "Missing Login Parameters.", false},
+    {UserPass::STAT_MISSING_ALL, "Missing Login Parameters.", true},
+    {UserPass::STAT_MISSING_PASSWORD, "Missing password", true},
+    {UserPass::STAT_MISSING_USERNAME, "Missing username", true},
+    {UserPass::STAT_OK, "Status Ok. Have Username and password", false},
+    {UserPass::STAT_PASSWORD_FILE, "Missing or corrupted password file.", false},
+    {UserPass::STAT_CONFLICT_USER_AND_FILE, "Conflict, Have a Username and password file", false},
+    {UserPass::STAT_CONFLICT_PASSWORD_AND_FILE, "Conflict, Have a Password and password file",
+     false},
+    {UserPass::STAT_CONFLICT_ALL, "Conflict, Have too many parameters", false},
+    {UserPass::STAT_NO_DEFAULT_FILE, "Missing default password file", true},
+    {UserPass::STAT_FILE_NOT_FOUND, "Password file does not exist", false},
+    {UserPass::STAT_BAD_FILE_FORMAT, "Wrong password file format", false},
+};
+
+}  // namespace
+
+UserPass::UserPass(const std::string& user, const std::string& password,
+                   const std::string& passFile)
+    : m_user(user), m_password(password), m_passFile(passFile) {}
+
+UserPass& UserPass::operator=(const UserPass& other) {
+  if (this == &other) return *this;
+  m_user = other.m_user;
+  SetPassword(other.m_password);
+  m_passFile = other.m_passFile;
+  m_status = other.m_status;
+  return *this;
+}
+
+UserPass::~UserPass() {
+  vq::Wipe(m_password);
+}
+
+const char* UserPass::GetStatStr() const {
+  for (const auto& entry : kStatuses) {
+    if (entry.status == m_status) return entry.text;
+  }
+  return "Unknown status";
+}
+
+bool UserPass::isCorrectable() const {
+  for (const auto& entry : kStatuses) {
+    if (entry.status == m_status) return entry.isCorrectable;
+  }
+  return false;
+}
+
+void UserPass::SetUsername(std::string user) {
+  m_user = std::move(user);
+}
+
+void UserPass::SetPassword(std::string password) {
+  m_password.swap(password);
+  vq::Wipe(password);
+}
+
+void UserPass::SetPassFile(std::string passFile) {
+  m_passFile = std::move(passFile);
+}
+
+UserPass::eStatus UserPass::GetInitialStatus(bool ignoreFile) const {
+  int sum = 0;
+  if (!m_user.empty()) sum += 1;
+  if (!m_password.empty()) sum += 2;
+  if (!m_passFile.empty() && !ignoreFile) sum += 4;
+  return static_cast<eStatus>(sum);
+}
+
+bool UserPass::Init() {
+  const TDiagFunc diag(diagModule, "UserPass::Init");
+  m_status = GetInitialStatus(false);
+  bool result = false;
+  switch (m_status) {
+    case STAT_MISSING_ALL:
+    case STAT_MISSING_PASSWORD:
+    case STAT_MISSING_USERNAME:
+      VQ_LOG(diag, 4) << "No/Missing parameters supplied for Username/Password, get from console";
+      result = GetConsoleMissData();
+      break;
+    case STAT_OK:
+      VQ_LOG(diag, 5) << "Have Username and Password";
+      return true;
+    case STAT_PASSWORD_FILE:
+      VQ_LOG(diag, 5) << "Have password file name, trying to get contents.";
+      result = GetFromFile();
+      break;
+    default:
+      break;
+  }
+  if (!result) {
+    VQ_LOG(diag, 1) << "Username/Password Conflict/Error: " << GetStatStr();
+  }
+  return result;
+}
+
+bool UserPass::GetFromFile() {
+  const TDiagFunc diag(diagModule, "UserPass::GetFromFile");
+  std::string user;
+  vq::SecretString password;
+  if (getUsrAndPasswdFromFile(m_passFile, user, password.Text()) == 0) {
+    VQ_LOG(diag, 1) << "Error receiving Username and Password from file.";
+    return false;
+  }
+  if (!user.empty()) m_user = user;
+  if (!password.Text().empty()) SetPassword(password.Text());
+  m_status = GetInitialStatus(true);
+  return m_status == STAT_OK;
+}
+
+bool UserPass::GetConsoleMissData() {
+  const TDiagFunc diag(diagModule, "UserPass::GetLine");
+  bool isFailed = false;
+  if (m_user.empty()) {
+    std::string user;
+    isFailed = getUserFromStdin(user) == 0;
+    if (isFailed) {
+      VQ_LOG(diag, 1) << "Error receiving Username.";
+    } else {
+      m_user = user;
+    }
+  }
+  if (m_password.empty() && !isFailed) {
+    vq::SecretString password;
+    isFailed = getPasswdFromStdin(password.Text()) == 0;
+    if (isFailed) {
+      // The same text as above is meant; whoever searches logs for it relies on it.
+      VQ_LOG(diag, 1) << "Error receiving Username.";
+    } else {
+      m_password.swap(password.Text());
+    }
+  }
+  m_status = GetInitialStatus(true);
+  return !isFailed && m_status == STAT_OK;
+}
