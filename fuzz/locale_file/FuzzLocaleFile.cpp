@@ -1,0 +1,44 @@
+// Any file answers any language: with a locale that fits the buffer and has no white space at its
+// end, or with the buffer untouched. Input: the language, a zero byte, the file.
+
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include <tests/TestEnvironment.h>
+#include <vq_client_common/environment/LanguageLocale.h>
+
+namespace {
+
+void Require(bool condition) {
+  if (!condition) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const vq::test::TemporaryDirectory directory;
+  static const vq::test::Variable home("VQ_HOME", directory.Path());
+  const std::string input(reinterpret_cast<const char*>(data), size);
+  const std::string language = input.c_str();
+  directory.Write("ini/locale.ini",
+                  language.size() < input.size() ? input.substr(language.size() + 1) : "");
+
+  // On the heap and of exactly the promised size, so that a sanitizer sees a byte too many.
+  const std::unique_ptr<char[]> locale(new char[255]);
+  std::memset(locale.get(), '~', 255);
+  const int result = get_locale(language.c_str(), locale.get());
+  const bool isUntouched = std::string(255, '~') == std::string(locale.get(), 255);
+  if (result == 1 && !isUntouched) {
+    const std::string text = locale.get();
+    Require(text.empty() || std::isspace(static_cast<unsigned char>(text.back())) == 0);
+    Require(text.find('\n') == std::string::npos);
+  } else {
+    Require(isUntouched && (result == 1 || result == 12 || result == 22));
+  }
+  return 0;
+}
