@@ -1,0 +1,23 @@
+// The selection of the active jobs that an authorization covers, as a type of its own for the
+// graphical client.
+//
+//   QCSGuiAuthActJobsDef jobs;
+//   vq::SelectionParseError error;
+//   if (jobs.Parse("DATACENTER = 'PROD' AND OWNER = 'ops'", error) && jobs.DoesItFit(job, false))
+//   ...
+#ifndef VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H
+#define VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H
+
+#include <support/selection/QCSSelectionDef.h>
+#include <vq_client_common/Export.h>
+
+// All behaviour is QCSSelectionDef's. Thread contract: as QCSSelectionDef.
+class VQ_CLIENT_COMMON_API QCSGuiAuthActJobsDef : public QCSSelectionDef {
+ public:
+  QCSGuiAuthActJobsDef();
+  QCSGuiAuthActJobsDef(const QCSGuiAuthActJobsDef& other);
+  QCSGuiAuthActJobsDef& operator=(const QCSGuiAuthActJobsDef& other);
+  ~QCSGuiAuthActJobsDef() override;
+};
+
+#endif  // VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H

@@ -1,0 +1,298 @@
+#include <vq_client_common/authorizations/UserAuthorizations.h>
+
+#include <utility>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/orb/CorbaConversions.h>
+#include <support/orb/CorbaText.h>
+#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/SystemParameterHandler.h>
+#include <vq_idl/UsersManagerC.h>
+
+namespace {
+
+TDiagRegister diagModule("UserAuthorizations");
+
+constexpr int kLoaded = 1;
+constexpr int kFailed = 0;
+constexpr int kNotAuthorized = 43;
+constexpr int kSystemException = 23;
+
+bool IsAtLeast(QCSAuthLevelEnum stored, QCSAuthLevelEnum wanted) {
+  return static_cast<int>(stored) >= static_cast<int>(wanted);
+}
+
+// A snapshot that is too short gives no right.
+QCSAuthLevelEnum LevelOf(const QCSAuthLevelEnumSeq& privileges, PrivilegeTypeEnum privilege) {
+  const auto place = static_cast<CORBA::ULong>(privilege);
+  return place < privileges.length() ? privileges[place] : DEFAULT_ACCESS;
+}
+
+VQServiceUserAuth ServiceGrants(const QCSCorbaAuth2LvlSeq2& user,
+                                const QCSCorbaAuth2LvlSeq2& groups) {
+  std::list<VQServiceAuth> userList;
+  std::list<VQServiceAuth> groupList;
+  CrbConvert(user, userList);
+  CrbConvert(groups, groupList);
+  return VQServiceUserAuth(std::move(userList), std::move(groupList));
+}
+
+}  // namespace
+
+using UA = UserAuthorizations;
+using Snapshot = QCSCorbaAuthorizationStruct;
+
+const UA::LevelField UA::kLevelFields[] = {
+    {&UA::m_ChangePasswordLevel, AUTHORIZATION_PRIV_TYPE},
+    {&UA::m_AuthDefLevel, AUTHORIZATION_PRIV_TYPE},
+    {&UA::m_CommLevel, VMC_CONFIGURATION_PRIV_TYPE},
+    {&UA::m_CollDefLevel, COLLECTIONDEF_PRIV_TYPE},
+    {&UA::m_HierDefLevel, HIERARCHIEDEF_PRIV_TYPE},
+    {&UA::m_FiltDefLevel, FILTERDEF_PRIV_TYPE},
+    {&UA::m_ViewDefLevel, ACTIVEVP_PRIV_TYPE},
+    {&UA::m_AlertsLevel, ALERT_PRIV_TYPE},
+    {&UA::m_QIMLevel, QIM_PRIV_TYPE},
+    {&UA::m_ForecastLevel, FORECAST_PRIV_TYPE},
+    {&UA::m_PeriodStatLevel, PERIOD_STAT_PRIV_TYPE},
+    {&UA::m_CLILevel, CLI_PRIV_TYPE},
+    {&UA::m_ForecastQIMConfigLevel, QIMFOR_CONFIG_PRIV_TYPE},
+};
+
+// In the order of the load.
+const UA::HolderField UA::kHolderFields[] = {
+    {&UA::m_SchedTblAuth, &Snapshot::m_TablesUserAccess, &Snapshot::m_TablesGroupAccess},
+    {&UA::m_CalendarAuth, &Snapshot::m_CalendarsUserAccess, &Snapshot::m_CalendarsGroupAccess},
+    {&UA::m_PrereqCondAuth, &Snapshot::m_PrereqCondsUserAccess,
+     &Snapshot::m_PrereqCondsGroupAccess},
+    {&UA::m_ControlResAuth, &Snapshot::m_ControlResUserAccess, &Snapshot::m_ControlResGroupAccess},
+    {&UA::m_QuantResAuth, &Snapshot::m_QuantResUserAccess, &Snapshot::m_QuantResGroupAccess},
+    {&UA::m_GlobalCondAuth, &Snapshot::m_GlobalPrefixUserAccess,
+     &Snapshot::m_GlobalPrefixGroupAccess},
+    {&UA::m_OwnerAuth, &Snapshot::m_OwnerUserAccess, &Snapshot::m_OwnerGroupAccess},
+    {&UA::m_WorkloadAuth, &Snapshot::m_WorkloadsUserAccess, &Snapshot::m_WorkloadsGroupAccess},
+};
+
+UserAuthorizations* UserAuthorizations::Get() {
+  return LoginHandler::GetGlobal()->GetUserAuthorizations();
+}
+
+UserAuthorizations::UserAuthorizations() = default;
+UserAuthorizations::UserAuthorizations(const UserAuthorizations&) = default;
+UserAuthorizations& UserAuthorizations::operator=(const UserAuthorizations&) = default;
+
+UserAuthorizations::~UserAuthorizations() {
+  const TDiagFunc diag(diagModule, "UserAuthorizations::~UserAuthorizations");
+  Reset();
+}
+
+int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
+  const TDiagFunc diag(diagModule, "UserAuthorizations::LoadAuthorizations");
+  try {
+    QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
+    const SERVER_ID serverId = LoginHandler::GetGlobal()->GetServerID();
+    if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, serverId, true) != 1) {
+      // The message announces a reconnection that does not happen; whoever reads logs knows it so.
+      VQ_LOG(diag, 1) << "couldn't get CORBA servant automatic reconnect process is to be invoked.";
+      return kFailed;
+    }
+    QCSCorbaAuthorizationStruct_var snapshot;
+    users->CRB_GetMyAuthorizationsFromMemory(userId.c_str(), m_Authorization.out(), snapshot.out());
+    CopyPrivileges(snapshot->Privileges);
+    m_JobLevelAuthExist = m_Authorization->CRB_IsJobLevelAuthExist(userId.c_str());
+    LoadGrants(snapshot.in());
+    LoadAuthLevelForOrderForce();
+    LoadChangePasswordAuthorization();
+    return kLoaded;
+  } catch (const USER_NOT_FOUND& e) {
+    VQ_LOG(diag, 1) << "Caught a UserNotFound Exception - " << e.Message.in();
+    return kFailed;
+  } catch (const USER_NOT_AUTHORIZED& e) {
+    VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
+    return kNotAuthorized;
+  } catch (const QCSCorbaUsersManager::INVALID_ACTION_NAME&) {
+    VQ_LOG(diag, 1) << "CRB_GetActionAuthLevel Failed with INVALID_ACTION_NAME exception";
+    return kLoaded;  // Counts as success, and that is meant: the login goes on.
+  } catch (const CORBA::SystemException& e) {
+    VQ_LOG(diag, 1) << "CORBA Exception " << e;
+    return kSystemException;
+  }
+}
+
+void UserAuthorizations::CopyPrivileges(const QCSAuthLevelEnumSeq& privileges) {
+  for (const LevelField& field : kLevelFields) {
+    this->*field.level = LevelOf(privileges, field.privilege);
+  }
+  // Exactly FULL_ACCESS, and that is meant: MAX_ACCESS makes no administrator.
+  m_IsAdministrator = m_AuthDefLevel == FULL_ACCESS;
+  m_OpenArchivedViewPoint = IsAtLeast(LevelOf(privileges, ARCHIVEVP_PRIV_TYPE), BROWSE_ACCESS);
+}
+
+void UserAuthorizations::LoadGrants(const QCSCorbaAuthorizationStruct& snapshot) {
+  for (const HolderField& field : kHolderFields) {
+    AuthLevelBySelection& holder = this->*field.holder;
+    holder.UserAuthFromCORBA(snapshot.*field.user, true);
+    holder.GroupAuthFromCORBA(snapshot.*field.group, true);
+  }
+  m_ServiceAuth.Clear();
+  const VQServiceUserAuth grants =
+      ServiceGrants(snapshot.ServiceUserAccess, snapshot.ServiceGroupAccess);
+  m_ServiceAuth.AddUserAuth(grants);
+  m_ServiceAuth.AddGroupAuth(grants);
+}
+
+int UserAuthorizations::LoadAuthLevelForOrderForce() {
+  std::string value;
+  if (!GetSystemParameter("Action_OrderForce_AuthLevel", value, "gsr", E_GSR)) return kFailed;
+  m_CanBrowseUserOrderForce = value == "BROWSE_ACCESS";
+  return kLoaded;
+}
+
+int UserAuthorizations::LoadChangePasswordAuthorization() {
+  std::string value;
+  if (!GetSystemParameter("UserChangePassword", value, "gui", E_GSR)) return kFailed;
+  if (value == "1") m_ChangePasswordLevel = FULL_ACCESS;
+  return kLoaded;
+}
+
+void UserAuthorizations::Reset() {
+  const TDiagFunc diag(diagModule, "UserAuthorizations::Reset");
+  m_Authorization = QCSCorbaAuthorization::_nil();
+  CopyPrivileges(QCSAuthLevelEnumSeq());
+  m_JobLevelAuthExist = false;
+  m_CanBrowseUserOrderForce = false;
+  // The grants stay, and that is meant: questions on objects go on answering after a logout.
+}
+
+int UserAuthorizations::GetUserAuthQueries(const std::list<std::string>& names,
+                                           const std::string& text, bool flag1, bool flag2,
+                                           QCSCorbaUserDefinitionQueries_out definitionQueries,
+                                           QCSCorbaUserActiveQueriesSeq*& activeQueries,
+                                           const std::string& userId) {
+  const TDiagFunc diag(diagModule, "UserAuthorizations::GetUserAuthQueries");
+  activeQueries = nullptr;
+  int result = kFailed;
+  try {
+    stringSeq sequence;
+    StlVector2CorbaSequence(names, sequence);
+    result = m_Authorization->CRB_GetUserAuthQueriesEx(
+        text.c_str(), sequence, flag1, flag2, definitionQueries, activeQueries, userId.c_str());
+  } catch (const USER_NOT_AUTHORIZED& e) {
+    VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
+  } catch (const CORBA::Exception& e) {
+    // The message announces a reconnection that does not happen; whoever reads logs knows it so.
+    VQ_LOG(diag, 1) << "Caught CORBA exception, Trying to reconnect..." << e;
+  }
+  return result;
+}
+
+// ---------------------------------------------------------------- privileges
+
+bool UserAuthorizations::IsAuthDefAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_AuthDefLevel, level);
+}
+bool UserAuthorizations::IsChangePasswordAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_ChangePasswordLevel, level);
+}
+bool UserAuthorizations::IsCommAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_CommLevel, level);
+}
+bool UserAuthorizations::IsQIMAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_QIMLevel, level);
+}
+bool UserAuthorizations::IsForecastAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_ForecastLevel, level);
+}
+bool UserAuthorizations::IsPeriodStatAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_PeriodStatLevel, level);
+}
+bool UserAuthorizations::IsForecastQIMConfigAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_ForecastQIMConfigLevel, level);
+}
+bool UserAuthorizations::IsCollDefAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_CollDefLevel, level);
+}
+bool UserAuthorizations::IsHierDefAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_HierDefLevel, level);
+}
+bool UserAuthorizations::IsFiltDefAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_FiltDefLevel, level);
+}
+bool UserAuthorizations::IsViewDefAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_ViewDefLevel, level);
+}
+bool UserAuthorizations::IsAlertsAccessAllowed(QCSAuthLevelEnum level) const {
+  return IsAtLeast(m_AlertsLevel, level);
+}
+
+// ---------------------------------------------------------------- one object
+
+bool UserAuthorizations::IsCalendarAccessAllowed(const QCSObject& object,
+                                                 QCSAuthLevelEnum level) const {
+  return m_CalendarAuth.IsAuthorized(object, level);
+}
+bool UserAuthorizations::IsPrereqCondAccessAllowed(const QCSObject& object,
+                                                   QCSAuthLevelEnum level) const {
+  return m_PrereqCondAuth.IsAuthorized(object, level);
+}
+bool UserAuthorizations::IsControlResAccessAllowed(const QCSObject& object,
+                                                   QCSAuthLevelEnum level) const {
+  return m_ControlResAuth.IsAuthorized(object, level);
+}
+bool UserAuthorizations::IsQuantResAccessAllowed(const QCSObject& object,
+                                                 QCSAuthLevelEnum level) const {
+  return m_QuantResAuth.IsAuthorized(object, level);
+}
+bool UserAuthorizations::IsGlobalCondAccessAllowed(const QCSObject& object,
+                                                   QCSAuthLevelEnum level) const {
+  return m_GlobalCondAuth.IsAuthorized(object, level);
+}
+bool UserAuthorizations::IsSchedTblAccessAllowed(const QCSObject& object,
+                                                 QCSAuthLevelEnum level) const {
+  return m_SchedTblAuth.IsAuthorized(object, level);
+}
+bool UserAuthorizations::IsOwnerAccessAllowed(const QCSObject& object,
+                                              QCSAuthLevelEnum level) const {
+  return m_OwnerAuth.IsAuthorized(object, level);
+}
+bool UserAuthorizations::IsWorkloadAccessAllowed(const QCSObject& object,
+                                                 QCSAuthLevelEnum level) const {
+  return m_WorkloadAuth.IsAuthorized(object, level);
+}
+bool UserAuthorizations::IsServiceAccessAllowed(const QCSObject& object,
+                                                QCSAuthLevelEnum level) const {
+  return m_ServiceAuth.IsDefAccessAllowed(object, level);
+}
+bool UserAuthorizations::IsServiceActionAccessAllowed(const QCSObject& object, int action) const {
+  return m_ServiceAuth.IsActionAllowed(object, action);
+}
+
+// ---------------------------------------------------------------- kinds
+
+bool UserAuthorizations::IsCalendarsAccessAllowed() const {
+  return !m_CalendarAuth.IsEmpty();
+}
+bool UserAuthorizations::IsPrereqCondsAccessAllowed() const {
+  return !m_PrereqCondAuth.IsEmpty();
+}
+bool UserAuthorizations::IsControlRessAccessAllowed() const {
+  return !m_ControlResAuth.IsEmpty();
+}
+bool UserAuthorizations::IsQuantRessAccessAllowed() const {
+  return !m_QuantResAuth.IsEmpty();
+}
+bool UserAuthorizations::IsGlobalCondsAccessAllowed() const {
+  return !m_GlobalCondAuth.IsEmpty();
+}
+bool UserAuthorizations::IsSchdTblsAccessAllowed() const {
+  return !m_SchedTblAuth.IsEmpty();
+}
+bool UserAuthorizations::IsOwnersAccessAllowed() const {
+  return !m_OwnerAuth.IsEmpty();
+}
+bool UserAuthorizations::IsWorkloadsAccessAllowed() const {
+  return !m_WorkloadAuth.IsEmpty();
+}
+bool UserAuthorizations::IsServicesAccessAllowed() const {
+  return !m_ServiceAuth.IsEmpty();
+}
