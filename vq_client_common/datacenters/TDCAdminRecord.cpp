@@ -24,7 +24,9 @@ bool Flag(const char* member) {
 }
 
 // The server counts the days of the week from 1, the record from 0. What is below 1 stays below 0.
-std::int32_t StartDay(std::int32_t day) { return std::max(day, 0) - 1; }
+std::int32_t StartDay(std::int32_t day) {
+  return std::max(day, 0) - 1;
+}
 
 }  // namespace
 

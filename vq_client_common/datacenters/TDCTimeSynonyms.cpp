@@ -125,13 +125,12 @@ bool TDC::ConvertFromTimeSynonym(const std::string& source, std::string& dest) {
 bool TDC::ConvertNextTimeToTimeSynonym(const std::string& newDay, const std::string& nextTime,
                                        std::string& dest) {
   const TDiagFunc diag(diagModule, "TDC::ConvertNextTimeToTimeSynonym");
-  const std::string source = nextTime;  // Copies: `dest` may be one of the arguments.
-  const std::string day = newDay;
-  dest = source;
-  if (source.empty() || !IsNewDayLength(day.size())) return false;
+  const std::string day = newDay;  // A copy: `dest` may be the same text.
+  dest = nextTime;
+  if (nextTime.empty() || !IsNewDayLength(day.size())) return false;
   // The scheduling day of a synonym time began on the calendar day before.
   return ConvertNextTime(
-      diag, source, -1,
+      diag, nextTime, -1,
       [&day](const std::string& time, std::string& converted) {
         return ConvertToTimeSynonymStatic(day, time, converted);
       },
@@ -140,10 +139,9 @@ bool TDC::ConvertNextTimeToTimeSynonym(const std::string& newDay, const std::str
 
 bool TDC::ConvertNextTimeFromTimeSynonym(const std::string& nextTime, std::string& dest) {
   const TDiagFunc diag(diagModule, "TDC::ConvertNextTimeFromTimeSynonym");
-  const std::string source = nextTime;
-  dest = source;
-  if (source.empty()) return false;
-  return ConvertNextTime(diag, source, 1, &TDC::ConvertFromTimeSynonym, dest);
+  dest = nextTime;
+  if (nextTime.empty()) return false;
+  return ConvertNextTime(diag, nextTime, 1, &TDC::ConvertFromTimeSynonym, dest);
 }
 
 int TDC::CheckTimeHHMMTimeSynonym(const std::string& time, const std::string& newDay,

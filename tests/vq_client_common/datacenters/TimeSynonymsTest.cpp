@@ -178,6 +178,7 @@ TEST(TimeSynonymsTest, Log) {
   TDC::ConvertFromTimeSynonym("26000", dest);
   TDC::ConvertNextTimeToTimeSynonym("0700", "02301", dest);
   TDC::ConvertNextTimeFromTimeSynonym("02301", dest);
+  TDC::ConvertNextTimeFromTimeSynonym("", dest);
   EXPECT_EQ(Convert_DBjobToTimeSynonym(nullptr, "0700"), 0);
   EXPECT_EQ(Convert_DBjobFromTimeSynonym(nullptr), 0);
   EXPECT_EQ(log.Take(), R"(6 TDC::ConvertToTimeSynonymStatic: Enter
@@ -196,6 +197,7 @@ TEST(TimeSynonymsTest, Log) {
 1 TDC::ConvertNextTimeToTimeSynonym: NextTime has illegal field length '02301'
 6 TDC::ConvertNextTimeFromTimeSynonym: Enter
 1 TDC::ConvertNextTimeFromTimeSynonym: NextTime has illegal field length '02301'
+6 TDC::ConvertNextTimeFromTimeSynonym: Enter
 6 Convert_DBjobToTimeSynonym: Enter
 0 Convert_DBjobToTimeSynonym: NOT IMPLEMENTED
 6 Convert_DBjobFromTimeSynonym: Enter

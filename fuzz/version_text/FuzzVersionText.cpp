@@ -1,0 +1,87 @@
+// Version texts, new-day times and job times, as a server or a user may write them.
+//
+// An input is two lines: a version with its fix-pack level, and a new-day time; then, behind the
+// second line end, a time.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include <vq_client_common/datacenters/TDC.h>
+#include <vq_client_common/datacenters/TString2Enum.h>
+#include <vq_client_common/datacenters/TVltVersion.h>
+
+namespace {
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+// Takes the text up to the first line end off `rest`.
+std::string TakeLine(std::string_view& rest) {
+  const std::size_t end = rest.find('\n');
+  const std::string line(rest.substr(0, end));
+  rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+  return line;
+}
+
+bool IsClockTime(const std::string& text) {
+  std::string err;
+  return text.size() == 4 && text.find_first_not_of("0123456789") == std::string::npos &&
+         text < "2400" && TDC::CheckTimeHHMMNoTimeSynonym(text, err) == 1;
+}
+
+void TryVersion(const std::string& full) {
+  std::string version;
+  std::string level;
+  TVltVersion::SplitFullVersionStr(full, version, level);
+  if (full.find('.') != std::string::npos && !level.empty()) {
+    std::string composed;
+    TVltVersion::ComposeFullVersionStr(version, level, composed);
+    Require(composed == full);
+  }
+  const TVltVersion first(TVltVersion::TypeFromString(version), version, level);
+  const TVltVersion again(first.Type(), first.Ver(), first.FPLevel());
+  Require(again == first && again.FPLevel() == first.FPLevel());
+  Require(!first.Version700FP2Plus() || (first.Version700Plus() && first.Version610Plus()));
+  Require(!first.SupportsActiveSubTables() || first.SupportsActiveTables());
+
+  TString2Enum registry;
+  Require(registry.enum_register(full, 7) == 1 && registry.enum_lookup(full) == 7);
+}
+
+void TryTimes(const std::string& newDay, const std::string& time) {
+  std::string synonym;
+  std::string back;
+  if (TDC::ConvertToTimeSynonymStatic(newDay, time, synonym) && IsClockTime(time)) {
+    Require(TDC::ConvertFromTimeSynonym(synonym, back) && back == time);
+  }
+  std::string next;
+  if (!TDC::ConvertNextTimeToTimeSynonym(newDay, time, next)) Require(next == time);
+  if (!TDC::ConvertNextTimeFromTimeSynonym(time, next)) Require(next == time);
+
+  bool newDayValid = false;
+  std::string err;
+  const int inDay = TDC::CheckTimeHHMMTimeSynonym(time, newDay, newDayValid, err);
+  Require(inDay == (err.empty() ? 1 : 0) && (inDay == 1 || err.back() == '\t'));
+  const int inClock = TDC::CheckTimeHHMMNoTimeSynonym(time, err);
+  Require(inClock == (err.empty() ? 1 : 0) && (inClock == 1 || err.back() == '\t'));
+  // Whatever is a synonym of a sound clock time passes the check of its scheduling day.
+  if (IsClockTime(time) && IsClockTime(newDay)) {
+    TDC::ConvertToTimeSynonymStatic(newDay, time, synonym);
+    Require(TDC::CheckTimeHHMMTimeSynonym(synonym, newDay, newDayValid, err) == 1 && newDayValid);
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::string_view rest(reinterpret_cast<const char*>(data), size);
+  const std::string version = TakeLine(rest);
+  const std::string newDay = TakeLine(rest);
+  TryVersion(version);
+  TryTimes(newDay, std::string(rest));
+  return 0;
+}
