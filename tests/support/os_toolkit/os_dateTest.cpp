@@ -48,7 +48,7 @@ TEST(OsDateTest, RefusesWhatTheCalendarDoesNotHave) {
   }
   try {
     const os_date date(2023, 2, 29);
-    FAIL() << date.day();
+    GTEST_FAIL() << date.day();
   } catch (const std::exception& error) {
     EXPECT_STREQ(error.what(), "no such date: 2023-02-29");
   }

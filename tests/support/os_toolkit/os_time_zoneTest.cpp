@@ -1,43 +1,19 @@
 #include <support/os_toolkit/os_time_zone.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <ctime>
-#include <optional>
 #include <ostream>
 #include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <support/os_toolkit/os_time_and_date.h>
+#include <tests/TestEnvironment.h>
 
 namespace {
 
 constexpr std::int64_t kEpoch = 210866803200;  // seconds from the Julian day 0 to 1970
 constexpr os_time_period kHour(3600);
-
-// The C library's zone for the length of a test.
-class ScopedTimeZone {
- public:
-  explicit ScopedTimeZone(const char* value) {
-    if (const char* before = std::getenv("TZ")) m_before = before;
-    setenv("TZ", value, 1);
-    tzset();
-  }
-  ~ScopedTimeZone() {
-    if (m_before) {
-      setenv("TZ", m_before->c_str(), 1);
-    } else {
-      unsetenv("TZ");
-    }
-    tzset();
-  }
-  ScopedTimeZone(const ScopedTimeZone&) = delete;
-  ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
-
- private:
-  std::optional<std::string> m_before;
-};
 
 os_time_zone Zone(std::int64_t offset, os_calendar_date start, os_calendar_date end, int firstYear,
                   int lastYear, os_time_period adjustment = kHour) {
@@ -77,7 +53,8 @@ class AgainstTheCLibrary : public ::testing::TestWithParam<PosixCase> {};
 
 TEST_P(AgainstTheCLibrary, From1900To2100) {
   const os_time_zone& zone = GetParam().zone;
-  const ScopedTimeZone scoped(GetParam().posix);
+  const vq::test::Variable variable("TZ", GetParam().posix);
+  tzset();
   const std::int64_t first = (os_date(1900, 1, 2) - os_date()).to_seconds();
   const std::int64_t last = (os_date(2100, 12, 30) - os_date()).to_seconds();
 

@@ -1,6 +1,4 @@
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -11,6 +9,7 @@
 #include <support/os_toolkit/os_critical_section.h>
 #include <support/os_toolkit/os_file_system.h>
 #include <support/os_toolkit/os_tokenizer.h>
+#include <tests/TestEnvironment.h>
 
 namespace {
 
@@ -34,19 +33,17 @@ TEST(OsTokenizerTest, DropsEmptyTokens) {
 }
 
 TEST(OsFileSystemTest, TellsWhatStandsAtAPath) {
-  std::string directory = std::filesystem::temp_directory_path() / "vq-exists-XXXXXX";
-  ASSERT_NE(mkdtemp(directory.data()), nullptr);
-  const std::string file = directory + "/file";
-  std::ofstream(file) << "x";
-  std::filesystem::create_symlink("gone", directory + "/dangling");
+  const vq::test::TemporaryDirectory temporary;
+  const std::string& directory = temporary.Path();
+  const std::string file = temporary.Write("file", "x");
+  std::filesystem::create_symlink("gone", directory + "dangling");
 
   EXPECT_TRUE(os_file_system::exists(directory));
   EXPECT_TRUE(os_file_system::exists(file));
-  EXPECT_FALSE(os_file_system::exists(directory + "/dangling"));
+  EXPECT_FALSE(os_file_system::exists(directory + "dangling"));
   EXPECT_FALSE(os_file_system::exists(file + "/inside"));
   EXPECT_FALSE(os_file_system::exists(file + '\0' + "tail"));
   EXPECT_FALSE(os_file_system::exists(""));
-  std::filesystem::remove_all(directory);
 }
 
 TEST(OsCriticalSectionTest, IsHeldByOneThreadWhichMayEnterAgain) {

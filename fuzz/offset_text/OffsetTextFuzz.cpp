@@ -1,0 +1,37 @@
+// The text of a time zone, whose bracketed offset a server wrote.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include <vq_client_common/time/ForecastTimesManipulationMP.h>
+
+namespace {
+
+struct Opened : ForecastTimesManipulationMP {
+  using ForecastTimesManipulationMP::GetUtcOffset;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string text(reinterpret_cast<const char*>(data), size);
+  Opened times;
+  try {
+    const int offset = times.GetUtcOffset(text);
+    // What stands around the first pair of brackets does not count.
+    if (times.GetUtcOffset("+9:99)" + text + "(-9:99)") != offset &&
+        text.find('(') != std::string::npos &&
+        text.find(')', text.find('(')) != std::string::npos) {
+      std::abort();
+    }
+  } catch (const std::out_of_range&) {
+    // Only a separator with fewer than two characters before it may end here.
+    const std::size_t left = text.find('(');
+    const std::size_t separator = text.find_first_of(":.", left + 1);
+    if (left == std::string::npos || separator > left + 2) std::abort();
+  }
+  return 0;
+}

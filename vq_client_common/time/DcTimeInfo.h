@@ -1,0 +1,19 @@
+// What is known of one data center's clock: one entry of ForecastTimesManipulationMP's table.
+#ifndef VQ_CLIENT_COMMON_TIME_DCTIMEINFO_H
+#define VQ_CLIENT_COMMON_TIME_DCTIMEINFO_H
+
+#include <cstdint>
+
+#include <support/os_toolkit/os_date.h>
+#include <support/os_toolkit/os_time_zone.h>
+
+// Thread contract: a plain value; distinct objects are independent.
+struct DcTimeInfo {
+  const os_time_zone* zone;   // not owned; one of the table's zones
+  std::int32_t newDayOffset;  // seconds after midnight at which the scheduling day begins
+  os_date date;               // the working date
+  std::int32_t utcOffset;     // seconds to add to local time at the new-day time to get UTC
+  std::int64_t midnight;      // 00:00 of the date in the zone, in seconds since 1970 UTC
+};
+
+#endif  // VQ_CLIENT_COMMON_TIME_DCTIMEINFO_H

@@ -1,0 +1,291 @@
+#include <vq_client_common/time/ForecastTimesManipulationMP.h>
+
+#include <array>
+#include <charconv>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/os_toolkit/Atoi.h>
+#include <vq_idl/AdministrationRecordsC.h>
+
+namespace {
+
+TDiagRegister diagModule("ForecastTimesManipulationMP");
+
+// From the start of the Julian day 0 to 1970-01-01 00:00 UTC.
+constexpr os_time_period kSecondsTo1970(210866803200, 0);
+
+// The low 32 bits, so that arithmetic on them wraps and is defined.
+constexpr std::uint32_t Low32(long long value) {
+  return static_cast<std::uint32_t>(value);
+}
+
+std::string Copy(const char* text) {
+  return text != nullptr ? text : "";
+}
+
+// The seconds after midnight of a new-day text; none for a text that is no such thing.
+std::optional<std::int32_t> ReadNewDay(std::string_view newDay) {
+  if (newDay.empty() || newDay == "0000") return 0;
+  // Meant: "0700" is refused, as is all else that has not five characters; servers write "07:00".
+  if (newDay.size() != 5) return std::nullopt;
+  const int hours = vq::Atoi(newDay.substr(0, 3));
+  const int minutes = vq::Atoi(newDay.substr(3));
+  return (hours * 60 + minutes) * 60;
+}
+
+// A summer mark, YYYYMMDD. Characters may be missing from the seventh on; a shorter text raises
+// std::out_of_range.
+struct SummerMark {
+  explicit SummerMark(const std::string& text)
+      : year(static_cast<std::int16_t>(vq::Atoi(text.substr(0, 4)))),
+        month(static_cast<std::int16_t>(vq::Atoi(text.substr(4, 2)))),
+        day(static_cast<std::int16_t>(vq::Atoi(text.substr(6, 2)))) {}
+  os_calendar_date Date() const { return {month, day, os_time_period(0, 0)}; }
+
+  std::int16_t year;
+  std::int16_t month;
+  std::int16_t day;
+};
+
+// The parts of a relative time.
+struct DayTime {
+  int day;
+  int hour;
+  int minute;
+  int second;
+};
+std::optional<DayTime> Split(std::int32_t t) {
+  using Times = ForecastTimesManipulationMP;
+  if (t < 0 || t >= NO_TIME) return std::nullopt;
+  return DayTime{t / Times::SIMUL_DAY_TIME_IN_SEC - Times::DAYS_OFFSET, t / 3600 % 24, t / 60 % 60,
+                 t % 60};
+}
+
+// Texts of times are made for every cell of a list, so they are put together without a format
+// string. The longest is "(-24855)-23:-59:-59".
+using TimeBuffer = std::array<char, 32>;
+
+// As "%d" prints it; `out` has room for eleven characters.
+char* PutNumber(char* out, int value) {
+  return std::to_chars(out, out + 11, value).ptr;
+}
+
+// As "%02d" prints it.
+char* PutTwoDigits(char* out, int value) {
+  const auto digits = static_cast<unsigned>(value);
+  if (digits >= 100) [[unlikely]]
+    return PutNumber(out, value);
+  *out++ = static_cast<char>('0' + digits / 10);
+  *out++ = static_cast<char>('0' + digits % 10);
+  return out;
+}
+
+std::string Text(const TimeBuffer& buffer, const char* end) {
+  return std::string(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+}
+
+}  // namespace
+
+void ForecastTimesManipulationMP::Init(const os_time_and_date& now, bool convertLocally,
+                                       QCSCommAdminSeq* records, bool useOdat) {
+  const TDiagFunc diag(diagModule, "ForecastTimesManipulationMP::Init");
+  m_referenceTime = now;
+  m_convertTimeLocally = convertLocally;
+  m_dataCenters.clear();
+
+  for (CORBA::ULong i = 0; i < records->length();) {
+    const QCSCommAdminStruct& record = (*records)[i];
+    std::string name = Copy(record.m_Name);
+    const std::string newDay = Copy(record.m_NewDayTime);
+    const std::optional<std::int32_t> newDayOffset = ReadNewDay(newDay);
+    if (!newDayOffset) {
+      VQ_LOG(diag, 4) << "Invalid new day time format (" << newDay << ") for datacenter " << name
+                      << ", skip it";
+      // Meant: the index stays, so the record is read afresh for as long as it stands here
+      // unusable. Clients depend on a table that lacks no record, and ask IsUsableNewDay
+      // beforehand.
+      continue;
+    }
+    const std::string timeZone = Copy(record.m_TimeZone);
+    const std::string summerStart = Copy(record.m_StartSummerTime);
+    const std::string summerEnd = Copy(record.m_EndSummerTime);
+    if (useOdat) {
+      const std::string odat = Copy(record.m_Odat);
+      if (odat.size() == 8) {
+        const std::string_view digits(odat);
+        m_referenceTime = os_time_and_date(
+            os_time(0), os_date(vq::Atoi(digits.substr(0, 4)), vq::Atoi(digits.substr(4, 2)),
+                                vq::Atoi(digits.substr(6))));
+      } else {
+        VQ_LOG(diag, 5) << "VLT: " << name << " ODAT is empty - using Current Time";
+        m_referenceTime = os_time_and_date::now();
+      }
+    }
+    const os_time_zone* const zone =
+        GetOsTimeZone(timeZone + summerStart + summerEnd, timeZone, summerStart, summerEnd, 1);
+    m_dataCenters.insert_or_assign(std::move(name),
+                                   MakeDcTimeInfo(*zone, *newDayOffset, m_referenceTime.date()));
+    ++i;
+  }
+}
+
+bool ForecastTimesManipulationMP::IsUsableNewDay(const std::string& newDay) {
+  return ReadNewDay(newDay).has_value();
+}
+
+const os_time_zone& ForecastTimesManipulationMP::GetOsTimeZone(
+    const std::string& dataCenter) const {
+  const TDiagFunc diag(diagModule, "ForecastTimesManipulationMP::GetOsTimeZone");
+  if (const DcTimeInfo* const info = FindDcTimeInfo(dataCenter)) return *info->zone;
+  VQ_LOG(diag, 1) << "Failed to get DC Time Info for '" << dataCenter
+                  << "',Time Zone will be considered as greenwich";
+  return os_time_zone::greenwich();
+}
+
+std::int64_t ForecastTimesManipulationMP::GetOdatMidnightForDc(
+    const std::string& dataCenter) const {
+  const TDiagFunc diag(diagModule, "ForecastTimesManipulationMP::GetOdatMidnightForDc");
+  if (const DcTimeInfo* const info = FindDcTimeInfo(dataCenter)) return info->midnight;
+  VQ_LOG(diag, 1) << "Failed to get DC Time Info for '" << dataCenter
+                  << "',Gmt midnight will be used";
+  return GetUtcTime_T(m_referenceTime);
+}
+
+std::int32_t ForecastTimesManipulationMP::ConvertTimeT(long long t, int newBase,
+                                                       long long oldBase) {
+  if (t == NO_TIME) return NO_TIME;
+  return static_cast<std::int32_t>(Low32(t) - Low32(oldBase) + Low32(newBase));
+}
+
+std::int32_t ForecastTimesManipulationMP::ConvertToTime(int day, int hour, int minute, int second) {
+  const std::uint32_t hours = (Low32(day) + DAYS_OFFSET) * 24U + Low32(hour);
+  return static_cast<std::int32_t>((hours * 60U + Low32(minute)) * 60U + Low32(second));
+}
+
+bool ForecastTimesManipulationMP::ConvertTimeToDayHourMin(std::int32_t t, int& day, int& hour,
+                                                          int& minute, int& second) {
+  const std::optional<DayTime> parts = Split(t);
+  if (!parts) return false;
+  day = parts->day;
+  hour = parts->hour;
+  minute = parts->minute;
+  second = parts->second;
+  return true;
+}
+
+std::string ForecastTimesManipulationMP::ConvertTimeToStrWithDays(std::int32_t t,
+                                                                  bool withSeconds) {
+  const std::optional<DayTime> parts = Split(t);
+  if (!parts) return {};
+  TimeBuffer buffer;
+  char* end = buffer.data();
+  if (const int day = parts->day; day != 0) {
+    *end++ = '(';
+    *end++ = day < 0 ? '-' : '+';
+    end = PutNumber(end, day < 0 ? -day : day);
+    *end++ = ')';
+  }
+  end = PutTwoDigits(end, parts->hour);
+  *end++ = ':';
+  end = PutTwoDigits(end, parts->minute);
+  if (withSeconds) {
+    *end++ = ':';
+    end = PutTwoDigits(end, parts->second);
+  }
+  return Text(buffer, end);
+}
+
+std::string ForecastTimesManipulationMP::ConvertTimeToString(long long t,
+                                                             const std::string& dataCenter) const {
+  const TDiagFunc diag(diagModule, "ForecastTimesManipulationMP::ConvertTimeToString");
+  if (const DcTimeInfo* const info = FindDcTimeInfo(dataCenter)) {
+    return ConvertTimeToStrWithDays(ConvertTimeT(t, NORMAL_OFFSET_IN_SEC, info->midnight), true);
+  }
+  VQ_LOG(diag, 1) << "Failed to get DC Time Info for '" << dataCenter
+                  << "',Time will be converted to NO_TIME";
+  if (t > NORMAL_OFFSET_IN_SEC) return {};
+  const auto low = static_cast<std::int32_t>(Low32(t));
+  TimeBuffer buffer;
+  char* end = PutTwoDigits(buffer.data(), low / 3600 % 24);
+  *end++ = ':';
+  end = PutTwoDigits(end, low / 60 % 60);
+  return Text(buffer, end);
+}
+
+int ForecastTimesManipulationMP::GetUtcOffset(const std::string& timeZoneText) {
+  const TDiagFunc diag(diagModule, "ForecastTimesManipulationMP::GetUtcOffset");
+  const std::size_t left = timeZoneText.find('(');
+  if (left == std::string::npos) {
+    VQ_LOG(diag, 1) << "Unsupported GMT string '" << timeZoneText << "', missing left bracket";
+    return 0;
+  }
+  const std::size_t right = timeZoneText.find(')', left);
+  if (right == std::string::npos || right == left + 1) {
+    VQ_LOG(diag, 1) << "Unsupported GMT string '" << timeZoneText << "', missing right bracket";
+    return 0;
+  }
+  const std::string inner = timeZoneText.substr(left + 1, right - left - 1);
+  const std::size_t separator = inner.find_first_of(":.");
+  if (separator == std::string::npos || separator + 1 == inner.size()) return 0;
+  const std::size_t signAt = inner.find_first_of("+-");
+  const bool negative = signAt != std::string::npos && inner[signAt] == '-';
+
+  // Meant: with fewer than two characters before the separator this position lies outside the text,
+  // and substr raises; callers see the fault of the text by that.
+  const int hours = vq::Atoi(inner.substr(separator - 2, 2));
+  const int minutes = vq::Atoi(std::string_view(inner).substr(separator + 1));
+  const std::uint32_t west = 0U - (Low32(hours) * 60U + Low32(minutes)) * 60U;
+  return static_cast<int>(negative ? 0U - west : west);
+}
+
+const os_time_zone* ForecastTimesManipulationMP::GetOsTimeZone(const std::string& key,
+                                                               const std::string& timeZoneText,
+                                                               const std::string& summerStart,
+                                                               const std::string& summerEnd,
+                                                               int adjustmentHours) {
+  const TDiagFunc diag(diagModule, "ForecastTimesManipulationMP::GetOsTimeZone");
+  if (const auto kept = m_zones.find(key); kept != m_zones.end()) return kept->second.get();
+
+  const auto zone =
+      std::make_shared<os_time_zone>(os_time_period(GetUtcOffset(timeZoneText), 0), "UTC", "UTC");
+  if (summerStart.size() >= 8 || summerEnd.size() >= 8) {
+    const SummerMark start(summerStart);
+    const SummerMark end(summerEnd);
+    zone->insert(os_simple_time_zone_rule(start.Date(), end.Date(), start.year, end.year,
+                                          os_time_period(0, adjustmentHours, 0, 0, 0)));
+  }
+  return m_zones.emplace(key, zone).first->second.get();
+}
+
+const DcTimeInfo* ForecastTimesManipulationMP::FindDcTimeInfo(const std::string& dataCenter) const {
+  const auto found = m_dataCenters.find(dataCenter);
+  return found == m_dataCenters.end() ? nullptr : &found->second;
+}
+
+const QCSCommAdminStruct* ForecastTimesManipulationMP::GetCommAdminStructByDc(
+    const QCSCommAdminSeq& records, const std::string& dataCenter) {
+  for (CORBA::ULong i = 0; i < records.length(); ++i) {
+    // Meant: the addresses are compared and not the texts; nothing is found for a name that was
+    // copied from the record, and callers rely on null there.
+    const char* const name = records[i].m_Name;
+    if (name == dataCenter.c_str()) return &records[i];
+  }
+  return nullptr;
+}
+
+std::int64_t ForecastTimesManipulationMP::GetUtcTime_T(const os_time_and_date& instant) {
+  const os_time_period since1970 = instant.utc_time_and_date() - kSecondsTo1970;
+  // Meant: absolute times are 32-bit numbers on the wire, so this wraps as they do.
+  return static_cast<std::int32_t>(Low32(since1970.to_seconds()));
+}
+
+DcTimeInfo ForecastTimesManipulationMP::MakeDcTimeInfo(const os_time_zone& zone,
+                                                       std::int32_t newDayOffset, os_date date) {
+  const os_time_period adjustment = zone.dst_adjustment(os_time(newDayOffset), date);
+  return {&zone, newDayOffset, date,
+          static_cast<std::int32_t>(Low32((zone.offset() - adjustment).to_seconds())),
+          GetUtcTime_T(os_time_and_date(os_time(0), date, zone))};
+}

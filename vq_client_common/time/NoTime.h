@@ -1,0 +1,12 @@
+// The mark for a time that is absent, in every time field of the suite.
+//
+// It stands just under the largest value of 32 bits. Conversions pass it through, and it shows as
+// an empty text.
+#ifndef VQ_CLIENT_COMMON_TIME_NOTIME_H
+#define VQ_CLIENT_COMMON_TIME_NOTIME_H
+
+#include <cstdint>
+
+inline constexpr std::int32_t NO_TIME = 2147483638;
+
+#endif  // VQ_CLIENT_COMMON_TIME_NOTIME_H
