@@ -4,12 +4,11 @@
 #include <string>
 #include <thread>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include "PseudoTerminal.h"
+#include "StandardInput.h"
 
 namespace {
 
@@ -131,28 +130,6 @@ TEST(ConsolePromptTest, ASignalThatAnotherThreadGetsInterruptsToo) {
   EXPECT_TRUE(terminal.Echoes());
 }
 
-// Standard input is what a script gives, for as long as the object lives.
-class ScriptedInput {
- public:
-  explicit ScriptedInput(const std::string& text) : m_saved(dup(STDIN_FILENO)) {
-    int ends[2];
-    if (pipe(ends) != 0) return;
-    EXPECT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
-    close(ends[1]);
-    dup2(ends[0], STDIN_FILENO);
-    close(ends[0]);
-  }
-  ~ScriptedInput() {
-    dup2(m_saved, STDIN_FILENO);
-    close(m_saved);
-  }
-  ScriptedInput(const ScriptedInput&) = delete;
-  ScriptedInput& operator=(const ScriptedInput&) = delete;
-
- private:
-  int m_saved;
-};
-
 TEST(ConsoleScriptTest, ALineIsReadForEachAnswer) {
   const std::string longest(4096, 'x');
   const struct {
@@ -172,7 +149,7 @@ TEST(ConsoleScriptTest, ALineIsReadForEachAnswer) {
   };
   for (const auto& expected : cases) {
     SCOPED_TRACE(expected.input.substr(0, 20));
-    const ScriptedInput script(expected.input);
+    const StandardInput input(expected.input);
     std::string user = "-";
     std::string password = "-";
     ::testing::internal::CaptureStdout();
@@ -187,8 +164,7 @@ TEST(ConsoleScriptTest, ALineIsReadForEachAnswer) {
 }
 
 TEST(ConsoleScriptTest, AClosedStandardInputIsNoAnswer) {
-  const ScriptedInput restored("");
-  close(STDIN_FILENO);
+  const StandardInput closed(std::nullopt);
   std::string text = "-";
   EXPECT_EQ(getUserFromStdin(text), 0);
   EXPECT_EQ(getPasswdFromStdin(text), 0);

@@ -1,29 +1,23 @@
 #include <support/diagnostics/PasswordFile.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <support/diagnostics/TDiag.h>
+#include <tests/TestEnvironment.h>
+
+#include "LogLines.h"
 
 namespace {
 
 class PasswordFileTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    ASSERT_NE(mkdtemp(m_directory.data()), nullptr);
-    m_path = m_directory + "/credentials";
-  }
-  void TearDown() override { std::filesystem::remove_all(m_directory); }
-
   void Write(std::string_view text, mode_t mode = 0600) {
-    std::ofstream(m_path, std::ios::binary) << text;
+    m_directory.Write("credentials", std::string(text));
     ASSERT_EQ(chmod(m_path.c_str(), mode), 0);
   }
 
@@ -35,8 +29,8 @@ class PasswordFileTest : public ::testing::Test {
     return std::to_string(result) + "|" + user + "|" + password;
   }
 
-  std::string m_directory = std::filesystem::temp_directory_path() / "vq-credentials-XXXXXX";
-  std::string m_path;
+  vq::test::TemporaryDirectory m_directory;
+  std::string m_path = m_directory.Path() + "credentials";
 };
 
 TEST_F(PasswordFileTest, LinesGiveUserAndPassword) {
@@ -88,15 +82,15 @@ TEST_F(PasswordFileTest, OnlyARegularFileOfThatNameIsRead) {
 
   Write("user=u\npassword=p\n");
   const std::string file = m_path;
-  m_path = m_directory + "/link";
+  m_path = m_directory.Path() + "link";
   ASSERT_EQ(symlink(file.c_str(), m_path.c_str()), 0);
   EXPECT_EQ(Read(), "0|-|-") << "symbolic link";
 
-  m_path = m_directory + "/pipe";
+  m_path = m_directory.Path() + "pipe";
   ASSERT_EQ(mkfifo(m_path.c_str(), 0600), 0);
   EXPECT_EQ(Read(), "0|-|-") << "named pipe";
 
-  m_path = m_directory;
+  m_path = m_directory.Path();
   EXPECT_EQ(Read(), "0|-|-") << "directory";
 
   m_path = file + std::string(1, '\0') + "x";
@@ -111,16 +105,12 @@ TEST_F(PasswordFileTest, AnotherUsersFileIsRefused) {
 }
 
 TEST_F(PasswordFileTest, TheLogTellsTheReasonAndNoSecret) {
-  std::string log;
-  const auto sink = TDiag::Instance()->AddCallbackSink([&log](const TDiagLine& line) {
-    log += std::to_string(line.level) + std::string(line.text);
-  });
-  TDiag::Instance()->SetMinimumDebugLevel(5);
+  LogLines log(5);
   Write("password=sesame\nsesame\n");
   Read();
-  TDiag::Instance()->RemoveSink(sink);
-  TDiag::Instance()->SetMinimumDebugLevel(1);
-  EXPECT_EQ(log, "2Password file " + m_path + " refused: a line is neither user= nor password=");
+  EXPECT_THAT(log.Take(),
+              ::testing::ElementsAre("2 Password file " + m_path +
+                                     " refused: a line is neither user= nor password="));
 }
 
 }  // namespace

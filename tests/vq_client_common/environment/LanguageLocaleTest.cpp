@@ -8,9 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <tests/TestEnvironment.h>
+#include <tests/support/diagnostics/LogLines.h>
 #include <vq_client_common/environment/Trim.h>
-
-#include "LogLines.h"
 
 namespace {
 
@@ -68,12 +67,6 @@ TEST(GetLocaleTest, TheAccountsLocaleNeedsNoFile) {
   EXPECT_EQ(Lookup("use_account_locale "), "41 before");
 }
 
-TEST(GetLocaleTest, AMissingHomeOrFileIsTold) {
-  EXPECT_EQ((Variable("VQ_HOME"), Lookup("french")), "41 before");
-  const TemporaryDirectory directory;
-  EXPECT_EQ((Variable("VQ_HOME", directory.Path()), Lookup("french")), "42 before");
-}
-
 TEST(GetLocaleTest, NullIsTheEmptyTextAndIsNotWritten) {
   const TemporaryDirectory directory;
   const Variable home("VQ_HOME", directory.Path());
@@ -120,14 +113,16 @@ TEST_F(SetLocaleTest, TheLanguagesLocaleIsSetAndReturned) {
   }
 }
 
-TEST_F(SetLocaleTest, AMissingHomeOrFileIsLogged) {
+TEST_F(SetLocaleTest, AMissingHomeOrFileIsToldAndLogged) {
   LogLines log(4);
   {
     const Variable home("VQ_HOME");
+    EXPECT_EQ(Lookup("french"), "41 before");
     EXPECT_EQ(SetLocaleByLanguage("french"), "");
   }
   const TemporaryDirectory directory;
   const Variable home("VQ_HOME", directory.Path());
+  EXPECT_EQ(Lookup("french"), "42 before");
   EXPECT_EQ(SetLocaleByLanguage("french"), "");
   EXPECT_THAT(log.Take(),
               ElementsAre("4 Missing VQ home environment variable. Using Default language - ",

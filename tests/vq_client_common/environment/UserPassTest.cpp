@@ -4,201 +4,87 @@
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <tests/TestEnvironment.h>
-
-#include "LogLines.h"
+#include <tests/support/diagnostics/LogLines.h>
+#include <tests/support/diagnostics/StandardInput.h>
 
 namespace {
 
 using ::testing::ElementsAre;
 
-// Standard input is the given text; closed when there is none.
-class StandardInput {
- public:
-  explicit StandardInput(const std::optional<std::string>& text) : m_saved(dup(STDIN_FILENO)) {
-    close(STDIN_FILENO);
-    if (!text) return;
-    const std::string path = m_directory.Write("input", *text);
-    EXPECT_EQ(open(path.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
-  }
-  ~StandardInput() {
-    dup2(m_saved, STDIN_FILENO);
-    close(m_saved);
-  }
-  StandardInput(const StandardInput&) = delete;
-  StandardInput& operator=(const StandardInput&) = delete;
-
- private:
-  vq::test::TemporaryDirectory m_directory;
-  int m_saved;
-};
-
-const char* const kAsking =
-    "4 No/Missing parameters supplied for Username/Password, get from console";
-const char* const kReading = "5 Have password file name, trying to get contents.";
-const char* const kReadError = "1 Error receiving Username and Password from file.";
-const char* const kNoAnswer = "1 Error receiving Username.";
-
 struct InitCase {
   const char* user;
   const char* password;
-  std::optional<std::string> file;  // its content; "-" stands for a file that is not there
-  std::optional<std::string> console;
-  bool result;
-  UserPass::eStatus status;
+  const char* file;  // its content; "" is no file at all, "-" the path of one that is not there
+  std::optional<std::string> console;  // what the user answers; nothing for a closed standard input
+  int status;
   const char* credentials;  // "user/password" afterwards
-  std::vector<std::string> log;
+  const char* trouble;      // logged on the way, where an answer or a file is refused
 };
 
-std::string Error(const char* text) {
-  return std::string("1 Username/Password Conflict/Error: ") + text;
+constexpr const char* kNoAnswer = "1 Error receiving Username.";  // for the password too
+constexpr const char* kBadFile = "1 Error receiving Username and Password from file.";
+
+const InitCase kInitCases[] = {
+    {"u", "p", "", {}, 3, "u/p", ""},
+    {"", "", "", "c\nd\n", 3, "c/d", ""},
+    {"u", "", "", "d\n", 3, "u/d", ""},
+    {"", "p", "", "c\n", 3, "c/p", ""},
+    {"", "", "", {}, 0, "/", kNoAnswer},
+    {"", "", "", "c\n", 1, "c/", kNoAnswer},
+    {"u", "", "", "\n", 1, "u/", ""},
+    {"", "p", "", "\n", 2, "/p", ""},
+    {"", "", "", "\nd\n", 2, "/d", ""},
+    // With a file alone the console, which would answer, is not asked.
+    {"", "", "user=f\npassword=g\n", "c\nd\n", 3, "f/g", ""},
+    {"", "", "user=f\n", "c\nd\n", 1, "f/", ""},
+    {"", "", "password=g\n", "c\nd\n", 2, "/g", ""},
+    {"", "", "# nothing\n", "c\nd\n", 0, "/", ""},
+    {"", "", "-", "c\nd\n", 4, "/", kBadFile},
+    {"", "", "nonsense", "c\nd\n", 4, "/", kBadFile},
+    // Conflicts; nothing is read.
+    {"u", "", "user=f\npassword=g\n", "d\n", 5, "u/", ""},
+    {"", "p", "user=f\npassword=g\n", "c\n", 6, "/p", ""},
+    {"u", "p", "user=f\npassword=g\n", {}, 7, "u/p", ""},
+};
+
+std::vector<std::string> ExpectedLog(const InitCase& expected, const std::string& words) {
+  const bool isGiven = *expected.user != '\0' || *expected.password != '\0';
+  std::vector<std::string> log;
+  if (*expected.file == '\0') {
+    log.emplace_back(*expected.user != '\0' && *expected.password != '\0'
+                         ? "5 Have Username and Password"
+                         : "4 No/Missing parameters supplied for Username/Password, get from "
+                           "console");
+  } else if (!isGiven) {
+    log.emplace_back("5 Have password file name, trying to get contents.");
+  }
+  if (*expected.trouble != '\0') log.emplace_back(expected.trouble);
+  if (expected.status != 3) log.emplace_back("1 Username/Password Conflict/Error: " + words);
+  return log;
 }
 
 TEST(UserPassTest, InitCompletesWhatIsGivenOrTellsWhyNot) {
-  const char* const missingAll = "Missing Login Parameters.";
-  const char* const badFile = "Missing or corrupted password file.";
-  const InitCase cases[] = {
-      {"u", "p", {}, {}, true, UserPass::STAT_OK, "u/p", {"5 Have Username and Password"}},
-      // From the console.
-      {"", "", {}, "c\nd\n", true, UserPass::STAT_OK, "c/d", {kAsking}},
-      {"u", "", {}, "d\n", true, UserPass::STAT_OK, "u/d", {kAsking}},
-      {"", "p", {}, "c\n", true, UserPass::STAT_OK, "c/p", {kAsking}},
-      {"",
-       "",
-       {},
-       {},
-       false,
-       UserPass::STAT_MISSING_ALL,
-       "/",
-       {kAsking, kNoAnswer, Error(missingAll)}},
-      {"",
-       "",
-       {},
-       "c\n",
-       false,
-       UserPass::STAT_MISSING_PASSWORD,
-       "c/",
-       {kAsking, kNoAnswer, Error("Missing password")}},
-      {"u",
-       "",
-       {},
-       "\n",
-       false,
-       UserPass::STAT_MISSING_PASSWORD,
-       "u/",
-       {kAsking, Error("Missing password")}},
-      {"",
-       "p",
-       {},
-       "\n",
-       false,
-       UserPass::STAT_MISSING_USERNAME,
-       "/p",
-       {kAsking, Error("Missing username")}},
-      {"",
-       "",
-       {},
-       "\nd\n",
-       false,
-       UserPass::STAT_MISSING_USERNAME,
-       "/d",
-       {kAsking, Error("Missing username")}},
-      // From the file; the console, which would answer, is not asked.
-      {"", "", "user=f\npassword=g\n", "c\nd\n", true, UserPass::STAT_OK, "f/g", {kReading}},
-      {"",
-       "",
-       "user=f\n",
-       "c\nd\n",
-       false,
-       UserPass::STAT_MISSING_PASSWORD,
-       "f/",
-       {kReading, Error("Missing password")}},
-      {"",
-       "",
-       "password=g\n",
-       "c\nd\n",
-       false,
-       UserPass::STAT_MISSING_USERNAME,
-       "/g",
-       {kReading, Error("Missing username")}},
-      {"",
-       "",
-       "# nothing\n",
-       "c\nd\n",
-       false,
-       UserPass::STAT_MISSING_ALL,
-       "/",
-       {kReading, Error(missingAll)}},
-      {"",
-       "",
-       "-",
-       "c\nd\n",
-       false,
-       UserPass::STAT_PASSWORD_FILE,
-       "/",
-       {kReading, kReadError, Error(badFile)}},
-      {"",
-       "",
-       "nonsense",
-       "c\nd\n",
-       false,
-       UserPass::STAT_PASSWORD_FILE,
-       "/",
-       {kReading, kReadError, Error(badFile)}},
-      // Conflicts; nothing is read.
-      {"u",
-       "",
-       "user=f\npassword=g\n",
-       "d\n",
-       false,
-       UserPass::STAT_CONFLICT_USER_AND_FILE,
-       "u/",
-       {Error("Conflict, Have a Username and password file")}},
-      {"",
-       "p",
-       "user=f\npassword=g\n",
-       "c\n",
-       false,
-       UserPass::STAT_CONFLICT_PASSWORD_AND_FILE,
-       "/p",
-       {Error("Conflict, Have a Password and password file")}},
-      {"u",
-       "p",
-       "user=f\npassword=g\n",
-       {},
-       false,
-       UserPass::STAT_CONFLICT_ALL,
-       "u/p",
-       {Error("Conflict, Have too many parameters")}},
-  };
-  int number = 0;
-  for (const InitCase& expected : cases) {
-    SCOPED_TRACE(number++);
+  for (const InitCase& expected : kInitCases) {
+    SCOPED_TRACE(&expected - kInitCases);
     const vq::test::TemporaryDirectory directory;
-    std::string path;
-    if (expected.file) {
-      path = directory.Path() + "credentials";
-      if (*expected.file != "-") {
-        directory.Write("credentials", *expected.file);
-        chmod(path.c_str(), 0600);
-      }
-    }
+    const std::string content = expected.file;
+    const std::string path = content.empty() ? "" : directory.Path() + "credentials";
+    if (content.size() > 1) chmod(directory.Write("credentials", content).c_str(), 0600);
     const StandardInput input(expected.console);
     UserPass credentials(expected.user, expected.password, path);
     LogLines log(5);
     TDiag::Instance()->SetModuleLevel("PasswordFile", 1);
-    EXPECT_EQ(credentials.Init(), expected.result);
+    EXPECT_EQ(credentials.Init(), expected.status == 3);
     TDiag::Instance()->ClearModuleLevels();
     EXPECT_EQ(credentials.GetStatus(), expected.status);
-    EXPECT_EQ(credentials.isValid(), expected.result);
+    EXPECT_EQ(credentials.isValid(), expected.status == 3);
     EXPECT_EQ(credentials.GetUsername() + "/" + credentials.GetPassword(), expected.credentials);
-    EXPECT_EQ(log.Take(), expected.log);
+    EXPECT_EQ(log.Take(), ExpectedLog(expected, credentials.GetStatStr()));
   }
 }
 
@@ -211,21 +97,26 @@ TEST(UserPassTest, EveryStatusHasItsWordsAndMayBeCorrectableOrNot) {
 
   const StandardInput closed(std::nullopt);
   const struct {
-    const char* user;
-    const char* password;
-    const char* file;
+    const char* words;
     bool isCorrectable;
-  } cases[] = {{"", "", "", true},        {"u", "", "", true},       {"", "p", "", true},
-               {"u", "p", "", false},     {"", "", "/none", false},  {"u", "", "/none", false},
-               {"", "p", "/none", false}, {"u", "p", "/none", false}};
-  int status = 0;
-  for (const auto& expected : cases) {
-    credentials.SetUsername(expected.user);
-    credentials.SetPassword(expected.password);
-    credentials.SetPassFile(expected.file);
+  } cases[] = {
+      {"Missing Login Parameters.", true},
+      {"Missing password", true},
+      {"Missing username", true},
+      {"Status Ok. Have Username and password", false},
+      {"Missing or corrupted password file.", false},
+      {"Conflict, Have a Username and password file", false},
+      {"Conflict, Have a Password and password file", false},
+      {"Conflict, Have too many parameters", false},
+  };
+  for (int status = 0; status < 8; ++status) {
+    credentials.SetUsername((status & 1) != 0 ? "u" : "");
+    credentials.SetPassword((status & 2) != 0 ? "p" : "");
+    credentials.SetPassFile((status & 4) != 0 ? "/none" : "");
     credentials.Init();
-    EXPECT_EQ(credentials.GetStatus(), status++);
-    EXPECT_EQ(credentials.isCorrectable(), expected.isCorrectable) << status;
+    EXPECT_EQ(credentials.GetStatus(), status);
+    EXPECT_STREQ(credentials.GetStatStr(), cases[status].words);
+    EXPECT_EQ(credentials.isCorrectable(), cases[status].isCorrectable) << status;
   }
 }
 

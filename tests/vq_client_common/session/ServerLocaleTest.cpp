@@ -9,7 +9,7 @@
 
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
 #include <tests/TestEnvironment.h>
-#include <tests/vq_client_common/environment/LogLines.h>
+#include <tests/support/diagnostics/LogLines.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 
 namespace {

@@ -5,8 +5,8 @@
 //   EXPECT_THAT(log.Take(), ElementsAre("4 Testing V", "4 V turned off"));
 //
 // Thread contract: one thread at a time.
-#ifndef VQ_TESTS_VQ_CLIENT_COMMON_ENVIRONMENT_LOGLINES_H
-#define VQ_TESTS_VQ_CLIENT_COMMON_ENVIRONMENT_LOGLINES_H
+#ifndef VQ_TESTS_SUPPORT_DIAGNOSTICS_LOGLINES_H
+#define VQ_TESTS_SUPPORT_DIAGNOSTICS_LOGLINES_H
 
 #include <string>
 #include <utility>
@@ -43,4 +43,4 @@ class LogLines {
   std::vector<std::uint32_t> m_classes;
 };
 
-#endif  // VQ_TESTS_VQ_CLIENT_COMMON_ENVIRONMENT_LOGLINES_H
+#endif  // VQ_TESTS_SUPPORT_DIAGNOSTICS_LOGLINES_H
