@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tests/FetchWatch.h>
 #include <tests/TestEnvironment.h>
 
 namespace {
@@ -65,8 +66,7 @@ TEST(ConfigDocument, OfTwoTheFirstCountsAndRemovingTakesAll) {
 
 TEST(ConfigDocument, AHostileDocumentIsRefusedAtOnceAndFetchesNothing) {
   const vq::test::TemporaryDirectory directory;
-  const std::string secret = directory.Write("secret", "fetched");
-  const std::string externalSubset = directory.Write("outside.dtd", "<!ENTITY x 'fetched'>");
+  vq::test::FetchWatch watch(directory);
   const auto use = [](const std::string& declarations, const std::string& reference) {
     return "<!DOCTYPE domain " + declarations + "><domain><scope name='s'><var name='v'>" +
            reference + "</var></scope></domain>";
@@ -87,10 +87,10 @@ TEST(ConfigDocument, AHostileDocumentIsRefusedAtOnceAndFetchesNothing) {
       use(bomb + "]", "&e11;"),
       attribute,
       use(wide, references),
-      use("[<!ENTITY x SYSTEM 'file://" + secret + "'>]", "&x;"),
-      use("[<!ENTITY % p SYSTEM 'file://" + externalSubset + "'> %p;]", "&x;"),
-      use("SYSTEM 'file://" + externalSubset + "'", "&x;"),
-      use("SYSTEM 'http://127.0.0.1:9/x.dtd'", "&x;"),
+      use("[<!ENTITY x SYSTEM '" + watch.FileUrl() + "'>]", "&x;"),
+      use("[<!ENTITY % p SYSTEM '" + watch.FileUrl() + "'> %p;]", "&x;"),
+      use("SYSTEM '" + watch.FileUrl() + "'", "&x;"),
+      use("SYSTEM '" + watch.HttpUrl() + "'", "&x;"),
       use("[<!ENTITY x '&x;'>]", "&x;"),
   };
   for (const std::string& text : documents) {
@@ -102,6 +102,7 @@ TEST(ConfigDocument, AHostileDocumentIsRefusedAtOnceAndFetchesNothing) {
     EXPECT_NE(error, "");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
     EXPECT_EQ(document.Scopes(), vq::ConfigScopes{});
+    EXPECT_FALSE(watch.Fetched());
   }
 
   vq::ConfigDocument document;

@@ -1,0 +1,90 @@
+// The client properties file with 10,000 entries: loading it beside the bare parse of the same file
+// by the XML library with the same settings, saving it beside one fwrite of the same text.
+//
+// What is asked: load at most 1.2 times the bare parse, save at most 5 times the fwrite.
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+#include <support/configuration/XmlPlatform.h>
+#include <tests/TestEnvironment.h>
+#include <vq_client_common/environment/ClientProperties.h>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+
+namespace {
+
+constexpr int kEntries = 10'000;
+
+// The instance with its file in a directory of its own, for the life of the process.
+struct Store {
+  Store() {
+    for (int i = 0; i < kEntries; ++i) {
+      properties->SetStringValue("Window.Column" + std::to_string(i) + ".Title",
+                                 "Jobs & conditions of data center <" + std::to_string(i) + ">",
+                                 false);
+    }
+    properties->SaveProperties();
+    text = directory.Read("CommonClientConf.xml");
+  }
+  vq::test::TemporaryDirectory directory;
+  vq::test::Variable data{"VQ_DATA", directory.Path()};
+  std::string path = directory.Path() + "CommonClientConf.xml";
+  std::string text;
+  ClientProperties* properties = ClientProperties::Get();
+};
+
+Store& TheStore() {
+  static Store store;
+  return store;
+}
+
+void LoadProperties(benchmark::State& state) {
+  ClientProperties* properties = TheStore().properties;
+  for (auto _ : state) properties->Reload();
+  if (properties->GetStringValue("Window.Column9999.Title", "").empty()) {
+    state.SkipWithError("nothing was loaded");
+  }
+}
+
+void LoadBareParse(benchmark::State& state) {
+  const std::string& path = TheStore().path;
+  for (auto _ : state) {
+    xercesc::XercesDOMParser parser;
+    parser.setValidationScheme(xercesc::XercesDOMParser::Val_Never);
+    parser.setDoNamespaces(false);
+    parser.setDoSchema(false);
+    parser.parse(path.c_str());
+    benchmark::DoNotOptimize(parser.getDocument());
+    if (parser.getErrorCount() != 0) state.SkipWithError("the file did not parse");
+  }
+}
+
+void SaveProperties(benchmark::State& state) {
+  ClientProperties* properties = TheStore().properties;
+  for (auto _ : state) {
+    if (!properties->SaveProperties()) state.SkipWithError("not saved");
+  }
+}
+
+void SaveOneWrite(benchmark::State& state) {
+  Store& store = TheStore();
+  const std::string path = store.directory.Path() + "plain";
+  for (auto _ : state) {
+    std::FILE* file = std::fopen(path.c_str(), "w+");
+    std::fwrite(store.text.data(), 1, store.text.size(), file);
+    std::fclose(file);
+  }
+  if (std::filesystem::file_size(path) != store.text.size()) state.SkipWithError("not written");
+}
+
+BENCHMARK(LoadProperties)->Unit(benchmark::kMicrosecond);
+BENCHMARK(LoadBareParse)->Unit(benchmark::kMicrosecond);
+BENCHMARK(SaveProperties)->Unit(benchmark::kMicrosecond);
+BENCHMARK(SaveOneWrite)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

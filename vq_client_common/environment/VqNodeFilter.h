@@ -1,0 +1,34 @@
+// Picks nodes of one type and name while a client walks a document of Xerces.
+//
+//   const VqNodeFilter filter(xercesc::DOMNode::ELEMENT_NODE, "server", false);
+//   auto* walker = document->createTreeWalker(root, xercesc::DOMNodeFilter::SHOW_ALL,
+//                                             const_cast<VqNodeFilter*>(&filter), true);
+#ifndef VQ_CLIENT_COMMON_ENVIRONMENT_VQNODEFILTER_H
+#define VQ_CLIENT_COMMON_ENVIRONMENT_VQNODEFILTER_H
+
+#include <cstdint>
+#include <string>
+
+#include <vq_client_common/Export.h>
+#include <xercesc/dom/DOMNode.hpp>
+#include <xercesc/dom/DOMNodeFilter.hpp>
+
+// Thread contract: does not change after construction; safe on any thread.
+class VQ_CLIENT_COMMON_API VqNodeFilter : public XERCES_CPP_NAMESPACE::DOMNodeFilter {
+ public:
+  // `nodeType` is one of DOMNode::NodeType, 0 for a filter that skips every node; `nodeName` is in
+  // the encoding of the process's locale. With `reject` other nodes are left out with all that
+  // stands in them, without it they are left out alone. Xerces must be started.
+  VqNodeFilter(short nodeType, const std::string& nodeName, bool reject);
+
+  // FILTER_ACCEPT for a node of the type and name; otherwise FILTER_REJECT or FILTER_SKIP as
+  // `reject` asks. `node` is not null.
+  FilterAction acceptNode(const XERCES_CPP_NAMESPACE::DOMNode* node) const override;
+
+ private:
+  std::int16_t m_nodeType;
+  std::basic_string<XMLCh> m_nodeName;
+  bool m_reject;
+};
+
+#endif  // VQ_CLIENT_COMMON_ENVIRONMENT_VQNODEFILTER_H
