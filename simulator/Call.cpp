@@ -1,0 +1,78 @@
+#include "Call.h"
+
+#include <cstdlib>
+
+#include "Orb.h"
+#include "Raise.h"
+
+namespace vq::sim {
+
+Call::Call(World& world, const std::string& kind, std::string_view object, const char* operation)
+    : m_world(world), m_kind(kind), m_operation(operation) {
+  m_line = {{"event", "call"}, {"kind", kind}, {"object", object}, {"operation", operation}};
+}
+
+Call& Call::Argument(const char* name, nlohmann::ordered_json value) {
+  m_arguments[name] = std::move(value);
+  return *this;
+}
+
+Call& Call::Secret(const char* name, const char* value, std::string_view form) {
+  m_arguments[name] = {{"length", std::string_view(value).size()}};
+  m_line[std::string(name) + "Form"] = form;
+  return *this;
+}
+
+void Call::Note(const char* name, nlohmann::ordered_json value) {
+  m_notes[name] = std::move(value);
+}
+
+void Call::Arrive() {
+  m_line["arguments"] = m_arguments;
+  m_world.log.Count(m_operation);
+  m_faults = m_world.faults.Hit(m_operation, m_kind);
+  m_number = m_world.log.Write(m_line);
+}
+
+std::optional<Fault> Call::Act(bool after) {
+  std::optional<Fault> answers;
+  for (const Fault& fault : m_faults) {
+    if (fault.after != after) continue;
+    switch (fault.action) {
+      case Fault::Action::Delay:
+        m_world.Wait(fault.delay);
+        break;
+      case Fault::Action::Drop:
+        m_world.log.Write({{"event", "drop"}, {"call", m_number}, {"operation", m_operation}});
+        DropConnections();
+        break;
+      case Fault::Action::Die:
+        m_world.log.Write({{"event", "die"}, {"call", m_number}, {"operation", m_operation}});
+        std::_Exit(kDiedOnDemand);
+      case Fault::Action::Raise:
+        RaiseNamed(fault);
+      case Fault::Action::Return:
+      case Fault::Action::Refuse:
+        answers = fault;
+        break;
+    }
+  }
+  return answers;
+}
+
+void Call::Answer(nlohmann::ordered_json result) {
+  nlohmann::ordered_json line = {
+      {"event", "answer"}, {"call", m_number}, {"operation", m_operation}};
+  if (!result.is_null()) line["result"] = std::move(result);
+  line.update(m_notes);
+  m_world.log.Write(line);
+}
+
+void Call::AnswerException(const std::string& name) {
+  nlohmann::ordered_json line = {
+      {"event", "answer"}, {"call", m_number}, {"operation", m_operation}, {"exception", name}};
+  line.update(m_notes);
+  m_world.log.Write(line);
+}
+
+}  // namespace vq::sim

@@ -1,0 +1,109 @@
+// One remote call, from its arrival to its answer: written to the log, and hit by the faults that
+// are set for it.
+//
+//   CORBA::Long CRB_Unregister(const char* userId) override {
+//     Call call(m_world, m_kind, "UsersManager", "CRB_Unregister");
+//     call.Argument("userId", userId);
+//     return call.Run([&]() -> CORBA::Long { return m_world.sessions.Close(userId) ? 1 : 0; });
+//   }
+//
+// The body gives results and out values as values of its own: what it gives is dropped when a fault
+// takes the answer's place.
+//
+// Thread contract: one thread, the one that serves the call.
+#ifndef VQ_SIMULATOR_CALL_H
+#define VQ_SIMULATOR_CALL_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <support/orb/Corba.h>
+#include <nlohmann/json.hpp>
+
+#include "World.h"
+
+namespace vq::sim {
+
+class Call {
+ public:
+  Call(World& world, const std::string& kind, std::string_view object, const char* operation);
+
+  // Arguments, in the operation's order.
+  Call& Argument(const char* name, nlohmann::ordered_json value);
+  // A password or response: the log gets its length only, and "passwordForm" (FormOf).
+  Call& Secret(const char* name, const char* value, std::string_view form);
+  // Something more for the answer's line.
+  void Note(const char* name, nlohmann::ordered_json value);
+
+  // Serves the call. `text` is where the answer's message is, if it has one: a fault may put its
+  // own there. Raises what the body raises, or a fault; a standard exception becomes INTERNAL.
+  template <typename Body>
+  auto Run(Body body, std::string* text = nullptr) -> decltype(body());
+
+ private:
+  void Arrive();
+  // Lets the faults of one moment act. Returns the one that gives the answer, if any.
+  std::optional<Fault> Act(bool after);
+  void Answer(nlohmann::ordered_json result);
+  void AnswerException(const std::string& name);
+  template <typename Result>
+  Result Forced(const Fault& fault, std::string* text);
+
+  World& m_world;
+  std::string m_kind;
+  std::string m_operation;
+  std::vector<Fault> m_faults;
+  nlohmann::ordered_json m_line;
+  nlohmann::ordered_json m_arguments = nlohmann::ordered_json::object();
+  nlohmann::ordered_json m_notes = nlohmann::ordered_json::object();
+  std::uint64_t m_number = 0;
+};
+
+template <typename Result>
+Result Call::Forced(const Fault& fault, std::string* text) {
+  if constexpr (std::is_arithmetic_v<Result>) {
+    if (text != nullptr) *text = fault.message;
+    return fault.action == Fault::Action::Refuse ? Result{} : static_cast<Result>(fault.result);
+  } else {
+    throw CORBA::NO_PERMISSION();  // an operation without a code has no other way to refuse
+  }
+}
+
+template <typename Body>
+auto Call::Run(Body body, std::string* text) -> decltype(body()) {
+  using Result = decltype(body());
+  Arrive();
+  try {
+    std::optional<Fault> fault = Act(false);
+    if constexpr (std::is_void_v<Result>) {
+      if (fault) throw CORBA::NO_PERMISSION();
+      body();
+      if (Act(true)) throw CORBA::NO_PERMISSION();
+      Answer(nullptr);
+    } else {
+      Result result = fault ? Forced<Result>(*fault, text) : body();
+      fault = Act(true);
+      if (fault) result = Forced<Result>(*fault, text);
+      if constexpr (std::is_arithmetic_v<Result> || std::is_same_v<Result, std::string>) {
+        Answer(result);
+      } else {
+        Answer(nullptr);
+      }
+      return result;
+    }
+  } catch (const CORBA::Exception& exception) {
+    AnswerException(exception._name());
+    throw;
+  } catch (const std::exception& exception) {
+    AnswerException(exception.what());
+    throw CORBA::INTERNAL();
+  }
+}
+
+}  // namespace vq::sim
+
+#endif  // VQ_SIMULATOR_CALL_H

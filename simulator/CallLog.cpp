@@ -1,0 +1,76 @@
+#include "CallLog.h"
+
+#include <cerrno>
+#include <chrono>
+#include <ctime>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace vq::sim {
+namespace {
+
+// "2024-03-01T12:00:00.123Z"
+std::string Now() {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+  const std::time_t seconds = milliseconds / 1000;
+  std::tm utc{};
+  gmtime_r(&seconds, &utc);
+  std::string text(32, '\0');
+  text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc));
+  const std::string fraction = std::to_string(1000 + milliseconds % 1000);
+  return text + "." + fraction.substr(1) + "Z";
+}
+
+}  // namespace
+
+CallLog::~CallLog() {
+  if (m_file >= 0) close(m_file);
+}
+
+void CallLog::Open(const std::filesystem::path& path) {
+  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+  if (file < 0) {
+    throw std::runtime_error(path.string() + ": " + std::generic_category().message(errno));
+  }
+  const std::lock_guard lock(m_mutex);
+  if (m_file >= 0) close(m_file);
+  m_file = file;
+}
+
+std::uint64_t CallLog::Write(const nlohmann::ordered_json& line) {
+  const std::lock_guard lock(m_mutex);
+  ++m_lines;
+  if (m_file < 0) return m_lines;
+  nlohmann::ordered_json whole = {{"line", m_lines}, {"time", Now()}};
+  whole.update(line);
+  // Texts off the wire need not be UTF-8.
+  using Handler = nlohmann::ordered_json::error_handler_t;
+  const std::string text = whole.dump(-1, ' ', false, Handler::replace) + "\n";
+  for (std::size_t done = 0; done < text.size();) {
+    const ssize_t written = write(m_file, text.data() + done, text.size() - done);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) break;
+    done += static_cast<std::size_t>(written);
+  }
+  return m_lines;
+}
+
+void CallLog::Count(const std::string& operation) {
+  const std::lock_guard lock(m_mutex);
+  ++m_counts[operation];
+}
+
+std::map<std::string, std::uint64_t> CallLog::Counts() {
+  const std::lock_guard lock(m_mutex);
+  return m_counts;
+}
+
+void CallLog::ClearCounts() {
+  const std::lock_guard lock(m_mutex);
+  m_counts.clear();
+}
+
+}  // namespace vq::sim

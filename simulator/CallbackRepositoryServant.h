@@ -1,0 +1,37 @@
+// The repository of the objects that clients left to be called back.
+//
+// Thread contract: any thread; the ORB calls it from one thread a connection.
+#ifndef VQ_SIMULATOR_CALLBACKREPOSITORYSERVANT_H
+#define VQ_SIMULATOR_CALLBACKREPOSITORYSERVANT_H
+
+#include <string>
+
+#include <vq_idl/CallbackRepositoryC.h>
+
+#include "Call.h"
+#include "Callbacks.h"
+
+namespace vq::sim {
+
+class CallbackRepositoryServant : public POA_CrbCallbackRepository {
+ public:
+  CallbackRepositoryServant(World& world, std::string kind, Callbacks& callbacks);
+
+  CORBA::Long CRB_RegisterCallback(const char* userId, CORBA::Object_ptr callback,
+                                   CORBA::Boolean isActive) override;
+  CORBA::Boolean CRB_UnregisterCallbackById(CORBA::Long callbackId) override;
+  CORBA::Boolean CRB_UnregisterCallbacksByUserToken(const char* userToken) override;
+  void CRB_SocketHeartBeat(const char* userToken) override;
+  CORBA::Object_ptr CRB_GetCallbackById(CORBA::Long callbackId) override;
+
+ private:
+  [[nodiscard]] Call Begin(const char* operation);
+
+  World& m_world;
+  const std::string m_kind;
+  Callbacks& m_callbacks;
+};
+
+}  // namespace vq::sim
+
+#endif  // VQ_SIMULATOR_CALLBACKREPOSITORYSERVANT_H

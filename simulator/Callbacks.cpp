@@ -1,0 +1,74 @@
+#include "Callbacks.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <vq_idl/CallbackRepositoryC.h>
+
+#include "Orb.h"
+
+namespace vq::sim {
+namespace {
+
+constexpr std::size_t kMostCallbacks = 10'000;
+constexpr std::chrono::milliseconds kUsualTime{5000};
+
+}  // namespace
+
+CORBA::Long Callbacks::Add(const std::string& userId, CORBA::Object_ptr object) {
+  const std::lock_guard lock(m_mutex);
+  if (CORBA::is_nil(object) || m_entries.size() >= kMostCallbacks ||
+      m_last == std::numeric_limits<CORBA::Long>::max()) {
+    return 0;
+  }
+  m_entries[++m_last] = {userId, CORBA::Object::_duplicate(object)};
+  return m_last;
+}
+
+bool Callbacks::Remove(CORBA::Long id) {
+  const std::lock_guard lock(m_mutex);
+  return m_entries.erase(id) > 0;
+}
+
+bool Callbacks::RemoveOf(const std::string& userId) {
+  const std::lock_guard lock(m_mutex);
+  return std::erase_if(m_entries, [&](const auto& e) { return e.second.userId == userId; }) > 0;
+}
+
+CORBA::Object_ptr Callbacks::Find(CORBA::Long id) {
+  const std::lock_guard lock(m_mutex);
+  const auto found = m_entries.find(id);
+  return found == m_entries.end() ? CORBA::Object::_nil()
+                                  : CORBA::Object::_duplicate(found->second.object);
+}
+
+bool Callbacks::Ping(CORBA::Long id, std::chrono::milliseconds time, std::string& message) {
+  const auto site = m_world.GetSite();
+  if (time.count() <= 0) time = kUsualTime;
+  CORBA::Object_var object = Find(id);
+  if (CORBA::is_nil(object)) {
+    message = "No callback is registered under the id " + std::to_string(id) + ".";
+    return false;
+  }
+  if (site->callbackRefused) {
+    message = site->callbackMessage;
+    return false;
+  }
+  m_world.Wait(std::min(site->callbackDelay, time));
+  if (site->callbackDelay >= time) {
+    message = "The callback was not answered in time.";
+    return false;
+  }
+  try {
+    // An object that is no test callback answers with an exception, like one that is gone.
+    TestCallback_var callback = TestCallback::_unchecked_narrow(object);
+    LimitCalls(callback, time - site->callbackDelay);
+    callback->CRB_Ping();
+    return true;
+  } catch (const CORBA::Exception& exception) {
+    message = std::string("The callback failed: ") + exception._name() + ".";
+    return false;
+  }
+}
+
+}  // namespace vq::sim

@@ -1,0 +1,47 @@
+// The objects that clients left to be called back.
+//
+// Thread contract: any thread.
+#ifndef VQ_SIMULATOR_CALLBACKS_H
+#define VQ_SIMULATOR_CALLBACKS_H
+
+#include <chrono>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "World.h"
+
+#include <support/orb/Corba.h>
+
+namespace vq::sim {
+
+class Callbacks {
+ public:
+  explicit Callbacks(World& world) : m_world(world) {}
+
+  // Keeps a reference. Returns its id, from 1 up; 0 for a nil reference, or when there are too
+  // many.
+  CORBA::Long Add(const std::string& userId, CORBA::Object_ptr object);
+  // False when there was none.
+  bool Remove(CORBA::Long id);
+  bool RemoveOf(const std::string& userId);
+  // The caller owns the reference; nil when the id is not known.
+  CORBA::Object_ptr Find(CORBA::Long id);
+  // Calls CRB_Ping of the object, as the site lets it: at once, late or not at all. True when the
+  // object answered within the time (0 or less: 5 seconds); else `message` says why not.
+  bool Ping(CORBA::Long id, std::chrono::milliseconds time, std::string& message);
+
+ private:
+  struct Entry {
+    std::string userId;
+    CORBA::Object_var object;
+  };
+  World& m_world;
+  std::mutex m_mutex;
+  CORBA::Long m_last = 0;
+  std::map<CORBA::Long, Entry> m_entries;
+};
+
+}  // namespace vq::sim
+
+#endif  // VQ_SIMULATOR_CALLBACKS_H

@@ -1,0 +1,57 @@
+// The control channel: a UNIX socket by which a test or a demonstration changes the site, moves the
+// clock and asks how things stand, while the simulator runs.
+//
+// One JSON object a line in, one JSON object a line out: {"ok": true, ...} or {"ok": false,
+// "error": TEXT}. A command has taken effect when its answer is there. docs/simulator.md lists the
+// commands.
+//
+// Thread contract: Start and Stop by one thread; the channel has a thread of its own and serves one
+// connection after the other. Execute may be called from any thread.
+#ifndef VQ_SIMULATOR_CONTROL_H
+#define VQ_SIMULATOR_CONTROL_H
+
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include <nlohmann/json.hpp>
+
+#include "World.h"
+
+namespace vq::sim {
+
+class Control {
+ public:
+  // `site` is the file that the command "reload" reads.
+  Control(World& world, std::filesystem::path site);
+  ~Control();
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+
+  // Opens the socket, for its owner only, and serves it. A socket that a dead process left is
+  // replaced. Raises std::runtime_error.
+  void Start(const std::filesystem::path& path);
+  void Stop();
+
+  // Executes one line. Never raises: what is wrong stands in the answer.
+  std::string Execute(const std::string& line);
+
+ private:
+  nlohmann::ordered_json Run(const nlohmann::json& command);
+  nlohmann::ordered_json State();
+  void Serve();
+  void ServeConnection(int connection);
+  // Waits until the file can be read. False when the channel stops.
+  [[nodiscard]] bool WaitFor(int file) const;
+
+  World& m_world;
+  std::filesystem::path m_site;
+  std::filesystem::path m_path;
+  int m_listener = -1;
+  int m_stop[2] = {-1, -1};  // a pipe; a byte in it ends the thread
+  std::thread m_thread;
+};
+
+}  // namespace vq::sim
+
+#endif  // VQ_SIMULATOR_CONTROL_H

@@ -1,0 +1,42 @@
+// One server kind of the simulator: its POAs, its servants, and the references to its services.
+//
+// Thread contract: made and destroyed by one thread; its servants are called by the ORB's threads.
+#ifndef VQ_SIMULATOR_SERVER_H
+#define VQ_SIMULATOR_SERVER_H
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include <support/orb/Corba.h>
+#include <vq_idl/AuthorizationC.h>
+
+#include "Callbacks.h"
+#include "Orb.h"
+#include "World.h"
+
+namespace vq::sim {
+
+class Server {
+ public:
+  // Makes the services "UsersManager", "SystemConfiguration" and "CallbackRepository" of the kind.
+  // Raises CORBA::SystemException, also when the endpoint cannot be opened.
+  Server(CORBA::ORB_ptr orb, const OrbOptions& options, World& world, Callbacks& callbacks,
+         const std::string& name, const std::string& kind);
+
+  [[nodiscard]] const std::map<std::string, CORBA::Object_var>& Services() const {
+    return m_services;
+  }
+
+ private:
+  void Add(const std::string& service, PortableServer::ServantBase* servant);
+  QCSCorbaAuthorization_ptr AuthorizationOf(const std::string& user);
+
+  PortableServer::POA_var m_poa;
+  PortableServer::POA_var m_authorizations;  // one servant for all objects
+  std::map<std::string, CORBA::Object_var> m_services;
+};
+
+}  // namespace vq::sim
+
+#endif  // VQ_SIMULATOR_SERVER_H

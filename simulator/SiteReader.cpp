@@ -1,0 +1,393 @@
+// Reads a site from JSON. Every reader takes the value and its place ("/users/ann/expiry"), so that
+// an error can tell it, and looks at every key, so that a misspelt one is found.
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <limits>
+
+#include <nlohmann/json.hpp>
+
+#include "Raise.h"
+#include "Site.h"
+
+namespace vq::sim {
+namespace {
+
+using nlohmann::json;
+
+// No site nests deeper; what does is an attempt on the stack.
+constexpr int kDeepest = 32;
+
+// One value of the file, with its place in it.
+struct Value {
+  const json& node;
+  const std::string& file;
+  std::string place;
+
+  [[noreturn]] void Fail(const std::string& what) const {
+    throw SiteError(file + ": " + (place.empty() ? "/" : place) + ": " + what);
+  }
+  [[nodiscard]] Value Child(const std::string& key, const json& child) const {
+    return {child, file, place + "/" + key};
+  }
+};
+
+using Reader = std::function<void(const Value&)>;
+using Fields = std::map<std::string_view, Reader>;
+
+// Reads an object by its keys; each key must be one of the fields.
+void ReadObject(const Value& value, const Fields& fields) {
+  if (!value.node.is_object()) value.Fail("must be an object");
+  for (const auto& [key, child] : value.node.items()) {
+    const auto field = fields.find(key);
+    if (field == fields.end()) value.Child(key, child).Fail("unknown key");
+    field->second(value.Child(key, child));
+  }
+}
+
+// Reads an object whose keys are names of the site's own.
+void ReadNamed(const Value& value,
+               const std::function<void(const std::string&, const Value&)>& item) {
+  if (!value.node.is_object()) value.Fail("must be an object");
+  for (const auto& [key, child] : value.node.items()) item(key, value.Child(key, child));
+}
+
+void ReadArray(const Value& value, const Reader& item) {
+  if (!value.node.is_array()) value.Fail("must be an array");
+  std::size_t index = 0;
+  for (const json& child : value.node) item(value.Child(std::to_string(index++), child));
+}
+
+std::string Text(const Value& value) {
+  if (!value.node.is_string()) value.Fail("must be a string");
+  auto text = value.node.get<std::string>();
+  if (text.find('\0') != std::string::npos) value.Fail("must not hold a zero character");
+  return text;
+}
+
+bool Flag(const Value& value) {
+  if (!value.node.is_boolean()) value.Fail("must be true or false");
+  return value.node.get<bool>();
+}
+
+template <typename Number>
+Number Whole(const Value& value, Number least, Number most) {
+  const auto range =
+      "must be a whole number from " + std::to_string(least) + " to " + std::to_string(most);
+  if (!value.node.is_number_integer()) value.Fail(range);
+  if (value.node.is_number_unsigned() &&
+      value.node.get<std::uint64_t>() > static_cast<std::uint64_t>(most)) {
+    value.Fail(range);
+  }
+  const auto number = value.node.get<std::int64_t>();
+  if (number < static_cast<std::int64_t>(least) || number > static_cast<std::int64_t>(most)) {
+    value.Fail(range);
+  }
+  return static_cast<Number>(number);
+}
+
+std::int32_t Long(const Value& value) {
+  return Whole<std::int32_t>(value, std::numeric_limits<std::int32_t>::min(),
+                             std::numeric_limits<std::int32_t>::max());
+}
+
+std::chrono::milliseconds Milliseconds(const Value& value) {
+  return std::chrono::milliseconds(Whole(value, 0, 3'600'000));
+}
+
+// The index of a text in a list of names.
+template <typename Names>
+int OneOf(const Value& value, const std::string& text, const Names& names) {
+  const auto found = std::find(std::begin(names), std::end(names), text);
+  if (found != std::end(names)) return static_cast<int>(std::distance(std::begin(names), found));
+  std::string all;
+  for (const std::string_view name : names) all += (all.empty() ? "" : ", ") + std::string(name);
+  value.Fail("'" + text + "' is not one of " + all);
+}
+
+Reader Into(std::string& target) {
+  return [&target](const Value& value) { target = Text(value); };
+}
+Reader Into(bool& target) {
+  return [&target](const Value& value) { target = Flag(value); };
+}
+Reader Into(std::chrono::milliseconds& target) {
+  return [&target](const Value& value) { target = Milliseconds(value); };
+}
+Reader Into(std::int32_t& target) {
+  return [&target](const Value& value) { target = Long(value); };
+}
+
+Grant ReadGrant(const Value& value, bool service) {
+  Grant grant;
+  Fields fields = {
+      {"criteria", Into(grant.criteria)},
+      {"level", [&](const Value& v) { grant.level = OneOf(v, Text(v), kLevelNames); }}};
+  if (service) {
+    fields["actions"] = [&](const Value& v) {
+      ReadArray(v, [&](const Value& action) { grant.actions.push_back(Long(action)); });
+    };
+  }
+  ReadObject(value, fields);
+  if (!value.node.contains("criteria") || !value.node.contains("level")) {
+    value.Fail("needs criteria and level");
+  }
+  return grant;
+}
+
+// The two keys that users and groups have in common.
+void AddRights(Fields& fields, Rights& rights) {
+  fields["privileges"] = [&rights](const Value& value) {
+    ReadNamed(value, [&](const std::string& name, const Value& level) {
+      rights.privileges[OneOf(value, name, kPrivilegeNames)] =
+          OneOf(level, Text(level), kLevelNames);
+    });
+  };
+  fields["grants"] = [&rights](const Value& value) {
+    ReadNamed(value, [&](const std::string& name, const Value& list) {
+      const auto kind = static_cast<std::size_t>(OneOf(value, name, kGrantKindNames));
+      const bool service = kind == static_cast<std::size_t>(GrantKind::Services);
+      ReadArray(list,
+                [&](const Value& v) { rights.grants[kind].push_back(ReadGrant(v, service)); });
+    });
+  };
+}
+
+User ReadUser(const Value& value) {
+  User user;
+  Fields fields = {
+      {"password", Into(user.password)},
+      {"fullName", Into(user.fullName)},
+      {"description", Into(user.description)},
+      {"dbUser", Into(user.dbUser)},
+      {"locked", Into(user.locked)},
+      {"message", Into(user.message)},
+      {"replyUserId", Into(user.replyUserId)},
+      {"jobLevelAuthorization", Into(user.jobLevelAuthorization)},
+      {"result", [&](const Value& v) { user.result = Long(v); }},
+      {"expiry",
+       [&](const Value& v) {
+         constexpr std::array<std::string_view, 3> kNames = {"never", "soon", "expired"};
+         user.expiry = static_cast<Expiry>(OneOf(v, Text(v), kNames));
+       }},
+      {"groups", [&](const Value& v) {
+         ReadArray(v, [&](const Value& name) { user.groups.push_back(Text(name)); });
+       }}};
+  AddRights(fields, user.rights);
+  ReadObject(value, fields);
+  return user;
+}
+
+Group ReadGroup(const Value& value) {
+  Group group;
+  Fields fields = {{"description", Into(group.description)}};
+  AddRights(fields, group.rights);
+  ReadObject(value, fields);
+  return group;
+}
+
+Parameter ReadParameter(const Value& value) {
+  Parameter parameter;
+  if (value.node.is_string()) {
+    parameter.value = Text(value);
+  } else if (value.node.is_object() && value.node.size() == 1) {
+    ReadObject(value,
+               {{"fail", [&](const Value& v) { parameter.fail = Long(v); }},
+                {"userNotFound", [&](const Value& v) { parameter.userNotFound = Text(v); }}});
+  } else {
+    value.Fail("must be a string, {\"fail\": NUMBER} or {\"userNotFound\": TEXT}");
+  }
+  return parameter;
+}
+
+VersionRule ReadVersionRule(const Value& value) {
+  VersionRule rule;
+  ReadObject(value, {{"client", Into(rule.client)},
+                     {"result", Into(rule.result)},
+                     {"server", Into(rule.server)},
+                     {"missing", Into(rule.missing)}});
+  return rule;
+}
+
+LoginMessage ReadLoginMessage(const Value& value) {
+  LoginMessage message;
+  ReadObject(value, {{"severity", Into(message.severity)}, {"message", Into(message.message)}});
+  return message;
+}
+
+Fault ReadFault(const Value& value) {
+  Fault fault;
+  constexpr std::uint64_t kMost = 1'000'000'000;
+  bool once = false;
+  ReadObject(value,
+             {{"operation", Into(fault.operation)},
+              {"kind", Into(fault.kind)},
+              {"nth",
+               [&](const Value& v) {
+                 if (v.node == "always") return;
+                 fault.nth = Whole<std::uint64_t>(v, 1, kMost);
+                 once = true;
+               }},
+              {"times", [&](const Value& v) { fault.times = Whole<std::uint64_t>(v, 1, kMost); }},
+              {"action",
+               [&](const Value& v) {
+                 constexpr std::array<std::string_view, 6> kNames = {"delay", "drop",   "die",
+                                                                     "raise", "return", "refuse"};
+                 fault.action = static_cast<Fault::Action>(OneOf(v, Text(v), kNames));
+               }},
+              {"when",
+               [&](const Value& v) {
+                 constexpr std::array<std::string_view, 2> kNames = {"before", "after"};
+                 fault.after = OneOf(v, Text(v), kNames) == 1;
+               }},
+              {"ms", Into(fault.delay)},
+              {"exception",
+               [&](const Value& v) {
+                 fault.exception = Text(v);
+                 OneOf(v, fault.exception, ExceptionNames());
+               }},
+              {"minor",
+               [&](const Value& v) {
+                 fault.minor =
+                     Whole<std::uint32_t>(v, 0, std::numeric_limits<std::uint32_t>::max());
+               }},
+              {"completed",
+               [&](const Value& v) {
+                 constexpr std::array<std::string_view, 3> kNames = {"YES", "NO", "MAYBE"};
+                 OneOf(v, Text(v), kNames);
+                 fault.completed = Text(v);
+               }},
+              {"result", Into(fault.result)},
+              {"message", Into(fault.message)},
+              {"reason", Into(fault.reason)}});
+  if (once && fault.times == 0) fault.times = 1;
+  if (fault.operation.empty()) value.Fail("needs an operation");
+  if (!value.node.contains("action")) value.Fail("needs an action");
+  if (fault.action == Fault::Action::Raise && fault.exception.empty()) {
+    value.Fail("needs an exception to raise");
+  }
+  return fault;
+}
+
+template <typename Item>
+Reader ListInto(std::vector<Item>& target, Item (*read)(const Value&)) {
+  return [&target, read](const Value& value) {
+    ReadArray(value, [&](const Value& item) { target.push_back(read(item)); });
+  };
+}
+
+template <typename Item>
+Reader MapInto(std::map<std::string, Item>& target, Item (*read)(const Value&)) {
+  return [&target, read](const Value& value) {
+    ReadNamed(value,
+              [&](const std::string& name, const Value& item) { target[name] = read(item); });
+  };
+}
+
+// The names that refer to each other.
+void CheckGroups(const Site& site, const Value& root) {
+  for (const auto& [name, user] : site.users) {
+    for (const std::string& group : user.groups) {
+      if (site.groups.contains(group)) continue;
+      throw SiteError(root.file + ": /users/" + name + "/groups: no group '" + group + "'");
+    }
+  }
+}
+
+}  // namespace
+
+Site ReadSite(const json& document, const std::string& name) {
+  Site site;
+  const Value root{document, name, ""};
+  ReadObject(
+      root,
+      {{"server",
+        [&](const Value& v) {
+          ReadObject(v, {{"version", Into(site.serverVersion)}, {"dbUser", Into(site.dbUser)}});
+        }},
+       {"userId",
+        [&](const Value& v) {
+          ReadObject(v, {{"length",
+                          [&](const Value& length) {
+                            site.userIdLength = Whole<std::size_t>(length, 1, 4096);
+                          }},
+                         {"text", Into(site.userIdText)}});
+        }},
+       {"challenge",
+        [&](const Value& v) {
+          ReadObject(v, {{"lifetimeSeconds",
+                          [&](const Value& life) {
+                            site.challengeLifetime = std::chrono::seconds(Whole(life, 1, 86'400));
+                          }},
+                         {"pending", [&](const Value& pending) {
+                            site.challengesPending = Whole<std::size_t>(pending, 1, 1024);
+                          }}});
+        }},
+       {"lockout",
+        [&](const Value& v) {
+          ReadObject(v, {{"tries", [&](const Value& tries) {
+                            site.triesBeforeLock = Whole(tries, 0, 1000);
+                          }}});
+        }},
+       {"messages",
+        [&](const Value& v) {
+          Messages& texts = site.messages;
+          ReadObject(v, {{"registered", Into(texts.registered)},
+                         {"refused", Into(texts.refused)},
+                         {"expired", Into(texts.expired)},
+                         {"locked", Into(texts.locked)},
+                         {"aboutToExpire", Into(texts.aboutToExpire)}});
+        }},
+       {"parameters",
+        [&](const Value& v) {
+          ReadNamed(v, [&](const std::string& section, const Value& names) {
+            MapInto(site.parameters[section], ReadParameter)(names);
+          });
+        }},
+       {"versions", ListInto(site.versions, ReadVersionRule)},
+       {"loginMessages", ListInto(site.loginMessages, ReadLoginMessage)},
+       {"annotationRequired",
+        [&](const Value& v) {
+          ReadArray(v, [&](const Value& item) { site.annotationRequired.insert(Text(item)); });
+        }},
+       {"users", MapInto(site.users, ReadUser)},
+       {"groups", MapInto(site.groups, ReadGroup)},
+       {"callback",
+        [&](const Value& v) {
+          ReadObject(v, {{"refuse", Into(site.callbackRefused)},
+                         {"message", Into(site.callbackMessage)},
+                         {"delayMs", Into(site.callbackDelay)}});
+        }},
+       {"faults", ListInto(site.faults, ReadFault)}});
+  CheckGroups(site, root);
+  return site;
+}
+
+json ParseSite(const std::string& text, const std::string& name) {
+  const auto shallow = [&name](int depth, json::parse_event_t, json&) {
+    if (depth > kDeepest) throw SiteError(name + ": nested too deeply");
+    return true;
+  };
+  try {
+    return json::parse(text, shallow, true, true);
+  } catch (const json::parse_error& error) {
+    const std::size_t end = std::min(error.byte == 0 ? 0 : error.byte - 1, text.size());
+    const auto line =
+        1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '\n');
+    const std::size_t start = end == 0 ? std::string::npos : text.rfind('\n', end - 1);
+    const std::size_t column = start == std::string::npos ? end + 1 : end - start;
+    throw SiteError(name + ":" + std::to_string(line) + ":" + std::to_string(column) +
+                    ": not JSON");
+  }
+}
+
+json ParseSiteFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  if (!file.is_open() || file.bad()) throw SiteError(path.string() + ": cannot be read");
+  return ParseSite(text, path.string());
+}
+
+}  // namespace vq::sim

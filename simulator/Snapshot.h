@@ -1,0 +1,31 @@
+// What the site says a user may do, in the forms of the wire.
+//
+// Thread contract: pure functions.
+#ifndef VQ_SIMULATOR_SNAPSHOT_H
+#define VQ_SIMULATOR_SNAPSHOT_H
+
+#include <string>
+#include <vector>
+
+#include <vq_idl/AuthorizationC.h>
+
+#include "Site.h"
+
+namespace vq::sim {
+
+QCSCorbaAuth2LvlSeq ToWire(const std::vector<Grant>& grants);
+QCSCorbaAuth2LvlSeq2 ServicesToWire(const std::vector<Grant>& grants);
+stringSeq ToWire(const std::vector<std::string>& texts);
+
+// The snapshot of the first generation. Empty: m_BrowseAccessJobs (nil), the directory's members
+// and the spare ones.
+QCSCorbaAuthorizationStruct MakeSnapshot(const Site& site, const User& user);
+
+// The criteria of all grants of a kind that let the user browse at least, each in parentheses and
+// joined by " OR ": the user's own grants, or the groups' where the user has none. Empty without
+// any.
+std::string MakeQuery(const Site& site, const User& user, GrantKind kind);
+
+}  // namespace vq::sim
+
+#endif  // VQ_SIMULATOR_SNAPSHOT_H

@@ -1,0 +1,325 @@
+#include "UsersManagerServant.h"
+
+#include <utility>
+
+#include "Snapshot.h"
+#include "Wire.h"
+
+namespace vq::sim {
+namespace {
+
+constexpr CORBA::Long kRefused = 0;
+constexpr CORBA::Long kRegistered = 1;
+constexpr CORBA::Long kExpired = 48;
+constexpr CORBA::Long kLocked = 49;
+constexpr CORBA::Long kAboutToExpire = 50;
+
+const std::string& FirstNotEmpty(const std::string& first, const std::string& second) {
+  return first.empty() ? second : first;
+}
+
+// The level that lets a user change other users' passwords.
+bool MayAdministrate(const Site& site, const User& user) {
+  return site.PrivilegeLevel(user, AUTHORIZATION_PRIV_TYPE) >= FULL_ACCESS;
+}
+
+QCSCorbaLMInfoSeq* ToWire(const std::vector<LoginMessage>& messages) {
+  auto* wire = new QCSCorbaLMInfoSeq;
+  wire->length(static_cast<CORBA::ULong>(messages.size()));
+  for (CORBA::ULong i = 0; i < wire->length(); ++i) {
+    (*wire)[i].severity = messages[i].severity.c_str();
+    (*wire)[i].message = messages[i].message.c_str();
+  }
+  return wire;
+}
+
+}  // namespace
+
+UsersManagerServant::UsersManagerServant(World& world, std::string kind, Callbacks& callbacks,
+                                         AuthorizationOf authorizationOf)
+    : PartOfUsersManager(world, std::move(kind)),
+      m_callbacks(callbacks),
+      m_authorizationOf(std::move(authorizationOf)) {}
+
+CORBA::Long UsersManagerServant::OpenSession(const Site& site, const std::string& name,
+                                             CORBA::ULong timeOut, Reply& reply) {
+  const User& user = *site.FindUser(name);
+  std::string id = site.userIdText.empty() ? RandomHex(site.userIdLength) : site.userIdText;
+  if (!m_world.sessions.Open(id, name, std::chrono::seconds(timeOut))) {
+    reply.message = "The server takes no more sessions.";
+    return kRefused;
+  }
+  reply.userId = std::move(id);
+  reply.dbUserName = FirstNotEmpty(user.dbUser, site.dbUser);
+  reply.loginMessages = site.loginMessages;
+  return kRegistered;
+}
+
+CORBA::Long UsersManagerServant::Register(Call& call, const char* userName, const char* password,
+                                          const char* newPassword, CORBA::ULong timeOut,
+                                          Reply& reply) {
+  const auto site = m_world.GetSite();
+  const Messages& texts = site->messages;
+  const Accounts::Verdict verdict = m_world.accounts.LogIn(*site, userName, password);
+  constexpr const char* kNames[] = {"unknown user", "locked", "wrong", "right"};
+  call.Note("verdict", kNames[static_cast<int>(verdict)]);
+  if (verdict == Accounts::Verdict::UnknownUser || verdict == Accounts::Verdict::Wrong) {
+    reply.message = texts.refused;
+    return kRefused;
+  }
+  const User& user = *site->FindUser(userName);
+  reply.userId = user.replyUserId;
+  if (verdict == Accounts::Verdict::Locked) {
+    reply.message = FirstNotEmpty(user.message, texts.locked);
+    return kLocked;
+  }
+  if (user.result) {
+    const bool opens = *user.result == kRegistered || *user.result == kAboutToExpire;
+    if (opens && OpenSession(*site, userName, timeOut, reply) != kRegistered) return kRefused;
+    reply.message = user.message;
+    return *user.result;
+  }
+  if (newPassword != nullptr) {
+    if (*newPassword == '\0') {
+      reply.message = texts.refused;
+      return kRefused;
+    }
+    m_world.accounts.ChangePassword(*site, userName, newPassword);
+  }
+  const Expiry expiry = m_world.accounts.ExpiryOf(*site, userName);
+  if (expiry == Expiry::Expired) {
+    reply.message = FirstNotEmpty(user.message, texts.expired);
+    return kExpired;
+  }
+  const CORBA::Long result = OpenSession(*site, userName, timeOut, reply);
+  if (result != kRegistered) return result;
+  if (expiry == Expiry::Soon) {
+    reply.message = FirstNotEmpty(user.message, texts.aboutToExpire);
+    return kAboutToExpire;
+  }
+  reply.message = texts.registered;
+  return kRegistered;
+}
+
+std::string_view UsersManagerServant::Form(const char* userName, const char* shown) {
+  return FormOf(shown, m_world.accounts.Encoded(*m_world.GetSite(), userName));
+}
+
+CORBA::Long UsersManagerServant::CRB_CheckUserPassword(const char* userName, const char* password,
+                                                       CORBA::String_out message) {
+  Call call = Begin("CRB_CheckUserPassword");
+  call.Argument("userName", userName).Secret("password", password, Form(userName, password));
+  std::string text;
+  const CORBA::Long result = call.Run(
+      [&]() -> CORBA::Long {
+        const auto site = m_world.GetSite();
+        const auto verdict = m_world.accounts.Check(*site, userName, password);
+        if (verdict == Accounts::Verdict::Right) return 1;
+        text =
+            verdict == Accounts::Verdict::Locked ? site->messages.locked : site->messages.refused;
+        return 0;
+      },
+      &text);
+  message = Dup(text);
+  return result;
+}
+
+CORBA::Long UsersManagerServant::CRB_UpdateUserPassword(const char* userName,
+                                                        const char* newPassword,
+                                                        const char* userId) {
+  Call call = Begin("CRB_UpdateUserPassword");
+  call.Argument("userName", userName)
+      .Secret("newPassword", newPassword, Form(userName, newPassword))
+      .Argument("userId", userId);
+  return call.Run([&]() -> CORBA::Long {
+    const auto site = m_world.GetSite();
+    const std::string asker = UserOf(m_world, userId);
+    Known(*site, userName);
+    if (asker != userName && !MayAdministrate(*site, Known(*site, asker))) {
+      throw USER_NOT_AUTHORIZED("The password is another user's.", "No FULL_ACCESS");
+    }
+    if (*newPassword == '\0') return 0;
+    m_world.accounts.ChangePassword(*site, userName, newPassword);
+    return 1;
+  });
+}
+
+void UsersManagerServant::Put(const Reply& reply, QCSCorbaLMInfoSeq_out loginMessages,
+                              CORBA::String_out message, CORBA::String_out userId,
+                              CORBA::String_out dbUserName) {
+  loginMessages = ToWire(reply.loginMessages);
+  message = Dup(reply.message);
+  userId = Dup(reply.userId);
+  dbUserName = Dup(reply.dbUserName);
+}
+
+CORBA::Long UsersManagerServant::CRB_Register(const char* userName, const char* password,
+                                              const char* hostName, const char* systemUserName,
+                                              const char* clientName, const char* clientVersion,
+                                              QCSCorbaLMInfoSeq_out loginMessages,
+                                              CORBA::ULong timeOut, CORBA::String_out message,
+                                              CORBA::String_out userId,
+                                              CORBA::String_out dbUserName) {
+  Call call = Begin("CRB_Register");
+  call.Argument("userName", userName)
+      .Secret("password", password, Form(userName, password))
+      .Argument("hostName", hostName)
+      .Argument("systemUserName", systemUserName)
+      .Argument("clientName", clientName)
+      .Argument("clientVersion", clientVersion)
+      .Argument("timeOut", timeOut);
+  Reply reply;
+  const CORBA::Long result = call.Run(
+      [&] { return Register(call, userName, password, nullptr, timeOut, reply); }, &reply.message);
+  Put(reply, loginMessages, message, userId, dbUserName);
+  return result;
+}
+
+CORBA::Long UsersManagerServant::CRB_RegisterAndUpdatePassword(
+    const char* userName, const char* password, const char* newPassword, const char* hostName,
+    const char* systemUserName, const char* clientName, const char* clientVersion,
+    QCSCorbaLMInfoSeq_out loginMessages, CORBA::ULong timeOut, CORBA::String_out message,
+    CORBA::String_out userId, CORBA::String_out dbUserName) {
+  Call call = Begin("CRB_RegisterAndUpdatePassword");
+  call.Argument("userName", userName)
+      .Secret("password", password, Form(userName, password))
+      .Secret("newPassword", newPassword, Form(userName, newPassword))
+      .Argument("hostName", hostName)
+      .Argument("systemUserName", systemUserName)
+      .Argument("clientName", clientName)
+      .Argument("clientVersion", clientVersion)
+      .Argument("timeOut", timeOut);
+  Reply reply;
+  const CORBA::Long result =
+      call.Run([&] { return Register(call, userName, password, newPassword, timeOut, reply); },
+               &reply.message);
+  Put(reply, loginMessages, message, userId, dbUserName);
+  return result;
+}
+
+CORBA::Long UsersManagerServant::CRB_Unregister(const char* userId) {
+  Call call = Begin("CRB_Unregister");
+  call.Argument("userId", userId);
+  return call.Run([&]() -> CORBA::Long {
+    m_callbacks.RemoveOf(userId);
+    return m_world.sessions.Close(userId) ? 1 : 0;
+  });
+}
+
+QCSCorbaAuthorization_ptr UsersManagerServant::CRB_AllocUserAuth(const char* userId) {
+  Call call = Begin("CRB_AllocUserAuth");
+  call.Argument("userId", userId);
+  QCSCorbaAuthorization_var object = call.Run(
+      [&] { return QCSCorbaAuthorization_var(m_authorizationOf(UserOf(m_world, userId))); });
+  return object._retn();
+}
+
+CORBA::Long UsersManagerServant::CRB_ClientKeepAlive(const char* userId) {
+  Call call = Begin("CRB_ClientKeepAlive");
+  call.Argument("userId", userId);
+  return call.Run([&]() -> CORBA::Long { return m_world.sessions.KeepAlive(userId) ? 1 : 0; });
+}
+
+CORBA::Long UsersManagerServant::CRB_ClientsKeepAlive(const stringSeq& userIds) {
+  Call call = Begin("CRB_ClientsKeepAlive");
+  call.Argument("userIds", ToJson(userIds));
+  return call.Run([&]() -> CORBA::Long {
+    bool all = true;
+    for (CORBA::ULong i = 0; i < userIds.length(); ++i) {
+      all = m_world.sessions.KeepAlive(userIds[i].in()) && all;
+    }
+    return all ? 1 : 0;
+  });
+}
+
+CORBA::Long UsersManagerServant::CRB_ResetTimeout(const char* userId, CORBA::ULong timeOut) {
+  Call call = Begin("CRB_ResetTimeout");
+  call.Argument("userId", userId).Argument("timeOut", timeOut);
+  return call.Run([&]() -> CORBA::Long {
+    return m_world.sessions.ResetTimeOut(userId, std::chrono::seconds(timeOut)) ? 1 : 0;
+  });
+}
+
+CORBA::Boolean UsersManagerServant::CRB_CheckCertificateExpiration(const char* userId,
+                                                                   CORBA::String_out message) {
+  Call call = Begin("CRB_CheckCertificateExpiration");
+  call.Argument("userId", userId);
+  std::string text;
+  const CORBA::Boolean result = call.Run(
+      [&]() -> CORBA::Boolean {
+        UserOf(m_world, userId);
+        return false;
+      },
+      &text);
+  message = Dup(text);
+  return result;
+}
+
+void UsersManagerServant::CRB_GetMyAuthorizationsFromMemory(
+    const char* userId, QCSCorbaAuthorization_out authorization,
+    QCSCorbaAuthorizationStruct_out details) {
+  Call call = Begin("CRB_GetMyAuthorizationsFromMemory");
+  call.Argument("userId", userId);
+  QCSCorbaAuthorization_var object;
+  QCSCorbaAuthorizationStruct_var snapshot;
+  call.Run([&] {
+    const auto site = m_world.GetSite();
+    const std::string name = UserOf(m_world, userId);
+    snapshot = new QCSCorbaAuthorizationStruct(MakeSnapshot(*site, Known(*site, name)));
+    object = m_authorizationOf(name);
+  });
+  authorization = object._retn();
+  details = snapshot._retn();
+}
+
+CORBA::Long UsersManagerServant::CRB_AquireChallenge(CORBA::String_out first,
+                                                     CORBA::String_out second) {
+  Call call = Begin("CRB_AquireChallenge");
+  Challenge challenge;
+  const CORBA::Long result = call.Run([&]() -> CORBA::Long {
+    const auto site = m_world.GetSite();
+    challenge = m_world.challenges.Acquire(site->challengesPending, site->challengeLifetime);
+    return 1;
+  });
+  first = Dup(challenge.first);
+  second = Dup(challenge.second);
+  return result;
+}
+
+CORBA::Long UsersManagerServant::CRB_VerifyClientServerVersion(const char* clientVersion,
+                                                               CORBA::String_out serverVersion) {
+  Call call = Begin("CRB_VerifyClientServerVersion");
+  call.Argument("clientVersion", clientVersion);
+  std::string version;
+  const CORBA::Long result = call.Run(
+      [&]() -> CORBA::Long {
+        const auto site = m_world.GetSite();
+        version = site->serverVersion;
+        for (const VersionRule& rule : site->versions) {
+          if (!std::string_view(clientVersion).starts_with(rule.client)) continue;
+          if (rule.missing) throw CORBA::BAD_OPERATION();
+          version = rule.server;
+          return rule.result;
+        }
+        return 1;
+      },
+      &version);
+  serverVersion = Dup(version);
+  return result;
+}
+
+CORBA::Boolean UsersManagerServant::CRB_TryCallback(CORBA::Long callbackId, CORBA::Long timeOut,
+                                                    CORBA::String_out message) {
+  Call call = Begin("CRB_TryCallback");
+  call.Argument("callbackId", callbackId).Argument("timeOut", timeOut);
+  std::string text;
+  const CORBA::Boolean result = call.Run(
+      [&]() -> CORBA::Boolean {
+        return m_callbacks.Ping(callbackId, std::chrono::milliseconds(timeOut), text);
+      },
+      &text);
+  message = Dup(text);
+  return result;
+}
+
+}  // namespace vq::sim

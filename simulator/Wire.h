@@ -1,0 +1,43 @@
+// Small steps between the wire's forms and the standard library's.
+#ifndef VQ_SIMULATOR_WIRE_H
+#define VQ_SIMULATOR_WIRE_H
+
+#include <string>
+
+#include <support/orb/Corba.h>
+#include <vq_idl/SharedTypesC.h>
+#include <nlohmann/json.hpp>
+
+#include "World.h"
+
+namespace vq::sim {
+
+// A copy for an out argument or a result; the ORB frees it.
+inline char* Dup(const std::string& text) {
+  return CORBA::string_dup(text.c_str());
+}
+
+// A list of texts for the log.
+inline nlohmann::ordered_json ToJson(const stringSeq& texts) {
+  auto json = nlohmann::ordered_json::array();
+  for (CORBA::ULong i = 0; i < texts.length(); ++i) json.push_back(std::string(texts[i]));
+  return json;
+}
+
+// The name of the session's user. Raises USER_NOT_FOUND when there is no such session.
+inline std::string UserOf(World& world, const char* userId) {
+  const auto user = world.sessions.UserOf(userId);
+  if (!user) throw USER_NOT_FOUND("The session is not known.", "No such user id");
+  return *user;
+}
+
+// The user of that name. Raises USER_NOT_FOUND when the site has none, or no more.
+inline const User& Known(const Site& site, const std::string& name) {
+  const User* user = site.FindUser(name);
+  if (user == nullptr) throw USER_NOT_FOUND("The user is not known.", "No such user");
+  return *user;
+}
+
+}  // namespace vq::sim
+
+#endif  // VQ_SIMULATOR_WIRE_H

@@ -1,0 +1,183 @@
+// vq_simulator: a server to try, demonstrate and test clients against. docs/simulator.md tells how.
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <pthread.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "Callbacks.h"
+#include "Control.h"
+#include "Naming.h"
+#include "Orb.h"
+#include "Server.h"
+#include "World.h"
+
+namespace {
+
+using namespace vq::sim;
+
+// Exit statuses. 86 (kDiedOnDemand) is what a fault ends with.
+enum Status { kDone = 0, kBadUse = 2, kNoNaming = 3, kNoOrb = 4, kNoFile = 5 };
+
+struct Arguments {
+  std::string site;
+  std::string server = "vqserver";
+  std::vector<std::string> kinds;
+  std::string log;
+  std::string readyFile;
+  std::string control;
+  OrbOptions orb;
+};
+
+// The ORB's own arguments, which are no options of this program.
+std::vector<std::string> TakeOrbArguments(std::vector<std::string>& arguments) {
+  std::vector<std::string> taken;
+  std::vector<std::string> rest;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (!arguments[i].starts_with("-ORB")) {
+      rest.push_back(arguments[i]);
+      continue;
+    }
+    taken.push_back(arguments[i]);
+    if (i + 1 < arguments.size()) taken.push_back(arguments[++i]);
+  }
+  arguments = rest;
+  return taken;
+}
+
+// Written beside its place and moved there, so that whoever waits for it finds it whole.
+void WriteReadyFile(const std::string& path, const Arguments& arguments, CORBA::ORB_ptr orb,
+                    const std::vector<std::unique_ptr<Server>>& servers) {
+  nlohmann::ordered_json ready = {{"pid", getpid()},
+                                  {"port", ListeningPort()},
+                                  {"server", arguments.server},
+                                  {"control", arguments.control}};
+  for (std::size_t i = 0; i < servers.size(); ++i) {
+    for (const auto& [service, object] : servers[i]->Services()) {
+      const CORBA::String_var ior = orb->object_to_string(object);
+      ready["iors"][arguments.kinds[i]][service] = ior.in();
+    }
+  }
+  const std::string draft = path + ".new";
+  {
+    std::ofstream file(draft);
+    file << ready.dump(2) << '\n';
+    if (!file.flush()) throw std::runtime_error(path + ": cannot be written");
+  }
+  std::filesystem::rename(draft, path);
+}
+
+// Serves until a signal says to stop. A hang-up makes it read the site anew.
+void ServeUntilTold(const sigset_t& signals, Control& control) {
+  for (int signal = 0; sigwait(&signals, &signal) == 0;) {
+    if (signal != SIGHUP) return;
+    std::cerr << "vq_simulator: reload: " << control.Execute(R"({"command":"reload"})") << '\n';
+  }
+}
+
+int Run(const Arguments& arguments, const sigset_t& signals) {
+  World world;
+  world.Load(ParseSiteFile(arguments.site), arguments.site);
+  if (!arguments.log.empty()) world.log.Open(arguments.log);
+
+  CORBA::ORB_var orb = StartOrb(arguments.orb);
+  Callbacks callbacks(world);
+  std::vector<std::unique_ptr<Server>> servers;
+  for (const std::string& kind : arguments.kinds) {
+    servers.push_back(
+        std::make_unique<Server>(orb, arguments.orb, world, callbacks, arguments.server, kind));
+  }
+  std::unique_ptr<Naming> naming;
+  int status = kDone;
+  try {
+    if (!arguments.orb.naming.empty()) {
+      naming = std::make_unique<Naming>(orb);
+      for (std::size_t i = 0; i < servers.size(); ++i) {
+        naming->Register(arguments.server, arguments.kinds[i], servers[i]->Services());
+      }
+    }
+    Control control(world, arguments.site);
+    if (!arguments.control.empty()) control.Start(arguments.control);
+    if (!arguments.readyFile.empty()) WriteReadyFile(arguments.readyFile, arguments, orb, servers);
+    ServeUntilTold(signals, control);
+  } catch (const CORBA::Exception& exception) {
+    std::cerr << "vq_simulator: the naming service at " << arguments.orb.naming
+              << " does not answer: " << exception._name() << '\n';
+    status = kNoNaming;
+  } catch (const std::exception& exception) {
+    std::cerr << "vq_simulator: " << exception.what() << '\n';
+    status = kNoFile;
+  }
+  world.Stop();
+  if (naming) naming->Unregister();
+  if (!arguments.readyFile.empty()) std::filesystem::remove(arguments.readyFile);
+  orb->shutdown(true);
+  orb->destroy();
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Arguments arguments;
+  std::vector<std::string> texts(argv + 1, argv + argc);
+  arguments.orb.rest = TakeOrbArguments(texts);
+  std::reverse(texts.begin(), texts.end());  // as CLI11 takes them
+
+  CLI::App app("A server of the suite, from one JSON file, for trying and testing clients.",
+               "vq_simulator");
+  app.set_version_flag("--version", VQ_VERSION);
+  app.add_option("--site", arguments.site, "what the server is like (JSON)")->required();
+  app.add_option(
+      "--naming", arguments.orb.naming,
+      "reference of the naming service, such as corbaloc::HOST:PORT/NameService; without "
+      "it the server registers nowhere");
+  app.add_option("--server", arguments.server, "the server's name in the naming service")
+      ->capture_default_str();
+  app.add_option("--kind", arguments.kinds, "a server kind to serve; may be repeated (GSR)");
+  app.add_option("--endpoint", arguments.orb.endpoint, "where to listen: iiop://[HOST][:PORT]")
+      ->capture_default_str();
+  app.add_flag("!--no-bidir", arguments.orb.bidirectional,
+               "do not accept calls back over a client's own connection");
+  app.add_option("--log", arguments.log, "file for what was asked and answered (JSON lines)");
+  app.add_option("--ready-file", arguments.readyFile,
+                 "file to write when serving: process, port, references");
+  app.add_option("--control", arguments.control, "UNIX socket that takes commands");
+  try {
+    app.parse(texts);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kBadUse;
+  }
+  if (arguments.kinds.empty()) arguments.kinds = {"GSR"};
+
+  // Every thread has these blocked; the main thread waits for them.
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, signal);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+
+  try {
+    return Run(arguments, signals);
+  } catch (const SiteError& error) {
+    std::cerr << "vq_simulator: " << error.what() << '\n';
+    return kBadUse;
+  } catch (const CORBA::Exception& exception) {
+    std::cerr << "vq_simulator: the ORB does not start on " << arguments.orb.endpoint << ": "
+              << exception._name() << '\n';
+    return kNoOrb;
+  } catch (const std::exception& error) {
+    std::cerr << "vq_simulator: " << error.what() << '\n';
+    return kNoFile;
+  }
+}
