@@ -1,0 +1,140 @@
+#include <vq_client_common/connectivity/ORBEndpoint.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <support/diagnostics/TDiag.h>
+
+namespace {
+
+using ::testing::ElementsAre;
+
+struct ParseCase {
+  const char* text;
+  bool accepted;
+  const char* written;
+  const char* message;  // the one line of level 2; empty for none
+};
+
+class ORBEndpointTest : public ::testing::Test {
+ protected:
+  ORBEndpointTest()
+      : m_sink(TDiag::Instance()->AddCallbackSink([this](const TDiagLine& line) {
+          if (line.level <= 4) m_lines.push_back(std::to_string(line.level) + " " + Text(line));
+        })) {
+    TDiag::Instance()->SetMinimumDebugLevel(4);
+  }
+  ~ORBEndpointTest() override {
+    TDiag::Instance()->RemoveSink(m_sink);
+    TDiag::Instance()->SetMinimumDebugLevel(1);
+  }
+  static std::string Text(const TDiagLine& line) { return std::string(line.text); }
+
+  std::vector<std::string> m_lines;
+
+ private:
+  TDiag::SinkId m_sink;
+};
+
+TEST_F(ORBEndpointTest, ParsesWhatItCanAndSaysWhatItRefuses) {
+  const ParseCase cases[] = {
+      {"", true, "iiop:///reuse_addr=0", ""},
+      {"iiop://", true, "iiop:///reuse_addr=0", ""},
+      {"iiop://host:5000/ssl_port=5001&portspan=10", true,
+       "iiop://host:5000/ssl_port=5001&portspan=10&reuse_addr=0", ""},
+      {"iiop://host/reuse_addr=1", true, "iiop://host", ""},
+      {"iiop://host/reuse_addr=1&", true, "iiop://host", ""},
+      {"iiop://host/reuse_addr=1&hostname_in_ior=a", true, "iiop://host/hostname_in_ior=a", ""},
+      {"iiop://host/hostname_in_ior=", true, "iiop://host/reuse_addr=0", ""},
+      {"iiop://host:0", false, "iiop://host/reuse_addr=0", "0 is not a valid port number."},
+      {"iiop://host:", false, "iiop://host/reuse_addr=0", " is not a valid port number."},
+      {"iiop://::1", false, "iiop:///reuse_addr=0", ":1 is not a valid port number."},
+      {"iiop://host:5000/portspan=10", false, "iiop://host:5000/reuse_addr=0",
+       "It's impossible to use a port range with no base port..."},
+      {"iiop://host:5000/portspan=10&ssl_port=5001", false,
+       "iiop://host:5000/ssl_port=5001&reuse_addr=0",
+       "It's impossible to use a port range with no base port..."},
+      {"iiop://host:5000/ssl_port=5001&portspan=0", false,
+       "iiop://host:5000/ssl_port=5001&reuse_addr=0", "portspan=0 is not a valid port span."},
+      {"iiop://host/ssl_port=x&reuse_addr=1", false, "iiop://host",
+       "ssl_port=x is not a valid SSL port number."},
+      {"iiop://host/foo=1", false, "iiop://host/reuse_addr=0",
+       "Ignoring invalid/unidentified Endpoint option: foo=1"},
+      {"iiop://host/&reuse_addr=1", false, "iiop://host",
+       "Ignoring invalid/unidentified Endpoint option: "},
+      // What stands before the seventh character is dropped, whatever it is.
+      {"corba://host:5000", false, "iiop:///reuse_addr=0",
+       "Ignoring invalid/unidentified Endpoint option: host:5000"},
+      {"1234567host:5000", true, "iiop://host:5000/reuse_addr=0", ""},
+      {"iiop://:99999999999", true, "iiop://:2147483647/reuse_addr=0", ""},
+  };
+  for (const ParseCase& test : cases) {
+    SCOPED_TRACE(test.text);
+    m_lines.clear();
+    ORBEndpoint endpoint;
+    EXPECT_EQ(endpoint.fromString(test.text), test.accepted);
+    EXPECT_EQ(endpoint.toString(), test.written);
+    if (test.accepted) {
+      EXPECT_THAT(m_lines, ElementsAre());
+    } else {
+      EXPECT_THAT(m_lines, ElementsAre(std::string("2 ") + test.message));
+    }
+  }
+}
+
+// The text after a ";" is cut by positions counted on the whole text.
+TEST_F(ORBEndpointTest, CutsAtTheSemicolonByItsOwnArithmetic) {
+  ORBEndpoint endpoint;
+  EXPECT_TRUE(endpoint.fromString("iiop://h;1234567"));  // the body is "h;123456"
+  EXPECT_EQ(endpoint.getHostname(), "h;123456");
+  EXPECT_THAT(m_lines, ElementsAre("4 Ignoring extra unidentified Endpoint information: "));
+  EXPECT_TRUE(endpoint.fromString("iiop://h/hostname_in_ior=a;123456"));
+  EXPECT_EQ(endpoint.getHostInIOR(), "a;123456");
+
+  for (const char* text : {"iiop://h;12345", "iiop://h;", "iiop://;", ";", "iiop:/", "x"}) {
+    try {
+      endpoint.fromString(text);
+      ADD_FAILURE() << text;
+    } catch (const std::out_of_range& e) {
+      EXPECT_STREQ(e.what(), "invalid string position") << text;
+    }
+  }
+  EXPECT_EQ(endpoint.getHostInIOR(), "a;123456");
+}
+
+TEST_F(ORBEndpointTest, TheConstructorWantsTheProtocolAnywhere) {
+  // Seven characters are dropped wherever the protocol stands.
+  EXPECT_EQ(ORBEndpoint("12iiop://host").toString(), "iiop:///reuse_addr=0");
+  EXPECT_THAT(m_lines, ElementsAre("2 Ignoring invalid/unidentified Endpoint option: /host"));
+  m_lines.clear();
+  EXPECT_EQ(ORBEndpoint("").toString(), "iiop:///reuse_addr=0");
+  EXPECT_EQ(ORBEndpoint("host:5000").getHostname(), "");
+  EXPECT_THAT(m_lines, ElementsAre("2 Failed to identify ORBEndpoint from: ",
+                                   "2 Failed to identify ORBEndpoint from: host:5000"));
+}
+
+TEST_F(ORBEndpointTest, ChangesThePublishedHost) {
+  ORBEndpoint endpoint("iiop://host:5000");
+  endpoint.setHostInIOR("10.0.0.1", true);
+  EXPECT_EQ(endpoint.toString(), "iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0");
+  endpoint.setHostname("kept");
+  endpoint.setHostInIOR("", false);
+  EXPECT_EQ(endpoint.toString(), "iiop://kept:5000/reuse_addr=0");
+}
+
+TEST_F(ORBEndpointTest, TheDefaultEndpointReusesAddressesAndNamesNothing) {
+  ORBEndpoint endpoint;
+  EXPECT_FALSE(endpoint.isDefault());
+  endpoint.setReuseAddr(1);
+  EXPECT_TRUE(endpoint.isDefault());
+  endpoint.setPortOptions({0, 0, 7});
+  EXPECT_TRUE(endpoint.isDefault());
+  endpoint.setPortOptions({0, 5001, 0});
+  EXPECT_FALSE(endpoint.isDefault());
+}
+
+}  // namespace

@@ -1,0 +1,17 @@
+// One address of this machine under which a server may reach it.
+#ifndef VQ_CLIENT_COMMON_CONNECTIVITY_IPADDRESSINFO_H
+#define VQ_CLIENT_COMMON_CONNECTIVITY_IPADDRESSINFO_H
+
+#include <cstdint>
+#include <string>
+
+// Thread contract: a plain value. The library fills the two texts; the two last members are for
+// the client program, to note what it found out about the address.
+struct IPAddressInfo {
+  std::string ipAddress;
+  std::string hostName;
+  bool isTested = false;
+  std::int32_t roundTrip = 0;
+};
+
+#endif  // VQ_CLIENT_COMMON_CONNECTIVITY_IPADDRESSINFO_H

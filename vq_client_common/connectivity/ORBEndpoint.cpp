@@ -1,0 +1,139 @@
+#include <vq_client_common/connectivity/ORBEndpoint.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <sstream>
+#include <stdexcept>
+#include <string_view>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/os_toolkit/Atoi.h>
+
+namespace {
+
+TDiagRegister diagModule("ORBEndpoint");
+
+constexpr std::string_view kProtocol = "iiop://";
+constexpr std::string_view kPortSpan = "portspan=";
+constexpr std::string_view kSslPort = "ssl_port=";
+constexpr std::string_view kHostInIOR = "hostname_in_ior=";
+constexpr std::string_view kReuseAddr = "reuse_addr=";
+
+// std::string::substr with the one text that callers may know this failure by.
+std::string Piece(const std::string& text, std::size_t from, std::size_t count) {
+  if (from > text.size()) throw std::out_of_range("invalid string position");
+  return text.substr(from, count);
+}
+
+}  // namespace
+
+ORBEndpoint::ORBEndpoint(const std::string& text) {
+  if (text.find(kProtocol) == std::string::npos) {
+    VQ_LOG(diagModule, 2) << "Failed to identify ORBEndpoint from: " << text;
+    return;
+  }
+  fromString(text);
+}
+
+bool ORBEndpoint::fromString(const std::string& text) {
+  const TDiagFunc diag(diagModule, "ORBEndpoint::fromString");
+  if (text.empty()) return true;
+
+  // What stands in the place of "iiop://" is meant to be dropped unseen.
+  const std::size_t semicolon = text.find(';');
+  std::string body = Piece(text, kProtocol.size(), semicolon);
+  if (semicolon != std::string::npos) {
+    // Both positions are meant to be counted on the whole text, so that the body takes in the ";"
+    // and up to 6 characters after it and the extra part comes out empty or raises. Endpoints in
+    // use rely on what that leaves of them.
+    m_extra = Piece(body, semicolon, std::string::npos);
+    VQ_LOG(diag, 4) << "Ignoring extra unidentified Endpoint information: " << m_extra;
+  }
+
+  std::string options;
+  if (const std::size_t slash = body.find('/'); slash != std::string::npos) {
+    options = body.substr(slash + 1);
+    body.resize(slash);
+  }
+
+  bool accepted = true;
+  const std::size_t colon = body.find(':');
+  m_hostname = body.substr(0, colon);
+  if (colon != std::string::npos) {
+    const std::string portText = body.substr(colon + 1);
+    const int port = vq::Atoi(portText);
+    if (port < 1) {
+      VQ_LOG(diag, 2) << portText << " is not a valid port number.";
+      accepted = false;
+    } else {
+      m_portOptions.port = port;
+    }
+  }
+
+  for (std::size_t begin = 0; begin < options.size();) {
+    const std::size_t end = std::min(options.find('&', begin), options.size());
+    if (!identifyFlag(options.substr(begin, end - begin))) accepted = false;
+    begin = end + 1;
+  }
+  return accepted;
+}
+
+bool ORBEndpoint::identifyFlag(const std::string& option) {
+  const TDiagFunc diag(diagModule, "ORBEndpoint::identifyFlag");
+  const auto value = [&](std::string_view literal) {
+    return vq::Atoi(std::string_view(option).substr(literal.size()));
+  };
+  if (option.starts_with(kSslPort)) {
+    if (const int port = value(kSslPort); port > 0) {
+      m_portOptions.sslPort = port;
+      return true;
+    }
+    VQ_LOG(diag, 2) << option << " is not a valid SSL port number.";
+  } else if (option.starts_with(kHostInIOR)) {
+    m_hostInIOR = option.substr(kHostInIOR.size());
+    return true;
+  } else if (option.starts_with(kPortSpan)) {
+    if (m_portOptions.port == 0 || m_portOptions.sslPort == 0) {
+      VQ_LOG(diag, 2) << "It's impossible to use a port range with no base port...";
+    } else if (const int span = value(kPortSpan); span > 0) {
+      m_portOptions.portSpan = span;
+      return true;
+    } else {
+      VQ_LOG(diag, 2) << option << " is not a valid port span.";
+    }
+  } else if (option.starts_with(kReuseAddr)) {
+    m_reuseAddr = value(kReuseAddr);
+    return true;
+  } else {
+    VQ_LOG(diag, 2) << "Ignoring invalid/unidentified Endpoint option: " << option;
+  }
+  return false;
+}
+
+std::string ORBEndpoint::toString() const {
+  std::ostringstream text;
+  text << kProtocol << m_hostname;
+  if (m_portOptions.port != 0) text << ':' << m_portOptions.port;
+  char separator = '/';
+  const auto option = [&](bool applies, std::string_view literal, const auto& value) {
+    if (!applies) return;
+    text << separator << literal << value;
+    separator = '&';
+  };
+  option(m_portOptions.sslPort != 0, kSslPort, m_portOptions.sslPort);
+  option(m_portOptions.portSpan != 0, kPortSpan, m_portOptions.portSpan);
+  option(!m_hostInIOR.empty(), kHostInIOR, m_hostInIOR);
+  option(m_reuseAddr == 0, kReuseAddr, 0);
+  if (!m_extra.empty()) text << ';' << m_extra;
+  return text.str();
+}
+
+bool ORBEndpoint::isDefault() const {
+  return m_reuseAddr != 0 && m_portOptions.port == 0 && m_portOptions.sslPort == 0 &&
+         m_hostname.empty() && m_hostInIOR.empty() && m_extra.empty();
+}
+
+void ORBEndpoint::setHostInIOR(const std::string& host, bool clearHostname) {
+  m_hostInIOR = host;
+  if (clearHostname) m_hostname.clear();
+}

@@ -1,0 +1,248 @@
+#include <vq_client_common/connectivity/TroubleshootConnection.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <limits>
+#include <list>
+#include <memory>
+#include <stdexcept>
+
+#include <support/configuration/ConfigAPI.h>
+#include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/diagnostics/TDiag.h>
+#include <support/foundations/Locations.h>
+#include <support/foundations/ReplaceFirst.h>
+#include <support/orb/CorbaText.h>
+#include <support/orb/OrbProduct.h>
+#include <support/orb/OwnAddresses.h>
+#include <support/orb/QCSOrbCommon.h>
+#include <support/orb/ReferenceAddress.h>
+#include <vq_client_common/connectivity/ORBEndpoint.h>
+#include <vq_client_common/connectivity/TestCallbackI.h>
+#include <vq_client_common/connectivity/internal/DomainTrial.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/LoginHandler.h>
+#include <vq_idl/CallbackRepositoryC.h>
+#include <vq_idl/UsersManagerC.h>
+
+namespace {
+
+TDiagRegister diagModule("TroubleshootConnection");
+
+using vq::connectivity::kBiDirPolicy;
+using vq::connectivity::kDefaultScope;
+using vq::connectivity::kListenEndpoints;
+using vq::connectivity::kOwnAddressMark;
+using vq::connectivity::kPreferIPMask;
+
+// One callback registration on the server, withdrawn when it goes.
+class Registration {
+ public:
+  Registration(CrbCallbackRepository::_ptr_type repository, const std::string& userId,
+               CORBA::Object_ptr callback)
+      : m_repository(CrbCallbackRepository::_duplicate(repository)),
+        m_id(repository->CRB_RegisterCallback(userId.c_str(), callback, true)) {}
+  ~Registration() {
+    try {
+      m_repository->CRB_UnregisterCallbackById(m_id);
+    } catch (const CORBA::Exception& e) {
+      VQ_LOG(diagModule, 2) << "The test callback " << m_id << " stays registered: " << e;
+    }
+  }
+  Registration(const Registration&) = delete;
+  Registration& operator=(const Registration&) = delete;
+
+  CORBA::Long Id() const { return m_id; }
+
+ private:
+  CrbCallbackRepository_var m_repository;
+  CORBA::Long m_id;
+};
+
+CORBA::Long AsLong(long value) {
+  constexpr long kLowest = std::numeric_limits<CORBA::Long>::min();
+  constexpr long kHighest = std::numeric_limits<CORBA::Long>::max();
+  return static_cast<CORBA::Long>(std::clamp(value, kLowest, kHighest));
+}
+
+std::string SendFailure(const CORBA::SystemException& exception) {
+  std::string text = "Failed to send test callback object to GSR - %s (%s)";
+  const std::string reason = vq::orb::MinorCodeName(exception);
+  vq::ReplaceFirst(text, "%s", exception._name());
+  vq::ReplaceFirst(text, "%s",
+                   reason.empty() ? "minor code " + std::to_string(exception.minor()) : reason);
+  return text;
+}
+
+bool TryCallback(QCSOrbCommon& orb, std::string& error, long& roundTripMs, long timeout) {
+  const TDiagFunc diag(diagModule, "TroubleshootConnection::TestCallback");
+  const std::string server = ConnectionSettings::Get()->GetServerName();
+  CORBA::Object_var object = orb.Bind(server, "GSR", "UsersManager", false);
+  QCSCorbaUsersManager_var users = QCSCorbaUsersManager::_narrow(object.in());
+  object = orb.Bind(server, "GSR", "CallbackRepository", false);
+  CrbCallbackRepository_var repository = CrbCallbackRepository::_narrow(object.in());
+  if (CORBA::is_nil(users.in()) || CORBA::is_nil(repository.in())) {
+    throw CORBA::INV_OBJREF(0, CORBA::COMPLETED_NO);
+  }
+
+  const ServantPtr<TestCallbackI> servant(new TestCallbackI(orb.GetChildPoa()));
+  const Registration registration(repository.in(), LoginHandler::GetGlobal()->GetUserID(),
+                                  servant->GetReference());
+
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  CORBA::String_var message;
+  const bool reached = users->CRB_TryCallback(registration.Id(), AsLong(timeout), message.out());
+  const auto taken =
+      std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+  if (reached && servant->WasCalledBack()) {
+    roundTripMs = static_cast<long>(taken);
+    VQ_LOG(diag, 4) << "GSR called me back, round-trip time: " << roundTripMs;
+    return true;
+  }
+  error = message.in();
+  VQ_LOG(diag, 1) << "GSR failed to call me back - " << error;
+  return false;
+}
+
+// Loads the configuration domain; null when that fails.
+std::unique_ptr<ConfigAPI> LoadDomain(const TDiagFunc& diag) {
+  const std::string name = GetConfigDomainName();
+  std::unique_ptr<ConfigAPI> domain = ConfigAPIFactoryXML::Create(GetConfigDomainsDir(), name);
+  if (!domain->Load()) {
+    VQ_LOG(diag, 1) << "Failed to load configuration domain: " << name;
+    VQ_LOG(diag, 2) << domain->Error();
+    return nullptr;
+  }
+  VQ_LOG(diag, 4) << "Loaded configuration domain: " << name;
+  return domain;
+}
+
+// Gives one scope the new published host. `defaultEndpoint` is that of the scope "default", which
+// comes first.
+void PublishInScope(ConfigAPI& domain, const std::string& scope, const std::string& publishedHost,
+                    std::string& defaultEndpoint) {
+  const bool isDefault = scope == kDefaultScope;
+  const std::optional<std::string> value = domain.GetVar(scope, kListenEndpoints);
+  if (value || isDefault) {
+    std::string endpoint = value.value_or("");
+    TroubleshootConnection::TransformEndpoint(endpoint, publishedHost);
+    if (isDefault) defaultEndpoint = endpoint;
+    if (endpoint.empty() || (!isDefault && endpoint == defaultEndpoint)) {
+      domain.RemoveVar(scope, kListenEndpoints);  // It inherits the value of "default".
+    } else {
+      domain.SetVar(scope, kListenEndpoints, endpoint);
+    }
+  }
+  if (!isDefault) domain.RemoveVar(scope, kBiDirPolicy);
+}
+
+}  // namespace
+
+long TroubleshootConnection::m_lTimeout4CB = 5000;
+
+void TroubleshootConnection::IdentifyIPAddresses(std::vector<IPAddressInfo*>& list,
+                                                 unsigned int& defaultIndex) {
+  const TDiagFunc diag(diagModule, "TroubleshootConnection::IdentifyIPAddresses");
+  std::vector<vq::orb::OwnAddress> addresses;
+  if (const int error = vq::orb::FindOwnAddresses(addresses); error != 0) {
+    VQ_LOG(diag, 1) << "Failed to get_ip_interfaces. errno " << error;
+    return;
+  }
+  bool hasDefault = false;
+  for (std::size_t i = 0; i < addresses.size(); ++i) {
+    const std::string& address = addresses[i].text;
+    const std::string name = vq::orb::HostNameOf(address);
+    VQ_LOG(diag, 4) << "Identified IP address [" << i + 1 << "] " << address
+                    << " associated to hostname '" << name << "'";
+    if (addresses[i].isLoopback) continue;
+    if (!hasDefault) {
+      hasDefault = true;
+      defaultIndex = static_cast<unsigned int>(list.size());
+      VQ_LOG(diag, 4) << "The default IP address is " << address;
+    }
+    auto info = std::make_unique<IPAddressInfo>();
+    info->ipAddress = address;
+    info->hostName = name;
+    list.push_back(info.get());
+    info.release();
+  }
+}
+
+void TroubleshootConnection::TransformEndpoint(std::string& endpoint,
+                                               const std::string& hostInIOR) {
+  ORBEndpoint parsed;
+  try {
+    parsed.fromString(endpoint);
+  } catch (const std::out_of_range& e) {
+    VQ_LOG(diagModule, 1) << "The endpoint '" << endpoint << "' stays as it is: " << e.what();
+    return;
+  }
+  parsed.setHostInIOR(hostInIOR, true);
+  endpoint = parsed.toString();
+}
+
+bool TroubleshootConnection::ORBConfigure(const std::string& address, bool biDir, bool isMask) {
+  const TDiagFunc diag(diagModule, "TroubleshootConnection::ORBConfigure");
+  const std::unique_ptr<ConfigAPI> domain = LoadDomain(diag);
+  if (domain == nullptr) return false;
+  VQ_LOG(diag, 4) << "Going to publish: " << address << (isMask ? " (IP mask)" : "");
+  if (isMask) domain->SetVar(kDefaultScope, kPreferIPMask, address);
+  domain->SetVar(kDefaultScope, kBiDirPolicy, biDir ? "1" : "0");
+  std::string defaultEndpoint;
+  for (const std::string& scope : domain->GetScopes()) {
+    PublishInScope(*domain, scope, isMask ? kOwnAddressMark : address, defaultEndpoint);
+  }
+  // A failure is meant to go unnoticed by the caller, who asks for the settings at the next start.
+  if (!domain->Save()) VQ_LOG(diag, 2) << domain->Error();
+  VQ_LOG(diag, 4) << "Saved configuration domain: " << GetConfigDomainName();
+  return true;
+}
+
+bool TroubleshootConnection::ORBInitAndTestCallback(bool biDir, const std::string& address,
+                                                    long& roundTripMs, bool isMask) {
+  const TDiagFunc diag(diagModule, "TroubleshootConnection::ORBInitAndTestCallback");
+  const std::unique_ptr<ConfigAPI> domain = LoadDomain(diag);
+  if (domain == nullptr) return false;
+  const vq::connectivity::TrialScope scope(*domain, biDir, address, isMask);
+  if (!scope.IsSaved()) return false;
+  const vq::connectivity::TrialOrb orb(scope.Name());
+  if (!orb.IsUp()) return false;
+  std::string error;
+  const bool reached = TestCallback(orb.Get(), error, roundTripMs, m_lTimeout4CB);
+  VQ_LOG(diag, 4) << "TestCallback " << (reached ? "succeeded" : "failed") << " using: " << address;
+  return reached;
+}
+
+bool TroubleshootConnection::TestCallback(QCSOrbCommon* orb, std::string& error, long& roundTripMs,
+                                          long timeout) {
+  const TDiagFunc diag(diagModule, "TroubleshootConnection::TestCallback");
+  try {
+    if (orb == nullptr) throw CORBA::BAD_PARAM(0, CORBA::COMPLETED_NO);
+    return TryCallback(*orb, error, roundTripMs, timeout);
+  } catch (const CORBA::SystemException& e) {
+    VQ_LOG(diag, 1) << "Failed with CORBA exception: " << e;
+    error = SendFailure(e);
+  } catch (const CORBA::Exception& e) {
+    VQ_LOG(diag, 1) << "CORBA::Exception: " << e;
+  }
+  return false;
+}
+
+bool TroubleshootConnection::GetNetworkInterface4Server(CORBA::Object_ptr server, std::string& host,
+                                                        std::string& port, SERVER_ID) {
+  vq::orb::ReferenceAddress address;
+  const vq::orb::AddressFault fault = vq::orb::AddressOf(server, address);
+  if (fault != vq::orb::AddressFault::kNone) {
+    VQ_LOG(diagModule, 1) << vq::orb::AddressFaultText(fault);
+    return false;
+  }
+  // The split at the first ":" is meant, although it cuts an IPv6 address: client programs show
+  // the two pieces joined by ":" again.
+  const std::string text = address.host + ":" + address.port;
+  const std::size_t colon = text.find(':');
+  host = text.substr(0, colon);
+  port = text.substr(colon + 1);
+  return true;
+}
