@@ -46,8 +46,10 @@ std::span<const GrantIndex::Entry> GrantIndex::Bucket(std::uint32_t bucket) cons
                                       m_bucketStarts[bucket + 1] - m_bucketStarts[bucket]);
 }
 
-bool GrantIndex::Fits(const Term& term, const BoundObject& object) const {
-  const auto matchings = std::span(m_matchings).subspan(term.firstMatching, term.matchings);
+bool GrantIndex::Fits(std::uint32_t term, const BoundObject& object) const {
+  const std::uint32_t first = m_terms[term].firstMatching;
+  const auto matchings =
+      std::span(m_matchings).subspan(first, m_terms[term + 1].firstMatching - first);
   return std::all_of(matchings.begin(), matchings.end(), [&](const Matching& matching) {
     const std::string_view value = object.Values()[matching.field];
     return value.data() != nullptr && MatchesValue(matching.op, matching.value, value);
@@ -102,7 +104,7 @@ int GrantIndex::HighestFitting(const QCSObject& object) const {
   LookThrough(bound, [&](std::span<const Entry> entries) {
     for (const Entry& entry : entries) {
       if (entry.level <= highest) break;
-      if (Fits(m_terms[entry.term], bound)) {
+      if (Fits(entry.term, bound)) {
         highest = entry.level;
         break;
       }
@@ -117,8 +119,7 @@ bool GrantIndex::AnyFitting(const QCSObject& object,
   const BoundObject bound(*this, object);
   return LookThrough(bound, [&](std::span<const Entry> entries) {
     return std::any_of(entries.begin(), entries.end(), [&](const Entry& entry) {
-      const Term& term = m_terms[entry.term];
-      return Fits(term, bound) && accept(term.grant);
+      return Fits(entry.term, bound) && accept(m_terms[entry.term].grant);
     });
   });
 }

@@ -83,9 +83,9 @@ class GrantIndex {
     SelectionOperator op;
   };
   struct Term {
-    std::uint32_t firstMatching;
-    std::uint32_t matchings;
+    std::uint32_t firstMatching;  // its matchings end where the next term's begin
     std::uint32_t grant;
+    std::uint32_t bucket;
     std::uint8_t level;
   };
   struct Entry {
@@ -109,14 +109,14 @@ class GrantIndex {
   template <class Look>
   bool LookUp(std::uint64_t hash, Look& look) const;
   std::span<const Entry> Bucket(std::uint32_t bucket) const;
-  bool Fits(const Term& term, const BoundObject& object) const;
+  bool Fits(std::uint32_t term, const BoundObject& object) const;
 
   std::string m_text;                  // all criteria, one after the other
   std::deque<std::string> m_unquoted;  // the values that are written with doubled quotes
   std::vector<Grant> m_grants;         // into m_text
   std::vector<Refused> m_refused;
   std::vector<Matching> m_matchings;  // into m_text or m_unquoted
-  std::vector<Term> m_terms;
+  std::vector<Term> m_terms;          // and one more, where the matchings end
   std::unordered_map<std::string_view, std::uint32_t> m_fieldNumbers;
   std::vector<FieldKeys> m_fields;
   KeyFilter m_filter;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <span>
 #include <utility>
 
 #include <support/selection/Wildcard.h>
@@ -17,8 +19,7 @@ void GrantIndex::Builder::Build() {
   m_index.m_terms.reserve(grants + grants / 8);
   m_index.m_matchings.reserve(grants + grants / 4);
   for (std::uint32_t grant = 0; grant < grants; ++grant) Parse(grant);
-  CollectCandidates();
-  ChooseBuckets();
+  FileTerms();
   LayOutBuckets();
 }
 
@@ -35,25 +36,56 @@ void GrantIndex::Builder::CopyTexts() {
 }
 
 void GrantIndex::Builder::Parse(std::uint32_t grant) {
+  const std::string_view criteria = m_index.m_grants[grant].criteria;
   const std::size_t terms = m_index.m_terms.size();
   const std::size_t matchings = m_index.m_matchings.size();
   m_grant = grant;
+  if (ParseByHead(criteria)) return;
   SelectionParseError error;
-  if (ParseSelection(m_index.m_grants[grant].criteria, *this, error)) return;
+  if (ParseSelection(criteria, *this, error)) {
+    const bool isOneMatching =
+        m_index.m_matchings.size() == matchings + 1 && m_index.m_terms.size() == terms + 1;
+    if (isOneMatching) LearnHead(criteria);
+    return;
+  }
   m_index.m_terms.resize(terms);
   m_index.m_matchings.resize(matchings);
   m_index.m_refused.push_back({grant, std::move(error)});
 }
 
+// Most grants of a user say the same of different values. The steps of the parser up to the value's
+// opening quote depend on nothing behind it, so they need not be taken again.
+bool GrantIndex::Builder::ParseByHead(std::string_view criteria) {
+  for (const Head& head : m_heads) {
+    if (head.text.empty() || !criteria.starts_with(head.text)) continue;
+    const std::string_view rest = criteria.substr(head.text.size());
+    const std::size_t quote = rest.find('\'');
+    if (quote == std::string_view::npos || quote + 1 != rest.size()) return false;
+    BeginTerm();
+    m_index.m_matchings.push_back({rest.substr(0, quote), head.field, head.op});
+    return true;
+  }
+  return false;
+}
+
+// Called when the criteria are one term of one matching.
+void GrantIndex::Builder::LearnHead(std::string_view criteria) {
+  const Matching& matching = m_index.m_matchings.back();
+  const std::string_view value = matching.value;
+  const std::size_t headLength = criteria.size() - std::min(criteria.size(), value.size() + 1);
+  if (value.data() != criteria.data() + headLength) return;  // brackets, or doubled quotes
+  m_heads[m_nextHead] = {criteria.substr(0, headLength), matching.field, matching.op};
+  m_nextHead = (m_nextHead + 1) % m_heads.size();
+}
+
 void GrantIndex::Builder::BeginTerm() {
-  m_index.m_terms.push_back({static_cast<std::uint32_t>(m_index.m_matchings.size()), 0, m_grant,
-                             m_index.m_grants[m_grant].level});
+  m_index.m_terms.push_back({static_cast<std::uint32_t>(m_index.m_matchings.size()), m_grant,
+                             kAlways, m_index.m_grants[m_grant].level});
 }
 
 void GrantIndex::Builder::OnMatching(const SelectionToken& field, SelectionOperator op,
                                      const SelectionToken& value) {
   m_index.m_matchings.push_back({Unquoted(value), FieldNumber(field), op});
-  ++m_index.m_terms.back().matchings;
 }
 
 std::string_view GrantIndex::Builder::Unquoted(const SelectionToken& token) {
@@ -74,53 +106,68 @@ std::uint32_t GrantIndex::Builder::FieldNumber(const SelectionToken& field) {
   return m_lastField;
 }
 
-void GrantIndex::Builder::CollectCandidates() {
-  const std::size_t expected = m_index.m_matchings.size() + m_index.m_matchings.size() / 8;
-  m_candidates.reserve(expected);
-  m_candidateEnds.reserve(m_index.m_terms.size());
-  for (const Term& term : m_index.m_terms) {
-    const std::size_t first = m_candidates.size();
-    for (std::uint32_t i = 0; i < term.matchings; ++i) {
-      OfferKeys(m_index.m_matchings[term.firstMatching + i]);
+void GrantIndex::Builder::FileTerms() {
+  m_index.m_table.Reserve(m_index.m_matchings.size());
+  m_index.m_filter.Reset(m_index.m_terms.size());
+  m_offers.reserve(m_index.m_matchings.size() + 1);
+  m_offers.push_back(0);  // kAlways
+  const auto terms = static_cast<std::uint32_t>(m_index.m_terms.size());
+  m_index.m_terms.push_back(
+      {static_cast<std::uint32_t>(m_index.m_matchings.size()), 0, kAlways, 0});
+
+  for (std::uint32_t term = 0; term < terms; ++term) {
+    const std::uint32_t first = m_index.m_terms[term].firstMatching;
+    const std::uint32_t end = m_index.m_terms[term + 1].firstMatching;
+    if (first == end) continue;  // stays in kAlways
+    const std::size_t keys = m_keys.size();
+    for (std::uint32_t i = first; i < end; ++i) OfferKeys(m_index.m_matchings[i]);
+    if (m_keys.size() == keys) Offer(KeyKind::Presence, m_index.m_matchings[first].field, {});
+    if (m_keys.size() == keys + 1) {
+      FileUnder(m_keys.back(), term);
+      m_keys.pop_back();
+    } else {
+      m_openTerms.push_back({term, m_keys.size()});
     }
-    if (m_candidates.size() == first && term.matchings > 0) {
-      const std::uint32_t field = m_index.m_matchings[term.firstMatching].field;
-      Offer(KeyKind::Presence, field, {});
-    }
-    m_candidateEnds.push_back(static_cast<std::uint32_t>(m_candidates.size()));
+  }
+
+  auto first = m_keys.begin();
+  for (const OpenTerm& open : m_openTerms) {
+    const auto end = m_keys.begin() + static_cast<std::ptrdiff_t>(open.keysEnd);
+    FileUnder(*std::min_element(first, end,
+                                [this](const Key& a, const Key& b) {
+                                  return m_offers[a.bucket] < m_offers[b.bucket];
+                                }),
+              open.term);
+    first = end;
   }
 }
 
 void GrantIndex::Builder::OfferKeys(const Matching& matching) {
   const std::string_view value = matching.value;
   const std::uint32_t field = matching.field;
-  const std::size_t firstWildcard = matching.op == SelectionOperator::Like
-                                        ? value.find_first_of(kWildcards)
-                                        : std::string_view::npos;
-  if (firstWildcard == std::string_view::npos) {
-    if (matching.op == SelectionOperator::Equal || matching.op == SelectionOperator::Like) {
-      Offer(KeyKind::Exact, field, value);
-    }
+  const bool isPattern = matching.op == SelectionOperator::Like;
+  if (!isPattern && matching.op != SelectionOperator::Equal) return;
+
+  std::size_t headEnd = isPattern ? 0 : value.size();
+  while (headEnd < value.size() && !IsWildcard(value[headEnd])) ++headEnd;
+  if (headEnd == value.size()) {
+    Offer(KeyKind::Exact, field, value);
     return;
   }
-  const std::size_t lastWildcard = value.find_last_of(kWildcards);
-  if (const auto head = value.substr(0, firstWildcard); !head.empty()) {
-    Offer(KeyKind::Prefix, field, head);
-  }
-  if (const auto tail = value.substr(lastWildcard + 1); !tail.empty()) {
-    Offer(KeyKind::Suffix, field, tail);
-  }
-  OfferPieces(field, value.substr(firstWildcard, lastWildcard - firstWildcard));
+  std::size_t tailStart = value.size();
+  while (!IsWildcard(value[tailStart - 1])) --tailStart;
+  if (headEnd > 0) Offer(KeyKind::Prefix, field, value.substr(0, headEnd));
+  if (tailStart < value.size()) Offer(KeyKind::Suffix, field, value.substr(tailStart));
+  OfferPieces(field, value.substr(headEnd, tailStart - headEnd));
 }
 
 void GrantIndex::Builder::OfferPieces(std::uint32_t field, std::string_view middle) {
   std::string_view longest;
-  while (!middle.empty()) {
-    const std::size_t start = std::min(middle.find_first_not_of(kWildcards), middle.size());
-    middle.remove_prefix(start);
-    const std::string_view run = middle.substr(0, middle.find_first_of(kWildcards));
+  for (auto at = middle.begin(); at != middle.end();) {
+    const auto start = std::find_if_not(at, middle.end(), IsWildcard);
+    at = std::find_if(start, middle.end(), IsWildcard);
+    const std::string_view run(start, at);
     if (run.size() > longest.size()) longest = run;
-    middle.remove_prefix(run.size());
   }
   if (longest.empty()) return;
   const std::size_t length = *std::find_if(kPieceLengths.rbegin(), kPieceLengths.rend(),
@@ -132,40 +179,16 @@ void GrantIndex::Builder::OfferPieces(std::uint32_t field, std::string_view midd
 }
 
 void GrantIndex::Builder::Offer(KeyKind kind, std::uint32_t field, std::string_view text) {
-  m_candidates.push_back({KeyHash::Of(field, kind, text), KeyTable::kNone, field,
-                          static_cast<std::uint32_t>(text.size()), kind});
+  const std::uint64_t hash = KeyHash::Of(field, kind, text);
+  const auto next = static_cast<std::uint32_t>(m_offers.size());
+  const std::uint32_t bucket = m_index.m_table.FindOrAdd(hash, next);
+  if (bucket == next) m_offers.push_back(0);
+  ++m_offers[bucket];
+  m_keys.push_back({hash, field, static_cast<std::uint32_t>(text.size()), bucket, kind});
 }
 
-void GrantIndex::Builder::ChooseBuckets() {
-  m_index.m_table.Reset(m_candidates.size());
-  m_index.m_filter.Reset(m_index.m_terms.size());
-  m_offers.reserve(m_candidates.size() + 1);
-  m_offers.push_back(0);  // kAlways
-  for (Candidate& candidate : m_candidates) {
-    const auto next = static_cast<std::uint32_t>(m_offers.size());
-    candidate.bucket = m_index.m_table.FindOrAdd(candidate.hash, next);
-    if (candidate.bucket == next) m_offers.push_back(0);
-    ++m_offers[candidate.bucket];
-  }
-
-  m_chosen.reserve(m_index.m_terms.size());
-  std::uint32_t first = 0;
-  for (const std::uint32_t end : m_candidateEnds) {
-    if (first == end) {
-      m_chosen.push_back(kAlways);
-      continue;
-    }
-    const auto rarest = std::min_element(m_candidates.begin() + first, m_candidates.begin() + end,
-                                         [this](const Candidate& a, const Candidate& b) {
-                                           return m_offers[a.bucket] < m_offers[b.bucket];
-                                         });
-    m_chosen.push_back(rarest->bucket);
-    MarkInUse(*rarest);
-    first = end;
-  }
-}
-
-void GrantIndex::Builder::MarkInUse(const Candidate& key) {
+void GrantIndex::Builder::FileUnder(const Key& key, std::uint32_t term) {
+  m_index.m_terms[term].bucket = key.bucket;
   FieldKeys& keys = m_index.m_fields[key.field];
   // Distinct lengths are few: a thousand of them need half a megabyte of text, so inserting in
   // order stays linear in the text.
@@ -196,7 +219,7 @@ void GrantIndex::Builder::MarkInUse(const Candidate& key) {
 }
 
 void GrantIndex::Builder::LayOutBuckets() {
-  const std::vector<Term>& terms = m_index.m_terms;
+  const auto terms = std::span(m_index.m_terms).first(m_index.m_terms.size() - 1);
   // Two counting sorts: the terms by level, highest first, and those by bucket.
   std::array<std::uint32_t, 257> levelStarts{};
   for (const Term& term : terms) ++levelStarts[256U - term.level];
@@ -206,15 +229,15 @@ void GrantIndex::Builder::LayOutBuckets() {
     byLevel[levelStarts[255U - terms[term].level]++] = term;
   }
 
-  // Element b + 1 first counts bucket b, then tells where its next entry goes, and in the end where
-  // it ends, which is where the next bucket starts.
+  // Element b + 1 first counts bucket b - 1, then tells where bucket b's next entry goes, and in
+  // the end where bucket b ends, which is where the next one starts.
   std::vector<std::uint32_t>& starts = m_index.m_bucketStarts;
   starts.assign(m_offers.size() + 2, 0);
-  for (const std::uint32_t bucket : m_chosen) ++starts[bucket + 2];
+  for (const Term& term : terms) ++starts[term.bucket + 2];
   for (std::size_t i = 1; i < starts.size(); ++i) starts[i] += starts[i - 1];
   m_index.m_entries.resize(terms.size());
   for (const std::uint32_t term : byLevel) {
-    m_index.m_entries[starts[m_chosen[term] + 1]++] = {term, terms[term].level};
+    m_index.m_entries[starts[terms[term].bucket + 1]++] = {term, terms[term].level};
   }
   starts.pop_back();
 }

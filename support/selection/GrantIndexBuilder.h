@@ -5,6 +5,7 @@
 #ifndef VQ_SUPPORT_SELECTION_GRANTINDEXBUILDER_H
 #define VQ_SUPPORT_SELECTION_GRANTINDEXBUILDER_H
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -27,37 +28,51 @@ class GrantIndex::Builder {
   void OnMatching(const SelectionToken& field, SelectionOperator op, const SelectionToken& value);
 
  private:
-  // A key that a term may be filed under.
-  struct Candidate {
+  // Something that an object must have for the term to fit.
+  struct Key {
     std::uint64_t hash;
-    std::uint32_t bucket;
     std::uint32_t field;
     std::uint32_t length;
+    std::uint32_t bucket;
     KeyKind kind;
+  };
+  // A term that offers several keys; they stand in m_keys up to `keysEnd`.
+  struct OpenTerm {
+    std::uint32_t term;
+    std::size_t keysEnd;
+  };
+
+  // What a criteria text says before its only value: `NAME LIKE '`. Another text that begins so
+  // names the same field and operator.
+  struct Head {
+    std::string_view text;
+    std::uint32_t field;
+    SelectionOperator op;
   };
 
   void CopyTexts();
   void Parse(std::uint32_t grant);
+  bool ParseByHead(std::string_view criteria);
+  void LearnHead(std::string_view criteria);
   std::uint32_t FieldNumber(const SelectionToken& field);
   std::string_view Unquoted(const SelectionToken& token);
 
-  void CollectCandidates();
+  void FileTerms();
   void OfferKeys(const Matching& matching);
   void OfferPieces(std::uint32_t field, std::string_view middle);
   void Offer(KeyKind kind, std::uint32_t field, std::string_view text);
-
-  void ChooseBuckets();
-  void MarkInUse(const Candidate& key);
+  void FileUnder(const Key& key, std::uint32_t term);
   void LayOutBuckets();
 
   GrantIndex& m_index;
   std::uint32_t m_grant = 0;
   std::string_view m_lastFieldName;  // grants tend to name one field over and over
   std::uint32_t m_lastField = 0;
-  std::vector<Candidate> m_candidates;         // of all terms, one term's after the other's
-  std::vector<std::uint32_t> m_candidateEnds;  // by term
-  std::vector<std::uint32_t> m_offers;         // by bucket: how many terms might go there
-  std::vector<std::uint32_t> m_chosen;         // by term: its bucket
+  std::array<Head, 4> m_heads{};  // texts are never empty where a head is known
+  std::size_t m_nextHead = 0;
+  std::vector<Key> m_keys;              // of the open terms, and of the one at hand
+  std::vector<OpenTerm> m_openTerms;    // decided when all offers are known
+  std::vector<std::uint32_t> m_offers;  // by bucket: how many terms might go there
 };
 
 }  // namespace vq

@@ -29,8 +29,7 @@ inline constexpr std::array<std::size_t, 4> kPieceLengths = {1, 2, 4, 8};
 class KeyHash {
  public:
   KeyHash(std::uint32_t field, KeyKind kind)
-      : m_state(Mix((static_cast<std::uint64_t>(field) << 8U | static_cast<std::uint64_t>(kind)) +
-                    kOdd)) {}
+      : m_state((std::uint64_t{field} * 8U + static_cast<std::uint64_t>(kind) + 1U) * kOdd) {}
 
   // The hash of a whole text; of a suffix when the kind is Suffix.
   static std::uint64_t Of(std::uint32_t field, KeyKind kind, std::string_view text) {
@@ -50,8 +49,6 @@ class KeyHash {
     for (; m_read + kBlock <= length; m_read += kBlock) Step(Load8(end - m_read - kBlock));
     return Finish(end - length, length);
   }
-
-  std::uint64_t Plain() const { return Mix(m_state); }
 
  private:
   static constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
@@ -91,7 +88,8 @@ class KeyHash {
 
 // A set of hashes that may say yes to a few it does not hold: two bits of one word for each. It is
 // small enough to stay in the fast caches where the table of keys is not, and most lookups of an
-// object's prefixes and pieces end here.
+// object's prefixes and pieces end here. Uses the upper half of the hashes, KeyTable the lower.
+// Thread contract: like a standard container.
 class KeyFilter {
  public:
   void Reset(std::size_t keys) { m_words.assign(std::bit_ceil(keys / 4 + 1), 0); }
@@ -101,43 +99,57 @@ class KeyFilter {
   }
 
  private:
-  std::size_t Word(std::uint64_t hash) const { return (hash >> 12U) & (m_words.size() - 1); }
+  std::size_t Word(std::uint64_t hash) const { return (hash >> 44U) & (m_words.size() - 1); }
   static std::uint64_t Bits(std::uint64_t hash) {
-    return std::uint64_t{1} << (hash & 63U) | std::uint64_t{1} << (hash >> 6U & 63U);
+    return std::uint64_t{1} << (hash >> 32U & 63U) | std::uint64_t{1} << (hash >> 38U & 63U);
   }
 
   std::vector<std::uint64_t> m_words{0};
 };
 
-// Hash to bucket number, by open addressing at most half full.
+// Numbers the keys as they come: hash to number, by open addressing at most half full. Thread
+// contract: like a standard container.
 class KeyTable {
  public:
   static constexpr std::uint32_t kNone = 0xFFFFFFFFU;
 
-  void Reset(std::size_t keys) { m_cells.assign(std::bit_ceil(2 * keys + 2), Cell{0, kNone}); }
+  void Reserve(std::size_t keys) { m_cells.assign(std::bit_ceil(2 * keys + 2), Cell{0, kNone}); }
 
-  // The bucket of the hash; `next` if the hash is new, which then belongs to it.
+  // The number of the hash; `next` if the hash is new, which then has that number.
   std::uint32_t FindOrAdd(std::uint64_t hash, std::uint32_t next) {
-    Cell& cell = m_cells[Place(hash)];
-    if (cell.bucket == kNone) cell = {Tag(hash), next};
-    return cell.bucket;
+    const auto tag = static_cast<std::uint32_t>(hash);
+    Cell& cell = m_cells[Place(tag)];
+    if (cell.number != kNone) return cell.number;
+    cell = {tag, next};
+    if (2 * ++m_used > m_cells.size()) Grow();
+    return next;
   }
-  std::uint32_t Find(std::uint64_t hash) const { return m_cells[Place(hash)].bucket; }
+  // The number of the hash, or kNone.
+  std::uint32_t Find(std::uint64_t hash) const {
+    return m_cells[Place(static_cast<std::uint32_t>(hash))].number;
+  }
 
  private:
   struct Cell {
     std::uint32_t tag;
-    std::uint32_t bucket;
+    std::uint32_t number;
   };
-  static std::uint32_t Tag(std::uint64_t hash) { return static_cast<std::uint32_t>(hash); }
-  std::size_t Place(std::uint64_t hash) const {
+  std::size_t Place(std::uint32_t tag) const {
     const std::size_t mask = m_cells.size() - 1;
-    std::size_t at = (hash >> 32U) & mask;
-    while (m_cells[at].bucket != kNone && m_cells[at].tag != Tag(hash)) at = (at + 1) & mask;
+    std::size_t at = tag & mask;
+    while (m_cells[at].number != kNone && m_cells[at].tag != tag) at = (at + 1) & mask;
     return at;
   }
+  void Grow() {
+    std::vector<Cell> cells(2 * m_cells.size(), Cell{0, kNone});
+    cells.swap(m_cells);
+    for (const Cell& cell : cells) {
+      if (cell.number != kNone) m_cells[Place(cell.tag)] = cell;
+    }
+  }
 
-  std::vector<Cell> m_cells{Cell{0, kNone}};
+  std::vector<Cell> m_cells{2, Cell{0, kNone}};
+  std::size_t m_used = 0;
 };
 
 }  // namespace vq

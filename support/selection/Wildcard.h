@@ -9,7 +9,9 @@
 
 namespace vq {
 
-inline constexpr std::string_view kWildcards = "*?";
+constexpr bool IsWildcard(char c) {
+  return c == '*' || c == '?';
+}
 
 // Whether the whole text matches the whole pattern. Takes no memory. The time is proportional to
 // the text for patterns as people write them, and never more than pattern length times text length,

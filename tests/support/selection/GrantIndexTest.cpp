@@ -86,6 +86,42 @@ TEST(GrantIndex, ManyFieldsAreAsGoodAsFew) {
   EXPECT_EQ(counts.fits, 1);
 }
 
+// The builder reads what many texts have in common only once.
+TEST(GrantIndex, TextsThatBeginAlikeAreNotTakenForOneAnother) {
+  static constexpr const char* kTexts[] = {"A = 'x'",
+                                           "A = 'y'",
+                                           "A = ''",
+                                           "A = ''''",
+                                           "A = 'x' ",
+                                           "A = 'y' OR *",
+                                           "* OR A = 'x'",
+                                           "* OR A = 'z'",
+                                           "(A = 'x')",
+                                           "(A = 'z')",
+                                           "A = 'x' AND A = 'y'",
+                                           "A LIKE 'x*'",
+                                           "A LIKE 'y' OR A = 'z'",
+                                           "A LIKE '*z'",
+                                           "B = 'x'",
+                                           "C = 'x'",
+                                           "D = 'x'",
+                                           "E = 'x'",
+                                           "A = 'z'"};
+  std::vector<QCSObject> objects(5);
+  for (std::size_t i = 0; i + 1 < objects.size(); ++i) {
+    objects[i].SetAttribute("A", std::string(1, "xyz'"[i]));
+  }
+  Counts counts;
+  for (const char* first : kTexts) {
+    for (const char* second : kTexts) {
+      ASSERT_NO_FATAL_FAILURE(Compare({{first, 1}, {first, 2}, {second, 3}}, objects, counts))
+          << first << " before " << second;
+    }
+  }
+  const vq::GrantIndex index({{"A = 'x'", 1}, {"A = 'y", 1}, {"A = 'y'z", 1}, {"A = 'y'''", 1}});
+  EXPECT_EQ(index.RefusedGrants().size(), 2U);
+}
+
 TEST(GrantIndex, ARefusedTextGrantsNothingAndIsReported) {
   const std::vector<vq::Grant> grants = {
       {"A = 'x'", 2}, {"A = 'x' OR * OR A =", 5}, {"A LIKE 'x", 4}, {"A = 'it''s'", 3}};
