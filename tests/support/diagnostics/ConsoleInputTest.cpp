@@ -124,7 +124,7 @@ TEST(ConsolePromptTest, ASignalThatAnotherThreadGetsInterruptsToo) {
     return result;
   });
   ASSERT_TRUE(terminal.Sees("Password: "));
-  terminal.Send(SIGINT);  // the main thread, which waits for the other, gets it
+  terminal.Send(SIGINT);
   const int status = terminal.NextStatus();
   EXPECT_TRUE(WIFSIGNALED(status)) << status;
   EXPECT_TRUE(terminal.Echoes());

@@ -3,11 +3,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <fstream>
 #include <stdexcept>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -43,6 +45,18 @@ constexpr int kPatience = 10'000;  // milliseconds
 bool IsReadable(int file, int milliseconds) {
   pollfd input{file, POLLIN, 0};
   return poll(&input, 1, milliseconds) == 1 && (input.revents & POLLIN) != 0;
+}
+
+// Whether a signal waits for a process of one thread; false when there is no such process any more.
+bool HasPendingSignal(const std::string& statusFile) {
+  std::ifstream file(statusFile);
+  for (std::string word; file >> word;) {
+    if (word == "SigPnd:" || word == "ShdPnd:") {
+      file >> word;
+      if (word.find_first_not_of('0') != std::string::npos) return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace
@@ -102,7 +116,10 @@ void PseudoTerminal::Type(const std::string& keys) const {
 }
 
 void PseudoTerminal::Send(int signal) const {
-  kill(m_program, signal);
+  syscall(SYS_tgkill, m_program, m_program, signal);
+  // What is typed from here on must not overtake the signal.
+  const std::string status = "/proc/" + std::to_string(m_program) + "/status";
+  for (int waited = 0; waited < kPatience && HasPendingSignal(status); ++waited) usleep(1000);
 }
 
 bool PseudoTerminal::Echoes() const {

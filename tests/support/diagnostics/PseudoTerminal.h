@@ -26,7 +26,7 @@ class PseudoTerminal {
   // Waits until `text` has appeared behind what an earlier call found; false after ten seconds.
   bool Sees(const std::string& text);
   void Type(const std::string& keys) const;
-  void Send(int signal) const;
+  void Send(int signal) const;  // to its main thread; returns when that has taken it
   bool Echoes() const;
 
   // The status, as waitpid gives it, when the program has ended or stopped; -1 after ten seconds.
