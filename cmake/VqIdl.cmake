@@ -26,7 +26,7 @@ function(vq_add_idl_library target)
   # The wire types cross the border of the shared library, exceptions among them.
   set_target_properties(${target} PROPERTIES
     CXX_VISIBILITY_PRESET default VISIBILITY_INLINES_HIDDEN OFF
-    VQ_GENERATED_HEADERS "${headers}")
+    VQ_GENERATED_HEADERS "${headers}" VQ_GENERATED_ROOT "${out}")
   target_compile_options(${target} PRIVATE -w)
   # The generated header directory is reached as <vq_idl/NameC.h>, and bare by the stubs themselves.
   target_include_directories(${target} SYSTEM

@@ -5,6 +5,7 @@ add_library(vq::orb_product ALIAS vq_orb_product)
 
 if(VQ_ORB STREQUAL "omniORB")
   find_package(PkgConfig REQUIRED)
+  set(VQ_ORB_PC_MODULES "omniORB4 omniDynamic4 omnithread4")  # for the installed packages
   pkg_check_modules(OMNIORB REQUIRED IMPORTED_TARGET omniORB4>=4.2 omniDynamic4 omnithread4)
   find_program(VQ_OMNIIDL omniidl REQUIRED)
   target_link_libraries(vq_orb_product INTERFACE PkgConfig::OMNIORB)

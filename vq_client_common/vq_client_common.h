@@ -1,7 +1,54 @@
 // Every public header of libvq_client_common.so.
+//
+//   #include <vq_client_common/vq_client_common.h>
+//
+// A program that wants less includes the headers that it needs, under the same names.
 #ifndef VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H
 #define VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H
 
+#include <support/diagnostics/TDiag.h>
 #include <vq_client_common/Export.h>
+#include <vq_client_common/authorizations/QCSGuiAuthActJobsDef.h>
+#include <vq_client_common/authorizations/UserAuthorizations.h>
+#include <vq_client_common/connectivity/IPAddressInfo.h>
+#include <vq_client_common/connectivity/ORBEndpoint.h>
+#include <vq_client_common/connectivity/TroubleshootConnection.h>
+#include <vq_client_common/datacenters/ArrayWrap.h>
+#include <vq_client_common/datacenters/TArchive.h>
+#include <vq_client_common/datacenters/TArchiveException.h>
+#include <vq_client_common/datacenters/TDC.h>
+#include <vq_client_common/datacenters/TDCList.h>
+#include <vq_client_common/datacenters/TString2Enum.h>
+#include <vq_client_common/datacenters/TVltVersion.h>
+#include <vq_client_common/environment/ClientProperties.h>
+#include <vq_client_common/environment/CmdParser.h>
+#include <vq_client_common/environment/Collation.h>
+#include <vq_client_common/environment/LanguageLocale.h>
+#include <vq_client_common/environment/StrX.h>
+#include <vq_client_common/environment/Trim.h>
+#include <vq_client_common/environment/UserPass.h>
+#include <vq_client_common/environment/VqNodeFilter.h>
+#include <vq_client_common/session/ClientId.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/CorbaCallbackCommand.h>
+#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/GlobalFuncs.h>
+#include <vq_client_common/session/LoginExceptions.h>
+#include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/PasswordPolicy.h>
+#include <vq_client_common/session/ServerId.h>
+#include <vq_client_common/session/ServerLocale.h>
+#include <vq_client_common/session/SystemParameterHandler.h>
+#include <vq_client_common/session/VQBaseException.h>
+#include <vq_client_common/session/VQDetailedMessageException.h>
+#include <vq_client_common/text/BaseString.h>
+#include <vq_client_common/text/ConvertFunctions.h>
+#include <vq_client_common/text/FieldLength.h>
+#include <vq_client_common/text/TErrMsg.h>
+#include <vq_client_common/text/TErrMsgs.h>
+#include <vq_client_common/text/TablePath.h>
+#include <vq_client_common/time/DcTimeInfo.h>
+#include <vq_client_common/time/ForecastTimesManipulationMP.h>
+#include <vq_client_common/time/NoTime.h>
 
 #endif  // VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H
