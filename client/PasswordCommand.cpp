@@ -1,0 +1,66 @@
+// vqclient passwd: changes the user's password, also an expired one.
+
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "ClientSession.h"
+#include "Commands.h"
+#include "ExitCodes.h"
+
+namespace vqclient {
+namespace {
+
+// Asks without echo; false when nobody answers.
+bool Ask(const std::string& question, std::string& password) {
+  Tell(question);
+  UserPass answer(ConnectionSettings::Get()->getUserName(), "", "");
+  const bool answered = answer.GetConsoleMissData();
+  password = answer.GetPassword();
+  return answered;
+}
+
+int Change(CommandLine& line) {
+  ClientSession session(line);
+  const int login = session.Login();
+  const bool expired = login == kPasswordExpired;
+  if (login != 1 && login != 50 && !expired) return ExitCodeOfSession(login);
+
+  std::string password;
+  std::string repeated;
+  int result = kNoCredentials;
+  if (!Ask("The new password:", password) || !Ask("The new password again:", repeated)) {
+    Tell("No new password was given.");
+  } else if (password != repeated) {
+    Tell("The two new passwords differ; nothing is changed.");
+  } else if (std::string message; CheckPasswordValidity(password, message) != 1) {
+    Tell(message);
+    result = kPasswordRefused;
+  } else {
+    const int changed = SetUserPassword(password, expired);
+    // After an expired password the change also begins a session; without one it has failed.
+    const bool done = changed == 1 && (!expired || LoginHandler::GetGlobal()->IsConnected());
+    result = done ? kSuccess : changed == 1 ? kRefused : ExitCodeOf(changed);
+    if (done) {
+      std::cout << "The password is changed.\n";
+    } else {
+      Tell("The server did not change the password (code " + std::to_string(changed) + ").");
+    }
+  }
+  Wipe(password);
+  Wipe(repeated);
+  return result;
+}
+
+}  // namespace
+
+void AddPasswordCommand(CLI::App& program, CommandLine& line, int& exitCode) {
+  CLI::App* const command = program.add_subcommand("passwd", "Change the password");
+  line.AddConnectionOptions(*command);
+  command->callback([&] {
+    line.Apply();
+    exitCode = Change(line);
+  });
+}
+
+}  // namespace vqclient

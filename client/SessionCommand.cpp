@@ -1,0 +1,92 @@
+// vqclient session: a whole session, from login to logout, kept alive as long as asked for.
+
+#include <chrono>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "ClientSession.h"
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "Interrupt.h"
+
+namespace vqclient {
+namespace {
+
+struct Upkeep {
+  int interval = 0;    // seconds; 0: log out at once
+  int count = 0;       // keep-alives; 0: until interrupted
+  bool again = false;  // log in again when the server no longer knows the session
+};
+
+void Report(const CommandLine& line, const char* event, int result) {
+  if (line.json) {
+    std::cout << nlohmann::json{{"event", event}, {"result", result}} << std::endl;
+  } else {
+    std::cout << event << ": " << result << std::endl;
+  }
+}
+
+// One keep-alive. A server that does not answer counts as 0.
+int KeepAlive() {
+  try {
+    return GL_ClientKeepAlive();
+  } catch (BaseLoginEx& e) {
+    Tell(e.handle());
+    return 0;
+  }
+}
+
+// Returns true as long as the session is there.
+bool KeepUp(const CommandLine& line, const Upkeep& upkeep) {
+  const int result = KeepAlive();
+  Report(line, "keep-alive", result);
+  if (result == 1) return true;
+  if (!upkeep.again) return false;
+  GL_LogOut(false);  // the references of a server that has gone away would fail again
+  const int again = GL_ReLogin(line.timeOut);
+  Report(line, "login again", again);
+  return again == 1 || again == 50;
+}
+
+int Run(CommandLine& line, const Upkeep& upkeep) {
+  ClientSession session(line);
+  const int result = session.LoginAndFinish();
+  Report(line, "login", result);
+  if (result != 1 && result != 50) return ExitCodeOfSession(result);
+
+  Interrupt interrupt;
+  int kept = 0;
+  bool alive = true;
+  while (alive && upkeep.interval > 0 && (upkeep.count == 0 || kept < upkeep.count)) {
+    if (interrupt.Wait(std::chrono::seconds(upkeep.interval))) break;
+    alive = KeepUp(line, upkeep);
+    ++kept;
+  }
+  Report(line, "logout", session.Logout());
+  return alive ? kSuccess : kSessionLost;
+}
+
+}  // namespace
+
+void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode) {
+  CLI::App* const command = program.add_subcommand(
+      "session", "Log in, load what the user may do, keep the session alive and log out");
+  line.AddConnectionOptions(*command);
+  auto upkeep = std::make_shared<Upkeep>();
+  command
+      ->add_option("-i,--interval", upkeep->interval,
+                   "Seconds between keep-alives, until Ctrl-C; 0 logs out at once")
+      ->check(CLI::Range(0, 86400))
+      ->capture_default_str();
+  command->add_option("-c,--count", upkeep->count, "Log out after this many keep-alives")
+      ->check(CLI::NonNegativeNumber);
+  command->add_flag("--again", upkeep->again, "Log in again when the session is lost");
+  command->callback([&line, &exitCode, upkeep] {
+    line.Apply();
+    exitCode = Run(line, *upkeep);
+  });
+}
+
+}  // namespace vqclient

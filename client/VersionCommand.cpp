@@ -1,0 +1,74 @@
+// vqclient version: the versions of client and server, and whether they may work together.
+
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <vq_idl/UsersManagerC.h>
+
+#include "ClientSession.h"
+#include "Commands.h"
+
+namespace vqclient {
+namespace {
+
+struct Verdict {
+  std::string serverVersion;
+  std::string words;
+};
+
+// Asks the server itself: a login that is refused does not tell the version in a form of its own.
+Verdict AskServer(const CommandLine& line, const std::string& clientVersion) {
+  QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
+  if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, line.kind, true) != 1) {
+    return {"", "not judged: the server does not answer"};
+  }
+  try {
+    CORBA::String_var version;
+    const int result = users->CRB_VerifyClientServerVersion(clientVersion.c_str(), version.out());
+    if (result == 56) return {version.in(), "the server refuses this client"};
+    if (result != 1) return {version.in(), "not judged by the server"};
+    return {version.in(), "the server accepts this client"};
+  } catch (const CORBA::Exception&) {
+    return {"", "not judged: the server is too old to say its version"};
+  }
+}
+
+int Show(CommandLine& line) {
+  ClientSession session(line);
+  const int result = session.Login();
+  std::string plain;
+  std::string withPatches;
+  const bool known = LoginHandler::GetGlobal()->GetClientVersion(plain, withPatches) == 1;
+  const Verdict verdict =
+      known ? AskServer(line, plain) : Verdict{"", "not judged: no client product is installed"};
+  if (line.json) {
+    std::cout << nlohmann::json{{"client", known ? withPatches : ""},
+                                {"server", verdict.serverVersion},
+                                {"verdict", verdict.words},
+                                {"result", result}}
+                     .dump(2)
+              << '\n';
+  } else {
+    std::cout << "client:  " << (known ? withPatches : "unknown") << '\n'
+              << "server:  " << (verdict.serverVersion.empty() ? "unknown" : verdict.serverVersion)
+              << '\n'
+              << "verdict: " << verdict.words << '\n';
+  }
+  return ExitCodeOfSession(result);
+}
+
+}  // namespace
+
+void AddVersionCommand(CLI::App& program, CommandLine& line, int& exitCode) {
+  CLI::App* const command =
+      program.add_subcommand("version", "Show the versions of client and server and the verdict");
+  line.AddConnectionOptions(*command);
+  command->callback([&] {
+    line.Apply();
+    exitCode = Show(line);
+  });
+}
+
+}  // namespace vqclient
