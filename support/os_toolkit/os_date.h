@@ -49,6 +49,8 @@ class VQ_SUPPORT_API os_date {
   }
 
   constexpr std::int64_t julian_day() const noexcept { return m_days + kJulianDayOf1970; }
+  // 00:00 of this day, counted from 00:00 of the Julian day 0.
+  constexpr os_time_period start() const { return {julian_day(), 0, 0, 0, 0}; }
   constexpr int year() const noexcept { return static_cast<int>(parts().year()); }
   constexpr int month() const noexcept {
     return static_cast<int>(static_cast<unsigned>(parts().month()));
@@ -66,10 +68,10 @@ class VQ_SUPPORT_API os_date {
   // The day on which the moment lies that is the period after (or before) 00:00 of this day. Raises
   // os_toolkit_error when that leaves the years of this class.
   friend constexpr os_date operator+(os_date date, os_time_period period) {
-    return from_julian_day((os_time_period(date.julian_day(), 0, 0, 0, 0) + period).to_days());
+    return from_julian_day((date.start() + period).to_days());
   }
   friend constexpr os_date operator-(os_date date, os_time_period period) {
-    return from_julian_day((os_time_period(date.julian_day(), 0, 0, 0, 0) - period).to_days());
+    return from_julian_day((date.start() - period).to_days());
   }
   constexpr os_date& operator+=(os_time_period period) { return *this = *this + period; }
   constexpr os_date& operator-=(os_time_period period) { return *this = *this - period; }

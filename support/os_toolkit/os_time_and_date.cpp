@@ -7,26 +7,22 @@ namespace {
 
 std::atomic<os_time_and_date::clock_function> replacedClock{nullptr};
 
-os_time_period StartOf(os_date date) {
-  return {date.julian_day(), 0, 0, 0, 0};
-}
-
 os_time_period SystemClock() {
   using std::chrono::nanoseconds;
   const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-  return StartOf(os_date()) +
+  return os_date().start() +
          os_time_period(0, std::chrono::duration_cast<nanoseconds>(sinceEpoch).count());
 }
 
 }  // namespace
 
-os_time_and_date::os_time_and_date(os_time time, os_date date) : m_utc(StartOf(date)) {
+os_time_and_date::os_time_and_date(os_time time, os_date date) : m_utc(date.start()) {
   m_utc = m_utc + time.since_midnight();
   SetWallClock(m_utc);
 }
 
 os_time_and_date::os_time_and_date(os_time time, os_date date, const os_time_zone& zone) {
-  const os_time_period wallClock = StartOf(date) + time.since_midnight();
+  const os_time_period wallClock = date.start() + time.since_midnight();
   m_utc = zone.to_utc(wallClock);
   SetWallClock(wallClock);
 }
@@ -46,5 +42,5 @@ os_time_and_date::clock_function os_time_and_date::set_clock(clock_function cloc
 
 void os_time_and_date::SetWallClock(os_time_period wallClock) {
   m_date = os_date::from_julian_day(wallClock.to_days());
-  m_time = os_time(wallClock - StartOf(m_date));
+  m_time = os_time(wallClock - m_date.start());
 }

@@ -28,8 +28,7 @@ void os_time_zone::insert(const os_simple_time_zone_rule& rule) {
 }
 
 os_time_period os_time_zone::dst_adjustment(os_time time, os_date date) const {
-  return AdjustmentAt(m_rules,
-                      os_time_period(date.julian_day(), 0, 0, 0, 0) + time.since_midnight());
+  return AdjustmentAt(m_rules, date.start() + time.since_midnight());
 }
 
 os_time_period os_time_zone::to_utc(os_time_period wallClock) const {

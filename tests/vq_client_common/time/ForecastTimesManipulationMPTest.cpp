@@ -12,12 +12,40 @@
 #include <gtest/gtest.h>
 #include <support/diagnostics/TDiag.h>
 #include <tests/TestEnvironment.h>
-#include <tests/vq_client_common/time/OpenForecastTimes.h>
+#include <vq_idl/AdministrationRecordsC.h>
 
 namespace {
 
-using vq::test::Append;
-using vq::test::OpenForecastTimes;
+// Opens what the class keeps for its derived classes.
+class OpenForecastTimes : public ForecastTimesManipulationMP {
+ public:
+  using ForecastTimesManipulationMP::FindDcTimeInfo;
+  using ForecastTimesManipulationMP::GetCommAdminStructByDc;
+  using ForecastTimesManipulationMP::GetOsTimeZone;
+  using ForecastTimesManipulationMP::GetUtcOffset;
+  using ForecastTimesManipulationMP::GetUtcTime_T;
+};
+
+struct RecordTexts {
+  std::string name;
+  std::string timeZone = "(GMT)";
+  std::string newDay = "";
+  std::string odat = "";
+  std::string summerStart = "";
+  std::string summerEnd = "";
+};
+
+void Append(QCSCommAdminSeq& records, const RecordTexts& texts) {
+  const CORBA::ULong index = records.length();
+  records.length(index + 1);
+  QCSCommAdminStruct& record = records[index];
+  record.m_Name = texts.name.c_str();
+  record.m_TimeZone = texts.timeZone.c_str();
+  record.m_NewDayTime = texts.newDay.c_str();
+  record.m_Odat = texts.odat.c_str();
+  record.m_StartSummerTime = texts.summerStart.c_str();
+  record.m_EndSummerTime = texts.summerEnd.c_str();
+}
 
 const os_time_and_date kNow(os_time(12, 0, 0), os_date(2024, 7, 1));
 constexpr std::int64_t kJuly1 = 1719792000;  // 2024-07-01 00:00 UTC
@@ -28,7 +56,7 @@ class ForecastTimesTest : public ::testing::Test {
     TDiag::Instance()->SetMinimumDebugLevel(5);
     TDiag::Instance()->AddCallbackSink([this](const TDiagLine& line) {
       m_lines.push_back(std::to_string(line.level) + " " + std::string(line.text));
-      if (line.level == 4 && ++m_refusals == m_mendAt) m_mend();
+      if (line.level == 4) m_onRefusal(++m_refusals);
     });
   }
   void TearDown() override {
@@ -36,18 +64,18 @@ class ForecastTimesTest : public ::testing::Test {
     TDiag::Instance()->SetMinimumDebugLevel(1);
     os_time_and_date::set_clock(nullptr);
   }
-  void InitWith(const vq::test::RecordTexts& texts, bool useOdat = false) {
+  void InitWith(const RecordTexts& texts, bool useOdat = false,
+                const os_time_and_date& now = kNow) {
     m_records.length(0);
     Append(m_records, texts);
-    m_times.Init(kNow, false, &m_records, useOdat);
+    m_times.Init(now, false, &m_records, useOdat);
   }
 
   QCSCommAdminSeq m_records;
   OpenForecastTimes m_times;
   std::vector<std::string> m_lines;
   int m_refusals = 0;
-  int m_mendAt = 0;
-  std::function<void()> m_mend;
+  std::function<void(int)> m_onRefusal;
 };
 
 TEST_F(ForecastTimesTest, ReadsTheOffsetInTheBrackets) {
@@ -110,28 +138,21 @@ TEST_F(ForecastTimesTest, ReadsTheNewDay) {
   }
 }
 
-TEST_F(ForecastTimesTest, AnUnusableNewDayIsTakenUpAgainUntilItIsMended) {
+TEST_F(ForecastTimesTest, AnUnusableNewDayIsTakenUpAgainForAsLongAsItStands) {
   Append(m_records, {.name = "DC1"});
   Append(m_records, {.name = "DC2", .newDay = "0700"});
-  Append(m_records, {.name = "DC3"});
-  m_mendAt = 1000;
-  m_mend = [this] { m_records[1].m_NewDayTime = "07:00"; };
+  Append(m_records, {.name = "DC3", .newDay = "x"});
+  m_onRefusal = [this](int refusals) {
+    if (refusals == 1000) m_records[1].m_NewDayTime = "07:00";
+    if (refusals == 1003) m_records.length(2);
+  };
   m_times.Init(kNow, false, &m_records, false);
-  EXPECT_EQ(m_refusals, 1000);
-  EXPECT_EQ(m_lines, std::vector<std::string>(
-                         1000, "4 Invalid new day time format (0700) for datacenter DC2, skip it"));
+  std::vector<std::string> lines(
+      1000, "4 Invalid new day time format (0700) for datacenter DC2, skip it");
+  lines.resize(1003, "4 Invalid new day time format (x) for datacenter DC3, skip it");
+  EXPECT_EQ(m_lines, lines);
   EXPECT_EQ(m_times.FindDcTimeInfo("DC2")->newDayOffset, 25200);
-  EXPECT_NE(m_times.FindDcTimeInfo("DC3"), nullptr);
-}
-
-TEST_F(ForecastTimesTest, AnUnusableNewDayHoldsInitNoLongerThanItStands) {
-  Append(m_records, {.name = "DC1"});
-  Append(m_records, {.name = "DC2", .newDay = "0700"});
-  m_mendAt = 3;
-  m_mend = [this] { m_records.length(1); };
-  m_times.Init(kNow, false, &m_records, false);
-  EXPECT_NE(m_times.FindDcTimeInfo("DC1"), nullptr);
-  EXPECT_EQ(m_times.FindDcTimeInfo("DC2"), nullptr);
+  EXPECT_EQ(m_times.FindDcTimeInfo("DC3"), nullptr);
 }
 
 TEST_F(ForecastTimesTest, TakesTheWorkingDateFromTheRecordOrTheClock) {
@@ -156,6 +177,8 @@ TEST_F(ForecastTimesTest, TakesTheWorkingDateFromTheRecordOrTheClock) {
 }
 
 TEST_F(ForecastTimesTest, TheReferenceTimeIsThatOfTheLastRecord) {
+  m_times.Init(os_time_and_date(), false, &m_records, true);
+  EXPECT_TRUE(m_lines.empty());
   EXPECT_EQ(m_times.GetOdatMidnightForDc("none"), 0);
   Append(m_records, {.name = "DC1", .odat = "20240229"});
   Append(m_records, {.name = "DC2", .odat = "20240301"});
@@ -245,10 +268,8 @@ TEST_F(ForecastTimesTest, MidnightsAgreeWithTheCLibraryAllYear) {
       local.tm_mday = date.day();
       local.tm_isdst = -1;
       const std::time_t expected = std::mktime(&local);
-      m_records.length(0);
-      Append(m_records,
-             {.name = "DC", .timeZone = c.timeZone, .summerStart = c.start, .summerEnd = c.end});
-      m_times.Init(os_time_and_date(os_time(0), date), false, &m_records, false);
+      InitWith({.name = "DC", .timeZone = c.timeZone, .summerStart = c.start, .summerEnd = c.end},
+               false, os_time_and_date(os_time(0), date));
       if (local.tm_hour != 0) {
         ++skipped;  // summer begins, so the clock does not show this midnight
       } else {
@@ -322,14 +343,6 @@ TEST_F(ForecastTimesTest, AnUnknownDataCenterIsLoggedAndTakenAsUtc) {
                          "1 Failed to get DC Time Info for 'none',Time Zone will be considered as "
                          "greenwich",
                          "1 Failed to get DC Time Info for 'none',Gmt midnight will be used"}));
-}
-
-TEST_F(ForecastTimesTest, AnEmptySequenceLeavesAnEmptyTable) {
-  InitWith({.name = "DC"});
-  m_records.length(0);
-  m_times.Init(kNow, false, &m_records, true);
-  EXPECT_EQ(m_times.FindDcTimeInfo("DC"), nullptr);
-  EXPECT_TRUE(m_lines.empty());
 }
 
 TEST_F(ForecastTimesTest, ARecordIsNotFoundByACopyOfItsName) {

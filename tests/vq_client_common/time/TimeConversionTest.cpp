@@ -19,16 +19,9 @@ struct Parts {
 // The same through the C library's formats.
 std::string Printed(const Parts& parts, bool withSeconds) {
   char text[64];
-  if (parts.day == 0) {
-    withSeconds
-        ? std::snprintf(text, sizeof text, "%02d:%02d:%02d", parts.hour, parts.minute, parts.second)
-        : std::snprintf(text, sizeof text, "%02d:%02d", parts.hour, parts.minute);
-  } else {
-    withSeconds
-        ? std::snprintf(text, sizeof text, "(%+d)%02d:%02d:%02d", parts.day, parts.hour,
-                        parts.minute, parts.second)
-        : std::snprintf(text, sizeof text, "(%+d)%02d:%02d", parts.day, parts.hour, parts.minute);
-  }
+  int size = parts.day == 0 ? 0 : std::snprintf(text, sizeof text, "(%+d)", parts.day);
+  size += std::snprintf(text + size, 20, "%02d:%02d", parts.hour, parts.minute);
+  if (withSeconds) std::snprintf(text + size, 20, ":%02d", parts.second);
   return text;
 }
 
@@ -36,7 +29,7 @@ TEST(TimeConversionTest, DayAndTimeAndBackForAnyTime) {
   std::mt19937 random(8);
   for (int i = 0; i < 200000; ++i) {
     const std::int32_t t =
-        i < 400000 / 4 ? i * 7 : std::uniform_int_distribution(0, NO_TIME - 1)(random);
+        i < 100000 ? i * 7 : std::uniform_int_distribution(0, NO_TIME - 1)(random);
     Parts parts;
     ASSERT_TRUE(
         Times::ConvertTimeToDayHourMin(t, parts.day, parts.hour, parts.minute, parts.second));
