@@ -140,10 +140,10 @@ TEST(OsTimeZoneTest, AnInstantNearTheTurnOfTheYearFallsInOnePeriodOnly) {
     std::int64_t time;
     bool covered;
   } cases[] = {
-      // Starts at the turn: the hour before it is not covered, though the adjusted clock is past
-      // it.
+      // Starts at the turn: not covered before it, though the adjusted clock is past it.
       {Zone(0, {1, 1}, {3, 1}, 2000, 2100), {2023, 12, 31}, 84600, false},
       {Zone(0, {1, 1}, {3, 1}, 2000, 2100), {2024, 1, 1}, 0, true},
+      {Zone(0, At(1, 1, -1), {3, 1}, 2000, 2100), {2023, 12, 31}, 84600, true},
       // Over the turn, inside the range and at its ends.
       {Zone(0, {10, 1}, {4, 1}, 2000, 2100), {2023, 12, 31}, 84600, true},
       {Zone(0, {10, 1}, {4, 1}, 2024, 2024), {2023, 12, 31}, 84600, false},
