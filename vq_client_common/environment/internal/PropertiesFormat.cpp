@@ -32,15 +32,24 @@ constexpr std::array<Escape, 5> kEscapes{{
     {'>', "&gt;"},
 }};
 
-void AppendEscaped(std::string& text, std::string_view value) {
-  while (!value.empty()) {
-    const std::size_t plain = std::min(value.find_first_of("\"&'<>"), value.size());
-    text.append(value.substr(0, plain));
-    value.remove_prefix(plain);
-    if (value.empty()) break;
-    text.append(std::ranges::find(kEscapes, value.front(), &Escape::character)->written);
-    value.remove_prefix(1);
+// Whether a character stands in the table, by its number.
+constexpr auto kIsEscaped = [] {
+  std::array<bool, 256> isEscaped{};
+  for (const Escape& escape : kEscapes) {
+    isEscaped[static_cast<unsigned char>(escape.character)] = true;
   }
+  return isEscaped;
+}();
+
+void AppendEscaped(std::string& text, std::string_view value) {
+  std::size_t plainFrom = 0;
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (!kIsEscaped[static_cast<unsigned char>(value[i])]) continue;
+    text.append(value, plainFrom, i - plainFrom);
+    text.append(std::ranges::find(kEscapes, value[i], &Escape::character)->written);
+    plainFrom = i + 1;
+  }
+  text.append(value, plainFrom);
 }
 
 void AppendEntry(std::string& text, const std::string& key, const std::string& value) {
@@ -94,10 +103,9 @@ std::string LocalText(const char16_t* text) {
 }
 
 std::string PropertiesText(const PropertiesTable& table) {
-  std::size_t size = 64;
-  for (const auto& [key, value] : table) size += 2 * key.size() + value.size() + 8;
+  constexpr std::size_t kUsualLine = 64;  // walking the table for the exact size costs more
   std::string text;
-  text.reserve(size);
+  text.reserve((table.size() + 1) * kUsualLine);
   text += "<Properties>\n";
   for (const auto& [key, value] : table) AppendEntry(text, key, value);
   text += "</Properties>";
