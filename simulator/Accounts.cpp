@@ -1,4 +1,4 @@
-#include "Accounts.h"
+#include <simulator/Accounts.h>
 
 namespace vq::sim {
 

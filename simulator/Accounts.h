@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "Credentials.h"
-#include "Site.h"
+#include <simulator/Credentials.h>
+#include <simulator/Site.h>
 
 namespace vq::sim {
 

@@ -1,11 +1,11 @@
-#include "AuthorizationServant.h"
+#include <simulator/AuthorizationServant.h>
 
 #include <algorithm>
 #include <utility>
 #include <vector>
 
-#include "Snapshot.h"
-#include "Wire.h"
+#include <simulator/Snapshot.h>
+#include <simulator/Wire.h>
 
 namespace vq::sim {
 namespace {

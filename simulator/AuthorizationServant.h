@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "PartOfAuthorization.h"
+#include <simulator/PartOfAuthorization.h>
 
 namespace vq::sim {
 

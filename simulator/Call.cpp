@@ -1,9 +1,9 @@
-#include "Call.h"
+#include <simulator/Call.h>
 
 #include <cstdlib>
 
-#include "Orb.h"
-#include "Raise.h"
+#include <simulator/Orb.h>
+#include <simulator/Raise.h>
 
 namespace vq::sim {
 

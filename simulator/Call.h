@@ -21,10 +21,9 @@
 #include <utility>
 #include <vector>
 
+#include <simulator/World.h>
 #include <support/orb/Corba.h>
 #include <nlohmann/json.hpp>
-
-#include "World.h"
 
 namespace vq::sim {
 

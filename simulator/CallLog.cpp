@@ -1,4 +1,4 @@
-#include "CallLog.h"
+#include <simulator/CallLog.h>
 
 #include <cerrno>
 #include <chrono>

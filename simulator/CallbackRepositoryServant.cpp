@@ -1,4 +1,4 @@
-#include "CallbackRepositoryServant.h"
+#include <simulator/CallbackRepositoryServant.h>
 
 #include <utility>
 

@@ -6,10 +6,9 @@
 
 #include <string>
 
+#include <simulator/Call.h>
+#include <simulator/Callbacks.h>
 #include <vq_idl/CallbackRepositoryC.h>
-
-#include "Call.h"
-#include "Callbacks.h"
 
 namespace vq::sim {
 

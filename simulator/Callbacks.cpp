@@ -1,11 +1,10 @@
-#include "Callbacks.h"
+#include <simulator/Callbacks.h>
 
 #include <algorithm>
 #include <limits>
 
+#include <simulator/Orb.h>
 #include <vq_idl/CallbackRepositoryC.h>
-
-#include "Orb.h"
 
 namespace vq::sim {
 namespace {

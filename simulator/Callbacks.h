@@ -9,8 +9,7 @@
 #include <mutex>
 #include <string>
 
-#include "World.h"
-
+#include <simulator/World.h>
 #include <support/orb/Corba.h>
 
 namespace vq::sim {

@@ -1,4 +1,4 @@
-#include "Control.h"
+#include <simulator/Control.h>
 
 #include <cerrno>
 #include <stdexcept>

@@ -14,9 +14,8 @@
 #include <string>
 #include <thread>
 
+#include <simulator/World.h>
 #include <nlohmann/json.hpp>
-
-#include "World.h"
 
 namespace vq::sim {
 

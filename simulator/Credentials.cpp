@@ -1,4 +1,4 @@
-#include "Credentials.h"
+#include <simulator/Credentials.h>
 
 #include <algorithm>
 #include <array>

@@ -20,7 +20,7 @@
 #include <string>
 #include <string_view>
 
-#include "Clock.h"
+#include <simulator/Clock.h>
 
 namespace vq::sim {
 

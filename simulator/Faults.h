@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Site.h"
+#include <simulator/Site.h>
 
 namespace vq::sim {
 

@@ -1,6 +1,6 @@
-#include "Naming.h"
+#include <simulator/Naming.h>
 
-#include "Orb.h"
+#include <simulator/Orb.h>
 
 namespace vq::sim {
 namespace {

@@ -1,4 +1,4 @@
-#include "Orb.h"
+#include <simulator/Orb.h>
 
 #include <algorithm>
 #include <filesystem>

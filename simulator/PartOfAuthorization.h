@@ -5,9 +5,8 @@
 #ifndef VQ_SIMULATOR_PARTOFAUTHORIZATION_H
 #define VQ_SIMULATOR_PARTOFAUTHORIZATION_H
 
+#include <simulator/Call.h>
 #include <vq_idl/AuthorizationC.h>
-
-#include "Call.h"
 
 namespace vq::sim {
 

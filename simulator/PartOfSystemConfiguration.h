@@ -5,9 +5,8 @@
 #ifndef VQ_SIMULATOR_PARTOFSYSTEMCONFIGURATION_H
 #define VQ_SIMULATOR_PARTOFSYSTEMCONFIGURATION_H
 
+#include <simulator/Call.h>
 #include <vq_idl/SystemConfigurationC.h>
-
-#include "Call.h"
 
 namespace vq::sim {
 

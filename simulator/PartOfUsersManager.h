@@ -5,9 +5,8 @@
 #ifndef VQ_SIMULATOR_PARTOFUSERSMANAGER_H
 #define VQ_SIMULATOR_PARTOFUSERSMANAGER_H
 
+#include <simulator/Call.h>
 #include <vq_idl/UsersManagerC.h>
-
-#include "Call.h"
 
 namespace vq::sim {
 

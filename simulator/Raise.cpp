@@ -1,12 +1,11 @@
-#include "Raise.h"
+#include <simulator/Raise.h>
 
 #include <algorithm>
 #include <array>
 
+#include <simulator/Site.h>
 #include <vq_idl/SystemConfigurationC.h>
 #include <vq_idl/UsersManagerC.h>
-
-#include "Site.h"
 
 namespace vq::sim {
 namespace {

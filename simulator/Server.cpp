@@ -1,9 +1,9 @@
-#include "Server.h"
+#include <simulator/Server.h>
 
-#include "AuthorizationServant.h"
-#include "CallbackRepositoryServant.h"
-#include "SystemConfigurationServant.h"
-#include "UsersManagerServant.h"
+#include <simulator/AuthorizationServant.h>
+#include <simulator/CallbackRepositoryServant.h>
+#include <simulator/SystemConfigurationServant.h>
+#include <simulator/UsersManagerServant.h>
 
 namespace vq::sim {
 

@@ -8,12 +8,11 @@
 #include <memory>
 #include <string>
 
+#include <simulator/Callbacks.h>
+#include <simulator/Orb.h>
+#include <simulator/World.h>
 #include <support/orb/Corba.h>
 #include <vq_idl/AuthorizationC.h>
-
-#include "Callbacks.h"
-#include "Orb.h"
-#include "World.h"
 
 namespace vq::sim {
 

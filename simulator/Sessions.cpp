@@ -1,4 +1,4 @@
-#include "Sessions.h"
+#include <simulator/Sessions.h>
 
 namespace vq::sim {
 

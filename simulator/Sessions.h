@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "Clock.h"
+#include <simulator/Clock.h>
 
 namespace vq::sim {
 

@@ -1,4 +1,4 @@
-#include "Site.h"
+#include <simulator/Site.h>
 
 #include <algorithm>
 

@@ -7,10 +7,9 @@
 #include <iterator>
 #include <limits>
 
+#include <simulator/Raise.h>
+#include <simulator/Site.h>
 #include <nlohmann/json.hpp>
-
-#include "Raise.h"
-#include "Site.h"
 
 namespace vq::sim {
 namespace {

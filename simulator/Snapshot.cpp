@@ -1,4 +1,4 @@
-#include "Snapshot.h"
+#include <simulator/Snapshot.h>
 
 #include <utility>
 

@@ -7,9 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <simulator/Site.h>
 #include <vq_idl/AuthorizationC.h>
-
-#include "Site.h"
 
 namespace vq::sim {
 

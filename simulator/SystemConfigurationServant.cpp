@@ -1,8 +1,8 @@
-#include "SystemConfigurationServant.h"
+#include <simulator/SystemConfigurationServant.h>
 
 #include <utility>
 
-#include "Wire.h"
+#include <simulator/Wire.h>
 
 namespace vq::sim {
 

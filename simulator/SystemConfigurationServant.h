@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "PartOfSystemConfiguration.h"
+#include <simulator/PartOfSystemConfiguration.h>
 
 namespace vq::sim {
 

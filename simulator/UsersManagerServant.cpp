@@ -1,9 +1,9 @@
-#include "UsersManagerServant.h"
+#include <simulator/UsersManagerServant.h>
 
 #include <utility>
 
-#include "Snapshot.h"
-#include "Wire.h"
+#include <simulator/Snapshot.h>
+#include <simulator/Wire.h>
 
 namespace vq::sim {
 namespace {

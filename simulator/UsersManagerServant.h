@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "Callbacks.h"
-#include "PartOfUsersManager.h"
+#include <simulator/Callbacks.h>
+#include <simulator/PartOfUsersManager.h>
 
 namespace vq::sim {
 

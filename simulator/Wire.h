@@ -4,11 +4,10 @@
 
 #include <string>
 
+#include <simulator/World.h>
 #include <support/orb/Corba.h>
 #include <vq_idl/SharedTypesC.h>
 #include <nlohmann/json.hpp>
-
-#include "World.h"
 
 namespace vq::sim {
 

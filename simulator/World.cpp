@@ -1,4 +1,4 @@
-#include "World.h"
+#include <simulator/World.h>
 
 #include <utility>
 

@@ -9,15 +9,14 @@
 #include <memory>
 #include <mutex>
 
+#include <simulator/Accounts.h>
+#include <simulator/CallLog.h>
+#include <simulator/Clock.h>
+#include <simulator/Credentials.h>
+#include <simulator/Faults.h>
+#include <simulator/Sessions.h>
+#include <simulator/Site.h>
 #include <nlohmann/json.hpp>
-
-#include "Accounts.h"
-#include "CallLog.h"
-#include "Clock.h"
-#include "Credentials.h"
-#include "Faults.h"
-#include "Sessions.h"
-#include "Site.h"
 
 namespace vq::sim {
 

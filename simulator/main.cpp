@@ -12,15 +12,14 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <simulator/Callbacks.h>
+#include <simulator/Control.h>
+#include <simulator/Naming.h>
+#include <simulator/Orb.h>
+#include <simulator/Server.h>
+#include <simulator/World.h>
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
-
-#include "Callbacks.h"
-#include "Control.h"
-#include "Naming.h"
-#include "Orb.h"
-#include "Server.h"
-#include "World.h"
 
 namespace {
 
