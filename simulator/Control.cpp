@@ -139,7 +139,10 @@ ordered_json Control::State() {
 }
 
 ordered_json Control::Run(const json& command) {
-  const std::string name = command.at("command").get<std::string>();
+  if (!command.is_object() || !command.value("command", json()).is_string()) {
+    throw std::invalid_argument("a command is {\"command\": NAME, ...}");
+  }
+  const auto name = command.at("command").get<std::string>();
   if (name == "ping") return ordered_json::object();
   if (name == "state") return State();
   if (name == "patch") {

@@ -1,123 +1,15 @@
-// Reads a site from JSON. Every reader takes the value and its place ("/users/ann/expiry"), so that
-// an error can tell it, and looks at every key, so that a misspelt one is found.
+// Makes a site of its JSON file. Every key of every object has a line here.
 
-#include <algorithm>
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <limits>
 
 #include <simulator/Raise.h>
 #include <simulator/Site.h>
-#include <nlohmann/json.hpp>
+#include <simulator/SiteValue.h>
 
 namespace vq::sim {
 namespace {
 
 using nlohmann::json;
-
-// No site nests deeper; what does is an attempt on the stack.
-constexpr int kDeepest = 32;
-
-// One value of the file, with its place in it.
-struct Value {
-  const json& node;
-  const std::string& file;
-  std::string place;
-
-  [[noreturn]] void Fail(const std::string& what) const {
-    throw SiteError(file + ": " + (place.empty() ? "/" : place) + ": " + what);
-  }
-  [[nodiscard]] Value Child(const std::string& key, const json& child) const {
-    return {child, file, place + "/" + key};
-  }
-};
-
-using Reader = std::function<void(const Value&)>;
-using Fields = std::map<std::string_view, Reader>;
-
-// Reads an object by its keys; each key must be one of the fields.
-void ReadObject(const Value& value, const Fields& fields) {
-  if (!value.node.is_object()) value.Fail("must be an object");
-  for (const auto& [key, child] : value.node.items()) {
-    const auto field = fields.find(key);
-    if (field == fields.end()) value.Child(key, child).Fail("unknown key");
-    field->second(value.Child(key, child));
-  }
-}
-
-// Reads an object whose keys are names of the site's own.
-void ReadNamed(const Value& value,
-               const std::function<void(const std::string&, const Value&)>& item) {
-  if (!value.node.is_object()) value.Fail("must be an object");
-  for (const auto& [key, child] : value.node.items()) item(key, value.Child(key, child));
-}
-
-void ReadArray(const Value& value, const Reader& item) {
-  if (!value.node.is_array()) value.Fail("must be an array");
-  std::size_t index = 0;
-  for (const json& child : value.node) item(value.Child(std::to_string(index++), child));
-}
-
-std::string Text(const Value& value) {
-  if (!value.node.is_string()) value.Fail("must be a string");
-  auto text = value.node.get<std::string>();
-  if (text.find('\0') != std::string::npos) value.Fail("must not hold a zero character");
-  return text;
-}
-
-bool Flag(const Value& value) {
-  if (!value.node.is_boolean()) value.Fail("must be true or false");
-  return value.node.get<bool>();
-}
-
-template <typename Number>
-Number Whole(const Value& value, Number least, Number most) {
-  const auto range =
-      "must be a whole number from " + std::to_string(least) + " to " + std::to_string(most);
-  if (!value.node.is_number_integer()) value.Fail(range);
-  if (value.node.is_number_unsigned() &&
-      value.node.get<std::uint64_t>() > static_cast<std::uint64_t>(most)) {
-    value.Fail(range);
-  }
-  const auto number = value.node.get<std::int64_t>();
-  if (number < static_cast<std::int64_t>(least) || number > static_cast<std::int64_t>(most)) {
-    value.Fail(range);
-  }
-  return static_cast<Number>(number);
-}
-
-std::int32_t Long(const Value& value) {
-  return Whole<std::int32_t>(value, std::numeric_limits<std::int32_t>::min(),
-                             std::numeric_limits<std::int32_t>::max());
-}
-
-std::chrono::milliseconds Milliseconds(const Value& value) {
-  return std::chrono::milliseconds(Whole(value, 0, 3'600'000));
-}
-
-// The index of a text in a list of names.
-template <typename Names>
-int OneOf(const Value& value, const std::string& text, const Names& names) {
-  const auto found = std::find(std::begin(names), std::end(names), text);
-  if (found != std::end(names)) return static_cast<int>(std::distance(std::begin(names), found));
-  std::string all;
-  for (const std::string_view name : names) all += (all.empty() ? "" : ", ") + std::string(name);
-  value.Fail("'" + text + "' is not one of " + all);
-}
-
-Reader Into(std::string& target) {
-  return [&target](const Value& value) { target = Text(value); };
-}
-Reader Into(bool& target) {
-  return [&target](const Value& value) { target = Flag(value); };
-}
-Reader Into(std::chrono::milliseconds& target) {
-  return [&target](const Value& value) { target = Milliseconds(value); };
-}
-Reader Into(std::int32_t& target) {
-  return [&target](const Value& value) { target = Long(value); };
-}
 
 Grant ReadGrant(const Value& value, bool service) {
   Grant grant;
@@ -362,31 +254,6 @@ Site ReadSite(const json& document, const std::string& name) {
        {"faults", ListInto(site.faults, ReadFault)}});
   CheckGroups(site, root);
   return site;
-}
-
-json ParseSite(const std::string& text, const std::string& name) {
-  const auto shallow = [&name](int depth, json::parse_event_t, json&) {
-    if (depth > kDeepest) throw SiteError(name + ": nested too deeply");
-    return true;
-  };
-  try {
-    return json::parse(text, shallow, true, true);
-  } catch (const json::parse_error& error) {
-    const std::size_t end = std::min(error.byte == 0 ? 0 : error.byte - 1, text.size());
-    const auto line =
-        1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '\n');
-    const std::size_t start = end == 0 ? std::string::npos : text.rfind('\n', end - 1);
-    const std::size_t column = start == std::string::npos ? end + 1 : end - start;
-    throw SiteError(name + ":" + std::to_string(line) + ":" + std::to_string(column) +
-                    ": not JSON");
-  }
-}
-
-json ParseSiteFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file.is_open() || file.bad()) throw SiteError(path.string() + ": cannot be read");
-  return ParseSite(text, path.string());
 }
 
 }  // namespace vq::sim

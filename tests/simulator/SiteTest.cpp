@@ -63,7 +63,9 @@ TEST(Site, RefusesWhatItDoesNotMeanAndTellsThePlace) {
   for (const auto& [text, error] : cases) {
     EXPECT_EQ(ErrorOf(text).rfind(error, 0), 0U) << text << "\n" << ErrorOf(text);
   }
-  EXPECT_EQ(ErrorOf(std::string(100'000, '[')).rfind("s: nested too deeply", 0), 0U);
+  EXPECT_EQ(ErrorOf(std::string(100'000, '[') + std::string(100'000, ']'))
+                .rfind("s: nested too deeply", 0),
+            0U);
 }
 
 TEST(Site, ThePrivilegeOfAUserStandsBeforeTheGroups) {
