@@ -11,18 +11,17 @@
 #include <string>
 #include <vector>
 
-#include <support/Export.h>
 #include <support/orb/Corba.h>
 #include <vq_idl/AuthorizationC.h>
 
 // Thread contract: a plain value.
-struct VQ_SUPPORT_API VQServiceAuth {
+struct VQServiceAuth {
   std::string Criteria;
   QCSAuthLevelEnum Level = DEFAULT_ACCESS;
   std::vector<int> Actions;  // as the server sent them
 };
 
 // Turns a wire list into the list, which takes its place: what `grants` held before is gone.
-VQ_SUPPORT_API void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& grants);
+void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& grants);
 
 #endif  // VQ_SUPPORT_ORB_VQSERVICEAUTH_H

@@ -6,10 +6,9 @@
 
 #include <string>
 
-#include <support/Export.h>
 
 // Thread contract: any thread, any time.
-class VQ_SUPPORT_API os_file_system {
+class os_file_system {
  public:
   // Whether something stands at the path: a file, a directory, anything. A link counts as what it
   // leads to. False also when the path cannot be looked at, is empty, or holds a zero byte.

@@ -12,10 +12,9 @@
 #include <string_view>
 #include <vector>
 
-#include <support/Export.h>
 
 // Thread contract: does not change after construction, so any number of threads may read one.
-class VQ_SUPPORT_API os_tokenizer {
+class os_tokenizer {
  public:
   // The text is copied. Without delimiters the whole text is one token, unless it is empty.
   os_tokenizer(std::string_view text, std::string_view delimiters);

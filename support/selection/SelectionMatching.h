@@ -14,7 +14,6 @@
 #include <string>
 #include <string_view>
 
-#include <support/Export.h>
 
 namespace vq {
 
@@ -53,7 +52,7 @@ struct SelectionMatching {
 
 // Whether an attribute with the text `attribute` fits the operator and the value. May be called
 // from any thread.
-VQ_SUPPORT_API bool MatchesValue(SelectionOperator op, std::string_view value,
+bool MatchesValue(SelectionOperator op, std::string_view value,
                                  std::string_view attribute);
 
 }  // namespace vq

@@ -1,0 +1,76 @@
+#!/usr/bin/env python3
+"""Checks what the library exports: exactly the names of exported_names.txt and the wire types.
+
+A wire type is a name that idl/ declares, and what the C++ mapping makes of it (X_var, X_Helper,
+POA_X, TypeCodes, insertion into and extraction from an Any).
+"""
+
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+DECORATION = re.compile(
+    r"^(vtable for|typeinfo for|typeinfo name for|VTT for|construction vtable for"
+    r"|virtual thunk to|non-virtual thunk to|guard variable for) "
+)
+MAPPING_OPERATOR = re.compile(r"^operator(<<=|>>=)\((CORBA::Any|\w+&?, cdrStream)")
+
+
+def demangled_symbols(library):
+    output = subprocess.run(
+        ["nm", "-DC", "--defined-only", library], check=True, capture_output=True, text=True
+    ).stdout
+    return [line.split(" ", 2)[2] for line in output.splitlines()]
+
+
+def wire_names(folder):
+    """Every name that the interface definitions declare at the outermost scope."""
+    names = set()
+    for file in folder.glob("*.idl"):
+        text = re.sub(r"//[^\n]*|/\*.*?\*/", "", file.read_text(), flags=re.S)
+        names |= set(re.findall(r"\b(?:interface|struct|enum|exception)\s+(\w+)", text))
+        names |= set(re.findall(r"\btypedef\b[^;]*?(\w+)\s*;", text))
+    return names
+
+
+def entity(symbol):
+    """The qualified name of what a demangled symbol is of, without arguments and result type."""
+    name = DECORATION.sub("", symbol)
+    name = re.sub(r"\[abi:\w+\]", "", name)
+    name = re.split(r"::operator|[(\[<]| const$", name)[0].strip()
+    return name.split(" ")[-1]  # a template's symbol starts with its result type
+
+
+def main():
+    library, list_file, idl = Path(sys.argv[1]), Path(sys.argv[2]), Path(sys.argv[3])
+    promised = {
+        line.strip()
+        for line in list_file.read_text().splitlines()
+        if line.strip() and not line.startswith("#")
+    }
+    wire = wire_names(idl)
+    seen, surplus = set(), set()
+    for symbol in demangled_symbols(library):
+        if MAPPING_OPERATOR.match(symbol):
+            continue  # of a wire type by its own declaration, which is generated
+        name = symbol if symbol in promised else entity(symbol)
+        found = next((p for p in promised if name == p or name.startswith(p + "::")), None)
+        if found:
+            seen.add(found)
+            continue
+        outer = name.split("::")[0]
+        bare = re.sub(r"^(_objref_|_impl_|_pof_|POA_|_tc_|_omni_)|(_var|_out|_Helper|_forany)$", "",
+                      outer)
+        if bare not in wire and outer not in wire:
+            surplus.add(symbol)
+    for symbol in sorted(surplus):
+        print(f"exported and not promised: {symbol}")
+    for name in sorted(promised - seen):
+        print(f"promised and not exported: {name}")
+    print(f"{len(seen)} promised names and {len(wire)} wire types looked at")
+    return 1 if surplus or promised != seen or len(wire) < 50 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
