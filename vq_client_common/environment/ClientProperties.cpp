@@ -43,10 +43,8 @@ std::string AsPointerText(const void* pointer) {
 // locale "de_DE.UTF-8". A name that does not answer is empty.
 std::array<std::string, 2> SystemLanguageNames() {
   constexpr std::size_t kLongestName = 9;
-  std::string locale;
-  for (const char* variable : {"LANG", "LC_MESSAGES", "LC_ALL"}) {
-    locale = vq::GetEnvOr(variable, locale);
-  }
+  const std::string locale =
+      vq::GetEnvOr("LC_ALL", vq::GetEnvOr("LC_MESSAGES", vq::GetEnvOr("LANG", "")));
   std::array names{locale.substr(0, locale.find_first_of(".@")),
                    locale.substr(0, locale.find_first_of("_.@"))};
   for (std::string& name : names) {
