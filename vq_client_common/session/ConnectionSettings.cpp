@@ -60,7 +60,9 @@ void ConnectionSettings::SetPassword(const std::string& password) {
   vq::Wipe(m_password);
   vq::Wipe(m_encodedPassword);
   m_password = password;
-  m_encodedPassword = EncodePassword(password);
+  std::string encoded = EncodePassword(password);
+  m_encodedPassword = encoded;
+  vq::Wipe(encoded);
   // Meant to be so: the encoded form is what is measured, so the line is never reached and no
   // password is too long.
   if (m_encodedPassword.size() > static_cast<std::size_t>(GetFieldLength(kPasswordField, false))) {

@@ -55,8 +55,10 @@ void RegisterAndUpdate(QCSCorbaUsersManager_ptr users, const vq::SecretString& n
 int SetUserPassword(const std::string& newPassword, bool expired) {
   const TDiagFunc diag(diagModule, "SetUserPassword");
   ConnectionSettings* const settings = ConnectionSettings::Get();
-  const vq::SecretString wirePassword(
-      settings->IsEncodePassword() ? ConnectionSettings::EncodePassword(newPassword) : newPassword);
+  std::string wireText =
+      settings->IsEncodePassword() ? ConnectionSettings::EncodePassword(newPassword) : newPassword;
+  const vq::SecretString wirePassword(wireText);
+  vq::Wipe(wireText);
   int result = kFailed;
   try {
     QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();

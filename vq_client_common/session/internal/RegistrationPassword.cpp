@@ -8,7 +8,9 @@ namespace vq::session {
 
 RegistrationPassword::RegistrationPassword(const ConnectionSettings& settings)
     : m_challengeResponse(settings.IsChallengeResponse()) {
-  m_password.Text() = settings.GetPassword(ENC_AS_CONFIGURED);
+  std::string password = settings.GetPassword(ENC_AS_CONFIGURED);
+  m_password.Text() = password;
+  Wipe(password);
 }
 
 bool RegistrationPassword::Answer(QCSCorbaUsersManager_ptr users, const TDiagFunc& diag) {
