@@ -25,6 +25,8 @@ int main(int argc, char** argv) {
   AddLoginCommand(program, line, exitCode);
   AddSessionCommand(program, line, exitCode);
   AddParameterCommand(program, line, exitCode);
+  AddAuthCommand(program, line, exitCode);
+  AddConfigCommand(program, line, exitCode);
   AddPasswordCommand(program, line, exitCode);
   AddVersionCommand(program, line, exitCode);
 

@@ -38,6 +38,7 @@
 #include <vq_client_common/session/PasswordPolicy.h>
 #include <vq_client_common/session/ServerId.h>
 #include <vq_client_common/session/ServerLocale.h>
+#include <vq_client_common/session/SettingsReport.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/VQBaseException.h>
 #include <vq_client_common/session/VQDetailedMessageException.h>

@@ -1,0 +1,94 @@
+#include <vq_client_common/session/SettingsReport.h>
+
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+
+#include <support/foundations/Environment.h>
+#include <support/foundations/Locations.h>
+#include <support/foundations/ProductVersion.h>
+#include <support/foundations/ProfileSettings.h>
+#include <support/orb/DomainScopes.h>
+#include <vq_client_common/session/internal/ClientTable.h>
+
+namespace vq {
+namespace {
+
+// A location is chosen by the first of these variables that is set, and made up without them.
+Setting Location(const char* name, const std::string& value,
+                 std::initializer_list<const char*> variables) {
+  for (const char* const variable : variables) {
+    if (!GetEnvOr(variable, "").empty()) {
+      return {"locations", name, value, std::string("environment, ") + variable};
+    }
+  }
+  return {"locations", name, value, "built in"};
+}
+
+Setting Variable(const char* group, const char* name) {
+  const std::optional<std::string> value = GetEnv(name);
+  return {group, name, value.value_or(""), value ? "environment" : "not set"};
+}
+
+void AddLocations(std::list<Setting>& settings, const std::string& domainFile) {
+  settings.push_back(Location("root", GetVQRootLocation(), {"VQ_HOME"}));
+  settings.push_back(
+      Location("data", GetVQDataLocation(), {"VQ_DATA", "VQ_HOME", "XDG_DATA_HOME"}));
+  settings.push_back(Location("user's settings", GetUserSettingsDirectory(), {"XDG_CONFIG_HOME"}));
+  settings.push_back(Location("configuration domain", domainFile,
+                              {"VQ_CONFIG_DOMAINS", "VQ_CONFIG_DOMAIN", "VQ_HOME"}));
+}
+
+void AddOrbSettings(std::list<Setting>& settings, const orb::DomainScopes& scopes, int argc,
+                    const char* const* argv) {
+  if (!scopes.error.empty()) {
+    settings.push_back({"ORB", "configuration domain", scopes.error, scopes.file});
+    return;
+  }
+  try {
+    const orb::OrbSettings resolved =
+        orb::ResolveSettings(orb::SplitArguments(argc, argv), scopes.own, scopes.common);
+    for (const orb::ResolvedSetting& setting : resolved.table) {
+      settings.push_back(
+          {"ORB", setting.name, setting.value, std::string(SettingOriginText(setting.origin))});
+    }
+  } catch (const std::invalid_argument& e) {
+    settings.push_back({"ORB", "malformed", e.what(), ""});
+  }
+}
+
+void AddClientProduct(std::list<Setting>& settings) {
+  std::string version;
+  std::list<std::string> patches;
+  const bool found = GetProductVersion("NFT", version, patches) == 1;
+  for (const std::string& patch : patches) version += " " + patch;
+  settings.push_back({"client", "product NFT", version,
+                      found ? GetVQRootLocation() + "installed-products.ini" : "not set"});
+}
+
+}  // namespace
+
+std::list<Setting> ReportSettings(CLIENT_ID clientId, int argc, const char* const* argv) {
+  std::list<Setting> settings;
+  orb::DomainScopes scopes;
+  orb::ReadDomainScopes(std::string(session::ClientKindOf(clientId).orbName), scopes);
+  AddLocations(settings, scopes.file);
+  AddOrbSettings(settings, scopes, argc, argv);
+  settings.push_back(Variable("log", "VQ_DIAG_LEVEL"));
+  settings.push_back(Variable("log", "VQ_DIAG_FILE"));
+
+  int timeOut = 0;
+  const bool profile = GetProfileIntFromCurrentUserOrLocalMachine("", "Orb Parameters",
+                                                                  "RegisterTimeOut", timeOut, true);
+  settings.push_back({"session", "[Orb Parameters] RegisterTimeOut",
+                      profile ? std::to_string(timeOut) : "",
+                      profile ? "profile.ini" : "not set; the server is asked"});
+  for (const char* const name :
+       {"ENABLE_TEST_CALLBACK", "AuditAnnotationRequired", "SUPPORT_CJK"}) {
+    settings.push_back(Variable("session", name));
+  }
+  AddClientProduct(settings);
+  return settings;
+}
+
+}  // namespace vq
