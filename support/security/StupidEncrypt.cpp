@@ -4,8 +4,15 @@ namespace {
 
 constexpr char kLineEnd = '\n';
 constexpr unsigned kNumbers = 255;  // the byte values without the line end
-constexpr unsigned kFirstState = 90;
-constexpr unsigned kStep = 37;
+constexpr unsigned kStates = 16;
+
+unsigned ShiftOf(unsigned state) {
+  return 195 + 4 * state;
+}  // at most 255
+
+unsigned StateBehind(unsigned state, char hidden) {
+  return (state + static_cast<unsigned char>(hidden) + 6) % kStates;
+}
 
 unsigned NumberOf(char character) {
   const auto byte = static_cast<unsigned char>(character);
@@ -20,22 +27,23 @@ char CharacterOf(unsigned number) {
 
 void StupidEncrypt(const std::string& in, std::string& out) {
   if (&out != &in) out = in;
-  unsigned state = kFirstState;
+  unsigned state = 0;
   for (char& character : out) {
-    if (character == kLineEnd) continue;
-    const unsigned hidden = (NumberOf(character) + state) % kNumbers;
-    character = CharacterOf(hidden);
-    state = (hidden + kStep) % kNumbers;
+    if (character != kLineEnd) {
+      character = CharacterOf((NumberOf(character) + ShiftOf(state)) % kNumbers);
+    }
+    state = StateBehind(state, character);
   }
 }
 
 void StupidDecrypt(const std::string& in, std::string& out) {
   if (&out != &in) out = in;
-  unsigned state = kFirstState;
+  unsigned state = 0;
   for (char& character : out) {
-    if (character == kLineEnd) continue;
-    const unsigned hidden = NumberOf(character);
-    character = CharacterOf((hidden + kNumbers - state) % kNumbers);
-    state = (hidden + kStep) % kNumbers;
+    const char hidden = character;
+    if (hidden != kLineEnd) {
+      character = CharacterOf((NumberOf(hidden) + kNumbers - ShiftOf(state)) % kNumbers);
+    }
+    state = StateBehind(state, hidden);
   }
 }

@@ -9,11 +9,11 @@
 //
 // The line end 0x0A stays where it is and no other byte becomes one, so that a reader of lines
 // finds the same lines in both forms. The other 255 byte values are taken as the numbers 0 to 254
-// in their order (0x00 to 0x09 as 0 to 9, 0x0B to 0xFF as 10 to 254), and a state s goes from byte
-// to byte; at the start s = 90:
+// in their order (0x00 to 0x09 as 0 to 9, 0x0B to 0xFF as 10 to 254), and a state s from 0 to 15
+// goes from byte to byte; at the start s = 0:
 //
-//   hidden number = (plain number + s) mod 255
-//   next s        = (hidden number + 37) mod 255     (a line end leaves s as it is)
+//   hidden number = (plain number + 195 + 4 s) mod 255     (a line end is taken as it is)
+//   next s        = (s + hidden byte + 6) mod 16           (also behind a line end)
 //
 // Thread contract: both functions may be called from any thread.
 #ifndef VQ_SUPPORT_SECURITY_STUPIDENCRYPT_H

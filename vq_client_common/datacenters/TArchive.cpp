@@ -1,14 +1,15 @@
 #include <vq_client_common/datacenters/TArchive.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <limits>
 #include <new>
 #include <streambuf>
+#include <string_view>
 #include <type_traits>
 
 #include <support/security/StupidEncrypt.h>
@@ -35,23 +36,49 @@ void RequireGood(const std::iostream& stream) {
   if (!stream.good()) Fail();
 }
 
+constexpr std::size_t kStates = 16;
+
+// The plain byte by the cipher's state and the hidden byte: one look-up a byte, and no choice that
+// hangs on the data.
+struct PlainTable {
+  std::array<std::array<char, 256>, kStates> byState{};
+
+  constexpr PlainTable() {
+    for (std::size_t state = 0; state < kStates; ++state) {
+      const std::size_t shift = 195 + 4 * state;
+      for (std::size_t byte = 0; byte < 256; ++byte) {
+        if (byte == kLineEnd) {
+          byState[state][byte] = kLineEnd;
+          continue;
+        }
+        // The byte's place among the 255 that are no line end, moved back by the shift.
+        const std::size_t number = byte - (byte > kLineEnd ? 1 : 0);
+        const std::size_t plain = (number + 255 - shift) % 255;
+        byState[state][byte] =
+            static_cast<char>(static_cast<unsigned char>(plain + (plain >= kLineEnd ? 1 : 0)));
+      }
+    }
+  }
+};
+constexpr PlainTable kPlain;
+
 // Runs `read` on the stream's buffer and gives the stream the state that it returns. The pieces
 // it reads come from RecordPieces.h; the stream's state comes out as if it had extracted them.
 template <typename Read>
 void Load(std::iostream& stream, Read read) {
-  State state = kGood;
-  const std::istream::sentry sentry(stream, true);
-  if (sentry) {
-    try {
-      state = read(*stream.rdbuf());
-    } catch (const std::bad_alloc&) {
-      throw;
-    } catch (const std::exception&) {  // from the stream's buffer
-      state = std::ios_base::badbit;
-    }
-    if (state != kGood) stream.setstate(state);
-  }
   RequireGood(stream);
+  State state = kGood;
+  try {
+    if (stream.tie() != nullptr) stream.tie()->flush();
+    state = read(*stream.rdbuf());
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception&) {  // from the stream's buffer
+    state = std::ios_base::badbit;
+  }
+  if (state == kGood) return;
+  stream.setstate(state);
+  Fail();
 }
 
 // One line without its end. A line of more than 512 bytes is a failure.
@@ -62,9 +89,25 @@ std::string ReadLine(std::iostream& stream) {
   return std::string(line.data(), static_cast<std::size_t>(stream.gcount() - 1));
 }
 
+// As strtoul reads it, up to a zero byte or the end of `text`.
+unsigned long ToUnsignedLong(std::string_view text) {
+  constexpr unsigned long kMax = std::numeric_limits<unsigned long>::max();
+  std::size_t at = 0;
+  while (at < text.size() && (text[at] == ' ' || (text[at] >= '\t' && text[at] <= '\r'))) ++at;
+  const bool negative = at < text.size() && text[at] == '-';
+  if (at < text.size() && (text[at] == '-' || text[at] == '+')) ++at;
+  unsigned long value = 0;
+  for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
+    const auto digit = static_cast<unsigned long>(text[at] - '0');
+    if (value >= kMax / kDecimal && value > (kMax - digit) / kDecimal) return kMax;
+    value = value * kDecimal + digit;
+  }
+  return negative ? 0 - value : value;
+}
+
 // Meant: only the digits before the decimal point are read, archives in the field depend on it.
-double ToDouble(const char* text) {
-  return static_cast<double>(static_cast<std::uint32_t>(std::strtoul(text, nullptr, kDecimal)));
+double ToDouble(std::string_view text) {
+  return static_cast<double>(static_cast<std::uint32_t>(ToUnsignedLong(text)));
 }
 
 }  // namespace
@@ -100,19 +143,12 @@ std::iostream& TArchive::Stream() const {
   return *m_stream;
 }
 
-// The inverse of StupidEncrypt's rule, on the bytes where they are: a byte's number, which leaves
-// out the line end, less the state that the byte before it left.
-void TArchive::RecordCipher(char* bytes, std::size_t count) {
-  int state = 90;
-  for (char* const end = bytes + count; bytes != end; ++bytes) {
-    const int hidden = static_cast<unsigned char>(*bytes);
-    if (hidden == kLineEnd) continue;
-    const int number = hidden - (hidden > kLineEnd ? 1 : 0);
-    int plain = number - state;
-    if (plain < 0) plain += 255;
-    *bytes = static_cast<char>(static_cast<unsigned char>(plain + (plain >= kLineEnd ? 1 : 0)));
-    state = number + 37;
-    if (state >= 255) state -= 255;
+void TArchive::RecordCipher(std::string_view hidden, char* plain) {
+  unsigned sum = 0;  // the state is its remainder
+  for (const char character : hidden) {
+    const auto byte = static_cast<unsigned char>(character);
+    *plain++ = kPlain.byState[sum % kStates][byte];
+    sum += byte + 6U;
   }
 }
 
@@ -217,36 +253,49 @@ TArchive& TArchive::operator>>(std::string& value) {
   }
   const bool ciphered = m_decryptType == kRecords;
   Load(Stream(), [&](std::streambuf& in) {
+    if (const vq::WholeRecord record = vq::PeekRecord(in); record.size > 0) {
+      if (ciphered) {
+        value.resize(record.body.size());
+        RecordCipher(record.body, value.data());
+      } else {
+        value = record.body;
+      }
+      vq::SkipRecord(in, record);
+      return kGood;
+    }
     std::int64_t prefix = 0;
     if (const State state = vq::ReadPrefix(in, prefix); state != kGood) return state;
     if (prefix < 0 || prefix > std::numeric_limits<std::int32_t>::max()) return kFail;
     const std::size_t count = prefix == 0 ? 0 : static_cast<std::size_t>(prefix - 1);
     if (const State state = vq::ReadBody(in, count, value); state != kGood) return state;
-    if (ciphered) RecordCipher(value.data(), value.size());
+    if (ciphered) RecordCipher(value, value.data());
     return vq::SkipLine(in);
   });
   return *this;
 }
 
 unsigned long TArchive::ReadUnsignedLong() {
-  if (m_decryptType == kLines) {
-    return std::strtoul(ReadCipheredLine().c_str(), nullptr, kDecimal);
-  }
-  unsigned long value = 0;
+  if (m_decryptType == kLines) return ToUnsignedLong(ReadCipheredLine());
   const bool ciphered = m_decryptType == kRecords;
+  std::array<char, kMaxNumber> text;
+  std::string_view body;
   Load(Stream(), [&](std::streambuf& in) {
+    const vq::WholeRecord record = vq::PeekRecord(in);
+    if (record.size > 0 && record.body.size() <= kMaxNumber) {
+      body = {text.data(), record.body.copy(text.data(), text.size())};
+      vq::SkipRecord(in, record);
+      return kGood;
+    }
     std::int64_t prefix = 0;
     if (const State state = vq::ReadPrefix(in, prefix); state != kGood) return state;
     // In 32 bits without sign, so that a prefix of 0 claims far too many bytes.
     const auto count = static_cast<std::uint32_t>(prefix - 1);
     if (count > kMaxNumber) Fail();
-    std::array<char, kMaxNumber + 1> text{};
-    if (in.sgetn(text.data(), count) != count) return kAtEnd;
-    if (ciphered) RecordCipher(text.data(), count);
-    value = std::strtoul(text.data(), nullptr, kDecimal);
-    return vq::SkipLine(in);
+    body = {text.data(), count};
+    return in.sgetn(text.data(), count) == count ? vq::SkipLine(in) : kAtEnd;
   });
-  return value;
+  if (ciphered) RecordCipher(body, text.data());
+  return ToUnsignedLong(body);
 }
 
 TArchive& TArchive::operator>>(double& value) {
@@ -273,7 +322,7 @@ TArchive& TArchive::operator>>(double& value) {
     // Meant: deciphered at every decrypt type, and the line end stays; the next load skips it.
     StupidDecrypt(text, text);
   }
-  value = ToDouble(text.c_str());
+  value = ToDouble(text);
   return *this;
 }
 

@@ -20,10 +20,10 @@
 #ifndef VQ_CLIENT_COMMON_DATACENTERS_TARCHIVE_H
 #define VQ_CLIENT_COMMON_DATACENTERS_TARCHIVE_H
 
-#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include <vq_client_common/Export.h>
 #include <vq_client_common/datacenters/TArchiveException.h>
@@ -96,8 +96,8 @@ class VQ_CLIENT_COMMON_API TArchive {
   TArchive& operator>>(double& value);  // decrypt type kLines reads a line and leaves `value` alone
 
  private:
-  // Undoes StupidEncrypt in place.
-  static void RecordCipher(char* bytes, std::size_t count);
+  // Undoes StupidEncrypt: writes as many bytes as it reads, which may be the same ones.
+  static void RecordCipher(std::string_view hidden, char* plain);
 
   std::iostream& Stream() const;
   void WriteRecord(const std::string& text);

@@ -1,8 +1,8 @@
 #include <support/security/StupidEncrypt.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <random>
+#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -24,14 +24,14 @@ std::string Decrypted(const std::string& text) {
 // Computed by another implementation of the rule in the header.
 TEST(StupidEncryptTest, KnownAnswers) {
   EXPECT_EQ(Encrypted(""), "");
-  EXPECT_EQ(Encrypted("T1/T2"), "\xae\x03\x57\xcf\x26");
-  EXPECT_EQ(Encrypted(std::string(3, '\0')), "\x5b\x80\xa5");
-  EXPECT_EQ(Encrypted("a\na"), "\xbb\x0a\x41");
-  EXPECT_EQ(Encrypted(std::string("\0\t\n\v\xff", 5)), "\x5b\x89\x0a\xb8\xdc");
+  EXPECT_EQ(Encrypted("T1/T2"), "\x18\x2d\xf6\x4c\x32");
+  EXPECT_EQ(Encrypted(std::string(3, '\0')), "\xc4\xec\xf4");
+  EXPECT_EQ(Encrypted("a\na"), "\x25\x0a\x51");
+  EXPECT_EQ(Encrypted(std::string("\0\t\n\v\xff", 5)), "\xc4\xf5\x0a\xe2\xf7");
 }
 
 // The property that the archive's lines rest on: at every state, a byte becomes a line end exactly
-// when it is one. All 255 states occur behind the 255 values of a first byte.
+// when it is one. Every state occurs behind the values of a first byte.
 TEST(StupidEncryptTest, LineEndsStayAndNoneIsMade) {
   for (int before = 0; before < 256; ++before) {
     for (int byte = 0; byte < 256; ++byte) {
@@ -63,7 +63,7 @@ TEST(StupidEncryptTest, EveryTextComesBack) {
 
 TEST(StupidEncryptTest, TheStateIsCarried) {
   const std::string hidden = Encrypted("aaaaaaaa");
-  EXPECT_GT(std::count_if(hidden.begin(), hidden.end(), [&](char c) { return c != hidden[0]; }), 5);
+  EXPECT_GT(std::set<char>(hidden.begin(), hidden.end()).size(), 2U);
 }
 
 }  // namespace
