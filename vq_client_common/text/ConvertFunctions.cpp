@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstddef>
 #include <cstring>
 #include <stdexcept>
@@ -87,28 +86,92 @@ int LengthOf(const char* prefix) {
   return plain ? static_cast<int>(value) : vq::Atoi(std::string_view(prefix, kPrefix));
 }
 
-void AppendRecord(std::string_view line, std::string& buffer) {
-  std::array<char, 24> prefix{'0', '0', '0', '0'};
-  const std::size_t length = line.size();
-  std::size_t size = kPrefix;
-  if (length < 10000) {
-    prefix[0] = static_cast<char>('0' + length / 1000);
-    prefix[1] = static_cast<char>('0' + length / 100 % 10);
-    prefix[2] = static_cast<char>('0' + length / 10 % 10);
-    prefix[3] = static_cast<char>('0' + length % 10);
-  } else {
-    char* const end = std::to_chars(prefix.data(), prefix.data() + prefix.size(), length).ptr;
-    size = static_cast<std::size_t>(end - prefix.data());
+// Writes a text from its start over what the string held, and cuts the string to what was written
+// at the end of its life. The string is given its length once, not with every piece.
+class Output {
+ public:
+  // `expected` is a guess of the length; more is made room for.
+  Output(std::string& text, std::size_t expected) : m_text(text) {
+    if (m_text.size() < expected) m_text.resize(expected);
+    PointBehind(0);
   }
-  buffer.append(prefix.data(), size);
-  buffer.append(line);
+  ~Output() { m_text.resize(Size()); }
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+
+  void Append(std::string_view piece) {
+    if (Room() < piece.size()) Grow(piece.size());
+    std::memcpy(m_to, piece.data(), piece.size());
+    m_to += piece.size();
+  }
+
+  // Appends the first `length` bytes of `from`. The usual line is moved in one or two parts of a
+  // fixed size, which is faster than one of the right size; what they bring too much lies in the
+  // string and is overwritten by the next piece or cut off.
+  void AppendLine(std::string_view from, std::size_t length) {
+    constexpr std::size_t kPart = 64;
+    if (length > 2 * kPart || from.size() < 2 * kPart || Room() < 2 * kPart) {
+      Append(from.substr(0, length));
+      return;
+    }
+    std::memcpy(m_to, from.data(), kPart);
+    if (length > kPart) std::memcpy(m_to + kPart, from.data() + kPart, kPart);
+    m_to += length;
+  }
+
+ private:
+  std::size_t Size() const { return static_cast<std::size_t>(m_to - m_text.data()); }
+  std::size_t Room() const { return static_cast<std::size_t>(m_end - m_to); }
+  void PointBehind(std::size_t size) {
+    m_to = m_text.data() + size;
+    m_end = m_text.data() + m_text.size();
+  }
+  void Grow(std::size_t more) {
+    const std::size_t size = Size();
+    m_text.resize(std::max(size + more, size / 2 * 3));
+    PointBehind(size);
+  }
+
+  std::string& m_text;
+  char* m_to = nullptr;
+  char* m_end = nullptr;
+};
+
+constexpr auto kTwoDigits = [] {
+  std::array<char, 200> digits{};
+  for (std::size_t i = 0; i < 100; ++i) {
+    digits[2 * i] = static_cast<char>('0' + i / 10);
+    digits[2 * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  return digits;
+}();
+
+// A record of the first `length` bytes of `from`.
+void AppendRecord(std::string_view from, std::size_t length, Output& out) {
+  if (length < 10000) {
+    std::array<char, kPrefix> prefix;
+    std::memcpy(prefix.data(), &kTwoDigits[length / 100 * 2], 2);
+    std::memcpy(prefix.data() + 2, &kTwoDigits[length % 100 * 2], 2);
+    out.Append(std::string_view(prefix.data(), kPrefix));
+  } else {
+    out.Append(std::to_string(length));
+  }
+  out.AppendLine(from, length);
+}
+
+// Where the first CR LF of `text` begins; its size when there is none.
+std::size_t FindLineEnd(std::string_view text) {
+  for (std::size_t at = 0; (at = text.find('\r', at)) != kNone; ++at) {
+    if (at + 1 < text.size() && text[at + 1] == '\n') return at;
+  }
+  return text.size();
 }
 
 // Meant: a record of two or more blanks and nothing else stays; servers hold such lines.
-std::string_view TrimmedRight(std::string_view line) {
+std::size_t TrimmedLength(std::string_view line) {
   const std::size_t last = line.find_last_not_of(' ');
-  if (last != kNone) return line.substr(0, last + 1);
-  return line == " " ? std::string_view() : line;
+  if (last != kNone) return last + 1;
+  return line == " " ? 0 : line.size();
 }
 
 }  // namespace
@@ -149,19 +212,18 @@ int ConvertBuffer2Lines(const std::string& buffer, std::string& lines) {
   std::string copy;
   std::string_view rest = buffer;
   if (&buffer == &lines) rest = copy = buffer;
-  lines.clear();
   // A record gives at most what it takes: two bytes of line end for four of prefix.
-  lines.reserve(rest.size());
+  Output out(lines, rest.size());
   while (!rest.empty()) {
     if (rest.size() < kPrefix) return 0;
     const int length = LengthOf(rest.data());
     if (length < 0) return 0;
     rest.remove_prefix(kPrefix);
     const auto wanted = static_cast<std::size_t>(length);
-    lines.append(rest.substr(0, wanted));
+    out.AppendLine(rest, std::min(wanted, rest.size()));
     if (wanted > rest.size()) throw std::out_of_range("invalid string position");
     rest.remove_prefix(wanted);
-    if (!rest.empty()) lines.append(kLineEnd);
+    if (!rest.empty()) out.Append(kLineEnd);
   }
   return 1;
 }
@@ -174,20 +236,19 @@ int ConvertLines2Buffer(const std::string& lines, std::string& buffer, unsigned 
   std::string copy;
   std::string_view rest = lines;
   if (&lines == &buffer) rest = copy = lines;
-  buffer.clear();
-  buffer.reserve(rest.size() + rest.size() / 16);
+  Output out(buffer, rest.size() + rest.size() / 16);
   while (!rest.empty()) {
-    const std::size_t end = rest.find(kLineEnd);
-    std::string_view line = rest.substr(0, end);
-    const bool last = end == kNone;
-    for (; line.size() > maxLine; line.remove_prefix(maxLine)) {
-      const std::string_view piece = line.substr(0, maxLine);
-      AppendRecord(last ? TrimmedRight(piece) : piece, buffer);
+    const std::size_t end = FindLineEnd(rest);
+    const bool last = end == rest.size();
+    for (std::size_t left = end;; left -= maxLine) {
+      const std::size_t length = std::min<std::size_t>(left, maxLine);
+      AppendRecord(rest, last ? TrimmedLength(rest.substr(0, length)) : length, out);
+      rest.remove_prefix(length);
+      if (left <= maxLine) break;
     }
-    AppendRecord(last ? TrimmedRight(line) : line, buffer);
     if (last) break;
-    rest.remove_prefix(end + kLineEnd.size());
-    if (rest.empty()) AppendRecord({}, buffer);
+    rest.remove_prefix(kLineEnd.size());
+    if (rest.empty()) AppendRecord(rest, 0, out);
   }
   return 1;
 }

@@ -114,7 +114,7 @@ TEST(FormatTest, LogsWhatItDid) {
 
 // The result, the text so far, and "!" when the position error was raised.
 std::string Decoded(const std::string& buffer) {
-  std::string lines = "old";
+  std::string lines(500, '#');
   try {
     const int result = ConvertBuffer2Lines(buffer, lines);
     return std::to_string(result) + lines;
@@ -125,7 +125,7 @@ std::string Decoded(const std::string& buffer) {
 }
 
 std::string Encoded(const std::string& lines, unsigned maxLine) {
-  std::string buffer = "old";
+  std::string buffer(500, '#');
   EXPECT_EQ(ConvertLines2Buffer(lines, buffer, maxLine), 1);
   return buffer;
 }
@@ -174,6 +174,10 @@ TEST(LineBufferTest, Encodes) {
       {std::string(12345, 'x'), 20000, "12345" + std::string(12345, 'x')},
   };
   for (const auto& row : kRows) EXPECT_EQ(Encoded(row.lines, row.maxLine), row.expected);
+
+  std::string lineEnds;  // a buffer twice as long as its text
+  for (int i = 0; i < 999; ++i) lineEnds += "\r\n";
+  EXPECT_EQ(Encoded(lineEnds, 80), std::string(4000, '0'));
 }
 
 TEST(LineBufferTest, RefusesALimitOfZero) {
@@ -246,10 +250,12 @@ TEST(LineBufferTest, LinesComeBack) {
   for (int round = 0; round < 2000; ++round) {
     std::string lines;
     for (std::size_t i = 0, count = random() % 6; i < count; ++i) {
-      lines.append(random() % 90, static_cast<char>('!' + random() % 90)).append("\r\n");
+      lines.append(random() % 300, static_cast<char>('!' + random() % 90)).append("\r\n");
     }
     if (random() % 2 == 0) lines += "end";
     const std::string buffer = Encoded(lines, 9999);
+    ASSERT_EQ(buffer, PlainEncoded(lines, 9999));
+    ASSERT_EQ(Encoded(lines, 77), PlainEncoded(lines, 77));
     ASSERT_EQ(Decoded(buffer), "1" + lines);
     std::string inPlace = buffer;
     ASSERT_EQ(ConvertBuffer2Lines(inPlace, inPlace), 1);

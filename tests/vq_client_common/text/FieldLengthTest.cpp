@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <limits>
 #include <map>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,7 @@ QCSFieldName Field(int number) {
 
 TEST(FieldLengthTest, EveryFieldHasItsLength) {
   // By length here and by field in the code, so that one slip does not hide in the other.
-  const std::map<int, std::initializer_list<int>> kFieldsOfLength = {
+  const std::map<int, std::vector<int>> kFieldsOfLength = {
       {64, {0, 2, 3, 5, 15, 17, 20}},
       {255, {1, 6, 9, 16}},
       {32, {4}},
