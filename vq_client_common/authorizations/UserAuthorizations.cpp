@@ -4,7 +4,7 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaConversions.h>
-#include <support/orb/CorbaText.h>
+#include <vq_client_common/authorizations/internal/RemoteFailures.h>
 #include <vq_client_common/session/GetCRBServant.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
@@ -14,10 +14,8 @@ namespace {
 
 TDiagRegister diagModule("UserAuthorizations");
 
-constexpr int kLoaded = 1;
-constexpr int kFailed = 0;
-constexpr int kNotAuthorized = 43;
-constexpr int kSystemException = 23;
+using vq::authorizations::kFailure;
+using vq::authorizations::kSuccess;
 
 bool IsAtLeast(QCSAuthLevelEnum stored, QCSAuthLevelEnum wanted) {
   return static_cast<int>(stored) >= static_cast<int>(wanted);
@@ -88,13 +86,13 @@ UserAuthorizations::~UserAuthorizations() {
 
 int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
   const TDiagFunc diag(diagModule, "UserAuthorizations::LoadAuthorizations");
-  try {
+  return vq::authorizations::RunLoad(diag, [&] {
     QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
     const SERVER_ID serverId = LoginHandler::GetGlobal()->GetServerID();
     if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, serverId, true) != 1) {
       // The message announces a reconnection that does not happen; whoever reads logs knows it so.
       VQ_LOG(diag, 1) << "couldn't get CORBA servant automatic reconnect process is to be invoked.";
-      return kFailed;
+      return kFailure;
     }
     QCSCorbaAuthorizationStruct_var snapshot;
     users->CRB_GetMyAuthorizationsFromMemory(userId.c_str(), m_Authorization.out(), snapshot.out());
@@ -103,20 +101,8 @@ int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
     LoadGrants(snapshot.in());
     LoadAuthLevelForOrderForce();
     LoadChangePasswordAuthorization();
-    return kLoaded;
-  } catch (const USER_NOT_FOUND& e) {
-    VQ_LOG(diag, 1) << "Caught a UserNotFound Exception - " << e.Message.in();
-    return kFailed;
-  } catch (const USER_NOT_AUTHORIZED& e) {
-    VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
-    return kNotAuthorized;
-  } catch (const QCSCorbaUsersManager::INVALID_ACTION_NAME&) {
-    VQ_LOG(diag, 1) << "CRB_GetActionAuthLevel Failed with INVALID_ACTION_NAME exception";
-    return kLoaded;  // Counts as success, and that is meant: the login goes on.
-  } catch (const CORBA::SystemException& e) {
-    VQ_LOG(diag, 1) << "CORBA Exception " << e;
-    return kSystemException;
-  }
+    return kSuccess;
+  });
 }
 
 void UserAuthorizations::CopyPrivileges(const QCSAuthLevelEnumSeq& privileges) {
@@ -143,16 +129,16 @@ void UserAuthorizations::LoadGrants(const QCSCorbaAuthorizationStruct& snapshot)
 
 int UserAuthorizations::LoadAuthLevelForOrderForce() {
   std::string value;
-  if (!GetSystemParameter("Action_OrderForce_AuthLevel", value, "gsr", E_GSR)) return kFailed;
+  if (!GetSystemParameter("Action_OrderForce_AuthLevel", value, "gsr", E_GSR)) return kFailure;
   m_CanBrowseUserOrderForce = value == "BROWSE_ACCESS";
-  return kLoaded;
+  return kSuccess;
 }
 
 int UserAuthorizations::LoadChangePasswordAuthorization() {
   std::string value;
-  if (!GetSystemParameter("UserChangePassword", value, "gui", E_GSR)) return kFailed;
+  if (!GetSystemParameter("UserChangePassword", value, "gui", E_GSR)) return kFailure;
   if (value == "1") m_ChangePasswordLevel = FULL_ACCESS;
-  return kLoaded;
+  return kSuccess;
 }
 
 void UserAuthorizations::Reset() {
@@ -171,19 +157,12 @@ int UserAuthorizations::GetUserAuthQueries(const std::list<std::string>& names,
                                            const std::string& userId) {
   const TDiagFunc diag(diagModule, "UserAuthorizations::GetUserAuthQueries");
   activeQueries = nullptr;
-  int result = kFailed;
-  try {
+  return vq::authorizations::RunQuery(diag, [&] {
     stringSeq sequence;
     StlVector2CorbaSequence(names, sequence);
-    result = m_Authorization->CRB_GetUserAuthQueriesEx(
+    return m_Authorization->CRB_GetUserAuthQueriesEx(
         text.c_str(), sequence, flag1, flag2, definitionQueries, activeQueries, userId.c_str());
-  } catch (const USER_NOT_AUTHORIZED& e) {
-    VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
-  } catch (const CORBA::Exception& e) {
-    // The message announces a reconnection that does not happen; whoever reads logs knows it so.
-    VQ_LOG(diag, 1) << "Caught CORBA exception, Trying to reconnect..." << e;
-  }
-  return result;
+  });
 }
 
 // ---------------------------------------------------------------- privileges
