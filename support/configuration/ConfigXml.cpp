@@ -113,11 +113,12 @@ std::optional<std::string> ConfigXml::GetVar(const std::string& scope,
 
 bool ConfigXml::SetVar(const std::string& scope, const std::string& name,
                        const std::string& value) {
-  if (scope.empty() || name.empty()) return false;
-  const XmlSession xml;  // the conversion needs it
-  for (const std::string* text : {&scope, &name, &value}) {
-    if (!XmlFromUtf8(*text)) return false;
-  }
+  std::string ignored;
+  const bool canBeWritten = Guarded(ignored, [&] {
+    return !scope.empty() && !name.empty() && XmlFromUtf8(scope) && XmlFromUtf8(name) &&
+           XmlFromUtf8(value);
+  });
+  if (!canBeWritten) return false;
   m_scopes[scope][name] = value;
   m_changes.push_back({ConfigChange::Kind::SetVar, scope, name, value});
   return true;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include <support/configuration/SafeFile.h>
+#include <support/configuration/XmlPlatform.h>
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <xercesc/dom/DOM.hpp>
@@ -113,6 +115,13 @@ std::string PropertiesText(const PropertiesTable& table) {
 }
 
 bool ParseProperties(std::string_view content, const TDiagFunc& diag, PropertiesTable& table) {
+  std::optional<XmlSession> xml;  // a copy of the store may outlive the one that started it
+  try {
+    xml.emplace();
+  } catch (const xercesc::XMLException&) {
+    VQ_LOG(diag, 1) << "Error during XML initialization";
+    return false;
+  }
   xercesc::SecurityManager security;
   security.setEntityExpansionLimit(kEntityExpansionLimit);
   const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(content.data()),

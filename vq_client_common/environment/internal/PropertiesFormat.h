@@ -25,14 +25,14 @@ std::string PropertiesText(const PropertiesTable& table);
 
 // Adds the entries of the file at `path` to `table`, where an entry that is there already stays.
 // Returns false, and logs why through `diag`, when the file can't be read or is malformed; throws,
-// after logging, what is no exception of XML or DOM. The XML library must be started. One thread at
-// a time for a table.
+// after logging, what is no exception of XML or DOM. One thread at a time for a table.
 bool ReadProperties(const std::string& path, const TDiagFunc& diag, PropertiesTable& table);
 
 // The same from the content of a file.
 bool ParseProperties(std::string_view content, const TDiagFunc& diag, PropertiesTable& table);
 
-// A text of the XML library in the encoding of the process's locale; null gives the empty text.
+// A text of the XML library in the encoding of the process's locale; null gives the empty text. The
+// XML library must be started, but for texts of ASCII alone.
 std::string LocalText(const char16_t* text);
 
 }  // namespace vq
