@@ -38,6 +38,9 @@ KINDS = (
             "support/foundations/Environment.cpp: getenv(name",
             "support/foundations/Locations.cpp: GetEnvOr(variable",
             "support/foundations/Locations.cpp: UserDirectory(const char* variable",
+            # shows what others read
+            "vq_client_common/session/SettingsReport.cpp: GetEnvOr(variable",
+            "vq_client_common/session/SettingsReport.cpp: GetEnv(name",
         ),
     ),
     Kind("Files", r'"[^"\n]*?([\w-]+\.(?:ini|txt|xml))"'),
