@@ -99,6 +99,8 @@ class VQ_CLIENT_COMMON_API TArchive {
   // Undoes StupidEncrypt: writes as many bytes as it reads, which may be the same ones.
   static void RecordCipher(std::string_view hidden, char* plain);
 
+  [[noreturn]] static void Fail();
+  static void RequireGood(const std::iostream& stream);
   std::iostream& Stream() const;
   void WriteRecord(const std::string& text);
   template <typename T>
@@ -107,6 +109,9 @@ class VQ_CLIENT_COMMON_API TArchive {
   void ExtractPlain(T& value);
   template <typename T>
   void LoadInteger(T& value);
+  template <typename Read>
+  void LoadPieces(Read read);
+  std::string ReadLine();
   std::string ReadCipheredLine();
   unsigned long ReadUnsignedLong();
 

@@ -314,16 +314,6 @@ TEST(TArchiveTest, ABrokenStreamFails) {
   EXPECT_THROW(archive << text, TArchiveException);
 }
 
-TEST(TArchiveTest, KeepsItsSettings) {
-  std::stringstream stream;
-  TArchive archive(&stream, 0, 0, nullptr);
-  EXPECT_EQ(archive.GetDecryptType(), 3);
-  EXPECT_EQ(archive.GetObjectSchema(), 0U);
-  EXPECT_TRUE(archive.GetEncrptFlag());
-  archive.SetObjectSchema(4000000000U);
-  EXPECT_EQ(archive.GetObjectSchema(), 4000000000U);
-}
-
 TEST(TArchiveTest, SerializeElementFollowsTheDirection) {
   std::stringstream stream;
   std::string text = "T1";
