@@ -1,10 +1,13 @@
 // Any text is parsed or refused; what parses prints to a text that parses back to the same
-// definition, and the index answers for it as the definition does.
+// definition. The lines of the text are grants, and the index answers for all of them as trying
+// each does.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <support/selection/GrantIndex.h>
@@ -34,20 +37,35 @@ std::vector<QCSObject> ObjectsFor(const QCSSelectionDef& definition) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  const std::vector<vq::Grant> grants = {{text, 3}};
-  const vq::GrantIndex index(grants);
-  QCSSelectionDef definition;
-  vq::SelectionParseError error;
-  if (!definition.Parse(text, error)) {
-    Require(error.position <= size && !error.expected.empty() && !error.found.empty());
-    Require(index.RefusedGrants().size() == 1);
-    return 0;
+  std::vector<vq::Grant> grants;
+  std::vector<QCSSelectionDef> definitions;
+  std::vector<QCSObject> objects;
+  std::size_t refused = 0;
+  for (std::size_t start = 0; start <= size && grants.size() < 32;) {
+    const std::string_view line = text.substr(start, text.find('\n', start) - start);
+    start += line.size() + 1;
+    grants.push_back({line, static_cast<std::uint8_t>(grants.size() % 6)});
+    vq::SelectionParseError error;
+    QCSSelectionDef& definition = definitions.emplace_back();
+    if (!definition.Parse(line, error)) {
+      Require(error.position <= line.size() && !error.expected.empty() && !error.found.empty());
+      ++refused;  // the definition has no terms and fits nothing
+      continue;
+    }
+    QCSSelectionDef again;
+    Require(again.Parse(definition.AsString(), error) && again == definition);
+    for (QCSObject& object : ObjectsFor(definition)) objects.push_back(std::move(object));
   }
-  QCSSelectionDef again;
-  Require(again.Parse(definition.AsString(), error) && again == definition);
-  Require(index.RefusedGrants().empty());
-  for (const QCSObject& object : ObjectsFor(definition)) {
-    Require((index.HighestFitting(object) == 3) == definition.DoesItFit(object, false));
+
+  const vq::GrantIndex index(grants);
+  Require(index.RefusedGrants().size() == refused);
+  for (const QCSObject& object : objects) {
+    int highest = vq::GrantIndex::kNoneFits;
+    for (std::size_t i = 0; i < grants.size(); ++i) {
+      if (definitions[i].DoesItFit(object, false))
+        highest = std::max<int>(highest, grants[i].level);
+    }
+    Require(index.HighestFitting(object) == highest);
   }
   return 0;
 }
