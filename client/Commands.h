@@ -11,6 +11,7 @@ namespace vqclient {
 
 void AddAuthCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddConfigCommand(CLI::App& program, CommandLine& line, int& exitCode);
+void AddDoctorCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddLoginCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddParameterCommand(CLI::App& program, CommandLine& line, int& exitCode);

@@ -17,6 +17,7 @@ enum ExitCode : int {
   kNoAnswer = 5,       // a value that the server does not give
   kSessionLost = 6,    // the server no longer knows the session, or no longer answers
   kDenied = 7,         // the answer to a question of authorization is no
+  kNoCallback = 8,     // the server reaches this client in no way
   kNotAuthorized = 43,
   kPasswordExpired = 48,
   kAccountLocked = 49,
@@ -40,9 +41,9 @@ constexpr ExitCode ExitCodeOf(int result) {
 // One line a code, for the help text.
 inline constexpr std::string_view kExitCodeHelp =
     "Exit codes: 0 success, 1 refused or failed, 2 usage, 3 a code of the server's own,\n"
-    "4 no credentials, 5 value not available, 6 session lost, 7 denied, 43 not authorized,\n"
-    "48 password expired, 49 account locked, 51 password refused by the policy, 54 no server,\n"
-    "55 ORB not up (naming service or its configuration).\n";
+    "4 no credentials, 5 value not available, 6 session lost, 7 denied, 8 no callback,\n"
+    "43 not authorized, 48 password expired, 49 account locked, 51 password refused by the\n"
+    "policy, 54 no server, 55 ORB not up (naming service or its configuration).\n";
 
 }  // namespace vqclient
 

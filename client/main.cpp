@@ -27,6 +27,7 @@ int main(int argc, char** argv) {
   AddParameterCommand(program, line, exitCode);
   AddAuthCommand(program, line, exitCode);
   AddConfigCommand(program, line, exitCode);
+  AddDoctorCommand(program, line, exitCode);
   AddPasswordCommand(program, line, exitCode);
   AddVersionCommand(program, line, exitCode);
 

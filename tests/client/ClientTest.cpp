@@ -153,6 +153,43 @@ TEST_F(ClientTest, QuestionsOfAuthorizationAreAnsweredByExitCode) {
   EXPECT_EQ(all["privileges"].size(), 22U);
 }
 
+TEST_F(ClientTest, TheDoctorNamesTheFirstThingThatIsWrongAndWhatToDo) {
+  Server server(m_directory, m_naming.Reference(), BaseSite());
+  const std::string naming = "127.0.0.1:" + std::to_string(m_naming.Port());
+  const auto examine = [&](const std::string& name, const std::string& at) {
+    return Run({"doctor", "-s", name, "-u", "alice", "-n", at});
+  };
+  EXPECT_EQ(Run(Connected({"doctor"}), "wrong\n").code, 1);
+  const Outcome unknown = examine("nowhere", naming);
+  EXPECT_EQ(unknown.code, 54);
+  EXPECT_NE(unknown.output.find("[BAD]  registration: the naming service knows no server "
+                                "'nowhere' of kind GSR"),
+            std::string::npos)
+      << unknown.output;
+  server.Kill();
+  const Outcome dead = examine("central", naming);
+  EXPECT_EQ(dead.code, 54);
+  EXPECT_NE(dead.output.find("[BAD]  address: 127.0.0.1 port " + std::to_string(server.Port()) +
+                             " cannot be reached"),
+            std::string::npos)
+      << dead.output;
+  const Outcome lost = examine("central", "127.0.0.1:1");
+  EXPECT_EQ(lost.code, 55);
+  EXPECT_NE(lost.output.find("next:  Start the naming service"), std::string::npos) << lost.output;
+}
+
+TEST_F(ClientTest, TheDoctorWritesAWayThatWorksOnlyAfterAYes) {
+  const Server server(m_directory, m_naming.Reference(), BaseSite());
+  std::filesystem::create_directories(m_directory / "root/config");
+  const std::string domain = m_directory / "root/config/vq.xml";
+  const auto variables = [&] { return ReadFile(domain).find("-ORBListenEndpoints"); };
+  EXPECT_EQ(Run(Connected({"doctor", "--fix"}), "secret\nn\n").code, 0);
+  EXPECT_EQ(variables(), std::string::npos);
+  const Outcome fixed = Run(Connected({"doctor", "--fix"}), "secret\ny\n");
+  EXPECT_EQ(fixed.code, 0) << fixed.output << fixed.words;
+  EXPECT_NE(variables(), std::string::npos);
+}
+
 TEST_F(ClientTest, EverySettingIsShownWithItsOrigin) {
   m_directory.Write("root/config/vq.xml",
                     "<domain><scope name=\"CLI\"><var name=\"-ORBCallTimeout\">7000</var></scope>"
