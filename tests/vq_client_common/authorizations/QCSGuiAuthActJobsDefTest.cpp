@@ -30,19 +30,4 @@ TEST(QCSGuiAuthActJobsDef, TheVirtualOperationsKeepTheirOrder) {
   EXPECT_EQ(SlotOf(&Def::IsValidField), 6U);
 }
 
-TEST(QCSGuiAuthActJobsDef, CopiesAreSelectionsOfTheirOwn) {
-  QCSGuiAuthActJobsDef jobs;
-  vq::SelectionParseError error;
-  ASSERT_TRUE(jobs.Parse("OWNER = 'ops'", error));
-  QCSGuiAuthActJobsDef copy(jobs);
-  QCSGuiAuthActJobsDef assigned;
-  EXPECT_EQ(&(assigned = jobs), &assigned);
-  jobs.Clear();
-  QCSObject job;
-  job.SetAttribute("OWNER", "ops");
-  EXPECT_FALSE(jobs.DoesItFit(job, false));
-  EXPECT_TRUE(copy.DoesItFit(job, false));
-  EXPECT_EQ(assigned.AsString(), "OWNER = 'ops'");
-}
-
 }  // namespace

@@ -180,17 +180,6 @@ TEST_F(UserAuthorizationsTest, EachKindHasItsOwnGrantsTheUsersAndTheGroups) {
   }
 }
 
-TEST_F(UserAuthorizationsTest, TheUsersOwnGrantsGoBeforeTheGroups) {
-  json site = vq::test::BaseSite();
-  site["groups"]["team"]["grants"]["calendars"] = Grants("*", "FULL_ACCESS");
-  site["users"]["alice"]["groups"] = json::array({"team"});
-  site["users"]["alice"]["grants"]["calendars"] = Grants("NAME = 'A'", "BROWSE_ACCESS");
-  ASSERT_NO_FATAL_FAILURE(Start(site));
-  EXPECT_TRUE(May().IsCalendarAccessAllowed(Named("A"), BROWSE_ACCESS));
-  EXPECT_FALSE(May().IsCalendarAccessAllowed(Named("A"), UPDATE_ACCESS));
-  EXPECT_TRUE(May().IsCalendarAccessAllowed(Named("B"), FULL_ACCESS));
-}
-
 TEST_F(UserAuthorizationsTest, ParametersDecideOrderForceAndPasswordChange) {
   json site = vq::test::BaseSite();
   site["users"]["alice"]["privileges"] = {{"AUTHORIZATION_PRIV_TYPE", "UPDATE_ACCESS"}};
