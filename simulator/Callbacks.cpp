@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::size_t kMostCallbacks = 10'000;
 constexpr std::chrono::milliseconds kUsualTime{5000};
+constexpr std::chrono::milliseconds kLongestTime{30'000};  // the server's end waits for it
 
 }  // namespace
 
@@ -43,7 +44,7 @@ CORBA::Object_ptr Callbacks::Find(CORBA::Long id) {
 
 bool Callbacks::Ping(CORBA::Long id, std::chrono::milliseconds time, std::string& message) {
   const auto site = m_world.GetSite();
-  if (time.count() <= 0) time = kUsualTime;
+  time = time.count() <= 0 ? kUsualTime : std::min(time, kLongestTime);
   CORBA::Object_var object = Find(id);
   if (CORBA::is_nil(object)) {
     message = "No callback is registered under the id " + std::to_string(id) + ".";

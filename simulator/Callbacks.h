@@ -27,7 +27,8 @@ class Callbacks {
   // The caller owns the reference; nil when the id is not known.
   CORBA::Object_ptr Find(CORBA::Long id);
   // Calls CRB_Ping of the object, as the site lets it: at once, late or not at all. True when the
-  // object answered within the time (0 or less: 5 seconds); else `message` says why not.
+  // object answered within the time (0 or less: 5 seconds; 30 at most); else `message` says why
+  // not.
   bool Ping(CORBA::Long id, std::chrono::milliseconds time, std::string& message);
 
  private:

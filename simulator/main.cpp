@@ -76,6 +76,11 @@ void WriteReadyFile(const std::string& path, const Arguments& arguments, CORBA::
   std::filesystem::rename(draft, path);
 }
 
+void RemoveReadyFile(const Arguments& arguments) {
+  std::error_code ignored;  // it need not be there
+  if (!arguments.readyFile.empty()) std::filesystem::remove(arguments.readyFile, ignored);
+}
+
 // Serves until a signal says to stop. A hang-up makes it read the site anew.
 void ServeUntilTold(const sigset_t& signals, Control& control) {
   for (int signal = 0; sigwait(&signals, &signal) == 0;) {
@@ -88,6 +93,7 @@ int Run(const Arguments& arguments, const sigset_t& signals) {
   World world;
   world.Load(ParseSiteFile(arguments.site), arguments.site);
   if (!arguments.log.empty()) world.log.Open(arguments.log);
+  RemoveReadyFile(arguments);  // one that a dead process left
 
   CORBA::ORB_var orb = StartOrb(arguments.orb);
   Callbacks callbacks(world);
@@ -119,7 +125,7 @@ int Run(const Arguments& arguments, const sigset_t& signals) {
   }
   world.Stop();
   if (naming) naming->Unregister();
-  if (!arguments.readyFile.empty()) std::filesystem::remove(arguments.readyFile);
+  RemoveReadyFile(arguments);
   orb->shutdown(true);
   orb->destroy();
   return status;
