@@ -21,8 +21,8 @@
 // Thread contract: a value that does not change after construction.
 class VQ_SUPPORT_API os_simple_time_zone_rule {
  public:
-  // Years outside those of os_date are taken as its nearest. `adjustment` is added to the standard
-  // clock while the rule is in effect.
+  // Years up to os_date's first or from its last on are taken as the nearest between them.
+  // `adjustment` is added to the standard clock while the rule is in effect.
   os_simple_time_zone_rule(os_calendar_date start, os_calendar_date end, int firstYear,
                            int lastYear, os_time_period adjustment);
 

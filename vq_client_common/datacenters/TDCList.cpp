@@ -36,8 +36,9 @@ void TDCList::Remove(const std::string& name) {
 }
 
 void TDCList::Update(const std::string& oldName, TDC& dc) {
+  const TDC record = dc;  // Both arguments may be this list's own.
   Remove(oldName);
-  Add(dc);
+  Add(record);
 }
 
 bool TDCList::GetByName(const std::string& name, TDC& out) const {
@@ -110,6 +111,7 @@ std::uint32_t TDCList::GetNumItems() const {
 
 void TDCList::GetNextDC(Position& position, TDC& out) const {
   if (position == m_records.end()) return;
+  // Meant so: it moves first, so no walk gives the first record; callers take that by its position.
   if (++position != m_records.end()) out = position->second;
 }
 
@@ -126,8 +128,7 @@ void TDCList::RemoveDraftDataCenters() {
 void TDCList::Save(const std::string& file) {
   const TDiagFunc diag(diagModule, "TDCList::Save");
   const std::ofstream stream(file);
-  // Meant so: whether or not the file opened, callers get this one text, as a plain character
-  // string.
+  // Meant so: opened or not, callers get this one text, as a plain character string.
   throw "Failed to save data centers file";
 }
 

@@ -1,7 +1,6 @@
 // TDC's conversions between clock times and synonym times, and the checks of both.
 //
-// A time is the decimal number HHMM, unsigned: a text that reads as a negative number is a huge
-// one.
+// A time is the decimal number HHMM, unsigned: what reads as a negative number is a huge one.
 
 #include <vq_client_common/datacenters/TDC.h>
 
@@ -27,8 +26,7 @@ constexpr std::size_t kMarkedNewDayLength = 5;  // one character before the HHMM
 constexpr std::size_t kLongNextTimeLength = 14;
 constexpr std::size_t kHhmmPosition = 8;
 constexpr std::size_t kRestPosition = kHhmmPosition + kHhmmLength;
-// Meant so: of the two closing characters a converted value keeps one. Readers expect 13
-// characters.
+// Meant so: of the two closing characters a converted value keeps one; readers expect 13 in all.
 constexpr std::size_t kRestLength = kLongNextTimeLength - 13;
 
 constexpr std::uint32_t kDay = 2400;  // 24 hours as HHMM

@@ -48,8 +48,7 @@ struct Platform {
   TVltType type;
   const char* text;
 };
-// Meant so: an unknown platform has the unknown type but the text of the mainframe; screens show
-// it.
+// Meant so: an unknown platform has the unknown type, yet screens show the mainframe's text.
 constexpr Platform kUnknownPlatform = {PLATFORM_TYPE{0}, VLT_TYPE_UNKNOWN, "MVS"};
 constexpr Platform kPlatforms[] = {
     {PLATFORM_MAINFRAME, VLT_TYPE_MAINFRAME, "MVS"},
@@ -115,8 +114,7 @@ std::string StoredFixPackLevel(const std::string& fixPack) {
 TVltVersion::TVltVersion(TVltType type, const std::string& version, const std::string& fixPack)
     : m_type(type), m_version(version), m_fixPack(StoredFixPackLevel(fixPack)) {}
 
-// Meant so: the SMART-tables flag does not travel with a copy, so a stored version never has it;
-// the change test of TDC::UpdateFull depends on that.
+// Meant so: a copy leaves the SMART-tables flag behind; TDC::UpdateFull depends on that.
 TVltVersion::TVltVersion(const TVltVersion& other)
     : m_type(other.m_type), m_version(other.m_version), m_fixPack(other.m_fixPack) {}
 
@@ -187,8 +185,7 @@ void TVltVersion::UNIXLong2Short(std::string& text) {
   text = kUnixShort;
 }
 
-// Meant so: the short form stays and all else becomes the long one; clients offer that as the
-// default.
+// Meant so: all but the short form becomes the long one; clients offer that as the default.
 void TVltVersion::UNIXShort2Long(std::string& text) {
   if (text != kUnixShort) text = kUnixLong;
 }

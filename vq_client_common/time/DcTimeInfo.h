@@ -1,4 +1,10 @@
 // What is known of one data center's clock: one entry of ForecastTimesManipulationMP's table.
+//
+// Terms. The *working date* is the date of the scheduling day that jobs run in; it begins at the
+// *new-day time*, which need not be midnight.
+//
+//   // In a class derived from ForecastTimesManipulationMP: the working date's noon in UTC.
+//   if (const DcTimeInfo* info = FindDcTimeInfo("DC1")) return info->midnight + 43200;
 #ifndef VQ_CLIENT_COMMON_TIME_DCTIMEINFO_H
 #define VQ_CLIENT_COMMON_TIME_DCTIMEINFO_H
 

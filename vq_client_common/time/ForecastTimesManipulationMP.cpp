@@ -29,7 +29,7 @@ std::string Copy(const char* text) {
 // The seconds after midnight of a new-day text; none for a text that is no such thing.
 std::optional<std::int32_t> ReadNewDay(std::string_view newDay) {
   if (newDay.empty() || newDay == "0000") return 0;
-  // Meant: "0700" is refused, as is all else that has not five characters; servers write "07:00".
+  // Meant so: "0700" is refused, as all that has not five characters; servers write "07:00".
   if (newDay.size() != 5) return std::nullopt;
   const int hours = vq::Atoi(newDay.substr(0, 3));
   const int minutes = vq::Atoi(newDay.substr(3));
@@ -104,9 +104,7 @@ void ForecastTimesManipulationMP::Init(const os_time_and_date& now, bool convert
     if (!newDayOffset) {
       VQ_LOG(diag, 4) << "Invalid new day time format (" << newDay << ") for datacenter " << name
                       << ", skip it";
-      // Meant: the index stays, so the record is read afresh for as long as it stands here
-      // unusable. Clients depend on a table that lacks no record, and ask IsUsableNewDay
-      // beforehand.
+      // Meant so: the record is read afresh until it is usable; a table must not lack a record.
       continue;
     }
     const std::string timeZone = Copy(record.m_TimeZone);
@@ -233,8 +231,7 @@ int ForecastTimesManipulationMP::GetUtcOffset(const std::string& timeZoneText) {
   const std::size_t signAt = inner.find_first_of("+-");
   const bool negative = signAt != std::string::npos && inner[signAt] == '-';
 
-  // Meant: with fewer than two characters before the separator this position lies outside the text,
-  // and substr raises; callers see the fault of the text by that.
+  // Meant so: substr raises for fewer than two characters there; callers see a bad text by that.
   const int hours = vq::Atoi(inner.substr(separator - 2, 2));
   const int minutes = vq::Atoi(std::string_view(inner).substr(separator + 1));
   const std::uint32_t west = 0U - (Low32(hours) * 60U + Low32(minutes)) * 60U;
@@ -268,8 +265,7 @@ const DcTimeInfo* ForecastTimesManipulationMP::FindDcTimeInfo(const std::string&
 const QCSCommAdminStruct* ForecastTimesManipulationMP::GetCommAdminStructByDc(
     const QCSCommAdminSeq& records, const std::string& dataCenter) {
   for (CORBA::ULong i = 0; i < records.length(); ++i) {
-    // Meant: the addresses are compared and not the texts; nothing is found for a name that was
-    // copied from the record, and callers rely on null there.
+    // Meant so: addresses are compared, not texts; callers rely on null for a copy of the name.
     const char* const name = records[i].m_Name;
     if (name == dataCenter.c_str()) return &records[i];
   }
@@ -278,7 +274,7 @@ const QCSCommAdminStruct* ForecastTimesManipulationMP::GetCommAdminStructByDc(
 
 std::int64_t ForecastTimesManipulationMP::GetUtcTime_T(const os_time_and_date& instant) {
   const os_time_period since1970 = instant.utc_time_and_date() - kSecondsTo1970;
-  // Meant: absolute times are 32-bit numbers on the wire, so this wraps as they do.
+  // Meant so: absolute times are 32-bit numbers on the wire, so this wraps as they do.
   return static_cast<std::int32_t>(Low32(since1970.to_seconds()));
 }
 

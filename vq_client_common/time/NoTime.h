@@ -2,6 +2,8 @@
 //
 // It stands just under the largest value of 32 bits. Conversions pass it through, and it shows as
 // an empty text.
+//
+//   if (order.startTime != NO_TIME) Show(times.ConvertTimeToString(order.startTime, "DC1"));
 #ifndef VQ_CLIENT_COMMON_TIME_NOTIME_H
 #define VQ_CLIENT_COMMON_TIME_NOTIME_H
 
