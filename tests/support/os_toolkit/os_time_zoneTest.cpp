@@ -1,10 +1,13 @@
 #include <support/os_toolkit/os_time_zone.h>
 
+#include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <ctime>
 #include <ostream>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <support/os_toolkit/os_time_and_date.h>
@@ -100,59 +103,53 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& parameter) { return "Zone" + std::to_string(parameter.index); });
 
 TEST(OsTimeZoneTest, ARuleCoversFromItsStartToBeforeItsEndInEachYearOfItsRange) {
-  const os_time_zone north = Zone(0, {3, 31}, {10, 27}, 2023, 2024);
-  const os_time_zone south = Zone(0, {10, 1}, {4, 1}, 2023, 2024);
-  const os_time_zone never = Zone(0, {3, 31}, {10, 27}, 2024, 2023);
-  const os_time_zone empty = Zone(0, {3, 31}, {3, 31}, 2023, 2024);
-  const os_time_zone leap = Zone(0, {2, 29}, {10, 0}, 2023, 2024);
-  const os_time_zone wild = Zone(0, {-5, 40}, {99, 0}, -40000, 40000);
+  const struct {
+    os_time_zone zone;
+    std::vector<os_date> changes;  // at 00:00, from 2022 on, when no rule holds
+  } cases[] = {
+      {Zone(0, {3, 31}, {10, 27}, 2023, 2024),
+       {{2023, 3, 31}, {2023, 10, 27}, {2024, 3, 31}, {2024, 10, 27}}},
+      {Zone(0, {10, 1}, {4, 1}, 2023, 2024),
+       {{2023, 1, 1}, {2023, 4, 1}, {2023, 10, 1}, {2024, 4, 1}, {2024, 10, 1}, {2025, 1, 1}}},
+      {Zone(0, {2, 29}, {12, 0}, 2023, 2024),  // days that a year lacks
+       {{2023, 3, 1}, {2023, 12, 1}, {2024, 2, 29}, {2024, 12, 1}}},
+      {Zone(0, {-5, 40}, {99, 0}, 2023, 40000), {{2023, 1, 1}}},
+      {Zone(0, {3, 31}, {10, 27}, 2024, 2023), {}},
+      {Zone(0, {3, 31}, {3, 31}, 2023, 2024), {}}};
+  for (const auto& [zone, changes] : cases) {
+    os_time_period expected;
+    for (os_date day(2022, 1, 1); day.year() < 2026; day += os_time_period(1, 0, 0, 0, 0)) {
+      ASSERT_EQ(zone.dst_adjustment(os_time(-1), day), expected) << day.julian_day();
+      if (std::ranges::count(changes, day) != 0) expected = kHour - expected;
+      ASSERT_EQ(zone.dst_adjustment(os_time(0), day), expected) << day.julian_day();
+      ASSERT_EQ(zone.dst_adjustment(os_time(86399), day), expected) << day.julian_day();
+    }
+  }
+}
+
+TEST(OsTimeZoneTest, AnInstantNearTheTurnOfTheYearFallsInOnePeriodOnly) {
+  const os_time_zone january = Zone(0, {1, 1}, {3, 1}, 2000, 2100);
+  const os_time_zone before = Zone(0, At(1, 1, -1), {3, 1}, 2000, 2100);
+  const os_time_zone turn = Zone(0, {10, 1}, {4, 1}, 2000, 2100);
+  const os_time_zone cut = Zone(0, {10, 1}, {4, 1}, 2024, 2024);
+  const os_time_zone backwards = Zone(0, {3, 1}, {13, 1}, 2000, 2100, -kHour);
   const struct {
     const os_time_zone& zone;
     os_date date;
     std::int64_t time;
     bool covered;
-  } cases[] = {
-      {north, {2023, 3, 30}, 86399, false}, {north, {2023, 3, 31}, 0, true},
-      {north, {2023, 3, 31}, -1, false},    {north, {2023, 3, 30}, 86400, true},
-      {north, {2023, 10, 26}, 86399, true}, {north, {2023, 10, 27}, 0, false},
-      {north, {2024, 7, 1}, 0, true},       {north, {2022, 7, 1}, 0, false},
-      {north, {2025, 7, 1}, 0, false},      {south, {2022, 12, 31}, 86399, false},
-      {south, {2023, 1, 1}, 0, true},       {south, {2023, 3, 31}, 86399, true},
-      {south, {2023, 4, 1}, 0, false},      {south, {2023, 9, 30}, 86399, false},
-      {south, {2023, 10, 1}, 0, true},      {south, {2023, 12, 31}, 86399, true},
-      {south, {2024, 1, 1}, 0, true},       {south, {2024, 12, 31}, 86399, true},
-      {south, {2025, 1, 1}, 0, false},      {never, {2023, 7, 1}, 0, false},
-      {empty, {2023, 3, 31}, 0, false},     {leap, {2023, 2, 28}, 86399, false},
-      {leap, {2023, 3, 1}, 0, true},        {leap, {2024, 2, 29}, 0, true},
-      {leap, {2024, 9, 30}, 86399, true},   {leap, {2024, 10, 1}, 0, false},
-      {wild, {2024, 1, 1}, 0, true},        {wild, {2024, 12, 31}, 86399, true},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(c.zone.dst_adjustment(os_time(c.time), c.date), c.covered ? kHour : os_time_period())
-        << "case " << &c - cases;
-  }
-}
-
-TEST(OsTimeZoneTest, AnInstantNearTheTurnOfTheYearFallsInOnePeriodOnly) {
-  const struct {
-    os_time_zone zone;
-    os_date date;
-    std::int64_t time;
-    bool covered;
-  } cases[] = {
-      // Starts at the turn: not covered before it, though the adjusted clock is past it.
-      {Zone(0, {1, 1}, {3, 1}, 2000, 2100), {2023, 12, 31}, 84600, false},
-      {Zone(0, {1, 1}, {3, 1}, 2000, 2100), {2024, 1, 1}, 0, true},
-      {Zone(0, At(1, 1, -1), {3, 1}, 2000, 2100), {2023, 12, 31}, 84600, true},
-      // Over the turn, inside the range and at its ends.
-      {Zone(0, {10, 1}, {4, 1}, 2000, 2100), {2023, 12, 31}, 84600, true},
-      {Zone(0, {10, 1}, {4, 1}, 2024, 2024), {2023, 12, 31}, 84600, false},
-      {Zone(0, {10, 1}, {4, 1}, 2024, 2024), {2024, 12, 31}, 84600, false},
-      {Zone(0, {10, 1}, {4, 1}, 2024, 2024), {2024, 12, 31}, 82000, true},
-      // An adjustment backwards ends after the turn of the standard clock.
-      {Zone(0, {3, 1}, {13, 1}, 2000, 2100, -kHour), {2024, 1, 1}, 1800, true},
-      {Zone(0, {3, 1}, {13, 1}, 2000, 2100, -kHour), {2024, 1, 1}, 3600, false},
-  };
+  } cases[] = {// Starts at the turn: not covered before it, though the adjusted clock is past it.
+               {january, {2023, 12, 31}, 84600, false},
+               {january, {2024, 1, 1}, 0, true},
+               {before, {2023, 12, 31}, 84600, true},
+               // Over the turn, inside the range and at its ends.
+               {turn, {2023, 12, 31}, 84600, true},
+               {cut, {2023, 12, 31}, 84600, false},
+               {cut, {2024, 12, 31}, 84600, false},
+               {cut, {2024, 12, 31}, 82000, true},
+               // An adjustment backwards ends after the turn of the standard clock.
+               {backwards, {2024, 1, 1}, 1800, true},
+               {backwards, {2024, 1, 1}, 3600, false}};
   for (const auto& c : cases) {
     const os_time_period utc = os_time_and_date(os_time(c.time), c.date).utc_time_and_date();
     EXPECT_EQ(c.zone.to_wall_clock(utc) - utc,
@@ -166,6 +163,10 @@ TEST(OsTimeZoneTest, TheFirstRuleThatCoversHolds) {
   zone.insert(os_simple_time_zone_rule({6, 1}, {12, 1}, 2024, 2024, os_time_period(7200)));
   EXPECT_EQ(zone.dst_adjustment(os_time(), {2024, 7, 1}), kHour);
   EXPECT_EQ(zone.dst_adjustment(os_time(), {2024, 11, 1}), os_time_period(7200));
+  const os_time_zone always = Zone(0, {1, 1}, {13, 1}, INT_MIN, INT_MAX);
+  for (const int year : {os_date::kMinYear + 1, os_date::kMaxYear - 1}) {
+    EXPECT_EQ(always.dst_adjustment(os_time(), {year, 12, 31}), kHour);
+  }
   EXPECT_TRUE(os_time_zone::greenwich().rules().empty());
   EXPECT_EQ(os_time_zone::greenwich().offset(), os_time_period());
 }

@@ -22,8 +22,7 @@ TEST(TString2EnumTest, RegistersLooksUpAndCopies) {
   registry.enum_register("RED", 5);
   EXPECT_EQ(copy.enum_lookup("RED"), 4);
   EXPECT_EQ(copy.enum_lookup("red"), -1);
-  EXPECT_EQ(copy.enum_lookup("A"), INT_MIN);  // Names count up to their first zero byte.
-  EXPECT_EQ(copy.enum_lookup("A\0C"s), INT_MIN);
+  EXPECT_EQ(copy.enum_lookup("A\0C"s), INT_MIN);  // Names count up to their first zero byte.
 }
 
 TEST(ArrayWrapTest, AppendReturnsTheNewIndexAndABadIndexRaises) {
