@@ -10,7 +10,7 @@
 
 #include <vq_client_common/Export.h>
 
-enum CLIENT_ID {
+enum CLIENT_ID : int {
   CLIENT_GUI = 0,
   CLIENT_DESKTOP = 1,
   CLIENT_XMLUTIL = 2,

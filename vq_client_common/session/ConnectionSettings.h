@@ -16,7 +16,7 @@
 #include <vq_client_common/session/ServerId.h>
 
 // How GetPassword gives the password out.
-enum eEncodingType {
+enum eEncodingType : int {
   ENC_PLAIN = 0,          // as given
   ENC_ENCODED = 1,        // EncodePassword of it
   ENC_AS_CONFIGURED = 2,  // encoded if the server wants it so

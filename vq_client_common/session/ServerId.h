@@ -9,7 +9,7 @@
 
 #include <vq_client_common/Export.h>
 
-enum SERVER_ID {
+enum SERVER_ID : int {
   E_GSR = 0,
   E_GAS = 1,
   E_QIMS = 2,
