@@ -1,0 +1,51 @@
+// A thousand sessions in one process leave nothing behind.
+
+#include <tests/fixture/SessionFixture.h>
+
+#include <malloc.h>
+
+#include <vq_client_common/session/GlobalFuncs.h>
+
+namespace vq::test {
+namespace {
+
+std::ptrdiff_t EntriesOf(const char* directory) {
+  return std::distance(std::filesystem::directory_iterator(directory), {});
+}
+
+class EnduranceTest : public SessionFixture {
+ protected:
+  void LogInAndOut(int times, bool destroyOrb) {
+    for (int i = 0; i < times; ++i) {
+      ASSERT_EQ(Login(), 1);
+      ASSERT_EQ(GL_PostLogin(m_message), 1);
+      ASSERT_EQ(GL_LogOut(destroyOrb), 1);
+    }
+  }
+};
+
+TEST_F(EnduranceTest, AThousandLoginsLeaveMemoryDescriptorsAndThreadsWhereTheyWere) {
+  TDiag::Instance()->SetMinimumDebugLevel(0);  // the test's own log would grow
+  InstallClient("8.0.05");
+  StartServer();
+  for (const bool destroyOrb : {false, true}) {
+    LogInAndOut(50, destroyOrb);  // what is made once is there
+    const std::ptrdiff_t descriptors = EntriesOf("/proc/self/fd");
+    const std::ptrdiff_t threads = EntriesOf("/proc/self/task");
+    const std::size_t memory = mallinfo2().uordblks;
+    LogInAndOut(1000, destroyOrb);
+    const auto settled = [&] {  // the ORB ends idle threads in its own time
+      return EntriesOf("/proc/self/fd") <= descriptors && EntriesOf("/proc/self/task") <= threads;
+    };
+    EXPECT_TRUE(WaitUntil(settled, std::chrono::seconds(10)))
+        << destroyOrb << ": descriptors " << descriptors << " -> " << EntriesOf("/proc/self/fd")
+        << ", threads " << threads << " -> " << EntriesOf("/proc/self/task");
+    // Less than 32 bytes a login: no object of any login stays.
+    EXPECT_LT(mallinfo2().uordblks, memory + 32 * 1000) << destroyOrb;
+    RecordProperty(destroyOrb ? "bytesWithOrb" : "bytes",
+                   static_cast<int>(mallinfo2().uordblks - memory));
+  }
+}
+
+}  // namespace
+}  // namespace vq::test
