@@ -41,6 +41,10 @@ std::string Measured(const std::string& text) {
 
 }  // namespace
 
+void PrepareCredentials() {
+  Respond({RandomHex(2), ""}, Encode(""));
+}
+
 std::string Encode(std::string_view password) {
   std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
   SHA256(Bytes(password), password.size(), digest.data());

@@ -24,6 +24,10 @@
 
 namespace vq::sim {
 
+// Has the cryptographic library set itself up. To be called once, before there are other threads:
+// the set-up leaks memory when several threads come for it at the same time.
+void PrepareCredentials();
+
 struct Challenge {
   std::string first;
   std::string second;

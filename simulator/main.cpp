@@ -1,11 +1,12 @@
 // vq_simulator: a server to try, demonstrate and test clients against. docs/simulator.md tells how.
 
+#include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 
 #include <simulator/Callbacks.h>
 #include <simulator/Control.h>
+#include <simulator/Credentials.h>
 #include <simulator/Naming.h>
 #include <simulator/Orb.h>
 #include <simulator/Server.h>
@@ -90,6 +92,7 @@ void ServeUntilTold(const sigset_t& signals, Control& control) {
 }
 
 int Run(const Arguments& arguments, const sigset_t& signals) {
+  PrepareCredentials();
   World world;
   world.Load(ParseSiteFile(arguments.site), arguments.site);
   if (!arguments.log.empty()) world.log.Open(arguments.log);
@@ -175,6 +178,9 @@ int main(int argc, char** argv) {
   try {
     return Run(arguments, signals);
   } catch (const SiteError& error) {
+    std::cerr << "vq_simulator: " << error.what() << '\n';
+    return kBadUse;
+  } catch (const std::invalid_argument& error) {  // a malformed endpoint
     std::cerr << "vq_simulator: " << error.what() << '\n';
     return kBadUse;
   } catch (const CORBA::Exception& exception) {
