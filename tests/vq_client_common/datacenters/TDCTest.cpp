@@ -1,5 +1,6 @@
 #include <vq_client_common/datacenters/TDC.h>
 
+#include <algorithm>
 #include <climits>
 #include <string>
 #include <string_view>
@@ -195,6 +196,35 @@ TEST(TDCTest, EachChangeLeavesItsLineInOrder) {
   LogLines log(6);
   TDC::ConvertQCSCommAdminStructToTDC(record, dc);
   EXPECT_EQ(log.Take(), expected);
+}
+
+TEST(TDCTest, EachFieldAloneIsAChange) {
+  using Served = QCSCommAdminStruct;
+  Served before = Record();
+  before.m_UpperCase = before.m_VeltB = "1";
+  const auto check = [&before](const Served& after) {
+    TDC dc;
+    TDC::ConvertQCSCommAdminStructToTDC(before, dc);
+    LogLines log(5);
+    EXPECT_TRUE(TDC::ConvertQCSCommAdminStructToTDC(after, dc));
+    EXPECT_EQ(std::ranges::count(log.Take(), '\n'), 1);
+  };
+  for (const auto member :
+       {&Served::m_Name, &Served::m_Enabled, &Served::m_Platform, &Served::m_Version,
+        &Served::m_Code, &Served::m_Protocol, &Served::m_VeltR, &Served::m_UpperCase,
+        &Served::m_VeltT, &Served::m_VeltB, &Served::m_TimeZone, &Served::m_HostName,
+        &Served::m_GatewayHostName, &Served::m_NewDayTime, &Served::m_Description,
+        &Served::m_Contact, &Served::m_StartSummerTime, &Served::m_EndSummerTime}) {
+    Served after = before;
+    after.*member = "new";
+    check(after);
+  }
+  for (const auto member :
+       {&Served::m_PortNumber, &Served::m_GatewayPortNumber, &Served::m_StartDayOfTheWeek}) {
+    Served after = before;
+    after.*member = 3;
+    check(after);
+  }
 }
 
 TEST(TDCTest, TheFixPackLevelCountsOnlyWithTheVersion) {

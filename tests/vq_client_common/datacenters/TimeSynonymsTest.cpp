@@ -21,7 +21,7 @@ TEST(TimeSynonymsTest, ClockTimesBeforeTheNewDayBecomeSynonymsAndComeBack) {
     bool synonym;
   } there[] = {{"0700", "0659", "3059", true},      {"0700", "0700", "0700", false},
                {"0700", "2400", "2400", false},     {"0000", "0000", "0000", false},
-               {"x0700", "0200", "2600", true},     {"0700", "abcd", "2400", true},
+               {"x1200", "0800", "3200", true},     {"0700", "abcd", "2400", true},
                {"0700", "-001", "-001", false},  // a huge number
                {"-700", "-900", "1500", true},      {"9999", "9998", "12398", true},
                {"700", "0200", "untouched", false}, {"070000", "0200", "untouched", false},

@@ -91,6 +91,7 @@ TEST_F(ForecastTimesTest, ReadsTheOffsetInTheBrackets) {
                {"(ab:99999999999)", 60},
                {"(GMT)", 0},
                {"(GMT+02:)", 0},
+               {"x(GMT) 05:30", 0},
                {"(:)", 0},
                {"GMT+2", 0, "left"},
                {"GMT+02:00)", 0, "left"},
