@@ -1,9 +1,11 @@
 #include <simulator/Orb.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include <netinet/in.h>
@@ -40,9 +42,17 @@ Options ProductOptions(const OrbOptions& options) {
   return product;
 }
 
+// The product says at each start without certificates that TLS is off; that is no news.
+void Print(const char* message) {
+  if (std::string_view(message).find("SSL transport disabled") == std::string_view::npos) {
+    std::fputs(message, stderr);
+  }
+}
+
 }  // namespace
 
 CORBA::ORB_ptr StartOrb(const OrbOptions& options) {
+  omniORB::setLogFunction(Print);
   const Options product = ProductOptions(options);
   const std::unique_ptr<const char*[][2]> table(new const char*[product.size() + 1][2]);
   table[product.size()][0] = table[product.size()][1] = nullptr;

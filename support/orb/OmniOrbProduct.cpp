@@ -1,102 +1,71 @@
 // omniORB behind the seam of OrbProduct.h.
 //
-// omniORB has one ORB a process: a second ORB_init returns the first and ignores its arguments, and
-// destroy() ends it for everybody. So the instances given out here share one transport and count
-// themselves: the first start initialises it with the complete option list, the last stop ends it.
-// Each instance has a POA and a POA manager of its own.
+// omniORB has one ORB a process, which the instances given out here share (OmniOrbTransport.h).
+// Each of them has a POA, a POA manager and a published address of its own, and references that
+// connect in its own way.
 
 #include <support/orb/OrbProduct.h>
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <omniORB4/BiDirPolicy.h>
 #include <omniORB4/minorCode.h>
 #include <omniORB4/omniORB.h>
+#include <omniORB4/omniPolicy.h>
 
-#include <support/diagnostics/TDiag.h>
+#include <support/orb/OmniOrbGuest.h>
 #include <support/orb/OmniOrbOptions.h>
+#include <support/orb/OmniOrbTls.h>
+#include <support/orb/OmniOrbTransport.h>
 
 namespace vq::orb {
 namespace {
 
-TDiagRegister diagModule("ORB");
+constexpr std::string_view kTcp = "giop:tcp:";
+constexpr std::string_view kTls = "giop:ssl:";
 
-// Enough to follow connections and calls; from 30 on omniORB prints what the messages hold, which
-// includes passwords.
-constexpr CORBA::ULong kTraceOn = 25;
-constexpr CORBA::ULong kTraceOff = 1;
-
-void LogLine(const char* text) {
-  std::string_view line(text);
-  while (!line.empty() && line.back() == '\n') line.remove_suffix(1);
-  if (!line.empty()) VQ_LOG(diagModule, omniORB::traceLevel > kTraceOff ? 6 : 2) << line;
+// The address at the same port and of the same transport, with another host.
+std::string WithHost(const std::string& address, const std::string& host) {
+  const std::string scheme = address.substr(0, kTcp.size());
+  return scheme + UriHost(host) + address.substr(address.rfind(':'));
 }
 
-class Transport {
- public:
-  // Never destroyed: references may be released after any static object of this file.
-  static Transport& Instance() {
-    static auto* const transport = new Transport;
-    return *transport;
+bool IsLoopback(const std::string& address) {
+  return address.find(":127.") != std::string::npos || address.find(":[::1]:") != std::string::npos;
+}
+
+// What references to an ORB's objects say about where to call them: the first of the `open`
+// addresses for each transport, or the published host in its place. Loopback is the last choice.
+std::vector<std::string> PublishedAddresses(std::vector<std::string> open,
+                                            const std::string& publishedHost) {
+  std::stable_partition(open.begin(), open.end(),
+                        [](const std::string& address) { return !IsLoopback(address); });
+  std::vector<std::string> published;
+  for (const std::string_view transport : {kTcp, kTls}) {
+    const auto found = std::find_if(open.begin(), open.end(), [&](const std::string& address) {
+      return address.starts_with(transport);
+    });
+    if (found == open.end()) continue;
+    published.push_back(publishedHost.empty() ? *found : WithHost(*found, publishedHost));
   }
+  return published;
+}
 
-  CORBA::ORB_ptr Acquire(const OrbSettings& settings, const std::vector<std::string>& arguments) {
-    const std::lock_guard lock(m_mutex);
-    FinishEnding();
-    if (m_users == 0) m_orb = Initialise(settings, arguments);
-    ++m_users;
-    return m_orb.in();
-  }
-
-  void Release(bool wait) {
-    const std::lock_guard lock(m_mutex);
-    if (m_users == 0 || --m_users > 0) return;
-    m_ending = true;
-    m_orb->shutdown(wait);
-    if (wait) FinishEnding();
-  }
-
- private:
-  static CORBA::ORB_ptr Initialise(const OrbSettings& settings,
-                                   const std::vector<std::string>& arguments) {
-    omniORB::setLogFunction(LogLine);
-    omniORB::traceLevel = diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff;
-
-    const std::vector<OmniOrbOption> options = OmniOrbOptions(settings);
-    const std::unique_ptr<const char*[][2]> table(new const char*[options.size() + 1][2]);
-    for (std::size_t i = 0; i < options.size(); ++i) {
-      table[i][0] = options[i].first.c_str();
-      table[i][1] = options[i].second.c_str();
-    }
-    table[options.size()][0] = nullptr;
-    table[options.size()][1] = nullptr;
-
-    // ORB_init takes what it knows out of its argument vector, so it gets copies.
-    std::vector<std::string> copies(arguments);
-    std::vector<char*> pointers;
-    for (std::string& copy : copies) pointers.push_back(copy.data());
-    int count = static_cast<int>(pointers.size());
-    pointers.push_back(nullptr);
-    return CORBA::ORB_init(count, pointers.data(), "omniORB4", table.get());
-  }
-
-  // An ORB that was told to end without waiting is destroyed before the next one starts.
-  void FinishEnding() {
-    if (!m_ending) return;
-    m_ending = false;
-    m_orb->destroy();
-    m_orb = CORBA::ORB::_nil();
-  }
-
-  std::mutex m_mutex;
-  CORBA::ORB_var m_orb;
-  int m_users = 0;
-  bool m_ending = false;
-};
+// An address of the process that a server learns when a connection is offered to it for calls back,
+// and that leads nowhere else if the server is on another machine. A reference that names it is
+// called over that connection.
+std::string ConnectionMark() {
+  const std::vector<std::string> own = OmniOrbTransport::ListenAddresses();
+  const auto found = std::find_if(own.begin(), own.end(), IsLoopback);
+  return found != own.end() ? *found : own.empty() ? std::string() : own.front();
+}
 
 class OmniOrbInstance : public OrbInstance {
  public:
@@ -104,7 +73,12 @@ class OmniOrbInstance : public OrbInstance {
                   const std::vector<std::string>& arguments)
       : m_name(std::move(name)),
         m_biDirectional(settings.biDirectional),
-        m_orb(CORBA::ORB::_duplicate(Transport::Instance().Acquire(settings, arguments))) {}
+        m_publishedHost(settings.listenEndpoint.publishedHost),
+        m_endpoints(OmniOrbEndpoints(settings)),
+        m_orb(CORBA::ORB::_duplicate(
+            OmniOrbTransport::Instance().Acquire(this, settings, arguments))) {
+    if (OmniOrbTransport::Instance().HasOtherUsers(this)) m_guest.emplace();
+  }
 
   ~OmniOrbInstance() override {
     try {
@@ -121,28 +95,51 @@ class OmniOrbInstance : public OrbInstance {
     return m_poa.in();
   }
 
+  std::optional<std::chrono::sys_seconds> CertificateExpiry() const override {
+    return OmniOrbTls::CertificateExpiry();
+  }
+
   void Stop(bool wait) override {
     if (m_stopped) return;
     m_stopped = true;
-    if (!CORBA::is_nil(m_poa.in())) m_poa->destroy(true, wait);
+    OmniOrbTransport& transport = OmniOrbTransport::Instance();
+    const bool listens = !CORBA::is_nil(m_poa.in());
+    if (listens) m_poa->destroy(true, wait);
     m_poa = PortableServer::POA::_nil();
-    Transport::Instance().Release(wait);
+    m_guest.reset();
+    if (listens) transport.CloseListener();
+    transport.Release(this, wait);
   }
 
  private:
   PortableServer::POA_ptr CreatePoa() {
-    CORBA::Object_var object = m_orb->resolve_initial_references("RootPOA");
-    PortableServer::POA_var root = PortableServer::POA::_narrow(object.in());
-    PortableServer::POAManager_var rootManager = root->the_POAManager();
-    rootManager->activate();
+    PortableServer::POA_var root = OmniOrbTransport::Instance().OpenListener();
+    try {
+      return CreatePoa(root.in());
+    } catch (...) {
+      OmniOrbTransport::Instance().CloseListener();
+      throw;
+    }
+  }
+
+  PortableServer::POA_ptr CreatePoa(PortableServer::POA_ptr root) {
+    if (m_guest) m_guest->Listen(m_endpoints);
+    std::vector<std::string> addresses = PublishedAddresses(
+        m_guest ? m_guest->ListenAddresses() : OmniOrbTransport::ListenAddresses(),
+        m_publishedHost);
+    if (m_guest && m_biDirectional) addresses.push_back(ConnectionMark());
+    omniPolicy::EndPointPublishPolicyValue published;
+    published.length(static_cast<CORBA::ULong>(addresses.size()));
+    for (CORBA::ULong i = 0; i < published.length(); ++i) published[i] = addresses[i].c_str();
 
     CORBA::PolicyList policies;
-    policies.length(m_biDirectional ? 2 : 1);
+    policies.length(m_biDirectional ? 3 : 2);
     policies[0] = root->create_implicit_activation_policy(PortableServer::IMPLICIT_ACTIVATION);
+    policies[1] = omniPolicy::create_endpoint_publish_policy(published);
     if (m_biDirectional) {
       CORBA::Any both;
       both <<= BiDirPolicy::BOTH;
-      policies[1] = m_orb->create_policy(BiDirPolicy::BIDIRECTIONAL_POLICY_TYPE, both);
+      policies[2] = m_orb->create_policy(BiDirPolicy::BIDIRECTIONAL_POLICY_TYPE, both);
     }
     PortableServer::POA_var poa =
         root->create_POA(m_name.c_str(), PortableServer::POAManager::_nil(), policies);
@@ -153,7 +150,10 @@ class OmniOrbInstance : public OrbInstance {
 
   const std::string m_name;
   const bool m_biDirectional;
+  const std::string m_publishedHost;
+  const std::vector<std::string> m_endpoints;
   CORBA::ORB_var m_orb;
+  std::optional<OmniOrbGuest> m_guest;  // where the transport was there before
   std::mutex m_mutex;
   PortableServer::POA_var m_poa;
   bool m_stopped = false;

@@ -6,7 +6,9 @@
 #ifndef VQ_SUPPORT_ORB_ORBPRODUCT_H
 #define VQ_SUPPORT_ORB_ORBPRODUCT_H
 
+#include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,13 +36,17 @@ class OrbInstance {
   // CORBA::SystemException when the listen endpoint cannot be opened.
   virtual PortableServer::POA_ptr ChildPoa() = 0;
 
+  // When the own TLS certificate in use expires; nothing without TLS or without a certificate.
+  virtual std::optional<std::chrono::sys_seconds> CertificateExpiry() const = 0;
+
   // Ends this ORB: its servants, and its connections where nothing else uses them. With `wait` it
   // returns when everything has ended.
   virtual void Stop(bool wait) = 0;
 };
 
 // Starts an ORB. `arguments` is what the command line holds beyond our own options; the product
-// refuses an -ORB option that it does not know. Raises CORBA::SystemException.
+// refuses an -ORB option that it does not know. Raises CORBA::SystemException, and
+// std::invalid_argument for settings that do not go together or name files that cannot be used.
 std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role,
                                       const OrbSettings& settings,
                                       const std::vector<std::string>& arguments);

@@ -1,8 +1,11 @@
 #include <support/orb/QCSOrbCommon.h>
 
+#include <chrono>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
+#include <string_view>
 
 #include <support/configuration/ConfigAPI.h>
 #include <support/configuration/ConfigAPIFactoryXML.h>
@@ -11,6 +14,7 @@
 #include <support/orb/CorbaText.h>
 #include <support/orb/OrbProduct.h>
 #include <support/orb/OrbSettings.h>
+#include <support/orb/OwnAddresses.h>
 
 namespace {
 
@@ -31,6 +35,21 @@ struct Registry {
 // The configuration domain's scope for an ORB: its name without the number.
 std::string ScopeOf(const std::string& orbName) {
   return orbName.substr(0, orbName.rfind(':'));
+}
+
+// Puts the own address that begins with the IP mask in place of the mark "$IP".
+void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
+  constexpr std::string_view kMark = "$IP";
+  std::string& host = settings.listenEndpoint.publishedHost;
+  if (host != kMark) return;
+  std::vector<vq::orb::OwnAddress> addresses;
+  vq::orb::FindOwnAddresses(addresses);
+  host = vq::orb::AddressByMask(addresses, settings.preferIpMask);
+  if (!host.empty()) return;
+  std::string known;
+  for (const vq::orb::OwnAddress& address : addresses) known += " " + address.text;
+  throw std::invalid_argument("no address of this machine begins with '" + settings.preferIpMask +
+                              "', the value of -PreferIPMask; there are:" + known);
 }
 
 CosNaming::Name ServiceName(const std::string& server, const std::string& kind,
@@ -95,6 +114,8 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
       VQ_LOG(diag, 4) << "The ORB " << orbName << " is up on " << vq::orb::ProductName();
       return true;
     }
+  } catch (const std::invalid_argument& e) {
+    VQ_LOG(diag, 1) << "The ORB " << orbName << " is not started: " << e.what();
   } catch (const CORBA::Exception& e) {
     VQ_LOG(diag, 1) << "The ORB " << orbName << " does not start. Check its -ORB options and that "
                     << "it may listen on " << m_settings->table.front().value << ": " << e;
@@ -125,6 +146,7 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
     const vq::orb::OrbArguments arguments = vq::orb::SplitArguments(argc, argv);
     m_settings =
         std::make_unique<vq::orb::OrbSettings>(vq::orb::ResolveSettings(arguments, own, common));
+    ResolvePublishedHost(*m_settings);
     productArguments = arguments.rest;
   } catch (const std::invalid_argument& e) {
     VQ_LOG(diag, 1) << "The ORB " << scope << " is not started: " << e.what();
@@ -189,8 +211,11 @@ void QCSOrbCommon::DestroyOrb(bool wait) {
   m_settings.reset();
 }
 
-int QCSOrbCommon::CheckCertificateExpiration(int) const {
-  return 0;
+int QCSOrbCommon::CheckCertificateExpiration(int days) const {
+  const auto expiry = m_instance != nullptr ? m_instance->CertificateExpiry() : std::nullopt;
+  if (!expiry) return 0;
+  const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+  return *expiry - now < std::chrono::days(days) ? -1 : 0;
 }
 
 PortableServer::POA_ptr QCSOrbCommon::GetChildPoa() {

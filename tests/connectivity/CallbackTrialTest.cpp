@@ -1,0 +1,177 @@
+// Callbacks between processes: the server calls the client over a connection of its own, over the
+// client's connection, or not at all; and what a trial leaves behind, which is nothing.
+
+#include <tests/fixture/SessionFixture.h>
+
+#include <algorithm>
+#include <chrono>
+#include <list>
+
+#include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/foundations/Locations.h>
+#include <support/orb/ORBCommon.h>
+#include <vq_client_common/connectivity/TestCallbackI.h>
+#include <vq_client_common/connectivity/TroubleshootConnection.h>
+#include <vq_client_common/session/GlobalFuncs.h>
+
+#include "ProcessTraces.h"
+
+namespace vq::test {
+namespace {
+
+// An address of a network that documents reserve for examples: nobody answers.
+constexpr const char* kNowhere = "192.0.2.1";
+
+class CallbackTrialTest : public SessionFixture {
+ protected:
+  CallbackTrialTest() { TroubleshootConnection::SetTimeout4TestCallback(1000); }
+
+  void SetUp() override {
+    SessionFixture::SetUp();
+    m_directory.Write("root/config/vq.xml", "<domain/>");
+  }
+
+  Server& StartServerWith(const std::vector<std::string>& arguments) {
+    m_servers.push_back(std::make_unique<Server>(m_directory, m_naming->Reference(), BaseSite(),
+                                                 std::vector<std::string>{"GSR"}, "central", 0,
+                                                 Server::kDirect, arguments));
+    return *m_servers.back();
+  }
+
+  bool Try(bool biDir, const std::string& address, bool isMask = false) {
+    m_roundTrip = -1;
+    return TroubleshootConnection::ORBInitAndTestCallback(biDir, address, m_roundTrip, isMask);
+  }
+
+  std::list<std::string> Scopes() const {
+    const auto domain = ConfigAPIFactoryXML::Create(GetConfigDomainsDir(), GetConfigDomainName());
+    EXPECT_TRUE(domain->Load());
+    return domain->GetScopes();
+  }
+
+  void ExpectNoTraceSince(const ProcessTraces& before) const {
+    EXPECT_TRUE(
+        WaitUntil([&] { return ProcessTraces::Now().AreWithin(before); }, std::chrono::seconds(10)))
+        << before << "\nnow " << ProcessTraces::Now();
+    EXPECT_EQ(Scopes(), std::list<std::string>{});
+  }
+
+  long m_roundTrip = -1;
+};
+
+struct TrialCase {
+  bool biDir;
+  const char* address;
+  bool isMask;
+  bool reached;
+};
+
+TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
+  const TrialCase cases[] = {
+      {false, "", false, true},         {false, "127.0.0.1", false, true},
+      {false, "127.", true, true},      {false, kNowhere, false, false},
+      {true, kNowhere, false, true},    {true, "", false, true},
+      {false, "no.such.", true, false}, {false, "127.0.0.1", false, true},
+  };
+  // A pure client, which does not listen, and one that does; each with and without bidirectional.
+  for (const CLIENT_ID client : {CLIENT_VCM, CLIENT_GUI}) {
+    for (const char* sessionBiDir : {"0", "1"}) {
+      m_orbArguments = {"-BiDirPolicy", sessionBiDir, "-ORBCallTimeout", "5000"};
+      Server& server = StartServer();
+      ASSERT_EQ(Login("alice", "secret", "central", client), 1) << m_log.Text();
+      const ProcessTraces before = ProcessTraces::Now();
+      for (const TrialCase& test : cases) {
+        SCOPED_TRACE(std::string(client == CLIENT_VCM ? "pure " : "listening ") + sessionBiDir +
+                     (test.biDir ? " bidirectional '" : " '") + test.address + "'");
+        m_log.Clear();
+        EXPECT_EQ(Try(test.biDir, test.address, test.isMask), test.reached) << m_log.Text();
+        EXPECT_EQ(m_roundTrip >= 0, test.reached);
+        EXPECT_EQ(GL_ClientKeepAlive(), 1);
+      }
+      ExpectNoTraceSince(before);
+      const std::vector<std::string> calls = server.Operations();
+      EXPECT_EQ(std::count(calls.begin(), calls.end(), "CRB_RegisterCallback"), 7);
+      EXPECT_EQ(std::count(calls.begin(), calls.end(), "CRB_UnregisterCallbackById"), 7);
+      GL_LogOut(true);
+      server.Kill();
+    }
+  }
+}
+
+TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWorks) {
+  StartServerWith({"--no-bidir"});
+  ASSERT_EQ(Login(), 1);
+  EXPECT_FALSE(Try(false, kNowhere));
+  EXPECT_TRUE(Try(false, "127.0.0.1"));
+}
+
+TEST_F(CallbackTrialTest, ACallbackThatCannotWorkIsReportedWithinItsTime) {
+  Server& server = StartServer();
+  ASSERT_EQ(Login(), 1);
+  const ProcessTraces before = ProcessTraces::Now();
+  const struct {
+    nlohmann::json site;
+    nlohmann::json faults;
+    const char* logged;
+  } kRows[] = {
+      {{{"callback", {{"delayMs", 60000}}}},
+       nlohmann::json::array(),
+       "GSR failed to call me back - The callback was not answered in time."},
+      {{{"callback", {{"refuse", true}, {"delayMs", 0}, {"message", "Not today."}}}},
+       nlohmann::json::array(),
+       "GSR failed to call me back - Not today."},
+      {{{"callback", {{"refuse", false}}}},
+       {{{"operation", "CRB_TryCallback"}, {"action", "drop"}, {"nth", 1}}},
+       "Failed with CORBA exception: "},
+      {nlohmann::json::object(),
+       {{{"operation", "CRB_RegisterCallback"}, {"action", "raise"}, {"exception", "NO_MEMORY"}}},
+       "Failed with CORBA exception: NO_MEMORY"},
+  };
+  for (const auto& row : kRows) {
+    m_log.Clear();
+    server.Patch(row.site);
+    server.SetFaults(row.faults);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(Try(false, "127.0.0.1"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_TRUE(m_log.Has(1, row.logged)) << row.logged << "\n" << m_log.Text();
+  }
+  ExpectNoTraceSince(before);
+}
+
+TEST_F(CallbackTrialTest, WhoSendsTheObjectIsToldWhyThatFails) {
+  Server& server = StartServer();
+  ASSERT_EQ(Login(), 1);
+  server.Kill();
+  std::string error;
+  long roundTrip = -1;
+  EXPECT_FALSE(TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, roundTrip, 500));
+  EXPECT_TRUE(
+      error.starts_with("Failed to send test callback object to GSR - COMM_FAILURE (COMM_FAILURE_"))
+      << error;
+  EXPECT_EQ(roundTrip, -1);
+  EXPECT_FALSE(TroubleshootConnection::TestCallback(nullptr, error, roundTrip, 500));
+}
+
+// The client listens on one address and names another; the server goes by the name.
+TEST_F(CallbackTrialTest, ThePublishedHostMayDifferFromTheOneListenedOn) {
+  StartServer();
+  m_orbArguments = {"-ORBListenEndpoints", "iiop://127.0.0.1/hostname_in_ior=localhost"};
+  ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1);
+  std::string host;
+  std::string port;
+  {
+    const ServantPtr<TestCallbackI> servant(new TestCallbackI(ORBCommon<1>::Get()->GetChildPoa()));
+    EXPECT_TRUE(TroubleshootConnection::GetNetworkInterface4Server(servant->GetReference(), host,
+                                                                   port, E_GSR));
+  }
+  EXPECT_EQ(host, "localhost");
+  EXPECT_TRUE(ProcessTraces::Now().ports.contains(std::stoi(port))) << port;
+
+  std::string error;
+  EXPECT_TRUE(TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, m_roundTrip, 1000))
+      << error;
+}
+
+}  // namespace
+}  // namespace vq::test

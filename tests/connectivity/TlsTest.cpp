@@ -1,0 +1,209 @@
+// Logins and callbacks over TLS between processes, and every certificate that must not pass.
+
+#include <tests/fixture/SessionFixture.h>
+
+#include <support/orb/ORBCommon.h>
+#include <vq_client_common/connectivity/TroubleshootConnection.h>
+#include <vq_client_common/session/GlobalFuncs.h>
+
+#include "Certificates.h"
+
+namespace vq::test {
+namespace {
+
+class TlsTest : public SessionFixture {
+ protected:
+  TlsTest() : m_authority("Test authority") {}
+
+  void SetUp() override {
+    SessionFixture::SetUp();
+    m_directory.Write("root/config/vq.xml", "<domain/>");
+    m_caFile = m_directory.Write("ca.pem", m_authority.Pem());
+  }
+
+  // A server that has a TLS endpoint beside the one in clear.
+  Server& StartTlsServer(const Identity& identity, const std::string& verify = "none",
+                         const std::vector<std::string>& more = {}) {
+    const std::string keyFile = m_directory.Write(
+        "server-" + std::to_string(m_servers.size()) + ".pem", identity.certificate + identity.key);
+    std::vector<std::string> arguments{"-ORBsslCAFile",      m_caFile,
+                                       "-ORBsslKeyFile",     keyFile,
+                                       "-ORBsslKeyPassword", "none",
+                                       "-ORBsslVerifyMode",  verify,
+                                       "-ORBendPoint",       "giop:ssl:127.0.0.1:"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    m_servers.push_back(std::make_unique<Server>(m_directory, m_naming->Reference(), BaseSite(),
+                                                 std::vector<std::string>{"GSR"}, "central", 0,
+                                                 Server::kDirect, arguments));
+    return *m_servers.back();
+  }
+
+  // The settings of a client with a certificate of its own.
+  std::vector<std::string> OwnCertificate(const CertificateOptions& options) {
+    const Identity own = m_authority.Issue(options);
+    return {"-SSLCACertificate", m_caFile,
+            "-SSLCertificate",   m_directory.Write("own.pem", own.certificate),
+            "-SSLPrivateKey",    m_directory.Write("own.key", own.key)};
+  }
+
+  Authority m_authority;
+  std::string m_caFile;
+};
+
+TEST_F(TlsTest, EachBadCertificateIsRefusedWithItsReason) {
+  const Authority other("Another authority");
+  const struct {
+    Identity identity;
+    const char* reason;  // empty: it is good
+  } kRows[] = {
+      {m_authority.Issue({}), ""},
+      {m_authority.Issue({.fromDays = -20, .toDays = -10}), "it has expired;"},
+      {m_authority.Issue({.fromDays = 10, .toDays = 20}), "it is not yet valid;"},
+      {m_authority.Issue({.names = "IP:192.0.2.1,DNS:other.site"}), "it is for another host;"},
+      {m_authority.Issue({.names = ""}), "it is for another host;"},
+      {other.Issue({}), "its authority is unknown;"},
+      {Authority::SelfSigned({}), "it is self-signed;"},
+  };
+  m_orbArguments = {"-SSLCACertificate", m_caFile, "-ORBCallTimeout", "5000"};
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.reason);
+    Server& server = StartTlsServer(row.identity);
+    m_log.Clear();
+    const bool good = *row.reason == '\0';
+    EXPECT_EQ(Login(), good ? 1 : 54) << m_log.Text();
+    EXPECT_EQ(server.Calls().empty(), !good);  // Nothing went out in clear instead.
+    EXPECT_EQ(m_log.Has(1, "The certificate of 127.0.0.1:"), !good);
+    const bool told =
+        m_log.Text().find(std::string(" is refused: ") + row.reason) != std::string::npos;
+    EXPECT_EQ(told, !good) << m_log.Text();
+    GL_LogOut(true);
+    server.Kill();
+  }
+}
+
+// A reference may name its host; then the name counts, whatever its address is.
+TEST_F(TlsTest, TheNameThatWasAskedForCounts) {
+  const struct {
+    const char* names;
+    int code;
+  } kRows[] = {{"DNS:localhost", 1}, {"DNS:other.site,IP:127.0.0.1", 54}};
+  m_orbArguments = {"-SSLCACertificate", m_caFile, "-ORBCallTimeout", "5000"};
+  for (const auto& row : kRows) {
+    Server& server =
+        StartTlsServer(m_authority.Issue({.names = row.names}), "none",
+                       {"-ORBendPointPublish", "giop:tcp:localhost:,giop:ssl:localhost:"});
+    EXPECT_EQ(Login(), row.code) << m_log.Text();
+    GL_LogOut(true);
+    server.Kill();
+  }
+  EXPECT_TRUE(m_log.Has(1, "The certificate of localhost:")) << m_log.Text();
+}
+
+TEST_F(TlsTest, ChecksAreSwitchedOffByASettingThatIsLogged) {
+  const struct {
+    const char* setting;
+    CertificateOptions certificate;
+    const char* logged;
+  } kRows[] = {
+      {"-SSLVerifyHost", {.names = "DNS:other.site"}, "TLS certificates are not compared"},
+      {"-SSLVerifyPeer", {.fromDays = -20, .toDays = -10}, "TLS certificates are not verified"},
+  };
+  for (const auto& row : kRows) {
+    Server& server = StartTlsServer(m_authority.Issue(row.certificate));
+    m_log.Clear();
+    m_orbArguments = {"-SSLCACertificate", m_caFile, row.setting, "0"};
+    EXPECT_EQ(Login(), 1) << row.setting << m_log.Text();
+    EXPECT_TRUE(m_log.Has(1, row.logged));
+    GL_LogOut(true);
+    server.Kill();
+  }
+}
+
+TEST_F(TlsTest, AServerWithoutTlsIsNotCalledInClear) {
+  Server& server = StartServer();
+  m_orbArguments = {"-SSLCACertificate", m_caFile};
+  EXPECT_EQ(Login(), 54);
+  EXPECT_TRUE(server.Calls().empty());
+  EXPECT_TRUE(m_log.Has(1, "The connection to giop:tcp:127.0.0.1:" + std::to_string(server.Port()) +
+                               " is refused: it would be in clear"))
+      << m_log.Text();
+}
+
+// Both ends show certificates, and the server calls back over a TLS connection of its own.
+TEST_F(TlsTest, CallbacksGoOverTlsBothWays) {
+  StartTlsServer(m_authority.Issue({}), "peer,fail");
+  m_orbArguments = OwnCertificate({});
+  ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1) << m_log.Text();
+  std::string error;
+  long roundTrip = -1;
+  EXPECT_TRUE(TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, roundTrip, 2000))
+      << error;
+  EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(false, "127.0.0.1", roundTrip, false))
+      << m_log.Text();
+  EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(true, "", roundTrip, false))
+      << m_log.Text();
+}
+
+TEST_F(TlsTest, AClientWithoutACertificateIsRefusedByAServerThatWantsOne) {
+  StartTlsServer(m_authority.Issue({}), "peer,fail");
+  m_orbArguments = {"-SSLCACertificate", m_caFile};
+  EXPECT_EQ(Login(), 54);
+}
+
+TEST_F(TlsTest, WarnsBeforeTheOwnCertificateExpires) {
+  const struct {
+    long days;
+    const char* message;
+  } kRows[] = {
+      {59, "SSL Certificate is going to expire in less than 60days."},
+      {61, ""},
+      {-1, "SSL Certificate is going to expire in less than 60days."},
+  };
+  StartTlsServer(m_authority.Issue({}));
+  for (const auto& row : kRows) {
+    m_orbArguments = OwnCertificate({.fromDays = -20, .toDays = row.days});
+    EXPECT_EQ(Login(), 1) << row.days << m_log.Text();
+    std::string message = "untouched";
+    EXPECT_EQ(GL_CheckSSLCertificateExpiration(message), 1);
+    EXPECT_EQ(message, row.message) << row.days;
+    GL_LogOut(true);
+  }
+}
+
+TEST_F(TlsTest, WithoutTlsThereIsNothingToWarnOf) {
+  StartServer();
+  ASSERT_EQ(Login(), 1);
+  EXPECT_EQ(ORBCommon<1>::Get()->CheckCertificateExpiration(100000), 0);
+}
+
+// Settings that cannot work keep the ORB down, and say which file of which setting it is.
+TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
+  const Identity own = m_authority.Issue({});
+  const std::string good = m_directory.Write("good.pem", own.certificate + own.key);
+  const std::string wrongKey = m_directory.Write("wrong.key", m_authority.Issue({}).key);
+  const std::string garbage = m_directory.Write("garbage.pem", "no certificate");
+  const struct {
+    std::vector<std::string> arguments;
+    const char* text;
+  } kRows[] = {
+      {{"-SSLCACertificate", "/no/such.pem"}, "'/no/such.pem' of -SSLCACertificate cannot be used"},
+      {{"-SSLCACertificate", garbage}, "of -SSLCACertificate cannot be used"},
+      {{"-SSLCertificate", garbage}, "of -SSLCertificate cannot be used"},
+      {{"-SSLCertificate", good, "-SSLPrivateKey", wrongKey}, "of -SSLPrivateKey cannot be used"},
+      {{"-SSLCertificate", m_caFile}, "(one without a pass phrase is needed)"},
+      {{"-SSLCACertificate", m_caFile, "-SSLPrivateKey", good}, "-SSLCertificate is not"},
+      {{"-ORBListenEndpoints", "iiop:///ssl_port=5001"}, "ssl_port, and -SSLCertificate is not"},
+  };
+  for (const auto& row : kRows) {
+    m_log.Clear();
+    m_orbArguments = row.arguments;
+    EXPECT_EQ(Login(), 55);
+    EXPECT_NE(m_log.Text().find(row.text), std::string::npos) << row.text << m_log.Text();
+  }
+  StartTlsServer(m_authority.Issue({}));
+  m_orbArguments = {"-SSLCACertificate", m_caFile, "-SSLCertificate", good};
+  EXPECT_EQ(Login(), 1) << m_log.Text();
+}
+
+}  // namespace
+}  // namespace vq::test
