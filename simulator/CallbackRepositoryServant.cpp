@@ -6,11 +6,7 @@ namespace vq::sim {
 
 CallbackRepositoryServant::CallbackRepositoryServant(World& world, std::string kind,
                                                      Callbacks& callbacks)
-    : m_world(world), m_kind(std::move(kind)), m_callbacks(callbacks) {}
-
-Call CallbackRepositoryServant::Begin(const char* operation) {
-  return Call(m_world, m_kind, "CallbackRepository", operation);
-}
+    : Servant(world, std::move(kind), "CallbackRepository"), m_callbacks(callbacks) {}
 
 CORBA::Long CallbackRepositoryServant::CRB_RegisterCallback(const char* userId,
                                                             CORBA::Object_ptr callback,

@@ -6,13 +6,13 @@
 
 #include <string>
 
-#include <simulator/Call.h>
 #include <simulator/Callbacks.h>
+#include <simulator/Servant.h>
 #include <vq_idl/CallbackRepositoryC.h>
 
 namespace vq::sim {
 
-class CallbackRepositoryServant : public POA_CrbCallbackRepository {
+class CallbackRepositoryServant : public Servant<POA_CrbCallbackRepository> {
  public:
   CallbackRepositoryServant(World& world, std::string kind, Callbacks& callbacks);
 
@@ -24,10 +24,6 @@ class CallbackRepositoryServant : public POA_CrbCallbackRepository {
   CORBA::Object_ptr CRB_GetCallbackById(CORBA::Long callbackId) override;
 
  private:
-  [[nodiscard]] Call Begin(const char* operation);
-
-  World& m_world;
-  const std::string m_kind;
   Callbacks& m_callbacks;
 };
 

@@ -5,29 +5,17 @@
 #ifndef VQ_SIMULATOR_PARTOFAUTHORIZATION_H
 #define VQ_SIMULATOR_PARTOFAUTHORIZATION_H
 
-#include <simulator/Call.h>
+#include <simulator/Servant.h>
 #include <vq_idl/AuthorizationC.h>
 
 namespace vq::sim {
 
-class PartOfAuthorization : public POA_QCSCorbaAuthorization {
+class PartOfAuthorization : public Servant<POA_QCSCorbaAuthorization> {
  protected:
-  PartOfAuthorization(World& world, std::string kind) : m_world(world), m_kind(std::move(kind)) {}
-
-  // A call of an operation of this object.
-  [[nodiscard]] Call Begin(const char* operation) {
-    return Call(m_world, m_kind, "Authorization", operation);
-  }
-
-  World& m_world;
-  const std::string m_kind;
+  PartOfAuthorization(World& world, std::string kind)
+      : Servant(world, std::move(kind), "Authorization") {}
 
  private:
-  [[noreturn]] void NotHere(const char* operation) {
-    Begin(operation).Run([] { throw CORBA::NO_IMPLEMENT(); });
-    throw CORBA::NO_IMPLEMENT();
-  }
-
   void CRB_Initialize(CORBA::Boolean, const char*) override { NotHere("CRB_Initialize"); }
   void CRB_SetUserName(const char*, const char*) override { NotHere("CRB_SetUserName"); }
   void CRB_SetIsGroup(CORBA::Boolean, const char*) override { NotHere("CRB_SetIsGroup"); }

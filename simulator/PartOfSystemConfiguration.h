@@ -5,30 +5,17 @@
 #ifndef VQ_SIMULATOR_PARTOFSYSTEMCONFIGURATION_H
 #define VQ_SIMULATOR_PARTOFSYSTEMCONFIGURATION_H
 
-#include <simulator/Call.h>
+#include <simulator/Servant.h>
 #include <vq_idl/SystemConfigurationC.h>
 
 namespace vq::sim {
 
-class PartOfSystemConfiguration : public POA_VQCorbaSystemConfiguration {
+class PartOfSystemConfiguration : public Servant<POA_VQCorbaSystemConfiguration> {
  protected:
   PartOfSystemConfiguration(World& world, std::string kind)
-      : m_world(world), m_kind(std::move(kind)) {}
-
-  // A call of an operation of this object.
-  [[nodiscard]] Call Begin(const char* operation) {
-    return Call(m_world, m_kind, "SystemConfiguration", operation);
-  }
-
-  World& m_world;
-  const std::string m_kind;
+      : Servant(world, std::move(kind), "SystemConfiguration") {}
 
  private:
-  [[noreturn]] void NotHere(const char* operation) {
-    Begin(operation).Run([] { throw CORBA::NO_IMPLEMENT(); });
-    throw CORBA::NO_IMPLEMENT();
-  }
-
   void CRB_GetArchiveParams(const char*, ArchiveParams_out) override {
     NotHere("CRB_GetArchiveParams");
   }

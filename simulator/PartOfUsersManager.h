@@ -5,29 +5,17 @@
 #ifndef VQ_SIMULATOR_PARTOFUSERSMANAGER_H
 #define VQ_SIMULATOR_PARTOFUSERSMANAGER_H
 
-#include <simulator/Call.h>
+#include <simulator/Servant.h>
 #include <vq_idl/UsersManagerC.h>
 
 namespace vq::sim {
 
-class PartOfUsersManager : public POA_QCSCorbaUsersManager {
+class PartOfUsersManager : public Servant<POA_QCSCorbaUsersManager> {
  protected:
-  PartOfUsersManager(World& world, std::string kind) : m_world(world), m_kind(std::move(kind)) {}
-
-  // A call of an operation of this object.
-  [[nodiscard]] Call Begin(const char* operation) {
-    return Call(m_world, m_kind, "UsersManager", operation);
-  }
-
-  World& m_world;
-  const std::string m_kind;
+  PartOfUsersManager(World& world, std::string kind)
+      : Servant(world, std::move(kind), "UsersManager") {}
 
  private:
-  [[noreturn]] void NotHere(const char* operation) {
-    Begin(operation).Run([] { throw CORBA::NO_IMPLEMENT(); });
-    throw CORBA::NO_IMPLEMENT();
-  }
-
   CORBA::Long CRB_CreateOrUpdateUserPref(const char*, const char*, const stringSeq&,
                                          const stringSeq&) override {
     NotHere("CRB_CreateOrUpdateUserPref");

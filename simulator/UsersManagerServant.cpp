@@ -33,6 +33,16 @@ QCSCorbaLMInfoSeq* ToWire(const std::vector<LoginMessage>& messages) {
   return wire;
 }
 
+// The arguments in which a client tells what it is.
+void AddClient(Call& call, const char* hostName, const char* systemUserName, const char* clientName,
+               const char* clientVersion, CORBA::ULong timeOut) {
+  call.Argument("hostName", hostName)
+      .Argument("systemUserName", systemUserName)
+      .Argument("clientName", clientName)
+      .Argument("clientVersion", clientVersion)
+      .Argument("timeOut", timeOut);
+}
+
 }  // namespace
 
 UsersManagerServant::UsersManagerServant(World& world, std::string kind, Callbacks& callbacks,
@@ -161,13 +171,8 @@ CORBA::Long UsersManagerServant::CRB_Register(const char* userName, const char* 
                                               CORBA::String_out userId,
                                               CORBA::String_out dbUserName) {
   Call call = Begin("CRB_Register");
-  call.Argument("userName", userName)
-      .Secret("password", password, Form(userName, password))
-      .Argument("hostName", hostName)
-      .Argument("systemUserName", systemUserName)
-      .Argument("clientName", clientName)
-      .Argument("clientVersion", clientVersion)
-      .Argument("timeOut", timeOut);
+  call.Argument("userName", userName).Secret("password", password, Form(userName, password));
+  AddClient(call, hostName, systemUserName, clientName, clientVersion, timeOut);
   Reply reply;
   const CORBA::Long result = call.Run(
       [&] { return Register(call, userName, password, nullptr, timeOut, reply); }, &reply.message);
@@ -183,12 +188,8 @@ CORBA::Long UsersManagerServant::CRB_RegisterAndUpdatePassword(
   Call call = Begin("CRB_RegisterAndUpdatePassword");
   call.Argument("userName", userName)
       .Secret("password", password, Form(userName, password))
-      .Secret("newPassword", newPassword, Form(userName, newPassword))
-      .Argument("hostName", hostName)
-      .Argument("systemUserName", systemUserName)
-      .Argument("clientName", clientName)
-      .Argument("clientVersion", clientVersion)
-      .Argument("timeOut", timeOut);
+      .Secret("newPassword", newPassword, Form(userName, newPassword));
+  AddClient(call, hostName, systemUserName, clientName, clientVersion, timeOut);
   Reply reply;
   const CORBA::Long result =
       call.Run([&] { return Register(call, userName, password, newPassword, timeOut, reply); },

@@ -1,0 +1,44 @@
+// What every servant of the simulator has: the world it serves, the server kind it belongs to, and
+// a name for the log.
+//
+//   class X : public Servant<POA_CrbCallbackRepository> { ... Begin("CRB_GetCallbackById") ... };
+//
+// Thread contract: any thread; the ORB calls it from one thread a connection.
+#ifndef VQ_SIMULATOR_SERVANT_H
+#define VQ_SIMULATOR_SERVANT_H
+
+#include <string>
+#include <utility>
+
+#include <simulator/Call.h>
+
+namespace vq::sim {
+
+template <typename Skeleton>
+class Servant : public Skeleton {
+ protected:
+  // `object` is the servant's name in the log; a literal.
+  Servant(World& world, std::string kind, const char* object)
+      : m_world(world), m_kind(std::move(kind)), m_object(object) {}
+
+  // A call of an operation of this object.
+  [[nodiscard]] Call Begin(const char* operation) {
+    return Call(m_world, m_kind, m_object, operation);
+  }
+
+  // Serves an operation that the simulator does not offer.
+  [[noreturn]] void NotHere(const char* operation) {
+    Begin(operation).Run([] { throw CORBA::NO_IMPLEMENT(); });
+    throw CORBA::NO_IMPLEMENT();
+  }
+
+  World& m_world;
+
+ private:
+  const std::string m_kind;
+  const char* const m_object;
+};
+
+}  // namespace vq::sim
+
+#endif  // VQ_SIMULATOR_SERVANT_H
