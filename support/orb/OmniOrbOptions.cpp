@@ -50,6 +50,8 @@ std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
       {"clientConnectTimeOutPeriod", std::to_string(settings.connectTimeout.count())},
       {"clientCallTimeOutPeriod", std::to_string(settings.callTimeout.count())},
       {"giopMaxMsgSize", std::to_string(settings.maxMessageSize)},
+      // A first call goes out as it is, without a message that asks whether the object is there.
+      {"verifyObjectExistsAndType", "0"},
   };
   AddEndpoints(settings, options);
   // Whether connections are offered for calls back decides for each reference when it is made, so

@@ -252,6 +252,20 @@ TEST_F(LoginTest, AMalformedSettingIsNamedInTheLog) {
       << m_log.Text();
 }
 
+TEST_F(LoginTest, AReplyBeyondTheSizeLimitNamesTheSetting) {
+  m_orbArguments = {"-ORBMaxMessageSize", "20000"};
+  nlohmann::json site = BaseSite();
+  site["parameters"]["general"]["Long"] = std::string(30000, 'x');
+  StartServer(site);
+  ASSERT_EQ(Login(), 1);
+  std::string value = "kept";
+  EXPECT_FALSE(GetSystemParameter("Long", value, "general", E_GSR));
+  EXPECT_EQ(value, "kept");
+  EXPECT_NE(m_log.Text().find("larger than the setting -ORBMaxMessageSize allows"),
+            std::string::npos)
+      << m_log.Text();
+}
+
 TEST_F(LoginTest, NoSecretReachesTheLog) {
   nlohmann::json site = BaseSite();
   site["users"]["alice"]["password"] = "canary-in-a-mine";

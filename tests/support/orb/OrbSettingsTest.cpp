@@ -95,6 +95,7 @@ TEST(OmniOrbOptionsTest, TranslatesEverySetting) {
       {{}, "clientConnectTimeOutPeriod", "10000"},
       {{}, "clientCallTimeOutPeriod", "60000"},
       {{}, "giopMaxMsgSize", "268435456"},
+      {{}, "verifyObjectExistsAndType", "0"},
       {{}, "offerBiDirectionalGIOP", "0"},
       {{}, "clientTransportRule", "* unix,tcp,ssl,bidir"},
       {{}, "InitRef", ""},
