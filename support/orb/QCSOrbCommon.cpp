@@ -7,11 +7,9 @@
 #include <stdexcept>
 #include <string_view>
 
-#include <support/configuration/ConfigAPI.h>
-#include <support/configuration/ConfigAPIFactoryXML.h>
 #include <support/diagnostics/TDiag.h>
-#include <support/foundations/Locations.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/DomainScopes.h>
 #include <support/orb/OrbProduct.h>
 #include <support/orb/OrbSettings.h>
 #include <support/orb/OwnAddresses.h>
@@ -127,25 +125,15 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
 bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
                                 std::vector<std::string>& productArguments) {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReadSettings");
-  const std::string directory = GetConfigDomainsDir();
-  const std::string domain = GetConfigDomainName();
-  const std::unique_ptr<ConfigAPI> config = ConfigAPIFactoryXML::Create(directory, domain);
-  if (!config->Load()) {
-    VQ_LOG(diag, 1) << "The configuration domain " << directory << domain
-                    << ".xml cannot be read; correct the file or remove it: " << config->Error();
+  vq::orb::DomainScopes scopes;
+  if (!vq::orb::ReadDomainScopes(scope, scopes)) {
+    VQ_LOG(diag, 1) << scopes.error;
     return false;
-  }
-  vq::orb::SettingScope own;
-  vq::orb::SettingScope common;
-  for (const std::string_view known : vq::orb::KnownSettingNames()) {
-    const std::string setting(known);
-    if (const auto value = config->GetVar(scope, setting)) own[setting] = *value;
-    if (const auto value = config->GetVar("default", setting)) common[setting] = *value;
   }
   try {
     const vq::orb::OrbArguments arguments = vq::orb::SplitArguments(argc, argv);
-    m_settings =
-        std::make_unique<vq::orb::OrbSettings>(vq::orb::ResolveSettings(arguments, own, common));
+    m_settings = std::make_unique<vq::orb::OrbSettings>(
+        vq::orb::ResolveSettings(arguments, scopes.own, scopes.common));
     ResolvePublishedHost(*m_settings);
     productArguments = arguments.rest;
   } catch (const std::invalid_argument& e) {
