@@ -27,13 +27,21 @@ inline std::vector<std::string> HostileXml(const std::string& root, const std::s
     levels += "<!ENTITY e" + std::to_string(i) + " '" +
               Repeated("&e" + std::to_string(i - 1) + ";", 10) + "'>";
   }
+  std::string parameters = "<!ENTITY % e0 ' '>";
+  for (int i = 1; i < 12; ++i) {
+    parameters += "<!ENTITY % e" + std::to_string(i) + " '" +
+                  Repeated("&#37;e" + std::to_string(i - 1) + ";", 10) + "'>";
+  }
   const std::string wide = "<!ENTITY e '" + Repeated("x", 200'000) + "'>";
+  const std::string everywhere = "<!ATTLIST d a CDATA '" + Repeated("x", 100'000) + "'>";
   const std::string file = "SYSTEM '" + watch.FileUrl() + "'";
   const std::string page = "SYSTEM '" + watch.HttpUrl() + "'";
   const std::pair<std::string, std::string> cases[] = {
       {"[" + levels + "]", "&e11;"},
       {"[" + levels + "]", "<a b='&e11;'/>"},
       {"[" + wide + "]", Repeated("&e;", 100'000)},
+      {"[" + parameters + "%e11;]", "&x;"},
+      {"[" + everywhere + "]", Repeated("<d/>", 20'000)},
       {"[<!ENTITY x '&x;'>]", "&x;"},
       {"[<!ENTITY x " + file + ">]", "&x;"},
       {"[<!ENTITY x " + page + ">]", "&x;"},

@@ -3,11 +3,10 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
-#include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include <support/configuration/SafeXmlParser.h>
 #include <support/configuration/XmlText.h>
 
 namespace vq {
@@ -79,10 +78,12 @@ bool IsDeeperThan(int limit, const DOMNode* root) {
   return depth > limit;
 }
 
+constexpr char kNoDoctype[] = "a document type declaration is not allowed";
+
 // Why a well-formed document is no configuration domain; empty when it is one.
 std::string Objection(const xercesc::DOMDocument& document) {
   constexpr int kDeepest = 100;
-  if (document.getDoctype() != nullptr) return "a document type declaration is not allowed";
+  if (document.getDoctype() != nullptr) return kNoDoctype;
   const DOMElement* root = document.getDocumentElement();
   if (root == nullptr || !IsElement(root, u"domain")) return "the root is no <domain>";
   return IsDeeperThan(kDeepest, root) ? "the elements are nested too deep" : "";
@@ -149,18 +150,10 @@ ConfigDocument::ConfigDocument() : m_document(NewDomain()) {}
 ConfigDocument::~ConfigDocument() = default;
 
 bool ConfigDocument::Parse(std::string_view text, std::string& error) {
-  xercesc::SecurityManager security;
-  security.setEntityExpansionLimit(0);
   FirstError firstError;
   const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(text.data()),
                                           text.size(), u"domain");
-  xercesc::XercesDOMParser parser;
-  parser.setValidationScheme(xercesc::XercesDOMParser::Val_Never);
-  parser.setDoNamespaces(false);
-  parser.setLoadExternalDTD(false);
-  parser.setDisableDefaultEntityResolution(true);
-  parser.setCreateEntityReferenceNodes(false);
-  parser.setSecurityManager(&security);
+  SafeXmlParser parser;
   parser.setErrorHandler(&firstError);
   try {
     parser.parse(source);
@@ -171,7 +164,7 @@ bool ConfigDocument::Parse(std::string_view text, std::string& error) {
     error = Utf8FromXml(failure.getMessage());
     return false;
   }
-  error = firstError.Text();
+  error = parser.HasRefusedSubset() ? kNoDoctype : firstError.Text();
   if (error.empty() && parser.getErrorCount() == 0) error = Objection(*parser.getDocument());
   if (!error.empty()) return false;
   m_document.reset(parser.adoptDocument());

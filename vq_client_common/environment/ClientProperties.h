@@ -19,8 +19,7 @@
 //    saves, and copies it back when the next start finds it cut.
 //  - Keys are written as they are. One that is no XML name makes a file that loads as empty.
 //  - "%s" in a key or value is taken for a mark of the line's template (see SaveProperties), and
-//  the
-//    file that comes of it loads as empty.
+//    the file that comes of it loads as empty.
 //  - Values are written byte by byte and read as UTF-8, which then comes in the encoding of the
 //    process's locale. Only in a UTF-8 locale does every value come back as it was.
 #ifndef VQ_CLIENT_COMMON_ENVIRONMENT_CLIENTPROPERTIES_H
@@ -38,8 +37,9 @@ VQ_CLIENT_COMMON_API void exit_vqclient_common();
 class VQ_CLIENT_COMMON_API ClientProperties {
  public:
   // The one instance, made and loaded on first use; owned by the class, never null. A file that is
-  // missing or malformed gives an empty table. Throws what LoadProperties lets through, and then
-  // there is no instance.
+  // missing or malformed gives an empty table, and so does one that may be meant to harm: of more
+  // than 64 MiB, or with entities or other declarations of its own. Nothing that it names is opened.
+  // Throws what LoadProperties lets through, and then there is no instance.
   static ClientProperties* Get();
 
   // A copy is a table of its own that saves to the same file.

@@ -116,7 +116,7 @@ std::string CmdParser::param(const std::string& name, const std::string& shortNa
 bool CmdParser::is_switch_on(const std::string& name) const {
   const TDiagFunc diag(diagModule, "CmdParser::is_switch_on");
   VQ_LOG(diag, 4) << "Testing " << name;
-  // The name is not folded, in contrast to param; client programs ask in upper case.
+  // Not folded, in contrast to param. That is meant: client programs ask in upper case.
   const bool isOn = std::find(m_switches.begin(), m_switches.end(), name) != m_switches.end();
   VQ_LOG(diag, 4) << name << (isOn ? " turned on" : " turned off");
   return isOn;

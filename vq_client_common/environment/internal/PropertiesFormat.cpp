@@ -5,22 +5,17 @@
 #include <optional>
 
 #include <support/configuration/SafeFile.h>
+#include <support/configuration/SafeXmlParser.h>
 #include <support/configuration/XmlPlatform.h>
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
-#include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLString.hpp>
 
 namespace vq {
 
 namespace {
-
-// Each reference to an entity of the document's own can bring the size of the document at most, so
-// this bounds what a hostile document makes of itself. Files of this library's own have none.
-constexpr XMLSize_t kEntityExpansionLimit = 16;
 
 struct Escape {
   char character;
@@ -122,19 +117,10 @@ bool ParseProperties(std::string_view content, const TDiagFunc& diag, Properties
     VQ_LOG(diag, 1) << "Error during XML initialization";
     return false;
   }
-  xercesc::SecurityManager security;
-  security.setEntityExpansionLimit(kEntityExpansionLimit);
   const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(content.data()),
                                           content.size(), u"CommonClientConf.xml");
   try {
-    xercesc::XercesDOMParser parser;
-    parser.setValidationScheme(xercesc::XercesDOMParser::Val_Never);
-    parser.setDoNamespaces(false);
-    parser.setDoSchema(false);
-    // The file may come from anywhere: nothing that it names is fetched.
-    parser.setLoadExternalDTD(false);
-    parser.setDisableDefaultEntityResolution(true);
-    parser.setSecurityManager(&security);
+    SafeXmlParser parser;
     parser.parse(source);
     if (parser.getErrorCount() != 0) {
       VQ_LOG(diag, 1) << "Args file parsing had errors";
