@@ -19,7 +19,8 @@
 
 // Both return 1 and store the line without its line end; an empty line is an answer too. Both
 // return 0, with the string untouched, when standard input is closed, fails or ends before a first
-// character, and for a line that is longer than 4096 bytes or holds a zero byte.
+// character, and for a line that is longer than 4096 bytes or holds a zero byte; the rest of such a
+// line stays in standard input.
 // Thread contract: may be called from any thread; two threads ask one after the other.
 
 int getUserFromStdin(std::string& user);

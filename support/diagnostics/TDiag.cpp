@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <utility>
 #include <variant>
 #include <vector>
 
+#include <fmt/format.h>
 #include <spdlog/details/log_msg.h>
 #include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/rotating_file_sink.h>
@@ -21,15 +23,16 @@ int ClampLevel(int level) {
 }
 
 // Text sinks keep one line of the log apart from the next: what follows a line end is indented, so
-// that no text from outside can pass for a line of its own.
+// that no text from outside can pass for a line of its own. Other control characters but the tab
+// are written as their numbers, because a terminal would obey them.
 std::string Indented(std::string_view text) {
   std::string result;
   result.reserve(text.size() + 8);
   for (const char c : text) {
     if (c == '\n') {
       result += "\n    ";
-    } else if (c == '\r') {
-      result += "\\r";
+    } else if (c == '\x7F' || (c >= 0 && c < ' ' && c != '\t')) {
+      fmt::format_to(std::back_inserter(result), "\\x{:02x}", static_cast<int>(c));
     } else {
       result += c;
     }
@@ -81,8 +84,9 @@ struct TDiag::State {
 };
 
 TDiag::TDiag() : m_state(new State) {
-  const char* const levels = std::getenv("VQ_DIAG_LEVEL");
-  const char* const file = std::getenv("VQ_DIAG_FILE");
+  // A program with more rights than its caller must not write to a file that the caller names.
+  const char* const levels = ::secure_getenv("VQ_DIAG_LEVEL");
+  const char* const file = ::secure_getenv("VQ_DIAG_FILE");
   if (levels != nullptr) ApplyLevels(levels);
   if (file != nullptr && *file != '\0') {
     if (AddFileSink(file) == 0) AddStandardErrorSink();

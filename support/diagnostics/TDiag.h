@@ -5,7 +5,8 @@
 // lines go: the standard error stream, a rotating file, or a callback of the application. There is
 // no sink until somebody adds one, and without a sink no line is active, whatever its level.
 //
-// Switched on without code by the environment, read once when the library loads:
+// Switched on without code by the environment, read once when the library loads, and not at all by
+// a program that runs with more rights than its caller:
 //   VQ_DIAG_LEVEL=4                    lines up to level 4
 //   VQ_DIAG_LEVEL=1,LoginHandler=6     1 in general, 6 for one module
 //   VQ_DIAG_FILE=/var/log/client.log   to this file (10 MB, three older files kept) instead of the
@@ -73,8 +74,10 @@ class VQ_SUPPORT_API TDiag {
   void SetClassMask(std::uint32_t mask);
   std::uint32_t GetClassMask() const;
 
-  // Each returns a number for RemoveSink. AddFileSink appends to `path`, starts a new file when it
-  // reaches `maxBytes` and keeps `olderFiles` old ones; it returns 0 when the file does not open.
+  // Each returns a number for RemoveSink. In a text sink what follows a line end is indented, and
+  // control characters stand as their numbers; a callback gets the text as logged. AddFileSink
+  // appends to `path`, starts a new file when it reaches `maxBytes` and keeps `olderFiles` old
+  // ones; it returns 0 when the file does not open.
   SinkId AddStandardErrorSink();
   SinkId AddFileSink(const std::string& path, std::size_t maxBytes = 10U << 20U,
                      std::size_t olderFiles = 3);
