@@ -13,7 +13,7 @@
 class ConfigAPIFactoryXML {
  public:
   // A domain on the file `directory`/`name`.xml; never null. Nothing is read yet. A name that is
-  // empty or holds a "/" makes Load and Save fail.
+  // empty or holds a "/", and a zero byte in either, make Load and Save fail.
   static std::unique_ptr<ConfigAPI> Create(const std::string& directory, const std::string& name);
 };
 

@@ -1,6 +1,7 @@
 #include <support/configuration/ConfigXml.h>
 
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 #include <xercesc/dom/DOMException.hpp>
@@ -18,7 +19,9 @@ constexpr char kDefaultScope[] = "default";
 // The file that is read and replaced. A symbolic link is followed, so that a save replaces the file
 // that it names and not the link.
 std::string PathOf(const std::string& directory, const std::string& name) {
-  if (name.empty() || name.find('/') != std::string::npos) return {};
+  constexpr std::string_view kInNoName("/\0", 2);
+  if (name.empty() || name.find_first_of(kInNoName) != std::string::npos) return {};
+  if (directory.find('\0') != std::string::npos) return {};
   const std::filesystem::path path = std::filesystem::path(directory) / (name + ".xml");
   std::error_code error;
   const std::filesystem::path target = std::filesystem::canonical(path, error);

@@ -45,11 +45,13 @@ bool WriteAll(int file, std::string_view text) {
   return true;
 }
 
-// Writes the new content under its temporary name and brings it to the disk.
-bool WriteDurably(const std::string& path, std::string_view text, mode_t mode) {
+// Writes the new content under its temporary name, with the permissions of `former` if there is
+// such a file, and brings it to the disk.
+bool WriteDurably(const std::string& path, std::string_view text, const struct stat* former) {
   ::unlink(path.c_str());  // What a writer left that was killed; O_EXCL follows no link.
-  Descriptor file(path, O_WRONLY | O_CREAT | O_EXCL, mode);
-  return file.Get() != -1 && WriteAll(file.Get(), text) && ::fchmod(file.Get(), mode) == 0 &&
+  Descriptor file(path, O_WRONLY | O_CREAT | O_EXCL, former != nullptr ? 0600 : 0644);
+  return file.Get() != -1 && WriteAll(file.Get(), text) &&
+         (former == nullptr || ::fchmod(file.Get(), former->st_mode & 07777U) == 0) &&
          ::fsync(file.Get()) == 0 && file.Close();
 }
 
@@ -92,9 +94,8 @@ ReadResult ReadFile(const std::string& path, std::size_t limit, std::string& tex
 bool ReplaceFile(const std::string& path, std::string_view text, std::string& error) {
   struct stat status {};
   const bool exists = ::stat(path.c_str(), &status) == 0;
-  const mode_t mode = exists ? status.st_mode & 07777U : 0644U;
   const std::string temporary = path + ".new";
-  if (!WriteDurably(temporary, text, mode)) {
+  if (!WriteDurably(temporary, text, exists ? &status : nullptr)) {
     error = SystemError(temporary);
     ::unlink(temporary.c_str());
     return false;

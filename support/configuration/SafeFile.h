@@ -24,7 +24,8 @@ ReadResult ReadFile(const std::string& path, std::size_t limit, std::string& tex
                     std::string& error);
 
 // Puts `text` into the file at `path`, as a whole or not at all: it is written to `path` + ".new",
-// brought to the disk and renamed. The new file has the permissions of the old one. Returns false,
+// brought to the disk and renamed. The new file has the permissions of the old one; where there was
+// none, those that the process's mask leaves of 0644. Returns false,
 // with `error` set and the old file as it was, when a step fails. Callers keep one another out with
 // a FileLock.
 bool ReplaceFile(const std::string& path, std::string_view text, std::string& error);
