@@ -20,7 +20,7 @@
 #include <string>
 #include <thread>
 
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/TemporaryDirectory.h>
 
 namespace vq::test {
 

@@ -10,7 +10,8 @@
 #include <benchmark/benchmark.h>
 
 #include <support/configuration/XmlPlatform.h>
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/Environment.h>
+#include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/environment/ClientProperties.h>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 

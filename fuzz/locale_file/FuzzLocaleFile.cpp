@@ -9,7 +9,8 @@
 #include <memory>
 #include <string>
 
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/Environment.h>
+#include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/environment/LanguageLocale.h>
 
 namespace {

@@ -11,7 +11,7 @@
 #include <simulator/Control.h>
 #include <simulator/Orb.h>
 #include <simulator/Server.h>
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/TemporaryDirectory.h>
 #include <vq_idl/CallbackRepositoryC.h>
 #include <vq_idl/SystemConfigurationC.h>
 #include <vq_idl/UsersManagerC.h>

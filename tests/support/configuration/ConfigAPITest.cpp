@@ -3,7 +3,6 @@
 #include <csignal>
 #include <filesystem>
 #include <string>
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,50 +12,50 @@
 #include <support/configuration/ConfigAPIFactoryXML.h>
 #include <support/configuration/ConfigXml.h>
 #include <support/configuration/SafeFile.h>
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/TemporaryDirectory.h>
 
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Pair;
+namespace fs = std::filesystem;
 
 class ConfigAPITest : public ::testing::Test {
  protected:
-  std::unique_ptr<ConfigAPI> Domain() const {
-    return ConfigAPIFactoryXML::Create(m_directory.Path(), "vq");
+  std::unique_ptr<ConfigAPI> Domain(const std::string& name = "vq") const {
+    return ConfigAPIFactoryXML::Create(m_directory.Path(), name);
   }
   std::unique_ptr<ConfigAPI> Loaded() const {
     auto domain = Domain();
     EXPECT_TRUE(domain->Load()) << domain->Error();
     return domain;
   }
+  static mode_t Mode(const std::string& path) {
+    return static_cast<mode_t>(fs::status(path).permissions());
+  }
   vq::test::TemporaryDirectory m_directory;
 };
 
 TEST_F(ConfigAPITest, AMissingFileIsAnEmptyDomainAndSavingMakesIt) {
-  const auto domain = Loaded();
+  const auto domain = ConfigAPIFactoryXML::Create(m_directory / "new/config", "vq");
+  EXPECT_TRUE(domain->Load());
   EXPECT_THAT(domain->GetScopes(), ElementsAre());
   EXPECT_EQ(domain->GetVar("default", "a"), std::nullopt);
   EXPECT_TRUE(domain->Save());
-  EXPECT_FALSE(std::filesystem::exists(m_directory.Path() + "vq.xml"))
-      << "written without a change";
+  EXPECT_FALSE(fs::exists(m_directory / "new")) << "written without a change";
 
   EXPECT_TRUE(domain->SetVar("default", "-ORBListenEndpoints", "iiop://"));
-  ASSERT_TRUE(domain->Save()) << domain->Error();
-  EXPECT_THAT(m_directory.Read("vq.xml"),
+  const mode_t formerMask = ::umask(0077);
+  EXPECT_TRUE(domain->Save()) << domain->Error();
+  ::umask(formerMask);
+  EXPECT_THAT(m_directory.Read("new/config/vq.xml"),
               HasSubstr("<domain>\n"
                         "  <scope name=\"default\">\n"
                         "    <var name=\"-ORBListenEndpoints\">iiop://</var>\n"
                         "  </scope>\n"
                         "</domain>\n"));
-  EXPECT_EQ(Loaded()->GetVar("default", "-ORBListenEndpoints"), "iiop://");
-
-  const auto elsewhere = ConfigAPIFactoryXML::Create(m_directory.Path() + "new/config", "vq");
-  EXPECT_TRUE(elsewhere->Load());
-  EXPECT_TRUE(elsewhere->SetVar("default", "a", "1"));
-  EXPECT_TRUE(elsewhere->Save()) << elsewhere->Error();
-  EXPECT_THAT(m_directory.Read("new/config/vq.xml"), HasSubstr("\"a\">1<"));
+  EXPECT_EQ(Mode(m_directory / "new/config/vq.xml"), 0600U);
 }
 
 TEST_F(ConfigAPITest, ScopesAndVariables) {
@@ -72,7 +71,6 @@ TEST_F(ConfigAPITest, ScopesAndVariables) {
   EXPECT_EQ(again->GetVar("a", "v"), "");
   EXPECT_EQ(again->GetVar("a", "w"), std::nullopt);
   EXPECT_EQ(again->GetVar("none", "w"), std::nullopt);
-
   std::map<std::string, std::string> table{{"kept", "1"}, {"w", "old"}};
   again->GetScopeAndDefaultVars("a", table);
   EXPECT_THAT(table,
@@ -93,13 +91,12 @@ TEST_F(ConfigAPITest, ScopesAndVariables) {
 }
 
 TEST_F(ConfigAPITest, EveryTextThatXmlCanHoldSurvives) {
-  const std::string texts[] = {" blanks ", "a\tb\nc\r\nd\re",  "<&>\"'", "]]>",
-                               "\xC3\xA9", "\xF0\x9F\x94\x92", "%s",     "$IP"};
+  const std::string texts[] = {" blanks ", "a\tb\nc\r\nd\re", "<&>\"']]>", "\xC3\xA9",
+                               "\xF0\x9F\x94\x92"};
   const auto domain = Domain();
   for (const std::string& text : texts) EXPECT_TRUE(domain->SetVar(text, text, text)) << text;
   ASSERT_TRUE(domain->Save()) << domain->Error();
-  const auto again = Loaded();
-  for (const std::string& text : texts) EXPECT_EQ(again->GetVar(text, text), text);
+  for (const std::string& text : texts) EXPECT_EQ(Loaded()->GetVar(text, text), text);
 
   for (const std::string& text : {std::string("\xC3"), std::string("\x01"), std::string("\0", 1),
                                   std::string("\xED\xA0\x80"), std::string("\xEF\xBF\xBF")}) {
@@ -113,14 +110,8 @@ TEST_F(ConfigAPITest, EveryTextThatXmlCanHoldSurvives) {
 
 TEST_F(ConfigAPITest, AMalformedFileFailsToLoadAndIsNeverOverwritten) {
   const std::pair<const char*, const char*> cases[] = {
-      {"", "vq.xml: "},
-      {"<domain><scope name=\"default\"></domain>", "line 1, column "},
-      {"<domain>\n<var>cut", "line 2"},
-      {"<properties/>", "root"},
-      {"\xFF\xFE\x00", "vq.xml: "},
-  };
+      {"", "vq.xml: "}, {"<domain>\n<var>cut", "line 2, column "}, {"<properties/>", "root"}};
   for (const auto& [text, reason] : cases) {
-    SCOPED_TRACE(text);
     m_directory.Write("vq.xml", "<domain><scope name='s'><var name='a'>1</var></scope></domain>");
     const auto domain = Loaded();
     m_directory.Write("vq.xml", text);
@@ -130,7 +121,6 @@ TEST_F(ConfigAPITest, AMalformedFileFailsToLoadAndIsNeverOverwritten) {
     EXPECT_TRUE(domain->SetVar("s", "b", "2"));
     EXPECT_FALSE(domain->Save());
     EXPECT_EQ(m_directory.Read("vq.xml"), text);
-
     m_directory.Write("vq.xml", "<domain/>");
     EXPECT_TRUE(domain->Save()) << "the change must still be there: " << domain->Error();
     EXPECT_EQ(Loaded()->GetVar("s", "b"), "2");
@@ -138,108 +128,71 @@ TEST_F(ConfigAPITest, AMalformedFileFailsToLoadAndIsNeverOverwritten) {
 }
 
 TEST_F(ConfigAPITest, WhatIsNoReadableFileFails) {
-  for (const char* name : {"", "../vq", "/etc/passwd"}) {
-    const auto domain = ConfigAPIFactoryXML::Create(m_directory.Path(), name);
+  fs::create_directory(m_directory / "directory.xml");
+  ASSERT_EQ(::mkfifo((m_directory / "pipe.xml").c_str(), 0600), 0);
+  m_directory.Write("large.xml",
+                    "<domain>" + std::string(vq::ConfigXml::kLargestFile, ' ') + "</domain>");
+  for (const std::string& name :
+       {std::string(), std::string("../vq"), std::string("directory\0", 10),
+        std::string("directory"), std::string("pipe"), std::string("large")}) {
+    const auto domain = Domain(name);
     domain->SetVar("default", "a", "1");
     EXPECT_FALSE(domain->Load()) << name;
     EXPECT_FALSE(domain->Save()) << name;
     EXPECT_NE(domain->Error(), "");
   }
-  std::filesystem::create_directory(m_directory.Path() + "directory.xml");
-  ASSERT_EQ(::mkfifo((m_directory.Path() + "pipe.xml").c_str(), 0600), 0);
-  m_directory.Write("large.xml",
-                    "<domain>" + std::string(vq::ConfigXml::kLargestFile, ' ') + "</domain>");
-  for (const char* name : {"directory", "pipe", "large"}) {
-    const auto domain = ConfigAPIFactoryXML::Create(m_directory.Path(), name);
-    domain->SetVar("default", "a", "1");
-    EXPECT_FALSE(domain->Load()) << name;
-    EXPECT_FALSE(domain->Save()) << name;
-  }
 }
 
-TEST_F(ConfigAPITest, WritersDoNotUndoOneAnother) {
+TEST_F(ConfigAPITest, WritersDoNotUndoOneAnotherAndWaitALimitedTime) {
   m_directory.Write("vq.xml",
                     "<domain><scope name='default'><var name='a'>1</var>"
                     "<var name='b'>1</var></scope></domain>");
   const auto first = Loaded();
-  const auto second = Loaded();
+  vq::ConfigXml second(m_directory.Path(), "vq", std::chrono::milliseconds(20));
   first->SetVar("default", "a", "first");
   first->RemoveVar("default", "b");
-  second->SetVar("second", "c", "2");
+  second.SetVar("second", "c", "2");
   ASSERT_TRUE(first->Save());
-  ASSERT_TRUE(second->Save());
-  EXPECT_EQ(second->GetVar("default", "a"), "first") << "a save takes over what it found";
-  EXPECT_EQ(second->GetVar("default", "b"), std::nullopt);
+  {
+    const vq::FileLock other(m_directory / "vq.xml.lock", std::chrono::milliseconds(0));
+    EXPECT_FALSE(second.Save());
+    EXPECT_THAT(second.Error(), HasSubstr("another program"));
+  }
+  EXPECT_TRUE(second.Save()) << second.Error();
+  EXPECT_EQ(second.GetVar("default", "a"), "first") << "a save takes over what it found";
+  EXPECT_EQ(second.GetVar("default", "b"), std::nullopt);
   EXPECT_EQ(Loaded()->GetVar("second", "c"), "2");
 }
 
-TEST_F(ConfigAPITest, AWriterThatHoldsTheLockForLongIsNotWaitedForForEver) {
-  const std::string lockFile = m_directory.Path() + "vq.xml.lock";
-  vq::ConfigXml domain(m_directory.Path(), "vq", std::chrono::milliseconds(20));
-  domain.SetVar("default", "a", "1");
-  {
-    const vq::FileLock other(lockFile, std::chrono::milliseconds(0));
-    ASSERT_TRUE(other.Held()) << other.Error();
-    EXPECT_FALSE(domain.Save());
-    EXPECT_THAT(domain.Error(), HasSubstr("another program"));
-  }
-  EXPECT_TRUE(domain.Save()) << domain.Error();
-}
-
 TEST_F(ConfigAPITest, AFullDiskLeavesTheOldFile) {
-  const auto domain = Domain();
-  domain->SetVar("default", "a", "1");
-  ASSERT_TRUE(domain->Save());
-  const std::string before = m_directory.Read("vq.xml");
-
+  const std::string before = "<domain/>";
+  m_directory.Write("vq.xml", before);
+  const auto domain = Loaded();
   domain->SetVar("default", "large", std::string(100'000, 'x'));
   rlimit limit{};
   ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
   const rlimit small{4096, limit.rlim_max};
   const auto formerHandler = std::signal(SIGXFSZ, SIG_IGN);
   ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-  const bool saved = domain->Save();
+  EXPECT_FALSE(domain->Save());
   ::setrlimit(RLIMIT_FSIZE, &limit);
   std::signal(SIGXFSZ, formerHandler);
-  EXPECT_FALSE(saved);
   EXPECT_THAT(domain->Error(), HasSubstr("vq.xml.new"));
   EXPECT_EQ(m_directory.Read("vq.xml"), before);
-  EXPECT_FALSE(std::filesystem::exists(m_directory.Path() + "vq.xml.new"));
+  EXPECT_FALSE(fs::exists(m_directory / "vq.xml.new"));
   EXPECT_TRUE(domain->Save()) << domain->Error();
 }
 
 TEST_F(ConfigAPITest, PermissionsAndLinksStay) {
-  namespace fs = std::filesystem;
   const std::string target = m_directory.Write("site/real.xml", "<domain/>");
-  fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
-  fs::create_symlink(target, m_directory.Path() + "vq.xml");
+  ::chmod(target.c_str(), 0640);
+  fs::create_symlink(target, m_directory / "vq.xml");
   const auto domain = Loaded();
   domain->SetVar("default", "a", "1");
   ASSERT_TRUE(domain->Save()) << domain->Error();
-  EXPECT_TRUE(fs::is_symlink(m_directory.Path() + "vq.xml"));
-  EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_TRUE(fs::is_symlink(m_directory / "vq.xml"));
+  EXPECT_EQ(Mode(target), 0640U);
   EXPECT_THAT(m_directory.Read("site/real.xml"), HasSubstr("\"a\">1<"));
-}
-
-TEST_F(ConfigAPITest, DomainsMayBeUsedOnManyThreads) {
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([this, t] {
-      for (int i = 0; i < 10; ++i) {
-        const auto domain = Loaded();
-        domain->SetVar("thread" + std::to_string(t), std::to_string(i), "x");
-        EXPECT_TRUE(domain->Save()) << domain->Error();
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  const auto domain = Loaded();
-  EXPECT_EQ(domain->GetScopes().size(), 4U);
-  for (const std::string& scope : domain->GetScopes()) {
-    std::map<std::string, std::string> table;
-    domain->GetScopeAndDefaultVars(scope, table);
-    EXPECT_EQ(table.size(), 10U) << scope;
-  }
 }
 
 }  // namespace

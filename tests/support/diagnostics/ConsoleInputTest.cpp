@@ -3,6 +3,7 @@
 #include <csignal>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -22,27 +23,27 @@ int AskForSesame() {
   return password == "sesame" ? 0 : kWrongText;
 }
 
+// A user who is asked for the password by `program`, and types and sends to it.
+struct Prompt : PseudoTerminal {
+  explicit Prompt(const std::function<int()>& program = AskForSesame) : PseudoTerminal(program) {
+    EXPECT_TRUE(Sees("Password: "));
+    EXPECT_FALSE(Echoes());
+  }
+  int Exit() {
+    const int status = NextStatus();
+    EXPECT_TRUE(Echoes());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+};
+
 TEST(ConsolePromptTest, ThePasswordIsTypedWithoutEchoAndTheTerminalIsPutBack) {
-  const struct {
-    const char* keys;
-    int exitCode;
-  } cases[] = {
-      {"sesame\n", 0},         {"sesamee\x7f\n", 0},  // the erase key still works
-      {"sesame\x04\x04", 0},                          // ended by end of file
-      {"\x04", kRefused},                             // end of file alone
-      {"\n", kWrongText},                             // an empty line is an answer
-      {"other\n", kWrongText},
-  };
+  // The erase key still works; an end of file ends a line and alone is no answer; an empty line is.
+  const std::pair<const char*, int> cases[] = {
+      {"sesamee\x7f\n", 0}, {"sesame\x04\x04", 0}, {"\x04", kRefused}, {"\n", kWrongText}};
   for (const auto& [keys, exitCode] : cases) {
-    SCOPED_TRACE(keys);
-    PseudoTerminal terminal(AskForSesame);
-    ASSERT_TRUE(terminal.Sees("Password: "));
-    EXPECT_FALSE(terminal.Echoes());
+    Prompt terminal;
     terminal.Type(keys);
-    const int status = terminal.NextStatus();
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), exitCode);
-    EXPECT_TRUE(terminal.Echoes());
+    EXPECT_EQ(terminal.Exit(), exitCode) << keys;
     EXPECT_EQ(terminal.Screen(), "Password: \r\n");
     EXPECT_EQ(terminal.StandardOutput(), "");
   }
@@ -61,22 +62,22 @@ TEST(ConsolePromptTest, TheUserNameIsEchoed) {
 }
 
 TEST(ConsolePromptTest, ASignalThatEndsTheProcessFirstPutsTheTerminalBack) {
+  const auto onAnotherThread = [] {
+    std::jthread(AskForSesame).join();
+    return kWrongText;
+  };
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1}) {
-    SCOPED_TRACE(signal);
-    PseudoTerminal terminal(AskForSesame);
-    ASSERT_TRUE(terminal.Sees("Password: "));
+    Prompt terminal(signal == SIGTERM ? std::function<int()>(onAnotherThread) : AskForSesame);
     terminal.Type("ses");
     terminal.Send(signal);
     const int status = terminal.NextStatus();
-    ASSERT_TRUE(WIFSIGNALED(status));
-    EXPECT_EQ(WTERMSIG(status), signal);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << ' ' << status;
     EXPECT_TRUE(terminal.Echoes());
   }
 }
 
 TEST(ConsolePromptTest, AStoppedProcessLeavesTheEchoOnAndAsksAgain) {
-  PseudoTerminal terminal(AskForSesame);
-  ASSERT_TRUE(terminal.Sees("Password: "));
+  Prompt terminal;
   terminal.Type("left over\x1a");
   ASSERT_TRUE(WIFSTOPPED(terminal.NextStatus()));
   EXPECT_TRUE(terminal.Echoes());
@@ -84,8 +85,7 @@ TEST(ConsolePromptTest, AStoppedProcessLeavesTheEchoOnAndAsksAgain) {
   ASSERT_TRUE(terminal.Sees("Password: "));
   EXPECT_FALSE(terminal.Echoes());
   terminal.Type("sesame\n");
-  EXPECT_EQ(terminal.NextStatus(), 0);
-  EXPECT_TRUE(terminal.Echoes());
+  EXPECT_EQ(terminal.Exit(), 0);
 }
 
 volatile std::sig_atomic_t handled = 0;
@@ -94,81 +94,50 @@ void CountSignal(int) {
 }
 
 TEST(ConsolePromptTest, TheApplicationsOwnHandlerRunsAndTheAnswerIsNone) {
-  PseudoTerminal terminal([] {
+  Prompt terminal([] {
     signal(SIGINT, CountSignal);
     const int result = AskForSesame();
     raise(SIGINT);  // the handler is in its place again
     return handled == 2 ? result : kWrongText;
   });
-  ASSERT_TRUE(terminal.Sees("Password: "));
   terminal.Type("\x03");
-  EXPECT_EQ(WEXITSTATUS(terminal.NextStatus()), kRefused);
-  EXPECT_TRUE(terminal.Echoes());
+  EXPECT_EQ(terminal.Exit(), kRefused);
 }
 
 TEST(ConsolePromptTest, AnIgnoredSignalStaysIgnored) {
-  PseudoTerminal terminal([] {
+  Prompt terminal([] {
     signal(SIGINT, SIG_IGN);
     return AskForSesame();
   });
-  ASSERT_TRUE(terminal.Sees("Password: "));
   terminal.Send(SIGINT);
   terminal.Type("sesame\n");
-  EXPECT_EQ(terminal.NextStatus(), 0);
-}
-
-TEST(ConsolePromptTest, ASignalThatAnotherThreadGetsInterruptsToo) {
-  PseudoTerminal terminal([] {
-    int result = kWrongText;
-    std::thread([&result] { result = AskForSesame(); }).join();
-    return result;
-  });
-  ASSERT_TRUE(terminal.Sees("Password: "));
-  terminal.Send(SIGINT);
-  const int status = terminal.NextStatus();
-  EXPECT_TRUE(WIFSIGNALED(status)) << status;
-  EXPECT_TRUE(terminal.Echoes());
+  EXPECT_EQ(terminal.Exit(), 0);
 }
 
 TEST(ConsoleScriptTest, ALineIsReadForEachAnswer) {
   const std::string longest(4096, 'x');
   const struct {
-    std::string input;
-    int userResult;
-    std::string user;
-    int passwordResult;
-    std::string password;
-  } cases[] = {
-      {"operator\nsesame\nrest", 1, "operator", 1, "sesame"},
-      {"operator\r\nopen = sesame", 1, "operator", 1, "open = sesame"},
-      {"\n\n", 1, "", 1, ""},
-      {"operator", 1, "operator", 0, "-"},
-      {"", 0, "-", 0, "-"},
-      {longest + "\n" + longest + "x\n", 1, longest, 0, "-"},
-      {std::string("a\0b\nsesame\n", 11), 0, "-", 1, "b"},
-  };
-  for (const auto& expected : cases) {
-    SCOPED_TRACE(expected.input.substr(0, 20));
-    const StandardInput input(expected.input);
-    std::string user = "-";
-    std::string password = "-";
+    std::optional<std::string> input;
+    const char* results;  // of asking for the user and the password
+    std::string user, password;
+  } cases[] = {{"operator\r\nopen = sesame\nrest", "11", "operator", "open = sesame"},
+               {"\n\n", "11", "", ""},
+               {"operator", "10", "operator", "-"},
+               {std::nullopt, "00", "-", "-"},
+               {longest + "\n" + longest + "x\n", "10", longest, "-"},
+               {std::string("a\0b\nsesame\n", 11), "01", "-", "b"}};
+  for (const auto& [text, results, expectedUser, expectedPassword] : cases) {
+    const StandardInput input(text);
+    std::string user = "-", password = "-";
     ::testing::internal::CaptureStdout();
     ::testing::internal::CaptureStderr();
-    EXPECT_EQ(getUserFromStdin(user), expected.userResult);
-    EXPECT_EQ(getPasswdFromStdin(password), expected.passwordResult);
+    EXPECT_EQ(getUserFromStdin(user), results[0] - '0') << expectedUser;
+    EXPECT_EQ(getPasswdFromStdin(password), results[1] - '0') << expectedUser;
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(user, expected.user);
-    EXPECT_EQ(password, expected.password);
+    EXPECT_EQ(user, expectedUser);
+    EXPECT_EQ(password, expectedPassword);
   }
-}
-
-TEST(ConsoleScriptTest, AClosedStandardInputIsNoAnswer) {
-  const StandardInput closed(std::nullopt);
-  std::string text = "-";
-  EXPECT_EQ(getUserFromStdin(text), 0);
-  EXPECT_EQ(getPasswdFromStdin(text), 0);
-  EXPECT_EQ(text, "-");
 }
 
 }  // namespace

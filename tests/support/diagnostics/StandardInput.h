@@ -14,7 +14,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/TemporaryDirectory.h>
 
 class StandardInput {
  public:

@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 #include <support/os_toolkit/os_time_and_date.h>
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/Environment.h>
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <support/os_toolkit/os_critical_section.h>
 #include <support/os_toolkit/os_file_system.h>
 #include <support/os_toolkit/os_tokenizer.h>
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/TemporaryDirectory.h>
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/TemporaryDirectory.h>
 
 #include "LogLines.h"
 

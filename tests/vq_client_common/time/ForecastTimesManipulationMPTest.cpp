@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 #include <support/diagnostics/TDiag.h>
-#include <tests/TestEnvironment.h>
+#include <tests/fixture/Environment.h>
 #include <vq_idl/AdministrationRecordsC.h>
 
 namespace {

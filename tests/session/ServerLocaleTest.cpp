@@ -8,8 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
-#include <tests/TestEnvironment.h>
-#include <tests/support/diagnostics/LogLines.h>
+#include <tests/fixture/Environment.h>
+#include <tests/fixture/LogCapture.h>
+#include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 
 namespace {
@@ -71,13 +72,13 @@ TEST(ServerLocaleTest, TheModeComesFromTheEnvironmentTheServerOrTheDefault) {
     serversAnswer = expected.answer;
     serversQuestion.clear();
     const Variable variable("SUPPORT_CJK", expected.variable);
-    LogLines log(4);
+    vq::test::LogCapture log(4);
     i18n_aux::init_globa_c(expected.isOnline, E_CMS);
     EXPECT_EQ(serversQuestion, expected.isOnline ? "general/I18N at 4" : "");
     EXPECT_EQ(i18n_aux::IsCJK_mode(), expected.isCJK);
     EXPECT_EQ(Osl_UnicodeConfiguration::GetParameters().mode, expected.mode);
     EXPECT_EQ(Osl_UnicodeConfiguration::GetParameters().directory, "/home/locale");
-    EXPECT_THAT(log.Classes(), ElementsAre(0x800000U));
+    EXPECT_EQ(log.Lines().at(0).lineClass, 0x800000U);
     EXPECT_THAT(log.Take(),
                 ElementsAre(std::string("4 [I18N**]: initialization of globa-c for i18n support "
                                         "with: bIsOnline=") +
