@@ -28,14 +28,14 @@ class Kind(NamedTuple):
 KINDS = (
     Kind(
         "Environment variables",
-        r'\b(?:getenv|GetEnv|GetEnvOr|UserDirectory)\(\s*"(\w+)"',
-        r"\b(?:getenv|GetEnv|GetEnvOr|UserDirectory)\(",
+        r'\b(?:getenv|secure_getenv|GetEnv|GetEnvOr|UserDirectory)\(\s*"(\w+)"',
+        r"\b(?:getenv|secure_getenv|GetEnv|GetEnvOr|UserDirectory)\(",
         (
             "support/foundations/Environment.h: GetEnv(const char* name",
             "support/foundations/Environment.h: GetEnvOr(const char* name",
             "support/foundations/Environment.cpp: GetEnv(const char* name",
             "support/foundations/Environment.cpp: GetEnvOr(const char* name",
-            "support/foundations/Environment.cpp: getenv(name",
+            "support/foundations/Environment.cpp: secure_getenv(name",
             "support/foundations/Locations.cpp: GetEnvOr(variable",
             "support/foundations/Locations.cpp: UserDirectory(const char* variable",
             # shows what others read
