@@ -6,8 +6,8 @@
 // without sending it. Both are pure functions, so that a server reproduces them.
 //
 //   std::string checksum, response;
-//   ChkSum("secret", checksum);                        // "K7gNU3sdo-OL..."; callers keep 8
-//   characters MakeChallengeResponse(first, second, checksum.substr(0, 8), response);
+//   ChkSum("secret", checksum);        // "K7gNU3sdo-OL..."; callers keep 8 characters
+//   MakeChallengeResponse(first, second, checksum.substr(0, 8), response);
 //
 // Bytes, for whoever writes the other side:
 //

@@ -20,7 +20,8 @@ SecretString& SecretString::operator=(const SecretString& other) {
   if (this == &other) return *this;
   std::string copy(other.m_text);
   Wipe(m_text);
-  m_text.swap(copy);  // What swap leaves in `copy` is the wiped buffer.
+  m_text.swap(copy);
+  Wipe(copy);  // Exchanging short texts leaves the secret's bytes in it.
   return *this;
 }
 

@@ -6,9 +6,10 @@ constexpr char kLineEnd = '\n';
 constexpr unsigned kNumbers = 255;  // the byte values without the line end
 constexpr unsigned kStates = 16;
 
+// At most kNumbers, so that it can be taken away from any number plus kNumbers.
 unsigned ShiftOf(unsigned state) {
   return 195 + 4 * state;
-}  // at most 255
+}
 
 unsigned StateBehind(unsigned state, char hidden) {
   return (state + static_cast<unsigned char>(hidden) + 6) % kStates;

@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <exception>
 #include <iostream>
 
 #include <support/security/StupidEncrypt.h>
@@ -23,7 +22,7 @@ TArchive::TArchive(std::iostream* stream, unsigned int mode, int /*unused*/, voi
 TArchive::~TArchive() {
   try {
     Close();
-  } catch (const std::exception&) {  // A stream may be set to raise on failure.
+  } catch (...) {  // A stream that is set to raise does so with whatever its buffer raised.
   }
   Abort();
 }
@@ -61,6 +60,7 @@ void TArchive::WriteRecord(const std::string& text) {
   std::array<char, 24> digits{};
   char* const end =
       std::to_chars(digits.data(), digits.data() + digits.size(), text.size() + 1).ptr;
+  // Meant: without the flag a text is as many zero bytes; loading programs skip it by its length.
   std::string body(text.size(), '\0');
   if (m_encrypt) StupidEncrypt(text, body);
   std::string record;

@@ -30,7 +30,8 @@
 
 // Every operator raises TArchiveException when the stream is not good afterwards, and when there is
 // no stream any more. Nothing is rolled back: what was written stays, and the target of a failed
-// load may hold a part of a value.
+// load may hold a part of a value. A stream that is set to raise exceptions raises its own instead,
+// out of every operation but the destructor.
 //
 // Thread contract: one archive, one thread; the stream is not locked.
 class VQ_CLIENT_COMMON_API TArchive {

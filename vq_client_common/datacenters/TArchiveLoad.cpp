@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <exception>
 #include <iostream>
 #include <limits>
 #include <new>
 #include <streambuf>
 #include <string_view>
 #include <type_traits>
+
+#include <cxxabi.h>
 
 #include <support/security/StupidEncrypt.h>
 #include <vq_client_common/datacenters/internal/RecordPieces.h>
@@ -97,7 +98,11 @@ void TArchive::LoadPieces(Read read) {
     state = read(*stream.rdbuf());
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const std::exception&) {  // from the stream's buffer
+  } catch (const TArchiveException&) {  // from `read`
+    throw;
+  } catch (const abi::__forced_unwind&) {  // The thread is being cancelled.
+    throw;
+  } catch (...) {  // from the stream's buffer, which may raise anything
     state = std::ios_base::badbit;
   }
   if (state == kGood) return;

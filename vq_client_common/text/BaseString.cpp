@@ -25,7 +25,8 @@ std::size_t Length(std::int32_t count) {
   return static_cast<std::size_t>(count);
 }
 
-// How many of `available` bytes a count asks for: a negative one asks for all of them.
+// How many of `available` bytes a count asks for.
+// Meant: a negative count asks for all of them; clients pass -1 for "to the end".
 std::size_t AtMost(std::int32_t count, std::size_t available) {
   return count < 0 ? available : std::min(static_cast<std::size_t>(count), available);
 }
@@ -165,10 +166,11 @@ void BaseString::ReleaseBuffer(std::int32_t length) {
 }
 
 void BaseString::Format(const char* format, ...) {
+  NotNull(format);
   char buffer[kFormatBuffer] = {};
   std::va_list arguments;
   va_start(arguments, format);
-  std::vsnprintf(buffer, sizeof(buffer), NotNull(format), arguments);
+  std::vsnprintf(buffer, sizeof(buffer), format, arguments);
   va_end(arguments);
   m_text = buffer;
 }

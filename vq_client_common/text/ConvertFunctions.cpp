@@ -199,7 +199,7 @@ void FormatShiftNum(const std::string& in, std::string& out) {
 
 void FormatRetentionValues(const std::string& in, std::string& out, bool wide) {
   const TDiagFunc diag(diagModule, "FormatRetentionValues");
-  if (in.empty()) return;
+  if (in.empty()) return;  // Meant: `out` stays; screens keep the last value of a field left empty.
   if (std::all_of(in.begin(), in.end(), IsDigit)) {
     out = Padded(vq::Atoi(in), wide ? 3 : 2);
   } else {
@@ -242,6 +242,7 @@ int ConvertLines2Buffer(const std::string& lines, std::string& buffer, unsigned 
     const bool last = end == rest.size();
     for (std::size_t left = end;; left -= maxLine) {
       const std::size_t length = std::min<std::size_t>(left, maxLine);
+      // Meant: only a line without a line end is trimmed; the blanks of the others come back.
       AppendRecord(rest, last ? TrimmedLength(rest.substr(0, length)) : length, out);
       rest.remove_prefix(length);
       if (left <= maxLine) break;

@@ -2,20 +2,20 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <new>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-// Whether the bytes of the object itself show `text`: short strings live there.
+// Whether the bytes of the object itself show the secret: short strings live there.
 template <typename T>
-bool Shows(const T& object, const std::string& text) {
-  const auto* bytes = reinterpret_cast<const char*>(&object);
-  return std::search(bytes, bytes + sizeof(object), text.begin(), text.end()) !=
-         bytes + sizeof(object);
+bool Shows(const T& object) {
+  const std::string_view bytes(reinterpret_cast<const char*>(&object), sizeof(object));
+  return bytes.find("ecret7") != std::string_view::npos;
 }
 
 TEST(WipeTest, OverwritesTheWholeBuffer) {
@@ -26,47 +26,33 @@ TEST(WipeTest, OverwritesTheWholeBuffer) {
     vq::Wipe(text);
     EXPECT_TRUE(text.empty());
     ASSERT_EQ(text.data(), before) << length;
-    EXPECT_EQ(std::find(before, before + text.capacity(), 's'), before + text.capacity()) << length;
+    EXPECT_EQ(std::count(before, before + text.capacity(), 's'), 0) << length;
   }
-}
-
-TEST(WipeTest, LeavesNothingInTheObject) {
-  std::string text = "secret7";
-  ASSERT_TRUE(Shows(text, "secret7"));
-  vq::Wipe(text);
-  EXPECT_FALSE(Shows(text, "ecret7"));
 }
 
 TEST(SecretStringTest, WipesWhenDestroyedAssignedAndMovedFrom) {
   vq::SecretString source("secret7");
+  ASSERT_TRUE(Shows(source));
   vq::SecretString target(std::move(source));
-  EXPECT_EQ(target.Text(), "secret7");
-  EXPECT_FALSE(Shows(source, "ecret7"));  // NOLINT(bugprone-use-after-move)
-
+  EXPECT_FALSE(Shows(source));  // NOLINT(bugprone-use-after-move)
   vq::SecretString third("another");
   third = std::move(target);
   EXPECT_EQ(third.Text(), "secret7");
-  EXPECT_FALSE(Shows(target, "ecret7"));  // NOLINT(bugprone-use-after-move)
+  EXPECT_FALSE(Shows(target));  // NOLINT(bugprone-use-after-move)
 
+  vq::SecretString& same = third;
+  third = same;
+  third = std::move(same);
+  EXPECT_EQ(third.Text(), "secret7");
   const vq::SecretString fourth("another");
   third = fourth;
   EXPECT_EQ(third.Text(), fourth.Text());
-  EXPECT_FALSE(Shows(third, "ecret7"));
+  EXPECT_FALSE(Shows(third));
 
   alignas(vq::SecretString) unsigned char storage[sizeof(vq::SecretString)];
-  auto* const object = new (storage) vq::SecretString("secret7");
-  ASSERT_TRUE(Shows(storage, "secret7"));
-  object->~SecretString();
-  EXPECT_FALSE(Shows(storage, "ecret7"));
-}
-
-TEST(SecretStringTest, AssigningToItselfKeepsTheText) {
-  vq::SecretString secret("secret7");
-  vq::SecretString& same = secret;
-  secret = same;
-  EXPECT_EQ(secret.Text(), "secret7");
-  secret = std::move(same);
-  EXPECT_EQ(secret.Text(), "secret7");
+  auto* const object = std::construct_at(reinterpret_cast<vq::SecretString*>(storage), "secret7");
+  std::destroy_at(object);
+  EXPECT_FALSE(Shows(storage));
 }
 
 }  // namespace

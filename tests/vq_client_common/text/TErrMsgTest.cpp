@@ -3,90 +3,64 @@
 
 #include <stdexcept>
 #include <string>
-#include <utility>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
-TEST(TErrMsgTest, PrintsFiveColumns) {
+TEST(TErrMsgTest, JudgesByCodeAndConversion) {
+  for (const int trc : {0, 1, 2, 36, 37}) {
+    for (const bool convertErr : {false, true}) {
+      TErrMsg message;
+      message.SetTRC(trc);
+      message.SetConvertErr(convertErr);
+      EXPECT_EQ(message.IsValidMessage(), trc == 1 && !convertErr) << trc;
+      EXPECT_EQ(message.IsInternalErr(), trc == 36) << trc;
+    }
+  }
+}
+
+TEST(TErrMsgTest, PrintsFiveColumnsAndResetsThreeFields) {
   TErrMsg message;
-  EXPECT_EQ(message.GetAsString().Std(), "UNK [UNK]\t[00]\t1\t");
+  EXPECT_STREQ(message.GetAsString(), "UNK [UNK]\t[00]\t1\t");
+  message.SetMemName("MEMBER");
   message.SetIndex(7);
   message.SetTRC(36);
   message.SetMsg("100%s full");
-  EXPECT_EQ(message.GetAsString().Std(), "UNK [UNK]\t[07]\t36\t100%s full");
-  message.SetIndex(-123);
-  message.SetMsg(BaseString(2000, 'x'));
-  EXPECT_EQ(message.GetAsString().Std().substr(0, 20), "UNK [UNK]\t[-123]\t36\t");
-  EXPECT_EQ(message.GetAsString().GetLength(), 999U);
-}
-
-TEST(TErrMsgTest, JudgesByCodeAndConversion) {
-  const struct {
-    int trc;
-    bool convertErr, valid, internal;
-  } kRows[] = {{1, false, true, false}, {1, true, false, false},  {36, false, false, true},
-               {36, true, false, true}, {0, false, false, false}, {2, false, false, false}};
-  for (const auto& row : kRows) {
-    TErrMsg message;
-    message.SetTRC(row.trc);
-    message.SetConvertErr(row.convertErr);
-    EXPECT_EQ(message.IsValidMessage(), row.valid) << row.trc;
-    EXPECT_EQ(message.IsInternalErr(), row.internal) << row.trc;
-  }
-}
-
-TEST(TErrMsgTest, ResetKeepsTheConversionAndTheMember) {
-  TErrMsg message;
-  message.SetMemName("MEMBER");
-  message.SetIndex(3);
-  message.SetMsg("text");
-  message.SetTRC(36);
   message.SetConvertErr(true);
   message.SetConvertMsg("cannot convert");
+  TErrMsg copy;
+  copy = message;
   message.ResetMessage();
-  EXPECT_EQ(message.GetAsString().Std(), "UNK [unk]\t[00]\t1\t");
-  EXPECT_FALSE(message.IsValidMessage());
-  EXPECT_TRUE(message.IsConvertErr());
-
-  TErrMsg assigned;
-  assigned = message;
-  for (const TErrMsg& copy : {TErrMsg(message), assigned}) {
-    EXPECT_EQ(copy.GetMemName().Std(), "MEMBER");
-    EXPECT_EQ(copy.GetConvertMsg().Std(), "cannot convert");
-    EXPECT_EQ(copy.GetIndex(), 0);
-    EXPECT_EQ(copy.GetTRC(), 1);
-    EXPECT_TRUE(copy.IsConvertErr());
-    EXPECT_EQ(copy.GetAsString().Std(), message.GetAsString().Std());
+  EXPECT_STREQ(message.GetAsString(), "UNK [unk]\t[00]\t1\t");
+  EXPECT_STREQ(copy.GetAsString(), "UNK [UNK]\t[07]\t36\t100%s full");
+  for (const TErrMsg& one : {message, copy}) {
+    EXPECT_STREQ(one.GetMemName(), "MEMBER");
+    EXPECT_STREQ(one.GetConvertMsg(), "cannot convert");
+    EXPECT_TRUE(one.IsConvertErr() && !one.IsValidMessage());
   }
+  copy.SetIndex(-123);
+  copy.SetMsg(BaseString(2000, 'x'));
+  EXPECT_EQ(copy.GetAsString().Std(), "UNK [UNK]\t[-123]\t36\t" + std::string(979, 'x'));
 }
 
 TEST(TErrMsgsTest, HoldsMessagesInOrder) {
   TErrMsgs messages;
+  TErrMsg message;
   for (int i = 0; i < 100; ++i) {
-    TErrMsg message;
     message.SetIndex(i);
     messages.AddMsg(message);
   }
   const TErrMsgs& constant = messages;
-  ASSERT_EQ(constant.GetSize(), 100U);
   messages.GetMsg(7).SetTRC(36);
   constant.GetMsg(7).SetTRC(1);  // a copy
   EXPECT_TRUE(constant.GetMsgRef(7).IsInternalErr());
   EXPECT_EQ(constant.GetMsg(99).GetIndex(), 99);
-  for (const unsigned index : {100U, 4000000000U}) {
-    for (int way = 0; way < 3; ++way) {
-      try {
-        if (way == 0) messages.GetMsg(index);
-        if (way == 1) constant.GetMsg(index);
-        if (way == 2) constant.GetMsgRef(index);
-        ADD_FAILURE() << "nothing raised";
-      } catch (const std::out_of_range& error) {
-        EXPECT_STREQ(error.what(), "invalid vector<T> subscript");
-      }
-    }
-  }
+  const auto kRaises = testing::ThrowsMessage<std::out_of_range>("invalid vector<T> subscript");
+  EXPECT_THAT([&] { messages.GetMsg(100); }, kRaises);
+  EXPECT_THAT([&] { constant.GetMsg(4000000000U); }, kRaises);
+  EXPECT_THAT([&] { constant.GetMsgRef(100); }, kRaises);
   messages.RemoveAll();
   EXPECT_EQ(messages.GetSize(), 0U);
 }
