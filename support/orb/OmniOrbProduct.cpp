@@ -20,6 +20,7 @@
 #include <omniORB4/omniORB.h>
 #include <omniORB4/omniPolicy.h>
 
+#include <support/diagnostics/TDiag.h>
 #include <support/orb/OmniOrbGuest.h>
 #include <support/orb/OmniOrbOptions.h>
 #include <support/orb/OmniOrbTls.h>
@@ -27,6 +28,8 @@
 
 namespace vq::orb {
 namespace {
+
+TDiagRegister diagModule("ORB");
 
 constexpr std::string_view kTcp = "giop:tcp:";
 constexpr std::string_view kTls = "giop:ssl:";
@@ -69,15 +72,18 @@ std::string ConnectionMark() {
 
 class OmniOrbInstance : public OrbInstance {
  public:
-  OmniOrbInstance(std::string name, const OrbSettings& settings,
-                  const std::vector<std::string>& arguments)
+  OmniOrbInstance(std::string name, OrbSettings settings, const std::vector<std::string>& arguments)
       : m_name(std::move(name)),
         m_biDirectional(settings.biDirectional),
         m_publishedHost(settings.listenEndpoint.publishedHost),
-        m_endpoints(OmniOrbEndpoints(settings)),
         m_orb(CORBA::ORB::_duplicate(
             OmniOrbTransport::Instance().Acquire(this, settings, arguments))) {
-    if (OmniOrbTransport::Instance().HasOtherUsers(this)) m_guest.emplace();
+    if (!OmniOrbTransport::Instance().HasOtherUsers(this)) return;
+    VQ_LOG(diagModule, 4) << "The ORB " << m_name << " shares the time-outs, the message size, TLS "
+                          << "and the initial references of the one that was there before";
+    m_guest.emplace();
+    settings.tls = OmniOrbTransport::Instance().Tls();
+    m_guestEndpoints = OmniOrbEndpoints(settings);
   }
 
   ~OmniOrbInstance() override {
@@ -104,7 +110,7 @@ class OmniOrbInstance : public OrbInstance {
     m_stopped = true;
     OmniOrbTransport& transport = OmniOrbTransport::Instance();
     const bool listens = !CORBA::is_nil(m_poa.in());
-    if (listens) m_poa->destroy(true, wait);
+    if (listens) DestroyPoa(wait);
     m_poa = PortableServer::POA::_nil();
     m_guest.reset();
     if (listens) transport.CloseListener();
@@ -112,6 +118,14 @@ class OmniOrbInstance : public OrbInstance {
   }
 
  private:
+  void DestroyPoa(bool wait) {
+    try {
+      m_poa->destroy(true, wait);
+    } catch (const CORBA::BAD_INV_ORDER&) {  // A servant of this POA ends its own ORB.
+      m_poa->destroy(true, false);
+    }
+  }
+
   PortableServer::POA_ptr CreatePoa() {
     PortableServer::POA_var root = OmniOrbTransport::Instance().OpenListener();
     try {
@@ -123,7 +137,7 @@ class OmniOrbInstance : public OrbInstance {
   }
 
   PortableServer::POA_ptr CreatePoa(PortableServer::POA_ptr root) {
-    if (m_guest) m_guest->Listen(m_endpoints);
+    if (m_guest) m_guest->Listen(m_guestEndpoints);
     std::vector<std::string> addresses = PublishedAddresses(
         m_guest ? m_guest->ListenAddresses() : OmniOrbTransport::ListenAddresses(),
         m_publishedHost);
@@ -151,9 +165,9 @@ class OmniOrbInstance : public OrbInstance {
   const std::string m_name;
   const bool m_biDirectional;
   const std::string m_publishedHost;
-  const std::vector<std::string> m_endpoints;
   CORBA::ORB_var m_orb;
   std::optional<OmniOrbGuest> m_guest;  // where the transport was there before
+  std::vector<std::string> m_guestEndpoints;
   std::mutex m_mutex;
   PortableServer::POA_var m_poa;
   bool m_stopped = false;

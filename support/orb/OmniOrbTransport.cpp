@@ -45,7 +45,10 @@ CORBA::ORB_ptr OmniOrbTransport::Acquire(const void* user, const OrbSettings& se
                                          const std::vector<std::string>& arguments) {
   const std::lock_guard lock(m_mutex);
   FinishEnding();
-  if (m_users.empty()) m_orb = Initialise(settings, arguments);
+  if (m_users.empty()) {
+    m_orb = Initialise(settings, arguments);
+    m_tls = settings.tls;
+  }
   m_users.push_back({user, settings.biDirectional});
   OfferAsLastUser();
   return m_orb.in();
@@ -65,6 +68,11 @@ bool OmniOrbTransport::HasOtherUsers(const void* user) {
   const std::lock_guard lock(m_mutex);
   return std::any_of(m_users.begin(), m_users.end(),
                      [&](const User& known) { return known.id != user; });
+}
+
+TlsSettings OmniOrbTransport::Tls() {
+  const std::lock_guard lock(m_mutex);
+  return m_tls;
 }
 
 // omniORB compares this with what it was when a connection was made, and makes a connection of its

@@ -39,6 +39,9 @@ class OmniOrbTransport {
 
   bool HasOtherUsers(const void* user);
 
+  // The TLS settings in force, which are those of the user that started the transport.
+  TlsSettings Tls();
+
   // Opens the endpoints if they are not open, and returns the root POA, active.
   PortableServer::POA_ptr OpenListener();
 
@@ -67,6 +70,7 @@ class OmniOrbTransport {
 
   std::mutex m_mutex;
   CORBA::ORB_var m_orb;
+  TlsSettings m_tls;
   std::vector<User> m_users;
   int m_listeners = 0;
   bool m_ending = false;

@@ -140,6 +140,8 @@ TEST_F(TlsTest, CallbacksGoOverTlsBothWays) {
       << error;
   EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(false, "127.0.0.1", roundTrip, false))
       << m_log.Text();
+  EXPECT_NE(m_log.Text().find("override endpoint 0: 'giop:ssl:127.0.0.1:"), std::string::npos);
+  EXPECT_EQ(m_log.Text().find("override endpoint 0: 'giop:tcp:"), std::string::npos);
   EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(true, "", roundTrip, false))
       << m_log.Text();
 }
