@@ -29,9 +29,10 @@ Options ProductOptions(const OrbOptions& options) {
   Options product = {
       {"endPoint", "giop:tcp:" + endpoint->host + ":" +
                        (endpoint->port == 0 ? "" : std::to_string(endpoint->port))},
-      {"giopMaxMsgSize", "268435456"},          // a snapshot of 200,000 grants passes
-      {"clientConnectTimeOutPeriod", "10000"},  // of calls back to clients that are gone
-      {"clientCallTimeOutPeriod", "60000"},
+      {"giopMaxMsgSize", "268435456"},  // a snapshot of 200,000 grants passes
+      // A limit on connecting would take the place of a call's own, also where that is shorter.
+      {"clientConnectTimeOutPeriod", "0"},
+      {"clientCallTimeOutPeriod", "60000"},  // of calls back to clients that are gone
       {"acceptBiDirectionalGIOP", options.bidirectional ? "1" : "0"},
       {"serverTransportRule", options.bidirectional ? "* unix,tcp,ssl,bidir" : "* unix,tcp,ssl"},
       {"connectionWatchImmediate", options.bidirectional ? "1" : "0"}};
