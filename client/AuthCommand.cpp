@@ -121,6 +121,9 @@ void PrintTable(const nlohmann::json& all) {
   }
   std::cout << '\n';
   for (const auto& [kind, lists] : all["grants"].items()) {
+    if (lists["own"].empty() && lists["groups"].empty()) {
+      std::cout << std::left << std::setw(13) << kind << "none\n";
+    }
     for (const char* holder : {"own", "groups"}) {
       for (const nlohmann::json& grant : lists[holder]) {
         std::cout << std::left << std::setw(13) << kind << std::setw(7) << holder << std::setw(14)
@@ -147,7 +150,8 @@ int Show(CommandLine& line) {
                                              object.out(), snapshot.out());
     const nlohmann::json all = Describe(snapshot.in());
     if (line.json) {
-      std::cout << all.dump(2) << '\n';
+      // Criteria come as the server has them; bytes that are no UTF-8 must not end the answer.
+      std::cout << all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     } else {
       PrintTable(all);
     }

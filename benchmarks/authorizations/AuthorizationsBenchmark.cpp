@@ -4,8 +4,7 @@
 //   AskScan     the same by trying every grant with QCSSelectionDef
 //   AskFnmatch  the same with the C library's fnmatch(3) for the patterns
 //   Fetch       receiving and unmarshalling 10,000 grants over a loopback connection. The column
-//   CPU
-//               is the client's own part: reading the connection and unmarshalling
+//               CPU is the client's own part: reading the connection and unmarshalling
 //   Build       making the holder of them: parsing and indexing
 //
 // Goals: AskIndex on 10,000 grants 200 times faster than AskScan, on 100,000 at most twice as slow

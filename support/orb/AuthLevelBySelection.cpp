@@ -18,8 +18,8 @@ bool Load(std::shared_ptr<const vq::GrantIndex>& holder, const QCSCorbaAuth2LvlS
   const auto first = static_cast<std::uint32_t>(grants.size());
   grants.reserve(grants.size() + wire.length());
   for (CORBA::ULong i = 0; i < wire.length(); ++i) {
-    const char* criteria = wire[i].m_sCriteria;
-    grants.push_back({criteria, vq::StoredLevel(wire[i].m_eLevel)});
+    const char* criteria = wire[i].m_sCriteria;  // null only in a list made in this process
+    grants.push_back({criteria == nullptr ? "" : criteria, vq::StoredLevel(wire[i].m_eLevel)});
   }
   auto index = std::make_shared<const vq::GrantIndex>(std::move(grants));
   vq::LogRefusedGrants(diag, *index, first);

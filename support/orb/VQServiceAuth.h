@@ -1,8 +1,7 @@
 // One grant on services: a level of access and the numbers of the actions that are allowed, over
 // the services that a criteria text selects (docs/selection-language.md).
 //
-//   std::list<VQServiceAuth> own;
-//   CrbConvert(snapshot->ServiceUserAccess, own);
+//   std::list<VQServiceAuth> own{{"NAME LIKE 'PAY*'", UPDATE_ACCESS, {3, 7}}};
 //   VQServiceUserAuth services(std::move(own));
 #ifndef VQ_SUPPORT_ORB_VQSERVICEAUTH_H
 #define VQ_SUPPORT_ORB_VQSERVICEAUTH_H
@@ -21,7 +20,8 @@ struct VQServiceAuth {
   std::vector<int> Actions;  // as the server sent them
 };
 
-// Turns a wire list into the list, which takes its place: what `grants` held before is gone.
+// Turns a wire list into the list, which takes its place: what `grants` held before is gone. For
+// the library itself: it is not exported, and programs fill the list by hand.
 void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& grants);
 
 #endif  // VQ_SUPPORT_ORB_VQSERVICEAUTH_H

@@ -2,8 +2,8 @@
 //
 // A key says something that an object must have for the term to fit: an exact text, a prefix, a
 // suffix or a short piece of one of its attributes, or just the attribute itself. Keys are told
-// apart by a 64-bit hash alone. Two keys with one hash share a bucket, which costs a wasted look
-// and never a wrong answer, since every term found is evaluated in full.
+// apart by half of a 64-bit hash alone. Two keys that agree in it share a bucket, which costs a
+// wasted look and never a wrong answer, since every term found is evaluated in full.
 #ifndef VQ_SUPPORT_SELECTION_GRANTKEYS_H
 #define VQ_SUPPORT_SELECTION_GRANTKEYS_H
 

@@ -14,7 +14,6 @@
 #include <string>
 #include <string_view>
 
-
 namespace vq {
 
 enum class SelectionOperator : std::uint8_t {
@@ -51,9 +50,8 @@ struct SelectionMatching {
 };
 
 // Whether an attribute with the text `attribute` fits the operator and the value. May be called
-// from any thread.
-bool MatchesValue(SelectionOperator op, std::string_view value,
-                                 std::string_view attribute);
+// from any thread. For the library itself: it is not exported, and programs ask a definition.
+bool MatchesValue(SelectionOperator op, std::string_view value, std::string_view attribute);
 
 }  // namespace vq
 

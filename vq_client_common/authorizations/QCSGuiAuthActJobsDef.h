@@ -3,8 +3,7 @@
 //
 //   QCSGuiAuthActJobsDef jobs;
 //   vq::SelectionParseError error;
-//   if (jobs.Parse("DATACENTER = 'PROD' AND OWNER = 'ops'", error) && jobs.DoesItFit(job, false))
-//   ...
+//   if (jobs.Parse("OWNER = 'ops'", error) && jobs.DoesItFit(job, false)) ...
 #ifndef VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H
 #define VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H
 

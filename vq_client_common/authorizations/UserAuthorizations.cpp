@@ -129,6 +129,7 @@ void UserAuthorizations::LoadGrants(const QCSCorbaAuthorizationStruct& snapshot)
 
 int UserAuthorizations::LoadAuthLevelForOrderForce() {
   std::string value;
+  // The old answer stays, and that is meant: a server that is late does not take the right away.
   if (!GetSystemParameter("Action_OrderForce_AuthLevel", value, "gsr", E_GSR)) return kFailure;
   m_CanBrowseUserOrderForce = value == "BROWSE_ACCESS";
   return kSuccess;
@@ -137,6 +138,7 @@ int UserAuthorizations::LoadAuthLevelForOrderForce() {
 int UserAuthorizations::LoadChangePasswordAuthorization() {
   std::string value;
   if (!GetSystemParameter("UserChangePassword", value, "gui", E_GSR)) return kFailure;
+  // Only ever widens the right that the privilege gave, and that is meant.
   if (value == "1") m_ChangePasswordLevel = FULL_ACCESS;
   return kSuccess;
 }

@@ -3,60 +3,49 @@
 #ifndef VQ_TESTS_SUPPORT_SELECTION_RANDOMSELECTION_H
 #define VQ_TESTS_SUPPORT_SELECTION_RANDOMSELECTION_H
 
-#include <array>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include <benchmarks/authorizations/GrantGenerator.h>
-#include <support/selection/QCSObject.h>
 #include <support/selection/QCSSelectionDef.h>
 
 namespace vq::test {
 
-class RandomSelection {
+class RandomSelection : public GrantRandom {
  public:
-  explicit RandomSelection(std::uint64_t seed) : m_random(seed) {}
+  using GrantRandom::GrantRandom;
 
   QCSSelectionDef Definition() {
     QCSSelectionDef definition;
-    for (std::size_t terms = m_random.Below(4); terms > 0; --terms) {
+    for (std::size_t terms = Below(4); terms > 0; --terms) {
       QCSSelectionDef::Term term;
-      for (std::size_t matchings = m_random.Below(8) == 0 ? 0 : 1 + m_random.Below(3);
-           matchings > 0; --matchings) {
-        const auto op = static_cast<SelectionOperator>(m_random.Below(8));
-        term.push_back({Field(), op, Text(12)});
+      for (std::size_t i = Below(8) == 0 ? 0 : 1 + Below(3); i > 0; --i) {
+        term.push_back({Field(), static_cast<SelectionOperator>(Below(8)), Letters(12)});
       }
-      definition.AddTerm(std::move(term));
+      definition.AddTerm(term);
     }
     return definition;
   }
-
   QCSObject Object() {
     QCSObject object;
-    for (std::size_t attributes = m_random.Below(4); attributes > 0; --attributes) {
-      object.SetAttribute(Field(), Text(20));
-    }
+    for (std::size_t i = Below(4); i > 0; --i) object.SetAttribute(Field(), Letters(20));
     return object;
   }
-
-  std::size_t Below(std::size_t bound) { return m_random.Below(bound); }
-
- private:
-  std::string Field() {
-    static constexpr std::array<std::string_view, 6> kFields = {
-        "A", "B", "long.name_1", "or", "with \"quotes\"", ""};
-    return std::string(kFields[m_random.Below(kFields.size())]);
-  }
-  std::string Text(std::size_t longest) {
-    static constexpr std::string_view kLetters = "aaabb**?'\"1 ";
-    std::string text(m_random.Below(longest), ' ');
-    const std::size_t letters = 2 + m_random.Below(kLetters.size() - 1);
-    for (char& c : text) c = kLetters[m_random.Below(letters)];
+  // Shorter than `longest`, of the letters.
+  std::string Text(std::string_view letters, std::size_t longest) {
+    std::string text(Below(longest), ' ');
+    for (char& c : text) c = letters[Below(letters.size())];
     return text;
   }
 
-  GrantRandom m_random;
+ private:
+  std::string Field() {
+    constexpr const char* kFields[] = {"A", "B", "long.name_1", "or", "with \"quotes\"", ""};
+    return kFields[Below(std::size(kFields))];
+  }
+  std::string Letters(std::size_t longest) {
+    return Text(std::string_view("aaabb**?'\"1 ").substr(0, 2 + Below(11)), longest);
+  }
 };
 
 }  // namespace vq::test
