@@ -43,15 +43,15 @@ constexpr struct {
   const char* grants;
   bool (UA::*onObject)(const QCSObject&, QCSAuthLevelEnum) const;
   bool (UA::*onKind)() const;
-} kKinds[] = {{"calendars", &UA::IsCalendarAccessAllowed, &UA::IsCalendarsAccessAllowed},
+} kKinds[] = {{"services", &UA::IsServiceAccessAllowed, &UA::IsServicesAccessAllowed},
+              {"calendars", &UA::IsCalendarAccessAllowed, &UA::IsCalendarsAccessAllowed},
               {"prereqConds", &UA::IsPrereqCondAccessAllowed, &UA::IsPrereqCondsAccessAllowed},
               {"controlRes", &UA::IsControlResAccessAllowed, &UA::IsControlRessAccessAllowed},
               {"quantRes", &UA::IsQuantResAccessAllowed, &UA::IsQuantRessAccessAllowed},
               {"globalPrefix", &UA::IsGlobalCondAccessAllowed, &UA::IsGlobalCondsAccessAllowed},
               {"tables", &UA::IsSchedTblAccessAllowed, &UA::IsSchdTblsAccessAllowed},
               {"owners", &UA::IsOwnerAccessAllowed, &UA::IsOwnersAccessAllowed},
-              {"workloads", &UA::IsWorkloadAccessAllowed, &UA::IsWorkloadsAccessAllowed},
-              {"services", &UA::IsServiceAccessAllowed, &UA::IsServicesAccessAllowed}};
+              {"workloads", &UA::IsWorkloadAccessAllowed, &UA::IsWorkloadsAccessAllowed}};
 
 QCSObject Named(const std::string& name) {
   QCSObject object;
@@ -153,7 +153,7 @@ TEST_F(UserAuthorizationsTest, EachKindHasItsOwnGrantsTheUsersAndTheGroups) {
         EXPECT_FALSE((May().*row.onObject)(Named("B"), ACCESS_NONE)) << row.grants;
       }
       EXPECT_EQ(May().IsServiceActionAccessAllowed(Named("AB"), 5),
-                filled.grants == kKinds[8].grants);
+                filled.grants == kKinds[0].grants);
       EXPECT_FALSE(May().IsServiceActionAccessAllowed(Named("AB"), 4));
     }
   }
