@@ -19,6 +19,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Pair;
+using std::string_literals::operator""s;
 namespace fs = std::filesystem;
 
 class ConfigAPITest : public ::testing::Test {
@@ -50,11 +51,9 @@ TEST_F(ConfigAPITest, AMissingFileIsAnEmptyDomainAndSavingMakesIt) {
   EXPECT_TRUE(domain->Save()) << domain->Error();
   ::umask(formerMask);
   EXPECT_THAT(m_directory.Read("new/config/vq.xml"),
-              HasSubstr("<domain>\n"
-                        "  <scope name=\"default\">\n"
+              HasSubstr("<domain>\n  <scope name=\"default\">\n"
                         "    <var name=\"-ORBListenEndpoints\">iiop://</var>\n"
-                        "  </scope>\n"
-                        "</domain>\n"));
+                        "  </scope>\n</domain>\n"));
   EXPECT_EQ(Mode(m_directory / "new/config/vq.xml"), 0600U);
 }
 
@@ -71,19 +70,15 @@ TEST_F(ConfigAPITest, ScopesAndVariables) {
   EXPECT_EQ(again->GetVar("a", "v"), "");
   EXPECT_EQ(again->GetVar("a", "w"), std::nullopt);
   EXPECT_EQ(again->GetVar("none", "w"), std::nullopt);
-  std::map<std::string, std::string> table{{"kept", "1"}, {"w", "old"}};
+  std::map<std::string, std::string> table{{"kept", "1"}, {"w", "old"}}, common;
   again->GetScopeAndDefaultVars("a", table);
   EXPECT_THAT(table,
               ElementsAre(Pair("kept", "1"), Pair("v", ""), Pair("w", "common"), Pair("x", "own")));
-  table.clear();
-  again->GetScopeAndDefaultVars("none", table);
-  EXPECT_THAT(table, ElementsAre(Pair("v", ""), Pair("w", "common"), Pair("x", "common")));
+  again->GetScopeAndDefaultVars("none", common);
+  EXPECT_THAT(common, ElementsAre(Pair("v", ""), Pair("w", "common"), Pair("x", "common")));
 
-  EXPECT_TRUE(again->RemoveVar("a", "x"));
-  EXPECT_FALSE(again->RemoveVar("a", "x"));
-  EXPECT_FALSE(again->RemoveVar("none", "x"));
-  EXPECT_TRUE(again->RemoveVar("b", "v"));
-  EXPECT_TRUE(again->RemoveScope("Z"));
+  EXPECT_TRUE(again->RemoveVar("a", "x") && again->RemoveVar("b", "v") && again->RemoveScope("Z"));
+  EXPECT_FALSE(again->RemoveVar("a", "x") || again->RemoveVar("none", "x"));
   EXPECT_FALSE(again->RemoveScope("Z"));
   ASSERT_TRUE(again->Save());
   EXPECT_THAT(Loaded()->GetScopes(), ElementsAre("default", "a", "b"));
@@ -98,14 +93,10 @@ TEST_F(ConfigAPITest, EveryTextThatXmlCanHoldSurvives) {
   ASSERT_TRUE(domain->Save()) << domain->Error();
   for (const std::string& text : texts) EXPECT_EQ(Loaded()->GetVar(text, text), text);
 
-  for (const std::string& text : {std::string("\xC3"), std::string("\x01"), std::string("\0", 1),
-                                  std::string("\xED\xA0\x80"), std::string("\xEF\xBF\xBF")}) {
-    EXPECT_FALSE(domain->SetVar("default", "x", text));
-    EXPECT_FALSE(domain->SetVar("default", text, "x"));
-    EXPECT_FALSE(domain->SetVar(text, "x", "x"));
+  for (const std::string& text : {"\xC3"s, "\x01"s, "\0"s, "\xED\xA0\x80"s, "\xEF\xBF\xBF"s, ""s}) {
+    EXPECT_EQ(domain->SetVar("default", "x", text), text.empty());
+    EXPECT_FALSE(domain->SetVar("default", text, "x") || domain->SetVar(text, "x", "x"));
   }
-  EXPECT_FALSE(domain->SetVar("", "x", "x"));
-  EXPECT_FALSE(domain->SetVar("x", "", "x"));
 }
 
 TEST_F(ConfigAPITest, AMalformedFileFailsToLoadAndIsNeverOverwritten) {
@@ -118,8 +109,7 @@ TEST_F(ConfigAPITest, AMalformedFileFailsToLoadAndIsNeverOverwritten) {
     EXPECT_FALSE(domain->Load());
     EXPECT_THAT(domain->Error(), HasSubstr(reason));
     EXPECT_EQ(domain->GetVar("s", "a"), "1") << "a failed load must leave the copy alone";
-    EXPECT_TRUE(domain->SetVar("s", "b", "2"));
-    EXPECT_FALSE(domain->Save());
+    EXPECT_FALSE(domain->SetVar("s", "b", "2") && domain->Save());
     EXPECT_EQ(m_directory.Read("vq.xml"), text);
     m_directory.Write("vq.xml", "<domain/>");
     EXPECT_TRUE(domain->Save()) << "the change must still be there: " << domain->Error();
@@ -132,14 +122,10 @@ TEST_F(ConfigAPITest, WhatIsNoReadableFileFails) {
   ASSERT_EQ(::mkfifo((m_directory / "pipe.xml").c_str(), 0600), 0);
   m_directory.Write("large.xml",
                     "<domain>" + std::string(vq::ConfigXml::kLargestFile, ' ') + "</domain>");
-  for (const std::string& name :
-       {std::string(), std::string("../vq"), std::string("directory\0", 10),
-        std::string("directory"), std::string("pipe"), std::string("large")}) {
+  for (const std::string& name : {""s, "../vq"s, "directory\0"s, "directory"s, "pipe"s, "large"s}) {
     const auto domain = Domain(name);
     domain->SetVar("default", "a", "1");
-    EXPECT_FALSE(domain->Load()) << name;
-    EXPECT_FALSE(domain->Save()) << name;
-    EXPECT_NE(domain->Error(), "");
+    EXPECT_FALSE(domain->Load() || domain->Save() || domain->Error().empty()) << name;
   }
 }
 
@@ -164,9 +150,10 @@ TEST_F(ConfigAPITest, WritersDoNotUndoOneAnotherAndWaitALimitedTime) {
   EXPECT_EQ(Loaded()->GetVar("second", "c"), "2");
 }
 
-TEST_F(ConfigAPITest, AFullDiskLeavesTheOldFile) {
-  const std::string before = "<domain/>";
-  m_directory.Write("vq.xml", before);
+TEST_F(ConfigAPITest, AFullDiskLeavesTheOldFileAndASaveItsPermissionsAndLinks) {
+  const std::string target = m_directory.Write("site/real.xml", "<domain/>");
+  ::chmod(target.c_str(), 0640);
+  fs::create_symlink(target, m_directory / "vq.xml");
   const auto domain = Loaded();
   domain->SetVar("default", "large", std::string(100'000, 'x'));
   rlimit limit{};
@@ -177,22 +164,14 @@ TEST_F(ConfigAPITest, AFullDiskLeavesTheOldFile) {
   EXPECT_FALSE(domain->Save());
   ::setrlimit(RLIMIT_FSIZE, &limit);
   std::signal(SIGXFSZ, formerHandler);
-  EXPECT_THAT(domain->Error(), HasSubstr("vq.xml.new"));
-  EXPECT_EQ(m_directory.Read("vq.xml"), before);
-  EXPECT_FALSE(fs::exists(m_directory / "vq.xml.new"));
-  EXPECT_TRUE(domain->Save()) << domain->Error();
-}
+  EXPECT_THAT(domain->Error(), HasSubstr("real.xml.new"));
+  EXPECT_EQ(m_directory.Read("site/real.xml"), "<domain/>");
+  EXPECT_FALSE(fs::exists(m_directory / "site/real.xml.new"));
 
-TEST_F(ConfigAPITest, PermissionsAndLinksStay) {
-  const std::string target = m_directory.Write("site/real.xml", "<domain/>");
-  ::chmod(target.c_str(), 0640);
-  fs::create_symlink(target, m_directory / "vq.xml");
-  const auto domain = Loaded();
-  domain->SetVar("default", "a", "1");
-  ASSERT_TRUE(domain->Save()) << domain->Error();
+  EXPECT_TRUE(domain->Save()) << domain->Error();
   EXPECT_TRUE(fs::is_symlink(m_directory / "vq.xml"));
   EXPECT_EQ(Mode(target), 0640U);
-  EXPECT_THAT(m_directory.Read("site/real.xml"), HasSubstr("\"a\">1<"));
+  EXPECT_THAT(m_directory.Read("site/real.xml"), HasSubstr("\"large\">xxx"));
 }
 
 }  // namespace

@@ -33,10 +33,8 @@ constexpr int kPatience = 10'000;  // milliseconds
     _exit(code);
   }
   int report = static_cast<int>(child);
-  bool tells = write(status, &report, sizeof report) == sizeof report;
-  while (tells && waitpid(child, &report, WUNTRACED) == child) {
-    tells = write(status, &report, sizeof report) == sizeof report;
-    if (!WIFSTOPPED(report)) break;
+  while (write(status, &report, sizeof report) == sizeof report) {
+    if (waitpid(child, &report, WUNTRACED) != child) break;
   }
   pause();  // the terminal stays until the test has looked at it
   _exit(0);
@@ -50,11 +48,9 @@ bool IsReadable(int file, int milliseconds) {
 // Whether a signal waits for a process of one thread; false when there is no such process any more.
 bool HasPendingSignal(const std::string& statusFile) {
   std::ifstream file(statusFile);
-  for (std::string word; file >> word;) {
-    if (word == "SigPnd:" || word == "ShdPnd:") {
-      file >> word;
-      if (word.find_first_not_of('0') != std::string::npos) return true;
-    }
+  for (std::string line; std::getline(file, line);) {
+    const bool isPending = line.starts_with("SigPnd:") || line.starts_with("ShdPnd:");
+    if (isPending && line.find_first_not_of("\t0", 7) != std::string::npos) return true;
   }
   return false;
 }

@@ -131,8 +131,7 @@ TEST(Digest, KnownAnswers) {
 
 TEST(ReplaceFirst, ReplacesOneMarkAndFindsOneThatWasFilledIn) {
   std::string text = "Version %s of %s";
-  EXPECT_TRUE(vq::ReplaceFirst(text, "%s", "a %s"));
-  EXPECT_TRUE(vq::ReplaceFirst(text, "%s", "b"));
+  EXPECT_TRUE(vq::ReplaceFirst(text, "%s", "a %s") && vq::ReplaceFirst(text, "%s", "b"));
   EXPECT_FALSE(vq::ReplaceFirst(text, "%d", "c"));
   EXPECT_FALSE(vq::ReplaceFirst(text, "", "c"));
   EXPECT_EQ(text, "Version a b of %s");

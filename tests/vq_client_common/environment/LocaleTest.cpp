@@ -1,15 +1,20 @@
-#include <vq_client_common/environment/LanguageLocale.h>
-
+#include <climits>
 #include <clocale>
+#include <random>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/diagnostics/Osl_UnicodeConfiguration.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>
 #include <tests/fixture/TemporaryDirectory.h>
+#include <vq_client_common/environment/Collation.h>
+#include <vq_client_common/environment/LanguageLocale.h>
 #include <vq_client_common/environment/Trim.h>
 
 namespace {
@@ -17,9 +22,15 @@ namespace {
 using ::testing::ElementsAre;
 using vq::test::Variable;
 
-// Every test has its own file and leaves the locale of the process as it was.
+int Sign(int value) {
+  return (value > 0) - (value < 0);
+}
+
+// Every test has its own file and leaves the locale of the process as it was. C.UTF-8 orders by
+// code points on every machine.
 class LocaleTest : public ::testing::Test {
  protected:
+  LocaleTest() { std::setlocale(LC_ALL, "C.UTF-8"); }
   ~LocaleTest() override { std::setlocale(LC_ALL, m_former.c_str()); }
   void Write(const std::string& file) const { m_directory.Write("ini/locale.ini", file); }
 
@@ -95,19 +106,68 @@ TEST_F(LocaleTest, TheAccountsLocaleNeedsNoFileAndEveryOtherDoes) {
 }
 
 TEST(TrimTest, EndsAreTakenOff) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"  a b  ", "[a b] [a b] [a b  ] [  a b]"},
+      {"\t a \t", "[\t a \t] [a] [\t a \t] [\t a \t]"},
+      {" \ta\n ", "[\ta\n] [a\n] [\ta\n ] [ \ta\n]"},
+      {" \t ", "[\t] [] [\t ] [ \t]"},
+      {"  ", "[] [] [] []"},
+      {nullptr, "[] [] [] []"}};
+  for (const auto& [text, expected] : cases) {
+    EXPECT_EQ("[" + i18n_aux::strtrim(text) + "] [" + i18n_aux::strtrim2(text) + "] [" +
+                  i18n_aux::strtrim_left(text) + "] [" + i18n_aux::strtrim_right(text) + "]",
+              expected);
+  }
+}
+
+TEST_F(LocaleTest, CaseCountsOnlyInCJKMode) {
   const struct {
-    const char *text, *both, *bothWithTabs, *left, *right;
-  } cases[] = {{"  a b  ", "a b", "a b", "a b  ", "  a b"},
-               {"\t a \t", "\t a \t", "a", "\t a \t", "\t a \t"},
-               {" \ta\n ", "\ta\n", "a\n", "\ta\n ", " \ta\n"},
-               {" \t ", "\t", "", "\t ", " \t"},
-               {"  ", "", "", "", ""},
-               {nullptr, "", "", "", ""}};
-  for (const auto& [text, both, bothWithTabs, left, right] : cases) {
-    EXPECT_EQ(i18n_aux::strtrim(text), both);
-    EXPECT_EQ(i18n_aux::strtrim2(text), bothWithTabs);
-    EXPECT_EQ(i18n_aux::strtrim_left(text), left);
-    EXPECT_EQ(i18n_aux::strtrim_right(text), right);
+    const char *a, *b;
+    int folded, exact;
+  } cases[] = {{"abc", "ABC", 0, 1},
+               {"a", "B", -1, 1},
+               {"\xc3\xa9", "\xc3\x89", 0, 1},  // e with acute, small and capital
+               {"a", "aa", -1, -1},
+               {nullptr, "", 0, 0},
+               {"a\xff", "A\xff", 0, 1},
+               {"\xc3", "\xc3\xa9", 1, -1}};  // cut in the middle of a character
+  for (const auto& [a, b, folded, exact] : cases) {
+    for (const bool isCJK : {false, true}) {
+      Osl_UnicodeConfiguration::SetCJKMode(isCJK);
+      EXPECT_EQ(Sign(stricoll(a, b, false)), isCJK ? exact : folded) << b;
+      EXPECT_EQ(Sign(stricoll(a, b, true)), folded) << b;
+    }
+  }
+  Osl_UnicodeConfiguration::SetCJKMode(false);
+}
+
+TEST_F(LocaleTest, NoMoreThanTheGivenCharactersCount) {
+  EXPECT_EQ(strncoll("abc", "abd", 2), 0);
+  EXPECT_LT(strncoll("abc", "abd", UINT_MAX), 0);
+  EXPECT_GT(strncoll("a", "A", 1), 0);
+  EXPECT_EQ(strncoll("a", "b", 0), 0);
+  EXPECT_EQ(strncoll("ab", "a", 1), 0);
+  EXPECT_LT(strncoll(nullptr, "a", 5), 0);
+  EXPECT_EQ(strncoll("\xc3\xa9x", "\xc3\xa9y", 1), 0);  // a character is more than a byte
+  EXPECT_LT(strncoll("\xc3\xa9x", "\xc3\xa9y", 2), 0);
+  EXPECT_EQ(strncoll("\xffx", "\xffy", 1), 0);
+}
+
+// std::sort is undefined for an order that goes in circles.
+TEST_F(LocaleTest, TextsOfAnyBytesHaveOneOrder) {
+  std::mt19937 random(20240229);
+  const std::string bytes = "aA\xff\xc3\xa9\x89\xed\xb2 -";
+  std::vector<std::string> texts(60);
+  for (std::string& text : texts) {
+    for (auto length = random() % 5; length > 0; --length) text += bytes[random() % bytes.size()];
+  }
+  const auto order = [&](std::size_t a, std::size_t b) {
+    return Sign(stricoll(texts[a].c_str(), texts[b].c_str(), true));
+  };
+  for (std::size_t i = 0; i < texts.size() * texts.size() * texts.size(); ++i) {
+    const std::size_t a = i % 60, b = i / 60 % 60, c = i / 3600;
+    ASSERT_EQ(order(a, b), -order(b, a));
+    ASSERT_TRUE(order(a, b) > 0 || order(b, c) > 0 || order(a, c) <= 0);
   }
 }
 
