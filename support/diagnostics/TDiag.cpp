@@ -149,7 +149,7 @@ TDiag::SinkId TDiag::AddFileSink(const std::string& path, std::size_t maxBytes,
 }
 
 TDiag::SinkId TDiag::AddCallbackSink(Callback callback) {
-  return m_state->Add(std::move(callback));
+  return callback ? m_state->Add(std::move(callback)) : 0;
 }
 
 void TDiag::RemoveSink(SinkId id) {
@@ -186,6 +186,13 @@ void TDiag::ApplyLevels(std::string_view text) {
 
 void TDiag::Write(const TDiagLine& line) {
   if ((line.lineClass & m_state->classMask.load(std::memory_order_relaxed)) == 0) return;
+  // What a callback calls may log in its turn; it would wait for itself.
+  thread_local bool isWriting = false;
+  if (isWriting) return;
+  struct Writing {
+    Writing() { isWriting = true; }
+    ~Writing() { isWriting = false; }
+  } const writing;
   const std::lock_guard lock(m_state->mutex);
   std::string text;  // composed once, for the first text sink
   for (auto& [id, sink] : m_state->sinks) {

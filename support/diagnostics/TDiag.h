@@ -48,7 +48,8 @@ struct TDiagLine {
 };
 
 // Thread contract: every operation may be called from any thread at any time. A callback sink is
-// called under the log's lock, one line at a time, and must not log itself.
+// called under the log's lock, one line at a time: what it logs itself is dropped, and it must not
+// call any other operation.
 class VQ_SUPPORT_API TDiag {
  public:
   static constexpr int kAlways = 0;
@@ -77,7 +78,7 @@ class VQ_SUPPORT_API TDiag {
   // Each returns a number for RemoveSink. In a text sink what follows a line end is indented, and
   // control characters stand as their numbers; a callback gets the text as logged. AddFileSink
   // appends to `path`, starts a new file when it reaches `maxBytes` and keeps `olderFiles` old
-  // ones; it returns 0 when the file does not open.
+  // ones. 0 when the file does not open or the callback is empty.
   SinkId AddStandardErrorSink();
   SinkId AddFileSink(const std::string& path, std::size_t maxBytes = 10U << 20U,
                      std::size_t olderFiles = 3);

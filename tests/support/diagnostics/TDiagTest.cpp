@@ -60,6 +60,18 @@ TEST_F(TDiagTest, TheClassMaskSelects) {
   EXPECT_THAT(m_log.Take(), ElementsAre("1 kept", "1 in all classes"));
 }
 
+TEST_F(TDiagTest, ACallbackThatLogsIsNotCalledForThat) {
+  EXPECT_EQ(TDiag::Instance()->AddCallbackSink(nullptr), 0U);
+  int calls = 0;
+  TDiag::Instance()->AddCallbackSink([&](const TDiagLine&) {
+    ++calls;
+    VQ_LOG(diagModule, 0) << "once more";
+  });
+  VQ_LOG(diagModule, 1) << "line";
+  EXPECT_EQ(calls, 1);
+  EXPECT_THAT(m_log.Take(), ElementsAre("1 line"));
+}
+
 TEST_F(TDiagTest, AFileSinkKeepsForeignTextFromPassingForALineOrReachingATerminal) {
   const vq::test::TemporaryDirectory directory;
   ASSERT_NE(TDiag::Instance()->AddFileSink(directory / "log"), 0U);

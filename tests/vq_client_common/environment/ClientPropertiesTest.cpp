@@ -20,6 +20,8 @@
 
 namespace {
 
+using ::testing::ElementsAre;
+
 constexpr char kFile[] = "CommonClientConf.xml";
 constexpr char kMissing[] = "missing";
 
@@ -164,11 +166,11 @@ TEST_F(ClientPropertiesTest, TellsTheLogWhatHappens) {
   EXPECT_FALSE(properties->SaveProperties());
   EXPECT_THAT(
       m_log.Take(),
-      ::testing::ElementsAre(
-          "4 Parameter: 'K' was not found. using default: 'default'.",
-          "5 New parameter was inserted: K", "5 Value of Parameter 'K' was set to '2'",
-          "5 Parameters file was updated", "5 Found Parameter: K. Value is: 2",
-          "1 Parameters file was not closed", "1 Parameters file failed to open for saving"));
+      ElementsAre("4 Parameter: 'K' was not found. using default: 'default'.",
+                  "5 New parameter was inserted: K", "5 Value of Parameter 'K' was set to '2'",
+                  "5 Parameters file was updated", "5 Found Parameter: K. Value is: 2",
+                  "1 Parameters file was not closed",
+                  "1 Parameters file failed to open for saving"));
 }
 
 TEST_F(ClientPropertiesTest, TheHelpPageIsTheEnglishOneForEveryLanguage) {
@@ -181,6 +183,8 @@ TEST_F(ClientPropertiesTest, TheHelpPageIsTheEnglishOneForEveryLanguage) {
     EXPECT_EQ(properties->getHelpFile(), m_directory / "root/" + page);
     m_directory.Write("root/" + page, "help");
   }
+  EXPECT_THAT(m_log.Take(), ::testing::Contains(
+                                "4 Parameter: 'LocalHelpFile' was not found. using default: ''."));
 }
 
 TEST_F(ClientPropertiesTest, StrXGivesTheTextInTheLocalesEncoding) {
@@ -192,21 +196,19 @@ TEST_F(ClientPropertiesTest, StrXGivesTheTextInTheLocalesEncoding) {
 }
 
 TEST_F(ClientPropertiesTest, VqNodeFilterAcceptsItsTypeAndNameAlone) {
-  const struct {
-    short type;
-    const char* name;
-    int withReject, without;  // 1 to accept, 2 to reject, 3 to skip
-  } cases[] = {{xercesc::DOMNode::ELEMENT_NODE, "server", 1, 1},
-               {xercesc::DOMNode::ELEMENT_NODE, "other", 2, 3},
-               {xercesc::DOMNode::COMMENT_NODE, "server", 2, 3},
-               {0, "server", 3, 3}};
   ClientProperties::Get();  // starts the XML library
   auto* document = xercesc::DOMImplementation::getImplementation()->createDocument();
-  const xercesc::DOMNode* element = document->createElement(u"server");
-  for (const auto& [type, name, withReject, without] : cases) {
-    EXPECT_EQ(VqNodeFilter(type, name, true).acceptNode(element), withReject) << type << name;
-    EXPECT_EQ(VqNodeFilter(type, name, false).acceptNode(element), without) << type << name;
-  }
+  const auto answer = [element = document->createElement(u"server")](short type, const char* name,
+                                                                     bool reject) {
+    return static_cast<int>(VqNodeFilter(type, name, reject).acceptNode(element));
+  };
+  constexpr short kElement = xercesc::DOMNode::ELEMENT_NODE,
+                  kComment = xercesc::DOMNode::COMMENT_NODE;
+  EXPECT_EQ(answer(kElement, "server", true), 1) << "accept";
+  EXPECT_EQ(answer(kElement, "other", true), 2) << "reject";
+  EXPECT_EQ(answer(kComment, "server", true), 2) << "reject";
+  EXPECT_EQ(answer(kElement, "other", false), 3) << "skip";
+  EXPECT_EQ(answer(0, "server", true), 3) << "skip";
   document->release();
 }
 
