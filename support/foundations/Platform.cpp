@@ -3,6 +3,9 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <mutex>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <pwd.h>
@@ -41,9 +44,21 @@ bool Platform::HostName(std::string& name) const {
 }
 
 bool Platform::AccountName(std::string& name, std::size_t size) const {
+  // The account data base is a file or a server, and an account keeps its name: it is asked once
+  // for each effective user that the process has in turn. Never destroyed.
+  static std::mutex mutex;
+  static auto* const known = new std::optional<std::pair<uid_t, std::string>>;
   name.clear();
-  return WithAccount([&](const passwd& account) { name = account.pw_name; }) &&
-         (name.size() < size || (name.clear(), false));
+  const uid_t user = ::geteuid();
+  const std::lock_guard lock(mutex);
+  if (!*known || (*known)->first != user) {
+    std::string found;
+    if (!WithAccount([&](const passwd& account) { found = account.pw_name; })) return false;
+    known->emplace(user, found);
+  }
+  if ((*known)->second.size() >= size) return false;
+  name = (*known)->second;
+  return true;
 }
 
 std::string Platform::AccountHome() const {

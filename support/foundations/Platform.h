@@ -31,6 +31,7 @@ class Platform {
   // Puts the name of the account that the process runs under (its effective user) into `name`.
   // False when there is no such account, or when the name and a closing zero byte do not fit into
   // `size` bytes; `name` is then empty.
+  // The name is kept for as long as that user is the effective one.
   virtual bool AccountName(std::string& name, std::size_t size) const;
 
   // The account's home directory as the account data base has it, without a closing "/". Empty when

@@ -1,7 +1,13 @@
 #include <support/foundations/ProductVersion.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <ctime>
+#include <mutex>
 #include <string_view>
+
+#include <sys/stat.h>
 
 #include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
@@ -23,14 +29,63 @@ std::list<std::string> SplitPatches(std::string_view text) {
   return patches;
 }
 
+// What tells one state of a file from another.
+std::array<std::int64_t, 7> StateOf(const struct stat& file) {
+  return {static_cast<std::int64_t>(file.st_dev),
+          static_cast<std::int64_t>(file.st_ino),
+          file.st_size,
+          file.st_mtim.tv_sec,
+          file.st_mtim.tv_nsec,
+          file.st_ctim.tv_sec,
+          file.st_ctim.tv_nsec};
+}
+
+// The file as it was read last, so that a login reads it only when it has changed. One that changed
+// within the last two seconds is read again: another change in the same tick of the file system's
+// clock would not show.
+class InstalledProducts {
+ public:
+  // Never destroyed.
+  static InstalledProducts& Instance() {
+    static auto* const products = new InstalledProducts;
+    return *products;
+  }
+
+  bool Get(const std::string& path, const std::string& product, std::string& version,
+           std::string& patches) {
+    const std::lock_guard lock(m_mutex);
+    struct stat file {};
+    const bool there = ::stat(path.c_str(), &file) == 0;
+    if (!there || !m_settled || path != m_path || StateOf(file) != m_state) {
+      m_content = vq::IniFile(path);
+      m_path = path;
+      m_state = StateOf(file);
+      m_settled = there && std::time(nullptr) - file.st_ctim.tv_sec > 2;
+    }
+    const auto found = m_content.Get(product, "version");
+    if (!found || found->empty()) return false;
+    version = *found;
+    patches = m_content.Get(product, "patches").value_or("");
+    return true;
+  }
+
+ private:
+  std::mutex m_mutex;
+  std::string m_path;
+  std::array<std::int64_t, 7> m_state{};
+  bool m_settled = false;
+  vq::IniFile m_content{std::string()};
+};
+
 }  // namespace
 
 int GetProductVersion(const std::string& product, std::string& version,
                       std::list<std::string>& patches) {
-  const vq::IniFile file(GetVQRootLocation() + "installed-products.ini");
-  const auto found = file.Get(product, "version");
-  if (!found || found->empty()) return 0;
-  version = *found;
-  patches = SplitPatches(file.Get(product, "patches").value_or(""));
+  std::string patchList;
+  if (!InstalledProducts::Instance().Get(GetVQRootLocation() + "installed-products.ini", product,
+                                         version, patchList)) {
+    return 0;
+  }
+  patches = SplitPatches(patchList);
   return 1;
 }

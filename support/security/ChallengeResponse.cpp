@@ -24,6 +24,13 @@ struct Digest {
   Digest& operator=(const Digest&) = delete;
 };
 
+// The algorithm, looked up once: the look-up takes longer than the digest of a short text. Never
+// freed; null when the cryptographic library has none.
+const EVP_MD* Sha256() {
+  static const EVP_MD* const digest = EVP_MD_fetch(nullptr, "SHA256", nullptr);
+  return digest;
+}
+
 void ToBase64Url(const Digest& digest, std::string& out) {
   constexpr std::string_view kAlphabet =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
@@ -58,8 +65,8 @@ void AppendWithLength(const std::string& text, std::string& message) {
 
 void ChkSum(const std::string& text, std::string& result) {
   Digest digest;
-  const bool done = EVP_Digest(text.data(), text.size(), digest.bytes.data(), nullptr, EVP_sha256(),
-                               nullptr) == 1;
+  const bool done = Sha256() != nullptr && EVP_Digest(text.data(), text.size(), digest.bytes.data(),
+                                                      nullptr, Sha256(), nullptr) == 1;
   vq::Wipe(result);
   if (!done) throw std::runtime_error("ChkSum: no SHA-256 digest");
   ToBase64Url(digest, result);
