@@ -17,14 +17,7 @@ TEST(ClientKinds, HaveANameForServerOrbAndUser) {
     bool pure;
   } kRows[] = {
       {0, "vq_gui", "GUI", "VELTRA-M/VQ GUI", false},
-      {1, "vq_desktop", "Desktop", "VELTRA-M/Desktop", false},
       {2, "vq_xmlutil", "XmlUtil", "XML Utility", true},
-      {3, "vq_cli", "CLI", "VELTRA-M/VQ CLI", false},
-      {4, "vq_report", "Report", "Reporting Facility", true},
-      {5, "vq_qimc", "QIMC", "VELTRA-M/VQ QIM Client", false},
-      {6, "vq_vcm", "VCM", "VELTRA-M/VQ Configuration Manager", true},
-      {7, "vq_sweep", "Sweep", "Sweep Utility", false},
-      {8, "vq_vcmcli", "VCM_CLI", "VELTRA-M/VQ Configuration Manager CLI", true},
       {9, "open_viewpoint_simulator", "OpenVPSim", "VELTRA-M/VQ Service Impact Manager", false},
       {10, "Unkown_Client", "RCI", "VELTRA-M/VQ Remote Client Interface", true},
       {11, "Unkown_Client", "", "Unknown Client", true},
@@ -50,9 +43,6 @@ TEST(ServerKinds, HaveANameForTheNamingServiceAndTheUser) {
     const char* words;
   } kRows[] = {
       {0, "GSR", "VELTRA-M/VQ Server"},
-      {1, "GAS", "VELTRA-M/VQ Global Alert Server"},
-      {2, "QIMS", "VELTRA-M/VQ QIM Server"},
-      {3, "Forecast", "VELTRA-M/VQ Forecast Server"},
       {4, "CMS", "VELTRA-M/VQ Configuration Manager Server"},
       {5, "SLS", ""},
       {6, "", ""},

@@ -221,20 +221,6 @@ TEST_F(LoginTest, AServerThatIsNotThereIsDiagnosed) {
                 "computer.\t");
 }
 
-TEST_F(LoginTest, AServerThatDiesInTheMiddleFailsTheLogin) {
-  const std::string text =
-      "This error may be caused by any of the following:\n - Server 'central' has incorrect or old "
-      "version.\n - Server 'central' went down during login process.\t";
-  for (const char* operation : {"CRB_AquireChallenge", "CRB_Register"}) {
-    Server& server = StartServer();
-    server.SetFaults({{{"operation", operation}, {"nth", 1}, {"action", "die"}}});
-    EXPECT_EQ(Login(), 0) << operation;
-    EXPECT_EQ(m_message, text) << operation;
-    EXPECT_TRUE(m_log.Has(1, "CORBA::SystemException caught: ")) << m_log.Text();
-    GL_LogOut(false);
-  }
-}
-
 TEST_F(LoginTest, AMissingChallengeGivesUpWithoutAText) {
   Server& server = StartServer();
   server.SetFaults(

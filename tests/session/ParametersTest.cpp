@@ -18,12 +18,7 @@ const nlohmann::json kFails = {{"fail", 5}};
 TEST_F(ParametersTest, EveryFailureIsAFalseAndALine) {
   Server& server = StartServer();
   ASSERT_EQ(Login(), 1) << m_log.Text();
-  const auto raise = [](const char* exception) {
-    return nlohmann::json{{{"operation", "CRB_GetSystemParameterValue"},
-                           {"action", "raise"},
-                           {"exception", exception},
-                           {"minor", 7}}};
-  };
+  const auto raise = [](const char* name) { return Raise("CRB_GetSystemParameterValue", name); };
   const struct {
     nlohmann::json parameter;
     nlohmann::json faults;
@@ -145,10 +140,7 @@ TEST_F(ParametersTest, TheEnvironmentOrTheServerSaysWhatIsAnnotated) {
       {"NO_RESOURCES", 1, "Failed with CORBA::SystemException [name = NO_RESOURCES] [minor = 7]"},
   };
   for (const auto& row : kRows) {
-    server.SetFaults({{{"operation", "CRB_isAnnotationRequired"},
-                       {"action", "raise"},
-                       {"exception", row.exception},
-                       {"minor", 7}}});
+    server.SetFaults(Raise("CRB_isAnnotationRequired", row.exception));
     EXPECT_FALSE(isAnnotationRequired("job.delete"));
     EXPECT_TRUE(m_log.Has(row.level, row.line)) << m_log.Text();
   }

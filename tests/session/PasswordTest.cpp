@@ -139,54 +139,26 @@ TEST_F(PasswordTest, AFailedChangeKeepsThePassword) {
   const char* const kChallenge = "CRB_AquireChallenge";
   const struct {
     bool expired;
-    const char* operation;
-    nlohmann::json fault;
+    nlohmann::json faults;
     int result;
     const char* line;
   } kRows[] = {
-      {false, kUpdate, {{"action", "return"}, {"result", 7}}, 7, nullptr},
-      {false,
-       kUpdate,
-       {{"exception", "USER_NOT_FOUND"}},
-       0,
-       "Failed with USER_NOT_FOUND exception."},
-      {false,
-       kUpdate,
-       {{"exception", "USER_NOT_AUTHORIZED"}},
-       43,
-       "Failed with USER_NOT_AUTHORIZED exception."},
-      {false,
-       kUpdate,
-       {{"exception", "NO_RESOURCES"}, {"minor", 7}},
-       0,
-       "Failed with CORBA::SystemException [name = NO_RESOURCES] [minor = 7]"},
-      {true, kCombined, {{"action", "return"}, {"result", 0}}, 0, nullptr},
-      {true, kCombined, {{"action", "return"}, {"result", 48}}, 48, nullptr},
-      // The outcome of asking for the client's version is what is left, and looks like success.
-      {true,
-       kCombined,
-       {{"exception", "NO_RESOURCES"}, {"minor", 7}},
-       1,
-       "Failed with CORBA::SystemException [name = NO_RESOURCES] [minor = 7]"},
-      {true, kChallenge, {{"action", "return"}, {"result", 0}}, 0, "Couldn't get Challenge"},
-      {true,
-       kChallenge,
-       {{"exception", "NO_RESOURCES"}, {"minor", 7}},
-       0,
-       "Failed with CORBA::SystemException [name = NO_RESOURCES] [minor = 7]"},
+      {false, Return(kUpdate, 7), 7, ""},
+      {false, Raise(kUpdate, "USER_NOT_FOUND"), 0, "Failed with USER_NOT_FOUND exception."},
+      {false, Raise(kUpdate, "USER_NOT_AUTHORIZED"), 43, "Failed with USER_NOT_AUTHORIZED excep"},
+      {true, Return(kCombined, 0), 0, ""},
+      {true, Return(kCombined, 48), 48, ""},
+      {true, Return(kChallenge, 0), 0, "Couldn't get Challenge"},
+      {true, Raise(kChallenge, "NO_RESOURCES"), 0, "Failed with CORBA::SystemException [name = "},
   };
   for (const auto& row : kRows) {
     ASSERT_EQ(Login(row.expired ? "expired" : "alice"), row.expired ? 48 : 1) << m_log.Text();
-    nlohmann::json fault = {{"operation", row.operation}, {"action", "raise"}};
-    fault.update(row.fault);
-    server.SetFaults(nlohmann::json::array({fault}));
+    server.SetFaults(row.faults);
     m_log.Clear();
-    EXPECT_EQ(SetUserPassword("new-password", row.expired), row.result) << fault;
-    if (row.line != nullptr) {
-      EXPECT_TRUE(m_log.Has(1, row.line)) << m_log.Text();
-    }
-    EXPECT_EQ(ConnectionSettings::Get()->GetPassword(ENC_PLAIN), "secret") << fault;
-    EXPECT_EQ(LoginHandler::GetGlobal()->IsConnected(), !row.expired) << fault;
+    EXPECT_EQ(SetUserPassword("new-password", row.expired), row.result) << row.faults;
+    EXPECT_EQ(m_log.Count(1, row.line), *row.line != '\0' ? 1 : 0) << m_log.Text();
+    EXPECT_EQ(ConnectionSettings::Get()->GetPassword(ENC_PLAIN), "secret") << row.faults;
+    EXPECT_EQ(LoginHandler::GetGlobal()->IsConnected(), !row.expired) << row.faults;
     server.SetFaults(nlohmann::json::array());
     GL_LogOut(false);
   }

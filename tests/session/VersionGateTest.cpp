@@ -182,6 +182,19 @@ TEST_F(VersionGateTest, ALoginEndsOrGoesOnAsTheTwoVersionsSay) {
   const std::string old =
       "This error may be caused by any of the following:\n - Server 'central' has incorrect or old "
       "version.\n - Server 'central' went down during login process.\t";
+  const auto rule = [](int result, const char* version) {
+    return nlohmann::json{{"result", result}, {"server", version}};
+  };
+  // The server's kind stands where the client's name belongs, and one "%s" is left over.
+  const std::string byServer =
+      "Connection refused by VELTRA-M/VQ Server: 'central'.\nVersion 8.0.00 of VELTRA-M/VQ Server "
+      "is "
+      "not compatible with a 9.0.01 of version %s.";
+  const std::string byClient =
+      "Version 8.0.00 of VELTRA-M/VQ CLI is not compatible with a VELTRA-M/VQ Server of version "
+      "9.0.00.";
+  const char* const kFailed = "CORBA::Exception was caught during versions verification (BAD_OP";
+  const char* const kWithout = "Version Verification failed with return code: ";
   const struct {
     nlohmann::json rule;
     int code;
@@ -189,36 +202,13 @@ TEST_F(VersionGateTest, ALoginEndsOrGoesOnAsTheTwoVersionsSay) {
     int level;
     std::string line;
   } kRows[] = {
-      {{{"result", 56}, {"server", "9.0.01"}},
-       0,
-       // The server's kind stands where the client's name belongs, and one "%s" is left over.
-       "Connection refused by VELTRA-M/VQ Server: 'central'.\nVersion 8.0.00 of VELTRA-M/VQ Server "
-       "is not compatible with a 9.0.01 of version %s.",
-       1,
-       "Connection refused by VELTRA-M/VQ Server: 'central'."},
-      {{{"result", 1}, {"server", "9.0.00"}},
-       0,
-       "Version 8.0.00 of VELTRA-M/VQ CLI is not compatible with a VELTRA-M/VQ Server of version "
-       "9.0.00.",
-       1,
-       "Version 8.0.00 of VELTRA-M/VQ CLI is not compatible"},
-      {{{"missing", true}},
-       0,
-       old,
-       1,
-       "CORBA::Exception was caught during versions verification (BAD_OPERATION"},
-      {{{"result", 1}, {"server", "8.0.05"}}, 1, "", 4, "server version is allowed by client"},
-      {{{"result", 1}, {"server", "0"}},
-       1,
-       "",
-       2,
-       "Version Verification failed with return code: 1"},
-      {{{"result", 1}, {"server", ""}}, 1, "", 2, "Continue with login process..."},
-      {{{"result", 7}, {"server", "9.0.00"}},
-       1,
-       "",
-       2,
-       "Version Verification failed with return code: 7"},
+      {rule(56, "9.0.01"), 0, byServer, 1, byServer},
+      {rule(1, "9.0.00"), 0, byClient, 1, byClient},
+      {{{"missing", true}}, 0, old, 1, kFailed},
+      {rule(1, "8.0.05"), 1, "", 4, "server version is allowed by client"},
+      {rule(1, "0"), 1, "", 2, kWithout + std::string("1")},
+      {rule(1, ""), 1, "", 2, "Continue with login process..."},
+      {rule(7, "9.0.00"), 1, "", 2, kWithout + std::string("7")},
   };
   for (const auto& row : kRows) {
     server.Patch({{"versions", {row.rule}}});
