@@ -40,52 +40,52 @@ std::array<std::int64_t, 7> StateOf(const struct stat& file) {
           file.st_ctim.tv_nsec};
 }
 
-// The file as it was read last, so that a login reads it only when it has changed. One that changed
-// within the last two seconds is read again: another change in the same tick of the file system's
-// clock would not show.
-class InstalledProducts {
+// What the file said of the product that was looked up last, so that a login reads it only when it
+// has changed. A file that changed within the last two seconds is read again: another change in the
+// same tick of the file system's clock would not show.
+class LastProduct {
  public:
   // Never destroyed.
-  static InstalledProducts& Instance() {
-    static auto* const products = new InstalledProducts;
-    return *products;
+  static LastProduct& Instance() {
+    static auto* const last = new LastProduct;
+    return *last;
   }
 
   bool Get(const std::string& path, const std::string& product, std::string& version,
-           std::string& patches) {
+           std::list<std::string>& patches) {
     const std::lock_guard lock(m_mutex);
     struct stat file {};
     const bool there = ::stat(path.c_str(), &file) == 0;
-    if (!there || !m_settled || path != m_path || StateOf(file) != m_state) {
-      m_content = vq::IniFile(path);
+    if (!there || !m_settled || product != m_product || path != m_path ||
+        StateOf(file) != m_state) {
+      const vq::IniFile content(path);
+      m_version = content.Get(product, "version").value_or("");
+      m_patches = SplitPatches(content.Get(product, "patches").value_or(""));
+      m_product = product;
       m_path = path;
       m_state = StateOf(file);
       m_settled = there && std::time(nullptr) - file.st_ctim.tv_sec > 2;
     }
-    const auto found = m_content.Get(product, "version");
-    if (!found || found->empty()) return false;
-    version = *found;
-    patches = m_content.Get(product, "patches").value_or("");
+    if (m_version.empty()) return false;
+    version = m_version;
+    patches = m_patches;
     return true;
   }
 
  private:
   std::mutex m_mutex;
   std::string m_path;
+  std::string m_product;
   std::array<std::int64_t, 7> m_state{};
   bool m_settled = false;
-  vq::IniFile m_content{std::string()};
+  std::string m_version;
+  std::list<std::string> m_patches;
 };
 
 }  // namespace
 
 int GetProductVersion(const std::string& product, std::string& version,
                       std::list<std::string>& patches) {
-  std::string patchList;
-  if (!InstalledProducts::Instance().Get(GetVQRootLocation() + "installed-products.ini", product,
-                                         version, patchList)) {
-    return 0;
-  }
-  patches = SplitPatches(patchList);
-  return 1;
+  const std::string path = GetVQRootLocation() + "installed-products.ini";
+  return LastProduct::Instance().Get(path, product, version, patches) ? 1 : 0;
 }

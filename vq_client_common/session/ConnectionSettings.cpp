@@ -57,6 +57,8 @@ void ConnectionSettings::SetUserID(const std::string& userId) {
 }
 
 void ConnectionSettings::SetPassword(const std::string& password) {
+  // A client that logs in again mostly has the same password, and both forms of it are here.
+  if (password == m_password && !m_encodedPassword.empty()) return;
   vq::Wipe(m_password);
   vq::Wipe(m_encodedPassword);
   m_password = password;

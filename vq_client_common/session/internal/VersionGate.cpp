@@ -4,7 +4,9 @@
 
 #include <vq_client_common/session/internal/VersionGate.h>
 
+#include <fcntl.h>
 #include <locale.h>
+#include <unistd.h>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -104,9 +106,12 @@ int LoginHandler::GetMinimumServerVersionAllowed(SERVER_ID serverId, std::string
   const TDiagFunc diag(diagModule, "LoginHandler::GetMinimumServerVersionAllowed");
   const std::string path = GetVQRootLocation() + "min-accepted-servers.txt";
   errno = 0;
-  std::FILE* const file = std::fopen(path.c_str(), "r");
+  // Mostly there is no such file, and then no stream is made.
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  std::FILE* const file = descriptor != -1 ? ::fdopen(descriptor, "r") : nullptr;
   if (file == nullptr) {
     VQ_LOG(diag, 4) << "Accepted: Couldn't open file " << path << ": " << std::strerror(errno);
+    if (descriptor != -1) ::close(descriptor);
     return kFileDoesNotOpen;
   }
   VQ_LOG(diag, 4) << "Minimum Server versions file exists.";
