@@ -56,10 +56,13 @@ bool GrantIndex::Fits(std::uint32_t term, const BoundObject& object) const {
   });
 }
 
+std::uint32_t GrantIndex::BucketOf(std::uint64_t hash) const {
+  return m_filter.MayHold(hash) ? m_table.Find(hash) : KeyTable::kNone;
+}
+
 template <class Look>
 bool GrantIndex::LookUp(std::uint64_t hash, Look& look) const {
-  if (!m_filter.MayHold(hash)) return false;
-  const std::uint32_t bucket = m_table.Find(hash);
+  const std::uint32_t bucket = BucketOf(hash);
   return bucket != KeyTable::kNone && look(Bucket(bucket));
 }
 
@@ -78,12 +81,20 @@ bool GrantIndex::LookUpValue(std::uint32_t field, std::string_view value, Look& 
     if (length > value.size()) break;
     if (LookUp(suffix.Suffix(value, length), look)) return true;
   }
+  // A piece may stand in the value many times over; its terms are tried once all the same.
+  std::vector<std::uint32_t> buckets;
   for (std::size_t i = 0; i < kPieceLengths.size(); ++i) {
     if ((keys.pieces >> i & 1U) == 0) continue;
     for (std::size_t at = 0; at + kPieceLengths[i] <= value.size(); ++at) {
       const std::string_view piece = value.substr(at, kPieceLengths[i]);
-      if (LookUp(KeyHash::Of(field, KeyKind::Piece, piece), look)) return true;
+      const std::uint32_t bucket = BucketOf(KeyHash::Of(field, KeyKind::Piece, piece));
+      if (bucket != KeyTable::kNone) buckets.push_back(bucket);
     }
+  }
+  std::sort(buckets.begin(), buckets.end());
+  buckets.erase(std::unique(buckets.begin(), buckets.end()), buckets.end());
+  for (const std::uint32_t bucket : buckets) {
+    if (look(Bucket(bucket))) return true;
   }
   return keys.presence != KeyTable::kNone && look(Bucket(keys.presence));
 }

@@ -108,6 +108,7 @@ class GrantIndex {
   bool LookUpValue(std::uint32_t field, std::string_view value, Look& look) const;
   template <class Look>
   bool LookUp(std::uint64_t hash, Look& look) const;
+  std::uint32_t BucketOf(std::uint64_t hash) const;  // or KeyTable::kNone
   std::span<const Entry> Bucket(std::uint32_t bucket) const;
   bool Fits(std::uint32_t term, const BoundObject& object) const;
 

@@ -86,4 +86,13 @@ TEST(GrantIndex, TextsThatBeginAlikeAreNotTakenForOneAnother) {
   Compare(all, objects);
 }
 
+TEST(GrantIndex, APieceThatIsRepeatedIsTriedOnce) {
+  QCSObject object;
+  object.SetAttribute("A", std::string(100'000, 'a'));
+  int tried = 0;
+  const auto count = [&tried](std::uint32_t) { return ++tried, false; };
+  EXPECT_FALSE(vq::GrantIndex({{"A LIKE '*a*'", 1}}).AnyFitting(object, count));
+  EXPECT_EQ(tried, 1);
+}
+
 }  // namespace
