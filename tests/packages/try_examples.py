@@ -1,0 +1,152 @@
+#!/usr/bin/env python3
+"""try_examples.py PREFIX EXAMPLES COMPILER [NAME...]
+
+Builds the examples (all, or those named) against the library that is installed below PREFIX, each
+once by CMake's find_package and once by pkg-config, and runs every program against a naming service
+and a simulator of its own. The simulator is the one below PREFIX. examples/README.md tells which
+files of an example say how it is run and what it must answer.
+"""
+
+import os
+import re
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+TIMEOUT = 120  # seconds that a step may take
+
+
+def run(command, **keywords):
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                          timeout=TIMEOUT, **keywords)
+    if done.returncode != 0:
+        raise RuntimeError(f"{' '.join(map(str, command))}: status {done.returncode}\n{done.stdout}")
+    return done.stdout
+
+
+def lines_of(file):
+    return file.read_text().splitlines() if file.exists() else []
+
+
+class Servers:
+    """A naming service and a simulator on free loopback ports, for as long as a `with` lasts."""
+
+    def __init__(self, prefix, environment, work):
+        self.prefix, self.environment, self.work = prefix, environment, work
+        self.processes = []
+
+    def start(self, ready, *command):
+        with open(self.work / "servers.out", "ab") as out:
+            process = subprocess.Popen(command, stdout=out, stderr=out, env=self.environment)
+        end = time.monotonic() + TIMEOUT
+        while process.poll() is None and time.monotonic() < end:
+            if ready():
+                self.processes.append(process)
+                return True
+            time.sleep(0.02)
+        process.kill()
+        process.wait()
+        return False
+
+    def __enter__(self):
+        for _ in range(20):  # somebody else may take the port in between
+            with socket.socket() as probe:
+                probe.bind(("127.0.0.1", 0))
+                port = probe.getsockname()[1]
+            names = Path(tempfile.mkdtemp(dir=self.work))
+            if self.start(lambda: listens(port), "omniNames", "-start", str(port), "-always",
+                          "-datadir", names, "-ORBendPoint", f"giop:tcp:127.0.0.1:{port}"):
+                break
+        else:
+            raise RuntimeError("no naming service: " + (self.work / "servers.out").read_text())
+        self.naming = f"corbaloc:iiop:127.0.0.1:{port}/NameService"
+        ready = names / "ready"
+        if not self.start(ready.exists, self.prefix / "bin/vq_simulator",
+                          "--site", self.prefix / "share/vq/simulator/site.json",
+                          "--server", "central", "--naming", self.naming, "--ready-file", ready):
+            self.__exit__()
+            raise RuntimeError("no simulator: " + (self.work / "servers.out").read_text())
+        return self
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            process.terminate()
+            try:
+                process.wait(10)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+
+
+def listens(port):
+    with socket.socket() as probe:
+        return probe.connect_ex(("127.0.0.1", port)) == 0
+
+
+def build(prefix, example, compiler, work):
+    """Builds in both ways; returns the two programs."""
+    tree, program = work / example.name, work / (example.name + "-by-pkg-config")
+    run(["cmake", "-S", example, "-B", tree, f"-DCMAKE_PREFIX_PATH={prefix}",
+         f"-DCMAKE_CXX_COMPILER={compiler}"])
+    run(["cmake", "--build", tree])
+    # The prefix is not the one that the file was made for.
+    search = next(prefix.glob("lib/**/pkgconfig"))
+    flags = run(["pkg-config", f"--define-variable=prefix={prefix}", "--cflags", "--libs",
+                 "vq_client_common"], env=os.environ | {"PKG_CONFIG_PATH": str(search)}).split()
+    run([compiler, "-std=c++20", "-Wall", "-Wextra", "-Werror", *sorted(example.glob("*.cpp")),
+         "-o", program, *flags])
+    return [tree / example.name, program]
+
+
+def complaint(prefix, example, program, work):
+    """Runs one program; returns what is wrong with its answer, or nothing."""
+    home = Path(tempfile.mkdtemp(dir=work))
+    environment = {name: value for name, value in os.environ.items()
+                   if not name.startswith(("VQ_", "ORB", "LC_"))}
+    environment |= {"HOME": str(home), "VQ_HOME": str(home / "root"), "LC_ALL": "C.UTF-8",
+                    "OMNIORB_CONFIG": "/dev/null",
+                    "LD_LIBRARY_PATH": str(next(prefix.glob("lib/**/libvq_client_common.so")).parent)}
+    with Servers(prefix, environment, work) as servers:
+        arguments = [line.replace("@NAMING@", servers.naming)
+                     for line in lines_of(example / "arguments.txt")]
+        given = example / "input.txt"
+        done = subprocess.run([program, *arguments], env=environment, cwd=home, timeout=TIMEOUT,
+                              input=given.read_text() if given.exists() else "",
+                              capture_output=True, text=True)
+    expected, answer = lines_of(example / "expected.txt"), done.stdout.splitlines()
+    if not expected:
+        return f"{example}/expected.txt expects nothing"
+    if done.returncode == 0 and len(answer) == len(expected) and all(
+            map(re.fullmatch, expected, answer)):
+        return None
+    return (f"{program.name}: status {done.returncode}, expected\n" + "\n".join(expected)
+            + f"\ngot\n{done.stdout}and on the standard error stream\n{done.stderr}")
+
+
+def main():
+    prefix, folder, compiler = Path(sys.argv[1]), Path(sys.argv[2]), sys.argv[3]
+    names = sys.argv[4:] or sorted(file.parent.name for file in folder.glob("*/CMakeLists.txt"))
+    work = Path(tempfile.mkdtemp(prefix="vq-examples-"))
+    try:
+        def try_one(name):
+            example = folder / name
+            programs = build(prefix, example, compiler, work)
+            return [complaint(prefix, example, program, work) for program in programs]
+
+        with ThreadPoolExecutor(2) as pool:
+            complaints = [text for pair in pool.map(try_one, names) for text in pair]
+    finally:
+        shutil.rmtree(work)
+    found = [text for text in complaints if text]
+    print("\n".join(found + [f"{len(names)} examples, each built in two ways: "
+                             f"{len(complaints) - len(found)} of {len(complaints)} programs answer as expected"]))
+    return 1 if found or not names else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
