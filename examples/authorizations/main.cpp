@@ -1,0 +1,70 @@
+// Asks what the logged-in user may do: a privilege, a kind of object, one object, a service.
+//
+//   authorizations SERVER USER -ORBInitRef NameService=corbaloc:iiop:HOST:2809/NameService
+//
+// GL_PostLogin loads what the user may do; every question after it is answered here, without a call
+// to the server.
+
+#include <iostream>
+#include <string>
+
+#include <vq_client_common/vq_client_common.h>
+
+namespace {
+
+void Tell(const std::string& question, bool answer) {
+  std::cout << question << ": " << (answer ? "yes" : "no") << '\n';
+}
+
+void AskAll(const UserAuthorizations& user) {
+  Tell("administrator", user.IsAdministrator());
+
+  // A privilege has one level; the question names the least that is enough.
+  Tell("see alerts", user.IsAlertsAccessAllowed(BROWSE_ACCESS));
+  Tell("handle alerts", user.IsAlertsAccessAllowed(UPDATE_ACCESS));
+  Tell("define users", user.IsAuthDefAccessAllowed(BROWSE_ACCESS));
+
+  // Of a kind: is there any grant at all? A menu is built of such questions.
+  Tell("any calendar", user.IsCalendarsAccessAllowed());
+  Tell("any workload", user.IsWorkloadsAccessAllowed());
+
+  // Of one object: it is described by the attributes that the grants' criteria speak of.
+  QCSObject calendar;
+  calendar.SetAttribute("CALENDAR", "WORKDAYS");
+  Tell("change calendar WORKDAYS", user.IsCalendarAccessAllowed(calendar, UPDATE_ACCESS));
+  Tell("delete calendar WORKDAYS", user.IsCalendarAccessAllowed(calendar, FULL_ACCESS));
+
+  QCSObject table;
+  table.SetAttribute("TABLE", "PAYROLL");
+  Tell("see table PAYROLL", user.IsSchedTblAccessAllowed(table, BROWSE_ACCESS));
+  table.SetAttribute("TABLE", "STOCK");
+  Tell("see table STOCK", user.IsSchedTblAccessAllowed(table, BROWSE_ACCESS));
+
+  // Of a service: its actions are numbers.
+  QCSObject service;
+  service.SetAttribute("SERVICE", "Billing");
+  Tell("action 2 on service Billing", user.IsServiceActionAccessAllowed(service, 2));
+  Tell("action 3 on service Billing", user.IsServiceActionAccessAllowed(service, 3));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 3) {
+    std::cerr << "usage: authorizations SERVER USER [-ORBInitRef NameService=REFERENCE]\n";
+    return 2;
+  }
+  UserPass credentials(argv[2], "", "");
+  if (!credentials.Init()) return 2;
+
+  std::string message;
+  int code = GL_Login(credentials.GetUsername(), credentials.GetPassword(), argv[1], 600, message,
+                      CLIENT_CLI, E_GSR, argc, argv);
+  if (code == 1 || code == 50) code = GL_PostLogin(message);
+  if (!message.empty()) std::cerr << message << '\n';
+
+  if (code == 1) AskAll(*UserAuthorizations::Get());
+  GL_LogOut(true);
+  exit_vqclient_common();
+  return code == 1 ? 0 : 1;
+}
