@@ -41,21 +41,34 @@ void CommandLine::AddGlobalOptions(CLI::App& program) {
 }
 
 void CommandLine::AddConnectionOptions(CLI::App& command) {
-  command.add_option("-s,--server", server, "Logical name of the server")->required();
-  command.add_option("-k,--kind", kind, "Kind of the server: GSR, GAS, QIMS, Forecast, CMS, SLS")
-      ->transform(CLI::CheckedTransformer(kKinds).description(""))
-      ->default_str("GSR");
-  command.add_option("-n,--naming", naming,
-                     "HOST:PORT of the naming service; without it the configuration domain's");
-  command.add_option("-u,--user", user, "User name; asked for when neither it nor a file is given");
-  command.add_option("-f,--password-file", passwordFile,
-                     "File with user= and password= lines, readable by nobody else. Without it "
-                     "the password is asked for, or read from standard input");
-  command
-      .add_option("-t,--timeout", timeOut,
-                  "Seconds after which the server drops a session that is not kept alive")
-      ->check(CLI::Range(1U, 86400U))
-      ->capture_default_str();
+  CLI::Option* const options[] = {
+      command.add_option("-s,--server", server, "Logical name of the server")
+          ->required()
+          ->type_name("NAME"),
+      command.add_option("-k,--kind", kind, "Kind of the server")
+          ->transform(CLI::CheckedTransformer(kKinds).description(""))
+          ->default_str("GSR")
+          ->type_name("GSR|GAS|QIMS|Forecast|CMS|SLS"),
+      command
+          .add_option("-n,--naming", naming,
+                      "Address of the naming service; without it the configuration domain's")
+          ->type_name("HOST:PORT"),
+      command.add_option("-u,--user", user, "User; asked for when neither name nor file is given")
+          ->type_name("NAME"),
+      command
+          .add_option("-f,--password-file", passwordFile,
+                      "File with user= and password= lines, readable by nobody else. Without it "
+                      "the password is asked for, or read from standard input")
+          ->type_name("FILE"),
+      command
+          .add_option("-t,--timeout", timeOut,
+                      "After how long without a keep-alive the server drops the session (1 to "
+                      "86400)")
+          ->check(CLI::Range(1U, 86400U).description(""))
+          ->capture_default_str()
+          ->type_name("SECONDS"),
+  };
+  for (CLI::Option* const option : options) option->group("Connection");
 }
 
 void CommandLine::Apply() {

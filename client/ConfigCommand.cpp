@@ -57,7 +57,8 @@ void AddConfigCommand(CLI::App& program, CommandLine& line, int& exitCode) {
   config->require_subcommand(1);
   CLI::App* const command =
       config->add_subcommand("show", "Every setting with its value and where it came from");
-  command->add_option("-n,--naming", line.naming, "HOST:PORT of the naming service");
+  command->add_option("-n,--naming", line.naming, "Address of the naming service")
+      ->type_name("HOST:PORT");
   command->callback([&] {
     line.Apply();
     exitCode = Show(line);

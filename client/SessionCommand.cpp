@@ -1,6 +1,7 @@
 // vqclient session: a whole session, from login to logout, kept alive as long as asked for.
 
 #include <chrono>
+#include <climits>
 #include <iostream>
 
 #include <CLI/CLI.hpp>
@@ -77,11 +78,13 @@ void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode) {
   auto upkeep = std::make_shared<Upkeep>();
   command
       ->add_option("-i,--interval", upkeep->interval,
-                   "Seconds between keep-alives, until Ctrl-C; 0 logs out at once")
-      ->check(CLI::Range(0, 86400))
-      ->capture_default_str();
+                   "Time between keep-alives, until Ctrl-C (at most 86400); 0 logs out at once")
+      ->check(CLI::Range(0, 86400).description(""))
+      ->capture_default_str()
+      ->type_name("SECONDS");
   command->add_option("-c,--count", upkeep->count, "Log out after this many keep-alives")
-      ->check(CLI::NonNegativeNumber);
+      ->check(CLI::Range(0, INT_MAX).description(""))
+      ->type_name("NUMBER");
   command->add_flag("--again", upkeep->again, "Log in again when the session is lost");
   command->callback([&line, &exitCode, upkeep] {
     line.Apply();

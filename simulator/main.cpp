@@ -17,6 +17,7 @@
 #include <simulator/Control.h>
 #include <simulator/Credentials.h>
 #include <simulator/Naming.h>
+#include <simulator/Options.h>
 #include <simulator/Orb.h>
 #include <simulator/Server.h>
 #include <simulator/World.h>
@@ -26,19 +27,6 @@
 namespace {
 
 using namespace vq::sim;
-
-// Exit statuses. 86 (kDiedOnDemand) is what a fault ends with.
-enum Status { kDone = 0, kBadUse = 2, kNoNaming = 3, kNoOrb = 4, kNoFile = 5 };
-
-struct Arguments {
-  std::string site;
-  std::string server = "vqserver";
-  std::vector<std::string> kinds;
-  std::string log;
-  std::string readyFile;
-  std::string control;
-  OrbOptions orb;
-};
 
 // The ORB's own arguments, which are no options of this program.
 std::vector<std::string> TakeOrbArguments(std::vector<std::string>& arguments) {
@@ -142,29 +130,11 @@ int main(int argc, char** argv) {
   arguments.orb.rest = TakeOrbArguments(texts);
   std::reverse(texts.begin(), texts.end());  // as CLI11 takes them
 
-  CLI::App app("A server of the suite, from one JSON file, for trying and testing clients.",
-               "vq_simulator");
-  app.set_version_flag("--version", VQ_VERSION);
-  app.add_option("--site", arguments.site, "what the server is like (JSON)")->required();
-  app.add_option(
-      "--naming", arguments.orb.naming,
-      "reference of the naming service, such as corbaloc::HOST:PORT/NameService; without "
-      "it the server registers nowhere");
-  app.add_option("--server", arguments.server, "the server's name in the naming service")
-      ->capture_default_str();
-  app.add_option("--kind", arguments.kinds, "a server kind to serve; may be repeated (GSR)");
-  app.add_option("--endpoint", arguments.orb.endpoint, "where to listen: iiop://[HOST][:PORT]")
-      ->capture_default_str();
-  app.add_flag("!--no-bidir", arguments.orb.bidirectional,
-               "do not accept calls back over a client's own connection");
-  app.add_option("--log", arguments.log, "file for what was asked and answered (JSON lines)");
-  app.add_option("--ready-file", arguments.readyFile,
-                 "file to write when serving: process, port, references");
-  app.add_option("--control", arguments.control, "UNIX socket that takes commands");
+  const std::unique_ptr<CLI::App> program = MakeProgram(arguments);
   try {
-    app.parse(texts);
+    program->parse(texts);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kDone : kBadUse;
+    return program->exit(error) == 0 ? kDone : kBadUse;
   }
   if (arguments.kinds.empty()) arguments.kinds = {"GSR"};
 

@@ -1,0 +1,47 @@
+#include <simulator/Options.h>
+
+namespace vq::sim {
+
+std::unique_ptr<CLI::App> MakeProgram(Arguments& arguments) {
+  auto program = std::make_unique<CLI::App>(
+      "A server of the suite, from one JSON file, for trying and testing clients", "vq_simulator");
+  program->set_version_flag("--version", VQ_VERSION);
+  program->add_option("--site", arguments.site, "What the server is like (JSON)")
+      ->required()
+      ->type_name("FILE");
+  program
+      ->add_option("--naming", arguments.orb.naming,
+                   "The naming service, such as corbaloc::HOST:PORT/NameService; without it the "
+                   "server registers nowhere")
+      ->type_name("REFERENCE");
+  program->add_option("--server", arguments.server, "The server's name in the naming service")
+      ->capture_default_str()
+      ->type_name("NAME");
+  program
+      ->add_option("--kind", arguments.kinds,
+                   "A server kind to serve; may be repeated. Without it GSR")
+      ->type_name("GSR|GAS|QIMS|Forecast|CMS|SLS");
+  program
+      ->add_option("--endpoint", arguments.orb.endpoint,
+                   "Where to listen: iiop://[HOST][:PORT]. Without it a free port of this machine "
+                   "alone")
+      ->type_name("ENDPOINT");
+  program->add_flag("!--no-bidir", arguments.orb.bidirectional,
+                    "Do not accept calls back over a client's own connection");
+  program->add_option("--log", arguments.log, "File for what was asked and answered (JSON lines)")
+      ->type_name("FILE");
+  program
+      ->add_option("--ready-file", arguments.readyFile,
+                   "File to write when serving: process, port, references")
+      ->type_name("FILE");
+  program->add_option("--control", arguments.control, "UNIX socket that takes commands")
+      ->type_name("FILE");
+  program->footer(
+      "Exit codes: 0 stopped by SIGTERM or SIGINT, 2 usage or site file, 3 the naming service "
+      "does\n"
+      "not answer, 4 the ORB does not start, 5 a file cannot be opened, 86 died as a fault told "
+      "it.\n");
+  return program;
+}
+
+}  // namespace vq::sim
