@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <locale>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -112,6 +113,7 @@ bool ORBEndpoint::identifyFlag(const std::string& option) {
 
 std::string ORBEndpoint::toString() const {
   std::ostringstream text;
+  text.imbue(std::locale::classic());  // a client's own locale may put separators into numbers
   text << kProtocol << m_hostname;
   if (m_portOptions.port != 0) text << ':' << m_portOptions.port;
   char separator = '/';

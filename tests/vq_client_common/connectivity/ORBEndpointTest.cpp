@@ -1,5 +1,6 @@
 #include <vq_client_common/connectivity/ORBEndpoint.h>
 
+#include <locale>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -124,6 +125,15 @@ TEST_F(ORBEndpointTest, ChangesThePublishedHost) {
   endpoint.setHostname("kept");
   endpoint.setHostInIOR("", false);
   EXPECT_EQ(endpoint.toString(), "iiop://kept:5000/reuse_addr=0");
+}
+
+TEST_F(ORBEndpointTest, WritesPortsWithoutTheSeparatorsOfALocale) {
+  struct Grouping : std::numpunct<char> {
+    std::string do_grouping() const override { return "\3"; }
+  };
+  const std::locale before = std::locale::global(std::locale(std::locale(), new Grouping));
+  EXPECT_EQ(ORBEndpoint("iiop://h:5000").toString(), "iiop://h:5000/reuse_addr=0");
+  std::locale::global(before);
 }
 
 TEST_F(ORBEndpointTest, TheDefaultEndpointReusesAddressesAndNamesNothing) {
