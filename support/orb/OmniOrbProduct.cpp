@@ -19,6 +19,7 @@
 #include <omniORB4/minorCode.h>
 #include <omniORB4/omniORB.h>
 #include <omniORB4/omniPolicy.h>
+#include <omniORB4/omniURI.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/OmniOrbGuest.h>
@@ -198,9 +199,8 @@ bool IsMessageTooLarge(const CORBA::SystemException& exception) {
 }
 
 std::string StringifyReference(CORBA::Object_ptr object) {
-  int count = 0;
-  CORBA::ORB_var orb = CORBA::ORB_init(count, nullptr);  // the one that is running
-  CORBA::String_var text = orb->object_to_string(object);
+  // ORB_init would start an ORB where there is none, and the session's would find its options set.
+  CORBA::String_var text = omni::omniURI::objectToString(object);
   return text.in();
 }
 

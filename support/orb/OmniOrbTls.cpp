@@ -10,7 +10,6 @@
 
 #include <omniORB4/omniInterceptors.h>
 #include <omniORB4/omniORB.h>
-#include <omniORB4/omniURI.h>
 #include <omniORB4/sslContext.h>
 
 #include <support/diagnostics/TDiag.h>

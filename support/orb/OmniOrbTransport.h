@@ -5,9 +5,9 @@
 // list, the last one ends it. Its listener is counted in the same way: it opens with the first POA
 // and closes with the last, so that a trial in a process that does not listen leaves no open port.
 //
-//   CORBA::ORB_ptr orb = OmniOrbTransport::Instance().Acquire(settings, arguments);
+//   CORBA::ORB_ptr orb = OmniOrbTransport::Instance().Acquire(this, settings, arguments);
 //   ...
-//   OmniOrbTransport::Instance().Release(orbUser, true);
+//   OmniOrbTransport::Instance().Release(this, true);
 #ifndef VQ_SUPPORT_ORB_OMNIORBTRANSPORT_H
 #define VQ_SUPPORT_ORB_OMNIORBTRANSPORT_H
 
@@ -30,7 +30,7 @@ class OmniOrbTransport {
   // From here on until the user's Release, or until the next user comes, references that are made
   // offer bidirectional use of their connections or not, as these settings say. References made
   // before keep their own connections. `user` tells the users apart. Raises CORBA::SystemException
-  // and std::invalid_argument.
+  // and std::invalid_argument. The result is borrowed.
   CORBA::ORB_ptr Acquire(const void* user, const OrbSettings& settings,
                          const std::vector<std::string>& arguments);
 

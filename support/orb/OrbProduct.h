@@ -58,7 +58,8 @@ std::string MinorCodeName(const CORBA::SystemException& exception);
 // -ORBMaxMessageSize allows.
 bool IsMessageTooLarge(const CORBA::SystemException& exception);
 
-// The reference as "IOR:..." text. The reference is neither null nor nil.
+// The reference as "IOR:..." text. The reference is neither null nor nil. Raises
+// CORBA::BAD_INV_ORDER when the ORB that it belongs to has ended.
 std::string StringifyReference(CORBA::Object_ptr object);
 
 std::string_view ProductName();

@@ -213,5 +213,5 @@ PortableServer::POA_ptr QCSOrbCommon::GetChildPoa() {
 
 const std::vector<vq::orb::ResolvedSetting>& QCSOrbCommon::GetSettings() const {
   static const std::vector<vq::orb::ResolvedSetting> kNone;
-  return m_settings != nullptr ? m_settings->table : kNone;
+  return IsInitialized() ? m_settings->table : kNone;
 }
