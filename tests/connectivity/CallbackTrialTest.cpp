@@ -103,6 +103,11 @@ TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWo
   ASSERT_EQ(Login(), 1);
   EXPECT_FALSE(Try(false, kNowhere));
   EXPECT_TRUE(Try(false, "127.0.0.1"));
+
+  // Settings that nobody can save go unnoticed: the trial goes by those in force.
+  m_environment.Set("VQ_CONFIG_DOMAINS", "/proc/no-such-directory");
+  EXPECT_TRUE(Try(false, kNowhere));
+  EXPECT_TRUE(m_log.Has(1, "The settings of the trial cannot be saved: ")) << m_log.Text();
 }
 
 TEST_F(CallbackTrialTest, ACallbackThatCannotWorkIsReportedWithinItsTime) {
@@ -160,10 +165,12 @@ TEST_F(CallbackTrialTest, ThePublishedHostMayDifferFromTheOneListenedOn) {
   ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1);
   std::string host;
   std::string port;
+  CORBA::Object_var kept;
   {
     const ServantPtr<TestCallbackI> servant(new TestCallbackI(ORBCommon<1>::Get()->GetChildPoa()));
     EXPECT_TRUE(TroubleshootConnection::GetNetworkInterface4Server(servant->GetReference(), host,
                                                                    port, E_GSR));
+    kept = CORBA::Object::_duplicate(servant->GetReference());
   }
   EXPECT_EQ(host, "localhost");
   EXPECT_TRUE(ProcessTraces::Now().ports.contains(std::stoi(port))) << port;
@@ -171,6 +178,12 @@ TEST_F(CallbackTrialTest, ThePublishedHostMayDifferFromTheOneListenedOn) {
   std::string error;
   EXPECT_TRUE(TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, m_roundTrip, 1000))
       << error;
+
+  // A reference that outlives its ORB leads nowhere, and asking starts no other ORB.
+  GL_LogOut(true);
+  EXPECT_FALSE(TroubleshootConnection::GetNetworkInterface4Server(kept.in(), host, port, E_GSR));
+  EXPECT_TRUE(m_log.Has(1, "Invalid stub"));
+  EXPECT_EQ(Login(), 1) << m_log.Text();
 }
 
 }  // namespace

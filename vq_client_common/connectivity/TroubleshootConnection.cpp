@@ -75,12 +75,12 @@ std::string SendFailure(const CORBA::SystemException& exception) {
   return text;
 }
 
-bool TryCallback(QCSOrbCommon& orb, std::string& error, long& roundTripMs, long timeout) {
-  const TDiagFunc diag(diagModule, "TroubleshootConnection::TestCallback");
+bool TryCallback(const TDiagFunc& diag, QCSOrbCommon& orb, std::string& error, long& roundTripMs,
+                 long timeout) {
   const std::string server = ConnectionSettings::Get()->GetServerName();
-  CORBA::Object_var object = orb.Bind(server, "GSR", "UsersManager", false);
+  CORBA::Object_var object = orb.Bind(server, "GSR", "UsersManager", true);
   QCSCorbaUsersManager_var users = QCSCorbaUsersManager::_narrow(object.in());
-  object = orb.Bind(server, "GSR", "CallbackRepository", false);
+  object = orb.Bind(server, "GSR", "CallbackRepository", true);
   CrbCallbackRepository_var repository = CrbCallbackRepository::_narrow(object.in());
   if (CORBA::is_nil(users.in()) || CORBA::is_nil(repository.in())) {
     throw CORBA::INV_OBJREF(0, CORBA::COMPLETED_NO);
@@ -206,7 +206,6 @@ bool TroubleshootConnection::ORBInitAndTestCallback(bool biDir, const std::strin
   const std::unique_ptr<ConfigAPI> domain = LoadDomain(diag);
   if (domain == nullptr) return false;
   const vq::connectivity::TrialScope scope(*domain, biDir, address, isMask);
-  if (!scope.IsSaved()) return false;
   const vq::connectivity::TrialOrb orb(scope.Name());
   if (!orb.IsUp()) return false;
   std::string error;
@@ -220,7 +219,7 @@ bool TroubleshootConnection::TestCallback(QCSOrbCommon* orb, std::string& error,
   const TDiagFunc diag(diagModule, "TroubleshootConnection::TestCallback");
   try {
     if (orb == nullptr) throw CORBA::BAD_PARAM(0, CORBA::COMPLETED_NO);
-    return TryCallback(*orb, error, roundTripMs, timeout);
+    return TryCallback(diag, *orb, error, roundTripMs, timeout);
   } catch (const CORBA::SystemException& e) {
     VQ_LOG(diag, 1) << "Failed with CORBA exception: " << e;
     error = SendFailure(e);

@@ -25,14 +25,13 @@ TrialScope::TrialScope(ConfigAPI& domain, bool biDir, const std::string& address
   const TDiagFunc diag(diagModule, "TrialScope::TrialScope");
   std::map<std::string, std::string> inForce;
   m_domain.GetScopeAndDefaultVars(m_name, inForce);
-  for (const auto& [name, value] : inForce) {
-    VQ_LOG(diag, 5) << "The trial inherits " << name << " = '" << value << "'";
-  }
+  // Names alone: a domain may hold variables of others, and secrets among them.
+  for (const auto& [name, value] : inForce) VQ_LOG(diag, 5) << "The trial inherits " << name;
   m_domain.SetVar(m_name, kBiDirPolicy, biDir ? "1" : "0");
   m_domain.SetVar(m_name, kListenEndpoints, TrialEndpoint(address, isMask));
   if (isMask) m_domain.SetVar(m_name, kPreferIPMask, address);
-  m_saved = m_domain.Save();
-  if (!m_saved) {
+  // A failure is meant to go unnoticed by the caller: the trial goes on with the settings in force.
+  if (!m_domain.Save()) {
     VQ_LOG(diag, 1) << "The settings of the trial cannot be saved: " << m_domain.Error();
   }
 }
@@ -40,8 +39,8 @@ TrialScope::TrialScope(ConfigAPI& domain, bool biDir, const std::string& address
 TrialScope::~TrialScope() {
   m_domain.RemoveScope(m_name);
   if (!m_domain.Save()) {
-    VQ_LOG(diagModule, 1) << "The scope " << m_name << " of the trial stays in the configuration "
-                          << "domain: " << m_domain.Error();
+    VQ_LOG(diagModule, 1) << "The configuration domain without the trial's scope " << m_name
+                          << " cannot be saved: " << m_domain.Error();
   }
 }
 

@@ -2,7 +2,6 @@
 // configuration domain, and a private ORB that reads it.
 //
 //   const TrialScope scope(domain, biDir, address, isMask);
-//   if (!scope.IsSaved()) return false;
 //   const TrialOrb orb(scope.Name());
 //   if (orb.IsUp()) ...  orb.Get() ...
 #ifndef VQ_CLIENT_COMMON_CONNECTIVITY_INTERNAL_DOMAINTRIAL_H
@@ -32,13 +31,11 @@ class TrialScope {
   TrialScope(const TrialScope&) = delete;
   TrialScope& operator=(const TrialScope&) = delete;
 
-  bool IsSaved() const { return m_saved; }  // without it an ORB would try other settings
   const std::string& Name() const { return m_name; }
 
  private:
   ConfigAPI& m_domain;
   const std::string m_name;
-  bool m_saved;
 };
 
 // ORB number 2, from its start until the object goes.
