@@ -25,16 +25,6 @@ constexpr std::int64_t kFarthestStep = 10LL * 366 * 86'400'000;
   throw std::runtime_error(what + ": " + std::generic_category().message(errno));
 }
 
-bool WriteAll(int file, const std::string& text) {
-  for (std::size_t done = 0; done < text.size();) {
-    const ssize_t sent = send(file, text.data() + done, text.size() - done, MSG_NOSIGNAL);
-    if (sent < 0 && errno == EINTR) continue;
-    if (sent <= 0) return false;
-    done += static_cast<std::size_t>(sent);
-  }
-  return true;
-}
-
 }  // namespace
 
 Control::Control(World& world, std::filesystem::path site)
@@ -76,16 +66,28 @@ void Control::Stop() {
   }
 }
 
-bool Control::WaitFor(int file) const {
-  pollfd files[2] = {{file, POLLIN, 0}, {m_stop[0], POLLIN, 0}};
+bool Control::WaitFor(int file, short event) const {
+  pollfd files[2] = {{file, event, 0}, {m_stop[0], POLLIN, 0}};
   while (poll(files, 2, -1) < 0) {
     if (errno != EINTR) return false;
   }
   return files[1].revents == 0;
 }
 
+bool Control::Send(int connection, const std::string& text) const {
+  for (std::size_t done = 0; done < text.size();) {
+    if (!WaitFor(connection, POLLOUT)) return false;
+    const ssize_t sent =
+        send(connection, text.data() + done, text.size() - done, MSG_NOSIGNAL | MSG_DONTWAIT);
+    if (sent < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+    if (sent <= 0) return false;
+    done += static_cast<std::size_t>(sent);
+  }
+  return true;
+}
+
 void Control::Serve() {
-  while (WaitFor(m_listener)) {
+  while (WaitFor(m_listener, POLLIN)) {
     const int connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
     if (connection < 0) continue;
     ServeConnection(connection);
@@ -96,7 +98,7 @@ void Control::Serve() {
 void Control::ServeConnection(int connection) {
   std::string received;
   char buffer[4096];
-  while (WaitFor(connection)) {
+  while (WaitFor(connection, POLLIN)) {
     const ssize_t size = read(connection, buffer, sizeof(buffer));
     if (size < 0 && errno == EINTR) continue;
     if (size <= 0 || received.size() > kLongestLine) return;
@@ -107,7 +109,7 @@ void Control::ServeConnection(int connection) {
          end = received.find('\n', start)) {
       const std::string answer = Execute(received.substr(start, end - start));
       start = end + 1;
-      if (!WriteAll(connection, answer + "\n")) return;
+      if (!Send(connection, answer + "\n")) return;
     }
     received.erase(0, start);
   }
@@ -148,8 +150,7 @@ ordered_json Control::Run(const json& command) {
   if (name == "patch") {
     m_world.Patch(command.at("site"));
   } else if (name == "faults") {
-    m_world.Patch({{"faults", nullptr}});  // the same faults set again count anew
-    m_world.Patch({{"faults", command.at("faults")}});
+    m_world.SetFaults(command.at("faults"));
   } else if (name == "reload") {
     m_world.Load(ParseSiteFile(m_site), m_site.string());
   } else if (name == "advance") {

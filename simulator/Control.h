@@ -40,8 +40,10 @@ class Control {
   nlohmann::ordered_json State();
   void Serve();
   void ServeConnection(int connection);
-  // Waits until the file can be read. False when the channel stops.
-  [[nodiscard]] bool WaitFor(int file) const;
+  // Waits until the file can be read (POLLIN) or written (POLLOUT). False when the channel stops.
+  [[nodiscard]] bool WaitFor(int file, short event) const;
+  // False when the client is gone, or the channel stops before the client has taken all of it.
+  [[nodiscard]] bool Send(int connection, const std::string& text) const;
 
   World& m_world;
   std::filesystem::path m_site;

@@ -1,7 +1,7 @@
 // What a simulated server is like: its users, parameters, rules and the faults it is told to have.
 //
 // A site is one JSON file (site.json beside this file is a sample, docs/simulator.md the
-// reference). Nothing in it is unchecked: an unknown key, a value of the wrong type, a name that
+// reference). Its form is checked: an unknown key, a value of the wrong type, a name that
 // does not exist are errors that tell their place, so that a test never runs against a site that it
 // did not mean.
 //

@@ -11,6 +11,15 @@ namespace {
 
 using nlohmann::json;
 
+// The operations of the interfaces that are served, as idl/ has them.
+constexpr std::string_view kOperations[] = {
+#include <simulator/OperationNames.inc>
+};
+
+bool IsOperation(std::string_view name) {
+  return std::find(std::begin(kOperations), std::end(kOperations), name) != std::end(kOperations);
+}
+
 Grant ReadGrant(const Value& value, bool service) {
   Grant grant;
   Fields fields = {
@@ -113,7 +122,13 @@ Fault ReadFault(const Value& value) {
   constexpr std::uint64_t kMost = 1'000'000'000;
   bool once = false;
   ReadObject(value,
-             {{"operation", Into(fault.operation)},
+             {{"operation",
+               [&](const Value& v) {
+                 fault.operation = Text(v);
+                 if (fault.operation != "*" && !IsOperation(fault.operation)) {
+                   v.Fail("'" + fault.operation + "' is no operation of the server's, and not *");
+                 }
+               }},
               {"kind", Into(fault.kind)},
               {"nth",
                [&](const Value& v) {

@@ -115,9 +115,14 @@ json ParseSite(const std::string& text, const std::string& name) {
 }
 
 json ParseSiteFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file.is_open() || file.bad()) throw SiteError(path.string() + ": cannot be read");
+  std::string text;
+  try {
+    std::ifstream file(path, std::ios::binary);
+    if (!file.is_open()) throw SiteError(path.string() + ": cannot be opened");
+    text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  } catch (const std::ios_base::failure&) {  // a directory opens, and does not read
+    throw SiteError(path.string() + ": cannot be read");
+  }
   return ParseSite(text, path.string());
 }
 

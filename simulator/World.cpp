@@ -33,6 +33,14 @@ void World::Patch(const nlohmann::json& patch) {
   LoadLocked(document, "patch");
 }
 
+void World::SetFaults(const nlohmann::json& list) {
+  const std::lock_guard loading(m_loading);
+  nlohmann::json document = m_document;
+  document["faults"] = list;
+  LoadLocked(document, "command");
+  faults.Set(GetSite()->faults);
+}
+
 std::shared_ptr<const Site> World::GetSite() {
   const std::lock_guard lock(m_mutex);
   return m_site;

@@ -27,6 +27,8 @@ class World {
   void Load(const nlohmann::json& document, const std::string& name);
   // Load of the present site with a JSON merge patch over it: a member that is null is taken away.
   void Patch(const nlohmann::json& patch);
+  // Puts other faults into the present site. All count anew, also where they are the same.
+  void SetFaults(const nlohmann::json& list);
   // The site in force; it stays valid for its holder.
   [[nodiscard]] std::shared_ptr<const Site> GetSite();
   // Forgets sessions, challenges, failed tries, changed passwords and counts. The site stays.

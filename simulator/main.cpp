@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -137,6 +138,10 @@ int main(int argc, char** argv) {
     return program->exit(error) == 0 ? kDone : kBadUse;
   }
   if (arguments.kinds.empty()) arguments.kinds = {"GSR"};
+  if (std::set(arguments.kinds.begin(), arguments.kinds.end()).size() < arguments.kinds.size()) {
+    std::cerr << "vq_simulator: a --kind is given twice\n";
+    return kBadUse;
+  }
 
   // Every thread has these blocked; the main thread waits for them.
   sigset_t signals;

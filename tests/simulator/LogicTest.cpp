@@ -127,16 +127,16 @@ TEST_F(Logic, ASessionEndsUnlessItIsKeptAlive) {
 
 TEST_F(Logic, AFaultHitsTheCallsThatItIsSetFor) {
   world.Patch(nlohmann::json::parse(R"({"faults": [
-      {"operation": "A", "nth": 2, "times": 2, "action": "drop"},
+      {"operation": "CRB_Register", "nth": 2, "times": 2, "action": "drop"},
       {"operation": "*", "kind": "GAS", "action": "die"}]})"));
   const auto hits = [&](const char* operation, const char* kind) {
     return world.faults.Hit(operation, kind).size();
   };
-  EXPECT_EQ(hits("A", "GSR"), 0U);
+  EXPECT_EQ(hits("CRB_Register", "GSR"), 0U);
   EXPECT_EQ(hits("B", "GSR"), 0U);
-  EXPECT_EQ(hits("A", "GSR"), 1U);
-  EXPECT_EQ(hits("A", "GAS"), 2U);
-  EXPECT_EQ(hits("A", "GSR"), 0U);
+  EXPECT_EQ(hits("CRB_Register", "GSR"), 1U);
+  EXPECT_EQ(hits("CRB_Register", "GAS"), 2U);
+  EXPECT_EQ(hits("CRB_Register", "GSR"), 0U);
   EXPECT_EQ(hits("B", "GAS"), 1U);
 }
 

@@ -1,13 +1,17 @@
 // The site reader: what it refuses, and what it makes of a site that it takes.
 
-#include <fstream>
-#include <iterator>
 #include <string>
+
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 #include <simulator/Control.h>
 #include <simulator/Site.h>
 #include <simulator/World.h>
+#include <tests/fixture/TemporaryDirectory.h>
 #include <nlohmann/json.hpp>
 
 namespace vq::sim {
@@ -52,6 +56,8 @@ TEST(Site, RefusesWhatItDoesNotMeanAndTellsThePlace) {
       {R"({"users": {"ann": {"grants": {"tables": [{"actions": []}]}}}})",
        "s: /users/ann/grants/tables/0/actions: unknown key"},
       {R"({"faults": [{"action": "drop"}]})", "s: /faults/0: needs an operation"},
+      {R"({"faults": [{"operation": "CRB_Regster"}]})",
+       "s: /faults/0/operation: 'CRB_Regster' is no operation"},
       {R"({"faults": [{"operation": "*"}]})", "s: /faults/0: needs an action"},
       {R"({"faults": [{"operation": "*", "action": "raise"}]})",
        "s: /faults/0: needs an exception"},
@@ -63,6 +69,8 @@ TEST(Site, RefusesWhatItDoesNotMeanAndTellsThePlace) {
   for (const auto& [text, error] : cases) {
     EXPECT_EQ(ErrorOf(text).rfind(error, 0), 0U) << text << "\n" << ErrorOf(text);
   }
+  EXPECT_THROW(ParseSiteFile("/"), SiteError);
+  EXPECT_THROW(ParseSiteFile("/no/such"), SiteError);
   EXPECT_EQ(ErrorOf(std::string(100'000, '[') + std::string(100'000, ']'))
                 .rfind("s: nested too deeply", 0),
             0U);
@@ -112,18 +120,42 @@ TEST(Control, CommandsTakeEffectOrSayWhyNot) {
 
   // The same faults set twice count calls anew.
   const std::string faults =
-      R"({"command":"faults","faults":[{"operation":"A","nth":2,"action":"refuse"}]})";
+      R"({"command":"faults","faults":[{"operation":"CRB_PinItemInCategory","nth":2,)"
+      R"("action":"refuse"}]})";
+  const auto hits = [&] { return world.faults.Hit("CRB_PinItemInCategory", "GSR").size(); };
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(control.Execute(faults), R"({"ok":true})");
-    EXPECT_EQ(world.faults.Hit("A", "GSR").size(), 0U);
-    EXPECT_EQ(world.faults.Hit("A", "GSR").size(), 1U);
-    EXPECT_EQ(world.faults.Hit("A", "GSR").size(), 0U);
+    EXPECT_EQ(hits(), 0U);
+    EXPECT_EQ(hits(), 1U);
+    EXPECT_EQ(hits(), 0U);
   }
+  EXPECT_EQ(control.Execute(faults), R"({"ok":true})");
   for (const char* line : {"", "[]", "{}", R"({"command":7})", R"({"command":"x"})",
                            R"({"command":"advance","ms":-1})", R"({"command":"patch","site":[]})",
                            R"({"command":"faults","faults":"all"})"}) {
     EXPECT_EQ(control.Execute(line).rfind(R"({"ok":false,"error":")", 0), 0U) << line;
   }
+  hits();
+  EXPECT_EQ(hits(), 1U);  // Faults that cannot be used leave those that are there.
+}
+
+// A client that asks and never takes its answers does not keep the channel from ending.
+TEST(Control, StopsWhileAClientDoesNotRead) {
+  World world;
+  const vq::test::TemporaryDirectory directory;
+  sockaddr_un address{AF_UNIX, {}};
+  (directory / "control").copy(address.sun_path, sizeof(address.sun_path) - 1);
+  Control control(world, VQ_SAMPLE_SITE);
+  control.Start(address.sun_path);
+  const int client = socket(AF_UNIX, SOCK_STREAM, 0);
+  ASSERT_EQ(connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+  timeval patience{0, 200'000};
+  setsockopt(client, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof(patience));
+  const std::string line = "{\"command\":\"ping\"}\n";
+  while (send(client, line.data(), line.size(), MSG_NOSIGNAL) > 0) {
+  }
+  control.Stop();
+  close(client);
 }
 
 }  // namespace
