@@ -1,6 +1,7 @@
 #include <simulator/AuthorizationServant.h>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -10,7 +11,8 @@
 namespace vq::sim {
 namespace {
 
-constexpr CORBA::ULong kMostNames = 10'000;
+constexpr std::size_t kMostNames = 10'000;
+constexpr std::size_t kLongestQueries = 256U << 20U;  // bytes in one answer; the ORB sends no more
 
 // The kind of grant for a kind of resource; nothing for one that the simulator has no grants of.
 const std::vector<Grant>* GrantsFor(const User& user, QCSResTypeEnum kind) {
@@ -204,6 +206,11 @@ CORBA::Long AuthorizationServant::Queries(Call& call, const stringSeq& names,
     const CORBA::String_var control = query(GrantKind::ControlRes);
     const CORBA::String_var quantitative = query(GrantKind::QuantRes);
     const CORBA::String_var conditions = query(GrantKind::PrereqConds);
+    std::size_t each = 0;
+    for (const auto* text : {&jobs, &control, &quantitative, &conditions}) {
+      each += std::string_view(text->in()).size();
+    }
+    if (each * names.length() > kLongestQueries) throw CORBA::IMP_LIMIT();
     actives->length(names.length());
     for (CORBA::ULong i = 0; i < names.length(); ++i) {
       actives[i].m_VltName = names[i];

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <support/selection/QCSSelectionDef.h>
+
 namespace vq::sim {
 namespace {
 
@@ -30,6 +32,13 @@ CORBA::ULong Size(std::size_t size) {
 
 const std::vector<Grant>& OwnGrants(const User& user, GrantKind kind) {
   return user.rights.grants[static_cast<std::size_t>(kind)];
+}
+
+// Whether it is a selection of the selection language that fits something.
+bool IsSelection(const std::string& criteria) {
+  QCSSelectionDef selection;
+  SelectionParseError ignored;
+  return selection.Parse(criteria, ignored) && !selection.Terms().empty();
 }
 
 }  // namespace
@@ -89,8 +98,8 @@ std::string MakeQuery(const Site& site, const User& user, GrantKind kind) {
   const std::vector<Grant> grants = own.empty() ? site.GroupGrants(user, kind) : own;
   std::string query;
   for (const Grant& grant : grants) {
-    if (grant.level < BROWSE_ACCESS) continue;
-    query += (query.empty() ? "(" : " OR (") + grant.criteria + ")";
+    if (grant.level < BROWSE_ACCESS || !IsSelection(grant.criteria)) continue;
+    query += (query.empty() ? "" : " OR ") + grant.criteria;
   }
   return query;
 }

@@ -20,9 +20,9 @@ stringSeq ToWire(const std::vector<std::string>& texts);
 // and the spare ones.
 QCSCorbaAuthorizationStruct MakeSnapshot(const Site& site, const User& user);
 
-// The criteria of all grants of a kind that let the user browse at least, each in parentheses and
-// joined by " OR ": the user's own grants, or the groups' where the user has none. Empty without
-// any.
+// The criteria of all grants of a kind that let the user browse at least, joined by " OR ": the
+// user's own grants, or the groups' where the user has none. A selection always (AND binds closer
+// than OR): criteria that are none grant nothing and are left out. Empty without any.
 std::string MakeQuery(const Site& site, const User& user, GrantKind kind);
 
 }  // namespace vq::sim

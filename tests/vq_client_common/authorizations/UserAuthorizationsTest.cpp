@@ -279,10 +279,10 @@ TEST_F(UserAuthorizationsTest, QueriesComeFromTheServerAndFailSafely) {
   };
   ASSERT_EQ(ask(*UA::Get(), userId), 1);
   QCSCorbaUserActiveQueriesSeq_var owned = active;
-  EXPECT_STREQ(definition->m_DefCalendarQuery, "(NAME LIKE 'A*')");
+  EXPECT_STREQ(definition->m_DefCalendarQuery, "NAME LIKE 'A*'");
   ASSERT_EQ(owned->length(), 2U);
   EXPECT_STREQ(owned[1U].m_VltName, "TEST");
-  EXPECT_STREQ(owned[1U].m_ActiveJobQuery, "(OWNER = 'ops')");
+  EXPECT_STREQ(owned[1U].m_ActiveJobQuery, "OWNER = 'ops'");
   EXPECT_EQ(m_server->LastCall("CRB_GetUserAuthQueriesEx")["arguments"].dump(),
             R"({"flag1":true,"flag2":false,"names":["PROD","TEST"],"text":"text","userId":")" +
                 userId + "\"}");
