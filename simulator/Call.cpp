@@ -6,6 +6,19 @@
 #include <simulator/Raise.h>
 
 namespace vq::sim {
+namespace {
+
+nlohmann::ordered_json Shortened(nlohmann::ordered_json value) {
+  if (!value.is_string()) return value;
+  auto& text = value.get_ref<std::string&>();
+  const std::size_t size = text.size();
+  if (size <= kLongestLogged) return value;
+  text.resize(kLongestLogged);
+  text += "... (" + std::to_string(size) + " bytes)";
+  return value;
+}
+
+}  // namespace
 
 Call::Call(World& world, const std::string& kind, std::string_view object, const char* operation)
     : m_world(world), m_kind(kind), m_operation(operation) {
@@ -13,7 +26,7 @@ Call::Call(World& world, const std::string& kind, std::string_view object, const
 }
 
 Call& Call::Argument(const char* name, nlohmann::ordered_json value) {
-  m_arguments[name] = std::move(value);
+  m_arguments[name] = Shortened(std::move(value));
   return *this;
 }
 

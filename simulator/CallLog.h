@@ -17,6 +17,9 @@
 
 namespace vq::sim {
 
+// So much of what a client sends gets into a line, since that may be hundreds of megabytes.
+inline constexpr std::size_t kLongestLogged = 65'536;
+
 class CallLog {
  public:
   CallLog() = default;

@@ -17,6 +17,10 @@ constexpr std::chrono::milliseconds kLongestTime{30'000};  // the server's end w
 
 CORBA::Long Callbacks::Add(const std::string& userId, CORBA::Object_ptr object) {
   const std::lock_guard lock(m_mutex);
+  if (m_entries.size() >= kMostCallbacks) {  // sessions that timed out took none of theirs along
+    std::erase_if(m_entries,
+                  [this](const auto& e) { return !m_world.sessions.UserOf(e.second.userId); });
+  }
   if (CORBA::is_nil(object) || m_entries.size() >= kMostCallbacks ||
       m_last == std::numeric_limits<CORBA::Long>::max()) {
     return 0;

@@ -3,6 +3,7 @@
 #define VQ_SIMULATOR_WIRE_H
 
 #include <string>
+#include <string_view>
 
 #include <simulator/World.h>
 #include <support/orb/Corba.h>
@@ -16,10 +17,19 @@ inline char* Dup(const std::string& text) {
   return CORBA::string_dup(text.c_str());
 }
 
-// A list of texts for the log.
+// A list of texts for the log; one that is too long ends in how many there are.
 inline nlohmann::ordered_json ToJson(const stringSeq& texts) {
   auto json = nlohmann::ordered_json::array();
-  for (CORBA::ULong i = 0; i < texts.length(); ++i) json.push_back(std::string(texts[i]));
+  std::size_t left = kLongestLogged;
+  for (CORBA::ULong i = 0; i < texts.length(); ++i) {
+    const std::string_view text = texts[i].in();
+    if (text.size() >= left) {
+      json.push_back("... (" + std::to_string(texts.length()) + " texts)");
+      break;
+    }
+    json.push_back(text);
+    left -= text.size() + 1;
+  }
   return json;
 }
 

@@ -147,6 +147,11 @@ TEST_F(Service, ParametersAndVersionsAreToldByTheSite) {
 }
 
 TEST_F(Service, TheSnapshotAndTheObjectSayWhatTheSiteGrants) {
+  Patch(R"({"users": {"ann": {"grants": {"quantRes": [
+      {"criteria": "(A = '1') OR B = '2'", "level": "BROWSE_ACCESS"},
+      {"criteria": "no selection", "level": "FULL_ACCESS"},
+      {"criteria": "C = '3'", "level": "ACCESS_NONE"}, {"criteria": "*", "level": "FULL_ACCESS"}
+      ]}}}})");
   const std::string id = LogIn("ann").userId;
   QCSCorbaAuthorization_var object;
   QCSCorbaAuthorizationStruct_var snapshot;
@@ -171,11 +176,12 @@ TEST_F(Service, TheSnapshotAndTheObjectSayWhatTheSiteGrants) {
   EXPECT_EQ(object->CRB_GetUserAuthQueriesEx("", names, true, false, definitions.out(),
                                              actives.out(), id.c_str()),
             1);
-  EXPECT_STREQ(definitions->m_DefTableQuery, "(TABLE LIKE 'PAY*')");
+  EXPECT_STREQ(definitions->m_DefTableQuery, "TABLE LIKE 'PAY*'");
   EXPECT_STREQ(definitions->m_DefGlobalCondsQuery, "");
   ASSERT_EQ(actives->length(), 1U);
   EXPECT_STREQ(actives[0U].m_VltName, "DC1");
-  EXPECT_STREQ(actives[0U].m_ActiveJobQuery, "(OWNER = 'batch')");
+  EXPECT_STREQ(actives[0U].m_ActiveJobQuery, "OWNER = 'batch'");
+  EXPECT_STREQ(actives[0U].m_ActiveQuantResQuery, "(A = '1') OR B = '2' OR *");
 
   // Another user's session may not ask, one that is over neither.
   EXPECT_THROW(object->CRB_IsJobLevelAuthExist(LogIn("soon").userId.c_str()), USER_NOT_AUTHORIZED);
@@ -272,7 +278,7 @@ TEST_F(Service, TheLogHoldsCallsAndAnswersAndNoSecret) {
   const std::string response = Response("ann-secret");
   Register("ann", response);
   Register("ann", "ann-secret");
-  EXPECT_EQ(users->CRB_ClientKeepAlive("\xFF\n\""), 0);
+  EXPECT_EQ(users->CRB_ClientKeepAlive(("\xFF\n\"" + std::string(1U << 20U, 'x')).c_str()), 0);
   const auto lines = Log();
   ASSERT_EQ(lines.size(), 8U);
   EXPECT_EQ(lines[2]["operation"], "CRB_Register");
@@ -291,6 +297,7 @@ TEST_F(Service, TheLogHoldsCallsAndAnswersAndNoSecret) {
     EXPECT_EQ(line.dump().find(response), std::string::npos);
     EXPECT_EQ(line.dump().find(Encode("ann-secret")), std::string::npos);
   }
+  EXPECT_LT(lines[6].dump().size(), kLongestLogged + 1000);
   EXPECT_EQ(world.log.Counts().at("CRB_Register"), 2U);
 }
 
