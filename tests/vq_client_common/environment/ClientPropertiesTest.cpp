@@ -65,7 +65,7 @@ TEST_F(ClientPropertiesTest, ThereIsOneUntilItIsReleased) {
 TEST_F(ClientPropertiesTest, Reads) {
   const std::pair<const char*, const char*> cases[] = {
       {"<any a='1'><!-- c --><K x='y'>v<i/>w</K>text<?p?></any>", "v"},
-      {"<P><K>first</K><K>second</K></P>", "first"},
+      {"<P>text<![CDATA[<K>]]>&lt;<K>first</K><K>second</K></P>", "first"},
       {"<P><k>v</k><i><K>v</K></i></P>", "-"},
       {"<P><K/></P>", ""},
       {"<P><K><i>v</i></K></P>", ""},

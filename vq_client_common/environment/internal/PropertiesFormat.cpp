@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
+#include <memory>
 #include <optional>
 
 #include <support/configuration/SafeFile.h>
@@ -29,41 +32,86 @@ constexpr std::array<Escape, 5> kEscapes{{
     {'>', "&gt;"},
 }};
 
-// Whether a character stands in the table, by its number.
-constexpr auto kIsEscaped = [] {
-  std::array<bool, 256> isEscaped{};
+// What is written for a character of a value. All of it has a fixed size, so that it is copied
+// without looking what it is, and what follows overwrites the rest.
+struct Written {
+  std::array<char, 7> text{};
+  std::uint8_t size = 1;
+};
+constexpr std::size_t kLongestWritten = 6;
+constexpr auto kWritten = [] {
+  std::array<Written, 256> written{};
+  for (std::size_t i = 0; i < written.size(); ++i) written[i].text[0] = static_cast<char>(i);
   for (const Escape& escape : kEscapes) {
-    isEscaped[static_cast<unsigned char>(escape.character)] = true;
+    Written& at = written[static_cast<unsigned char>(escape.character)];
+    std::ranges::copy(escape.written, at.text.begin());
+    at.size = static_cast<std::uint8_t>(escape.written.size());
   }
-  return isEscaped;
+  return written;
 }();
 
-void AppendEscaped(std::string& text, std::string_view value) {
-  std::size_t plainFrom = 0;
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    if (!kIsEscaped[static_cast<unsigned char>(value[i])]) continue;
-    text.append(value, plainFrom, i - plainFrom);
-    text.append(std::ranges::find(kEscapes, value[i], &Escape::character)->written);
-    plainFrom = i + 1;
+// Memory to write a line in, used again from line to line. It is not cleared, so that the room
+// which a long value does not need costs nothing.
+class Room {
+ public:
+  char* Of(std::size_t size) {
+    if (size > m_size) {
+      m_memory = std::make_unique_for_overwrite<char[]>(2 * size);
+      m_size = 2 * size;
+    }
+    return m_memory.get();
   }
-  text.append(value, plainFrom);
+
+ private:
+  std::unique_ptr<char[]> m_memory;
+  std::size_t m_size = 0;
+};
+
+// Each writes at `to` and returns the end. WriteEscaped needs room for kLongestWritten times the
+// value and for one Written more.
+char* WriteEscaped(char* to, std::string_view value) {
+  for (const char character : value) {
+    const Written& written = kWritten[static_cast<unsigned char>(character)];
+    std::memcpy(to, &written, sizeof written);
+    to += written.size;
+  }
+  return to;
+}
+char* Write(char* to, std::string_view text) {
+  return std::ranges::copy(text, to).out;
 }
 
-void AppendEntry(std::string& text, const std::string& key, const std::string& value) {
-  if (key.find("%s") == std::string::npos && value.find("%s") == std::string::npos) {
-    text.append("\t<").append(key).append(">");
-    AppendEscaped(text, value);
-    text.append("</").append(key).append(">\n");
+bool HoldsMark(std::string_view text) {
+  return text.find('%') != std::string_view::npos && text.find("%s") != std::string_view::npos;
+}
+
+void AppendEntry(std::string& text, const std::string& key, const std::string& value, Room& room) {
+  char* const line = room.Of(2 * key.size() + kLongestWritten * value.size() + 2 * sizeof(Written));
+  char* end = line;
+  if (!HoldsMark(key) && !HoldsMark(value)) {
+    end = Write(Write(Write(end, "\t<"), key), ">");
+    end = WriteEscaped(end, value);
+    end = Write(Write(Write(end, "</"), key), ">\n");
+    text.append(line, static_cast<std::size_t>(end - line));
     return;
   }
   // A text that holds the mark catches the next replacement, and a mark stays behind in the closing
   // tag. This is meant: other programs that write the file do the same.
-  std::string escaped;
-  AppendEscaped(escaped, value);
-  std::string line = "\t<%s>%s</%s>\n";
-  for (const std::string& by : {key, escaped, key}) ReplaceFirst(line, "%s", by);
-  text += line;
+  const std::string escaped(line, WriteEscaped(line, value));
+  std::string shaped = "\t<%s>%s</%s>\n";
+  for (const std::string& by : {key, escaped, key}) ReplaceFirst(shaped, "%s", by);
+  text += shaped;
 }
+
+// Leaves the text between the entries out of the document: it means nothing, and the line ends
+// there would be half of all nodes that the document is made of.
+class PropertiesParser final : public SafeXmlParser {
+ public:
+  void docCharacters(const XMLCh* characters, XMLSize_t length, bool isCdata) override {
+    if (fCurrentParent == getDocument()->getDocumentElement()) return;
+    SafeXmlParser::docCharacters(characters, length, isCdata);
+  }
+};
 
 void AddEntries(const xercesc::DOMDocument& document, PropertiesTable& table) {
   const xercesc::DOMElement* root = document.getDocumentElement();
@@ -83,28 +131,25 @@ void AddEntries(const xercesc::DOMDocument& document, PropertiesTable& table) {
 
 std::string LocalText(const char16_t* text) {
   if (text == nullptr) return {};
-  const std::u16string_view wide(text);
-  std::string result(wide.size(), '\0');
-  // Encodings of locales have ASCII in common, and converting it one by one saves the way through
-  // the converter, which costs more than parsing the element.
+  // Encodings of locales have ASCII in common, and copying it saves the way through the converter,
+  // which costs more than parsing the element.
   char16_t all = 0;
-  for (std::size_t i = 0; i < wide.size(); ++i) {
-    all = static_cast<char16_t>(all | wide[i]);
-    result[i] = static_cast<char>(wide[i]);
-  }
-  if (all < 0x80) return result;
+  const char16_t* end = text;
+  for (; *end != u'\0'; ++end) all = static_cast<char16_t>(all | *end);
+  if (all < 0x80) return {text, end};
   char* local = xercesc::XMLString::transcode(text);
-  result = local;
+  std::string result = local;
   xercesc::XMLString::release(&local);
   return result;
 }
 
 std::string PropertiesText(const PropertiesTable& table) {
-  constexpr std::size_t kUsualLine = 64;  // walking the table for the exact size costs more
+  constexpr std::size_t kUsualLine = 128;  // walking the table for the exact size costs more
   std::string text;
   text.reserve((table.size() + 1) * kUsualLine);
   text += "<Properties>\n";
-  for (const auto& [key, value] : table) AppendEntry(text, key, value);
+  Room room;
+  for (const auto& [key, value] : table) AppendEntry(text, key, value, room);
   text += "</Properties>";
   return text;
 }
@@ -120,7 +165,7 @@ bool ParseProperties(std::string_view content, const TDiagFunc& diag, Properties
   const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(content.data()),
                                           content.size(), u"CommonClientConf.xml");
   try {
-    SafeXmlParser parser;
+    PropertiesParser parser;
     parser.parse(source);
     if (parser.getErrorCount() != 0) {
       VQ_LOG(diag, 1) << "Args file parsing had errors";
