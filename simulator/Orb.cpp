@@ -54,6 +54,7 @@ void Print(const char* message) {
 
 CORBA::ORB_ptr StartOrb(const OrbOptions& options) {
   omniORB::setLogFunction(Print);
+  omniORB::traceTime = false;  // asked for in a way that is not safe with threads
   const Options product = ProductOptions(options);
   const std::unique_ptr<const char*[][2]> table(new const char*[product.size() + 1][2]);
   table[product.size()][0] = table[product.size()][1] = nullptr;

@@ -1,6 +1,7 @@
 #include <support/orb/OmniOrbTransport.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <string_view>
 
@@ -31,7 +32,14 @@ void LogLine(const char* text) {
   std::string_view line(text);
   if (line.find(kNoTls) != std::string_view::npos) return;
   while (!line.empty() && line.back() == '\n') line.remove_suffix(1);
-  if (!line.empty()) VQ_LOG(diagModule, omniORB::traceLevel > kTraceOff ? 6 : 2) << line;
+  const CORBA::ULong level = std::atomic_ref(omniORB::traceLevel).load(std::memory_order_relaxed);
+  if (!line.empty()) VQ_LOG(diagModule, level > kTraceOff ? 6 : 2) << line;
+}
+
+// omniORB's threads, those of an ORB that has ended too, read what it traces at any time.
+template <class Setting>
+void Trace(Setting& setting, Setting value) {
+  std::atomic_ref(setting).store(value, std::memory_order_relaxed);
 }
 
 }  // namespace
@@ -86,7 +94,9 @@ void OmniOrbTransport::OfferAsLastUser() const {
 CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
                                             const std::vector<std::string>& arguments) {
   omniORB::setLogFunction(LogLine);
-  omniORB::traceLevel = diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff;
+  Trace(omniORB::traceLevel, diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff);
+  // The log has the time itself, and omniORB asks for it in a way that is not safe with threads.
+  Trace(omniORB::traceTime, false);
 
   const std::vector<OmniOrbOption> options = OmniOrbOptions(settings);
   const std::unique_ptr<const char*[][2]> table(new const char*[options.size() + 1][2]);

@@ -1,6 +1,6 @@
 #include <support/configuration/ConfigDocument.h>
 
-#include <chrono>
+#include <ctime>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -58,9 +58,9 @@ TEST(ConfigDocument, AHostileDocumentIsRefusedAtOnceAndFetchesNothing) {
   const std::string before = "<domain><scope name='s'><var name='v'>1";
   const std::string after = "</var></scope></domain>";
   for (const std::string& text : vq::test::HostileXml("domain", before, after, watch)) {
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     EXPECT_FALSE(document.Parse(text, error)) << text.substr(0, 120);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_LT(std::clock() - start, 1 * CLOCKS_PER_SEC);
     EXPECT_FALSE(watch.Fetched()) << text.substr(0, 120);
   }
   const auto nested = [&](int depth) {
