@@ -6,7 +6,6 @@
 
 #include <string>
 
-
 // Thread contract: any thread, any time.
 class os_file_system {
  public:

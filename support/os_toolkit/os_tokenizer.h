@@ -12,7 +12,6 @@
 #include <string_view>
 #include <vector>
 
-
 // Thread contract: does not change after construction, so any number of threads may read one.
 class os_tokenizer {
  public:

@@ -17,11 +17,19 @@ DECORATION = re.compile(
 MAPPING_OPERATOR = re.compile(r"^operator(<<=|>>=)\((CORBA::Any|\w+&?, cdrStream)")
 
 
-def demangled_symbols(library):
-    output = subprocess.run(
-        ["nm", "-DC", "--defined-only", library], check=True, capture_output=True, text=True
-    ).stdout
-    return [line.split(" ", 2)[2] for line in output.splitlines()]
+def exported_symbols(library):
+    """Pairs of the symbol as it is linked and as it reads."""
+    def names(option):
+        lines = subprocess.run(["nm", option, "--defined-only", library], check=True,
+                               capture_output=True, text=True).stdout.splitlines()
+        return [line.split(" ", 2)[2] for line in lines]
+
+    return list(zip(names("-Dp"), names("-DCp")))
+
+
+def read_names(list_file):
+    lines = (line.strip() for line in list_file.read_text().splitlines())
+    return {line for line in lines if line and not line.startswith("#")}
 
 
 def wire_names(folder):
@@ -42,24 +50,29 @@ def entity(symbol):
     return name.split(" ")[-1]  # a template's symbol starts with its result type
 
 
+def promise_of(symbol, promised):
+    """The promised name that the demangled symbol belongs to, or nothing."""
+    name = symbol if symbol in promised else entity(symbol)
+    return next((p for p in promised if name == p or name.startswith(p + "::")), None)
+
+
+def promised_symbols(library, promised):
+    return [linked for linked, read in exported_symbols(library) if promise_of(read, promised)]
+
+
 def main():
     library, list_file, idl = Path(sys.argv[1]), Path(sys.argv[2]), Path(sys.argv[3])
-    promised = {
-        line.strip()
-        for line in list_file.read_text().splitlines()
-        if line.strip() and not line.startswith("#")
-    }
+    promised = read_names(list_file)
     wire = wire_names(idl)
     seen, surplus = set(), set()
-    for symbol in demangled_symbols(library):
+    for _, symbol in exported_symbols(library):
         if MAPPING_OPERATOR.match(symbol):
             continue  # of a wire type by its own declaration, which is generated
-        name = symbol if symbol in promised else entity(symbol)
-        found = next((p for p in promised if name == p or name.startswith(p + "::")), None)
+        found = promise_of(symbol, promised)
         if found:
             seen.add(found)
             continue
-        outer = name.split("::")[0]
+        outer = entity(symbol).split("::")[0]
         bare = re.sub(r"^(_objref_|_impl_|_pof_|POA_|_tc_|_omni_)|(_var|_out|_Helper|_forany)$", "",
                       outer)
         if bare not in wire and outer not in wire:

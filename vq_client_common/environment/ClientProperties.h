@@ -38,8 +38,8 @@ class VQ_CLIENT_COMMON_API ClientProperties {
  public:
   // The one instance, made and loaded on first use; owned by the class, never null. A file that is
   // missing or malformed gives an empty table, and so does one that may be meant to harm: of more
-  // than 64 MiB, or with entities or other declarations of its own. Nothing that it names is opened.
-  // Throws what LoadProperties lets through, and then there is no instance.
+  // than 64 MiB, or with entities or other declarations of its own. Nothing that it names is
+  // opened. Throws what LoadProperties lets through, and then there is no instance.
   static ClientProperties* Get();
 
   // A copy is a table of its own that saves to the same file.

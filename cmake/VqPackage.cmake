@@ -1,0 +1,95 @@
+# The Debian packages, made by cpack in a build that is configured for the prefix /usr (the preset
+# "package", which ./dev package uses).
+#
+#   libvq-client-common1      what a program needs that was linked with the library
+#   libvq-client-common-dev   what is needed to build one
+#   vq-client-tools           vqclient and vq_simulator
+#   libvq-client-common-doc   the documents and the examples
+#
+# Files are sorted into packages by the component of their install rule: runtime, development, tools,
+# documentation. What only Debian asks for (copyright, changelog, packed manual pages, the symbols
+# file) is made by packages/finish.cmake when everything else stands in its place.
+
+set(VQ_PACKAGE_REVISION 1 CACHE STRING "Debian revision of the packages")
+set(VQ_PACKAGE_MAINTAINER
+  "Seed 13022cd0 maintainers <maintainers@users.noreply.c-seed-13022cd0.example>"
+  CACHE STRING "Who answers for the packages, as Debian writes it")
+
+install(FILES README.md CONTRIBUTING.md ARCHITECTURE.md TYPE DOC COMPONENT documentation)
+install(DIRECTORY docs TYPE DOC COMPONENT documentation)
+install(DIRECTORY examples TYPE DOC COMPONENT documentation)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME vq-client-common)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
+set(CPACK_PACKAGE_CONTACT "${VQ_PACKAGE_MAINTAINER}")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime development tools documentation)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE ${VQ_PACKAGE_REVISION})
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+# The programs need a library that is in no installed package yet.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/vq_client_common)
+
+set(about "A client program of the VELTRA-M/Quorum job-scheduling suite uses this library
+to log in to a central server, keep the session alive, ask what the user may
+do, hold data centers and convert their times and job fields.")
+set(runtime libvq-client-common${PROJECT_VERSION_MAJOR})
+set(this_version "(= ${PROJECT_VERSION}-${VQ_PACKAGE_REVISION})")
+
+# vq_package(<component> <package> <section> <first line> [<further text>])
+macro(vq_package component package section summary)
+  string(TOUPPER ${component} upper)
+  set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package})
+  set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION ${section})
+  set(CPACK_DEBIAN_${upper}_DESCRIPTION "${summary}\n${about}\n\n${ARGN}")
+  list(APPEND CPACK_VQ_PACKAGES "${component}=${package}")
+endmacro()
+
+vq_package(runtime ${runtime} libs "common client library of a job-scheduling suite"
+  "This package holds the shared library.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
+  "${PROJECT_SOURCE_DIR}/cmake/packages/triggers;${PROJECT_BINARY_DIR}/package-files/symbols")
+
+vq_package(development libvq-client-common-dev libdevel
+  "common client library of a job-scheduling suite (development files)"
+  "This package holds the headers, the interface definitions, the CMake package
+and the pkg-config file.")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+  "${runtime} ${this_version}, libomniorb4-dev, libxerces-c-dev, pkg-config")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libvq-client-common-doc)
+
+vq_package(tools vq-client-tools net "command-line client and simulated server of a job-scheduling suite"
+  "This package holds vqclient, which logs in, asks and finds out why a login
+fails, and vq_simulator, a server to try and test clients against.")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${runtime} (>= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "omniorb-nameserver")
+
+vq_package(documentation libvq-client-common-doc doc
+  "common client library of a job-scheduling suite (documentation)"
+  "This package holds the guides and the examples.")
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+
+# For finish.cmake and repack.cmake.
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/packages/finish.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/packages/repack.cmake)
+set(CPACK_VQ_SOURCE ${PROJECT_SOURCE_DIR})
+set(CPACK_VQ_SYMBOLS ${PROJECT_BINARY_DIR}/package-files/symbols)
+set(CPACK_VQ_RUNTIME ${runtime})
+include(CPack)
+
+# At a release: what the symbols file and the recorded interface promise from now on.
+add_custom_target(renew_symbols
+  COMMAND ${PROJECT_SOURCE_DIR}/cmake/packages/renew_symbols.py $<TARGET_FILE:vq_client_common>
+    ${runtime} ${PROJECT_SOURCE_DIR}/cmake/packages/symbols ${PROJECT_VERSION}
+  DEPENDS vq_client_common VERBATIM)
