@@ -5,6 +5,7 @@
 #ifndef VQ_SUPPORT_EXPORT_H
 #define VQ_SUPPORT_EXPORT_H
 
+// Exports a class or a function of a support library.
 #define VQ_SUPPORT_API __attribute__((visibility("default")))
 
 #endif  // VQ_SUPPORT_EXPORT_H

@@ -20,11 +20,15 @@ class TDiagRegister;
 // Thread contract: an object belongs to the thread that composes the line.
 class VQ_SUPPORT_API FormatObj {
  public:
+  // Begins a line of that level and class. `scope`: the function's qualified name, which must
+  // outlive the object; may be empty. Used by VQ_LOG.
   FormatObj(const TDiagRegister& module, const char* scope, int level, std::uint32_t lineClass);
   ~FormatObj();  // writes the line; never throws
   FormatObj(const FormatObj&) = delete;
   FormatObj& operator=(const FormatObj&) = delete;
 
+  // Append to the line: a text, a character, 1 or 0 for a flag, a number in decimal. Return the
+  // line.
   FormatObj& operator<<(std::string_view text);
   FormatObj& operator<<(const std::string& text) { return *this << std::string_view(text); }
   FormatObj& operator<<(const char* text);  // null prints as nothing

@@ -40,8 +40,8 @@ class TDiagRegister;
 
 // One line as a callback sink receives it. The views live for the length of the call.
 struct TDiagLine {
-  int level;
-  std::uint32_t lineClass;
+  int level;                // 0 to 6
+  std::uint32_t lineClass;  // kAllClasses unless the line names its own
   std::string_view module;  // as registered, e.g. "LoginHandler"
   std::string_view scope;   // the function's qualified name; may be empty
   std::string_view text;    // as logged, line ends included
@@ -52,10 +52,12 @@ struct TDiagLine {
 // call any other operation.
 class VQ_SUPPORT_API TDiag {
  public:
+  // The lowest and the highest level, and the class of a line that names none.
   static constexpr int kAlways = 0;
   static constexpr int kTrace = 6;
   static constexpr std::uint32_t kAllClasses = 0xFFFFFFFFU;
 
+  // What a callback sink is, and the number that a sink is removed by.
   using Callback = std::function<void(const TDiagLine&)>;
   using SinkId = unsigned;
 
@@ -111,10 +113,13 @@ class VQ_SUPPORT_API TDiagRegister {
   TDiagRegister(const TDiagRegister&) = delete;
   TDiagRegister& operator=(const TDiagRegister&) = delete;
 
+  // Whether a line of this level would be written: one load and one comparison.
   bool IsActive(int level) const { return level <= m_level.load(std::memory_order_relaxed); }
+  // Begins a line; VQ_LOG asks IsActive first.
   FormatObj Line(int level, std::uint32_t lineClass = TDiag::kAllClasses) const {
     return FormatObj(*this, {}, level, lineClass);
   }
+  // As registered.
   const char* Name() const { return m_name; }
 
  private:
@@ -126,6 +131,7 @@ class VQ_SUPPORT_API TDiagRegister {
 // The scope of one function: logs "Enter" at level 6 and gives its name to the lines inside.
 class TDiagFunc {
  public:
+  // Both must outlive the object.
   TDiagFunc(const TDiagRegister& module, const char* qualifiedName)
       : m_module(module), m_name(qualifiedName) {
     if (IsActive(TDiag::kTrace)) [[unlikely]]
@@ -134,6 +140,7 @@ class TDiagFunc {
   TDiagFunc(const TDiagFunc&) = delete;
   TDiagFunc& operator=(const TDiagFunc&) = delete;
 
+  // As those of TDiagRegister, with the function's name in the line.
   bool IsActive(int level) const { return m_module.IsActive(level); }
   FormatObj Line(int level, std::uint32_t lineClass = TDiag::kAllClasses) const {
     return FormatObj(m_module, m_name, level, lineClass);
@@ -150,13 +157,17 @@ class TDiagFunc {
 // may stand wherever a statement may.
 #define VQ_LOG_IF(where, level, line) \
   !(where).IsActive(level) ? (void)0 : vq::EndOfLine() & (where).line
+
+// Writes one line of that level; see VQ_LOG_IF.
 #define VQ_LOG(where, level) VQ_LOG_IF(where, level, Line(level))
+// Writes one line of the level in a class of its own; see VQ_LOG_IF.
 #define VQ_LOG_CLASS(where, level, lineClass) VQ_LOG_IF(where, level, Line(level, lineClass))
 
 namespace vq {
 
 // Gives both branches of VQ_LOG's condition the same type.
 struct EndOfLine {
+  // Binds less tightly than <<, so the line is composed first.
   void operator&(const FormatObj&) const {}
 };
 

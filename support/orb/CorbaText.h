@@ -24,6 +24,7 @@ std::string NameAndMinorText(const CORBA::SystemException& exception);
 
 }  // namespace vq::orb
 
+// Appends ExceptionText to a line of the log.
 inline FormatObj& operator<<(FormatObj& line, const CORBA::Exception& exception) {
   return line << vq::orb::ExceptionText(exception);
 }

@@ -18,7 +18,7 @@
 
 namespace vq::orb {
 
-// Thread contract: a plain value.
+// An endpoint in its parts. Thread contract: a plain value.
 struct ListenEndpoint {
   std::string host;           // empty: every interface of the machine
   int port = 0;               // 0: any free port
@@ -26,6 +26,7 @@ struct ListenEndpoint {
   int tlsPort = 0;            // 0: no TLS
   std::string publishedHost;  // empty: as listened on
 
+  // The same in every part.
   bool operator==(const ListenEndpoint&) const = default;
 };
 

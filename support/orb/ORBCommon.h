@@ -16,6 +16,7 @@ class ORBCommon : public QCSOrbCommon {
   // The one ORB of this number; made on first use, owned by the process.
   static ORBCommon* Get() { return static_cast<ORBCommon*>(GetOrbById(N, &ORBCommon::Create)); }
 
+  // The number N.
   int GetId() const override { return N; }
   ~ORBCommon() override = default;
 

@@ -22,45 +22,51 @@
 
 namespace vq::orb {
 
+// Which of the four places a value came from.
 enum class SettingOrigin { kCommandLine, kOwnScope, kDefaultScope, kBuiltIn };
+// The place in words, such as "command line"; static text.
 std::string_view SettingOriginText(SettingOrigin origin);
 
-// Thread contract: plain values.
+// One setting with the value in force. Thread contract of all that follow: plain values.
 struct ResolvedSetting {
-  std::string name;  // as on the command line and in the domain, with its dash
-  std::string value;
-  SettingOrigin origin = SettingOrigin::kBuiltIn;
+  std::string name;   // as on the command line and in the domain, with its dash
+  std::string value;  // empty where the setting has none
+  SettingOrigin origin = SettingOrigin::kBuiltIn;  // where the value came from
 };
 
 // What the command line says to the ORB: our own options by name, and everything else, which the
 // ORB product gets to see.
 struct OrbArguments {
-  std::multimap<std::string, std::string> options;
-  std::vector<std::string> rest;
+  std::multimap<std::string, std::string> options;  // ours: value by name, repeats in order
+  std::vector<std::string> rest;                    // everything else, program name first
 };
 
+// Whom to believe and who to be. An empty path is a setting that is not there.
 struct TlsSettings {
   std::string caCertificate;  // file of the authorities that are believed
   std::string certificate;    // file of the own certificate
   std::string privateKey;     // file of its key
-  bool verifyPeer = true;
-  bool verifyHost = true;
+  bool verifyPeer = true;     // refuse a certificate of an authority that is not believed
+  bool verifyHost = true;     // refuse a certificate of another host
 
+  // Whether TLS is used at all.
   bool IsOn() const { return !caCertificate.empty() || !certificate.empty(); }
 };
 
+// All settings of one ORB, each in its own type.
 struct OrbSettings {
-  ListenEndpoint listenEndpoint;
-  bool biDirectional = false;
-  std::string preferIpMask;              // text with which the preferred own address begins
-  std::vector<std::string> initialRefs;  // NAME=REFERENCE
-  std::chrono::milliseconds connectTimeout{0};
-  std::chrono::milliseconds callTimeout{0};
-  std::uint64_t maxMessageSize = 0;  // bytes
-  TlsSettings tls;
+  ListenEndpoint listenEndpoint;                // where to listen for callbacks
+  bool biDirectional = false;                   // callbacks come over the client's own connection
+  std::string preferIpMask;                     // text with which the preferred own address begins
+  std::vector<std::string> initialRefs;         // NAME=REFERENCE
+  std::chrono::milliseconds connectTimeout{0};  // how long to wait for a connection
+  std::chrono::milliseconds callTimeout{0};     // how long to wait for an answer
+  std::uint64_t maxMessageSize = 0;             // bytes
+  TlsSettings tls;                              // whom to believe and who to be
   std::vector<ResolvedSetting> table;  // all of it as text, in the order of the known names
 };
 
+// The settings of one scope of the domain: value by name.
 using SettingScope = std::map<std::string, std::string>;
 
 // The names of our own settings, in table order.

@@ -33,6 +33,7 @@ enum class OrbRole;
 // thread in between.
 class VQ_SUPPORT_API QCSOrbCommon {
  public:
+  // The number of this ORB, from 1.
   virtual int GetId() const = 0;
   virtual ~QCSOrbCommon();
 

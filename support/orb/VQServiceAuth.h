@@ -13,11 +13,11 @@
 #include <support/orb/Corba.h>
 #include <vq_idl/AuthorizationC.h>
 
-// Thread contract: a plain value.
+// One grant on services. Thread contract: a plain value.
 struct VQServiceAuth {
-  std::string Criteria;
-  QCSAuthLevelEnum Level = DEFAULT_ACCESS;
-  std::vector<int> Actions;  // as the server sent them
+  std::string Criteria;                     // which services, in the selection language
+  QCSAuthLevelEnum Level = DEFAULT_ACCESS;  // the access it grants
+  std::vector<int> Actions;                 // as the server sent them
 };
 
 // Turns a wire list into the list, which takes its place: what `grants` held before is gone. For

@@ -23,6 +23,7 @@
 class VQ_SUPPORT_API VQServiceUserAuth {
  public:
   VQServiceUserAuth();
+  // Takes over the two lists. Criteria that do not parse grant nothing and are logged at level 1.
   explicit VQServiceUserAuth(std::list<VQServiceAuth> user, std::list<VQServiceAuth> groups = {});
   VQServiceUserAuth(const VQServiceUserAuth&);
   VQServiceUserAuth& operator=(const VQServiceUserAuth&);

@@ -20,6 +20,7 @@ class VQ_SUPPORT_API os_calendar_date {
   constexpr os_calendar_date(int month, int day, os_time_period timeOfDay = {}) noexcept
       : m_month(month), m_day(day), m_timeOfDay(timeOfDay) {}
 
+  // As given to the constructor; nothing is checked before in_year.
   constexpr int month() const noexcept { return m_month; }
   constexpr int day() const noexcept { return m_day; }
   constexpr os_time_period time_of_day() const noexcept { return m_timeOfDay; }

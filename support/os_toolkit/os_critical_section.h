@@ -20,8 +20,10 @@ class VQ_SUPPORT_API os_critical_section {
   os_critical_section(const os_critical_section&) = delete;
   os_critical_section& operator=(const os_critical_section&) = delete;
 
+  // Waits until no other thread holds it; the thread that holds it may take it again.
   void lock() { m_mutex.lock(); }
   bool try_lock() { return m_mutex.try_lock(); }  // false when another thread holds it
+  // Gives back one lock of the calling thread.
   void unlock() { m_mutex.unlock(); }
 
  private:

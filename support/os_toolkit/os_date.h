@@ -22,6 +22,7 @@
 // Thread contract: a value; distinct objects are independent.
 class VQ_SUPPORT_API os_date {
  public:
+  // The Julian day number of 1970-01-01, and the years that a date may have.
   static constexpr std::int64_t kJulianDayOf1970 = 2440588;
   static constexpr int kMinYear = -32767;
   static constexpr int kMaxYear = 32767;
@@ -48,6 +49,7 @@ class VQ_SUPPORT_API os_date {
            day <= 31 && Compose(year, month, day).ok();
   }
 
+  // The Julian day number.
   constexpr std::int64_t julian_day() const noexcept { return m_days + kJulianDayOf1970; }
   // 00:00 of this day, counted from 00:00 of the Julian day 0.
   constexpr os_time_period start() const { return {julian_day(), 0, 0, 0, 0}; }

@@ -26,6 +26,7 @@ class VQ_SUPPORT_API os_simple_time_zone_rule {
   os_simple_time_zone_rule(os_calendar_date start, os_calendar_date end, int firstYear,
                            int lastYear, os_time_period adjustment);
 
+  // As given to the constructor, the years moved into those of os_date.
   os_calendar_date start() const { return m_start; }
   os_calendar_date end() const { return m_end; }
   int first_year() const { return m_firstYear; }

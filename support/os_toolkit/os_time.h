@@ -23,6 +23,7 @@ class VQ_SUPPORT_API os_time {
   // Seconds after midnight, any number.
   constexpr explicit os_time(std::int64_t secondsAfterMidnight)
       : m_sinceMidnight(secondsAfterMidnight) {}
+  // A period after midnight, of any length.
   constexpr explicit os_time(os_time_period sinceMidnight) : m_sinceMidnight(sinceMidnight) {}
   // 0 to 23, 0 to 59, 0 to 59; anything else raises os_toolkit_error.
   constexpr os_time(int hour, int minute, int second)
@@ -32,11 +33,14 @@ class VQ_SUPPORT_API os_time {
     }
   }
 
+  // The period since midnight, as given.
   constexpr os_time_period since_midnight() const noexcept { return m_sinceMidnight; }
+  // What a clock shows: 0 to 23, 0 to 59, 0 to 59, whole days left out.
   constexpr int hour() const noexcept { return static_cast<int>(SecondOfDay() / 3600); }
   constexpr int minute() const noexcept { return static_cast<int>(SecondOfDay() / 60 % 60); }
   constexpr int second() const noexcept { return static_cast<int>(SecondOfDay() % 60); }
 
+  // By the period since midnight.
   friend constexpr auto operator<=>(const os_time&, const os_time&) = default;
 
  private:

@@ -39,8 +39,10 @@ class VQ_SUPPORT_API os_time_and_date {
   // the system's. The function must be callable from any thread that asks for now.
   static clock_function set_clock(clock_function clock) noexcept;
 
+  // What the clock of the zone shows.
   os_date date() const noexcept { return m_date; }
   os_time time() const noexcept { return m_time; }  // within the day
+  // The instant, counted from 00:00 UTC of the Julian day 0.
   os_time_period utc_time_and_date() const noexcept { return m_utc; }
 
   // By instant; two zones' views of one instant are equal.

@@ -20,6 +20,7 @@
 // What leaves 64 bits of seconds raises os_toolkit_error.
 class VQ_SUPPORT_API os_time_period {
  public:
+  // How many of the one make the other.
   static constexpr std::int64_t kSecondsOfDay = 86400;
   static constexpr std::int64_t kNanosecondsOfSecond = 1'000'000'000;
 
@@ -31,6 +32,7 @@ class VQ_SUPPORT_API os_time_period {
       : m_seconds(seconds) {
     if (nanoseconds != 0) Carry(nanoseconds);
   }
+  // The sum of the five, each of any size and sign.
   constexpr os_time_period(std::int64_t days, std::int64_t hours, std::int64_t minutes,
                            std::int64_t seconds, std::int64_t nanoseconds)
       : os_time_period(Add(Add(Multiply(days, kSecondsOfDay), Multiply(hours, 3600)),
@@ -46,6 +48,7 @@ class VQ_SUPPORT_API os_time_period {
   // What to_seconds leaves out, 0 to 999,999,999.
   constexpr std::int32_t nanoseconds() const noexcept { return m_nanoseconds; }
 
+  // Arithmetic to the nanosecond.
   constexpr os_time_period operator-() const { return os_time_period() - *this; }
   friend constexpr os_time_period operator+(os_time_period left, os_time_period right) {
     return os_time_period(Add(left.m_seconds, right.m_seconds),
@@ -55,6 +58,7 @@ class VQ_SUPPORT_API os_time_period {
     return os_time_period(Subtract(left.m_seconds, right.m_seconds),
                           std::int64_t{left.m_nanoseconds} - right.m_nanoseconds);
   }
+  // By length; negative periods come before none.
   friend constexpr auto operator<=>(const os_time_period&, const os_time_period&) = default;
 
  private:

@@ -24,6 +24,7 @@
 // Thread contract: any number of threads may ask one zone at a time that nobody inserts.
 class VQ_SUPPORT_API os_time_zone {
  public:
+  // A zone without rules. The texts say nothing to the arithmetic; any are taken.
   os_time_zone(os_time_period offset, std::string name, std::string abbreviation);
 
   // UTC without rules; lives as long as the process.
@@ -32,6 +33,8 @@ class VQ_SUPPORT_API os_time_zone {
   // Where several rules cover a moment, the one inserted first holds.
   void insert(const os_simple_time_zone_rule& rule);
 
+  // As given to the constructor, and the rules in the order in which they were inserted. The
+  // references last as long as the zone; that to the rules changes with it.
   os_time_period offset() const { return m_offset; }
   const std::string& name() const { return m_name; }
   const std::string& abbreviation() const { return m_abbreviation; }

@@ -14,9 +14,10 @@
 
 #include <support/Export.h>
 
-// Thread contract: as a standard exception.
+// A date, time or period that is not. Thread contract: as a standard exception.
 class VQ_SUPPORT_API os_toolkit_error : public std::runtime_error {
  public:
+  // `what`: why, in English, for the log.
   explicit os_toolkit_error(const std::string& what);
   ~os_toolkit_error() override;
   os_toolkit_error(const os_toolkit_error&) = default;

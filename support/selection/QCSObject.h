@@ -25,6 +25,7 @@
 class VQ_SUPPORT_API QCSObject {
  public:
   using Attribute = std::pair<std::string, std::string>;  // name, value
+  // For a walk over the attributes.
   using const_iterator = std::vector<Attribute>::const_iterator;
 
   // Sets the attribute; a value that it had before is replaced.

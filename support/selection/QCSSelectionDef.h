@@ -30,6 +30,7 @@
 // threads may ask one definition, as long as nobody changes it meanwhile.
 class VQ_SUPPORT_API QCSSelectionDef {
  public:
+  // Matchings that are joined by AND.
   using Term = std::vector<vq::SelectionMatching>;
 
   // The virtual operations keep this order: classes of other libraries derive from this one.
@@ -57,6 +58,7 @@ class VQ_SUPPORT_API QCSSelectionDef {
   // the fields of its kind of object.
   virtual bool IsValidField(const std::string& field) const;
 
+  // Without terms: it fits nothing.
   QCSSelectionDef();
   QCSSelectionDef(const QCSSelectionDef&);
   QCSSelectionDef(QCSSelectionDef&&) noexcept;
@@ -68,8 +70,11 @@ class VQ_SUPPORT_API QCSSelectionDef {
   // memory in proportion to the text.
   bool Parse(std::string_view text, vq::SelectionParseError& error);
 
+  // The terms in order; valid until the definition changes.
   const std::vector<Term>& Terms() const { return m_terms; }
+  // Appends a term; one without matchings fits every object.
   void AddTerm(Term term);
+  // Removes every term: it then fits nothing.
   void Clear();
 
   // Equal terms in the same order.

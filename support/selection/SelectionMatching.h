@@ -16,6 +16,7 @@
 
 namespace vq {
 
+// How the attribute and the value are compared; the banner tells what each means.
 enum class SelectionOperator : std::uint8_t {
   Equal,
   NotEqual,
@@ -31,6 +32,7 @@ enum class SelectionOperator : std::uint8_t {
 inline constexpr std::array<std::string_view, 8> kSelectionOperatorTexts = {
     "=", "!=", "<", "<=", ">", ">=", "LIKE", "NOT LIKE"};
 
+// The operator as it is written; static text.
 constexpr std::string_view AsText(SelectionOperator op) {
   return kSelectionOperatorTexts[static_cast<std::size_t>(op)];
 }
@@ -40,12 +42,13 @@ constexpr bool IsNegated(SelectionOperator op) {
   return op == SelectionOperator::NotEqual || op == SelectionOperator::NotLike;
 }
 
-// Thread contract: a plain value.
+// A field, an operator and a value. Thread contract: a plain value.
 struct SelectionMatching {
-  std::string field;
-  SelectionOperator op = SelectionOperator::Equal;
-  std::string value;
+  std::string field;                                // the attribute's name
+  SelectionOperator op = SelectionOperator::Equal;  // how to compare
+  std::string value;                                // what to compare with
 
+  // The same field, operator and value.
   friend bool operator==(const SelectionMatching&, const SelectionMatching&) = default;
 };
 

@@ -22,10 +22,11 @@
 // Thread contract: a plain value; one thread an object.
 class VQ_CLIENT_COMMON_API ORBEndpoint {
  public:
-  struct PortOptions {  // 0 where absent
-    std::int32_t port = 0;
-    std::int32_t sslPort = 0;
-    std::int32_t portSpan = 0;
+  // 0 where absent.
+  struct PortOptions {
+    std::int32_t port = 0;      // for IIOP
+    std::int32_t sslPort = 0;   // for TLS
+    std::int32_t portSpan = 0;  // how many ports to try from `port` on
   };
 
   // All texts empty, all numbers 0. That is not the default endpoint: the reuse address is 0, so
@@ -42,21 +43,27 @@ class VQ_CLIENT_COMMON_API ORBEndpoint {
   // shorter than "iiop://", and for one with a ";" that at most five characters follow.
   bool fromString(const std::string& text);
 
+  // The endpoint as a text. A reuse address of 0 is written, any other is not; numbers that are 0
+  // and texts that are empty are left out.
   std::string toString() const;
 
   // Whether the object says nothing that an endpoint does not do by itself: no port, no names, and
   // a reuse address other than 0. The port span is not looked at.
   bool isDefault() const;
 
+  // The host to listen on; empty for every interface. Any text is taken, and written as it is.
   std::string getHostname() const { return m_hostname; }
   void setHostname(const std::string& hostname) { m_hostname = hostname; }
 
   std::string getHostInIOR() const { return m_hostInIOR; }  // empty: as listened on
+  // Replaces the published host; with `clearHostname` the endpoint also listens on every interface.
   void setHostInIOR(const std::string& host, bool clearHostname);
 
+  // The numbers of ports, as parsed or set; nothing is checked.
   PortOptions getPortOptions() const { return m_portOptions; }
   void setPortOptions(PortOptions options) { m_portOptions = options; }
 
+  // Whether a port that was in use a moment ago may be taken again: 0 for no, any other for yes.
   int getReuseAddr() const { return m_reuseAddr; }
   void setReuseAddr(int reuse) { m_reuseAddr = reuse; }
 

@@ -17,10 +17,12 @@
 template <typename T>
 class ArrayWrap {
  public:
+  // The types of a standard container, for loops and algorithms.
   using value_type = T;
   using iterator = typename std::vector<T>::iterator;
   using const_iterator = typename std::vector<T>::const_iterator;
 
+  // Removes every element.
   void Clear() { m_items.clear(); }
 
   // Returns the index of the new element.
@@ -29,6 +31,7 @@ class ArrayWrap {
     return m_items.size() - 1;
   }
 
+  // The number of elements.
   std::size_t size() const { return m_items.size(); }
 
   // Raises std::out_of_range for an index that is not below size().
@@ -37,6 +40,7 @@ class ArrayWrap {
     return m_items.at(index);
   }
 
+  // The elements in the order in which they were appended.
   iterator begin() { return m_items.begin(); }
   iterator end() { return m_items.end(); }
   const_iterator begin() const { return m_items.begin(); }

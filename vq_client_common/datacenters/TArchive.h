@@ -50,11 +50,14 @@ class VQ_CLIENT_COMMON_API TArchive {
   TArchive(const TArchive&) = delete;
   TArchive& operator=(const TArchive&) = delete;
 
+  // Which of the two the constructor was told.
   bool IsLoading() const { return m_loading; }
   bool IsStoring() const { return !m_loading; }
 
   std::uint32_t GetObjectSchema() const { return m_objectSchema; }  // the caller's; not read here
+  // Stores a number for the caller.
   void SetObjectSchema(std::uint32_t schema) { m_objectSchema = schema; }
+  // How values are read: a decrypt type of the above. kRecords until set.
   std::int32_t GetDecryptType() const { return m_decryptType; }
   void SetDecryptType(std::int32_t type) { m_decryptType = type; }
 
@@ -67,6 +70,7 @@ class VQ_CLIENT_COMMON_API TArchive {
   void Abort();   // lets go of the stream without flushing it
   void Ignore();  // loading: skips one character of the stream; storing: does nothing
 
+  // Store one value and return this archive. A flag is stored as 1 or 0, a character as its number.
   TArchive& operator<<(const std::string& value);
   TArchive& operator<<(bool value);
   TArchive& operator<<(char value);

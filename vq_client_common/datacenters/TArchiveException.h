@@ -13,8 +13,8 @@
 
 #include <vq_client_common/Export.h>
 
-// Does not derive from std::exception: catch it by its own name. An archive itself knows one
-// failure only, code 0 without a message.
+// The failure of an archive. Does not derive from std::exception: catch it by its own name. An
+// archive itself knows one failure only, code 0 without a message.
 //
 // Thread contract: an object belongs to the thread that caught it.
 class VQ_CLIENT_COMMON_API TArchiveException {
@@ -26,6 +26,7 @@ class VQ_CLIENT_COMMON_API TArchiveException {
   TArchiveException& operator=(const TArchiveException&) = default;
   virtual ~TArchiveException() = default;
 
+  // What the constructor was given; the reference lasts as long as the object.
   std::int32_t GetCode() const { return m_code; }
   const std::string& GetMessage() const { return m_message; }
 

@@ -30,6 +30,7 @@
 
 #include <vq_client_common/Export.h>
 
+// Frees the one instance among others; see session/GlobalFuncs.h.
 VQ_CLIENT_COMMON_API void exit_vqclient_common();
 
 // Thread contract: one thread at a time for the instance and for making and releasing it. Reload

@@ -86,6 +86,7 @@ class VQ_CLIENT_COMMON_API CmdParser {
   void diag_print() const;
 
  protected:
+  // No parameters and no switches. For Get and for derived classes.
   CmdParser(bool caseSensitive, bool acceptShortParams);
 
   bool is_switch(std::string& token) const;  // begins with "/"

@@ -59,16 +59,19 @@ class VQ_CLIENT_COMMON_API UserPass {
   //   name still counts, so a second Init on the same object is one.
   bool Init();
 
+  // What the last Init came to; STAT_NOT_INITIALIZED before the first.
   eStatus GetStatus() const { return m_status; }
 
   // The words for the status, static text in English; never null.
   const char* GetStatStr() const;
 
+  // Whether user name and password are complete.
   bool isValid() const { return m_status == STAT_OK; }
 
   // Whether the caller may ask the user for what is missing and try again.
   bool isCorrectable() const;
 
+  // Copies of what is known now; empty for what is not. The caller wipes its copy of the password.
   std::string GetUsername() const { return m_user; }
   std::string GetPassword() const { return m_password; }
   std::string GetPassFile() const { return m_passFile; }

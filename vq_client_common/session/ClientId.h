@@ -10,6 +10,8 @@
 
 #include <vq_client_common/Export.h>
 
+// The programs by number. A value outside of these counts as CLIENT_UNKNOWN, but for the words,
+// which it lacks.
 enum CLIENT_ID : int {
   CLIENT_GUI = 0,
   CLIENT_DESKTOP = 1,

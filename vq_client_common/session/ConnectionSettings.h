@@ -34,16 +34,20 @@ class VQ_CLIENT_COMMON_API ConnectionSettings {
   ConnectionSettings& operator=(const ConnectionSettings&) = default;
   ~ConnectionSettings();
 
+  // ---- What GL_Login stored and the server answered; empty before that and, for the user ID,
+  // after a logout.
   std::string GetServerName() const { return m_serverName; }
   std::string getUserName() const { return m_userName; }
   std::string GetDBUserName() const { return m_dbUserName; }
   std::string GetUserID() const { return m_userId; }
+  // CLIENT_UNKNOWN before a login.
   CLIENT_ID GetClientID() const { return m_clientId; }
 
   // Whether ending the ORB waits for its threads; the server parameter "gui"/"OrbShutdownWait"
   // decides after a login, true until then.
   bool GetWait4Shutdown() const { return m_wait4OrbShutDown; }
 
+  // Whether there is a session: the user ID is not empty.
   bool IsConnected() const { return !m_userId.empty(); }
 
   // One setting decides both: the server parameter "general"/"PasswordEncode".
@@ -60,6 +64,7 @@ class VQ_CLIENT_COMMON_API ConnectionSettings {
   void SetUserID(const std::string& userId);
   void SetPassword(const std::string& password);
 
+  // Store a value; nothing is logged and nothing told to the server.
   void SetClientID(CLIENT_ID clientId) { m_clientId = clientId; }
   void SetIsConnected(bool connected) { m_connected = connected; }
   void SetWait4Shutdown(bool wait) { m_wait4OrbShutDown = wait; }
@@ -80,6 +85,7 @@ class VQ_CLIENT_COMMON_API ConnectionSettings {
   std::string GetClientIDAsString() const { return ResolveClientID(m_clientId); }
 
  protected:
+  // The short name that the ORB of such a client bears, "GUI" say.
   static std::string ResolveClientID(CLIENT_ID clientId);
 
  private:

@@ -8,11 +8,14 @@
 
 #include <vq_client_common/Export.h>
 
-// Thread contract: a command is made on the ORB's thread and belongs to whoever executes it.
+// One piece of work. Thread contract: a command is made on the ORB's thread and belongs to whoever
+// executes it.
 class VQ_CLIENT_COMMON_API CorbaCallbackCommand {
  public:
   virtual ~CorbaCallbackCommand();
 
+  // Does the work. Called by the client program, on a thread of its choice; what it raises goes to
+  // that caller.
   virtual void Execute() = 0;
 
   // Whether the command may be left out while the client changes its filter. True here.

@@ -37,7 +37,9 @@ class VQ_CLIENT_COMMON_API LoginHandler {
   // The one instance, made on first use; deleted by exit_vqclient_common.
   static LoginHandler* GetGlobal();
 
+  // Not logged in, with settings and authorizations of its own. Programs take GetGlobal.
   LoginHandler();
+  // Copy settings and authorizations, so that each object owns its own.
   LoginHandler(const LoginHandler& other);
   LoginHandler& operator=(const LoginHandler& other);
   virtual ~LoginHandler();
@@ -79,9 +81,11 @@ class VQ_CLIENT_COMMON_API LoginHandler {
   // and to the empty text otherwise. Returns 1.
   int CheckSSLCertificateExpiration(std::string& message);
 
+  // Owned by this object and valid as long as it; never null.
   ConnectionSettings* GetConnectionSettings() const { return m_connectionSettings; }
   UserAuthorizations* GetUserAuthorizations() const { return m_userAuthorizations; }
   std::string GetUserID() const;  // empty while not connected
+  // The kind of server of the last SetConnectionData or SetServedID.
   SERVER_ID GetServerID() const { return m_serverId; }
   void SetServedID(SERVER_ID serverId) { m_serverId = serverId; }
   bool IsConnected() const;      // the user ID is not empty
@@ -103,6 +107,7 @@ class VQ_CLIENT_COMMON_API LoginHandler {
   static LoginHandler* g_obLoginHandler;  // null until the first GetGlobal
 
  protected:
+  // What Login and ReLogin do; returns and raises as Login.
   int Register(unsigned int timeOut, std::string& message);
 
   // The lowest version that min-accepted-servers.txt accepts of a server kind. Returns 1 when the

@@ -9,6 +9,7 @@
 
 #include <vq_client_common/Export.h>
 
+// The kinds by number, as the wire and min-accepted-servers.txt know them.
 enum SERVER_ID : int {
   E_GSR = 0,
   E_GAS = 1,

@@ -13,7 +13,8 @@
 // How grave a failure is. The numbers are the client programs' own: every value of an int is kept.
 enum SEVERITY : int {};
 
-// Thread contract: an object carries its own copies of all text and may be passed between threads.
+// A failure with its place, its reason and its numbers. Thread contract: an object carries its own
+// copies of all text and may be passed between threads.
 class VQ_CLIENT_COMMON_API VQBaseException {
  public:
   // `file` and `line`: where it was raised; a null `file` counts as empty. `major` and `minor`
@@ -28,12 +29,14 @@ class VQ_CLIENT_COMMON_API VQBaseException {
   // shouldPrint says.
   virtual void print();
 
+  // The name of the class, for handlers: "VQBaseException" here.
   virtual std::string getName();
 
   // Prints and raises the exception in hand again. To be called inside a handler only; elsewhere
   // it prints and returns.
   virtual void handle();
 
+  // What the constructor was given; the reference lasts as long as the object.
   const std::string& getReason() const { return m_reason; }
   int getMajor() const { return m_major; }
   int getMinor() const { return m_minor; }

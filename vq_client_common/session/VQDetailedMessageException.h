@@ -10,9 +10,10 @@
 #include <vq_client_common/Export.h>
 #include <vq_client_common/session/VQBaseException.h>
 
-// Thread contract: as VQBaseException.
+// A failure with a second text. Thread contract: as VQBaseException.
 class VQ_CLIENT_COMMON_API VQDetailedMessageException : public VQBaseException {
  public:
+  // As the base's, with a second text that may be empty.
   VQDetailedMessageException(const char* file, int line, std::string reason, int major, int minor,
                              SEVERITY severity, bool shouldPrint, std::string detailedReason = {});
   VQDetailedMessageException(const VQDetailedMessageException&) = default;
@@ -25,6 +26,7 @@ class VQ_CLIENT_COMMON_API VQDetailedMessageException : public VQBaseException {
   // "VQSimpleMessageException": the name that handlers know, not the class's own.
   std::string getName() override;
 
+  // The second text; lasts as long as the object.
   const std::string& getDetailedReason() const { return m_detailedReason; }
 
  private:

@@ -36,19 +36,24 @@
 // FindNoCase, MakeUpper and MakeLower follow the process's C locale.
 class VQ_CLIENT_COMMON_API BaseString {
  public:
+  // Those of the std::string inside.
   using iterator = std::string::iterator;
   using const_iterator = std::string::const_iterator;
 
   BaseString() = default;
+  // The text; null counts as the empty one.
   BaseString(const char* text);
   BaseString(const std::string& text) : m_text(text) {}
   BaseString(std::int32_t count, char character);  // a negative count raises std::length_error
+  // A text of one byte.
   BaseString(char character) : m_text(1, character) {}
 
+  // Takes over the text; null counts as the empty one.
   BaseString& operator=(const char* text);
   // Sets the length to one. An empty text becomes `character`; any other keeps its first byte.
   BaseString& operator=(char character);
 
+  // Appends, in place; null counts as the empty text. Return this object.
   BaseString& operator+=(const BaseString& text);
   BaseString& operator+=(const char* text);
   BaseString& operator+=(char character);
@@ -76,12 +81,16 @@ class VQ_CLIENT_COMMON_API BaseString {
   operator const char*() const { return m_text.c_str(); }
 
   std::size_t GetLength() const { return m_text.size(); }  // in bytes
+  // As GetLength.
   std::size_t length() const { return m_text.size(); }
+  // Whether the text has no byte.
   bool IsEmpty() const { return m_text.empty(); }
   bool empty() const { return m_text.empty(); }
   void Empty() { m_text.clear(); }  // makes the text empty; it asks nothing
+  // As Empty.
   void clear() { m_text.clear(); }
 
+  // The bytes of the text, valid until the text changes.
   iterator begin() { return m_text.begin(); }
   iterator end() { return m_text.end(); }
   const_iterator begin() const { return m_text.begin(); }

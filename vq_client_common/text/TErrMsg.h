@@ -23,6 +23,7 @@ class VQ_CLIENT_COMMON_API TErrMsg {
   // A valid message: TRC 1, no conversion error, no text.
   TErrMsg() = default;
 
+  // ---- The fields as they are stored; the banner tells what each means. Any value is taken.
   BaseString GetMemName() const { return m_memName; }
   void SetMemName(const BaseString& memName) { m_memName = memName; }
 

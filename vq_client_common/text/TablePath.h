@@ -21,8 +21,9 @@
 #include <vq_client_common/Export.h>
 
 namespace vq {
+// What stands between two names of a path.
 inline constexpr std::string_view kTablePathSeparator = "/";
-}
+}  // namespace vq
 
 // Sets `out` to `path`, a separator unless `path` ends in one, and `name`. With an empty `path`,
 // `name` is appended to what `out` holds, so pass an empty `out`. Always true.

@@ -39,8 +39,11 @@ class QCSCommAdminSeq;
 // share the zones, which do not change once they are made.
 class VQ_CLIENT_COMMON_API ForecastTimesManipulationMP {
  public:
+  // Days before the working date at which relative times begin.
   static constexpr std::int32_t DAYS_OFFSET = 3;
+  // Seconds of a day.
   static constexpr std::int32_t SIMUL_DAY_TIME_IN_SEC = 86400;
+  // The relative time of 00:00 of the working date, in seconds.
   static constexpr std::int32_t NORMAL_OFFSET_IN_SEC = DAYS_OFFSET * SIMUL_DAY_TIME_IN_SEC;
 
   // Knows no data center; the reference time is 1970-01-01 00:00 UTC.

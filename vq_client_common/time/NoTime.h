@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+// No time at all.
 inline constexpr std::int32_t NO_TIME = 2147483638;
 
 #endif  // VQ_CLIENT_COMMON_TIME_NOTIME_H

@@ -1,0 +1,175 @@
+#!/usr/bin/env python3
+"""doxygen_filter.py HEADER: prints a public header as Doxygen wants to read it.
+
+The headers are written to be read as they are, in plain comments. These rules make the same
+comments Doxygen's:
+
+- The comment at the top of the file is that of the file.
+- A comment that stands right before a declaration is the declaration's, and that of the
+  declarations which follow it without a blank line or another comment between them.
+- A comment that begins with "----" is that of all declarations up to the next such comment, but for
+  those that have one of their own.
+- A comment behind a declaration is the declaration's too.
+- Lines of a comment that are indented are an example.
+- Copying, assigning and destroying are told by the comment of the class, so where they have no
+  comment of their own they get one that says what they do.
+"""
+
+import re
+import sys
+
+COMMENT = re.compile(r"^(\s*)//(?: (.*)|)$")
+SCOPE = re.compile(r"^\s*(?:template\s*<.*>\s*)?(?:inline\s+)?(class|struct|enum|namespace|union)\b")
+LABEL = re.compile(r"^\s*(public|protected|private)\s*:")
+STANDARD = (
+    (re.compile(r"^(?:virtual )?~\w+\("), "Destroys the object."),
+    (re.compile(r"^(\w+)\((?:const )?\1&[^,]*\) = delete"), "An object is not copied."),
+    (re.compile(r"^(\w+)& operator=\((?:const )?\1&[^,]*\) = delete"), "An object is not assigned."),
+    (re.compile(r"^(\w+)\((?:const )?\1&[^,]*\)"), "Copies; the class tells what a copy takes over."),
+    (re.compile(r"^(\w+)\(\1&&[^,]*\)"), "Takes over what the other object held."),
+    (re.compile(r"^(\w+)& operator=\((?:const )?\1&&?[^,]*\)"),
+     "Assigns; the class tells what a copy takes over."),
+)
+
+
+def escaped(text):
+    """Text outside of backticks must not look like a command or a tag."""
+    parts = text.split("`")
+    for i in range(0, len(parts), 2):
+        parts[i] = re.sub(r"[\\@#%&]", lambda m: "\\" + m[0], parts[i])
+        parts[i] = parts[i].replace("<", "&lt;").replace(">", "&gt;")
+    return "`".join(parts)
+
+
+def documented(lines, first=""):
+    """A comment's text as the lines of a Doxygen comment; the code samples in it as code."""
+    result, in_code, in_item = [], False, False
+    for i, line in enumerate(lines):
+        if line.startswith("- "):
+            in_item = True
+        elif not line.startswith("  "):
+            in_item = False
+        sample = line.startswith("  ") and not in_item
+        if in_code and not sample and any(later.startswith("  ") for later in lines[i:]) and not line:
+            following = next(later for later in lines[i:] if later)
+            sample = following.startswith("  ")  # a blank line inside an example
+        if sample != in_code:
+            result.append("@code{.cpp}" if sample else "@endcode")
+            in_code = sample
+        result.append(line[2:] if sample else escaped(line))
+    if in_code:
+        result.append("@endcode")
+    return [first] + result if first else result
+
+
+class Filter:
+    def __init__(self, lines):
+        self.lines = lines
+        self.out = []
+        self.pending = None  # the comment that stands right before
+        self.shared = None  # the comment of the declarations up to the next blank line
+        self.section = None  # the comment of those up to the next "----"
+        self.i = 0
+
+    def comment(self):
+        """Takes a comment of whole lines."""
+        block = []
+        while self.i < len(self.lines) and (match := COMMENT.match(self.lines[self.i])):
+            block.append(match[2] or "")
+            self.i += 1
+        return block
+
+    def emit(self, indent, block):
+        self.out += [f"{indent}/// {line}".rstrip() for line in documented(block)]
+
+    def document(self, line, own_behind):
+        indent = re.match(r"\s*", line)[0]
+        block = self.pending
+        if block is None and not own_behind:
+            block = self.shared or self.section
+        if block is None and not own_behind:
+            text = next((words for form, words in STANDARD if form.match(line.strip())), None)
+            block = [text] if text else None
+        if block and not re.match(r"\s*(#(?!\s*define)|namespace\b|\}|extern \"C\" \{)", line):
+            self.emit(indent, block)
+
+    def declaration(self):
+        """Takes one declaration; the body of a function goes with it, that of a scope does not."""
+        start = self.i
+        depth = 0
+        first = start
+        while re.match(r"^\s*template\s*<.*>$", self.lines[first]):
+            first += 1
+        scope = SCOPE.match(self.lines[first])
+        block = []
+        while self.i < len(self.lines):
+            line = self.lines[self.i]
+            self.i += 1
+            block.append(line)
+            code = re.sub(r'"(?:[^"\\]|\\.)*"', '""', line).split("//")[0].rstrip()
+            depth += code.count("{") - code.count("}") + code.count("(") - code.count(")")
+            if block[0].lstrip().startswith("#"):
+                if not line.endswith("\\"):
+                    break
+            elif scope and code.endswith("{"):
+                break
+            elif depth <= 0 and (code.endswith((";", "}", ":")) or (code.endswith(",") and "(" not in code)
+                                 or re.match(r"^\s*\w+( = [^;]*)?$", code)):
+                break
+        return block, scope
+
+    def behind(self, block):
+        """Makes comments behind code Doxygen's."""
+        result, last = [], False
+        for line in block:
+            match = re.match(r'^((?:[^"/]|"(?:[^"\\]|\\.)*"|/(?!/))*[^\s/"](?:"[^"]*")?\s*)// (.*)$', line)
+            if match and not re.match(r"\s*[#}]", match[1]):
+                result.append(f"{match[1]}///< {escaped(match[2])}")
+            else:
+                result.append(line)
+        # a comment behind code that goes on in the lines below
+        while self.i < len(self.lines) and result and "///< " in result[-1]:
+            column = result[-1].index("///< ")
+            more = COMMENT.match(self.lines[self.i])
+            if not more or len(more[1]) != column:
+                break
+            result.append(f"{more[1]}///< {escaped(more[2] or '')}")
+            self.i += 1
+        return result
+
+    def run(self):
+        while self.i < len(self.lines) and not COMMENT.match(self.lines[self.i]):
+            self.i += 1
+        self.out += ["/** @file"] + [line for line in documented(self.comment())] + ["*/"]
+        while self.i < len(self.lines):
+            line = self.lines[self.i]
+            if not line.strip():
+                self.pending = self.shared = None
+                self.out.append(line)
+                self.i += 1
+            elif COMMENT.match(line):
+                block = self.comment()
+                if block[0].startswith("---- "):
+                    self.section = [block[0][5:]] + block[1:]
+                    self.pending = self.shared = None
+                else:
+                    self.pending, self.shared = block, None
+            elif LABEL.match(line):
+                self.section = self.pending = self.shared = None
+                self.out.append(line)
+                self.i += 1
+            else:
+                block, scope = self.declaration()
+                block = self.behind(block)
+                self.document(line, any("///<" in text for text in block))
+                self.shared = None if scope else (self.pending or self.shared)
+                self.pending = None
+                if re.match(r"\s*\}", line):
+                    self.section = self.shared = None
+                self.out += block
+        return self.out
+
+
+if __name__ == "__main__":
+    with open(sys.argv[1], encoding="utf-8") as header:
+        print("\n".join(Filter(header.read().split("\n")).run()))
