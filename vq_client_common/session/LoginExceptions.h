@@ -72,7 +72,7 @@ class VQ_CLIENT_COMMON_API BadOrbixCfgEx : public BaseLoginEx {
 // its reference holds.
 class VQ_CLIENT_COMMON_API NoServerEx : public BaseLoginEx {
  public:
-  // Raises nothing: a look-up that fails leaves host and port out of the text.
+  // `reason`: the text for the user, or empty. A look-up that fails leaves host and port out of it.
   explicit NoServerEx(const std::string& reason);
 };
 

@@ -41,19 +41,19 @@ class VQ_CLIENT_COMMON_API BaseString {
   using const_iterator = std::string::const_iterator;
 
   BaseString() = default;
-  // The text; null counts as the empty one.
+  // The text. Null raises std::invalid_argument, here and wherever a plain text is taken.
   BaseString(const char* text);
   BaseString(const std::string& text) : m_text(text) {}
   BaseString(std::int32_t count, char character);  // a negative count raises std::length_error
   // A text of one byte.
   BaseString(char character) : m_text(1, character) {}
 
-  // Takes over the text; null counts as the empty one.
+  // Takes over the text.
   BaseString& operator=(const char* text);
   // Sets the length to one. An empty text becomes `character`; any other keeps its first byte.
   BaseString& operator=(char character);
 
-  // Appends, in place; null counts as the empty text. Return this object.
+  // Append in place, and return this object.
   BaseString& operator+=(const BaseString& text);
   BaseString& operator+=(const char* text);
   BaseString& operator+=(char character);
