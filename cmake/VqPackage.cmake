@@ -16,7 +16,7 @@ set(VQ_PACKAGE_MAINTAINER
   CACHE STRING "Who answers for the packages, as Debian writes it")
 
 install(FILES README.md CONTRIBUTING.md ARCHITECTURE.md TYPE DOC COMPONENT documentation)
-install(DIRECTORY docs TYPE DOC COMPONENT documentation)
+install(DIRECTORY docs TYPE DOC COMPONENT documentation FILES_MATCHING PATTERN "*.md")
 install(DIRECTORY examples TYPE DOC COMPONENT documentation)
 
 set(CPACK_GENERATOR DEB)
