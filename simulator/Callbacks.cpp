@@ -15,6 +15,34 @@ constexpr std::chrono::milliseconds kLongestTime{30'000};  // the server's end w
 
 }  // namespace
 
+class Callbacks::Turn {
+ public:
+  // Waits for the turn; not longer than this.
+  Turn(Callbacks& callbacks, CORBA::Long id, std::chrono::milliseconds patience)
+      : m_callbacks(callbacks), m_id(id) {
+    std::unique_lock lock(callbacks.m_mutex);
+    m_isMine = callbacks.m_turnOver.wait_for(lock, patience,
+                                             [&] { return callbacks.m_called.insert(id).second; });
+  }
+  ~Turn() {
+    if (!m_isMine) return;
+    {
+      const std::lock_guard lock(m_callbacks.m_mutex);
+      m_callbacks.m_called.erase(m_id);
+    }
+    m_callbacks.m_turnOver.notify_all();
+  }
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+
+  [[nodiscard]] bool IsMine() const { return m_isMine; }
+
+ private:
+  Callbacks& m_callbacks;
+  const CORBA::Long m_id;
+  bool m_isMine;
+};
+
 CORBA::Long Callbacks::Add(const std::string& userId, CORBA::Object_ptr object) {
   const std::lock_guard lock(m_mutex);
   if (m_entries.size() >= kMostCallbacks) {  // sessions that timed out took none of theirs along
@@ -59,7 +87,8 @@ bool Callbacks::Ping(CORBA::Long id, std::chrono::milliseconds time, std::string
     return false;
   }
   m_world.Wait(std::min(site->callbackDelay, time));
-  if (site->callbackDelay >= time) {
+  const Turn turn(*this, id, time - std::min(site->callbackDelay, time));
+  if (site->callbackDelay >= time || !turn.IsMine()) {
     message = "The callback was not answered in time.";
     return false;
   }

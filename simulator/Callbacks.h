@@ -5,8 +5,10 @@
 #define VQ_SIMULATOR_CALLBACKS_H
 
 #include <chrono>
+#include <condition_variable>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 
 #include <simulator/World.h>
@@ -36,10 +38,16 @@ class Callbacks {
     std::string userId;
     CORBA::Object_var object;
   };
+  // The right to call one object, which one thread has at a time: the ORB keeps the limit of a call
+  // with the reference.
+  class Turn;
+
   World& m_world;
   std::mutex m_mutex;
   CORBA::Long m_last = 0;
   std::map<CORBA::Long, Entry> m_entries;
+  std::set<CORBA::Long> m_called;  // whose turn somebody has
+  std::condition_variable m_turnOver;
 };
 
 }  // namespace vq::sim

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -234,6 +235,40 @@ TEST_F(Service, ACallbackIsReallyCalled) {
   EXPECT_TRUE(repository->CRB_UnregisterCallbackById(callback));
   EXPECT_FALSE(repository->CRB_UnregisterCallbackById(callback));
   EXPECT_TRUE(repository->CRB_UnregisterCallbacksByUserToken(id.c_str()));
+  poa->destroy(true, true);
+}
+
+// Calls of every kind at once, also those of one object to be called back, while the site changes.
+TEST_F(Service, HoldsAgainstManyClientsAtOnce) {
+  const std::string id = LogIn("admin").userId;
+  PortableServer::POA_var poa = CreatePoa(orb, "client", options);
+  Pinged servant;
+  PortableServer::ObjectId_var oid = poa->activate_object(&servant);
+  CORBA::Object_var object = poa->id_to_reference(oid);
+  const CORBA::Long callback = repository->CRB_RegisterCallback(id.c_str(), object, true);
+  constexpr int kClients = 4;
+  constexpr int kRounds = 25;
+  std::vector<std::thread> clients;
+  for (int client = 0; client < kClients; ++client) {
+    clients.emplace_back([&, client] {
+      for (int round = 0; round < kRounds; ++round) {
+        Register("ann", std::string(64, 'a'));
+        EXPECT_NE(LogIn("admin").userId, "");
+        CORBA::String_var text;
+        EXPECT_TRUE(users->CRB_TryCallback(callback, 30'000, text.out())) << text.in();
+        EXPECT_TRUE(repository->CRB_UnregisterCallbackById(
+            repository->CRB_RegisterCallback(id.c_str(), object, true)));
+        QCSCorbaAuthorization_var authorization;
+        QCSCorbaAuthorizationStruct_var snapshot;
+        users->CRB_GetMyAuthorizationsFromMemory(id.c_str(), authorization.out(), snapshot.out());
+        EXPECT_FALSE(authorization->CRB_IsAccountLocked(id.c_str()));
+        world.Patch({{"messages", {{"refused", std::to_string(client * kRounds + round)}}}});
+      }
+    });
+  }
+  for (std::thread& client : clients) client.join();
+  EXPECT_EQ(servant.pings, kClients * kRounds);
+  EXPECT_EQ(world.sessions.List().size(), 1U + kClients * kRounds);
   poa->destroy(true, true);
 }
 
