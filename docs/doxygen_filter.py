@@ -11,8 +11,8 @@ comments Doxygen's:
   those that have one of their own.
 - A comment behind a declaration is the declaration's too.
 - Lines of a comment that are indented are an example.
-- Copying, assigning and destroying are told by the comment of the class, so where they have no
-  comment of their own they get one that says what they do.
+- Copying, assigning and destroying get one of a few standard comments where they have none of their
+  own: the comment of the class tells what is special about them.
 """
 
 import re
@@ -22,23 +22,21 @@ COMMENT = re.compile(r"^(\s*)//(?: (.*)|)$")
 SCOPE = re.compile(r"^\s*(?:template\s*<.*>\s*)?(?:inline\s+)?(class|struct|enum|namespace|union)\b")
 LABEL = re.compile(r"^\s*(public|protected|private)\s*:")
 STANDARD = (
-    (re.compile(r"^(?:virtual )?~\w+\("), "Destroys the object."),
-    (re.compile(r"^(\w+)\((?:const )?\1&[^,]*\) = delete"), "An object is not copied."),
-    (re.compile(r"^(\w+)& operator=\((?:const )?\1&[^,]*\) = delete"), "An object is not assigned."),
-    (re.compile(r"^(\w+)\((?:const )?\1&[^,]*\)"), "Copies; the class tells what a copy takes over."),
-    (re.compile(r"^(\w+)\(\1&&[^,]*\)"), "Takes over what the other object held."),
-    (re.compile(r"^(\w+)& operator=\((?:const )?\1&&?[^,]*\)"),
-     "Assigns; the class tells what a copy takes over."),
+    (re.compile(r"(?:virtual )?~\w+\("), "Destroys the object."),
+    (re.compile(r"(\w+)\((?:const )?\1&[^,]*\) = delete"), "An object is not copied."),
+    (re.compile(r"(\w+)& operator=\((?:const )?\1&[^,]*\) = delete"), "An object is not assigned."),
+    (re.compile(r"(\w+)\((?:const )?\1&&?[^,]*\)"), "A copy."),
+    (re.compile(r"(\w+)& operator=\((?:const )?\1&&?[^,]*\)"), "Assigns what a copy takes over."),
 )
 
 
 def escaped(text):
-    """Text outside of backticks must not look like a command or a tag."""
-    parts = text.split("`")
+    """Text must not look like a command or a tag; Doxygen leaves quotes and backticks alone."""
+    parts = re.split(r'("[^"]*"|`[^`]*`)', text)
     for i in range(0, len(parts), 2):
         parts[i] = re.sub(r"[\\@#%&]", lambda m: "\\" + m[0], parts[i])
         parts[i] = parts[i].replace("<", "&lt;").replace(">", "&gt;")
-    return "`".join(parts)
+    return "".join(parts)
 
 
 def documented(lines, first=""):
@@ -86,10 +84,8 @@ class Filter:
         indent = re.match(r"\s*", line)[0]
         block = self.pending
         if block is None and not own_behind:
-            block = self.shared or self.section
-        if block is None and not own_behind:
             text = next((words for form, words in STANDARD if form.match(line.strip())), None)
-            block = [text] if text else None
+            block = [text] if text else self.shared or self.section
         if block and not re.match(r"\s*(#(?!\s*define)|namespace\b|\}|extern \"C\" \{)", line):
             self.emit(indent, block)
 

@@ -71,6 +71,7 @@ class VQ_SUPPORT_API TDiag {
 
   // A level for one module by its registered name, now or when such a module appears.
   void SetModuleLevel(std::string_view module, int level);
+  // Every module then has the general level.
   void ClearModuleLevels();
 
   // Lines whose class has no bit in common with the mask are not written. All bits until set.
@@ -86,6 +87,7 @@ class VQ_SUPPORT_API TDiag {
                      std::size_t olderFiles = 3);
   SinkId AddCallbackSink(Callback callback);
   void RemoveSink(SinkId id);  // an unknown number is no fault
+  // No line is active then.
   void RemoveAllSinks();
 
   // Applies a text of the form of VQ_DIAG_LEVEL; what is not of that form is left out.

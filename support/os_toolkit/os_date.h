@@ -53,6 +53,7 @@ class VQ_SUPPORT_API os_date {
   constexpr std::int64_t julian_day() const noexcept { return m_days + kJulianDayOf1970; }
   // 00:00 of this day, counted from 00:00 of the Julian day 0.
   constexpr os_time_period start() const { return {julian_day(), 0, 0, 0, 0}; }
+  // The parts of the date; month and day count from 1.
   constexpr int year() const noexcept { return static_cast<int>(parts().year()); }
   constexpr int month() const noexcept {
     return static_cast<int>(static_cast<unsigned>(parts().month()));
@@ -81,6 +82,7 @@ class VQ_SUPPORT_API os_date {
   friend constexpr os_time_period operator-(os_date left, os_date right) {
     return {left.m_days - right.m_days, 0, 0, 0, 0};
   }
+  // By day.
   friend constexpr auto operator<=>(const os_date&, const os_date&) = default;
 
  private:

@@ -41,6 +41,7 @@ class VQ_SUPPORT_API QCSObject {
   // All attributes in the order of their names.
   const_iterator begin() const { return m_attributes.begin(); }
   const_iterator end() const { return m_attributes.end(); }
+  // How many attributes there are.
   std::size_t size() const { return m_attributes.size(); }
 
  private:

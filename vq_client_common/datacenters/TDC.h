@@ -39,28 +39,35 @@ class VQ_CLIENT_COMMON_API TDC {
   virtual void SerializePrevVersion(void* archive);
   virtual ~TDC();
 
-  // The name is the key in a TDCList.
+  // The name, which is the key in a TDCList.
   std::string GetName() const { return m_name; }
   void SetName(const std::string& value) { m_name = value; }
+  // The new-day time, "HHMM" or five characters.
   std::string GetNewDayTime() const { return m_newDayTime; }
   void SetNewDayTime(const std::string& value) { m_newDayTime = value; }
-  // The mark as the server sends it.
+  // Whether the data center is in use: the mark as the server sends it.
   std::string GetEnabled() const { return m_enabled; }
   void SetEnabled(const std::string& value) { m_enabled = value; }
+  // The short code that the server gave it.
   std::string GetCode() const { return m_code; }
   void SetCode(const std::string& value) { m_code = value; }
+  // The time zone as the server has it, such as "(GMT+01:00) Paris".
   std::string GetTimeZone() const { return m_timeZone; }
   void SetTimeZone(const std::string& value) { m_timeZone = value; }
+  // When summer time begins and ends, as the server has it; empty for none.
   std::string GetStartSummerTime() const { return m_startSummerTime; }
   void SetStartSummerTime(const std::string& value) { m_startSummerTime = value; }
   std::string GetEndSummerTime() const { return m_endSummerTime; }
   void SetEndSummerTime(const std::string& value) { m_endSummerTime = value; }
+  // The protocol by which the server reaches it.
   std::string GetProtocol() const { return m_protocol; }
   void SetProtocol(const std::string& value) { m_protocol = value; }
+  // The hosts of the scheduler and of the gateway.
   std::string GetVLTHostName() const { return m_vltHostName; }
   void SetVLTHostName(const std::string& value) { m_vltHostName = value; }
   std::string GetGTWHostName() const { return m_gtwHostName; }
   void SetGTWHostName(const std::string& value) { m_gtwHostName = value; }
+  // Words for the user, and whom to ask.
   std::string GetDescription() const { return m_description; }
   void SetDescription(const std::string& value) { m_description = value; }
   std::string GetContact() const { return m_contact; }
@@ -91,6 +98,7 @@ class VQ_CLIENT_COMMON_API TDC {
 
   // A copy, its SMART-tables flag false.
   TVltVersion GetVersion() const { return m_version; }
+  // The platform of the version.
   TVltType GetType() const { return m_version.Type(); }
   // Both take over type, version and fix-pack level.
   void SetType(const TVltVersion& version) { m_version = version; }

@@ -62,6 +62,7 @@ class VQ_CLIENT_COMMON_API TDCList {
   int GetAsStringListByVersion(ArrayWrap<std::string>& names, const TVltVersion& version) const;
   // The first name in order; empty for an empty list.
   std::string GetFirstItem() const;
+  // How many records there are.
   std::uint32_t GetNumItems() const;
 
   // The first record, or the end for an empty list; and the end.

@@ -70,6 +70,7 @@ class VQ_CLIENT_COMMON_API TVltVersion {
  public:
   // Unknown type, empty version, empty level, flag false.
   TVltVersion() = default;
+  // As SetTypeVer; the flag is false.
   TVltVersion(TVltType type, const std::string& version, const std::string& fixPack);
   TVltVersion(const TVltVersion& other);
   TVltVersion& operator=(const TVltVersion& other);

@@ -95,6 +95,7 @@ class VQ_CLIENT_COMMON_API CmdParser {
   // Takes off one "-" or "/" at the start. Throws std::out_of_range for an empty token.
   void trim(std::string& token) const;
   void set_case(std::string& token) const;  // folds to upper case, if names are folded
+  // Sets the log's level from the parameter "DBG"; see parse.
   void check_debug();
 
  private:

@@ -18,7 +18,9 @@ class VQ_CLIENT_COMMON_API TErrMsgs {
   // Appends a copy. References to elements are no longer valid then. A list at its size limit
   // raises std::length_error "vector<T> too long".
   void AddMsg(const TErrMsg& message);
+  // Makes the list empty.
   void RemoveAll() { m_messages.clear(); }
+  // The number of messages.
   std::uint32_t GetSize() const { return static_cast<std::uint32_t>(m_messages.size()); }
 
   // The element at `index`, from 0: itself, a copy, itself. An index at or beyond the size raises
