@@ -6,70 +6,90 @@
 Each row of GOALS compares two benchmarks of one program, measured in the same run, or takes a
 number that a program reports of itself. Medians of several repetitions count. The table is also
 written as JSON to BUILD_DIRECTORY/benchmarks.json. The exit code is 1 when a goal is missed or a
-row finds nothing to compare.
+row finds nothing to measure, and 2 when a program is not known or has no row.
+docs/performance.md explains the rows.
 """
 
+import datetime
 import json
+import os
+import platform
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
 REPETITIONS = 5
+LONGEST_RUN = 1800  # seconds, for one program
 
-# program, what, ours, peer (or None), comparison, limit.
-#   "times faster": peer / ours is at least the limit    "times": ours / peer is at most the limit
-#   "ms": ours takes at most so long    a counter's name: ours reports at most that
+# program, what is measured, peer, benchmark, the peer's benchmark (or None), form, limit.
+#   "faster": peer / ours is at least the limit      "times": ours / peer is at most the limit
+#   "ratio": the same, compared by the program       "ms", "ns": ours takes at most so long
+#   a counter's name: ours reports at most that
 GOALS = [
-    ("login", "a warm login, beside its bare remote calls", "Login", None, "ratio", 1.10),
-    ("login", "GetSystemParameter, beside the stub call", "Parameter", None, "ratio", 1.05),
-    ("login", "GL_ClientKeepAlive, beside the stub call", "KeepAlive", None, "ratio", 1.05),
-    ("authorizations", "a question on 10,000 grants, beside a scan", "AskIndex/10000",
-     "AskScan/10000", "times faster", 200),
-    ("authorizations", "100,000 grants, beside 10,000", "AskIndex/100000", "AskIndex/10000",
-     "times", 2),
-    ("authorizations", "building the index, beside fetching the snapshot", "Build", "Fetch",
-     "times", 2),
-    ("times", "a time text, beside snprintf", "BM_TimeString", "BM_TimeStringThroughSnprintf",
-     "times faster", 8),
-    ("times", "a date and a day, beside timegm", "BM_DatePlusOrMinusADay",
-     "BM_DatePlusOrMinusADayThroughTimegm", "times faster", 5),
-    ("times", "the zone table of 10,000 records", "BM_ZoneTable/10000", None, "ms", 10),
-    ("datacenters", "adding 100,000 records, beside std::map", "Add<TDCList>/100000",
+    ("login", "a warm login", "its bare remote calls", "Login", None, "ratio", 1.10),
+    ("login", "GetSystemParameter", "the stub call", "Parameter", None, "ratio", 1.05),
+    ("login", "GL_ClientKeepAlive", "the stub call", "KeepAlive", None, "ratio", 1.05),
+    ("authorizations", "a question on 10,000 grants", "a scan of the grants", "AskIndex/10000",
+     "AskScan/10000", "faster", 200),
+    ("authorizations", "a question on 100,000 grants", "the same on 10,000", "AskIndex/100000",
+     "AskIndex/10000", "times", 2),
+    ("authorizations", "building the index", "fetching the snapshot", "Build", "Fetch", "times",
+     2),
+    ("times", "a time text", "snprintf", "BM_TimeString", "BM_TimeStringThroughSnprintf",
+     "faster", 8),
+    ("times", "a date and a day", "timegm", "BM_DatePlusOrMinusADay",
+     "BM_DatePlusOrMinusADayThroughTimegm", "faster", 5),
+    ("times", "the zone table of 10,000 records", None, "BM_ZoneTable/10000", None, "ms", 10),
+    ("datacenters", "adding 100,000 records", "std::map", "Add<TDCList>/100000",
      "Add<Map>/100000", "times", 2),
-    ("datacenters", "finding 100,000 records, beside std::map", "Find<TDCList>/100000",
+    ("datacenters", "finding 100,000 records", "std::map", "Find<TDCList>/100000",
      "Find<Map>/100000", "times", 2),
-    ("datacenters", "listing 100,000 names, beside std::map", "ListNames<TDCList>/100000",
+    ("datacenters", "listing 100,000 names", "std::map", "ListNames<TDCList>/100000",
      "ListNames<Map>/100000", "times", 2),
-    ("properties", "loading 10,000 entries, beside the bare parse", "LoadProperties",
-     "LoadBareParse", "times", 1.2),
-    ("properties", "saving 10,000 entries, beside one fwrite", "SaveProperties", "SaveOneWrite",
+    ("properties", "loading 10,000 entries", "the bare parse", "LoadProperties", "LoadBareParse",
+     "times", 1.2),
+    ("properties", "saving 10,000 entries", "one fwrite", "SaveProperties", "SaveOneWrite",
      "times", 5),
-    ("text", "decoding 10 MB of lines, beside memcpy", "CompareWithMemcpy/decode", None, "ratio",
-     3.5),
-    ("text", "encoding 10 MB of lines, beside memcpy", "CompareWithMemcpy/encode", None, "ratio",
-     4),
-    ("text", "decoding 10 MB, beside 1 MB", "Growth/decode", None, "ratio", 12),
-    ("text", "encoding 10 MB, beside 1 MB", "Growth/encode", None, "ratio", 12),
-    ("text", "100,000 archive records, beside formatted extraction", "Archive", None, "ratio",
-     0.25),
+    ("text", "decoding 10 MB of lines", "memcpy", "CompareWithMemcpy/decode", None, "ratio", 3.5),
+    ("text", "encoding 10 MB of lines", "memcpy", "CompareWithMemcpy/encode", None, "ratio", 4),
+    ("text", "decoding 10 MB", "decoding 1 MB", "Growth/decode", None, "ratio", 12),
+    ("text", "encoding 10 MB", "encoding 1 MB", "Growth/encode", None, "ratio", 12),
+    ("text", "100,000 archive records", "formatted extraction", "Archive", None, "ratio", 0.25),
+    ("log", "a line without a sink", "a load and a branch", "DisabledLine/0", "LoadAndBranch",
+     "ns", 2),
+    ("log", "a line below the level", "a load and a branch", "DisabledLine/1", "LoadAndBranch",
+     "ns", 2),
+    ("log", "a scope and a line", "a load and a branch", "DisabledScopeAndLine/1",
+     "LoadAndBranch", "ns", 2),
+    ("log", "allocations of such lines", None, "DisabledScopeAndLine/1", None, "allocations", 0),
+    ("log", "arguments evaluated for them", None, "DisabledScopeAndLine/1", None, "evaluated", 0),
+    ("startup", "vqclient --version", "an empty program, same libraries",
+     "Version/same_libraries", None, "ratio", 1.2),
+    ("startup", "vqclient --version", "the same without this library", "Version/without_ours",
+     None, "ratio", 1.3),
 ]
-UNITS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
+SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 
 
 def run(program):
-    """Median results by benchmark name."""
+    """Median results by benchmark name; none when the program is missing, hangs or crashes."""
     with tempfile.NamedTemporaryFile(suffix=".json") as output:
-        subprocess.run(
-            [program, f"--benchmark_out={output.name}", "--benchmark_out_format=json",
-             f"--benchmark_repetitions={REPETITIONS}", "--benchmark_report_aggregates_only=true"],
-            check=False, stdout=subprocess.DEVNULL)
-        text = output.read()
-    results = {}
-    for entry in json.loads(text)["benchmarks"] if text else []:
-        if entry.get("aggregate_name") == "median":
-            results[entry["run_name"]] = entry
-    return results
+        try:
+            ended = subprocess.run(
+                [program, f"--benchmark_out={output.name}", "--benchmark_out_format=json",
+                 f"--benchmark_repetitions={REPETITIONS}",
+                 "--benchmark_report_aggregates_only=true"],
+                check=False, stdout=subprocess.DEVNULL, timeout=LONGEST_RUN)
+            report = json.loads(output.read())
+        except (OSError, subprocess.TimeoutExpired, json.JSONDecodeError) as failure:
+            print(f"{program}: {failure}", file=sys.stderr)
+            return {}
+    if ended.returncode < 0:
+        print(f"{program}: ended by signal {-ended.returncode}", file=sys.stderr)
+        return {}
+    return {entry["run_name"]: entry for entry in report["benchmarks"]
+            if entry.get("aggregate_name") == "median" and not entry.get("error_occurred")}
 
 
 def find(results, name):
@@ -81,52 +101,105 @@ def find(results, name):
 
 
 def seconds(entry, program):
-    """Processor time, which other work on the machine does not change; elapsed time where a server
-    in another process has its share of the work."""
-    time = "real_time" if program == "login" else "cpu_time"
-    return entry[time] * UNITS[entry["time_unit"]]
+    """Processor time, which other work on the machine does not change; elapsed time where the
+    program measures by itself or a server in another process has its share of the work."""
+    time = "real_time" if program in ("login", "startup") else "cpu_time"
+    return entry[time] * SECONDS[entry["time_unit"]]
 
 
-def measure(row, results):
-    program, _, ours_name, peer_name, form, limit = row
+def measure(goal, results):
+    """The row of the table for one goal."""
+    program, what, peer, ours_name, peer_name, form, limit = goal
+    row = {"program": program, "what": what, "peer": peer, "form": form, "limit": limit,
+           "ours_seconds": None, "peer_seconds": None, "measured": None, "verdict": "NOT MEASURED"}
     ours = find(results, ours_name)
-    peer = find(results, peer_name) if peer_name else None
-    if ours is None or (peer_name and peer is None):
-        return None, False
-    if form == "times faster":
-        value = seconds(peer, program) / seconds(ours, program)
-        return value, value >= limit
-    if form == "times":
-        value = seconds(ours, program) / seconds(peer, program)
-    elif form == "ms":
-        value = seconds(ours, program) * 1000
+    theirs = find(results, peer_name) if peer_name else None
+    if ours is None or (peer_name and theirs is None):
+        return row
+    row["ours_seconds"] = seconds(ours, program)
+    if theirs:
+        row["peer_seconds"] = seconds(theirs, program)
+    if form == "faster":
+        row["measured"] = row["peer_seconds"] / row["ours_seconds"]
+    elif form == "times":
+        row["measured"] = row["ours_seconds"] / row["peer_seconds"]
+    elif form in SECONDS:
+        row["measured"] = row["ours_seconds"] / SECONDS[form]
+    elif form in ours:
+        row["measured"] = ours[form]
+        row["peer_seconds"] = ours.get("peer_s")
+        if row["peer_seconds"]:
+            row["ours_seconds"] = ours["ratio"] * row["peer_seconds"]
     else:
-        value = ours[form]
-    return value, value <= limit
+        return row
+    met = row["measured"] >= limit if form == "faster" else row["measured"] <= limit
+    row["verdict"] = "met" if met else "MISSED"
+    return row
+
+
+def duration(value):
+    """Three digits and a unit."""
+    if value is None:
+        return "-"
+    unit = next((u for u in ("s", "ms", "us") if value >= SECONDS[u]), "ns")
+    return f"{value / SECONDS[unit]:.3g} {unit}"
+
+
+def figure(value, form):
+    if value is None:
+        return "-"
+    unit = {"faster": "x faster", "times": "x", "ratio": "x"}.get(form, f" {form}")
+    return f"{value:.{0 if value >= 100 else 2}f}{unit}" if unit[0] == "x" else f"{value:.3g}{unit}"
+
+
+def print_table(rows):
+    table = [("program", "measured", "time", "peer", "time", "figure", "goal", "verdict")]
+    for row in rows:
+        sign = ">=" if row["form"] == "faster" else "<="
+        is_count = row["form"] not in ("faster", "times", "ratio") and row["form"] not in SECONDS
+        table.append((row["program"], row["what"],
+                      "-" if is_count else duration(row["ours_seconds"]), row["peer"] or "-",
+                      duration(row["peer_seconds"]), figure(row["measured"], row["form"]),
+                      f"{sign} {figure(row['limit'], row['form'])}", row["verdict"]))
+    widths = [max(len(line[column]) for line in table) for column in range(len(table[0]))]
+    for line in table:
+        print("  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip())
+    met = sum(row["verdict"] == "met" for row in rows)
+    print(f"{met} of {len(rows)} goals met")
+
+
+def machine():
+    processor = platform.processor()
+    for line in Path("/proc/cpuinfo").read_text().splitlines():
+        if line.startswith("model name"):
+            processor = line.split(":", 1)[1].strip()
+            break
+    return {"processor": processor, "processors": os.cpu_count(),
+            "load_average": os.getloadavg()[0], "system": platform.platform(),
+            "date": datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="seconds")}
 
 
 def main():
+    if len(sys.argv) < 2:
+        print(__doc__, file=sys.stderr)
+        return 2
     build = Path(sys.argv[1])
-    wanted = set(sys.argv[2:])
-    rows, missed = [], 0
-    for program in dict.fromkeys(goal[0] for goal in GOALS):
-        if wanted and program not in wanted:
-            continue
-        results = run(build / "benchmarks" / program / f"bench_{program}")
-        for goal in (g for g in GOALS if g[0] == program):
-            value, met = measure(goal, results)
-            missed += not met
-            verdict = "met" if met else "MISSED" if value is not None else "NOT MEASURED"
-            rows.append({"program": program, "what": goal[1], "form": goal[4], "limit": goal[5],
-                         "measured": value, "verdict": verdict})
-    for row in rows:
-        least = "at least" if row["form"] == "times faster" else "at most"
-        form = "times" if row["form"] == "ratio" else row["form"]
-        measured = "-" if row["measured"] is None else f"{row['measured']:.2f}"
-        print(f"{row['program']:<15} {row['what']:<54} {measured:>9} {form:<13}"
-              f"{least} {row['limit']:<6} {row['verdict']}")
-    (build / "benchmarks.json").write_text(json.dumps(rows, indent=2) + "\n")
-    return 1 if missed else 0
+    programs = list(dict.fromkeys(goal[0] for goal in GOALS))
+    folders = {path.parent.name for path in Path(__file__).parent.glob("*/CMakeLists.txt")}
+    wanted = sys.argv[2:] or programs
+    for name in set(wanted) - set(programs) | folders - set(programs):
+        print(f"{name}: no such benchmark, or one without a goal", file=sys.stderr)
+        return 2
+    before = machine()
+    rows = []
+    for program in programs:
+        if program in wanted:
+            results = run(build / "benchmarks" / program / f"bench_{program}")
+            rows += [measure(goal, results) for goal in GOALS if goal[0] == program]
+    print_table(rows)
+    (build / "benchmarks.json").write_text(
+        json.dumps({"machine": before, "rows": rows}, indent=2) + "\n")
+    return 0 if all(row["verdict"] == "met" for row in rows) else 1
 
 
 if __name__ == "__main__":

@@ -87,7 +87,7 @@ double Compare(benchmark::State& state, First first, Second second) {
     state.SetIterationTime(seconds.back());
   }
   const double ratio = Median(seconds) / Median(firsts);
-  state.counters["peer_ms"] = Median(firsts) * 1000;
+  state.counters["peer_s"] = Median(firsts);
   state.counters["ratio"] = ratio;
   return ratio;
 }
