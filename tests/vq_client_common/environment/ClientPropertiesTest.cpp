@@ -108,6 +108,17 @@ TEST_F(ClientPropertiesTest, AHostileFileCostsLittleAndFetchesNothing) {
   }
 }
 
+TEST_F(ClientPropertiesTest, ManyNamesCostNoMoreEachThanFew) {
+  std::string content = "<P>";
+  for (int i = 0; i < 100'000; ++i) {
+    const std::string number = std::to_string(i);
+    content += "<K" + number + " a" + number + "=''><i" + number + "/></K" + number + ">";
+  }
+  const std::clock_t start = std::clock();
+  EXPECT_EQ(Loaded(content + "</P>")->GetStringValue("K99999", "-"), "");
+  EXPECT_LT(std::clock() - start, 10 * CLOCKS_PER_SEC) << "of processor time";
+}
+
 TEST_F(ClientPropertiesTest, Numbers) {
   const std::pair<const char*, int> cases[] = {{"12abc", 12}, {"abc", 0}, {"", 7},
                                                {" 3", 3},     {"0", 0},   {"99999999999", INT_MAX}};

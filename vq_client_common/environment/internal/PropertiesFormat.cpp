@@ -6,6 +6,8 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include <support/configuration/SafeFile.h>
 #include <support/configuration/SafeXmlParser.h>
@@ -14,6 +16,7 @@
 #include <support/foundations/ReplaceFirst.h>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/util/XMLString.hpp>
 
 namespace vq {
@@ -103,29 +106,48 @@ void AppendEntry(std::string& text, const std::string& key, const std::string& v
   text += shaped;
 }
 
-// Leaves the text between the entries out of the document: it means nothing, and the line ends
-// there would be half of all nodes that the document is made of.
+// Makes a document of what counts: the elements in the root and what stands in them. Text between
+// them is left out, because the line ends there would be half of all nodes, and so are attributes.
+// Names are kept beside the document, in which all elements below the root have the same one: the
+// XML library's table of a document's names does not grow, and each new name would be compared with
+// more of those before.
 class PropertiesParser final : public SafeXmlParser {
  public:
+  void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                    const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                    XMLSize_t /*attributeCount*/, bool isEmpty, bool isRoot) override {
+    SafeXmlParser::startElement(declaration, uri, prefix, attributes, 0, isEmpty, isRoot);
+  }
   void docCharacters(const XMLCh* characters, XMLSize_t length, bool isCdata) override {
-    if (fCurrentParent == getDocument()->getDocumentElement()) return;
+    if (fCurrentParent == Root()) return;
     SafeXmlParser::docCharacters(characters, length, isCdata);
   }
-};
 
-void AddEntries(const xercesc::DOMDocument& document, PropertiesTable& table) {
-  const xercesc::DOMElement* root = document.getDocumentElement();
-  if (root == nullptr) return;
-  // From sibling to sibling: by index the parser would count from the first each time.
-  for (const xercesc::DOMNode* node = root->getFirstChild(); node != nullptr;
-       node = node->getNextSibling()) {
-    if (node->getNodeType() != xercesc::DOMNode::ELEMENT_NODE) continue;
-    // An element without content reads as the empty text, which is what was saved to write it.
-    const xercesc::DOMNode* content = node->getFirstChild();
-    table.emplace_hint(table.end(), LocalText(node->getNodeName()),
-                       content != nullptr ? LocalText(content->getNodeValue()) : std::string());
+  // Adds the entries, which the parser lets go of.
+  void MoveEntries(PropertiesTable& table) {
+    if (Root() == nullptr) return;
+    auto key = m_keys.begin();
+    // From sibling to sibling: by index the parser would count from the first each time.
+    for (const xercesc::DOMNode* node = Root()->getFirstChild(); node != nullptr;
+         node = node->getNextSibling()) {
+      if (node->getNodeType() != xercesc::DOMNode::ELEMENT_NODE) continue;
+      // An element without content reads as the empty text, which is what was saved to write it.
+      const xercesc::DOMNode* content = node->getFirstChild();
+      table.emplace_hint(table.end(), std::move(*key++),
+                         content != nullptr ? LocalText(content->getNodeValue()) : std::string());
+    }
   }
-}
+
+ private:
+  xercesc::DOMElement* createElement(const XMLCh* name) override {
+    if (Root() == nullptr) return SafeXmlParser::createElement(name);
+    if (fCurrentParent == Root()) m_keys.push_back(LocalText(name));
+    return SafeXmlParser::createElement(u"entry");
+  }
+  xercesc::DOMElement* Root() { return getDocument()->getDocumentElement(); }
+
+  std::vector<std::string> m_keys;  // of the elements in the root, in their order
+};
 
 }  // namespace
 
@@ -171,7 +193,7 @@ bool ParseProperties(std::string_view content, const TDiagFunc& diag, Properties
       VQ_LOG(diag, 1) << "Args file parsing had errors";
       return false;
     }
-    AddEntries(*parser.getDocument(), table);
+    parser.MoveEntries(table);
     return true;
   } catch (const xercesc::XMLException& failure) {
     VQ_LOG(diag, 1) << "An error occurred during parsing. Message: "
