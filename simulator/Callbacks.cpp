@@ -87,7 +87,9 @@ bool Callbacks::Ping(CORBA::Long id, std::chrono::milliseconds time, std::string
     return false;
   }
   m_world.Wait(std::min(site->callbackDelay, time));
+  const auto start = std::chrono::steady_clock::now();
   const Turn turn(*this, id, time - std::min(site->callbackDelay, time));
+  time -= std::chrono::floor<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
   if (site->callbackDelay >= time || !turn.IsMine()) {
     message = "The callback was not answered in time.";
     return false;
