@@ -90,18 +90,12 @@ std::set<std::string> AddressesOf(const ReferenceAddress& reference) {
 
 void OmniOrbTls::Prepare(const OrbSettings& settings) {
   tlsInForce = settings.tls;
-  if (!settings.tls.IsOn()) {
-    if (settings.listenEndpoint.tlsPort == 0) return;
-    throw std::invalid_argument(
-        "the listen endpoint has an ssl_port, and -SSLCertificate is not "
-        "set");
-  }
-  CheckFiles(settings.tls);
   if (settings.listenEndpoint.tlsPort != 0 && settings.tls.certificate.empty()) {
     throw std::invalid_argument(
-        "the listen endpoint has an ssl_port, and -SSLCertificate is not "
-        "set");
+        "the listen endpoint has an ssl_port, and -SSLCertificate is not set");
   }
+  if (!settings.tls.IsOn()) return;
+  CheckFiles(settings.tls);
   if (!settings.tls.verifyPeer) {
     VQ_LOG(diagModule, 1) << "TLS certificates are not verified, since -SSLVerifyPeer is 0: "
                           << "anybody may pose as the server";

@@ -50,7 +50,10 @@ struct TlsSettings {
   bool verifyHost = true;     // refuse a certificate of another host
 
   // Whether TLS is used at all.
-  bool IsOn() const { return !caCertificate.empty() || !certificate.empty(); }
+  // A key alone counts, so that it is refused and nobody believes that TLS is on.
+  bool IsOn() const {
+    return !caCertificate.empty() || !certificate.empty() || !privateKey.empty();
+  }
 };
 
 // All settings of one ORB, each in its own type.

@@ -193,7 +193,7 @@ TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
       {{"-SSLCertificate", garbage}, "of -SSLCertificate cannot be used"},
       {{"-SSLCertificate", good, "-SSLPrivateKey", wrongKey}, "of -SSLPrivateKey cannot be used"},
       {{"-SSLCertificate", m_caFile}, "(one without a pass phrase is needed)"},
-      {{"-SSLCACertificate", m_caFile, "-SSLPrivateKey", good}, "-SSLCertificate is not"},
+      {{"-SSLPrivateKey", good}, "-SSLCertificate is not"},
       {{"-ORBListenEndpoints", "iiop:///ssl_port=5001"}, "ssl_port, and -SSLCertificate is not"},
   };
   for (const auto& row : kRows) {
