@@ -1,5 +1,7 @@
 // The command line of vq_simulator, which the program parses and from which the manual page and the
 // shell's completion are made.
+//
+// Thread contract: one thread.
 #ifndef VQ_SIMULATOR_OPTIONS_H
 #define VQ_SIMULATOR_OPTIONS_H
 

@@ -1,4 +1,6 @@
 // Small steps between the wire's forms and the standard library's.
+//
+// Thread contract: no state; any thread.
 #ifndef VQ_SIMULATOR_WIRE_H
 #define VQ_SIMULATOR_WIRE_H
 

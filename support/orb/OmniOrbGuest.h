@@ -8,7 +8,7 @@
 // which are then closed.
 //
 //   OmniOrbGuest::Install();  // once after each ORB_init
-//   const OmniOrbGuest guest;
+//   OmniOrbGuest guest;
 //   guest.Listen({"giop:tcp::"});
 //   guest.ListenAddresses();  // {"giop:tcp:10.0.0.1:40123", ...}
 #ifndef VQ_SUPPORT_ORB_OMNIORBGUEST_H
