@@ -18,6 +18,8 @@ set(VQ_PACKAGE_MAINTAINER
 install(FILES README.md CONTRIBUTING.md ARCHITECTURE.md TYPE DOC COMPONENT documentation)
 install(DIRECTORY docs TYPE DOC COMPONENT documentation FILES_MATCHING PATTERN "*.md")
 install(DIRECTORY examples TYPE DOC COMPONENT documentation)
+# The pages of the target docs, where they were made.
+install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html TYPE DOC COMPONENT documentation OPTIONAL)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vq-client-common)
@@ -77,7 +79,8 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "omniorb-nameserver")
 
 vq_package(documentation libvq-client-common-doc doc
   "common client library of a job-scheduling suite (documentation)"
-  "This package holds the guides and the examples.")
+  "This package holds the guides, the pages of the public headers and the
+examples.")
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 
 # For finish.cmake and repack.cmake.
