@@ -98,6 +98,19 @@ TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
   }
 }
 
+// More in a second than omniORB keeps connections to one server.
+TEST_F(CallbackTrialTest, TrialsInARowDoNotWaitForEachOther) {
+  StartServer();
+  for (const char* sessionBiDir : {"0", "1"}) {
+    m_orbArguments = {"-BiDirPolicy", sessionBiDir, "-ORBCallTimeout", "5000"};
+    ASSERT_EQ(Login(), 1) << m_log.Text();
+    for (int trial = 0; trial < 14; ++trial) {
+      EXPECT_TRUE(Try(trial % 2 == 0 && *sessionBiDir == '0', "")) << sessionBiDir << trial;
+    }
+    GL_LogOut(true);
+  }
+}
+
 TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWorks) {
   StartServerWith({"--no-bidir"});
   ASSERT_EQ(Login(), 1);
