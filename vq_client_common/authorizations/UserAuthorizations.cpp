@@ -1,5 +1,7 @@
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 
+#include <cstring>
+#include <type_traits>
 #include <utility>
 
 #include <support/diagnostics/TDiag.h>
@@ -21,10 +23,15 @@ bool IsAtLeast(QCSAuthLevelEnum stored, QCSAuthLevelEnum wanted) {
   return static_cast<int>(stored) >= static_cast<int>(wanted);
 }
 
-// A snapshot that is too short gives no right.
+// A snapshot that is too short gives no right, and neither does a number that is no level: an ORB
+// may copy this list off the wire unseen, so the number is not read as a level before it is one.
 QCSAuthLevelEnum LevelOf(const QCSAuthLevelEnumSeq& privileges, PrivilegeTypeEnum privilege) {
   const auto place = static_cast<CORBA::ULong>(privilege);
-  return place < privileges.length() ? privileges[place] : DEFAULT_ACCESS;
+  if (place >= privileges.length()) return DEFAULT_ACCESS;
+  std::underlying_type_t<QCSAuthLevelEnum> number{};
+  static_assert(sizeof number == sizeof privileges[place]);
+  std::memcpy(&number, &privileges[place], sizeof number);
+  return number <= MAX_ACCESS ? static_cast<QCSAuthLevelEnum>(number) : DEFAULT_ACCESS;
 }
 
 VQServiceUserAuth ServiceGrants(const QCSCorbaAuth2LvlSeq2& user,
