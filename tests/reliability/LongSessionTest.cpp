@@ -1,0 +1,65 @@
+// What a session sends over the wire, and one that lasts for a day.
+
+#include "ProxiedFixture.h"
+
+#include <vq_client_common/session/GlobalFuncs.h>
+#include <vq_client_common/session/LoginExceptions.h>
+
+namespace vq::test {
+namespace {
+
+using Operations = std::vector<std::string>;
+
+class LongSessionTest : public ProxiedFixture {
+ protected:
+  LongSessionTest() : ProxiedFixture(std::chrono::seconds(5)) {}
+};
+
+TEST_F(LongSessionTest, OneLoginCallsOverTheWireWhatItHasToAndNothingElse) {
+  const Operations login{"CRB_GetSystemParameterValue", "CRB_GetSystemParameterValue",
+                         "CRB_VerifyClientServerVersion", "CRB_AquireChallenge", "CRB_Register"};
+  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Operations first = login;
+  first.insert(first.begin(), "_non_existent");      // "SystemConfiguration" is probed once
+  first.insert(first.begin() + 3, "_non_existent");  // and so is "UsersManager"
+  EXPECT_EQ(m_proxy->TakeOperations(), first);
+  // The naming service is reached for once when the ORB starts, and asked once for each of the two.
+  EXPECT_EQ(m_namingProxy->TakeOperations(), (Operations{"_non_existent", "resolve", "resolve"}));
+
+  ASSERT_EQ(Login(), 1);
+  EXPECT_EQ(m_proxy->TakeOperations(), login);
+  EXPECT_EQ(m_namingProxy->TakeOperations(), Operations());
+}
+
+TEST_F(LongSessionTest, ASessionOfManyHoursReportsEachLossOnceAndLogsInAgain) {
+  ASSERT_EQ(Login(), 1) << m_log.Text();
+  for (int hour = 0; hour < 24; ++hour) {
+    const bool restarted = hour % 8 == 7;
+    if (restarted) Restart();
+    for (int minute = 0; minute < 60; minute += 5) {
+      m_server->Advance(std::chrono::minutes(5));
+      m_log.Clear();
+      const bool closed = minute == 30;
+      if (closed) m_proxy->CloseConnections();
+      if (closed || (restarted && minute == 0)) {
+        EXPECT_THROW(GL_ClientKeepAlive(), ServerTypeEx);
+        EXPECT_EQ(m_log.Count(1, ""), 1) << m_log.Text();
+      }
+      if (restarted && minute == 0) {
+        GL_LogOut(false);
+        EXPECT_EQ(Login(), 1) << m_log.Text();
+      }
+      m_log.Clear();
+      EXPECT_EQ(GL_ClientKeepAlive(), 1) << hour << ':' << minute << '\n' << m_log.Text();
+      EXPECT_EQ(m_log.Count(1, "") + m_log.Count(2, ""), 0) << m_log.Text();
+    }
+  }
+  // A session that was forgotten is no failure of the server's, and registering again is enough.
+  m_server->Advance(std::chrono::minutes(11));
+  EXPECT_EQ(GL_ClientKeepAlive(), 0);
+  EXPECT_EQ(GL_ReLogin(600), 1);
+  EXPECT_EQ(GL_ClientKeepAlive(), 1);
+}
+
+}  // namespace
+}  // namespace vq::test

@@ -1,0 +1,38 @@
+// A session with its naming service and its server each behind a proxy, and a site in which every
+// remote function's success differs from its failure where it can.
+#ifndef VQ_TESTS_RELIABILITY_PROXIEDFIXTURE_H
+#define VQ_TESTS_RELIABILITY_PROXIEDFIXTURE_H
+
+#include <memory>
+
+#include <tests/fixture/FaultProxy.h>
+#include <tests/fixture/SessionFixture.h>
+
+#include "RemoteFunctions.h"
+
+namespace vq::test {
+
+class ProxiedFixture : public SessionFixture {
+ protected:
+  explicit ProxiedFixture(std::chrono::milliseconds timeOut);
+  void SetUp() override;
+
+  // The server, started anew on the same port; the first time on any.
+  void Restart();
+
+  // Brings the process to where the function is called, whatever was before.
+  void Prepare(const RemoteFunction& function);
+  void Forget();  // the operations and the log so far
+
+  std::unique_ptr<Server> m_server;
+  std::unique_ptr<FaultProxy> m_proxy, m_namingProxy;
+
+ private:
+  const std::string m_timeOut;
+  // Settled beforehand: a port that the system chose cannot be had again at once.
+  const int m_port;
+};
+
+}  // namespace vq::test
+
+#endif  // VQ_TESTS_RELIABILITY_PROXIEDFIXTURE_H

@@ -1,0 +1,344 @@
+#include "RemoteFunctions.h"
+
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+#include <support/diagnostics/Osl_UnicodeConfiguration.h>
+#include <support/orb/ORBCommon.h>
+#include <vq_client_common/authorizations/UserAuthorizations.h>
+#include <vq_client_common/connectivity/TroubleshootConnection.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/CorbaServerPackManager.h>
+#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/GlobalFuncs.h>
+#include <vq_client_common/session/LoginExceptions.h>
+#include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/PasswordPolicy.h>
+#include <vq_client_common/session/ServerLocale.h>
+#include <vq_client_common/session/SystemParameterHandler.h>
+#include <vq_idl/SystemConfigurationC.h>
+#include <vq_idl/UsersManagerC.h>
+
+namespace vq::test {
+namespace {
+
+// Results with their texts for users.
+constexpr std::pair<const char*, std::string_view> kTexts[] = {
+    {"<went down>",
+     "0: This error may be caused by any of the following:\n - Server 'central' has incorrect or "
+     "old "
+     "version.\n - Server 'central' went down during login process.\t"},
+    {"<not running>",
+     "54: This error may be caused by any of the following:\n - Server 'central' is not running on "
+     "'127.0.0.2'.\t\n - The Server listening port of PORT is blocked by the firewall.\t\n - The "
+     "outgoing ports are blocked in this computer.\t"},
+    {"<not found>",
+     "54: This error may be caused by any of the following:\n - Server 'central' is not "
+     "running.\t\n - "
+     "The Server listening port is blocked by the firewall.\t\n - The outgoing ports are blocked "
+     "in "
+     "this computer.\t"},
+    {"<refused>",
+     "0: This error may be caused by any of the following:\n - User 'alice' is not defined "
+     "properly.\n "
+     "- The specified password is incorrect.\n\nFor more information, refer to the "
+     "VELTRA-M/Quorum Manager documentation."},
+    {"<no authorizations>", "0: Failed to load user authorizations"},
+    {"<too short>", "51: New password is too short.\nPassword minimum length should be 6."},
+    {"<no upper case>",
+     "51: To select a password that complies with the Password Policy you\nmust choose a word that "
+     "contains the following types of characters:\nLetters in upper case.\n"},
+    {"<too simple>",
+     "51: To select a password that complies with the Password Policy you\nmust choose a word that "
+     "contains the following types of characters:\nDigit characters.\nLetters in upper case.\n"
+     "Letters in lower case.\nSpecial characters."},
+};
+
+void ReplaceIn(std::string& text, std::string_view what, std::string_view by) {
+  if (const auto at = text.find(what); at != std::string::npos) text.replace(at, what.size(), by);
+}
+
+std::string Text(int result, const std::string& message) {
+  return std::to_string(result) + (message.empty() ? "" : ": " + message);
+}
+
+template <class Call>
+std::string OutcomeOf(Call call) {
+  try {
+    return call();
+  } catch (BaseLoginEx& e) {
+    return Text(e.GetReturnCode(), e.GetReason());
+  } catch (const CORBA::Exception&) {
+    return "raised";
+  }
+}
+
+const char* Connected() {
+  return LoginHandler::GetGlobal()->IsConnected() ? ", connected" : ", not connected";
+}
+
+// Calls a function of the library with what it asks for: a text for the user, a time-out.
+template <auto function, class... Self>
+std::string Call(Self&... self) {
+  return OutcomeOf([&] {
+    std::string message;
+    long result = 0;
+    if constexpr (std::is_invocable_v<decltype(function), Self&...>) {
+      result = static_cast<long>(std::invoke(function, self...));
+    } else if constexpr (std::is_invocable_v<decltype(function), Self&..., int>) {
+      result = std::invoke(function, self..., 60);
+    } else if constexpr (std::is_invocable_v<decltype(function), Self&..., std::string&>) {
+      result = std::invoke(function, self..., message);
+    } else {
+      result = std::invoke(function, self..., message, 600);
+    }
+    return Text(static_cast<int>(result), message);
+  });
+}
+
+template <auto member>
+std::string OfSession() {
+  return Call<member>(*LoginHandler::GetGlobal());
+}
+
+std::string LogIn() {
+  std::string message;
+  const int result =
+      GL_Login("alice", "secret", "central", 600, message, CLIENT_CLI, E_GSR, 0, nullptr);
+  return Text(result, message) + Connected();
+}
+
+std::string LogOut() {
+  const int result = GL_LogOut(false);
+  return std::to_string(result) + Connected();
+}
+
+std::string LogOutOfSession() {
+  const std::string outcome = OutcomeOf([] {
+    LoginHandler::GetGlobal()->Logout();
+    return "done";
+  });
+  return outcome + Connected();
+}
+
+std::string SetData() {
+  LoginHandler::GetGlobal()->SetConnectionData("alice", "secret", "central", CLIENT_CLI, E_GSR);
+  return ConnectionSettings::Get()->getUserName();
+}
+
+std::string LoadEncodePassword() {
+  ConnectionSettings::Get()->LoadEncodePassword(E_GSR);
+  return ConnectionSettings::Get()->IsEncodePassword() ? "on" : "off";
+}
+
+template <class T>
+std::string Servant(const char* name) {
+  typename T::_ptr_type servant = T::_nil();
+  return std::to_string(GetCRBServant<T>(name, servant, E_GSR, true));
+}
+
+std::string ReadParameter() {
+  std::string value = "old";
+  const bool found = GetSystemParameter("Language", value, "general", E_GSR);
+  return Text(found, value);
+}
+
+std::string ReadSecurityLevel() {
+  SEC_AUTHOR_LVL level = -1;
+  std::string message;
+  const int result = GetSecurityLevel(level, message);
+  return std::to_string(level) + ", " + Text(result, message);
+}
+
+std::string CheckPassword() {
+  std::string message;
+  const int result = CheckPasswordValidity("abcde", message);
+  return Text(result, message);
+}
+
+template <bool expired>
+std::string ChangePassword() {
+  const int result = SetUserPassword("new-password", expired);
+  const bool stored = ConnectionSettings::Get()->GetPassword(ENC_PLAIN) == "new-password";
+  return std::to_string(result) + (stored ? ", stored" : ", kept") + Connected();
+}
+
+std::string SetUpCharacters() {
+  i18n_aux::init_globa_c(true, E_GSR);
+  return i18n_aux::IsCJK_mode() ? "cjk" : "latin1";
+}
+
+std::string LoadAuthorizations() {
+  const std::string userId = ConnectionSettings::Get()->GetUserID();
+  return std::to_string(UserAuthorizations::Get()->LoadAuthorizations(userId));
+}
+
+std::string AskForQueries() {
+  QCSCorbaUserDefinitionQueries_var definition;
+  QCSCorbaUserActiveQueriesSeq* active = nullptr;
+  const int result = UserAuthorizations::Get()->GetUserAuthQueries(
+      {"PROD"}, "", true, true, definition.out(), active, ConnectionSettings::Get()->GetUserID());
+  const QCSCorbaUserActiveQueriesSeq_var owned = active;
+  return std::to_string(result);
+}
+
+std::string TryCallback() {
+  std::string error;
+  long roundTrip = 0;
+  return TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, roundTrip, 5000) ? "yes"
+                                                                                           : "no";
+}
+
+std::string TryAddress() {
+  long roundTrip = 0;
+  return TroubleshootConnection::ORBInitAndTestCallback(false, "127.0.0.1", roundTrip, false)
+             ? "yes"
+             : "no";
+}
+
+// A parameter has no result that could refuse: the server raises, as in any other failure.
+constexpr RemoteCall Parameter(const char* failed) {
+  return {kParameter, failed, failed};
+}
+
+constexpr RemoteCall kAnyway = Parameter("1");  // its failure changes nothing
+constexpr RemoteCalls kPostLogin{{{kLoad, "<no authorizations>", "<no authorizations>"},
+                                  {kJobLevel, "<no authorizations>", "1"},
+                                  kAnyway,
+                                  kAnyway,
+                                  kAnyway,
+                                  {kReset, "<went down>", "1"},
+                                  kAnyway,
+                                  kAnyway}};
+constexpr RemoteCalls kTrial{{{"CRB_RegisterCallback", "no", "no"},
+                              {"CRB_TryCallback", "no", "no"},
+                              {"CRB_UnregisterCallbackById", "yes", "yes"}}};
+
+constexpr RemoteFunction Row(const char* name, State state, std::string (*run)(),
+                             const char* success, const char* down, const char* unbound,
+                             const RemoteCalls& calls = {}) {
+  return {name, state, run, success, down, unbound, calls};
+}
+
+// A function that reads one parameter.
+constexpr RemoteFunction Reads(const char* name, std::string (*run)(), const char* success,
+                               const char* failed) {
+  return {name, kLoggedIn, run, success, failed, failed, {{Parameter(failed)}}};
+}
+
+constexpr RemoteFunction kFunctions[] = {
+    Row(
+        "GL_InitializeCORBA", kLoggedIn, [] { return Text(GL_InitializeCORBA(0, nullptr), ""); },
+        "1", "1", "1"),
+    Row("GL_Login", kLoggedOut, LogIn, "1, connected", "<not running>, not connected",
+        "<not found>, not connected",
+        {{{kProbe, "1, connected"},
+          Parameter("1, connected"),
+          Parameter("1, connected"),
+          {kProbe, "<not running>, not connected"},
+          {kVersion, "<went down>, not connected", "1, connected"},
+          {kChallenge, "<went down>, not connected", "0, not connected"},
+          {kRegister, "<went down>, not connected", "<refused>, not connected"}}}),
+    Row("GL_PostLogin", kLoggedIn, Call<GL_PostLogin>, "1", "<no authorizations>",
+        "<no authorizations>", kPostLogin),
+    Row("GL_ClientKeepAlive", kLoggedIn, Call<GL_ClientKeepAlive>, "1", "<went down>",
+        "<not found>", {{{kAlive, "<went down>", "0"}}}),
+    Row("GL_ReLogin", kLoggedIn, Call<GL_ReLogin>, "1", "0", "0",
+        {{{kVersion, "0", "1"},
+          {kChallenge, "0", "0"},
+          {kRegister, "0", "0"},
+          kAnyway,
+          {kReset, "0", "1"}}}),
+    Row("GL_LogOut", kLoggedIn, LogOut, "1, not connected", "1, not connected", "1, not connected",
+        {{{kUnregister, "1, not connected", "1, not connected"}}}),
+    Reads("GL_GetCRBRegisterTimeOut", Call<GL_GetCRBRegisterTimeOut>, "300", "600"),
+    Reads("GL_CheckSSLCertificateExpiration", Call<GL_CheckSSLCertificateExpiration>, "1", "1"),
+    Row("LoginHandler_SetConnectionData", kLoggedOut, SetData, "alice", "alice", "alice",
+        {{{kProbe, "alice"}, Parameter("alice")}}),
+    Row("LoginHandler_Login", kLoggedIn, OfSession<&LoginHandler::Login>, "1", "<went down>",
+        "<not found>",
+        {{{kVersion, "<went down>", "1"},
+          {kChallenge, "<went down>", "0"},
+          {kRegister, "<went down>", "<refused>"}}}),
+    Row("LoginHandler_PostLogin", kLoggedIn, OfSession<&LoginHandler::PostLogin>, "1",
+        "<no authorizations>", "<no authorizations>", kPostLogin),
+    Row("LoginHandler_RegisterTimeOut", kLoggedIn, OfSession<&LoginHandler::RegisterTimeOut>, "1",
+        "<went down>", "-3", {{{kReset, "<went down>", "0"}}}),
+    Row("LoginHandler_ClientKeepAlive", kLoggedIn, OfSession<&LoginHandler::ClientKeepAlive>, "1",
+        "<went down>", "<not found>", {{{kAlive, "<went down>", "0"}}}),
+    Row("LoginHandler_ReLogin", kLoggedIn, OfSession<&LoginHandler::ReLogin>, "1", "<went down>",
+        "<not found>",
+        {{{kVersion, "<went down>", "1"},
+          {kChallenge, "<went down>", "0"},
+          {kRegister, "<went down>", "<refused>"},
+          kAnyway,
+          {kReset, "<went down>", "1"}}}),
+    Row("LoginHandler_Logout", kLoggedIn, LogOutOfSession, "done, not connected",
+        "raised, connected", "done, connected",
+        {{{kUnregister, "raised, connected", "done, not connected"}}}),
+    Reads("LoginHandler_CheckSSLCertificateExpiration",
+          OfSession<&LoginHandler::CheckSSLCertificateExpiration>, "1", "1"),
+    Reads("ConnectionSettings_LoadEncodePassword", LoadEncodePassword, "on", "on"),
+    Row("GetCRBServant_UsersManager", kLoggedOut,
+        [] { return Servant<QCSCorbaUsersManager>("UsersManager"); }, "1", "-3", "-3",
+        {{{kProbe, "-3"}}}),
+    Row("GetCRBServant_SystemConfiguration", kLoggedOut,
+        [] { return Servant<VQCorbaSystemConfiguration>("SystemConfiguration"); }, "1", "-3", "-3",
+        {{{kProbe, "-3"}}}),
+    Row(
+        "NoServerEx", kLoggedOut, [] { return Text(54, NoServerEx("").GetReason()); },
+        "<not running>", "<not running>", "<not found>"),
+    Reads("GetSystemParameter", ReadParameter, "1: english", "0: old"),
+    Reads("GetSecurityLevel", ReadSecurityLevel, "2, 1",
+          "3, 0: failed to receive system parameter"),
+    Reads("GetPermitManualUnLock", Call<GetPermitManualUnLock>, "1", "0"),
+    Reads("GetApplicationFieldIsMandatoryParameter", Call<GetApplicationFieldIsMandatoryParameter>,
+          "1", "0"),
+    Reads("GetSubApplicationFieldIsMandatoryParameter",
+          Call<GetSubApplicationFieldIsMandatoryParameter>, "1", "0"),
+    Row("isAnnotationRequired", kLoggedIn,
+        [] { return Text(isAnnotationRequired("job.delete"), ""); }, "1", "0", "0",
+        {{{kAnnotation, "0", "0"}}}),
+    Reads("GetMinPasswordLength", Call<GetMinPasswordLength>, "3", "6"),
+    Reads("GetMaxPasswordLength", Call<GetMaxPasswordLength>, "40", "32"),
+    Reads("IsPasswordComplexityON", Call<IsPasswordComplexityON>, "1", "0"),
+    Reads("GetPasswordComplexityRules", Call<GetPasswordComplexityRules>, "2", "15"),
+    Row("CheckPasswordValidity", kLoggedIn, CheckPassword, "<no upper case>", "<too short>",
+        "<too short>",
+        {{Parameter("<too short>"), Parameter("<no upper case>"), Parameter("1"),
+          Parameter("<too simple>")}}),
+    Row("SetUserPassword", kLoggedIn, ChangePassword<false>, "1, stored, connected",
+        "0, kept, connected", "0, kept, connected",
+        {{{kUpdate, "0, kept, connected", "0, kept, connected"}}}),
+    // What is left of asking for the client's version looks like success; nothing is stored.
+    Row("SetUserPassword_expired", kExpired, ChangePassword<true>, "1, stored, connected",
+        "0, kept, not connected", "0, kept, not connected",
+        {{{kChallenge, "0, kept, not connected", "0, kept, not connected"},
+          {kUpdateToo, "1, kept, not connected", "0, kept, not connected"}}}),
+    Reads(
+        "SetLocaleBySystemParam", [] { return SetLocaleBySystemParam(""); }, "english", ""),
+    Reads("init_globa_c", SetUpCharacters, "cjk", "latin1"),
+    Row("UserAuthorizations_LoadAuthorizations", kLoggedIn, LoadAuthorizations, "1", "23", "0",
+        {{{kLoad, "23", "23"}, {kJobLevel, "23", "1"}, kAnyway, kAnyway}}),
+    Row("UserAuthorizations_GetUserAuthQueries", kFinished, AskForQueries, "1", "0", "1",
+        {{{kQueries, "0", "0"}}}),
+    Row("TroubleshootConnection_TestCallback", kLoggedIn, TryCallback, "yes", "no", "no", kTrial),
+    Row("TroubleshootConnection_ORBInitAndTestCallback", kLoggedIn, TryAddress, "yes", "no", "no",
+        kTrial),
+};
+
+}  // namespace
+
+std::span<const RemoteFunction> RemoteFunctions() {
+  return kFunctions;
+}
+
+std::string OutcomeOf(const RemoteFunction& function, int port) {
+  std::string outcome = function.run();
+  ReplaceIn(outcome, std::to_string(port), "PORT");
+  for (const auto& [name, text] : kTexts) ReplaceIn(outcome, text, name);
+  return outcome;
+}
+
+}  // namespace vq::test
