@@ -1,10 +1,28 @@
 #include <support/diagnostics/FormatObj.h>
 
 #include <iterator>
+#include <new>
+#include <type_traits>
 
 #include <fmt/format.h>
 
 #include <support/diagnostics/TDiag.h>
+
+namespace {
+
+template <class T>
+void Append(const T& piece, std::string& text) noexcept {
+  try {
+    if constexpr (std::is_same_v<T, std::string_view>) {
+      text.append(piece);
+    } else {
+      fmt::format_to(std::back_inserter(text), "{}", piece);
+    }
+  } catch (const std::bad_alloc&) {  // The line goes on without it.
+  }
+}
+
+}  // namespace
 
 FormatObj::FormatObj(const TDiagRegister& module, const char* scope, int level,
                      std::uint32_t lineClass)
@@ -20,17 +38,17 @@ FormatObj::~FormatObj() {
 }
 
 FormatObj& FormatObj::operator<<(std::string_view text) {
-  m_text.append(text);
+  Append(text, m_text);
   return *this;
 }
 
 FormatObj& FormatObj::operator<<(const char* text) {
-  if (text != nullptr) m_text.append(text);
+  if (text != nullptr) Append(std::string_view(text), m_text);
   return *this;
 }
 
 FormatObj& FormatObj::operator<<(char character) {
-  m_text.push_back(character);
+  Append(std::string_view(&character, 1), m_text);
   return *this;
 }
 
@@ -39,16 +57,16 @@ FormatObj& FormatObj::operator<<(bool value) {
 }
 
 FormatObj& FormatObj::operator<<(double value) {
-  fmt::format_to(std::back_inserter(m_text), "{}", value);
+  Append(value, m_text);
   return *this;
 }
 
 FormatObj& FormatObj::AppendSigned(std::int64_t value) {
-  fmt::format_to(std::back_inserter(m_text), "{}", value);
+  Append(value, m_text);
   return *this;
 }
 
 FormatObj& FormatObj::AppendUnsigned(std::uint64_t value) {
-  fmt::format_to(std::back_inserter(m_text), "{}", value);
+  Append(value, m_text);
   return *this;
 }

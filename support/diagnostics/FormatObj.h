@@ -2,9 +2,10 @@
 //
 //   diag.Line(5) << "Restricted to " << count << " entries: " << name;
 //
-// Numbers print in decimal, bools as 1 and 0, floating point values in the shortest form that reads
-// back the same. VQ_LOG (TDiag.h) is the way to get one. A type of another layer joins by its own
-// operator<< (FormatObj&, const T&) beside that type.
+// A line that memory does not suffice for is cut short: composing one raises nothing, so that the
+// log never changes what a program does. Numbers print in decimal, bools as 1 and 0, floating point
+// values in the shortest form that reads back the same. VQ_LOG (TDiag.h) is the way to get one. A
+// type of another layer joins by its own operator<< (FormatObj&, const T&) beside that type.
 #ifndef VQ_SUPPORT_DIAGNOSTICS_FORMATOBJ_H
 #define VQ_SUPPORT_DIAGNOSTICS_FORMATOBJ_H
 

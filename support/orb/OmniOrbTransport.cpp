@@ -28,7 +28,8 @@ constexpr CORBA::ULong kTraceOff = 1;
 // What omniORB says at each start without TLS.
 constexpr std::string_view kNoTls = "SSL transport disabled";
 
-void LogLine(const char* text) {
+// omniORB calls it from destructors, where nothing may be raised.
+void LogLine(const char* text) noexcept {
   std::string_view line(text);
   if (line.find(kNoTls) != std::string_view::npos) return;
   while (!line.empty() && line.back() == '\n') line.remove_suffix(1);
