@@ -98,7 +98,10 @@ bool ClientProperties::LoadProperties() {
   }
   // A bare number instead of the path is meant: log readers know the line by this form.
   VQ_LOG(diag, 5) << "Parsing client properties file: " << AsPointerText(&path);
-  return vq::ReadProperties(path, diag, m_properties);
+  std::map<std::string, std::string> loaded;  // a load that breaks off leaves nothing of it
+  if (!vq::ReadProperties(path, diag, loaded)) return false;
+  m_properties.swap(loaded);
+  return true;
 }
 
 void ClientProperties::Reload() {

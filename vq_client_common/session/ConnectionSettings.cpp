@@ -59,12 +59,14 @@ void ConnectionSettings::SetUserID(const std::string& userId) {
 void ConnectionSettings::SetPassword(const std::string& password) {
   // A client that logs in again mostly has the same password, and both forms of it are here.
   if (password == m_password && !m_encodedPassword.empty()) return;
+  // Both forms are there before either takes its place, so a failure leaves the old password.
+  vq::SecretString plain(password);
+  vq::SecretString encoded;
+  encoded.Text() = EncodePassword(password);
   vq::Wipe(m_password);
   vq::Wipe(m_encodedPassword);
-  m_password = password;
-  std::string encoded = EncodePassword(password);
-  m_encodedPassword = encoded;
-  vq::Wipe(encoded);
+  m_password.swap(plain.Text());
+  m_encodedPassword.swap(encoded.Text());
   // Meant to be so: the encoded form is what is measured, so the line is never reached and no
   // password is too long.
   if (m_encodedPassword.size() > static_cast<std::size_t>(GetFieldLength(kPasswordField, false))) {

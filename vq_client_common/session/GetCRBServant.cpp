@@ -34,12 +34,14 @@ int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID ser
     Log(4, name, ": CRB servant is about to be bound.");
     CORBA::Object_var object = ORBCommon<1>::Get()->Bind(ConnectionSettings::Get()->GetServerName(),
                                                          GL_ResolveServerID(serverId), name, probe);
-    result = T::_narrow(object.in());
-    if (CORBA::is_nil(result)) {
+    typename T::_var_type bound = T::_narrow(object.in());
+    if (CORBA::is_nil(bound.in())) {
+      result = T::_nil();
       Log(5, "Failed to obtain the CRB Servant: '", name, "'");
       return 0;
     }
-    cache->InsertItem(name, serverId, result);
+    cache->InsertItem(name, serverId, bound.in());
+    result = bound._retn();  // The cache's now.
     Log(4, "GetCRBServant has succeeded");
     return 1;
   } catch (const CORBA::Exception& e) {

@@ -1,6 +1,7 @@
 #include <vq_client_common/session/LoginHandler.h>
 
 #include <cstddef>
+#include <new>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
@@ -128,20 +129,25 @@ int LoginHandler::Converse(unsigned int timeOut, std::string& message) {
       versionWithPatches.c_str(), loginMessages.out(), timeOut, serverMessage.out(), userId.out(),
       dbUser.out());
   message = serverMessage.in();
-  m_connectionSettings->SetUserID(userId.in());
-  m_connectionSettings->SetDBUserName(dbUser.in());
+  if (result == kPasswordAboutToExpire && message.empty()) {
+    message = "Your password is about to expire.\t";
+  }
+  try {
+    m_connectionSettings->SetUserID(userId.in());
+    m_connectionSettings->SetDBUserName(dbUser.in());
+  } catch (const std::bad_alloc&) {  // Whoever hears of a failure is not connected.
+    m_connectionSettings->SetUserID("");
+    throw;
+  }
 
   switch (result) {
-    case kPasswordAboutToExpire:
-      if (message.empty()) message = "Your password is about to expire.\t";
-      return kPasswordAboutToExpire;
     case kPasswordExpired:
       throw UserPwdExpEx(message);
     case kRefused:
       throw UserAuthEx(message, m_connectionSettings->getUserName());
     case kAccountLocked:
       throw UserLockedEx(message);
-    default:  // 1, and codes of the server's own
+    default:  // 1, 50, and codes of the server's own
       return result;
   }
 }

@@ -159,10 +159,9 @@ std::string LocalText(const char16_t* text) {
   const char16_t* end = text;
   for (; *end != u'\0'; ++end) all = static_cast<char16_t>(all | *end);
   if (all < 0x80) return {text, end};
-  char* local = xercesc::XMLString::transcode(text);
-  std::string result = local;
-  xercesc::XMLString::release(&local);
-  return result;
+  const auto release = [](char* local) { xercesc::XMLString::release(&local); };
+  const std::unique_ptr<char, decltype(release)> local(xercesc::XMLString::transcode(text));
+  return local.get();
 }
 
 std::string PropertiesText(const PropertiesTable& table) {
