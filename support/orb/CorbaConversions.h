@@ -7,6 +7,7 @@
 #ifndef VQ_SUPPORT_ORB_CORBACONVERSIONS_H
 #define VQ_SUPPORT_ORB_CORBACONVERSIONS_H
 
+#include <limits>
 #include <string>
 
 #include <support/orb/Corba.h>
@@ -24,6 +25,16 @@ void StlVector2CorbaSequence(const Container& texts, stringSeq& sequence) {
 // The text as a string; null counts as the empty text. Takes no ownership.
 inline std::string CorbaString2StlString(const char* text) {
   return text == nullptr ? "" : text;
+}
+
+// The length of a list of numbers that came in a message. An ORB that works out the list's size in
+// 32 bits lets a longer one pass, which then holds whatever was in memory; for that one it raises
+// CORBA::MARSHAL.
+template <class Numbers>
+CORBA::ULong LengthOnTheWire(const Numbers& numbers) {
+  constexpr CORBA::ULong kMost = std::numeric_limits<CORBA::ULong>::max() / sizeof(CORBA::Long);
+  if (numbers.length() > kMost) throw CORBA::MARSHAL(0, CORBA::COMPLETED_YES);
+  return numbers.length();
 }
 
 #endif  // VQ_SUPPORT_ORB_CORBACONVERSIONS_H

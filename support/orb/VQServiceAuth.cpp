@@ -10,8 +10,9 @@ void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& gran
     const QCSCORBAAuthPair2& pair = wire[i];
     VQServiceAuth& grant = converted.emplace_back(
         VQServiceAuth{CorbaString2StlString(pair.Criteria.in()), pair.Level, {}});
-    grant.Actions.reserve(pair.Actions.length());
-    for (CORBA::ULong j = 0; j < pair.Actions.length(); ++j) {
+    const CORBA::ULong actions = LengthOnTheWire(pair.Actions);
+    grant.Actions.reserve(actions);
+    for (CORBA::ULong j = 0; j < actions; ++j) {
       grant.Actions.push_back(pair.Actions[j]);
     }
   }

@@ -27,7 +27,7 @@ bool IsAtLeast(QCSAuthLevelEnum stored, QCSAuthLevelEnum wanted) {
 // may copy this list off the wire unseen, so the number is not read as a level before it is one.
 QCSAuthLevelEnum LevelOf(const QCSAuthLevelEnumSeq& privileges, PrivilegeTypeEnum privilege) {
   const auto place = static_cast<CORBA::ULong>(privilege);
-  if (place >= privileges.length()) return DEFAULT_ACCESS;
+  if (place >= LengthOnTheWire(privileges)) return DEFAULT_ACCESS;
   std::underlying_type_t<QCSAuthLevelEnum> number{};
   static_assert(sizeof number == sizeof privileges[place]);
   std::memcpy(&number, &privileges[place], sizeof number);
