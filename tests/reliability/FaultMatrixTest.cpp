@@ -12,10 +12,13 @@ namespace {
 using Fault = FaultProxy::Fault;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kTimeOut{500};
-// One time-out, and the rest for a machine that is busy with other tests. A call that retries in
-// secret, or waits without an end, does not fit.
-constexpr milliseconds kLimit = kTimeOut + milliseconds(2000);
+// Of the calls that are answered late; all others have time enough on a busy machine.
+constexpr milliseconds kShortTimeOut{600};
+// One time-out, and no second one.
+constexpr milliseconds kLateLimit = 2 * kShortTimeOut;
+// Nothing that fails at once waits for anything.
+constexpr milliseconds kLimit{5000};
+constexpr milliseconds kTimeOut{10000};
 
 // What happens to one call.
 struct CallFault {
@@ -68,6 +71,7 @@ constexpr struct {
 } kLines[] = {
     {kParameter, 2, "CORBA::Exception - "},
     {kProbe, 1, "CORBA::Exception was caught. "},
+    {kProbe, 1, "Failed with CORBA exception: "},
     {kVersion, 1, "CORBA::Exception was caught during versions verification ("},
     {kChallenge, 1, "CORBA::SystemException caught: "},
     {kChallenge, 1, "Failed with CORBA::SystemException [name = "},
@@ -85,16 +89,29 @@ constexpr struct {
     {"CRB_UnregisterCallbackById", 2, "The test callback "},
 };
 
+FaultProxy::Changed Garbage(const std::string& reply) {
+  return {std::string(reply.size(), '\xA5')};
+}
+
 class FaultMatrixTest : public ProxiedFixture,
                         public ::testing::WithParamInterface<RemoteFunction> {
  protected:
-  FaultMatrixTest() : ProxiedFixture(kTimeOut) {}
-
-  void ExpectOutcome(const std::string& expected) {
+  // Whether the function ends so, and in time. A machine that is busy may be late itself, so what
+  // depends on a short time-out is `prepare`d and tried again.
+  template <class Arm>
+  void Expect(const std::string& expected, bool isLate, Arm prepare) {
     RecordProperty("cases", ++m_cases);
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(OutcomeOf(GetParam(), m_server->Port()), expected) << m_log.Text();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, kLimit);
+    std::string outcome;
+    std::chrono::steady_clock::duration taken{};
+    for (int attempt = 0; attempt < (isLate ? 3 : 1); ++attempt) {
+      prepare();
+      const auto start = std::chrono::steady_clock::now();
+      outcome = OutcomeOf(GetParam(), m_server->Port());
+      taken = std::chrono::steady_clock::now() - start;
+      if (outcome == expected && taken < (isLate ? kLateLimit : kLimit)) return;
+    }
+    EXPECT_EQ(outcome, expected) << m_log.Text();
+    EXPECT_LT(taken, isLate ? kLateLimit : kLimit);
   }
 
   void ExpectLine(std::string_view operation, std::string_view exception) const {
@@ -110,11 +127,12 @@ class FaultMatrixTest : public ProxiedFixture,
   }
 
   // What went wrong is over: the function works again, in the same session where that lives on.
-  void ExpectRecovery(bool sessionLives) {
-    if (!sessionLives || GetParam().state < kLoggedIn || GetParam().EndsTheSession()) {
-      Prepare(GetParam());
-    }
-    EXPECT_EQ(OutcomeOf(GetParam(), m_server->Port()), GetParam().success) << m_log.Text();
+  void ExpectRecovery(bool sessionLives, bool isLate) {
+    bool prepares = !sessionLives || GetParam().state < kLoggedIn || GetParam().EndsTheSession();
+    Expect(GetParam().success, isLate, [&] {
+      if (prepares) Prepare(GetParam());
+      prepares = true;
+    });
   }
 
   int m_cases = 0;
@@ -122,37 +140,21 @@ class FaultMatrixTest : public ProxiedFixture,
 
 TEST_P(FaultMatrixTest, EachCallFailsInEachWay) {
   const std::span<const RemoteCall> calls = GetParam().Calls();
-  Prepare(GetParam());
-  ExpectOutcome(GetParam().success);
+  Expect(GetParam().success, false, [&] { Prepare(GetParam()); });
   std::vector<std::string> operations;
   for (const RemoteCall& call : calls) operations.emplace_back(call.operation);
   ASSERT_EQ(m_proxy->TakeOperations(), operations) << "these calls and no others";
 
   for (const CallFault& fault : kCallFaults) {
     const bool isForced = !fault.atServer.empty();
+    const bool isLate = fault.atProxy == Fault::kLate;
+    if (!calls.empty() && (isLate || &fault == kCallFaults + 1))
+      SetTimeOut(isLate ? kShortTimeOut : kTimeOut);
     for (std::size_t at = 0; at < calls.size(); ++at) {
       const std::string operation = calls[at].operation;
       if (isForced && operation == kProbe) continue;  // the ORB answers it
       if (!fault.ofOperation.empty() && fault.ofOperation != operation) continue;
       SCOPED_TRACE(operation + " [" + std::to_string(at) + "] " + std::string(fault.name));
-      ASSERT_NO_FATAL_FAILURE(Prepare(GetParam()));
-      if (fault.atProxy == Fault::kChanged) {
-        m_proxy->ChangeNext(
-            [](const std::string& reply) {
-              return FaultProxy::Changed{std::string(reply.size(), '\xA5')};
-            },
-            static_cast<int>(at));
-      } else if (!isForced) {
-        m_proxy->SpoilNext(fault.atProxy, static_cast<int>(at), kTimeOut + milliseconds(50));
-      } else {
-        const auto nth =
-            1 + std::count(operations.begin(), operations.begin() + static_cast<std::ptrdiff_t>(at),
-                           operation);
-        nlohmann::json forced = {
-            {"operation", operation}, {"nth", nth}, {"action", fault.atServer}};
-        if (!fault.raised.empty()) forced["exception"] = fault.raised;
-        m_server->SetFaults(nlohmann::json::array({forced}));
-      }
       // A server that is dead fails the calls that follow, too.
       const bool dies = fault.atServer == "die";
       std::size_t decides = at;
@@ -167,11 +169,25 @@ TEST_P(FaultMatrixTest, EachCallFailsInEachWay) {
           expected = own.outcome;
         }
       }
-      ExpectOutcome(expected);
+      Expect(expected, isLate, [&] {
+        Prepare(GetParam());
+        const int skip = static_cast<int>(at);
+        if (fault.atProxy == Fault::kChanged) {
+          m_proxy->ChangeNext(Garbage, skip);
+        } else if (!isForced) {
+          m_proxy->SpoilNext(fault.atProxy, skip, kShortTimeOut + milliseconds(50));
+        } else {
+          const auto nth = 1 + std::count(operations.begin(), operations.begin() + skip, operation);
+          nlohmann::json forced = {
+              {"operation", operation}, {"nth", nth}, {"action", fault.atServer}};
+          if (!fault.raised.empty()) forced["exception"] = fault.raised;
+          m_server->SetFaults(nlohmann::json::array({forced}));
+        }
+      });
       // Setting the time-out logs a number only.
       if (!fault.exception.empty() && operation != kReset) ExpectLine(operation, fault.exception);
       if (dies) Restart();
-      ExpectRecovery(!dies);
+      ExpectRecovery(!dies, isLate);
     }
   }
 }
@@ -184,12 +200,13 @@ TEST_P(FaultMatrixTest, TheServerOrTheNamingServiceIsGone) {
   const auto expect = [&](const char* what, const char* expected, bool sessionLives, auto happen,
                           auto restore) {
     SCOPED_TRACE(what);
-    ASSERT_NO_FATAL_FAILURE(Prepare(GetParam()));
-    happen();
-    Forget();
-    ExpectOutcome(expected);
+    Expect(expected, false, [&] {
+      Prepare(GetParam());
+      happen();
+      Forget();
+    });
     restore();
-    ExpectRecovery(sessionLives);
+    ExpectRecovery(sessionLives, false);
   };
   const auto none = [] {};
   const auto noticeTheLoss = [&] {

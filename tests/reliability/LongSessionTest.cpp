@@ -10,10 +10,7 @@ namespace {
 
 using Operations = std::vector<std::string>;
 
-class LongSessionTest : public ProxiedFixture {
- protected:
-  LongSessionTest() : ProxiedFixture(std::chrono::seconds(5)) {}
-};
+class LongSessionTest : public ProxiedFixture {};
 
 TEST_F(LongSessionTest, OneLoginCallsOverTheWireWhatItHasToAndNothingElse) {
   const Operations login{"CRB_GetSystemParameterValue", "CRB_GetSystemParameterValue",

@@ -21,23 +21,28 @@ nlohmann::json Site() {
 
 }  // namespace
 
-ProxiedFixture::ProxiedFixture(std::chrono::milliseconds timeOut)
-    : m_timeOut(std::to_string(timeOut.count())), m_port(FreePort()) {}
+ProxiedFixture::ProxiedFixture() : m_port(FreePort()) {}
 
 void ProxiedFixture::SetUp() {
   SessionFixture::SetUp();
   InstallClient("8.0.05");
   m_directory.Write("root/config/vq.xml", "<domain/>");
   m_namingProxy = std::make_unique<FaultProxy>(m_naming->Port());
-  m_orbArguments = {
-      "-ORBConnectTimeout",
-      m_timeOut,
-      "-ORBCallTimeout",
-      m_timeOut,
-      "-ORBInitRef",
-      "NameService=corbaloc:iiop:127.0.0.2:" + std::to_string(m_naming->Port()) + "/NameService"};
+  SetTimeOut(std::chrono::seconds(10));
   Restart();
   m_proxy = std::make_unique<FaultProxy>(m_port);
+}
+
+void ProxiedFixture::SetTimeOut(std::chrono::milliseconds timeOut) {
+  GL_LogOut(true);
+  const std::string limit = std::to_string(timeOut.count());
+  m_orbArguments = {
+      "-ORBConnectTimeout",
+      limit,
+      "-ORBCallTimeout",
+      limit,
+      "-ORBInitRef",
+      "NameService=corbaloc:iiop:127.0.0.2:" + std::to_string(m_naming->Port()) + "/NameService"};
 }
 
 void ProxiedFixture::Restart() {

@@ -14,8 +14,11 @@ namespace vq::test {
 
 class ProxiedFixture : public SessionFixture {
  protected:
-  explicit ProxiedFixture(std::chrono::milliseconds timeOut);
+  ProxiedFixture();
   void SetUp() override;
+
+  // The time-out of connections and calls, 10 seconds at first. Ends the ORB.
+  void SetTimeOut(std::chrono::milliseconds timeOut);
 
   // The server, started anew on the same port; the first time on any.
   void Restart();
@@ -28,7 +31,6 @@ class ProxiedFixture : public SessionFixture {
   std::unique_ptr<FaultProxy> m_proxy, m_namingProxy;
 
  private:
-  const std::string m_timeOut;
   // Settled beforehand: a port that the system chose cannot be had again at once.
   const int m_port;
 };

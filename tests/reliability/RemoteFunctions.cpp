@@ -211,7 +211,9 @@ constexpr RemoteCalls kPostLogin{{{kLoad, "<no authorizations>", "<no authorizat
                                   {kReset, "<went down>", "1"},
                                   kAnyway,
                                   kAnyway}};
-constexpr RemoteCalls kTrial{{{"CRB_RegisterCallback", "no", "no"},
+constexpr RemoteCalls kTrial{{{kProbe, "no"},
+                              {kProbe, "no"},
+                              {"CRB_RegisterCallback", "no", "no"},
                               {"CRB_TryCallback", "no", "no"},
                               {"CRB_UnregisterCallbackById", "yes", "yes"}}};
 
