@@ -80,14 +80,16 @@ def run(program):
                 [program, f"--benchmark_out={output.name}", "--benchmark_out_format=json",
                  f"--benchmark_repetitions={REPETITIONS}",
                  "--benchmark_report_aggregates_only=true"],
-                check=False, stdout=subprocess.DEVNULL, timeout=LONGEST_RUN)
+                check=False, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
+                timeout=LONGEST_RUN)
+            if ended.returncode != 0:
+                print(ended.stderr, file=sys.stderr)
+            if ended.returncode < 0:
+                raise OSError(f"ended by signal {-ended.returncode}")
             report = json.loads(output.read())
         except (OSError, subprocess.TimeoutExpired, json.JSONDecodeError) as failure:
             print(f"{program}: {failure}", file=sys.stderr)
             return {}
-    if ended.returncode < 0:
-        print(f"{program}: ended by signal {-ended.returncode}", file=sys.stderr)
-        return {}
     return {entry["run_name"]: entry for entry in report["benchmarks"]
             if entry.get("aggregate_name") == "median" and not entry.get("error_occurred")}
 
@@ -194,6 +196,7 @@ def main():
     rows = []
     for program in programs:
         if program in wanted:
+            print(f"{program} ...", file=sys.stderr)
             results = run(build / "benchmarks" / program / f"bench_{program}")
             rows += [measure(goal, results) for goal in GOALS if goal[0] == program]
     print_table(rows)
