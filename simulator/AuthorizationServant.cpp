@@ -35,7 +35,7 @@ AuthorizationServant::Subject AuthorizationServant::Ask(const char* userId, bool
   Subject subject;
   subject.site = m_world.GetSite();
   const PortableServer::ObjectId_var id = m_current->get_object_id();
-  subject.name = CORBA::String_var(PortableServer::ObjectId_to_string(id)).in();
+  subject.name = CORBA::String_var(PortableServer::ObjectId_to_string(id.in())).in();
   const std::string asker = UserOf(m_world, userId);
   subject.user = &Known(*subject.site, subject.name);
   const User& asking = Known(*subject.site, asker);

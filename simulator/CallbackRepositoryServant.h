@@ -8,7 +8,7 @@
 
 #include <simulator/Callbacks.h>
 #include <simulator/Servant.h>
-#include <vq_idl/CallbackRepositoryC.h>
+#include <vq_idl/CallbackRepositoryS.h>
 
 namespace vq::sim {
 

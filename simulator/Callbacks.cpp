@@ -78,7 +78,7 @@ bool Callbacks::Ping(CORBA::Long id, std::chrono::milliseconds time, std::string
   const auto site = m_world.GetSite();
   time = time.count() <= 0 ? kUsualTime : std::min(time, kLongestTime);
   CORBA::Object_var object = Find(id);
-  if (CORBA::is_nil(object)) {
+  if (CORBA::is_nil(object.in())) {
     message = "No callback is registered under the id " + std::to_string(id) + ".";
     return false;
   }
@@ -96,8 +96,9 @@ bool Callbacks::Ping(CORBA::Long id, std::chrono::milliseconds time, std::string
   }
   try {
     // An object that is no test callback answers with an exception, like one that is gone.
-    TestCallback_var callback = TestCallback::_unchecked_narrow(object);
-    LimitCalls(callback, time - site->callbackDelay);
+    const CORBA::Object_var limited =
+        vq::orb::WithCallLimit(object.in(), time - site->callbackDelay);
+    const TestCallback_var callback = TestCallback::_unchecked_narrow(limited.in());
     callback->CRB_Ping();
     return true;
   } catch (const CORBA::Exception& exception) {

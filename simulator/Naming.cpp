@@ -15,30 +15,36 @@ CosNaming::Name NameOf(const std::string& id, const std::string& kind) {
   return name;
 }
 
+// The naming context behind a reference, with a limit on its calls. Raises when it is none.
+CosNaming::NamingContext_ptr Context(CORBA::Object_ptr object) {
+  const CORBA::Object_var limited = vq::orb::WithCallLimit(object, kPatience);
+  CosNaming::NamingContext_var context = CosNaming::NamingContext::_narrow(limited.in());
+  if (CORBA::is_nil(context.in())) throw CORBA::INV_OBJREF();
+  // omniORB keeps the limit with the reference that narrowing made anew.
+  const CORBA::Object_var again = vq::orb::WithCallLimit(context.in(), kPatience);
+  return CosNaming::NamingContext::_unchecked_narrow(again.in());
+}
+
 }  // namespace
 
 Naming::Naming(CORBA::ORB_ptr orb) {
-  CORBA::Object_var object = orb->resolve_initial_references("NameService");
-  LimitCalls(object, kPatience);
-  m_root = CosNaming::NamingContext::_narrow(object);
-  if (CORBA::is_nil(m_root)) throw CORBA::INV_OBJREF();
-  LimitCalls(m_root, kPatience);
+  const CORBA::Object_var object = orb->resolve_initial_references("NameService");
+  m_root = Context(object.in());
 }
 
 void Naming::Register(const std::string& server, const std::string& kind,
                       const std::map<std::string, CORBA::Object_var>& services) {
   Entry entry{NameOf(server, kind), CosNaming::NamingContext::_nil(), services};
   try {
-    entry.context = m_root->bind_new_context(entry.contextName);
+    const CosNaming::NamingContext_var made = m_root->bind_new_context(entry.contextName);
+    entry.context = Context(made.in());
   } catch (const CosNaming::NamingContext::AlreadyBound&) {
-    CORBA::Object_var object = m_root->resolve(entry.contextName);
-    entry.context = CosNaming::NamingContext::_narrow(object);
-    if (CORBA::is_nil(entry.context)) throw CORBA::INV_OBJREF();
+    const CORBA::Object_var object = m_root->resolve(entry.contextName);
+    entry.context = Context(object.in());
   }
-  LimitCalls(entry.context, kPatience);
   m_entries.push_back(entry);
   for (const auto& [service, object] : services) {
-    entry.context->rebind(NameOf(service, ""), object);
+    entry.context->rebind(NameOf(service, ""), object.in());
   }
 }
 
@@ -47,7 +53,7 @@ void Naming::Unbind(const Entry& entry) {
     const CosNaming::Name name = NameOf(service, "");
     try {
       CORBA::Object_var bound = entry.context->resolve(name);
-      if (bound->_is_equivalent(object)) entry.context->unbind(name);
+      if (bound->_is_equivalent(object.in())) entry.context->unbind(name);
     } catch (const CORBA::UserException&) {  // not there any more
     }
   }

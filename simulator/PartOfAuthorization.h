@@ -6,7 +6,7 @@
 #define VQ_SIMULATOR_PARTOFAUTHORIZATION_H
 
 #include <simulator/Servant.h>
-#include <vq_idl/AuthorizationC.h>
+#include <vq_idl/AuthorizationS.h>
 
 namespace vq::sim {
 

@@ -6,7 +6,7 @@
 #define VQ_SIMULATOR_PARTOFSYSTEMCONFIGURATION_H
 
 #include <simulator/Servant.h>
-#include <vq_idl/SystemConfigurationC.h>
+#include <vq_idl/SystemConfigurationS.h>
 
 namespace vq::sim {
 

@@ -6,7 +6,7 @@
 #define VQ_SIMULATOR_PARTOFUSERSMANAGER_H
 
 #include <simulator/Servant.h>
-#include <vq_idl/UsersManagerC.h>
+#include <vq_idl/UsersManagerS.h>
 
 namespace vq::sim {
 

@@ -33,13 +33,13 @@ Server::Server(CORBA::ORB_ptr orb, const OrbOptions& options, World& world, Call
 void Server::Add(const std::string& service, PortableServer::ServantBase* servant) {
   PortableServer::ServantBase_var held = servant;  // the POA keeps a count of its own
   PortableServer::ObjectId_var id = m_poa->activate_object(servant);
-  m_services[service] = m_poa->id_to_reference(id);
+  m_services[service] = m_poa->id_to_reference(id.in());
 }
 
 QCSCorbaAuthorization_ptr Server::AuthorizationOf(const std::string& user) {
   PortableServer::ObjectId_var id = PortableServer::string_to_ObjectId(user.c_str());
   CORBA::Object_var object =
-      m_authorizations->create_reference_with_id(id, "IDL:QCSCorbaAuthorization:1.0");
+      m_authorizations->create_reference_with_id(id.in(), "IDL:QCSCorbaAuthorization:1.0");
   return QCSCorbaAuthorization::_narrow(object);
 }
 

@@ -49,8 +49,7 @@ mkdir -p "$work/root" "$work/naming"
 printf '[NFT]\nversion = 8.0.00\npatches = PATCH.001\n' >"$work/root/installed-products.ini"
 
 naming_port=$(free_port)
-omniNames -start "$naming_port" -always -datadir "$work/naming" \
-  -ORBendPoint "giop:tcp:127.0.0.1:$naming_port" >"$work/naming.out" 2>&1 &
+"$build/naming-service" 127.0.0.1 "$naming_port" "$work/naming" >"$work/naming.out" 2>&1 &
 naming_pid=$!
 await 20 listens "$naming_port" || die "the naming service does not start"
 

@@ -87,13 +87,15 @@ int Run(const Arguments& arguments, const sigset_t& signals) {
   if (!arguments.log.empty()) world.log.Open(arguments.log);
   RemoveReadyFile(arguments);  // one that a dead process left
 
-  CORBA::ORB_var orb = StartOrb(arguments.orb);
+  const std::unique_ptr<vq::orb::ServerOrb> started = vq::orb::StartServerOrb(arguments.orb);
+  const CORBA::ORB_ptr orb = started->Orb();
   Callbacks callbacks(world);
   std::vector<std::unique_ptr<Server>> servers;
   for (const std::string& kind : arguments.kinds) {
     servers.push_back(
         std::make_unique<Server>(orb, arguments.orb, world, callbacks, arguments.server, kind));
   }
+  started->Serve();
   std::unique_ptr<Naming> naming;
   int status = kDone;
   try {
@@ -118,8 +120,7 @@ int Run(const Arguments& arguments, const sigset_t& signals) {
   world.Stop();
   if (naming) naming->Unregister();
   RemoveReadyFile(arguments);
-  orb->shutdown(true);
-  orb->destroy();
+  started->Stop();
   return status;
 }
 

@@ -32,6 +32,10 @@ bool ApplyOption(std::string_view option, ListenEndpoint& endpoint) {
 
 }  // namespace
 
+std::string UriHost(const std::string& host) {
+  return host.find(':') != std::string::npos && !host.starts_with('[') ? "[" + host + "]" : host;
+}
+
 std::optional<ListenEndpoint> ParseListenEndpoint(std::string_view text, std::string& error) {
   ListenEndpoint endpoint;
   if (text.empty()) return endpoint;

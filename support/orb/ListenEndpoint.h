@@ -34,6 +34,9 @@ struct ListenEndpoint {
 // text is the endpoint "iiop://".
 std::optional<ListenEndpoint> ParseListenEndpoint(std::string_view text, std::string& error);
 
+// A host as it stands in an address: an IPv6 address in brackets.
+std::string UriHost(const std::string& host);
+
 }  // namespace vq::orb
 
 #endif  // VQ_SUPPORT_ORB_LISTENENDPOINT_H

@@ -33,10 +33,6 @@ void AddEndpoints(const OrbSettings& settings, std::vector<OmniOrbOption>& optio
 
 }  // namespace
 
-std::string UriHost(const std::string& host) {
-  return host.find(':') != std::string::npos && !host.starts_with('[') ? "[" + host + "]" : host;
-}
-
 std::vector<std::string> OmniOrbEndpoints(const OrbSettings& settings) {
   const ListenEndpoint& endpoint = settings.listenEndpoint;
   const std::string host = UriHost(endpoint.host) + ":";

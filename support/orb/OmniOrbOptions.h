@@ -17,9 +17,6 @@ using OmniOrbOption = std::pair<std::string, std::string>;
 // Always the complete list: omniORB keeps the old value of a number that a later start leaves out.
 std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings);
 
-// A host as it stands in an address: an IPv6 address in brackets.
-std::string UriHost(const std::string& host);
-
 // Where to listen: "giop:tcp:host:port", or with a certificate "giop:ssl:host:port".
 std::vector<std::string> OmniOrbEndpoints(const OrbSettings& settings);
 

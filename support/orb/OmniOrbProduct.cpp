@@ -96,6 +96,10 @@ class OmniOrbInstance : public OrbInstance {
 
   CORBA::ORB_ptr Orb() override { return m_orb.in(); }
 
+  CORBA::Object_ptr NamingService() override {
+    return m_orb->resolve_initial_references("NameService");
+  }
+
   PortableServer::POA_ptr ChildPoa() override {
     const std::lock_guard lock(m_mutex);
     if (CORBA::is_nil(m_poa.in())) m_poa = CreatePoa();
@@ -176,7 +180,8 @@ class OmniOrbInstance : public OrbInstance {
 
 }  // namespace
 
-std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role,
+// omniORB has its own way with threads.
+std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, bool /*useThreadPool*/,
                                       const OrbSettings& settings,
                                       const std::vector<std::string>& arguments) {
   auto instance = std::make_unique<OmniOrbInstance>(name, settings, arguments);

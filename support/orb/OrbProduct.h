@@ -1,8 +1,9 @@
 // The seam between this system and the ORB product it was built with.
 //
-// One implementation file a product (OmniOrbProduct.cpp) defines what is declared here; nothing
-// else in the tree knows which product it is. The translation of our settings into the product's
-// options is a pure function beside it (OmniOrbOptions.h), so that a table can test it.
+// One implementation file a product (OmniOrbProduct.cpp, TaoProduct.cpp) defines what is declared
+// here; nothing else in the tree knows which product it is. The translation of our settings into
+// the product's options is a pure function beside it (OmniOrbOptions.h, TaoOptions.h), so that a
+// table can test it.
 #ifndef VQ_SUPPORT_ORB_ORBPRODUCT_H
 #define VQ_SUPPORT_ORB_ORBPRODUCT_H
 
@@ -32,6 +33,11 @@ class OrbInstance {
 
   virtual CORBA::ORB_ptr Orb() = 0;  // borrowed
 
+  // The naming service's reference; no call is made. The caller owns it. Raises
+  // CORBA::ORB::InvalidName or CORBA::NO_RESOURCES when none is configured: none is searched for,
+  // since whoever answered would be believed.
+  virtual CORBA::Object_ptr NamingService() = 0;
+
   // The POA of this ORB's servants, activated; made on first use. Borrowed. Raises
   // CORBA::SystemException when the listen endpoint cannot be opened.
   virtual PortableServer::POA_ptr ChildPoa() = 0;
@@ -45,9 +51,10 @@ class OrbInstance {
 };
 
 // Starts an ORB. `arguments` is what the command line holds beyond our own options; the product
-// refuses an -ORB option that it does not know. Raises CORBA::SystemException, and
+// refuses an -ORB option that it does not know. `useThreadPool` asks for several threads that take
+// calls, where the product leaves the choice. Raises CORBA::SystemException, and
 // std::invalid_argument for settings that do not go together or name files that cannot be used.
-std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role,
+std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, bool useThreadPool,
                                       const OrbSettings& settings,
                                       const std::vector<std::string>& arguments);
 

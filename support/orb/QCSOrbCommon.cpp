@@ -107,7 +107,7 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
   std::vector<std::string> productArguments;
   if (!ReadSettings(argc, argv, ScopeOf(orbName), productArguments)) return false;
   try {
-    m_instance = vq::orb::StartOrb(orbName, m_role, *m_settings, productArguments);
+    m_instance = vq::orb::StartOrb(orbName, m_role, m_useThreadPool, *m_settings, productArguments);
     if (ReachNamingService()) {
       VQ_LOG(diag, 4) << "The ORB " << orbName << " is up on " << vq::orb::ProductName();
       return true;
@@ -152,7 +152,7 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
 bool QCSOrbCommon::ReachNamingService() {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReachNamingService");
   try {
-    CORBA::Object_var object = m_instance->Orb()->resolve_initial_references("NameService");
+    CORBA::Object_var object = m_instance->NamingService();
     if (!CORBA::is_nil(object.in()) && !object->_non_existent()) {
       // The type is known; asking the service for it would cost another call.
       m_namingRoot = CosNaming::NamingContext::_unchecked_narrow(object.in());

@@ -102,8 +102,7 @@ TEST_F(FirewallTest, OnlyTheClientsOwnConnectionLeadsBack) {
   const std::string naming = "corbaloc:iiop:" + std::string(kServer) + ":2809/NameService";
   const std::string ready = m_directory / "ready";
   const ChildProcess names =
-      StartOnServer({"omniNames", "-start", "2809", "-always", "-datadir", m_directory / "naming",
-                     "-ORBendPoint", "giop:tcp:" + std::string(kServer) + ":2809"});
+      StartOnServer({VQ_NAMING_SERVICE, kServer, "2809", m_directory / "naming"});
   ASSERT_TRUE(WaitUntil([&] { return OnServer("bash -c 'true </dev/tcp/10.77.0.2/2809'"); }));
   const ChildProcess server =
       StartOnServer({VQ_SIMULATOR, "--site", m_directory.Write("site.json", BaseSite().dump()),

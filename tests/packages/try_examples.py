@@ -59,8 +59,11 @@ class Servers:
                 probe.bind(("127.0.0.1", 0))
                 port = probe.getsockname()[1]
             names = Path(tempfile.mkdtemp(dir=self.work))
-            if self.start(lambda: listens(port), "omniNames", "-start", str(port), "-always",
-                          "-datadir", names, "-ORBendPoint", f"giop:tcp:127.0.0.1:{port}"):
+            own = os.environ.get("VQ_NAMING_SERVICE")  # of a build tree, for its ORB product
+            command = ([own, "127.0.0.1", str(port), names] if own else
+                       ["omniNames", "-start", str(port), "-always", "-datadir", names,
+                        "-ORBendPoint", f"giop:tcp:127.0.0.1:{port}"])
+            if self.start(lambda: listens(port), *command):
                 break
         else:
             raise RuntimeError("no naming service: " + (self.work / "servers.out").read_text())

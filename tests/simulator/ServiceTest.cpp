@@ -13,7 +13,7 @@
 #include <simulator/Orb.h>
 #include <simulator/Server.h>
 #include <tests/fixture/TemporaryDirectory.h>
-#include <vq_idl/CallbackRepositoryC.h>
+#include <vq_idl/CallbackRepositoryS.h>
 #include <vq_idl/SystemConfigurationC.h>
 #include <vq_idl/UsersManagerC.h>
 #include <nlohmann/json.hpp>
@@ -32,12 +32,13 @@ class Service : public ::testing::Test {
  protected:
   Service() {
     world.Load(ParseSiteFile(VQ_SAMPLE_SITE), "site");
+    started->Serve();
     world.log.Open(directory.Path() + "log");
     users = QCSCorbaUsersManager::_narrow(server.Services().at("UsersManager"));
     system = VQCorbaSystemConfiguration::_narrow(server.Services().at("SystemConfiguration"));
     repository = CrbCallbackRepository::_narrow(server.Services().at("CallbackRepository"));
   }
-  ~Service() override { orb->destroy(); }
+  ~Service() override { started->Stop(); }
 
   std::string Response(const std::string& password) {
     CORBA::String_var first;
@@ -72,7 +73,8 @@ class Service : public ::testing::Test {
   World world;
   Callbacks callbacks{world};
   const OrbOptions options;
-  CORBA::ORB_var orb = StartOrb(options);
+  const std::unique_ptr<vq::orb::ServerOrb> started = vq::orb::StartServerOrb(options);
+  const CORBA::ORB_ptr orb = started->Orb();
   Server server{orb, options, world, callbacks, "central", "GSR"};
   QCSCorbaUsersManager_var users;
   VQCorbaSystemConfiguration_var system;
@@ -109,9 +111,9 @@ TEST_F(Service, AnExpiredPasswordIsChangedInOneStep) {
                                                  message.out(), userId.out(), dbUser.out()),
             1);
   EXPECT_EQ(Register("expired", Response("fresh")).result, 1);
-  EXPECT_EQ(users->CRB_UpdateUserPassword("expired", Encode("fresher").c_str(), userId), 1);
+  EXPECT_EQ(users->CRB_UpdateUserPassword("expired", Encode("fresher").c_str(), userId.in()), 1);
   EXPECT_EQ(Register("expired", Response("fresher")).result, 1);
-  EXPECT_THROW(users->CRB_UpdateUserPassword("ann", "x", userId), USER_NOT_AUTHORIZED);
+  EXPECT_THROW(users->CRB_UpdateUserPassword("ann", "x", userId.in()), USER_NOT_AUTHORIZED);
   EXPECT_THROW(users->CRB_UpdateUserPassword("ann", "x", "no session"), USER_NOT_FOUND);
   EXPECT_EQ(users->CRB_UpdateUserPassword("ann", "x", LogIn("admin").userId.c_str()), 1);
 }
@@ -202,7 +204,7 @@ TEST_F(Service, ACallbackIsReallyCalled) {
   PortableServer::POA_var poa = CreatePoa(orb, "client", options);
   Pinged servant;
   PortableServer::ObjectId_var oid = poa->activate_object(&servant);
-  CORBA::Object_var object = poa->id_to_reference(oid);
+  CORBA::Object_var object = poa->id_to_reference(oid.in());
   EXPECT_EQ(repository->CRB_RegisterCallback("no session", object, true), 0);
   EXPECT_EQ(repository->CRB_RegisterCallback(id.c_str(), CORBA::Object::_nil(), true), 0);
   const CORBA::Long callback = repository->CRB_RegisterCallback(id.c_str(), object, true);

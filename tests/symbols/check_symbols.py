@@ -14,7 +14,9 @@ DECORATION = re.compile(
     r"^(vtable for|typeinfo for|typeinfo name for|VTT for|construction vtable for"
     r"|virtual thunk to|non-virtual thunk to|guard variable for) "
 )
-MAPPING_OPERATOR = re.compile(r"^operator(<<=|>>=)\((CORBA::Any|\w+&?, cdrStream)")
+MAPPING_OPERATOR = re.compile(
+    r"^operator(<<=|>>=|<<|>>)\((CORBA::Any|TAO_(Out|In)putCDR|\w+&?, cdrStream)"
+)
 
 
 def exported_symbols(library):
@@ -46,6 +48,7 @@ def entity(symbol):
     """The qualified name of what a demangled symbol is of, without arguments and result type."""
     name = DECORATION.sub("", symbol)
     name = re.sub(r"\[abi:\w+\]", "", name)
+    name = re.sub(r"^TAO::Objref_Traits<(\w+)>", r"\1", name)  # what a _var of it needs
     name = re.split(r"::operator|[(\[<]| const$", name)[0].strip()
     return name.split(" ")[-1]  # a template's symbol starts with its result type
 

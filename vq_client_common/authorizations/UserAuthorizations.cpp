@@ -43,6 +43,12 @@ VQServiceUserAuth ServiceGrants(const QCSCorbaAuth2LvlSeq2& user,
   return VQServiceUserAuth(std::move(userList), std::move(groupList));
 }
 
+// The reference, to be called. Raises INV_OBJREF for nil, which some ORB products would follow.
+QCSCorbaAuthorization_ptr Callable(const QCSCorbaAuthorization_var& authorization) {
+  if (CORBA::is_nil(authorization.in())) throw CORBA::INV_OBJREF(0, CORBA::COMPLETED_NO);
+  return authorization.in();
+}
+
 }  // namespace
 
 using UA = UserAuthorizations;
@@ -104,7 +110,7 @@ int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
     QCSCorbaAuthorizationStruct_var snapshot;
     users->CRB_GetMyAuthorizationsFromMemory(userId.c_str(), m_Authorization.out(), snapshot.out());
     CopyPrivileges(snapshot->Privileges);
-    m_JobLevelAuthExist = m_Authorization->CRB_IsJobLevelAuthExist(userId.c_str());
+    m_JobLevelAuthExist = Callable(m_Authorization)->CRB_IsJobLevelAuthExist(userId.c_str());
     LoadGrants(snapshot.in());
     LoadAuthLevelForOrderForce();
     LoadChangePasswordAuthorization();
@@ -169,8 +175,9 @@ int UserAuthorizations::GetUserAuthQueries(const std::list<std::string>& names,
   return vq::authorizations::RunQuery(diag, [&] {
     stringSeq sequence;
     StlVector2CorbaSequence(names, sequence);
-    return m_Authorization->CRB_GetUserAuthQueriesEx(
-        text.c_str(), sequence, flag1, flag2, definitionQueries, activeQueries, userId.c_str());
+    return Callable(m_Authorization)
+        ->CRB_GetUserAuthQueriesEx(text.c_str(), sequence, flag1, flag2, definitionQueries,
+                                   activeQueries, userId.c_str());
   });
 }
 

@@ -6,7 +6,7 @@
 #include <atomic>
 
 #include <vq_client_common/connectivity/CORBAServantWrapper.h>
-#include <vq_idl/CallbackRepositoryC.h>
+#include <vq_idl/CallbackRepositoryS.h>
 
 // Thread contract: CRB_Ping runs on an ORB's thread, WasCalledBack on any.
 class TestCallbackI : public CORBAServantWrapper<POA_TestCallback> {

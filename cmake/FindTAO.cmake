@@ -1,0 +1,218 @@
+# Finds ACE+TAO, in this order:
+#
+#   1. its own CMake package (TAO-config.cmake, or ACE_TAO-config.cmake), which offers TAO::<library>;
+#   2. pkg-config (TAO.pc and its like);
+#   3. ACE_ROOT and TAO_ROOT, as variables of CMake or of the environment: a source tree that was
+#      built in place, or the prefix where it was installed. TAO_ROOT defaults to ACE_ROOT/TAO.
+#
+# Sets TAO_FOUND, TAO_VERSION, TAO_FOUND_BY, TAO_IDL_COMMAND (how tao_idl is called) and, for other
+# pkg-config files, TAO_PC_MODULES or else TAO_PC_CFLAGS and TAO_PC_LIBS. Makes the targets
+#
+#   vq::tao          the ORB with what a client needs, and ACE
+#   vq::tao_ssliop   TLS; only where TAO was built with it
+#
+# An installed package of this project brings this file along.
+
+# From the top down, so that a static linker is content as well.
+set(_tao_needed CosNaming Messaging BiDirGIOP PortableServer PI CodecFactory Valuetype AnyTypeCode)
+set(_tao_missing)
+set(TAO_FOUND_BY)
+set(TAO_PC_MODULES)
+set(TAO_PC_CFLAGS)
+set(TAO_PC_LIBS)
+
+foreach(_root ACE_ROOT TAO_ROOT)
+  if(NOT ${_root} AND DEFINED ENV{${_root}})
+    file(TO_CMAKE_PATH "$ENV{${_root}}" _path)
+    # Kept, since the build system configures itself anew in another environment.
+    set(${_root} ${_path} CACHE PATH "Where ${_root} of the environment was")
+  endif()
+endforeach()
+if(ACE_ROOT AND NOT TAO_ROOT AND EXISTS "${ACE_ROOT}/TAO")
+  set(TAO_ROOT ${ACE_ROOT}/TAO)
+elseif(ACE_ROOT AND NOT TAO_ROOT)
+  set(TAO_ROOT ${ACE_ROOT})
+elseif(TAO_ROOT AND NOT ACE_ROOT)
+  set(ACE_ROOT ${TAO_ROOT})
+endif()
+
+# ---- 1. its own CMake package -------------------------------------------------------------------
+if(NOT TAO_ROOT)
+  foreach(_package TAO ACE_TAO)
+    if(NOT TARGET TAO::TAO)
+      find_package(${_package} CONFIG QUIET)
+    endif()
+  endforeach()
+endif()
+if(TARGET TAO::TAO)
+  set(_tao_targets)
+  foreach(_library IN LISTS _tao_needed)
+    foreach(_target TAO::${_library} TAO::TAO_${_library})
+      if(TARGET ${_target})
+        list(APPEND _tao_targets ${_target})
+        break()
+      endif()
+    endforeach()
+    if(NOT TARGET TAO::${_library} AND NOT TARGET TAO::TAO_${_library})
+      list(APPEND _tao_missing "the target TAO::${_library} of the CMake package")
+    endif()
+  endforeach()
+  if(NOT TARGET vq::tao)
+    add_library(vq::tao INTERFACE IMPORTED)
+    target_link_libraries(vq::tao INTERFACE ${_tao_targets} TAO::TAO)
+    if(TARGET TAO::SSLIOP)
+      add_library(vq::tao_ssliop INTERFACE IMPORTED)
+      target_link_libraries(vq::tao_ssliop INTERFACE TAO::SSLIOP)
+    endif()
+  endif()
+  set(TAO_FOUND_BY "its CMake package")
+  get_target_property(TAO_INCLUDE_DIRS TAO::TAO INTERFACE_INCLUDE_DIRECTORIES)
+endif()
+
+# ---- 2. pkg-config ------------------------------------------------------------------------------
+if(NOT TAO_FOUND_BY AND NOT TAO_ROOT)
+  find_package(PkgConfig QUIET)
+  set(_tao_modules)
+  foreach(_library IN LISTS _tao_needed)
+    list(APPEND _tao_modules TAO_${_library})
+  endforeach()
+  if(PkgConfig_FOUND)
+    pkg_check_modules(TAO_PC QUIET IMPORTED_TARGET GLOBAL TAO)
+    if(TAO_PC_FOUND)
+      pkg_check_modules(TAO_ALL_PC QUIET IMPORTED_TARGET GLOBAL ${_tao_modules} TAO ACE)
+      if(TAO_ALL_PC_FOUND AND NOT TARGET vq::tao)
+        add_library(vq::tao INTERFACE IMPORTED)
+        target_link_libraries(vq::tao INTERFACE PkgConfig::TAO_ALL_PC)
+        pkg_check_modules(TAO_SSLIOP_PC QUIET IMPORTED_TARGET GLOBAL TAO_SSLIOP)
+        if(TAO_SSLIOP_PC_FOUND)
+          add_library(vq::tao_ssliop INTERFACE IMPORTED)
+          target_link_libraries(vq::tao_ssliop INTERFACE PkgConfig::TAO_SSLIOP_PC)
+        endif()
+      elseif(NOT TAO_ALL_PC_FOUND)
+        list(APPEND _tao_missing "one of the pkg-config modules ${_tao_modules}")
+      endif()
+      set(TAO_FOUND_BY "pkg-config")
+      list(JOIN _tao_modules " " TAO_PC_MODULES)
+      string(APPEND TAO_PC_MODULES " TAO ACE")
+      set(TAO_INCLUDE_DIRS ${TAO_ALL_PC_INCLUDE_DIRS})
+      if(NOT TAO_INCLUDE_DIRS)
+        pkg_get_variable(TAO_INCLUDE_DIRS TAO includedir)
+      endif()
+    endif()
+  endif()
+endif()
+
+# ---- 3. ACE_ROOT and TAO_ROOT -------------------------------------------------------------------
+if(NOT TAO_FOUND_BY)
+  set(_tao_roots ${TAO_ROOT} ${ACE_ROOT})
+  set(TAO_INCLUDE_DIRS)
+  foreach(_header ace/ACE.h tao/ORB.h orbsvcs/CosNamingC.h)
+    string(MAKE_C_IDENTIFIER "TAO_INCLUDE_${_header}" _variable)
+    find_path(${_variable} ${_header} HINTS ${_tao_roots}
+      PATH_SUFFIXES include TAO orbsvcs TAO/orbsvcs)
+    mark_as_advanced(${_variable})
+    if(${_variable})
+      list(APPEND TAO_INCLUDE_DIRS ${${_variable}})
+    else()
+      list(APPEND _tao_missing "the header ${_header}")
+    endif()
+  endforeach()
+  list(REMOVE_DUPLICATES TAO_INCLUDE_DIRS)
+
+  set(_tao_libraries)
+  foreach(_library IN LISTS _tao_needed ITEMS TAO ACE)
+    set(_name TAO_${_library})
+    if(_library STREQUAL "TAO" OR _library STREQUAL "ACE")
+      set(_name ${_library})
+    endif()
+    find_library(TAO_LIBRARY_${_name} ${_name} HINTS ${ACE_ROOT} ${TAO_ROOT}
+      PATH_SUFFIXES lib lib64)
+    mark_as_advanced(TAO_LIBRARY_${_name})
+    if(TAO_LIBRARY_${_name})
+      list(APPEND _tao_libraries ${TAO_LIBRARY_${_name}})
+    else()
+      list(APPEND _tao_missing "the library ${_name}")
+    endif()
+  endforeach()
+  if(TAO_LIBRARY_TAO)
+    get_filename_component(TAO_LIBRARY_DIR ${TAO_LIBRARY_TAO} DIRECTORY)
+  endif()
+
+  if(NOT _tao_missing AND NOT TARGET vq::tao)
+    add_library(vq::tao INTERFACE IMPORTED)
+    target_include_directories(vq::tao INTERFACE ${TAO_INCLUDE_DIRS})
+    target_link_libraries(vq::tao INTERFACE ${_tao_libraries})
+    list(JOIN TAO_INCLUDE_DIRS " -isystem " TAO_PC_CFLAGS)
+    string(PREPEND TAO_PC_CFLAGS "-isystem ")
+    list(JOIN _tao_libraries " " TAO_PC_LIBS)
+    string(APPEND TAO_PC_LIBS " -Wl,-rpath-link,${TAO_LIBRARY_DIR}")
+    # TAO's libraries find each other where they are, when a program is linked and, by a path that
+    # holds for what its libraries need as well, when it runs.
+    target_link_options(vq::tao INTERFACE
+      "LINKER:-rpath-link,${TAO_LIBRARY_DIR}" "LINKER:--disable-new-dtags")
+    set(_tls)
+    foreach(_name TAO_SSLIOP TAO_Security TAO_PI_Server TAO_Svc_Utils ACE_SSL)
+      find_library(TAO_LIBRARY_${_name} ${_name} HINTS ${ACE_ROOT} ${TAO_ROOT}
+        PATH_SUFFIXES lib lib64)
+      mark_as_advanced(TAO_LIBRARY_${_name})
+      if(TAO_LIBRARY_${_name})
+        list(APPEND _tls ${TAO_LIBRARY_${_name}})
+      endif()
+    endforeach()
+    if(TAO_LIBRARY_TAO_SSLIOP AND TAO_LIBRARY_ACE_SSL)
+      add_library(vq::tao_ssliop INTERFACE IMPORTED)
+      # By name of a service, not by a call: the linker must not think them idle.
+      target_link_libraries(vq::tao_ssliop INTERFACE
+        "-Wl,--push-state,--no-as-needed" ${_tls} "-Wl,--pop-state")
+    endif()
+  endif()
+  if(TAO_ROOT)
+    set(TAO_FOUND_BY "TAO_ROOT=${TAO_ROOT}")
+  else()
+    set(TAO_FOUND_BY "the usual directories")
+  endif()
+endif()
+
+# ---- version, compiler of interface definitions ---------------------------------------------------
+foreach(_directory IN LISTS TAO_INCLUDE_DIRS)
+  if(EXISTS ${_directory}/tao/Version.h)
+    file(STRINGS ${_directory}/tao/Version.h _line REGEX "define TAO_VERSION ")
+    string(REGEX MATCH "[0-9.]+" TAO_VERSION "${_line}")
+  endif()
+endforeach()
+
+find_program(TAO_IDL_PROGRAM tao_idl HINTS ${ACE_ROOT} ${TAO_ROOT} PATH_SUFFIXES bin TAO_IDL)
+mark_as_advanced(TAO_IDL_PROGRAM)
+set(TAO_IDL_COMMAND ${TAO_IDL_PROGRAM})
+if(NOT TAO_IDL_PROGRAM)
+  list(APPEND _tao_missing "the program tao_idl")
+elseif(TAO_LIBRARY_DIR)
+  # In a tree that was built in place tao_idl finds neither its libraries nor its gperf by itself.
+  set(TAO_IDL_COMMAND ${CMAKE_COMMAND} -E env "ACE_ROOT=${ACE_ROOT}" "TAO_ROOT=${TAO_ROOT}"
+    "LD_LIBRARY_PATH=${TAO_LIBRARY_DIR}:$ENV{LD_LIBRARY_PATH}" ${TAO_IDL_PROGRAM})
+  find_program(TAO_GPERF_PROGRAM ace_gperf HINTS ${ACE_ROOT} ${TAO_ROOT} PATH_SUFFIXES bin)
+  mark_as_advanced(TAO_GPERF_PROGRAM)
+  if(TAO_GPERF_PROGRAM)
+    list(APPEND TAO_IDL_COMMAND -g ${TAO_GPERF_PROGRAM})
+  endif()
+endif()
+
+list(JOIN _tao_missing "\n  " _tao_missing_text)
+set(_tao_reason "This project needs ACE+TAO 2.2 or later with its naming service's stubs. Searched by "
+  "TAO's CMake package, pkg-config (TAO.pc) and the variables ACE_ROOT and TAO_ROOT; looked at "
+  "${TAO_FOUND_BY}.")
+list(JOIN _tao_reason "" _tao_reason)
+if(_tao_missing)
+  string(APPEND _tao_reason "\nNot found:\n  ${_tao_missing_text}\n"
+    "Set ACE_ROOT to the directory of ACE, and TAO_ROOT to that of TAO where it is not ACE_ROOT/TAO; "
+    "or add the directory of TAO.pc to PKG_CONFIG_PATH; or configure with -DVQ_ORB=omniORB.")
+  set(_tao_complete FALSE)
+else()
+  set(_tao_complete TRUE)
+endif()
+
+include(FindPackageHandleStandardArgs)
+find_package_handle_standard_args(TAO
+  REQUIRED_VARS _tao_complete TAO_INCLUDE_DIRS TAO_VERSION
+  VERSION_VAR TAO_VERSION
+  REASON_FAILURE_MESSAGE "${_tao_reason}")

@@ -1,0 +1,50 @@
+// What a client's ORB and a server's have in common in TAO: their start, the threads that serve
+// them, and limits on calls.
+//
+//   CORBA::ORB_var orb = StartTao("GUI:1", arguments);
+//   TaoThreads threads;
+//   threads.Start(orb.in(), 1);
+//   threads.End(orb.in(), true);
+#ifndef VQ_SUPPORT_ORB_TAOORB_H
+#define VQ_SUPPORT_ORB_TAOORB_H
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <support/orb/Corba.h>
+
+namespace vq::orb {
+
+// Initialises an ORB of that name; no other one of the process has it. Raises
+// CORBA::SystemException.
+CORBA::ORB_ptr StartTao(const std::string& name, std::vector<std::string> arguments);
+
+// Limits on connecting and on a whole call, of everything that goes out from this ORB.
+void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
+                std::chrono::milliseconds call);
+
+// The threads that take calls for one ORB. What TAO reports on them and on the thread that started
+// the ORB goes to the log.
+//
+// Thread contract: one thread at a time, which may be one of these threads.
+class TaoThreads {
+ public:
+  void Start(CORBA::ORB_ptr orb, int count);
+  bool AreRunning() const { return !m_threads.empty(); }
+
+  // Ends and destroys the ORB, and returns when the threads have ended. When it is called by one of
+  // them, in a call that it serves, or without `wait`, they end later and destroy the ORB then.
+  void End(CORBA::ORB_ptr orb, bool wait);
+
+ private:
+  struct Shared;
+  std::vector<std::thread> m_threads;
+  std::shared_ptr<Shared> m_shared;
+};
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_TAOORB_H

@@ -1,0 +1,78 @@
+#include <support/orb/OrbServer.h>
+
+#include <atomic>
+#include <stdexcept>
+
+#include <support/orb/ListenEndpoint.h>
+#include <support/orb/TaoOptions.h>
+#include <support/orb/TaoOrb.h>
+
+#include <tao/Messaging/Messaging.h>
+#include <tao/TimeBaseC.h>
+
+namespace vq::orb {
+namespace {
+
+// Calls that may be under way at once, those that wait on purpose included.
+constexpr int kThreads = 24;
+constexpr std::chrono::milliseconds kUsualLimit{60'000};  // of calls to clients that are gone
+
+class TaoServer : public ServerOrb {
+ public:
+  explicit TaoServer(CORBA::ORB_ptr orb) : m_orb(orb) {}
+  ~TaoServer() override {
+    try {
+      TaoServer::Stop();
+    } catch (const CORBA::Exception&) {  // Nobody is left to tell.
+    }
+  }
+
+  CORBA::ORB_ptr Orb() override { return m_orb.in(); }
+  void Serve() override {
+    if (!m_threads.AreRunning()) m_threads.Start(m_orb.in(), kThreads);
+  }
+  void Stop() override {
+    if (CORBA::is_nil(m_orb.in())) return;
+    const CORBA::ORB_var orb = m_orb._retn();
+    m_threads.End(orb.in(), true);
+  }
+
+ private:
+  CORBA::ORB_var m_orb;
+  TaoThreads m_threads;
+};
+
+}  // namespace
+
+std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
+  std::string error;
+  const auto endpoint = ParseListenEndpoint(options.endpoint, error);
+  if (!endpoint) throw std::invalid_argument("endpoint " + options.endpoint + ": " + error);
+  std::vector<std::string> arguments = TaoConfigurationArguments(options.rest);
+  arguments.insert(arguments.end(),
+                   {"-ORBListenEndpoints", TaoEndpoint(*endpoint), "-ORBDottedDecimalAddresses",
+                    "1", "-ORBNegotiateCodesets", "0"});
+  if (!options.naming.empty()) {
+    arguments.insert(arguments.end(), {"-ORBInitRef", "NameService=" + options.naming});
+  }
+  arguments.insert(arguments.end(), options.rest.begin(), options.rest.end());
+  static std::atomic<int> number = 0;  // no two ORBs of a process have one name
+  auto server = std::make_unique<TaoServer>(
+      StartTao("server:" + std::to_string(++number), std::move(arguments)));
+  LimitCalls(server->Orb(), kUsualLimit, kUsualLimit);
+  return server;
+}
+
+CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {
+  const CORBA::ORB_var orb = object->_get_orb();
+  CORBA::Any value;
+  value <<= static_cast<TimeBase::TimeT>(TaoTime(time));
+  CORBA::PolicyList policies;
+  policies.length(1);
+  policies[0] = orb->create_policy(Messaging::RELATIVE_RT_TIMEOUT_POLICY_TYPE, value);
+  CORBA::Object_var limited = object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
+  policies[0]->destroy();
+  return limited._retn();
+}
+
+}  // namespace vq::orb

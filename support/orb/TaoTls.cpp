@@ -1,0 +1,110 @@
+#include <support/orb/TaoTls.h>
+
+#include <stdexcept>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/orb/CorbaText.h>
+#include <support/orb/TlsVerdict.h>
+
+#if defined(VQ_TAO_SSLIOP)  // CMake found TAO's TLS library
+#include <ace/SSL/SSL_Context.h>
+#include <orbsvcs/SecurityLevel2C.h>
+#endif
+
+namespace vq::orb {
+namespace {
+
+TDiagRegister diagModule("TLS");
+
+void CheckPort(const OrbSettings& settings) {
+  if (settings.listenEndpoint.tlsPort != 0 && settings.tls.certificate.empty()) {
+    throw std::invalid_argument(
+        "the listen endpoint has an ssl_port, and -SSLCertificate is not set");
+  }
+}
+
+}  // namespace
+
+#if defined(VQ_TAO_SSLIOP)
+
+namespace {
+
+// What the callback looks at; written before the ORB starts, read by its threads after that.
+TlsSettings tlsInForce;
+
+int Judge(int verified, X509_STORE_CTX* context) {
+  return JudgeCertificate(verified, *context, tlsInForce);
+}
+
+// ACE sets the callback of its context anew whenever it is asked for it, so ours is put in here.
+int Verify(X509_STORE_CTX* context, void*) {
+  X509_STORE_CTX_set_verify_cb(context, Judge);
+  return X509_verify_cert(context);
+}
+
+}  // namespace
+
+void TaoTls::Prepare(const OrbSettings& settings) {
+  CheckPort(settings);
+  if (!settings.tls.IsOn()) return;
+  tlsInForce = settings.tls;
+  if (!settings.tls.verifyPeer) {
+    VQ_LOG(diagModule, 1) << "TLS certificates are not verified, since -SSLVerifyPeer is 0: "
+                          << "anybody may pose as the server";
+  } else if (!settings.tls.verifyHost) {
+    VQ_LOG(diagModule, 1) << "TLS certificates are not compared with the host that was asked for, "
+                          << "since -SSLVerifyHost is 0: any server of a believed authority may "
+                          << "pose as another";
+  }
+  ACE_SSL_Context& ace = *ACE_SSL_Context::instance();
+  ace.default_verify_mode(TlsVerifyMode(settings.tls));
+  SSL_CTX& context = *ace.context();
+  SSL_CTX_set_cert_store(&context, X509_STORE_new());  // authorities of an earlier start
+  ConfigureTls(context, settings.tls);
+  SSL_CTX_set_cert_verify_callback(&context, Verify, nullptr);
+}
+
+void TaoTls::AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
+  if (!settings.tls.IsOn()) return;
+  try {
+    const CORBA::Object_var naming = orb->resolve_initial_references("NameService");
+    CORBA::Any value;
+    value <<= Security::SecQOPNoProtection;
+    CORBA::PolicyList policies;
+    policies.length(1);
+    policies[0] = orb->create_policy(Security::SecQOPPolicy, value);
+    const CORBA::Object_var inClear = naming->_set_policy_overrides(policies, CORBA::SET_OVERRIDE);
+    policies[0]->destroy();
+    orb->register_initial_reference("NameService", inClear.in());
+  } catch (const CORBA::Exception& e) {  // Its first use tells.
+    VQ_LOG(diagModule, 4) << "The naming service is not asked in clear: " << e;
+  }
+}
+
+std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSettings& settings) {
+  if (!settings.tls.IsOn()) return std::nullopt;
+  return vq::orb::CertificateExpiry(*ACE_SSL_Context::instance()->context());
+}
+
+#else
+
+void TaoTls::Prepare(const OrbSettings& settings) {
+  CheckPort(settings);
+  if (settings.tls.IsOn()) {
+    throw std::invalid_argument(
+        "-SSLCACertificate or -SSLCertificate is set, and this TAO was built without its TLS "
+        "library SSLIOP");
+  }
+}
+
+void TaoTls::AllowNaming(CORBA::ORB_ptr, const OrbSettings&) {}
+
+std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSettings&) {
+  VQ_LOG(diagModule, 4) << "There is no certificate to look at: this TAO was built without its TLS "
+                        << "library SSLIOP";
+  return std::nullopt;
+}
+
+#endif
+
+}  // namespace vq::orb
