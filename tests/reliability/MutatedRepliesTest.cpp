@@ -15,7 +15,7 @@
 
 // What omniORB itself does not free when a message ends, or makes no sense, in the middle of a text
 // or of a reference. docs/reliability.md has the figures.
-extern "C" const char* __lsan_default_suppressions() {
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {
   return "leak:cdrStream::unmarshalRawString\nleak:omniObjRef::_unMarshal\n";
 }
 
