@@ -12,8 +12,7 @@ namespace {
 
 struct Outcome {
   int code = -1;
-  std::string output;
-  std::string words;
+  std::string output, words;
 };
 
 class ClientTest : public ::testing::Test {
@@ -136,8 +135,7 @@ TEST_F(ClientTest, QuestionsOfAuthorizationAreAnsweredByExitCode) {
       {{"criteria", "TABLE LIKE 'PAY*'"}, {"level", "UPDATE_ACCESS"}}};
   const Server server(m_directory, m_naming.Reference(), site);
   const struct {
-    const char* table;
-    const char* level;
+    const char *table, *level;
     int code;
   } kRows[] = {{"TABLE=PAY01", "UPDATE_ACCESS", 0}, {"TABLE=PAY01", "FULL_ACCESS", 7},
                {"TABLE=TAX", "BROWSE_ACCESS", 7},   {"TABLE=TAX", "DEFAULT_ACCESS", 0},

@@ -31,13 +31,6 @@ class CallbackTrialTest : public SessionFixture {
     m_directory.Write("root/config/vq.xml", "<domain/>");
   }
 
-  Server& StartServerWith(const std::vector<std::string>& arguments) {
-    m_servers.push_back(std::make_unique<Server>(m_directory, m_naming->Reference(), BaseSite(),
-                                                 std::vector<std::string>{"GSR"}, "central", 0,
-                                                 Server::kDirect, arguments));
-    return *m_servers.back();
-  }
-
   bool Try(bool biDir, const std::string& address, bool isMask = false) {
     m_roundTrip = -1;
     return TroubleshootConnection::ORBInitAndTestCallback(biDir, address, m_roundTrip, isMask);
@@ -62,8 +55,7 @@ class CallbackTrialTest : public SessionFixture {
 struct TrialCase {
   bool biDir;
   const char* address;
-  bool isMask;
-  bool reached;
+  bool isMask, reached;
 };
 
 TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
@@ -112,7 +104,7 @@ TEST_F(CallbackTrialTest, TrialsInARowDoNotWaitForEachOther) {
 }
 
 TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWorks) {
-  StartServerWith({"--no-bidir"});
+  StartServer(BaseSite(), {"GSR"}, {"--no-bidir"});
   ASSERT_EQ(Login(), 1);
   EXPECT_FALSE(Try(false, kNowhere));
   EXPECT_TRUE(Try(false, "127.0.0.1"));
@@ -124,12 +116,10 @@ TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWo
 }
 
 TEST_F(CallbackTrialTest, ACallbackThatCannotWorkIsReportedWithinItsTime) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1);
+  Server& server = StartSession();
   const ProcessTraces before = ProcessTraces::Now();
   const struct {
-    nlohmann::json site;
-    nlohmann::json faults;
+    nlohmann::json site, faults;
     const char* logged;
   } kRows[] = {
       {{{"callback", {{"delayMs", 60000}}}},
@@ -158,8 +148,7 @@ TEST_F(CallbackTrialTest, ACallbackThatCannotWorkIsReportedWithinItsTime) {
 }
 
 TEST_F(CallbackTrialTest, WhoSendsTheObjectIsToldWhyThatFails) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1);
+  Server& server = StartSession();
   server.Kill();
   std::string error;
   long roundTrip = -1;

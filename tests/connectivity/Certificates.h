@@ -1,22 +1,22 @@
-// Certificates for a test: an authority, and certificates that it or nobody signed.
+// Certificates for a test, made by the openssl program: of an authority, or signed by nobody.
 //
-//   const Authority authority("Test authority");
-//   directory.Write("ca.pem", authority.Pem());
+//   const Authority authority(directory, "authority");
 //   const Identity server = authority.Issue({.names = "IP:127.0.0.1"});
 //   directory.Write("server.pem", server.certificate + server.key);
 #ifndef VQ_TESTS_CONNECTIVITY_CERTIFICATES_H
 #define VQ_TESTS_CONNECTIVITY_CERTIFICATES_H
 
+#include <cstdlib>
+#include <ctime>
+#include <stdexcept>
 #include <string>
 
-#include <openssl/evp.h>
-#include <openssl/x509.h>
+#include <tests/fixture/TemporaryDirectory.h>
 
 namespace vq::test {
 
 struct Identity {  // PEM
-  std::string certificate;
-  std::string key;
+  std::string certificate, key;
 };
 
 struct CertificateOptions {
@@ -27,18 +27,48 @@ struct CertificateOptions {
 
 class Authority {
  public:
-  explicit Authority(const std::string& name);
-  ~Authority();
-  Authority(const Authority&) = delete;
-  Authority& operator=(const Authority&) = delete;
+  Authority(const TemporaryDirectory& directory, const std::string& name)
+      : m_path(directory / (name + "/")) {
+    directory.Write(name + "/index.txt", "");
+    directory.Write(name + "/ca.cnf",
+                    "[ca]\ndefault_ca=d\n[p]\ncommonName=supplied\n[d]\ndatabase=index.txt\n"
+                    "new_certs_dir=.\nrand_serial=yes\nunique_subject=no\ndefault_md=sha256\n"
+                    "policy=p\ncopy_extensions=copy\n");
+    Run(kNew + "-x509 -days 365 -subj /CN=" + name + " -keyout ca.key -out ca.pem");
+  }
 
-  std::string Pem() const;
-  Identity Issue(const CertificateOptions& options) const;
-  static Identity SelfSigned(const CertificateOptions& options);
+  std::string File() const { return m_path + "ca.pem"; }
+  Identity Issue(const CertificateOptions& options = {}) const {
+    return Sign(options, "-cert ca.pem -keyfile ca.key");
+  }
+  Identity SelfSigned() const { return Sign({}, "-selfsign -keyfile own.key"); }
 
  private:
-  EVP_PKEY* m_key;
-  X509* m_certificate;
+  inline static const std::string kNew =
+      "openssl req -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes ";
+
+  Identity Sign(const CertificateOptions& options, const std::string& signer) const {
+    const auto inDays = [](long days) {
+      const std::time_t then = std::time(nullptr) + days * 86400;
+      char text[16] = {};
+      std::strftime(text, sizeof text, "%Y%m%d%H%M%SZ", std::gmtime(&then));
+      return std::string(text);
+    };
+    Run(kNew + "-subj '/CN=vq server' -addext basicConstraints=critical,CA:FALSE " +
+        (options.names.empty() ? "" : "-addext subjectAltName=" + options.names) +
+        " -keyout own.key -out own.csr");
+    Run("openssl ca -batch -config ca.cnf -notext -in own.csr -out own.pem " + signer +
+        " -startdate " + inDays(options.fromDays) + " -enddate " + inDays(options.toDays));
+    return {ReadFile(m_path + "own.pem"), ReadFile(m_path + "own.key")};
+  }
+
+  void Run(const std::string& command) const {
+    if (std::system(("cd " + m_path + " && " + command + " >log 2>&1").c_str()) != 0) {
+      throw std::runtime_error(command + ": " + ReadFile(m_path + "log"));
+    }
+  }
+
+  std::string m_path;
 };
 
 }  // namespace vq::test

@@ -13,12 +13,9 @@ namespace {
 
 class TlsTest : public SessionFixture {
  protected:
-  TlsTest() : m_authority("Test authority") {}
-
   void SetUp() override {
     SessionFixture::SetUp();
     m_directory.Write("root/config/vq.xml", "<domain/>");
-    m_caFile = m_directory.Write("ca.pem", m_authority.Pem());
   }
 
   // A server that has a TLS endpoint beside the one in clear.
@@ -32,10 +29,7 @@ class TlsTest : public SessionFixture {
                                        "-ORBsslVerifyMode",  verify,
                                        "-ORBendPoint",       "giop:ssl:127.0.0.1:"};
     arguments.insert(arguments.end(), more.begin(), more.end());
-    m_servers.push_back(std::make_unique<Server>(m_directory, m_naming->Reference(), BaseSite(),
-                                                 std::vector<std::string>{"GSR"}, "central", 0,
-                                                 Server::kDirect, arguments));
-    return *m_servers.back();
+    return StartServer(BaseSite(), {"GSR"}, arguments);
   }
 
   // The settings of a client with a certificate of its own.
@@ -46,23 +40,23 @@ class TlsTest : public SessionFixture {
             "-SSLPrivateKey",    m_directory.Write("own.key", own.key)};
   }
 
-  Authority m_authority;
-  std::string m_caFile;
+  const Authority m_authority{m_directory, "authority"};
+  const std::string m_caFile = m_authority.File();
 };
 
 TEST_F(TlsTest, EachBadCertificateIsRefusedWithItsReason) {
-  const Authority other("Another authority");
+  const Authority other(m_directory, "other");
   const struct {
     Identity identity;
     const char* reason;  // empty: it is good
   } kRows[] = {
-      {m_authority.Issue({}), ""},
+      {m_authority.Issue(), ""},
       {m_authority.Issue({.fromDays = -20, .toDays = -10}), "it has expired;"},
       {m_authority.Issue({.fromDays = 10, .toDays = 20}), "it is not yet valid;"},
       {m_authority.Issue({.names = "IP:192.0.2.1,DNS:other.site"}), "it is for another host;"},
       {m_authority.Issue({.names = ""}), "it is for another host;"},
-      {other.Issue({}), "its authority is unknown;"},
-      {Authority::SelfSigned({}), "it is self-signed;"},
+      {other.Issue(), "its authority is unknown;"},
+      {m_authority.SelfSigned(), "it is self-signed;"},
   };
   m_orbArguments = {"-SSLCACertificate", m_caFile, "-ORBCallTimeout", "5000"};
   for (const auto& row : kRows) {
@@ -120,7 +114,10 @@ TEST_F(TlsTest, ChecksAreSwitchedOffByASettingThatIsLogged) {
 }
 
 TEST_F(TlsTest, AServerWithoutTlsIsNotCalledInClear) {
-  Server& server = StartServer();
+  Server& server = StartSession();
+  EXPECT_EQ(ORBCommon<1>::Get()->CheckCertificateExpiration(100000), 0) << "there is none";
+  GL_LogOut(true);
+  server.ForgetCalls();
   m_orbArguments = {"-SSLCACertificate", m_caFile};
   EXPECT_EQ(Login(), 54);
   EXPECT_TRUE(server.Calls().empty());
@@ -131,7 +128,7 @@ TEST_F(TlsTest, AServerWithoutTlsIsNotCalledInClear) {
 
 // Both ends show certificates, and the server calls back over a TLS connection of its own.
 TEST_F(TlsTest, CallbacksGoOverTlsBothWays) {
-  StartTlsServer(m_authority.Issue({}), "peer,fail");
+  StartTlsServer(m_authority.Issue(), "peer,fail");
   m_orbArguments = OwnCertificate({});
   ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1) << m_log.Text();
   std::string error;
@@ -144,11 +141,8 @@ TEST_F(TlsTest, CallbacksGoOverTlsBothWays) {
   EXPECT_EQ(m_log.Text().find("override endpoint 0: 'giop:tcp:"), std::string::npos);
   EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(true, "", roundTrip, false))
       << m_log.Text();
-}
-
-TEST_F(TlsTest, AClientWithoutACertificateIsRefusedByAServerThatWantsOne) {
-  StartTlsServer(m_authority.Issue({}), "peer,fail");
-  m_orbArguments = {"-SSLCACertificate", m_caFile};
+  GL_LogOut(true);
+  m_orbArguments = {"-SSLCACertificate", m_caFile};  // and none of its own
   EXPECT_EQ(Login(), 54);
 }
 
@@ -161,7 +155,7 @@ TEST_F(TlsTest, WarnsBeforeTheOwnCertificateExpires) {
       {61, ""},
       {-1, "SSL Certificate is going to expire in less than 60days."},
   };
-  StartTlsServer(m_authority.Issue({}));
+  StartTlsServer(m_authority.Issue());
   for (const auto& row : kRows) {
     m_orbArguments = OwnCertificate({.fromDays = -20, .toDays = row.days});
     EXPECT_EQ(Login(), 1) << row.days << m_log.Text();
@@ -172,17 +166,11 @@ TEST_F(TlsTest, WarnsBeforeTheOwnCertificateExpires) {
   }
 }
 
-TEST_F(TlsTest, WithoutTlsThereIsNothingToWarnOf) {
-  StartServer();
-  ASSERT_EQ(Login(), 1);
-  EXPECT_EQ(ORBCommon<1>::Get()->CheckCertificateExpiration(100000), 0);
-}
-
 // Settings that cannot work keep the ORB down, and say which file of which setting it is.
 TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
-  const Identity own = m_authority.Issue({});
+  const Identity own = m_authority.Issue();
   const std::string good = m_directory.Write("good.pem", own.certificate + own.key);
-  const std::string wrongKey = m_directory.Write("wrong.key", m_authority.Issue({}).key);
+  const std::string wrongKey = m_directory.Write("wrong.key", m_authority.Issue().key);
   const std::string garbage = m_directory.Write("garbage.pem", "no certificate");
   const struct {
     std::vector<std::string> arguments;
@@ -202,7 +190,7 @@ TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
     EXPECT_EQ(Login(), 55);
     EXPECT_NE(m_log.Text().find(row.text), std::string::npos) << row.text << m_log.Text();
   }
-  StartTlsServer(m_authority.Issue({}));
+  StartTlsServer(m_authority.Issue());
   m_orbArguments = {"-SSLCACertificate", m_caFile, "-SSLCertificate", good};
   EXPECT_EQ(Login(), 1) << m_log.Text();
 }

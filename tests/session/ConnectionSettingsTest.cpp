@@ -11,9 +11,7 @@ namespace {
 TEST(ClientKinds, HaveANameForServerOrbAndUser) {
   const struct {
     int value;
-    const char* registered;
-    const char* orb;
-    const char* words;
+    const char *registered, *orb, *words;
     bool pure;
   } kRows[] = {
       {0, "vq_gui", "GUI", "VELTRA-M/VQ GUI", false},
@@ -39,8 +37,7 @@ TEST(ClientKinds, HaveANameForServerOrbAndUser) {
 TEST(ServerKinds, HaveANameForTheNamingServiceAndTheUser) {
   const struct {
     int value;
-    const char* naming;
-    const char* words;
+    const char *naming, *words;
   } kRows[] = {
       {0, "GSR", "VELTRA-M/VQ Server"},
       {4, "CMS", "VELTRA-M/VQ Configuration Manager Server"},

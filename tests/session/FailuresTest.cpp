@@ -42,8 +42,7 @@ TEST_F(FailuresTest, EachFailureHasItsCodeNumberAndText) {
   const std::string longest(45, 'u');
   const struct {
     BaseLoginEx failure;
-    int code;
-    int number;
+    int code, number;
     std::string text;
   } kRows[] = {
       {BaseLoginEx(""), 0, 0, ""},
@@ -92,9 +91,7 @@ TEST(ClientException, PrintsToTheErrorStreamAndIsRaisedAgain) {
   const SEVERITY severity{3};
   const struct {
     std::shared_ptr<VQBaseException> exception;
-    const char* name;
-    const char* printed;
-    const char* lastLine;
+    const char *name, *printed, *lastLine;
   } kRows[] = {
       {std::make_shared<VQBaseException>("a.cpp", 7, "why", 1, 2, severity, false),
        "VQBaseException", "why\n", "[File: a.cpp Line: 7]\nwhy"},

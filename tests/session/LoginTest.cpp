@@ -28,8 +28,7 @@ TEST_F(LoginTest, RefusalsReachTheCallerAsCodeAndText) {
       "properly.\n - The specified password is incorrect.\n\nFor more information, refer to the "
       "VELTRA-M/Quorum Manager documentation.";
   const struct {
-    const char* user;
-    const char* password;
+    const char *user, *password;
     int code;
     std::string message;
     bool connected;
@@ -55,9 +54,7 @@ TEST_F(LoginTest, RefusalsReachTheCallerAsCodeAndText) {
 TEST_F(LoginTest, AnEmptyValueIsRefusedHereAfterTheServerWasAskedForItsPasswords) {
   Server& server = StartServer();
   const struct {
-    const char* user;
-    const char* password;
-    const char* server;
+    const char *user, *password, *server;
   } kRows[] = {{"", "secret", "central"}, {"alice", "", "central"}, {"alice", "secret", ""}};
   for (const auto& row : kRows) {
     server.ForgetCalls();
@@ -74,41 +71,33 @@ TEST_F(LoginTest, AnEmptyValueIsRefusedHereAfterTheServerWasAskedForItsPasswords
   }
 }
 
-TEST_F(LoginTest, OneLoginMakesTheseCallsAndNoOthers) {
+TEST_F(LoginTest, TheServerIsToldWhoLogsIn) {
   InstallClient("8.0.00", "P1,P2");
   Server& server = StartServer();
-  ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1) << m_log.Text();
-  EXPECT_EQ(server.Operations(),
-            (Operations{"CRB_GetSystemParameterValue", "CRB_GetSystemParameterValue",
-                        "CRB_VerifyClientServerVersion", "CRB_AquireChallenge", "CRB_Register"}));
-  const nlohmann::json arguments = server.LastCall("CRB_Register")["arguments"];
-  EXPECT_EQ(arguments["userName"], "alice");
-  EXPECT_EQ(arguments["clientName"], "vq_gui");
-  EXPECT_EQ(arguments["clientVersion"], "8.0.00::P1,P2");
-  EXPECT_EQ(arguments["timeOut"], 600);
-  EXPECT_EQ(server.LastCall("CRB_VerifyClientServerVersion")["arguments"]["clientVersion"],
-            "8.0.00");
-  EXPECT_EQ(ConnectionSettings::Get()->GetDBUserName(), "vqdb");
-  EXPECT_EQ(ConnectionSettings::Get()->GetUserID().size(), 32U);
-
-  // The second login in the same process finds its references.
-  server.ForgetCalls();
-  m_log.Clear();
-  ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1);
-  EXPECT_EQ(server.Operations().size(), 5U);
-  EXPECT_EQ(m_log.Count(4, "UsersManager: CRB servant is about to be bound."), 0);
-  EXPECT_GT(m_log.Count(5, "UsersManager: CRB servant is already bound."), 0);
-}
-
-TEST_F(LoginTest, ClientsOutsideTheVersionGateSendZero) {
-  InstallClient("8.0.00");
-  Server& server = StartServer();
-  for (const CLIENT_ID client : {CLIENT_QIMC, CLIENT_UNKNOWN}) {
+  const struct {
+    CLIENT_ID client;
+    const char *name, *version;
+    nlohmann::json verified;  // null for a client outside the version gate
+  } kRows[] = {{CLIENT_GUI, "vq_gui", "8.0.00::P1,P2", "8.0.00"},
+               {CLIENT_QIMC, "vq_qimc", "0", nullptr},
+               {CLIENT_UNKNOWN, "Unkown_Client", "0", nullptr}};
+  for (const auto& row : kRows) {
     server.ForgetCalls();
-    ASSERT_EQ(Login("alice", "secret", "central", client), 1) << m_log.Text();
-    EXPECT_TRUE(server.LastCall("CRB_VerifyClientServerVersion").is_null());
-    EXPECT_EQ(server.LastCall("CRB_Register")["arguments"]["clientVersion"], "0");
-    GL_LogOut(false);
+    m_log.Clear();
+    ASSERT_EQ(Login("alice", "secret", "central", row.client), 1) << m_log.Text();
+    const nlohmann::json arguments = server.LastCall("CRB_Register")["arguments"];
+    EXPECT_EQ(arguments["userName"], "alice");
+    EXPECT_EQ(arguments["clientName"], row.name);
+    EXPECT_EQ(arguments["clientVersion"], row.version);
+    EXPECT_EQ(arguments["timeOut"], 600);
+    const nlohmann::json verified = server.LastCall("CRB_VerifyClientServerVersion");
+    EXPECT_EQ(verified.is_null() ? verified : verified["arguments"]["clientVersion"], row.verified);
+    EXPECT_EQ(ConnectionSettings::Get()->GetDBUserName(), "vqdb");
+    EXPECT_EQ(ConnectionSettings::Get()->GetUserID().size(), 32U);
+    // A later login in the same process finds its references.
+    const bool first = row.client == CLIENT_GUI;
+    EXPECT_EQ(m_log.Has(4, "UsersManager: CRB servant is about to be bound."), first);
+    EXPECT_EQ(m_log.Has(5, "UsersManager: CRB servant is already bound."), !first);
   }
 }
 
@@ -135,9 +124,7 @@ TEST_F(LoginTest, TheServerDecidesHowPasswordsTravel) {
 
 TEST_F(LoginTest, TheReferenceOfTheFirstServerStaysUntilLogout) {
   Server& server = StartServer();
-  m_servers.push_back(std::make_unique<Server>(m_directory, m_naming->Reference(), BaseSite(),
-                                               std::vector<std::string>{"GSR"}, "other"));
-  Server& other = *m_servers.back();
+  const Server& other = StartServer(BaseSite(), {"GSR"}, {}, "other");
   ASSERT_EQ(Login("alice", "secret", "central"), 1);
   server.ForgetCalls();
   ASSERT_EQ(Login("alice", "secret", "other"), 1);
@@ -162,8 +149,7 @@ TEST_F(LoginTest, EachServerKindIsBoundOnItsOwn) {
 }
 
 TEST_F(LoginTest, LogoutUnregistersAndMayEndTheOrb) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1);
+  Server& server = StartSession();
   const std::string userId = ConnectionSettings::Get()->GetUserID();
   server.ForgetCalls();
   EXPECT_EQ(GL_LogOut(true), 1);
@@ -193,7 +179,10 @@ TEST_F(LoginTest, WithoutANamingServiceTheOrbIsNotUp) {
   EXPECT_EQ(Login(), 1) << m_log.Text();
 }
 
-TEST_F(LoginTest, ASilentNamingServiceEndsWithTheCallTimeOut) {
+TEST_F(LoginTest, AMalformedTimeOutIsNamedAndAnotherEndsAWaitForTheNamingService) {
+  m_orbArguments = {"-ORBCallTimeout", "soon"};
+  EXPECT_EQ(Login(), 55);
+  EXPECT_NE(m_log.Text().find("'soon' of -ORBCallTimeout (command line)"), std::string::npos);
   m_orbArguments = {"-ORBConnectTimeout", "300", "-ORBCallTimeout", "300"};
   m_naming->Stop();
   const auto start = std::chrono::steady_clock::now();
@@ -231,19 +220,11 @@ TEST_F(LoginTest, AMissingChallengeGivesUpWithoutAText) {
   EXPECT_TRUE(server.LastCall("CRB_Register").is_null());
 }
 
-TEST_F(LoginTest, AMalformedSettingIsNamedInTheLog) {
-  m_orbArguments = {"-ORBCallTimeout", "soon"};
-  EXPECT_EQ(Login(), 55);
-  EXPECT_NE(m_log.Text().find("'soon' of -ORBCallTimeout (command line)"), std::string::npos)
-      << m_log.Text();
-}
-
 TEST_F(LoginTest, AReplyBeyondTheSizeLimitNamesTheSetting) {
   m_orbArguments = {"-ORBMaxMessageSize", "20000"};
   nlohmann::json site = BaseSite();
   site["parameters"]["general"]["Long"] = std::string(30000, 'x');
-  StartServer(site);
-  ASSERT_EQ(Login(), 1);
+  StartSession(site);
   std::string value = "kept";
   EXPECT_FALSE(GetSystemParameter("Long", value, "general", E_GSR));
   EXPECT_EQ(value, "kept");

@@ -16,12 +16,10 @@ const nlohmann::json kMissing;
 const nlohmann::json kFails = {{"fail", 5}};
 
 TEST_F(ParametersTest, EveryFailureIsAFalseAndALine) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   const auto raise = [](const char* name) { return Raise("CRB_GetSystemParameterValue", name); };
   const struct {
-    nlohmann::json parameter;
-    nlohmann::json faults;
+    nlohmann::json parameter, faults;
     bool found;
     int level;
     const char* line;
@@ -60,8 +58,7 @@ TEST_F(ParametersTest, EveryFailureIsAFalseAndALine) {
 }
 
 TEST_F(ParametersTest, EachSettingHasItsOwnRuleAndAssumption) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   const struct {
     const char* name;
     bool (*read)();
@@ -90,8 +87,7 @@ TEST_F(ParametersTest, EachSettingHasItsOwnRuleAndAssumption) {
 }
 
 TEST_F(ParametersTest, AnUnclearAuthorSecurityIsTheStrictOne) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   const struct {
     nlohmann::json value;
     int result;
@@ -122,8 +118,7 @@ TEST_F(ParametersTest, AnUnclearAuthorSecurityIsTheStrictOne) {
 TEST_F(ParametersTest, TheEnvironmentOrTheServerSaysWhatIsAnnotated) {
   nlohmann::json site = BaseSite();
   site["annotationRequired"] = {"job.delete"};
-  Server& server = StartServer(site);
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession(site);
   EXPECT_TRUE(isAnnotationRequired("job.delete"));
   EXPECT_FALSE(isAnnotationRequired("job.order"));
   const nlohmann::json arguments = server.LastCall("CRB_isAnnotationRequired")["arguments"];

@@ -5,7 +5,6 @@
 #include <string>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
 #include <tests/fixture/Environment.h>
@@ -40,8 +39,7 @@ TEST(ServerLocaleTest, TheServersLanguageSettlesTheLocaleAndIsReturned) {
   directory.Write("ini/locale.ini", "# languages\nutf=C.UTF-8\nplain=C\n");
   const struct {
     std::optional<std::string> answer;
-    const char* returned;
-    const char* locale;
+    const char *returned, *locale;
   } cases[] = {{"UTF", "UTF", "C.UTF-8"}, {"plain", "plain", "C"}, {{}, "", "C.UTF-8"}};
   const std::string former = std::setlocale(LC_ALL, nullptr);
   for (const auto& [answer, returned, locale] : cases) {
@@ -57,8 +55,7 @@ TEST(ServerLocaleTest, TheModeComesFromTheEnvironmentTheServerOrTheDefault) {
   const Variable home("VQ_HOME", "/home");
   const struct {
     bool isOnline;
-    std::optional<std::string> answer;
-    std::optional<std::string> variable;
+    std::optional<std::string> answer, variable;
     const char* mode;
     bool isCJK;
     const char* encoding;

@@ -25,8 +25,7 @@ class UpkeepTest : public SessionFixture {
 };
 
 TEST_F(UpkeepTest, PostLoginAsksTheServerInThisOrder) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   server.ForgetCalls();
   m_log.Clear();
   EXPECT_EQ(PostLogin(), 1);
@@ -48,19 +47,8 @@ TEST_F(UpkeepTest, PostLoginAsksTheServerInThisOrder) {
   EXPECT_EQ(m_log.Count(4, "Changed User Id to: DD"), 1) << m_log.Text();
 }
 
-TEST_F(UpkeepTest, WithoutAuthorizationsALoginIsNotFinished) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
-  server.SetFaults(Raise("CRB_GetMyAuthorizationsFromMemory", "USER_NOT_FOUND"));
-  server.ForgetCalls();
-  EXPECT_EQ(PostLogin(), 0);
-  EXPECT_EQ(m_message, "Failed to load user authorizations");
-  EXPECT_TRUE(server.LastCall("CRB_ResetTimeout").is_null());
-}
-
 TEST_F(UpkeepTest, TheTimeOutIsThatOfTheFirstSourceThatHasOne) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   const struct {
     const char* profile;
     nlohmann::json parameter;
@@ -90,8 +78,7 @@ TEST_F(UpkeepTest, TheTimeOutIsThatOfTheFirstSourceThatHasOne) {
 }
 
 TEST_F(UpkeepTest, ATimeOutThatTheServerRefusesDoesNotFailTheLogin) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   server.SetFaults(Return("CRB_ResetTimeout", 5));
   EXPECT_EQ(PostLogin(), 1);
   EXPECT_TRUE(m_log.Has(1, "CRB_ResetTimeout failed resulted with code:5"));
@@ -105,12 +92,10 @@ TEST_F(UpkeepTest, ATimeOutThatTheServerRefusesDoesNotFailTheLogin) {
 }
 
 TEST_F(UpkeepTest, TheServerSaysWhetherTheOrbIsWaitedFor) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   const struct {
     nlohmann::json parameter;
-    bool before;
-    bool after;
+    bool before, after;
   } kRows[] = {{"0", true, false}, {nullptr, false, false}, {"1", false, true},
                {"", false, true},  {"00", false, true},     {nullptr, true, true}};
   EXPECT_TRUE(Settings().GetWait4Shutdown());
@@ -129,8 +114,7 @@ TEST_F(UpkeepTest, TheServerSaysWhetherTheOrbIsWaitedFor) {
 TEST_F(UpkeepTest, AKeptSessionLivesAndOneThatIsNotKeptTimesOut) {
   nlohmann::json site = BaseSite();
   site["userId"] = {{"length", 4096}};  // no length is too long
-  Server& server = StartServer(site);
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession(site);
   for (int minute = 0; minute < 60; ++minute) {
     server.Advance(std::chrono::seconds(599));
     ASSERT_EQ(GL_ClientKeepAlive(), 1) << minute;
@@ -174,8 +158,7 @@ TEST_F(UpkeepTest, ARegistrationThatFailsAgainIsANumberOnly) {
 }
 
 TEST_F(UpkeepTest, ALogoutTidiesUpWhateverTheServerDoes) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   // The operation declares no exception of its own, so none of them arrives as itself.
   server.SetFaults(Raise("CRB_Unregister", "USER_NOT_AUTHORIZED"));
   EXPECT_THROW(LoginHandler::GetGlobal()->Logout(), CORBA::UNKNOWN);
@@ -205,8 +188,7 @@ TEST_F(UpkeepTest, ALogoutTidiesUpWhateverTheServerDoes) {
 }
 
 TEST_F(UpkeepTest, NoCertificateNeedsNoWarning) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   const struct {
     nlohmann::json parameter;
     const char* line;
@@ -223,8 +205,7 @@ TEST_F(UpkeepTest, NoCertificateNeedsNoWarning) {
 }
 
 TEST_F(UpkeepTest, ATroubleshooterHearsOfACallbackThatDoesNotArrive) {
-  Server& server = StartServer();
-  ASSERT_EQ(Login(), 1) << m_log.Text();
+  Server& server = StartSession();
   int heard = 0;
   const auto count = [](void* data) { ++*static_cast<int*>(data); };
   EXPECT_EQ(GL_SetCallbackTroubleshooter(count, &heard), nullptr);
@@ -245,7 +226,10 @@ TEST_F(UpkeepTest, ATroubleshooterHearsOfACallbackThatDoesNotArrive) {
         m_log.Has(4, "ENABLE_TEST_CALLBACK environment variable is set : test callback ended"));
   }
   server.SetFaults(Raise("CRB_GetMyAuthorizationsFromMemory", "USER_NOT_FOUND"));
+  server.ForgetCalls();
   EXPECT_EQ(PostLogin(), 0);
+  EXPECT_EQ(m_message, "Failed to load user authorizations");
+  EXPECT_TRUE(server.LastCall("CRB_ResetTimeout").is_null());
   EXPECT_EQ(heard, 1) << "a login that is not finished tests nothing";
   EXPECT_EQ(GL_SetCallbackTroubleshooter(nullptr, nullptr), +count);
 }

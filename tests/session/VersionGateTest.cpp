@@ -28,10 +28,8 @@ TEST(ParseVersion, SplitsAtTheSecondPoint) {
   const struct {
     const char* version;
     int result;
-    const char* major;
-    const char* minor;
-    double majorNumber;
-    double minorNumber;
+    const char *major, *minor;
+    double majorNumber, minorNumber;
   } kRows[] = {
       {"8.0.05", 1, "8.0", "05", 8.0, 5},
       {"9.1.18.250", 1, "9.1", "18.250", 9.1, 18.25},
@@ -64,8 +62,7 @@ TEST_F(VersionGateTest, TheClientVersionComesWithItsPatches) {
     const char* patches;
     CLIENT_ID client;
     int result;
-    const char* plain;
-    const char* withPatches;
+    const char *plain, *withPatches;
   } kRows[] = {
       {"", CLIENT_CLI, 1, "8.0.00", "8.0.00"},
       {"P1", CLIENT_GUI, 1, "8.0.00", "8.0.00::P1"},
@@ -146,8 +143,7 @@ TEST_F(VersionGateTest, AServerIsPermittedWithAnEqualMajorVersionAndEnoughMinor)
   const Gate gate;
   const struct {
     const char* file;  // null: none
-    const char* client;
-    const char* server;
+    const char *client, *server;
     bool permitted;
   } kRows[] = {
       {nullptr, "8.0.00", "8.0.05", true},

@@ -3,7 +3,6 @@
 #include <string>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <tests/fixture/LogCapture.h>
 #include <tests/fixture/TemporaryDirectory.h>

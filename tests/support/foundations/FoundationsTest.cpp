@@ -3,7 +3,6 @@
 #include <utility>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>
 

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <support/diagnostics/TDiag.h>
+#include <tests/fixture/LogCapture.h>
 
 namespace {
 
@@ -104,44 +104,34 @@ TEST(AuthLevelBySelection, ALoadReplacesOrAddsAsTheFlagSays) {
   EXPECT_EQ(Given(holder, "A"), FULL_ACCESS);
 }
 
-class RefusedGrants : public ::testing::Test {
- protected:
-  void SetUp() override {
-    m_sink = TDiag::Instance()->AddCallbackSink([this](const TDiagLine& line) {
-      if (line.level == 1) m_lines.emplace_back(line.text);
-    });
-  }
-  void TearDown() override { TDiag::Instance()->RemoveSink(m_sink); }
-  std::vector<std::string> m_lines;
-  TDiag::SinkId m_sink = 0;
-};
-
-TEST_F(RefusedGrants, GrantNothingAndAreLogged) {
+TEST(RefusedGrants, GrantNothingAndAreLogged) {
   EXPECT_TRUE(VQServiceUserAuth({{"NAME =", FULL_ACCESS, {1}}}).IsEmpty());
-  m_lines.clear();
+  vq::test::LogCapture log(1);
   AuthLevelBySelection holder;
   EXPECT_FALSE(holder.UserAuthFromCORBA(Wire({{"NAME LIKE A*", FULL_ACCESS}}), true));
   EXPECT_TRUE(holder.IsEmpty());
   EXPECT_EQ(Given(holder, "A"), DEFAULT_ACCESS);
-  EXPECT_EQ(m_lines, std::vector<std::string>{
-                         "A grant is left out, its criteria do not parse at position 10: expected "
-                         "a value in single quotes, found A*. Criteria: NAME LIKE A*"});
+  EXPECT_THAT(log.Take(),
+              ::testing::ElementsAre(
+                  "1 A grant is left out, its criteria do not parse at position 10: expected "
+                  "a value in single quotes, found A*. Criteria: NAME LIKE A*"));
   EXPECT_TRUE(holder.UserAuthFromCORBA(Wire({{"NAME LIKE 'A*'", UPDATE_ACCESS}}), false));
   EXPECT_EQ(Given(holder, "A"), UPDATE_ACCESS);
-  EXPECT_EQ(m_lines.size(), 1U);
+  EXPECT_EQ(log.Text(), "");
 }
 
-TEST_F(RefusedGrants, ManyOfThemDoNotFillTheLog) {
+TEST(RefusedGrants, ManyOfThemDoNotFillTheLog) {
   QCSCorbaAuth2LvlSeq wire;
   wire.length(1000);
   for (CORBA::ULong i = 0; i < wire.length(); ++i) {
     wire[i].m_sCriteria = "?";
     wire[i].m_eLevel = FULL_ACCESS;
   }
+  vq::test::LogCapture log(1);
   AuthLevelBySelection holder;
   holder.GroupAuthFromCORBA(wire, true);
-  ASSERT_EQ(m_lines.size(), 21U);
-  EXPECT_EQ(m_lines.back(), "980 further grants are left out likewise");
+  ASSERT_EQ(log.Lines().size(), 21U);
+  EXPECT_EQ(log.Lines().back().text, "980 further grants are left out likewise");
 }
 
 QCSCorbaAuth2LvlSeq2 ServiceWire(

@@ -29,8 +29,7 @@ TEST(ListenEndpointTest, ReadsEveryForm) {
 
 TEST(ListenEndpointTest, NamesThePieceThatItRefuses) {
   const struct {
-    const char* text;
-    const char* piece;
+    const char *text, *piece;
   } kRows[] = {
       {"tcp://h:1", "iiop://"},        {"iiop://h:port", "'port'"},
       {"iiop://h:70000", "'70000'"},   {"iiop://h:-1", "'-1'"},

@@ -6,9 +6,8 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <support/diagnostics/TDiag.h>
+#include <tests/fixture/LogCapture.h>
 
 namespace {
 
@@ -21,24 +20,8 @@ struct ParseCase {
   const char* message;  // the one line of level 2; empty for none
 };
 
-class ORBEndpointTest : public ::testing::Test {
- protected:
-  ORBEndpointTest()
-      : m_sink(TDiag::Instance()->AddCallbackSink([this](const TDiagLine& line) {
-          if (line.level <= 4) m_lines.push_back(std::to_string(line.level) + " " + Text(line));
-        })) {
-    TDiag::Instance()->SetMinimumDebugLevel(4);
-  }
-  ~ORBEndpointTest() override {
-    TDiag::Instance()->RemoveSink(m_sink);
-    TDiag::Instance()->SetMinimumDebugLevel(1);
-  }
-  static std::string Text(const TDiagLine& line) { return std::string(line.text); }
-
-  std::vector<std::string> m_lines;
-
- private:
-  TDiag::SinkId m_sink;
+struct ORBEndpointTest : ::testing::Test {
+  vq::test::LogCapture m_log{4};
 };
 
 TEST_F(ORBEndpointTest, ParsesWhatItCanAndSaysWhatItRefuses) {
@@ -75,15 +58,12 @@ TEST_F(ORBEndpointTest, ParsesWhatItCanAndSaysWhatItRefuses) {
   };
   for (const ParseCase& test : cases) {
     SCOPED_TRACE(test.text);
-    m_lines.clear();
     ORBEndpoint endpoint;
     EXPECT_EQ(endpoint.fromString(test.text), test.accepted);
     EXPECT_EQ(endpoint.toString(), test.written);
-    if (test.accepted) {
-      EXPECT_THAT(m_lines, ElementsAre());
-    } else {
-      EXPECT_THAT(m_lines, ElementsAre(std::string("2 ") + test.message));
-    }
+    std::vector<std::string> logged;
+    if (!test.accepted) logged.push_back(std::string("2 ") + test.message);
+    EXPECT_EQ(m_log.Take(), logged);
   }
 }
 
@@ -92,7 +72,7 @@ TEST_F(ORBEndpointTest, CutsAtTheSemicolonByItsOwnArithmetic) {
   ORBEndpoint endpoint;
   EXPECT_TRUE(endpoint.fromString("iiop://h;1234567"));  // the body is "h;123456"
   EXPECT_EQ(endpoint.getHostname(), "h;123456");
-  EXPECT_THAT(m_lines, ElementsAre("4 Ignoring extra unidentified Endpoint information: "));
+  EXPECT_THAT(m_log.Take(), ElementsAre("4 Ignoring extra unidentified Endpoint information: "));
   EXPECT_TRUE(endpoint.fromString("iiop://h/hostname_in_ior=a;123456"));
   EXPECT_EQ(endpoint.getHostInIOR(), "a;123456");
 
@@ -110,12 +90,11 @@ TEST_F(ORBEndpointTest, CutsAtTheSemicolonByItsOwnArithmetic) {
 TEST_F(ORBEndpointTest, TheConstructorWantsTheProtocolAnywhere) {
   // Seven characters are dropped wherever the protocol stands.
   EXPECT_EQ(ORBEndpoint("12iiop://host").toString(), "iiop:///reuse_addr=0");
-  EXPECT_THAT(m_lines, ElementsAre("2 Ignoring invalid/unidentified Endpoint option: /host"));
-  m_lines.clear();
+  EXPECT_THAT(m_log.Take(), ElementsAre("2 Ignoring invalid/unidentified Endpoint option: /host"));
   EXPECT_EQ(ORBEndpoint("").toString(), "iiop:///reuse_addr=0");
   EXPECT_EQ(ORBEndpoint("host:5000").getHostname(), "");
-  EXPECT_THAT(m_lines, ElementsAre("2 Failed to identify ORBEndpoint from: ",
-                                   "2 Failed to identify ORBEndpoint from: host:5000"));
+  EXPECT_THAT(m_log.Take(), ElementsAre("2 Failed to identify ORBEndpoint from: ",
+                                        "2 Failed to identify ORBEndpoint from: host:5000"));
 }
 
 TEST_F(ORBEndpointTest, ChangesThePublishedHost) {

@@ -59,9 +59,7 @@ class TroubleshootConnectionTest : public ::testing::Test {
 
 TEST_F(TroubleshootConnectionTest, AnEndpointPublishesAndListensEverywhere) {
   const struct {
-    const char* before;
-    const char* host;
-    const char* after;
+    const char *before, *host, *after;
   } kRows[] = {
       {"", "10.0.0.1", "iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0"},
       {"iiop://h:5000", "10.0.0.1", "iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0"},
@@ -83,8 +81,7 @@ TEST_F(TroubleshootConnectionTest, TheChoiceIsWrittenForEveryScope) {
   const struct {
     Scopes before;
     const char* address;
-    bool biDir;
-    bool isMask;
+    bool biDir, isMask;
     Scopes after;
   } kRows[] = {
       // Nothing there: "default" gets all of it.

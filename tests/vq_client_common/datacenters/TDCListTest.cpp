@@ -6,9 +6,8 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <tests/fixture/LogCapture.h>
 #include <tests/fixture/TemporaryDirectory.h>
-
-#include "LogLines.h"
 
 namespace {
 
@@ -139,10 +138,10 @@ TEST(TDCListTest, DraftsGoSaveTheFirst) {
   for (const auto& [drafts, left] : cases) {
     TDCList list;
     for (char name = 'A'; const char mark : drafts) list.Add(Make({name++}, {}, mark == 'D'));
-    LogLines log(6);
+    vq::test::LogCapture log(6);
     list.RemoveDraftDataCenters();
     EXPECT_EQ(Names(list), left) << drafts;
-    EXPECT_EQ(log.Take(), "6 TDC::UpdateFull: Enter\n");
+    EXPECT_EQ(log.TakeText(), "6 TDC::UpdateFull: Enter\n");
   }
 }
 
@@ -162,14 +161,14 @@ TEST(TDCListTest, SaveAndLoadAlwaysFail) {
   const vq::test::TemporaryDirectory directory;
   const std::string file = directory.Write("file", "content");
   const std::string absent = directory.Path() + "absent/file";
-  LogLines log(6);
+  vq::test::LogCapture log(6);
   EXPECT_EQ(Raised(&TDCList::Load, file), "not implemented, left: ");
   EXPECT_EQ(Raised(&TDCList::Load, absent), "failed, left: ");
   EXPECT_EQ(directory.Read("file"), "content");
   EXPECT_EQ(Raised(&TDCList::Save, absent), "Failed to save data centers file, left: A\n");
   EXPECT_EQ(Raised(&TDCList::Save, file), "Failed to save data centers file, left: A\n");
   EXPECT_EQ(std::filesystem::file_size(file), 0U);
-  EXPECT_EQ(log.Take(),
+  EXPECT_EQ(log.TakeText(),
             "6 TDCList::Load: Enter\n6 TDCList::Load: Enter\n"
             "6 TDCList::Save: Enter\n6 TDCList::Save: Enter\n");
 }

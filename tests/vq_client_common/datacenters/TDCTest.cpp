@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <climits>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include <gtest/gtest.h>
+#include <tests/fixture/LogCapture.h>
 #include <vq_idl/AdministrationRecordsC.h>
-
-#include "LogLines.h"
 
 namespace {
 
@@ -152,50 +150,41 @@ TEST(TDCTest, ARecordOfTheServerFillsEveryField) {
   for (const auto& [served, stored] : startDays) {
     record.m_StartDayOfTheWeek = served;
     TDC::ConvertQCSCommAdminStructToTDC(record, dc);
-    LogLines log(5);
+    vq::test::LogCapture log(5);
     const bool repaired = served < 1 || served > 7;  // A repair counts as a change each time.
     EXPECT_EQ(TDC::ConvertQCSCommAdminStructToTDC(record, dc), repaired) << served;
     EXPECT_EQ(dc.GetStartDayOfTheWeek(), stored) << served;
-    EXPECT_EQ(log.Take(), "");
+    EXPECT_EQ(log.TakeText(), "");
   }
 }
 
 TEST(TDCTest, EachChangeLeavesItsLineInOrder) {
   std::string expected =
       "6 TDCList::ConvertQCSCommAdminStructToTDC: Enter\n6 TDC::UpdateFull: Enter\n";
-  const char* const changes[][2] = {{"Name", " to BERLIN"},
-                                    {"Enabled", " to Y"},
-                                    {"Code", " to B01"},
-                                    {"Protocol", " to TCP"},
-                                    {"Uppercase", "0 to 1"},
-                                    {"VELTRA-R", "0 to 1"},
-                                    {"VELTRA-T", "0 to 1"},
-                                    {"VELTRA-B", "0 to 1"},
-                                    {"Time Zone", " to GMT+01:00"},
-                                    {"Host Name", " to host"},
-                                    {"Port", "0 to 7005"},
-                                    {"Start Day", "0 to 6"},
-                                    {"Gateway Host", " to gateway"},
-                                    {"Gateway Port", "0 to 7006"},
-                                    {"NewDay", " to +0700"},
-                                    {"Description", " to description"},
-                                    {"Contact", " to contact"},
-                                    {"ST Start", " to start"},
-                                    {"ST End", " to end"}};
-  for (const auto& [label, change] : changes) {
-    if (label == std::string_view("Code")) {
+  for (const std::string change :
+       {"Name was changed from  to BERLIN", "Enabled was changed from  to Y",
+        "Code was changed from  to B01", "Protocol was changed from  to TCP",
+        "Uppercase was changed from 0 to 1", "VELTRA-R was changed from 0 to 1",
+        "VELTRA-T was changed from 0 to 1", "VELTRA-B was changed from 0 to 1",
+        "Time Zone was changed from  to GMT+01:00", "Host Name was changed from  to host",
+        "Port was changed from 0 to 7005", "Start Day was changed from 0 to 6",
+        "Gateway Host was changed from  to gateway", "Gateway Port was changed from 0 to 7006",
+        "NewDay was changed from  to +0700", "Description was changed from  to description",
+        "Contact was changed from  to contact", "ST Start was changed from  to start",
+        "ST End was changed from  to end"}) {
+    if (change.starts_with("Code")) {
       expected +=
           "5 TDC::UpdateFull: Platform & Version was changed from Unknown: to UNIX:700.20\n";
     }
-    expected += std::string("6 TDC::UpdateFieldIfChanged: Enter\n5 TDC::UpdateFieldIfChanged: ") +
-                "Value of " + label + " was changed from " + change + "\n";
+    expected += "6 TDC::UpdateFieldIfChanged: Enter\n5 TDC::UpdateFieldIfChanged: Value of " +
+                change + "\n";
   }
   QCSCommAdminStruct record = Record();
   record.m_UpperCase = record.m_VeltB = "1";
   TDC dc;
-  LogLines log(6);
+  vq::test::LogCapture log(6);
   TDC::ConvertQCSCommAdminStructToTDC(record, dc);
-  EXPECT_EQ(log.Take(), expected);
+  EXPECT_EQ(log.TakeText(), expected);
 }
 
 TEST(TDCTest, EachFieldAloneIsAChange) {
@@ -205,9 +194,9 @@ TEST(TDCTest, EachFieldAloneIsAChange) {
   const auto check = [&before](const Served& after) {
     TDC dc;
     TDC::ConvertQCSCommAdminStructToTDC(before, dc);
-    LogLines log(5);
+    vq::test::LogCapture log(5);
     EXPECT_TRUE(TDC::ConvertQCSCommAdminStructToTDC(after, dc));
-    EXPECT_EQ(std::ranges::count(log.Take(), '\n'), 1);
+    EXPECT_EQ(std::ranges::count(log.TakeText(), '\n'), 1);
   };
   for (const auto member :
        {&Served::m_Name, &Served::m_Enabled, &Served::m_Platform, &Served::m_Version,
@@ -230,22 +219,22 @@ TEST(TDCTest, EachFieldAloneIsAChange) {
 TEST(TDCTest, TheFixPackLevelCountsOnlyWithTheVersion) {
   QCSCommAdminStruct record = Record();
   TDC dc = Filled();
-  LogLines log(5);
+  vq::test::LogCapture log(5);
   record.m_Platform = "Distributed";  // another text of the same type
   record.m_FixPackLevel = "30";
   EXPECT_FALSE(TDC::ConvertQCSCommAdminStructToTDC(record, dc));
   EXPECT_EQ(dc.GetVersion().FullVer(), "700.20");
-  EXPECT_EQ(log.Take(), "");
+  EXPECT_EQ(log.TakeText(), "");
   const char* const cases[][3] = {{" 00 ", "00", "640"}, {" ", "", "640"}, {"  ", "  ", "640.  "}};
   for (const auto& [level, logged, stored] : cases) {
     dc = Filled();
-    log.Take();
+    log.TakeText();
     record.m_Version = "640";
     record.m_FixPackLevel = level;
     EXPECT_TRUE(TDC::ConvertQCSCommAdminStructToTDC(record, dc));
-    EXPECT_EQ(log.Take(), std::string("5 TDC::UpdateFull: Platform & Version was changed from "
-                                      "Distributed:700.20 to Distributed:640.") +
-                              logged + "\n");
+    EXPECT_EQ(log.TakeText(), std::string("5 TDC::UpdateFull: Platform & Version was changed from "
+                                          "Distributed:700.20 to Distributed:640.") +
+                                  logged + "\n");
     EXPECT_EQ(dc.GetVersion().FullVer(), stored);
   }
 }

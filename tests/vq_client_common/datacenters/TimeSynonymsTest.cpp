@@ -6,8 +6,7 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-
-#include "LogLines.h"
+#include <tests/fixture/LogCapture.h>
 
 namespace {
 
@@ -66,8 +65,7 @@ TEST(TimeSynonymsTest, EveryClockTimeComesBackAndAScheduleDayAscends) {
 TEST(TimeSynonymsTest, NextTimesTakeTheirDateAlong) {
   const struct {
     const char* newDay;  // null: from synonym to clock
-    const char* nextTime;
-    const char* dest;
+    const char *nextTime, *dest;
     bool converted;
   } cases[] = {{"0700", "20240301023015", "2024022926301", true},
                {"0200", "20240301023015", "20240301023015", false},
@@ -151,7 +149,7 @@ TEST(TimeSynonymsTest, Checks) {
 }
 
 TEST(TimeSynonymsTest, Log) {
-  LogLines log(6);
+  vq::test::LogCapture log(6);
   std::string dest;
   TDC::ConvertToTimeSynonymStatic("0700", "0200", dest);
   TDC::ConvertToTimeSynonymStatic("", "0800", dest);
@@ -162,7 +160,7 @@ TEST(TimeSynonymsTest, Log) {
   TDC::ConvertNextTimeFromTimeSynonym("", dest);
   EXPECT_EQ(Convert_DBjobToTimeSynonym(nullptr, "0700"), 0);
   EXPECT_EQ(Convert_DBjobFromTimeSynonym(nullptr), 0);
-  EXPECT_EQ(log.Take(), R"(6 TDC::ConvertToTimeSynonymStatic: Enter
+  EXPECT_EQ(log.TakeText(), R"(6 TDC::ConvertToTimeSynonymStatic: Enter
 5 TDC::ConvertToTimeSynonymStatic: NewDayTime = '0700'
 5 TDC::ConvertToTimeSynonymStatic: Source Time = '0200'
 5 TDC::ConvertToTimeSynonymStatic: Dest Time = '2600'

@@ -1,14 +1,12 @@
 #include <vq_client_common/environment/ClientProperties.h>
 
 #include <climits>
-#include <ctime>
 #include <filesystem>
 #include <string>
 #include <tuple>
 #include <utility>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <tests/HostileXml.h>
 #include <tests/fixture/Environment.h>
@@ -99,24 +97,10 @@ TEST_F(ClientPropertiesTest, AFailedReloadLeavesTheStoreEmpty) {
 }
 
 TEST_F(ClientPropertiesTest, AHostileFileCostsLittleAndFetchesNothing) {
-  vq::test::FetchWatch watch(m_directory);
-  for (const std::string& content : vq::test::HostileXml("P", "<P><K>", "</K></P>", watch)) {
-    const std::clock_t start = std::clock();
-    EXPECT_EQ(Loaded(content)->GetStringValue("K", ""), "") << content.substr(0, 100);
-    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
-    EXPECT_FALSE(watch.Fetched()) << content.substr(0, 100);
-  }
-}
-
-TEST_F(ClientPropertiesTest, ManyNamesCostNoMoreEachThanFew) {
-  std::string content = "<P>";
-  for (int i = 0; i < 100'000; ++i) {
-    const std::string number = std::to_string(i);
-    content += "<K" + number + " a" + number + "=''><i" + number + "/></K" + number + ">";
-  }
-  const std::clock_t start = std::clock();
-  EXPECT_EQ(Loaded(content + "</P>")->GetStringValue("K99999", "-"), "");
-  EXPECT_LT(std::clock() - start, 10 * CLOCKS_PER_SEC) << "of processor time";
+  const auto refuses = [this](const std::string& content) {
+    return Loaded(content)->GetStringValue("K", "").empty();
+  };
+  vq::test::ExpectHarmless(m_directory, "P", "<P><K>", "</K></P>", refuses);
 }
 
 TEST_F(ClientPropertiesTest, Numbers) {

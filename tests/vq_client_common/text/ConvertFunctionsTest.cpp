@@ -9,7 +9,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <support/diagnostics/TDiag.h>
+#include <tests/fixture/LogCapture.h>
 
 namespace {
 
@@ -92,24 +92,17 @@ TEST(ConversionTest, EachTextGetsItsForm) {
 }
 
 TEST(ConversionTest, FormattersLogWhatTheyDid) {
-  string log;
-  TDiag& diag = *TDiag::Instance();
-  diag.SetMinimumDebugLevel(6);
-  const auto sink = diag.AddCallbackSink([&](const TDiagLine& line) {
-    ((log += std::to_string(line.level)).append(line.scope) += ' ').append(line.text) += '\n';
-  });
+  const vq::test::LogCapture log(6);
   string out;
   FormatExecTime("", out);
   FormatInterval("5", out);
   FormatShiftNum("-3", out);
   FormatRetentionValues("7", out, false);
-  diag.RemoveSink(sink);
-  diag.SetMinimumDebugLevel(1);
-  EXPECT_EQ(log,
-            "6FormatExecTime Enter\n5FormatExecTime ExecTime: before - , after - \n"
-            "6FormatInterval Enter\n5FormatInterval Interval: before - 5, after - 00005M\n"
-            "6FormatShiftNum Enter\n5FormatShiftNum ShiftNum: before - -3, after - --3\n"
-            "6FormatRetentionValues Enter\n");
+  EXPECT_EQ(log.Text(),
+            "6 FormatExecTime: Enter\n5 FormatExecTime: ExecTime: before - , after - \n"
+            "6 FormatInterval: Enter\n5 FormatInterval: Interval: before - 5, after - 00005M\n"
+            "6 FormatShiftNum: Enter\n5 FormatShiftNum: ShiftNum: before - -3, after - --3\n"
+            "6 FormatRetentionValues: Enter\n");
 }
 
 // The encoding as it is defined, step by step on a copy.

@@ -2,7 +2,6 @@
 
 #include <climits>
 #include <cstdint>
-#include <ctime>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -10,7 +9,6 @@
 
 #include <gtest/gtest.h>
 #include <support/diagnostics/TDiag.h>
-#include <tests/fixture/Environment.h>
 #include <vq_idl/AdministrationRecordsC.h>
 
 namespace {
@@ -214,33 +212,6 @@ TEST_F(ForecastTimesTest, MidnightAndOffsetFollowTheSummerMarks) {
     InitWith(c.texts, true);
     EXPECT_EQ(m_times.GetOdatMidnightForDc("DC"), c.midnight) << "case " << &c - cases;
     EXPECT_EQ(m_times.FindDcTimeInfo("DC")->utcOffset, c.utcOffset) << "case " << &c - cases;
-  }
-}
-
-TEST_F(ForecastTimesTest, MidnightsAgreeWithTheCLibraryAllYear) {
-  const struct {
-    const char *posix, *timeZone, *start, *end;
-  } cases[] = {{"EST5EDT,J90/0,J300/0", "(GMT-05:00)", "20200331", "20361027"},
-               {"AEST-10AEDT,J274/0,J91/0", "(GMT+10:00)", "20201001", "20360401"}};
-  for (const auto& c : cases) {
-    const vq::test::Variable zone("TZ", c.posix);
-    int skipped = 0;
-    for (os_date date(2021, 1, 1); date.year() < 2036; date += os_time_period(1, 0, 0, 0, 0)) {
-      std::tm local{};
-      local.tm_year = date.year() - 1900;
-      local.tm_mon = date.month() - 1;
-      local.tm_mday = date.day();
-      local.tm_isdst = -1;
-      const std::time_t expected = std::mktime(&local);
-      if (local.tm_hour != 0) {
-        ++skipped;  // summer begins, so the clock does not show this midnight
-        continue;
-      }
-      InitWith({.timeZone = c.timeZone, .summerStart = c.start, .summerEnd = c.end}, false,
-               os_time_and_date(os_time(0), date));
-      ASSERT_EQ(m_times.GetOdatMidnightForDc("DC"), expected) << c.posix << asctime(&local);
-    }
-    EXPECT_EQ(skipped, 15) << c.posix;
   }
 }
 
