@@ -90,20 +90,10 @@ std::set<std::string> AddressesOf(const ReferenceAddress& reference) {
 
 void OmniOrbTls::Prepare(const OrbSettings& settings) {
   tlsInForce = settings.tls;
-  if (settings.listenEndpoint.tlsPort != 0 && settings.tls.certificate.empty()) {
-    throw std::invalid_argument(
-        "the listen endpoint has an ssl_port, and -SSLCertificate is not set");
-  }
+  CheckTlsPort(settings);
   if (!settings.tls.IsOn()) return;
   CheckFiles(settings.tls);
-  if (!settings.tls.verifyPeer) {
-    VQ_LOG(diagModule, 1) << "TLS certificates are not verified, since -SSLVerifyPeer is 0: "
-                          << "anybody may pose as the server";
-  } else if (!settings.tls.verifyHost) {
-    VQ_LOG(diagModule, 1) << "TLS certificates are not compared with the host that was asked for, "
-                          << "since -SSLVerifyHost is 0: any server of a believed authority may "
-                          << "pose as another";
-  }
+  WarnOfWeakVerification(settings.tls);
   sslContext::verify_callback = Judge;
   sslContext::singleton = new Context;  // omniORB deletes it when the ORB ends
 }

@@ -16,13 +16,6 @@ namespace {
 
 TDiagRegister diagModule("TLS");
 
-void CheckPort(const OrbSettings& settings) {
-  if (settings.listenEndpoint.tlsPort != 0 && settings.tls.certificate.empty()) {
-    throw std::invalid_argument(
-        "the listen endpoint has an ssl_port, and -SSLCertificate is not set");
-  }
-}
-
 }  // namespace
 
 #if defined(VQ_TAO_SSLIOP)
@@ -45,17 +38,10 @@ int Verify(X509_STORE_CTX* context, void*) {
 }  // namespace
 
 void TaoTls::Prepare(const OrbSettings& settings) {
-  CheckPort(settings);
+  CheckTlsPort(settings);
   if (!settings.tls.IsOn()) return;
   tlsInForce = settings.tls;
-  if (!settings.tls.verifyPeer) {
-    VQ_LOG(diagModule, 1) << "TLS certificates are not verified, since -SSLVerifyPeer is 0: "
-                          << "anybody may pose as the server";
-  } else if (!settings.tls.verifyHost) {
-    VQ_LOG(diagModule, 1) << "TLS certificates are not compared with the host that was asked for, "
-                          << "since -SSLVerifyHost is 0: any server of a believed authority may "
-                          << "pose as another";
-  }
+  WarnOfWeakVerification(settings.tls);
   ACE_SSL_Context& ace = *ACE_SSL_Context::instance();
   ace.default_verify_mode(TlsVerifyMode(settings.tls));
   SSL_CTX& context = *ace.context();
@@ -89,7 +75,7 @@ std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSetti
 #else
 
 void TaoTls::Prepare(const OrbSettings& settings) {
-  CheckPort(settings);
+  CheckTlsPort(settings);
   if (settings.tls.IsOn()) {
     throw std::invalid_argument(
         "-SSLCACertificate or -SSLCertificate is set, and this TAO was built without its TLS "

@@ -151,6 +151,13 @@ int NoPassPhrase(char*, int, int, void*) {
 
 }  // namespace
 
+void CheckTlsPort(const OrbSettings& settings) {
+  if (settings.listenEndpoint.tlsPort != 0 && settings.tls.certificate.empty()) {
+    throw std::invalid_argument(
+        "the listen endpoint has an ssl_port, and -SSLCertificate is not set");
+  }
+}
+
 void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
   ERR_clear_error();
   SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
@@ -180,6 +187,17 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
     Refuse("the private key (one without a pass phrase is needed)", key, setting);
   }
   if (SSL_CTX_check_private_key(&context) != 1) Refuse("the private key", key, setting);
+}
+
+void WarnOfWeakVerification(const TlsSettings& settings) {
+  if (!settings.verifyPeer) {
+    VQ_LOG(diagModule, 1) << "TLS certificates are not verified, since -SSLVerifyPeer is 0: "
+                          << "anybody may pose as the server";
+  } else if (!settings.verifyHost) {
+    VQ_LOG(diagModule, 1) << "TLS certificates are not compared with the host that was asked for, "
+                          << "since -SSLVerifyHost is 0: any server of a believed authority may "
+                          << "pose as another";
+  }
 }
 
 int TlsVerifyMode(const TlsSettings& settings) {

@@ -16,11 +16,17 @@
 
 namespace vq::orb {
 
+// Raises std::invalid_argument for a listen endpoint with TLS and no certificate to show there.
+void CheckTlsPort(const OrbSettings& settings);
+
 // Loads authorities, certificate and key, and allows TLS 1.2 and later only. Without a file of
 // authorities those of the system are believed. The key may lie in a file of its own or in the
 // certificate's. Raises std::invalid_argument for a file that cannot be read, a key that needs a
 // pass phrase, and a key that is not the certificate's. Safe on any thread, as everything here.
 void ConfigureTls(SSL_CTX& context, const TlsSettings& settings);
+
+// Logs at level 1 what the settings leave unverified, and who may pose as whom then.
+void WarnOfWeakVerification(const TlsSettings& settings);
 
 // The mode for SSL_CTX_set_verify.
 int TlsVerifyMode(const TlsSettings& settings);
