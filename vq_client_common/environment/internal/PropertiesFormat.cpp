@@ -81,29 +81,39 @@ char* WriteEscaped(char* to, std::string_view value) {
   return to;
 }
 char* Write(char* to, std::string_view text) {
-  return std::ranges::copy(text, to).out;
-}
-
-bool HoldsMark(std::string_view text) {
-  return text.find('%') != std::string_view::npos && text.find("%s") != std::string_view::npos;
+  std::memcpy(to, text.data(), text.size());  // std::ranges::copy would go byte by byte
+  return to + text.size();
 }
 
 void AppendEntry(std::string& text, const std::string& key, const std::string& value, Room& room) {
   char* const line = room.Of(2 * key.size() + kLongestWritten * value.size() + 2 * sizeof(Written));
-  char* end = line;
-  if (!HoldsMark(key) && !HoldsMark(value)) {
-    end = Write(Write(Write(end, "\t<"), key), ">");
-    end = WriteEscaped(end, value);
-    end = Write(Write(Write(end, "</"), key), ">\n");
-    text.append(line, static_cast<std::size_t>(end - line));
-    return;
-  }
-  // A text that holds the mark catches the next replacement, and a mark stays behind in the closing
-  // tag. This is meant: other programs that write the file do the same.
+  char* end = Write(Write(Write(line, "\t<"), key), ">");
+  end = WriteEscaped(end, value);
+  end = Write(Write(Write(end, "</"), key), ">\n");
+  text.append(line, static_cast<std::size_t>(end - line));
+}
+
+// A text that holds the mark catches the next replacement, and a mark stays behind in the closing
+// tag. This is meant: other programs that write the file do the same.
+void AppendReplacedEntry(std::string& text, const std::string& key, const std::string& value,
+                         Room& room) {
+  char* const line = room.Of(kLongestWritten * value.size() + sizeof(Written));
   const std::string escaped(line, WriteEscaped(line, value));
-  std::string shaped = "\t<%s>%s</%s>\n";
-  for (const std::string& by : {key, escaped, key}) ReplaceFirst(shaped, "%s", by);
-  text += shaped;
+  std::string entry = "\t<%s>%s</%s>\n";
+  for (const std::string& by : {key, escaped, key}) ReplaceFirst(entry, "%s", by);
+  text += entry;
+}
+
+using EntryWriter = decltype(AppendEntry);
+std::string TextOf(const PropertiesTable& table, EntryWriter* append) {
+  constexpr std::size_t kUsualLine = 128;  // walking the table for the exact size costs more
+  std::string text;
+  text.reserve((table.size() + 1) * kUsualLine);
+  text += "<Properties>\n";
+  Room room;
+  for (const auto& [key, value] : table) append(text, key, value, room);
+  text += "</Properties>";
+  return text;
 }
 
 // Makes a document of what counts: the elements in the root and what stands in them. Text between
@@ -165,13 +175,10 @@ std::string LocalText(const char16_t* text) {
 }
 
 std::string PropertiesText(const PropertiesTable& table) {
-  constexpr std::size_t kUsualLine = 128;  // walking the table for the exact size costs more
-  std::string text;
-  text.reserve((table.size() + 1) * kUsualLine);
-  text += "<Properties>\n";
-  Room room;
-  for (const auto& [key, value] : table) AppendEntry(text, key, value, room);
-  text += "</Properties>";
+  std::string text = TextOf(table, AppendEntry);
+  // Hardly a table holds the mark of the replacement, and one look over the whole text costs less
+  // than one at each key and value. Nothing of an entry but these two can hold it.
+  if (text.find("%s") != std::string::npos) text = TextOf(table, AppendReplacedEntry);
   return text;
 }
 
