@@ -9,6 +9,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <pthread.h>
@@ -29,12 +30,12 @@ namespace {
 
 using namespace vq::sim;
 
-// The ORB's own arguments, which are no options of this program.
-std::vector<std::string> TakeOrbArguments(std::vector<std::string>& arguments) {
+// Takes the ORB's arguments out, which are no options of this program.
+std::vector<std::string> Take(std::string_view prefix, std::vector<std::string>& arguments) {
   std::vector<std::string> taken;
   std::vector<std::string> rest;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    if (!arguments[i].starts_with("-ORB")) {
+    if (!arguments[i].starts_with(prefix)) {
       rest.push_back(arguments[i]);
       continue;
     }
@@ -43,6 +44,16 @@ std::vector<std::string> TakeOrbArguments(std::vector<std::string>& arguments) {
   }
   arguments = rest;
   return taken;
+}
+
+// The settings that clients have too. Raises std::invalid_argument.
+vq::orb::TlsSettings ParseTls(const std::vector<std::string>& arguments) {
+  std::vector<const char*> pointers;
+  for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
+  const vq::orb::OrbArguments split =
+      vq::orb::SplitArguments(static_cast<int>(pointers.size()), pointers.data());
+  if (!split.rest.empty()) throw std::invalid_argument("unknown option " + split.rest.front());
+  return vq::orb::ResolveSettings(split, {}, {}).tls;
 }
 
 // Written beside its place and moved there, so that whoever waits for it finds it whole.
@@ -129,7 +140,8 @@ int Run(const Arguments& arguments, const sigset_t& signals) {
 int main(int argc, char** argv) {
   Arguments arguments;
   std::vector<std::string> texts(argv + 1, argv + argc);
-  arguments.orb.rest = TakeOrbArguments(texts);
+  arguments.orb.rest = Take("-ORB", texts);
+  const std::vector<std::string> tls = Take("-SSL", texts);
   std::reverse(texts.begin(), texts.end());  // as CLI11 takes them
 
   const std::unique_ptr<CLI::App> program = MakeProgram(arguments);
@@ -152,11 +164,13 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
 
   try {
+    arguments.orb.tls = ParseTls(tls);
     return Run(arguments, signals);
   } catch (const SiteError& error) {
     std::cerr << "vq_simulator: " << error.what() << '\n';
     return kBadUse;
-  } catch (const std::invalid_argument& error) {  // a malformed endpoint
+  } catch (const std::invalid_argument&
+               error) {  // a malformed endpoint, or TLS settings that cannot be used
     std::cerr << "vq_simulator: " << error.what() << '\n';
     return kBadUse;
   } catch (const CORBA::Exception& exception) {

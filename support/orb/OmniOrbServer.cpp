@@ -1,26 +1,26 @@
 #include <support/orb/OrbServer.h>
 
 #include <cstdio>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
 #include <omniORB4/omniORB.h>
 
-#include <support/orb/ListenEndpoint.h>
+#include <support/orb/OmniOrbTls.h>
 
 namespace vq::orb {
 namespace {
 
 using Options = std::vector<std::pair<std::string, std::string>>;
 
-Options ProductOptions(const ServerOptions& options) {
-  std::string error;
-  const auto endpoint = ParseListenEndpoint(options.endpoint, error);
-  if (!endpoint) throw std::invalid_argument("endpoint " + options.endpoint + ": " + error);
+std::string Port(int port) {
+  return port == 0 ? "" : std::to_string(port);
+}
+
+Options ProductOptions(const ServerOptions& options, const OrbSettings& settings) {
+  const ListenEndpoint& endpoint = settings.listenEndpoint;
   Options product = {
-      {"endPoint", "giop:tcp:" + endpoint->host + ":" +
-                       (endpoint->port == 0 ? "" : std::to_string(endpoint->port))},
+      {"endPoint", "giop:tcp:" + endpoint.host + ":" + Port(endpoint.port)},
       {"giopMaxMsgSize", "268435456"},  // a snapshot of 200,000 grants passes
       // A limit on connecting would take the place of a call's own, also where that is shorter.
       {"clientConnectTimeOutPeriod", "0"},
@@ -28,10 +28,13 @@ Options ProductOptions(const ServerOptions& options) {
       {"acceptBiDirectionalGIOP", options.bidirectional ? "1" : "0"},
       {"serverTransportRule", options.bidirectional ? "* unix,tcp,ssl,bidir" : "* unix,tcp,ssl"},
       {"connectionWatchImmediate", options.bidirectional ? "1" : "0"}};
-  if (!endpoint->publishedHost.empty()) {
-    product.emplace_back("endPointPublish", "giop:tcp:" + endpoint->publishedHost + ":");
+  std::string publish = "giop:tcp:" + endpoint.publishedHost + ":";
+  if (settings.tls.IsOn()) {
+    product.emplace_back("endPoint", "giop:ssl:" + endpoint.host + ":" + Port(endpoint.tlsPort));
+    publish += ",giop:ssl:" + endpoint.publishedHost + ":";
   }
-  if (!options.naming.empty()) product.emplace_back("InitRef", "NameService=" + options.naming);
+  if (!endpoint.publishedHost.empty()) product.emplace_back("endPointPublish", publish);
+  for (const std::string& ref : settings.initialRefs) product.emplace_back("InitRef", ref);
   return product;
 }
 
@@ -71,7 +74,9 @@ class OmniOrbServer : public ServerOrb {
 std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
   omniORB::setLogFunction(Print);
   omniORB::traceTime = false;  // asked for in a way that is not safe with threads
-  const Options product = ProductOptions(options);
+  const OrbSettings settings = ServerSettings(options);
+  OmniOrbTls::Prepare(settings);
+  const Options product = ProductOptions(options, settings);
   const std::unique_ptr<const char*[][2]> table(new const char*[product.size() + 1][2]);
   table[product.size()][0] = table[product.size()][1] = nullptr;
   for (std::size_t i = 0; i < product.size(); ++i) {
@@ -91,6 +96,10 @@ std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {
   omniORB::setClientCallTimeout(object, static_cast<CORBA::ULong>(time.count()));
   return CORBA::Object::_duplicate(object);
+}
+
+CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time) {
+  return WithCallLimit(context, time);
 }
 
 }  // namespace vq::orb

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include <support/orb/Corba.h>
+#include <support/orb/OrbSettings.h>
 
 namespace vq::orb {
 
@@ -21,7 +22,8 @@ struct ServerOptions {
   std::string endpoint = "iiop://127.0.0.1:";  // iiop://[host][:port]; no port: any free one
   std::string naming;                          // the naming service's reference; may be empty
   bool bidirectional = true;                   // accept calls back over a client's own connection
-  std::vector<std::string> rest;               // -ORB arguments, passed on as they are
+  TlsSettings tls;                // the certificate to show, and whether to ask for one
+  std::vector<std::string> rest;  // -ORB arguments, passed on as they are
 };
 
 // Thread contract: Orb from any thread; the rest by the thread that started it.
@@ -38,13 +40,24 @@ class ServerOrb {
   virtual void Stop() = 0;
 };
 
+// The options as settings of an ORB. Raises std::invalid_argument for a malformed endpoint, and for
+// TLS without a certificate to show.
+OrbSettings ServerSettings(const ServerOptions& options);
+
 // The endpoint opens with the root POA, and raises there. Raises CORBA::SystemException for an
-// argument that the product refuses, std::invalid_argument for a malformed endpoint.
+// argument that the product refuses, std::invalid_argument as ServerSettings and for TLS settings
+// that cannot be used.
+//
+// With TLS the server listens for it too, at the endpoint's ssl_port or at any free port. Calls in
+// clear are taken or refused as the product has it.
 std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options);
 
 // The same object; calls through the result raise TIMEOUT or TRANSIENT after that time. The caller
 // owns it.
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time);
+
+// The same for a naming context, which is asked in clear also where calls go over TLS alone.
+CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time);
 
 }  // namespace vq::orb
 

@@ -5,19 +5,26 @@
 namespace vq::orb {
 namespace {
 
-// A line of the service configuration's language.
-std::string LoadTls(const TlsSettings& tls) {
-  const char* const mode = !tls.verifyPeer ? "NONE" : "SERVER_AND_CLIENT";
-  return std::string(
-             "dynamic SSLIOP_Factory Service_Object * "
-             "TAO_SSLIOP:_make_TAO_SSLIOP_Protocol_Factory() \"-SSLAuthenticate ") +
-         mode + "\"";
+// Lines of the service configuration's language.
+std::vector<std::string> LoadTls(const TlsSettings& tls) {
+  const std::string mode = tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE";
+  return {
+      // SSLIOP gives this ORB a list of initializers of its own, which hides the process's list:
+      // the
+      // policies of time-outs and of bidirectional use would be unknown.
+      R"(static Messaging_Loader "")",
+      R"(static BiDirGIOP_Loader "")",
+      "dynamic SSLIOP_Factory Service_Object * TAO_SSLIOP:_make_TAO_SSLIOP_Protocol_Factory() "
+      "\"-SSLAuthenticate " +
+          mode + "\"",
+      R"(static Resource_Factory "-ORBProtocolFactory SSLIOP_Factory")",
+  };
 }
 
 }  // namespace
 
-std::string TaoEndpoint(const ListenEndpoint& endpoint) {
-  std::string text = "iiop://" + UriHost(endpoint.host);
+std::string TaoEndpoint(const ListenEndpoint& endpoint, bool tls) {
+  std::string text = (tls ? "ssliop://" : "iiop://") + UriHost(endpoint.host);
   if (endpoint.port != 0) text += ":" + std::to_string(endpoint.port);
   char separator = '/';
   const auto add = [&](const std::string& option) {
@@ -33,7 +40,7 @@ std::string TaoEndpoint(const ListenEndpoint& endpoint) {
 std::vector<std::string> TaoArguments(const OrbSettings& settings) {
   std::vector<std::string> arguments{
       "-ORBListenEndpoints",
-      TaoEndpoint(settings.listenEndpoint),
+      TaoEndpoint(settings.listenEndpoint, settings.tls.IsOn()),
       // A reference names addresses, which a server can use without resolving the client's name.
       "-ORBDottedDecimalAddresses",
       "1",
@@ -42,9 +49,7 @@ std::vector<std::string> TaoArguments(const OrbSettings& settings) {
       "0",
   };
   if (settings.tls.IsOn()) {
-    for (const std::string& directive :
-         {LoadTls(settings.tls),
-          std::string("static Resource_Factory \"-ORBProtocolFactory SSLIOP_Factory\"")}) {
+    for (const std::string& directive : LoadTls(settings.tls)) {
       arguments.insert(arguments.end(), {"-ORBSvcConfDirective", directive});
     }
   }

@@ -20,8 +20,8 @@ namespace vq::orb {
 // What ORB_init gets, each option before its value.
 std::vector<std::string> TaoArguments(const OrbSettings& settings);
 
-// A listen endpoint in TAO's form, which is that of the setting.
-std::string TaoEndpoint(const ListenEndpoint& endpoint);
+// A listen endpoint in TAO's form: that of the setting, with the protocol's own name for TLS.
+std::string TaoEndpoint(const ListenEndpoint& endpoint, bool tls);
 
 // The arguments that keep TAO from reading files that nobody named: without them it loads what a
 // file svc.conf in the current directory says. `given` are the arguments of the command line, which

@@ -176,6 +176,10 @@ std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, boo
 }
 
 std::string MinorCodeName(const CORBA::SystemException& exception) {
+  // TAO raises it, without words, before it would call in clear what must be called over TLS.
+  if (dynamic_cast<const CORBA::INV_POLICY*>(&exception) != nullptr) {
+    return "TLS is on, and the server offers none";
+  }
   return TaoMinorText(exception._info().c_str());
 }
 

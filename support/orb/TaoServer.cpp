@@ -1,11 +1,10 @@
 #include <support/orb/OrbServer.h>
 
 #include <atomic>
-#include <stdexcept>
 
-#include <support/orb/ListenEndpoint.h>
 #include <support/orb/TaoOptions.h>
 #include <support/orb/TaoOrb.h>
+#include <support/orb/TaoTls.h>
 
 #include <tao/Messaging/Messaging.h>
 #include <tao/TimeBaseC.h>
@@ -45,21 +44,17 @@ class TaoServer : public ServerOrb {
 }  // namespace
 
 std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
-  std::string error;
-  const auto endpoint = ParseListenEndpoint(options.endpoint, error);
-  if (!endpoint) throw std::invalid_argument("endpoint " + options.endpoint + ": " + error);
+  const OrbSettings settings = ServerSettings(options);
+  TaoTls::Prepare(settings);
   std::vector<std::string> arguments = TaoConfigurationArguments(options.rest);
-  arguments.insert(arguments.end(),
-                   {"-ORBListenEndpoints", TaoEndpoint(*endpoint), "-ORBDottedDecimalAddresses",
-                    "1", "-ORBNegotiateCodesets", "0"});
-  if (!options.naming.empty()) {
-    arguments.insert(arguments.end(), {"-ORBInitRef", "NameService=" + options.naming});
-  }
+  const std::vector<std::string> own = TaoArguments(settings);
+  arguments.insert(arguments.end(), own.begin(), own.end());
   arguments.insert(arguments.end(), options.rest.begin(), options.rest.end());
   static std::atomic<int> number = 0;  // no two ORBs of a process have one name
   auto server = std::make_unique<TaoServer>(
       StartTao("server:" + std::to_string(++number), std::move(arguments)));
   LimitCalls(server->Orb(), kUsualLimit, kUsualLimit);
+  TaoTls::AllowNaming(server->Orb(), settings);
   return server;
 }
 
@@ -73,6 +68,11 @@ CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseco
   CORBA::Object_var limited = object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
   policies[0]->destroy();
   return limited._retn();
+}
+
+CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time) {
+  const CORBA::Object_var inClear = TaoTls::InClear(context);
+  return WithCallLimit(inClear.in(), time);
 }
 
 }  // namespace vq::orb

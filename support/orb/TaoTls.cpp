@@ -29,6 +29,12 @@ int Judge(int verified, X509_STORE_CTX* context) {
   return JudgeCertificate(verified, *context, tlsInForce);
 }
 
+// ACE keeps the certificate of an earlier start, which is not to be shown any more.
+int ChooseCertificate(SSL* connection, void*) {
+  if (tlsInForce.certificate.empty()) SSL_certs_clear(connection);
+  return 1;
+}
+
 // ACE sets the callback of its context anew whenever it is asked for it, so ours is put in here.
 int Verify(X509_STORE_CTX* context, void*) {
   X509_STORE_CTX_set_verify_cb(context, Judge);
@@ -47,6 +53,7 @@ void TaoTls::Prepare(const OrbSettings& settings) {
   SSL_CTX& context = *ace.context();
   SSL_CTX_set_cert_store(&context, X509_STORE_new());  // authorities of an earlier start
   ConfigureTls(context, settings.tls);
+  SSL_CTX_set_cert_cb(&context, ChooseCertificate, nullptr);
   SSL_CTX_set_cert_verify_callback(&context, Verify, nullptr);
 }
 
@@ -54,21 +61,31 @@ void TaoTls::AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
   if (!settings.tls.IsOn()) return;
   try {
     const CORBA::Object_var naming = orb->resolve_initial_references("NameService");
-    CORBA::Any value;
-    value <<= Security::SecQOPNoProtection;
-    CORBA::PolicyList policies;
-    policies.length(1);
-    policies[0] = orb->create_policy(Security::SecQOPPolicy, value);
-    const CORBA::Object_var inClear = naming->_set_policy_overrides(policies, CORBA::SET_OVERRIDE);
-    policies[0]->destroy();
+    const CORBA::Object_var inClear = InClear(naming.in());
     orb->register_initial_reference("NameService", inClear.in());
   } catch (const CORBA::Exception& e) {  // Its first use tells.
     VQ_LOG(diagModule, 4) << "The naming service is not asked in clear: " << e;
   }
 }
 
+CORBA::Object_ptr TaoTls::InClear(CORBA::Object_ptr object) {
+  const CORBA::ORB_var orb = object->_get_orb();
+  CORBA::Any value;
+  value <<= Security::SecQOPNoProtection;
+  CORBA::PolicyList policies;
+  policies.length(1);
+  try {
+    policies[0] = orb->create_policy(Security::SecQOPPolicy, value);
+  } catch (const CORBA::PolicyError&) {  // This ORB has no TLS.
+    return CORBA::Object::_duplicate(object);
+  }
+  CORBA::Object_var inClear = object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
+  policies[0]->destroy();
+  return inClear._retn();
+}
+
 std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSettings& settings) {
-  if (!settings.tls.IsOn()) return std::nullopt;
+  if (settings.tls.certificate.empty()) return std::nullopt;
   return vq::orb::CertificateExpiry(*ACE_SSL_Context::instance()->context());
 }
 
@@ -84,6 +101,10 @@ void TaoTls::Prepare(const OrbSettings& settings) {
 }
 
 void TaoTls::AllowNaming(CORBA::ORB_ptr, const OrbSettings&) {}
+
+CORBA::Object_ptr TaoTls::InClear(CORBA::Object_ptr object) {
+  return CORBA::Object::_duplicate(object);
+}
 
 std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSettings&) {
   VQ_LOG(diagModule, 4) << "There is no certificate to look at: this TAO was built without its TLS "

@@ -33,6 +33,9 @@ class TaoTls {
   // Lets the naming service be asked in clear, if TLS is on and there is one.
   static void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings);
 
+  // The same object, called in clear; as it is where its ORB has no TLS. The caller owns it.
+  static CORBA::Object_ptr InClear(CORBA::Object_ptr object);
+
   // Nothing when TLS is off or there is no own certificate. Says in the log when this TAO has no
   // TLS, so that no certificate was looked at.
   static std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings& settings);

@@ -15,7 +15,8 @@ std::string ValuesOf(const std::vector<std::string>& arguments, const std::strin
 }
 
 TEST(TaoOptionsTest, TranslatesEverySetting) {
-  constexpr const char* kLoad =
+  const std::string load =
+      "static Messaging_Loader \"\"\nstatic BiDirGIOP_Loader \"\"\n"
       "dynamic SSLIOP_Factory Service_Object * TAO_SSLIOP:_make_TAO_SSLIOP_Protocol_Factory() ";
   const std::string use = "\nstatic Resource_Factory \"-ORBProtocolFactory SSLIOP_Factory\"";
   const struct {
@@ -39,12 +40,15 @@ TEST(TaoOptionsTest, TranslatesEverySetting) {
       {{{"-ORBInitRef", "NameService=corbaloc::h/NameService"}},
        "-ORBInitRef",
        "NameService=corbaloc::h/NameService"},
+      {{{"-SSLCertificate", "own.pem"}, {"-ORBListenEndpoints", "iiop://h/ssl_port=5001"}},
+       "-ORBListenEndpoints",
+       "ssliop://h/ssl_port=5001"},
       {{{"-SSLCACertificate", "ca.pem"}},
        "-ORBSvcConfDirective",
-       kLoad + std::string("\"-SSLAuthenticate SERVER_AND_CLIENT\"") + use},
+       load + "\"-SSLAuthenticate SERVER_AND_CLIENT\"" + use},
       {{{"-SSLCACertificate", "ca.pem"}, {"-SSLVerifyPeer", "0"}},
        "-ORBSvcConfDirective",
-       kLoad + std::string("\"-SSLAuthenticate NONE\"") + use},
+       load + "\"-SSLAuthenticate NONE\"" + use},
       // The message size has no counterpart, and TAO's option of that name is another thing.
       {{{"-ORBMaxMessageSize", "8192"}}, "-ORBMaxMessageSize", ""},
   };
