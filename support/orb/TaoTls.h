@@ -5,8 +5,9 @@
 //   TaoTls::AllowNaming(orb, settings);
 //
 // TLS is a library of TAO's own (SSLIOP), which a site may have built it without. ACE has one
-// context a process: its settings are those of the ORB that started last, and it keeps a
-// certificate until the process ends.
+// context a process: its settings are those of the ORB that started last.
+//
+// TLS is 1.2: version 1.3 does not go with TAO's threads.
 //
 // With TLS on, servers are called over TLS alone: TAO refuses a reference that offers none. Only
 // the naming service, whose programs mostly have no TLS, is asked in clear: it tells addresses, and
