@@ -58,9 +58,7 @@ void CheckFiles(const TlsSettings& settings) {
 CORBA::Boolean RefuseClear(omni::omniInterceptors::clientOpenConnection_T::info_T& info) {
   const std::string peer = info.peeraddress();
   if (peer.starts_with("giop:ssl:") || clearAllowed.contains(peer)) return true;
-  VQ_LOG(diagModule, 1) << "The connection to " << peer << " is refused: it would be in clear, and "
-                        << "TLS is on. Give that server a TLS endpoint, or take -SSLCACertificate "
-                        << "and -SSLCertificate out of the settings";
+  LogRefusedInClear(peer);
   info.reject = true;
   info.why = "TLS is on, and the server offers none";
   return true;

@@ -7,6 +7,7 @@ namespace {
 
 // Lines of the service configuration's language.
 std::vector<std::string> LoadTls(const TlsSettings& tls) {
+  const std::string protocol = kTlsProtocol;
   const std::string mode = tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE";
   return {
       // SSLIOP gives this ORB a list of initializers of its own, which hides the process's list:
@@ -14,10 +15,8 @@ std::vector<std::string> LoadTls(const TlsSettings& tls) {
       // policies of time-outs and of bidirectional use would be unknown.
       R"(static Messaging_Loader "")",
       R"(static BiDirGIOP_Loader "")",
-      "dynamic SSLIOP_Factory Service_Object * TAO_SSLIOP:_make_TAO_SSLIOP_Protocol_Factory() "
-      "\"-SSLAuthenticate " +
-          mode + "\"",
-      R"(static Resource_Factory "-ORBProtocolFactory SSLIOP_Factory")",
+      "static " + protocol + " \"-SSLAuthenticate " + mode + "\"",
+      "static Resource_Factory \"-ORBProtocolFactory " + protocol + "\"",
   };
 }
 

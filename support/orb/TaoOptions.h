@@ -17,6 +17,9 @@
 
 namespace vq::orb {
 
+// The name of the TLS protocol (TaoTlsProtocol.h) among TAO's services.
+inline constexpr char kTlsProtocol[] = "VQ_SSLIOP_Factory";
+
 // What ORB_init gets, each option before its value.
 std::vector<std::string> TaoArguments(const OrbSettings& settings);
 

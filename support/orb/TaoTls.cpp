@@ -9,6 +9,7 @@
 #if defined(VQ_TAO_SSLIOP)  // CMake found TAO's TLS library
 #include <ace/SSL/SSL_Context.h>
 #include <orbsvcs/SecurityLevel2C.h>
+#include <support/orb/TaoTlsProtocol.h>
 #endif
 
 namespace vq::orb {
@@ -46,6 +47,7 @@ int Verify(X509_STORE_CTX* context, void*) {
 void TaoTls::Prepare(const OrbSettings& settings) {
   CheckTlsPort(settings);
   if (!settings.tls.IsOn()) return;
+  RegisterTlsProtocol();
   tlsInForce = settings.tls;
   WarnOfWeakVerification(settings.tls);
   ACE_SSL_Context& ace = *ACE_SSL_Context::instance();
@@ -57,6 +59,7 @@ void TaoTls::Prepare(const OrbSettings& settings) {
   // while the caller's writes the first request, which OpenSSL does not allow: such requests got
   // lost.
   SSL_CTX_set_max_proto_version(&context, TLS1_2_VERSION);
+  SSL_CTX_set_info_callback(&context, TellHostName);
   SSL_CTX_set_cert_cb(&context, ChooseCertificate, nullptr);
   SSL_CTX_set_cert_verify_callback(&context, Verify, nullptr);
 }

@@ -200,6 +200,12 @@ void WarnOfWeakVerification(const TlsSettings& settings) {
   }
 }
 
+void LogRefusedInClear(const std::string& peer) {
+  VQ_LOG(diagModule, 1) << "The connection to " << peer << " is refused: it would be in clear, and "
+                        << "TLS is on. Give that server a TLS endpoint, or take -SSLCACertificate "
+                        << "and -SSLCertificate out of the settings";
+}
+
 int TlsVerifyMode(const TlsSettings& settings) {
   return settings.verifyPeer ? SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT : SSL_VERIFY_NONE;
 }

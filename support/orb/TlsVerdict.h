@@ -28,6 +28,9 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings);
 // Logs at level 1 what the settings leave unverified, and who may pose as whom then.
 void WarnOfWeakVerification(const TlsSettings& settings);
 
+// Logs at level 1 that a connection to a server without TLS is refused, and what to do.
+void LogRefusedInClear(const std::string& peer);
+
 // The mode for SSL_CTX_set_verify.
 int TlsVerifyMode(const TlsSettings& settings);
 

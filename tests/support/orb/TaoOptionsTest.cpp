@@ -17,8 +17,8 @@ std::string ValuesOf(const std::vector<std::string>& arguments, const std::strin
 TEST(TaoOptionsTest, TranslatesEverySetting) {
   const std::string load =
       "static Messaging_Loader \"\"\nstatic BiDirGIOP_Loader \"\"\n"
-      "dynamic SSLIOP_Factory Service_Object * TAO_SSLIOP:_make_TAO_SSLIOP_Protocol_Factory() ";
-  const std::string use = "\nstatic Resource_Factory \"-ORBProtocolFactory SSLIOP_Factory\"";
+      "static VQ_SSLIOP_Factory ";
+  const std::string use = "\nstatic Resource_Factory \"-ORBProtocolFactory VQ_SSLIOP_Factory\"";
   const struct {
     SettingScope scope;
     const char* option;
