@@ -11,6 +11,9 @@ import tempfile
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
+sys.path.insert(0, str(Path(__file__).parent.parent / "symbols"))
+from check_symbols import read_names  # noqa: E402
+
 
 def make(doxygen, configuration, changes=""):
     """Returns what Doxygen has to say against the headers."""
@@ -38,11 +41,8 @@ def main():
     configuration = doxyfile.read_text()
     errors = make(doxygen, configuration)
     told = names_of(doxyfile.parent / "names.xml")
-    for line in exported.read_text().splitlines():
-        name = line.split("(")[0].strip()
-        if name and not line.startswith("#") and name not in told:
-            errors.append(f"{name} is exported and stands on no page")
-
+    exported_names = {name.split("(")[0] for name in read_names(exported)}
+    errors += [f"{name} is exported and stands on no page" for name in exported_names - told]
     with tempfile.TemporaryDirectory() as work:
         header = Path(work) / "bare.h"
         header.write_text("// A banner.\nint Told();  // told\nint Untold();\n")

@@ -9,7 +9,6 @@ files of an example say how it is run and what it must answer.
 
 import os
 import re
-import shutil
 import socket
 import subprocess
 import sys
@@ -36,27 +35,24 @@ def lines_of(file):
 class Servers:
     """A naming service and a simulator on free loopback ports, for as long as a `with` lasts."""
 
-    def __init__(self, prefix, environment, work):
-        self.prefix, self.environment, self.work = prefix, environment, work
-        self.processes = []
+    def __init__(self, simulator, site, environment, work, *arguments):
+        self.command = [simulator, "--site", site, "--server", "central", *arguments]
+        self.environment, self.work = environment, work
+        self.out, self.processes = open(work / "servers.out", "ab"), []
 
     def start(self, ready, *command):
-        with open(self.work / "servers.out", "ab") as out:
-            process = subprocess.Popen(command, stdout=out, stderr=out, env=self.environment)
+        process = subprocess.Popen(command, stdout=self.out, stderr=self.out, env=self.environment)
+        self.processes.append(process)
         end = time.monotonic() + TIMEOUT
         while process.poll() is None and time.monotonic() < end:
             if ready():
-                self.processes.append(process)
                 return True
             time.sleep(0.02)
-        process.kill()
-        process.wait()
         return False
 
     def __enter__(self):
         for _ in range(20):  # somebody else may take the port in between
-            with socket.socket() as probe:
-                probe.bind(("127.0.0.1", 0))
+            with socket.create_server(("127.0.0.1", 0)) as probe:
                 port = probe.getsockname()[1]
             names = Path(tempfile.mkdtemp(dir=self.work))
             own = os.environ.get("VQ_NAMING_SERVICE")  # of a build tree, for its ORB product
@@ -65,15 +61,12 @@ class Servers:
                         "-ORBendPoint", f"giop:tcp:127.0.0.1:{port}"])
             if self.start(lambda: listens(port), *command):
                 break
-        else:
-            raise RuntimeError("no naming service: " + (self.work / "servers.out").read_text())
         self.naming = f"corbaloc:iiop:127.0.0.1:{port}/NameService"
         ready = names / "ready"
-        if not self.start(ready.exists, self.prefix / "bin/vq_simulator",
-                          "--site", self.prefix / "share/vq/simulator/site.json",
-                          "--server", "central", "--naming", self.naming, "--ready-file", ready):
+        if not self.start(ready.exists, *self.command, "--naming", self.naming,
+                          "--ready-file", ready):
             self.__exit__()
-            raise RuntimeError("no simulator: " + (self.work / "servers.out").read_text())
+            raise RuntimeError("no servers: " + (self.work / "servers.out").read_text())
         return self
 
     def __exit__(self, *_):
@@ -83,7 +76,7 @@ class Servers:
                 process.wait(10)
             except subprocess.TimeoutExpired:
                 process.kill()
-                process.wait()
+        self.out.close()
 
 
 def listens(port):
@@ -114,7 +107,8 @@ def complaint(prefix, example, program, work):
     environment |= {"HOME": str(home), "VQ_HOME": str(home / "root"), "LC_ALL": "C.UTF-8",
                     "OMNIORB_CONFIG": "/dev/null",
                     "LD_LIBRARY_PATH": str(next(prefix.glob("lib/**/libvq_client_common.so")).parent)}
-    with Servers(prefix, environment, work) as servers:
+    with Servers(prefix / "bin/vq_simulator", prefix / "share/vq/simulator/site.json", environment,
+                 work) as servers:
         arguments = [line.replace("@NAMING@", servers.naming)
                      for line in lines_of(example / "arguments.txt")]
         given = example / "input.txt"
@@ -134,20 +128,15 @@ def complaint(prefix, example, program, work):
 def main():
     prefix, folder, compiler = Path(sys.argv[1]), Path(sys.argv[2]), sys.argv[3]
     names = sys.argv[4:] or sorted(file.parent.name for file in folder.glob("*/CMakeLists.txt"))
-    work = Path(tempfile.mkdtemp(prefix="vq-examples-"))
-    try:
+    with tempfile.TemporaryDirectory(prefix="vq-examples-") as work, ThreadPoolExecutor(2) as pool:
         def try_one(name):
-            example = folder / name
-            programs = build(prefix, example, compiler, work)
-            return [complaint(prefix, example, program, work) for program in programs]
+            programs = build(prefix, folder / name, compiler, Path(work))
+            return [complaint(prefix, folder / name, program, Path(work)) for program in programs]
 
-        with ThreadPoolExecutor(2) as pool:
-            complaints = [text for pair in pool.map(try_one, names) for text in pair]
-    finally:
-        shutil.rmtree(work)
+        complaints = sum(pool.map(try_one, names), [])
     found = [text for text in complaints if text]
-    print("\n".join(found + [f"{len(names)} examples, each built in two ways: "
-                             f"{len(complaints) - len(found)} of {len(complaints)} programs answer as expected"]))
+    print(*found, f"{len(names)} examples, each built in two ways: {len(complaints) - len(found)} of "
+          f"{len(complaints)} programs answer as expected", sep="\n")
     return 1 if found or not names else 0
 
 

@@ -30,8 +30,8 @@ def exported_symbols(library):
 
 
 def read_names(list_file):
-    lines = (line.strip() for line in list_file.read_text().splitlines())
-    return {line for line in lines if line and not line.startswith("#")}
+    text = re.sub(r"^#.*", "", list_file.read_text(), flags=re.M)
+    return set(re.findall(r"[\w:]+(?:<<\(.*?\))?", text))
 
 
 def wire_names(folder):
@@ -64,27 +64,22 @@ def promised_symbols(library, promised):
 
 
 def main():
-    library, list_file, idl = Path(sys.argv[1]), Path(sys.argv[2]), Path(sys.argv[3])
-    promised = read_names(list_file)
-    wire = wire_names(idl)
+    library, list_file, idl = map(Path, sys.argv[1:4])
+    promised, wire = read_names(list_file), wire_names(idl)
     seen, surplus = set(), set()
     for _, symbol in exported_symbols(library):
-        if MAPPING_OPERATOR.match(symbol):
-            continue  # of a wire type by its own declaration, which is generated
-        found = promise_of(symbol, promised)
-        if found:
-            seen.add(found)
-            continue
-        outer = entity(symbol).split("::")[0]
+        found, outer = promise_of(symbol, promised), entity(symbol).split("::")[0]
         bare = re.sub(r"^(_objref_|_impl_|_pof_|POA_|_tc_|_omni_)|(_var|_out|_Helper|_forany)$", "",
                       outer)
-        if bare not in wire and outer not in wire:
+        if MAPPING_OPERATOR.match(symbol):
+            continue  # of a wire type by its own declaration, which is generated
+        if found:
+            seen.add(found)
+        elif bare not in wire and outer not in wire:
             surplus.add(symbol)
-    for symbol in sorted(surplus):
-        print(f"exported and not promised: {symbol}")
-    for name in sorted(promised - seen):
-        print(f"promised and not exported: {name}")
-    print(f"{len(seen)} promised names and {len(wire)} wire types looked at")
+    print(*(f"exported and not promised: {symbol}" for symbol in sorted(surplus)),
+          *(f"promised and not exported: {name}" for name in sorted(promised - seen)),
+          f"{len(seen)} promised names and {len(wire)} wire types looked at", sep="\n")
     return 1 if surplus or promised != seen or len(wire) < 50 else 0
 
 
