@@ -1,6 +1,4 @@
 #include <sstream>
-#include <string>
-#include <utility>
 
 #include <gmock/gmock.h>
 #include <pwd.h>
@@ -118,7 +116,7 @@ TEST(ProfileSettings, TheFlagDecidesWhoWinsAndWhatIsNoWholeNumberIsNotThere) {
   EXPECT_EQ(get(false, "Other"), 0);
 }
 
-TEST(Digest, KnownAnswers) {
+TEST(Digest, KnownAnswersInTheirPlaceAlone) {
   char buffer[34] = {};
   buffer[33] = '#';
   EXPECT_TRUE(CalcMD5("abcd", 3, 0, buffer));

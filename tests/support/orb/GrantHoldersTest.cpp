@@ -2,12 +2,6 @@
 #include <support/orb/CorbaConversions.h>
 #include <support/orb/VQServiceUserAuth.h>
 
-#include <initializer_list>
-#include <list>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include <gmock/gmock.h>
 
 #include <tests/fixture/LogCapture.h>
@@ -16,12 +10,12 @@ namespace {
 
 using Pair = std::pair<const char*, QCSAuthLevelEnum>;
 
-QCSCorbaAuth2LvlSeq Wire(std::initializer_list<Pair> grants) {
+QCSCorbaAuth2LvlSeq Wire(const std::vector<Pair>& grants) {
   QCSCorbaAuth2LvlSeq wire;
-  for (const auto& [criteria, level] : grants) {
-    wire.length(wire.length() + 1);
-    wire[wire.length() - 1].m_sCriteria = criteria;
-    wire[wire.length() - 1].m_eLevel = level;
+  wire.length(static_cast<CORBA::ULong>(grants.size()));
+  for (CORBA::ULong i = 0; i < wire.length(); ++i) {
+    wire[i].m_sCriteria = grants[i].first;
+    wire[i].m_eLevel = grants[i].second;
   }
   return wire;
 }
@@ -59,11 +53,7 @@ TEST(AuthLevelBySelection, TheUsersOwnGrantsGoBeforeTheGroups) {
                                              {"NAME = 'M'", MAX_ACCESS}}),
                                        true));
   holder.GroupAuthFromCORBA(Wire({{"*", BROWSE_ACCESS}, {"NAME LIKE '?'", FULL_ACCESS}}), true);
-  struct Row {
-    const char* name;
-    QCSAuthLevelEnum given;
-  };
-  static constexpr Row kRows[] = {
+  static constexpr Pair kRows[] = {
       {"A", BROWSE_ACCESS},    // an own grant fits, so the groups' FULL_ACCESS does not count
       {"ABC", UPDATE_ACCESS},  // the highest of two own grants
       {"AN", BROWSE_ACCESS},   // the highest, whatever the order
@@ -72,7 +62,7 @@ TEST(AuthLevelBySelection, TheUsersOwnGrantsGoBeforeTheGroups) {
       {"M", MAX_ACCESS},      {"B", FULL_ACCESS},  // no own grant fits: the highest of the groups'
       {"BC", BROWSE_ACCESS},
   };
-  for (const Row& row : kRows) EXPECT_EQ(Given(holder, row.name), row.given) << row.name;
+  for (const auto& [name, given] : kRows) EXPECT_EQ(Given(holder, name), given) << name;
 }
 
 TEST(AuthLevelBySelection, WithoutAFittingGrantOnlyDefaultAccessIsAllowed) {
@@ -121,93 +111,68 @@ TEST(RefusedGrants, GrantNothingAndAreLogged) {
 }
 
 TEST(RefusedGrants, ManyOfThemDoNotFillTheLog) {
-  QCSCorbaAuth2LvlSeq wire;
-  wire.length(1000);
-  for (CORBA::ULong i = 0; i < wire.length(); ++i) {
-    wire[i].m_sCriteria = "?";
-    wire[i].m_eLevel = FULL_ACCESS;
-  }
   vq::test::LogCapture log(1);
   AuthLevelBySelection holder;
-  holder.GroupAuthFromCORBA(wire, true);
+  holder.GroupAuthFromCORBA(Wire(std::vector<Pair>(1000, {"?", FULL_ACCESS})), true);
   ASSERT_EQ(log.Lines().size(), 21U);
   EXPECT_EQ(log.Lines().back().text, "980 further grants are left out likewise");
 }
 
-QCSCorbaAuth2LvlSeq2 ServiceWire(
-    std::initializer_list<std::pair<Pair, std::initializer_list<int>>> grants) {
-  QCSCorbaAuth2LvlSeq2 wire;
-  for (const auto& [pair, actions] : grants) {
-    wire.length(wire.length() + 1);
-    QCSCORBAAuthPair2& grant = wire[wire.length() - 1];
-    grant.Criteria = pair.first;
-    grant.Level = pair.second;
-    for (const int action : actions) {
-      grant.Actions.length(grant.Actions.length() + 1);
-      grant.Actions[grant.Actions.length() - 1] = action;
-    }
-  }
-  return wire;
-}
+using ServiceGrant = std::tuple<const char*, QCSAuthLevelEnum, std::vector<int>>;
 
-std::list<VQServiceAuth> Converted(const QCSCorbaAuth2LvlSeq2& wire) {
-  std::list<VQServiceAuth> grants{VQServiceAuth{"from before", FULL_ACCESS, {1}}};
-  CrbConvert(wire, grants);
-  return grants;
+// As they come over the wire.
+std::list<VQServiceAuth> Received(const std::vector<ServiceGrant>& grants) {
+  QCSCorbaAuth2LvlSeq2 wire;
+  wire.length(static_cast<CORBA::ULong>(grants.size()));
+  for (CORBA::ULong i = 0; i < wire.length(); ++i) {
+    const auto& [criteria, level, actions] = grants[i];
+    wire[i].Criteria = criteria;
+    wire[i].Level = level;
+    wire[i].Actions.length(static_cast<CORBA::ULong>(actions.size()));
+    std::copy(actions.begin(), actions.end(), wire[i].Actions.get_buffer());
+  }
+  std::list<VQServiceAuth> received{VQServiceAuth{"from before", FULL_ACCESS, {1}}};
+  CrbConvert(wire, received);
+  return received;
 }
 
 TEST(VQServiceUserAuth, LevelsAndActionsComeFromTheDecidingList) {
   VQServiceUserAuth holder;
   EXPECT_TRUE(holder.IsEmpty());
-  holder.AddUserAuth(VQServiceUserAuth(Converted(ServiceWire({
-      {{"NAME LIKE 'A*'", BROWSE_ACCESS}, {1, 2}},
-      {{"NAME = 'AB'", UPDATE_ACCESS}, {3}},
-  }))));
+  holder.AddUserAuth(VQServiceUserAuth(
+      Received({{"NAME LIKE 'A*'", BROWSE_ACCESS, {1, 2}}, {"NAME = 'AB'", UPDATE_ACCESS, {3}}})));
   holder.AddGroupAuth(VQServiceUserAuth(
-      {},
-      Converted(ServiceWire({{{"*", FULL_ACCESS}, {-4, 5}}, {{"NAME = 'B'", ACCESS_NONE}, {}}}))));
+      {}, Received({{"*", FULL_ACCESS, {-4, 5}}, {"NAME = 'B'", ACCESS_NONE, {}}})));
   EXPECT_FALSE(holder.IsEmpty());
-  struct Row {
-    const char* name;
-    QCSAuthLevelEnum given;
-    std::vector<int> actions;
-  };
-  const Row kRows[] = {
-      {"A", BROWSE_ACCESS, {1, 2}},
-      {"AB", UPDATE_ACCESS, {1, 2, 3}},
-      {"B", FULL_ACCESS, {-4, 5}},
-  };
-  for (const Row& row : kRows) {
-    const QCSObject service = Named(row.name);
-    EXPECT_EQ(Given([&](auto level) { return holder.IsDefAccessAllowed(service, level); }),
-              row.given)
-        << row.name;
+  const ServiceGrant kRows[] = {
+      {"A", BROWSE_ACCESS, {1, 2}}, {"AB", UPDATE_ACCESS, {1, 2, 3}}, {"B", FULL_ACCESS, {-4, 5}}};
+  for (const auto& [name, given, actions] : kRows) {
+    const QCSObject service = Named(name);
+    EXPECT_EQ(Given([&](auto level) { return holder.IsDefAccessAllowed(service, level); }), given);
     std::vector<int> allowed;
     for (int action = -10; action < 10; ++action) {
       if (holder.IsActionAllowed(service, action)) allowed.push_back(action);
     }
-    EXPECT_EQ(allowed, row.actions) << row.name;
+    EXPECT_EQ(allowed, actions) << name;
   }
 }
 
 TEST(VQServiceUserAuth, ListsAddUpInOrderAndClearEmptiesBoth) {
-  const VQServiceUserAuth first(Converted(ServiceWire({{{"NAME = 'A'", BROWSE_ACCESS}, {1}}})));
-  const VQServiceUserAuth second(Converted(ServiceWire({{{"NAME = 'B'", FULL_ACCESS}, {2}}})),
-                                 Converted(ServiceWire({{{"NAME = 'C'", FULL_ACCESS}, {3}}})));
+  const VQServiceUserAuth first(Received({{"NAME = 'A'", BROWSE_ACCESS, {1}}}));
+  const VQServiceUserAuth second(Received({{"NAME = 'B'", FULL_ACCESS, {2}}}),
+                                 Received({{"NAME = 'C'", FULL_ACCESS, {3}}}));
   VQServiceUserAuth sum = first;
   sum.AddUserAuth(second);
   ASSERT_EQ(sum.UserAuth().size(), 2U);
   EXPECT_EQ(sum.UserAuth().back().Criteria, "NAME = 'B'");
   EXPECT_TRUE(sum.GroupAuth().empty());
-  EXPECT_TRUE(sum.IsActionAllowed(Named("A"), 1));
-  EXPECT_TRUE(sum.IsActionAllowed(Named("B"), 2));
+  EXPECT_TRUE(sum.IsActionAllowed(Named("A"), 1) && sum.IsActionAllowed(Named("B"), 2));
   EXPECT_FALSE(sum.IsActionAllowed(Named("C"), 3));
   EXPECT_FALSE(first.IsActionAllowed(Named("B"), 2));
   sum.AddGroupAuth(second);
   EXPECT_TRUE(sum.IsActionAllowed(Named("C"), 3));
   sum.Clear();
-  EXPECT_TRUE(sum.IsEmpty());
-  EXPECT_TRUE(sum.UserAuth().empty());
+  EXPECT_TRUE(sum.IsEmpty() && sum.UserAuth().empty());
   EXPECT_FALSE(sum.IsActionAllowed(Named("A"), 1));
   EXPECT_TRUE(sum.IsDefAccessAllowed(Named("A"), DEFAULT_ACCESS));
   EXPECT_FALSE(sum.IsDefAccessAllowed(Named("A"), ACCESS_NONE));

@@ -1,17 +1,17 @@
-#include <support/configuration/ConfigAPI.h>
-
 #include <csignal>
-#include <filesystem>
-#include <string>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/configuration/ConfigDocument.h>
 #include <support/configuration/ConfigXml.h>
 #include <support/configuration/SafeFile.h>
-#include <tests/fixture/TemporaryDirectory.h>
+#include <tests/HostileXml.h>
 
 namespace {
 
@@ -19,6 +19,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Pair;
 using std::string_literals::operator""s;
+using Kind = vq::ConfigChange::Kind;
 namespace fs = std::filesystem;
 
 class ConfigAPITest : public ::testing::Test {
@@ -44,15 +45,16 @@ TEST_F(ConfigAPITest, AMissingFileIsAnEmptyDomainAndSavingMakesIt) {
   EXPECT_EQ(domain->GetVar("default", "a"), std::nullopt);
   EXPECT_TRUE(domain->Save());
   EXPECT_FALSE(fs::exists(m_directory / "new")) << "written without a change";
-
   EXPECT_TRUE(domain->SetVar("default", "-ORBListenEndpoints", "iiop://"));
   const mode_t formerMask = ::umask(0077);
   EXPECT_TRUE(domain->Save()) << domain->Error();
   ::umask(formerMask);
-  EXPECT_THAT(m_directory.Read("new/config/vq.xml"),
-              HasSubstr("<domain>\n  <scope name=\"default\">\n"
-                        "    <var name=\"-ORBListenEndpoints\">iiop://</var>\n"
-                        "  </scope>\n</domain>\n"));
+  EXPECT_THAT(m_directory.Read("new/config/vq.xml"), HasSubstr(R"(<domain>
+  <scope name="default">
+    <var name="-ORBListenEndpoints">iiop://</var>
+  </scope>
+</domain>
+)"));
   EXPECT_EQ(Mode(m_directory / "new/config/vq.xml"), 0600U);
 }
 
@@ -85,13 +87,12 @@ TEST_F(ConfigAPITest, ScopesAndVariables) {
 }
 
 TEST_F(ConfigAPITest, EveryTextThatXmlCanHoldSurvives) {
-  const std::string texts[] = {" blanks ", "a\tb\nc\r\nd\re", "<&>\"']]>", "\xC3\xA9",
-                               "\xF0\x9F\x94\x92"};
   const auto domain = Domain();
-  for (const std::string& text : texts) EXPECT_TRUE(domain->SetVar(text, text, text)) << text;
+  const char* const texts[] = {" blanks ", "a\tb\nc\r\nd\re", "<&>\"']]>", "\xC3\xA9",
+                               "\xF0\x9F\x94\x92"};
+  for (const std::string text : texts) EXPECT_TRUE(domain->SetVar(text, text, text)) << text;
   ASSERT_TRUE(domain->Save()) << domain->Error();
-  for (const std::string& text : texts) EXPECT_EQ(Loaded()->GetVar(text, text), text);
-
+  for (const std::string text : texts) EXPECT_EQ(Loaded()->GetVar(text, text), text);
   for (const std::string& text : {"\xC3"s, "\x01"s, "\0"s, "\xED\xA0\x80"s, "\xEF\xBF\xBF"s, ""s}) {
     EXPECT_EQ(domain->SetVar("default", "x", text), text.empty());
     EXPECT_FALSE(domain->SetVar("default", text, "x") || domain->SetVar(text, "x", "x"));
@@ -119,8 +120,8 @@ TEST_F(ConfigAPITest, AMalformedFileFailsToLoadAndIsNeverOverwritten) {
 TEST_F(ConfigAPITest, WhatIsNoReadableFileFails) {
   fs::create_directory(m_directory / "directory.xml");
   ASSERT_EQ(::mkfifo((m_directory / "pipe.xml").c_str(), 0600), 0);
-  m_directory.Write("large.xml",
-                    "<domain>" + std::string(vq::ConfigXml::kLargestFile, ' ') + "</domain>");
+  const std::string blanks(vq::ConfigXml::kLargestFile, ' ');
+  m_directory.Write("large.xml", "<domain>" + blanks + "</domain>");
   for (const std::string& name : {""s, "../vq"s, "directory\0"s, "directory"s, "pipe"s, "large"s}) {
     const auto domain = Domain(name);
     domain->SetVar("default", "a", "1");
@@ -171,6 +172,126 @@ TEST_F(ConfigAPITest, AFullDiskLeavesTheOldFileAndASaveItsPermissionsAndLinks) {
   EXPECT_TRUE(fs::is_symlink(m_directory / "vq.xml"));
   EXPECT_EQ(Mode(target), 0640U);
   EXPECT_THAT(m_directory.Read("site/real.xml"), HasSubstr("\"large\">xxx"));
+}
+
+TEST_F(ConfigAPITest, AKilledWriterLeavesAWholeFileAndNoLock) {
+  constexpr std::size_t kSize = 60'000;
+  for (int round = 0; round < 25; ++round) {
+    int tell[2];
+    ASSERT_EQ(::pipe(tell), 0);
+    const pid_t writer = ::fork();
+    ASSERT_NE(writer, -1);
+    for (char letter = 'a'; writer == 0;
+         letter = static_cast<char>('a' + (letter - 'a' + 1) % 26)) {
+      const auto domain = Domain();
+      for (const char* name : {"first", "last"})
+        domain->SetVar("s", name, std::string(kSize, letter));
+      if (::write(tell[1], &letter, 1) != 1 || !domain->Save()) std::_Exit(1);
+    }
+    ::close(tell[1]);
+    char letter = 0;
+    for (int saves = 0; saves <= round % 5 + 1; ++saves) ASSERT_EQ(::read(tell[0], &letter, 1), 1);
+    ::usleep(static_cast<useconds_t>(round * 97));  // so that the blow falls in every step
+    ::kill(writer, SIGKILL);
+    int status = 0;
+    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the writer failed by itself";
+    ::close(tell[0]);
+
+    const auto domain = Loaded();
+    const auto first = domain->GetVar("s", "first").value_or("");
+    EXPECT_EQ(first.size(), kSize);
+    EXPECT_EQ(first, domain->GetVar("s", "last")) << "half of a save is in the file";
+    domain->SetVar("default", "round", std::to_string(round));
+    ASSERT_TRUE(domain->Save()) << domain->Error();
+  }
+}
+
+// Two processes of two threads each.
+TEST_F(ConfigAPITest, WritersAtOnceKeepOneAnothersChanges) {
+  constexpr int kSaves = 10;
+  const pid_t child = ::fork();
+  const auto write = [&](const std::string& who) {
+    for (int i = 0; i < kSaves; ++i) {
+      const auto domain = Loaded();
+      domain->SetVar("s", who + std::to_string(i), "x");
+      EXPECT_TRUE(domain->Save()) << domain->Error();
+    }
+  };
+  std::jthread other(write, std::to_string(child) + "other");
+  write(std::to_string(child) + "own");
+  other.join();
+  if (child == 0) std::_Exit(HasFailure() ? 1 : 0);
+  int status = -1;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  std::map<std::string, std::string> table;
+  Loaded()->GetScopeAndDefaultVars("s", table);
+  EXPECT_EQ(table.size(), 4U * kSaves);
+}
+
+struct ConfigDocumentTest : ::testing::Test {
+  bool Parses(const std::string& text) { return document.Parse(text, error); }
+  vq::ConfigDocument document;
+  std::string error;
+};
+
+TEST_F(ConfigDocumentTest, WhatItDoesNotKnowStaysWhereItStands) {
+  const std::string before = R"(<!-- of the site -->
+<domain version="2">
+  <!-- everybody's -->
+  <scope name="default" owner="ops">
+    <note>read me</note>
+    <var>nameless</var>
+)";
+  ASSERT_TRUE(Parses(before + R"(    <var name="a">1</var> <!-- why -->
+  </scope>
+  <scope name="Test1">
+    <var name="a">2</var>
+  </scope>
+</domain>
+)")) << error;
+  EXPECT_EQ(document.Scopes(),
+            (vq::ConfigScopes{{"default", {{"a", "1"}}}, {"Test1", {{"a", "2"}}}}));
+  document.Apply({Kind::SetVar, "default", "a", "3"});
+  document.Apply({Kind::SetVar, "default", "b", "4"});
+  document.Apply({Kind::RemoveScope, "Test1", {}, {}});
+  document.Apply({Kind::RemoveVar, "default", "none", {}});
+  EXPECT_THAT(document.Text().value(),
+              HasSubstr("?>\n" + before + R"(    <var name="a">3</var> <!-- why -->
+    <var name="b">4</var>
+  </scope>
+</domain>
+)"));
+}
+
+TEST_F(ConfigDocumentTest, OfTwoTheFirstCountsAndRemovingTakesAll) {
+  ASSERT_TRUE(
+      Parses("<domain><scope name='s'><var name='a'>1</var><var name='a'>2</var></scope>"
+             "<scope name='s'><var name='b'/></scope></domain>"));
+  EXPECT_EQ(document.Scopes(), (vq::ConfigScopes{{"s", {{"a", "1"}}}}));
+  document.Apply({Kind::RemoveVar, "s", "a", {}});
+  EXPECT_EQ(document.Scopes(), (vq::ConfigScopes{{"s", {}}}));
+  document.Apply({Kind::RemoveScope, "s", {}, {}});
+  EXPECT_EQ(document.Scopes(), vq::ConfigScopes{});
+}
+
+TEST_F(ConfigDocumentTest, AHostileDocumentIsRefusedAtOnceAndFetchesNothing) {
+  const std::string before = "<domain><scope name='s'><var name='v'>1";
+  const std::string after = "</var></scope></domain>";
+  vq::test::ExpectHarmless({}, "domain", before, after,
+                           [&](const std::string& text) { return !Parses(text); });
+  const auto nested = [&](int depth) {
+    return before + vq::test::Repeated("<d>", depth) + vq::test::Repeated("</d>", depth) + after;
+  };
+  EXPECT_FALSE(Parses(nested(99)));
+  EXPECT_THAT(error, HasSubstr("nested"));
+  EXPECT_FALSE(Parses("<!DOCTYPE domain []><domain/>"));
+  EXPECT_THAT(error, HasSubstr("declaration"));
+  EXPECT_EQ(document.Scopes(), vq::ConfigScopes{});
+  EXPECT_TRUE(Parses(nested(98))) << error;
+  EXPECT_TRUE(Parses(before + "&amp;&#x41;&lt;" + after)) << error;
+  EXPECT_EQ(document.Scopes(), (vq::ConfigScopes{{"s", {{"v", "1&A<"}}}}));
 }
 
 }  // namespace
