@@ -52,9 +52,7 @@ int AddForeign(dl_phdr_info* info, std::size_t, void*) {
 
 thread_local bool counts = false;
 thread_local bool goesOn = false;  // those behind it fail as well
-thread_local long failing = 0;
-thread_local long made = 0;
-thread_local long failed = 0;
+thread_local long failing = 0, made = 0, failed = 0;
 
 bool IsForeign(const void* code) {
   const auto address = reinterpret_cast<std::uintptr_t>(code);
@@ -189,10 +187,7 @@ TEST_F(AllocationTest, Sessions) {
   QCSObject calendar;
   calendar.SetAttribute("NAME", "ANY");
 
-  const auto login = [&] {
-    const int result = Login();
-    return std::to_string(result);
-  };
+  const auto login = [&] { return std::to_string(Login()); };
   const auto connectedAsTold = [&](const string& outcome) {
     EXPECT_EQ(LoginHandler::GetGlobal()->IsConnected(), outcome == "1") << m_log.Text();
   };
@@ -206,12 +201,11 @@ TEST_F(AllocationTest, Sessions) {
   Sweep({"login with a new ORB", [] { GL_LogOut(true); }, login, connectedAsTold, "1", "0 54 55"});
   Sweep({"login", [] { GL_LogOut(false); }, login, connectedAsTold, "1", "0 54"});
   Sweep({"second login", loggedIn, login, nothing, "1", "0 54"});
-  Sweep({"post-login", loggedIn,
-         [&] {
-           string message;
-           return std::to_string(GL_PostLogin(message));
-         },
-         nothing, "1", "0"});
+  const auto postLogin = [] {
+    string message;
+    return std::to_string(GL_PostLogin(message));
+  };
+  Sweep({"post-login", loggedIn, postLogin, nothing, "1", "0"});
   Sweep({"authorizations", loggedIn,
          [&] {
            const string userId = LoginHandler::GetGlobal()->GetUserID();
@@ -230,9 +224,10 @@ TEST_F(AllocationTest, Sessions) {
 TEST_F(AllocationTest, Properties) {
   const string path = m_directory / "data/CommonClientConf.xml";
   m_environment.Set("VQ_DATA", m_directory / "data");
+  const string is = "two & more than fits";
   const string before =
-      "<Properties>\n\t<First>one</First>\n\t<Second>two &amp; more than "
-      "fits</Second>\n</Properties>\n";
+      "<Properties>\n\t<First>one</First>\n\t<Second>two &amp; more than fits</Second>\n"
+      "</Properties>\n";
   const auto fresh = [&] {
     m_directory.Write("data/CommonClientConf.xml", before);
     exit_vqclient_common();
@@ -243,7 +238,6 @@ TEST_F(AllocationTest, Properties) {
   };
   StartXml();  // for the length of the test
   const auto second = [] { return ClientProperties::Get()->GetStringValue("Second", "none"); };
-  const string is = "two & more than fits";
   const auto unchanged = [&](const string&) { EXPECT_EQ(second(), is); };
 
   Sweep({"properties: first use", fresh, second, unchanged, is, ""});
@@ -273,43 +267,43 @@ TEST_F(AllocationTest, Properties) {
 }
 
 TEST_F(AllocationTest, Archives) {
+  const auto unlessRefused = [](const std::function<string()>& run) {
+    return [run]() -> string {
+      try {
+        return run();
+      } catch (const TArchiveException&) {
+        return "refused";
+      }
+    };
+  };
   std::stringstream stored;
   const string longText(100, 'x');
-  Sweep({"archive: store",
-         [&] {
-           stored.str("");
-           stored.clear();
-         },
-         [&]() -> string {
-           try {
-             TArchive archive(&stored, 0, 0, nullptr);
-             archive << longText << 8004 << true << 1.5;
-             return "stored";
-           } catch (const TArchiveException&) {
-             return "refused";
-           }
-         },
-         [](const string&) {}, "stored", "refused"});
-  const string bytes = stored.str();
+  const auto store = [&] {
+    TArchive archive(&stored, 0, 0, nullptr);
+    archive << longText << 8004 << true << 1.5;
+    return "stored";
+  };
+  const auto emptied = [&] {
+    stored.str("");
+    stored.clear();
+  };
+  Sweep(
+      {"archive: store", emptied, unlessRefused(store), [](const string&) {}, "stored", "refused"});
   string text;
   std::stringstream stream;
+  const auto load = [&] {
+    TArchive archive(&stream, 1, 0, nullptr);
+    int port = 0;
+    bool enabled = false;
+    archive >> text >> port >> enabled;
+    return std::to_string(port) + std::to_string(enabled);
+  };
   Sweep({"archive: load",
          [&] {
-           stream.str(bytes);
-           stream.clear();
+           std::stringstream(stored.str()).swap(stream);
            string().swap(text);
          },
-         [&]() -> string {
-           try {
-             TArchive archive(&stream, 1, 0, nullptr);
-             int port = 0;
-             bool enabled = false;
-             archive >> text >> port >> enabled;
-             return std::to_string(port) + std::to_string(enabled);
-           } catch (const TArchiveException&) {
-             return "refused";
-           }
-         },
+         unlessRefused(load),
          [&](const string& outcome) { EXPECT_EQ(text, outcome == "80041" ? longText : text); },
          "80041", "refused"});
 }

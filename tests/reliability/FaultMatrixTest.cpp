@@ -6,7 +6,6 @@
 #include <functional>
 
 #include <vq_client_common/session/CorbaServerPackManager.h>
-#include <vq_client_common/session/GlobalFuncs.h>
 
 namespace vq::test {
 namespace {
@@ -14,13 +13,10 @@ namespace {
 using Fault = FaultProxy::Fault;
 using std::chrono::milliseconds;
 
-// Of the calls that are answered late; all others have time enough on a busy machine.
-constexpr milliseconds kShortTimeOut{600};
-// One time-out, and no second one.
-constexpr milliseconds kLateLimit = 2 * kShortTimeOut;
-// Nothing that fails at once waits for anything.
-constexpr milliseconds kLimit{5000};
-constexpr milliseconds kTimeOut{10000};
+constexpr milliseconds kShortTimeOut{600};              // of the calls that are answered late
+constexpr milliseconds kTimeOut{10000};                 // of all others: enough on a busy machine
+constexpr milliseconds kLateLimit = 2 * kShortTimeOut;  // one time-out, and no second one
+constexpr milliseconds kLimit{5000};  // nothing that fails at once waits for anything
 
 // What happens to one call.
 struct CallFault {

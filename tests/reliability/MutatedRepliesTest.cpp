@@ -11,7 +11,6 @@
 #include <random>
 
 #include <support/foundations/Environment.h>
-#include <vq_client_common/session/GlobalFuncs.h>
 
 // What omniORB itself does not free when a message ends, or makes no sense, in the middle of a text
 // or of a reference. docs/reliability.md has the figures.
@@ -57,19 +56,22 @@ std::uint32_t OddNumber(Random& random) {
   return kOdd[Below(random, std::size(kOdd))];
 }
 
+void FlipBits(std::string& message, Random& random, std::size_t from) {
+  for (std::size_t count = 1 + Below(random, 8); count > 0; --count) {
+    message[from + Below(random, message.size() - from)] ^=
+        static_cast<char>(1 << Below(random, 8));
+  }
+}
+
+// A place behind the header.
+std::size_t AnyPlace(const std::string& message, Random& random) {
+  return kHeader + Below(random, message.size() - kHeader);
+}
+
 // The kinds of change. Each leaves a message that is at least a header long.
 constexpr void (*kMutations[])(std::string& message, Random& random) = {
-    [](std::string& message, Random& random) {  // bits anywhere
-      for (std::size_t count = 1 + Below(random, 8); count > 0; --count) {
-        message[Below(random, message.size())] ^= static_cast<char>(1 << Below(random, 8));
-      }
-    },
-    [](std::string& message, Random& random) {  // bits behind the header
-      for (std::size_t count = 1 + Below(random, 8); count > 0; --count) {
-        message[kHeader + Below(random, message.size() - kHeader)] ^=
-            static_cast<char>(1 << Below(random, 8));
-      }
-    },
+    [](std::string& message, Random& random) { FlipBits(message, random, 0); },
+    [](std::string& message, Random& random) { FlipBits(message, random, kHeader); },
     [](std::string& message, Random& random) {  // a number of the body, mostly a length or a type
       PutNumber(message, kHeader + 4 * Below(random, (message.size() - kHeader) / 4),
                 OddNumber(random));
@@ -78,24 +80,20 @@ constexpr void (*kMutations[])(std::string& message, Random& random) = {
       PutNumber(message, kSize, OddNumber(random));
     },
     [](std::string& message, Random& random) {  // cut short, and the header knows it
-      message.resize(kHeader + Below(random, message.size() - kHeader));
+      message.resize(AnyPlace(message, random));
       FixSize(message);
     },
     [](std::string& message, Random& random) {  // cut short, and the header does not
-      message.resize(kHeader + Below(random, message.size() - kHeader));
+      message.resize(AnyPlace(message, random));
     },
     [](std::string& message, Random& random) {  // longer than it should be
       message.append(1 + Below(random, 5000), AnyByte(random));
       FixSize(message);
     },
     [](std::string& message, Random& random) {  // a piece of it is twice there or away
-      const std::size_t at = kHeader + Below(random, message.size() - kHeader);
+      const std::size_t at = AnyPlace(message, random);
       const std::string piece = message.substr(at, Below(random, 64));
-      if (Below(random, 2) == 0) {
-        message.insert(at, piece);
-      } else {
-        message.erase(at, piece.size());
-      }
+      Below(random, 2) == 0 ? message.insert(at, piece) : message.erase(at, piece.size());
       FixSize(message);
     },
     [](std::string& message, Random& random) {  // another type of message, version or byte order
@@ -106,9 +104,8 @@ constexpr void (*kMutations[])(std::string& message, Random& random) = {
     },
     [](std::string& message, Random&) { message += message; },  // said twice
     [](std::string& message, Random& random) {  // in fragments, of which the last may be missing
-      const std::size_t at = kHeader + Below(random, message.size() - kHeader);
-      const std::string number = message.substr(kHeader, 4);
-      std::string fragment = message.substr(0, kHeader) + number + message.substr(at);
+      const std::size_t at = AnyPlace(message, random);
+      std::string fragment = message.substr(0, kHeader + 4) + message.substr(at);
       fragment[kType] = 7;
       if (Below(random, 3) == 0) fragment[kFlags] |= 2;
       FixSize(fragment);
@@ -118,9 +115,8 @@ constexpr void (*kMutations[])(std::string& message, Random& random) = {
       if (Below(random, 3) != 0) message += fragment;
     },
     [](std::string& message, Random& random) {  // noise
-      for (std::size_t at = Below(random, message.size()); at < message.size(); ++at) {
-        message[at] = AnyByte(random);
-      }
+      std::generate(message.begin() + static_cast<std::ptrdiff_t>(Below(random, message.size())),
+                    message.end(), [&] { return AnyByte(random); });
     },
 };
 

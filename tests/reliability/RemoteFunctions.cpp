@@ -1,8 +1,6 @@
 #include "RemoteFunctions.h"
 
 #include <functional>
-#include <type_traits>
-#include <utility>
 
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
 #include <support/orb/ORBCommon.h>
@@ -24,7 +22,7 @@ namespace vq::test {
 namespace {
 
 // Results with their texts for users.
-constexpr std::pair<const char*, std::string_view> kTexts[] = {
+constexpr const char* kTexts[][2] = {
     {"<went down>",
      "0: This error may be caused by any of the following:\n - Server 'central' has incorrect or "
      "old "
@@ -35,14 +33,13 @@ constexpr std::pair<const char*, std::string_view> kTexts[] = {
      "outgoing ports are blocked in this computer.\t"},
     {"<not found>",
      "54: This error may be caused by any of the following:\n - Server 'central' is not "
-     "running.\t\n - "
-     "The Server listening port is blocked by the firewall.\t\n - The outgoing ports are blocked "
-     "in "
-     "this computer.\t"},
+     "running.\t\n"
+     " - The Server listening port is blocked by the firewall.\t\n"
+     " - The outgoing ports are blocked in this computer.\t"},
     {"<refused>",
      "0: This error may be caused by any of the following:\n - User 'alice' is not defined "
-     "properly.\n "
-     "- The specified password is incorrect.\n\nFor more information, refer to the "
+     "properly."
+     "\n - The specified password is incorrect.\n\nFor more information, refer to the "
      "VELTRA-M/Quorum Manager documentation."},
     {"<no authorizations>", "0: Failed to load user authorizations"},
     {"<too short>", "51: New password is too short.\nPassword minimum length should be 6."},
@@ -52,8 +49,7 @@ constexpr std::pair<const char*, std::string_view> kTexts[] = {
     {"<too simple>",
      "51: To select a password that complies with the Password Policy you\nmust choose a word that "
      "contains the following types of characters:\nDigit characters.\nLetters in upper case.\n"
-     "Letters in lower case.\nSpecial characters."},
-};
+     "Letters in lower case.\nSpecial characters."}};
 
 void ReplaceIn(std::string& text, std::string_view what, std::string_view by) {
   if (const auto at = text.find(what); at != std::string::npos) text.replace(at, what.size(), by);
@@ -110,8 +106,8 @@ std::string LogIn() {
 }
 
 std::string LogOut() {
-  const int result = GL_LogOut(false);
-  return std::to_string(result) + Connected();
+  const std::string result = std::to_string(GL_LogOut(false));
+  return result + Connected();
 }
 
 std::string LogOutOfSession() {
@@ -186,15 +182,15 @@ std::string AskForQueries() {
 std::string TryCallback() {
   std::string error;
   long roundTrip = 0;
-  return TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, roundTrip, 5000) ? "yes"
-                                                                                           : "no";
+  const bool ok = TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, roundTrip, 5000);
+  return ok ? "yes" : "no";
 }
 
 std::string TryAddress() {
   long roundTrip = 0;
-  return TroubleshootConnection::ORBInitAndTestCallback(false, "127.0.0.1", roundTrip, false)
-             ? "yes"
-             : "no";
+  const bool ok =
+      TroubleshootConnection::ORBInitAndTestCallback(false, "127.0.0.1", roundTrip, false);
+  return ok ? "yes" : "no";
 }
 
 // A parameter has no result that could refuse: the server raises, as in any other failure.

@@ -23,7 +23,7 @@ struct RemoteCall {
   const char* failed = nullptr;
   const char* refused = nullptr;
 };
-using RemoteCalls = std::array<RemoteCall, 8>;
+using RemoteCalls = std::array<RemoteCall, 8>;  // those without an operation do not count
 
 struct RemoteFunction {
   const char* name;
@@ -35,17 +35,12 @@ struct RemoteFunction {
   RemoteCalls calls{};
 
   std::span<const RemoteCall> Calls() const {
-    const auto end = std::find_if(calls.begin(), calls.end(),
-                                  [](const RemoteCall& one) { return one.operation == nullptr; });
-    return {calls.begin(), end};
+    return {calls.begin(), std::ranges::find(calls, nullptr, &RemoteCall::operation)};
   }
   bool EndsTheSession() const { return std::string_view(name).find("Log") != std::string::npos; }
+  // How a failed expectation names it.
+  friend void PrintTo(const RemoteFunction& function, std::ostream* out) { *out << function.name; }
 };
-
-// How a failed expectation names it.
-inline void PrintTo(const RemoteFunction& function, std::ostream* out) {
-  *out << function.name;
-}
 
 std::span<const RemoteFunction> RemoteFunctions();
 
