@@ -3,7 +3,6 @@
 
 #include <climits>
 #include <stdexcept>
-#include <string>
 
 #include <gmock/gmock.h>
 

@@ -1,13 +1,9 @@
 #include <vq_client_common/datacenters/TArchive.h>
 
-#include <cstdint>
 #include <iomanip>
 #include <limits>
 #include <random>
 #include <sstream>
-#include <streambuf>
-#include <string>
-#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -138,31 +134,30 @@ struct ByteWiseBuffer : std::stringbuf {
   }
 };
 
-template <typename T>
-void ExpectAllComeBack(std::streambuf& buffer) {
+template <typename... T>
+void ExpectEachComesBack(std::streambuf&& whole, std::streambuf&& byteWise) {
   std::mt19937 random(7);
-  std::iostream stream(&buffer);
+  std::iostream stream(&whole);
   TArchive out(&stream, 0, 0, nullptr);
   TArchive in(&stream, 1, 0, nullptr);
-  for (int round = 0; round < 1000; ++round) {
-    T value{}, loaded{};
-    if constexpr (std::is_same_v<T, string>) {
+  const auto comesBack = [&]<typename Value>(Value value) {
+    Value loaded{};
+    if constexpr (std::is_same_v<Value, string>) {
       value.assign(random() % 600, static_cast<char>(random()));
       SerializeElement(out, value);
       SerializeElement(in, loaded);
     } else {
-      const int unused = std::is_floating_point_v<T> ? 29 : 0;
-      value = static_cast<T>(static_cast<std::int32_t>(random() >> unused));
+      const int unused = std::is_floating_point_v<Value> ? 29 : 0;
+      value = static_cast<Value>(static_cast<std::int32_t>(random() >> unused));
       out << value;
       in >> loaded;
     }
-    ASSERT_EQ(loaded, value);
+    EXPECT_EQ(loaded, value);
+  };
+  for (int round = 0; round < 2000; ++round) {
+    if (round == 1000) stream.rdbuf(&byteWise);
+    (comesBack(T()), ...);
   }
-}
-
-template <typename... T>
-void ExpectEachComesBack(std::streambuf&& whole, std::streambuf&& byteWise) {
-  ((ExpectAllComeBack<T>(whole), ExpectAllComeBack<T>(byteWise)), ...);
 }
 
 TEST(TArchiveTest, EveryTypeComesBack) {
@@ -179,13 +174,12 @@ TEST(TArchiveTest, LetsGoOfItsStream) {
   {
     TArchive archive(&stream, 0, 0, nullptr);
     EXPECT_TRUE(archive.IsStoring() && !archive.IsLoading());
-    archive << 1;
+    int value = 1;
+    archive << value;
     archive.Ignore();  // leaves a storing archive's stream alone
-    archive.Close();
-    archive.Close();
+    for (int time = 0; time < 2; ++time) archive.Close();
     EXPECT_EQ(buffer.flushed, 1);
-    int value = 0;
-    EXPECT_THROW(archive << 1, TArchiveException);
+    EXPECT_THROW(archive << value, TArchiveException);
     EXPECT_THROW(archive >> value, TArchiveException);
   }
   TArchive(&stream, 0, 0, nullptr).Abort();

@@ -2,8 +2,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <tests/fixture/LogCapture.h>
@@ -21,10 +19,16 @@ TDC Make(const std::string& name, const TVltVersion& version = {}, bool draft = 
   return dc;
 }
 
-const TVltVersion kMainframe620(VLT_TYPE_MAINFRAME, "620", "");
-const TVltVersion kMainframe630(VLT_TYPE_MAINFRAME, "630", "2");
-const TVltVersion kDistributed700(VLT_TYPE_DISTRIBUTED, "700", "10");
-const TVltVersion kDistributed700Fp20(VLT_TYPE_DISTRIBUTED, "700", "20");
+// Two of the mainframe, two distributed ones that differ in the fix pack, and one of no type.
+TDCList Mixed() {
+  TDCList list;
+  list.Add(Make("A", {VLT_TYPE_MAINFRAME, "620", ""}));
+  list.Add(Make("B", {VLT_TYPE_MAINFRAME, "630", "2"}));
+  list.Add(Make("C", {VLT_TYPE_DISTRIBUTED, "700", "10"}));
+  list.Add(Make("D", {VLT_TYPE_DISTRIBUTED, "700", "20"}));
+  list.Add(Make("N"));
+  return list;
+}
 
 std::string Names(const TDCList& list) {
   std::string names;
@@ -47,15 +51,13 @@ TEST(TDCListTest, AddRemoveUpdateAndFind) {
   for (const char* const name : {"b", "B", "AB", "A"}) list.Add(Make(name));
   EXPECT_EQ(Names(list), "A\nAB\nB\nb\n");
   EXPECT_EQ(list.GetFirstItem(), "A");
-
-  list.Add(Make("B", kMainframe620));
+  list.Add(Make("B", {VLT_TYPE_MAINFRAME, "620", ""}));
   EXPECT_EQ(list.GetNumItems(), 4U);
   TDC out = Make("untouched");
   EXPECT_FALSE(list.GetByName("C", out));
   EXPECT_EQ(out.GetName(), "untouched");
   EXPECT_TRUE(list.GetByName("B", out));
   EXPECT_EQ(out.GetVersion().Ver(), "620");
-
   list.Remove("unknown");
   list.Remove("AB");
   TDC added = Make("D");
@@ -68,33 +70,23 @@ TEST(TDCListTest, AddRemoveUpdateAndFind) {
 }
 
 TEST(TDCListTest, NamesAsArrays) {
-  TDCList list;
-  list.Add(Make("A", kDistributed700));
-  list.Add(Make("B", kMainframe620));
-  list.Add(Make("C", kDistributed700Fp20));
   ArrayWrap<std::string> names;
   names.Append("before");
-  EXPECT_EQ(list.GetAsStringList(names), 1);
-  EXPECT_THAT(names, ElementsAre("A", "B", "C"));
-  TVltVersion flagged = kDistributed700;
+  EXPECT_EQ(Mixed().GetAsStringList(names), 1);
+  EXPECT_THAT(names, ElementsAre("A", "B", "C", "D", "N"));
+  TVltVersion flagged(VLT_TYPE_DISTRIBUTED, "700", "10");
   flagged.SetControlResourceForSMARTTablesOf700FP2MPM(true);  // The right operand's does not count.
-  EXPECT_EQ(list.GetAsStringListByVersion(names, flagged), 1);
-  EXPECT_THAT(names, ElementsAre("A", "C"));
+  EXPECT_EQ(Mixed().GetAsStringListByVersion(names, flagged), 1);
+  EXPECT_THAT(names, ElementsAre("C", "D"));
 }
 
 TEST(TDCListTest, IsValidAndCanReplaceTell) {
-  TDCList list;
-  list.Add(Make("A", kMainframe620));
-  list.Add(Make("B", kMainframe630));
-  list.Add(Make("C", kDistributed700));
-  list.Add(Make("D", kDistributed700Fp20));
-  list.Add(Make("N"));
+  TDCList list = Mixed();
   std::string err = "before";
   EXPECT_EQ(list.IsValid("A", err), 1);
   EXPECT_EQ(err, "before");
   EXPECT_EQ(list.IsValid("BERLIN", err), 0);
   EXPECT_EQ(err, "Data-Center does not exist %s.BERLIN");
-
   const std::string modify = "You cannot modify VELTRA-M type from ";
   const std::string cases[][3] = {
       {"A", "A", "before"},
@@ -113,28 +105,23 @@ TEST(TDCListTest, IsValidAndCanReplaceTell) {
 }
 
 TEST(TDCListTest, TheWalkSkipsTheFirstRecord) {
-  TDCList list;
+  const TDCList list = Mixed();
   TDC out;
+  std::string seen;
   TDCList::Position position = list.GetFirstDCPosition();
+  while (position != list.GetEndDCPosition()) {
+    list.GetNextDC(position, out);
+    seen += out.GetName();
+  }
+  EXPECT_EQ(seen, "BCDNN");
   list.GetNextDC(position, out);  // The end stays the end.
   EXPECT_EQ(position, list.GetEndDCPosition());
-
-  for (const char* const name : {"A", "B", "C"}) list.Add(Make(name));
-  std::vector<std::string> seen;
-  for (position = list.GetFirstDCPosition(); position != list.GetEndDCPosition();) {
-    list.GetNextDC(position, out);
-    seen.push_back(out.GetName());
-  }
-  EXPECT_THAT(seen, ElementsAre("B", "C", "C"));
 }
 
 TEST(TDCListTest, DraftsGoSaveTheFirst) {
-  const std::string cases[][2] = {// a capital D is a draft
-                                  {"", ""},
-                                  {"D", "A\n"},
-                                  {"-DD", "A\n"},
-                                  {"DDDD", "A\n"},
-                                  {"D-D-", "A\nB\nD\n"}};
+  // A capital D is a draft.
+  const std::string cases[][2] = {
+      {"", ""}, {"D", "A\n"}, {"-DD", "A\n"}, {"DDDD", "A\n"}, {"D-D-", "A\nB\nD\n"}};
   for (const auto& [drafts, left] : cases) {
     TDCList list;
     for (char name = 'A'; const char mark : drafts) list.Add(Make({name++}, {}, mark == 'D'));
@@ -145,32 +132,29 @@ TEST(TDCListTest, DraftsGoSaveTheFirst) {
   }
 }
 
-// What the call raises, as the plain character string that it must be, and what is left.
-std::string Raised(void (TDCList::*call)(const std::string&), const std::string& file) {
-  TDCList list;
-  list.Add(Make("A"));
-  try {
-    (list.*call)(file);
-  } catch (const char* text) {
-    return text + (", left: " + Names(list));
-  }
-  return "nothing raised";
-}
-
 TEST(TDCListTest, SaveAndLoadAlwaysFail) {
+  // What the call raises, as the plain character string that it must be, and what is left.
+  const auto raised = [](void (TDCList::*call)(const std::string&), const std::string& file) {
+    TDCList list = Mixed();
+    try {
+      (list.*call)(file);
+    } catch (const char* text) {
+      return text + (" " + std::to_string(list.GetNumItems()));
+    }
+    return std::string();
+  };
   const vq::test::TemporaryDirectory directory;
   const std::string file = directory.Write("file", "content");
   const std::string absent = directory.Path() + "absent/file";
   vq::test::LogCapture log(6);
-  EXPECT_EQ(Raised(&TDCList::Load, file), "not implemented, left: ");
-  EXPECT_EQ(Raised(&TDCList::Load, absent), "failed, left: ");
+  EXPECT_EQ(raised(&TDCList::Load, file), "not implemented 0");
+  EXPECT_EQ(raised(&TDCList::Load, absent), "failed 0");
   EXPECT_EQ(directory.Read("file"), "content");
-  EXPECT_EQ(Raised(&TDCList::Save, absent), "Failed to save data centers file, left: A\n");
-  EXPECT_EQ(Raised(&TDCList::Save, file), "Failed to save data centers file, left: A\n");
+  EXPECT_EQ(raised(&TDCList::Save, absent), "Failed to save data centers file 5");
+  EXPECT_EQ(raised(&TDCList::Save, file), "Failed to save data centers file 5");
   EXPECT_EQ(std::filesystem::file_size(file), 0U);
-  EXPECT_EQ(log.TakeText(),
-            "6 TDCList::Load: Enter\n6 TDCList::Load: Enter\n"
-            "6 TDCList::Save: Enter\n6 TDCList::Save: Enter\n");
+  const std::string load = "6 TDCList::Load: Enter\n", save = "6 TDCList::Save: Enter\n";
+  EXPECT_EQ(log.TakeText(), load + load + save + save);
 }
 
 }  // namespace

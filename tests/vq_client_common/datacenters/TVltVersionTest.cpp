@@ -1,9 +1,6 @@
 #include <vq_client_common/datacenters/TVltVersion.h>
 
 #include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -24,42 +21,40 @@ TEST(TVltVersionTest, TypesAndTheirTexts) {
   const struct {
     int type;
     const char *shown, *platform, *supported;
-    std::vector<const char*> read;
-  } cases[] = {{0, "Unknown", "Unknown", "", {"", "unix", "MVS ", "Unknown"}},
-               {1, "z/OS", "MVS", "700 640 630 62A 620 610 600 500 ", {"MVS", "z/OS"}},
-               {2,
-                "Distributed",
-                "UNIX",
-                "700 640 630 620 613 610 600 225 224 ",
-                {"Distributed", "UNIX/Windows/TANDEM", "UNIX", "UNIX/NT/TANDEM"}},
-               {3, "AS/400", "AS/400", "610 600 225 224 ", {"AS/400"}},
-               {4, "VAX/VMS", "VAX/VMS", "", {"VAX/VMS"}},
-               {5, "Unknown", "Unknown", "", {}},
-               {-1, "Unknown", "Unknown", "", {}}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(Make(c.type, "").TypeAsString(), c.shown);
-    EXPECT_EQ(Make(c.type, "").TypeAsPLATFORMString(), c.platform);
-    for (const char* text : c.read) EXPECT_EQ(TVltVersion::TypeFromString(text), c.type) << text;
+  } cases[] = {{0, "Unknown", "Unknown", ""},
+               {1, "z/OS", "MVS", "700 640 630 62A 620 610 600 500 "},
+               {2, "Distributed", "UNIX", "700 640 630 620 613 610 600 225 224 "},
+               {3, "AS/400", "AS/400", "610 600 225 224 "},
+               {4, "VAX/VMS", "VAX/VMS", ""},
+               {5, "Unknown", "Unknown", ""},
+               {-1, "Unknown", "Unknown", ""}};
+  for (const auto& [type, shown, platform, supported] : cases) {
+    EXPECT_EQ(Make(type, "").TypeAsString(), shown);
+    EXPECT_EQ(Make(type, "").TypeAsPLATFORMString(), platform);
     ArrayWrap<std::string> list;
     list.Append("kept");
-    TVltVersion::GetSupportedVersions4Type(static_cast<TVltType>(c.type), list);
-    EXPECT_EQ(Joined(list), std::string("kept ") + c.supported) << c.type;
+    TVltVersion::GetSupportedVersions4Type(static_cast<TVltType>(type), list);
+    EXPECT_EQ(Joined(list), std::string("kept ") + supported) << type;
   }
   ArrayWrap<std::string> list;
   list.Append("kept");
   TVltVersion::GetSupportedVLTTypes(list);
   EXPECT_EQ(Joined(list), "kept MVS UNIX/Windows/TANDEM AS/400 ");
+  const std::pair<const char*, int> read[] = {
+      {"", 0},     {"unix", 0},           {"MVS ", 0},        {"Unknown", 0},
+      {"MVS", 1},  {"z/OS", 1},           {"Distributed", 2}, {"UNIX/Windows/TANDEM", 2},
+      {"UNIX", 2}, {"UNIX/NT/TANDEM", 2}, {"AS/400", 3},      {"VAX/VMS", 4}};
+  for (const auto& [text, type] : read) EXPECT_EQ(TVltVersion::TypeFromString(text), type) << text;
 }
 
 TEST(TVltVersionTest, PlatformsAndCodesOfTheServer) {
-  const int types[] = {0, 1, 4, 3, 2, 0};
-  for (int platform = 0;
-       const char* const text : {"MVS", "MVS", "VAX/VMS", "AS/400", "UNIX/Windows/TANDEM", "MVS"}) {
-    EXPECT_EQ(TVltVersion::PLATFORMtoString(static_cast<PLATFORM_TYPE>(platform)), text);
-    EXPECT_EQ(TVltVersion::PLATFORMtoType(static_cast<PLATFORM_TYPE>(platform)), types[platform]);
-    ++platform;
+  std::string platforms, codes;
+  for (int platform = 0; platform < 6; ++platform) {
+    const auto type = static_cast<PLATFORM_TYPE>(platform);
+    platforms += TVltVersion::PLATFORMtoString(type) + " " +
+                 std::to_string(TVltVersion::PLATFORMtoType(type)) + " ";
   }
-  std::string codes;
+  EXPECT_EQ(platforms, "MVS 0 MVS 1 VAX/VMS 4 AS/400 3 UNIX/Windows/TANDEM 2 MVS 0 ");
   for (int code = 0; code <= 26; ++code) {
     codes += TVltVersion::VLTVERtoString(static_cast<E_VLT_VER>(code), 7) + " ";
   }
@@ -87,14 +82,12 @@ TEST(TVltVersionTest, FixPackLevelsAreTrimmed) {
 }
 
 TEST(TVltVersionTest, FullVersionsSplitAtTheFirstPoint) {
-  const char* const cases[][3] = {
-      {"700.20", "700", "20"}, {"640", "640", "640"}, {".", "", ""}, {"700.20.1", "700", "20.1"}};
-  for (const auto& [full, expectedVersion, expectedLevel] : cases) {
-    std::string version = full;
-    std::string level;
+  const char* const cases[][2] = {
+      {"700.20", "700 20"}, {"640", "640 640"}, {".", " "}, {"700.20.1", "700 20.1"}};
+  for (const auto& [full, parts] : cases) {
+    std::string version = full, level;
     EXPECT_TRUE(TVltVersion::SplitFullVersionStr(version, version, level));  // In place, too.
-    EXPECT_EQ(version, expectedVersion) << full;
-    EXPECT_EQ(level, expectedLevel) << full;
+    EXPECT_EQ(version + " " + level, parts);
   }
 }
 

@@ -1,34 +1,36 @@
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
 
 #include <climits>
-#include <cstdint>
-#include <functional>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
-#include <support/diagnostics/TDiag.h>
+#include <tests/fixture/LogCapture.h>
 #include <vq_idl/AdministrationRecordsC.h>
 
 namespace {
 
 // Opens what the class keeps for its derived classes.
-class OpenForecastTimes : public ForecastTimesManipulationMP {
- public:
+struct OpenForecastTimes : ForecastTimesManipulationMP {
   using ForecastTimesManipulationMP::FindDcTimeInfo;
   using ForecastTimesManipulationMP::GetCommAdminStructByDc;
   using ForecastTimesManipulationMP::GetUtcOffset;
 };
 
-struct RecordTexts {
-  const char* name = "DC";
-  const char* timeZone = "(GMT)";
-  const char* newDay = "";
-  const char* odat = "";
-  const char* summerStart = "";
-  const char* summerEnd = "";
-};
+QCSCommAdminStruct Record(const char* timeZone, const char* newDay = "", const char* odat = "",
+                          const char* summerStart = "", const char* summerEnd = "",
+                          const char* name = "DC") {
+  QCSCommAdminStruct record;
+  record.m_Name = name;
+  record.m_TimeZone = timeZone;
+  record.m_NewDayTime = newDay;
+  record.m_Odat = odat;
+  record.m_StartSummerTime = summerStart;
+  record.m_EndSummerTime = summerEnd;
+  return record;
+}
+QCSCommAdminStruct Named(const char* name, const char* timeZone, const char* newDay = "") {
+  return Record(timeZone, newDay, "", "", "", name);
+}
 
 const os_time_and_date kNow(os_time(12, 0, 0), os_date(2024, 7, 1));
 constexpr std::int64_t kJuly1 = 1719792000;  // 2024-07-01 00:00 UTC
@@ -36,70 +38,46 @@ using Lines = std::vector<std::string>;
 
 class ForecastTimesTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    TDiag::Instance()->SetMinimumDebugLevel(5);
-    TDiag::Instance()->AddCallbackSink([this](const TDiagLine& line) {
-      m_lines.push_back(std::to_string(line.level) + " " + std::string(line.text));
-      if (line.level == 4) m_onRefusal(++m_refusals);
-    });
-  }
-  void TearDown() override {
-    TDiag::Instance()->RemoveAllSinks();
-    TDiag::Instance()->SetMinimumDebugLevel(1);
-    os_time_and_date::set_clock(nullptr);
-  }
-  void Append(const RecordTexts& texts) {
-    m_records.length(m_records.length() + 1);
-    QCSCommAdminStruct& record = m_records[m_records.length() - 1];
-    record.m_Name = texts.name;
-    record.m_TimeZone = texts.timeZone;
-    record.m_NewDayTime = texts.newDay;
-    record.m_Odat = texts.odat;
-    record.m_StartSummerTime = texts.summerStart;
-    record.m_EndSummerTime = texts.summerEnd;
-  }
-  void InitWith(const RecordTexts& texts, bool useOdat = false,
-                const os_time_and_date& now = kNow) {
+  ~ForecastTimesTest() override { os_time_and_date::set_clock(nullptr); }
+  void Init(const std::vector<QCSCommAdminStruct>& records, bool useOdat = false) {
     m_records.length(0);
-    Append(texts);
-    m_times.Init(now, false, &m_records, useOdat);
+    for (const QCSCommAdminStruct& record : records) {
+      m_records.length(m_records.length() + 1);
+      m_records[m_records.length() - 1] = record;
+    }
+    m_times.Init(kNow, false, &m_records, useOdat);
   }
 
   QCSCommAdminSeq m_records;
   OpenForecastTimes m_times;
-  Lines m_lines;
-  int m_refusals = 0;
-  std::function<void(int)> m_onRefusal;
+  vq::test::LogCapture m_log{5};
 };
 
 TEST_F(ForecastTimesTest, ReadsTheOffsetInTheBrackets) {
-  const struct {
-    const char* text;
-    int seconds;
-    const char* missing = nullptr;
-  } cases[] = {{"(GMT+02:00) Jerusalem", -7200},
-               {"(GMT-05:00)", 18000},
-               {"(GMT+05.30)", -19800},
-               {"a (GMT+1:30) (+9:00)", -5400},
-               {"(GMT-00:30)", 1800},
-               {"(GMT-1:30)", -1800},
-               {"(a-b+05:30)", 19800},
-               {"(05:30+-)", -19800},
-               {"(ab:x)", 0},
-               {"(ab:99999999999)", 60},
-               {"(GMT)", 0},
-               {"(GMT+02:)", 0},
-               {"x(GMT) 05:30", 0},
-               {"(:)", 0},
-               {"GMT+2", 0, "left"},
-               {"GMT+02:00)", 0, "left"},
-               {"()", 0, "right"},
-               {")(GMT+02:00", 0, "right"}};
-  for (const auto& c : cases) {
-    m_lines.clear();
-    EXPECT_EQ(m_times.GetUtcOffset(c.text), c.seconds) << c.text;
-    const std::string line = "1 Unsupported GMT string '" + std::string(c.text) + "', missing ";
-    EXPECT_EQ(m_lines, c.missing == nullptr ? Lines() : Lines{line + c.missing + " bracket"});
+  const std::pair<const char*, int> offsets[] = {{"(GMT+02:00) Jerusalem", -7200},
+                                                 {"(GMT-05:00)", 18000},
+                                                 {"(GMT+05.30)", -19800},
+                                                 {"a (GMT+1:30) (+9:00)", -5400},
+                                                 {"(GMT-00:30)", 1800},
+                                                 {"(GMT-1:30)", -1800},
+                                                 {"(a-b+05:30)", 19800},
+                                                 {"(05:30+-)", -19800},
+                                                 {"(ab:x)", 0},
+                                                 {"(ab:99999999999)", 60},
+                                                 {"(GMT)", 0},
+                                                 {"(GMT+02:)", 0},
+                                                 {"x(GMT) 05:30", 0},
+                                                 {"(:)", 0}};
+  for (const auto& [text, seconds] : offsets) {
+    EXPECT_EQ(m_times.GetUtcOffset(text), seconds) << text;
+    EXPECT_EQ(m_log.Take(), Lines()) << text;
+  }
+  const std::pair<std::string, std::string> missing[] = {
+      {"GMT+2", "left"}, {"GMT+02:00)", "left"}, {"()", "right"}, {")(GMT+02:00", "right"}};
+  for (const auto& [text, side] : missing) {
+    EXPECT_EQ(m_times.GetUtcOffset(text), 0) << text;
+    EXPECT_EQ(m_log.Take(),
+              Lines{"1 Unsupported GMT string '" + text + "', missing " + side + " bracket"});
   }
   for (const char* text : {"(1:00)", "(:00)", "x(.5)"}) {
     EXPECT_THROW(m_times.GetUtcOffset(text), std::out_of_range) << text;
@@ -107,15 +85,13 @@ TEST_F(ForecastTimesTest, ReadsTheOffsetInTheBrackets) {
 }
 
 TEST_F(ForecastTimesTest, ReadsTheNewDay) {
-  const struct {
-    const char* text;
-    std::int32_t seconds;
-  } usable[] = {{"", 0},          {"0000", 0},       {"07:30", 27000},  {"+7:30", 27000},
-                {"-1:30", -1800}, {"07030", 253800}, {"99:99", 362340}, {"abcde", 0}};
-  for (const auto& c : usable) {
-    EXPECT_TRUE(OpenForecastTimes::IsUsableNewDay(c.text)) << c.text;
-    InitWith({.newDay = c.text});
-    EXPECT_EQ(m_times.FindDcTimeInfo("DC")->newDayOffset, c.seconds) << c.text;
+  const std::pair<const char*, std::int32_t> usable[] = {
+      {"", 0},          {"0000", 0},       {"07:30", 27000},  {"+7:30", 27000},
+      {"-1:30", -1800}, {"07030", 253800}, {"99:99", 362340}, {"abcde", 0}};
+  for (const auto& [text, seconds] : usable) {
+    EXPECT_TRUE(OpenForecastTimes::IsUsableNewDay(text)) << text;
+    Init({Record("(GMT)", text)});
+    EXPECT_EQ(m_times.FindDcTimeInfo("DC")->newDayOffset, seconds) << text;
   }
   for (const char* text : {"0700", "0", "0000 0", "7:00"}) {
     EXPECT_FALSE(OpenForecastTimes::IsUsableNewDay(text)) << text;
@@ -123,17 +99,16 @@ TEST_F(ForecastTimesTest, ReadsTheNewDay) {
 }
 
 TEST_F(ForecastTimesTest, AnUnusableNewDayIsTakenUpAgainForAsLongAsItStands) {
-  Append({.name = "DC1"});
-  Append({.name = "DC2", .newDay = "0700"});
-  Append({.name = "DC3", .newDay = "x"});
-  m_onRefusal = [this](int refusals) {
-    if (refusals == 1000) m_records[1].m_NewDayTime = "07:00";
-    if (refusals == 1003) m_records.length(2);
-  };
-  m_times.Init(kNow, false, &m_records, false);
+  const auto sink = TDiag::Instance()->AddCallbackSink([this](const TDiagLine& line) {
+    const std::ptrdiff_t refusals = m_log.Count(4, "");
+    if (line.level == 4 && refusals == 1000) m_records[1].m_NewDayTime = "07:00";
+    if (line.level == 4 && refusals == 1003) m_records.length(2);
+  });
+  Init({Named("DC1", "(GMT)"), Named("DC2", "(GMT)", "0700"), Named("DC3", "(GMT)", "x")});
+  TDiag::Instance()->RemoveSink(sink);
   Lines lines(1000, "4 Invalid new day time format (0700) for datacenter DC2, skip it");
   lines.resize(1003, "4 Invalid new day time format (x) for datacenter DC3, skip it");
-  EXPECT_EQ(m_lines, lines);
+  EXPECT_EQ(m_log.Take(), lines);
   EXPECT_EQ(m_times.FindDcTimeInfo("DC2")->newDayOffset, 25200);
   EXPECT_EQ(m_times.FindDcTimeInfo("DC3"), nullptr);
 }
@@ -153,13 +128,13 @@ TEST_F(ForecastTimesTest, TakesTheWorkingDateFromTheRecordOrTheClock) {
                {"202402290", true, {2031, 5, 6}, 1, 1935802800},
                {"20240229", false, {2024, 7, 1}, 0, kJuly1 + 43200}};
   for (const auto& c : cases) {
-    m_lines.clear();
-    InitWith({.odat = c.odat}, c.useOdat);
+    Init({Record("(GMT)", "", c.odat)}, c.useOdat);
     EXPECT_EQ(m_times.FindDcTimeInfo("DC")->date, c.date) << c.odat;
-    EXPECT_EQ(m_lines, Lines(c.lines, "5 VLT: DC ODAT is empty - using Current Time"));
+    EXPECT_EQ(m_log.Take(), Lines(c.lines, "5 VLT: DC ODAT is empty - using Current Time"));
     EXPECT_EQ(m_times.GetOdatMidnightForDc("none"), c.reference) << c.odat;
+    m_log.Clear();
   }
-  EXPECT_THROW(InitWith({.odat = "20230229"}, true), os_toolkit_error);
+  EXPECT_THROW(Init({Record("(GMT)", "", "20230229")}, true), os_toolkit_error);
 }
 
 TEST_F(ForecastTimesTest, SummerMarksMakeARuleOrNoneOrRaise) {
@@ -172,74 +147,69 @@ TEST_F(ForecastTimesTest, SummerMarksMakeARuleOrNoneOrRaise) {
                {"2024 3", "2025102799", {3, 0}, {10, 27}, 2024, 2025},
                {"abcdefgh", "-123-4-5", {0, 0}, {-4, -5}, 0, -123}};
   for (const auto& c : cases) {
-    InitWith({.summerStart = c.start, .summerEnd = c.end});
+    Init({Record("(GMT)", "", "", c.start, c.end)});
     const os_time_zone& zone = m_times.GetOsTimeZone("DC");
     EXPECT_EQ(zone.name() + zone.abbreviation(), "UTCUTC");
     ASSERT_EQ(zone.rules().size(), 1U) << c.start;
     const os_simple_time_zone_rule& rule = zone.rules().front();
-    EXPECT_EQ(rule.start(), c.from);
-    EXPECT_EQ(rule.end(), c.to);
+    EXPECT_TRUE(rule.start() == c.from && rule.end() == c.to) << c.start << ' ' << c.end;
     EXPECT_EQ(rule.first_year(), c.firstYear);
     EXPECT_EQ(rule.last_year(), c.lastYear);
     EXPECT_EQ(rule.adjustment(), os_time_period(3600));
   }
-  InitWith({.summerStart = "2024033", .summerEnd = "2024102"});
+  Init({Record("(GMT)", "", "", "2024033", "2024102")});
   EXPECT_TRUE(m_times.GetOsTimeZone("DC").rules().empty());
   // The first twice: nothing half-made is kept under the key of the marks that raised.
-  const RecordTexts raising[] = {{.summerStart = "20240331"},
-                                 {.summerStart = "20240331"},
-                                 {.summerStart = "20241", .summerEnd = "20241027"},
-                                 {.timeZone = "(1:00)"}};
-  for (const RecordTexts& texts : raising) EXPECT_THROW(InitWith(texts), std::out_of_range);
+  const char* const raising[][3] = {{"(GMT)", "20240331", ""},
+                                    {"(GMT)", "20240331", ""},
+                                    {"(GMT)", "20241", "20241027"},
+                                    {"(1:00)", "", ""}};
+  for (const auto& [zone, start, end] : raising) {
+    EXPECT_THROW(Init({Record(zone, "", "", start, end)}), std::out_of_range) << zone << start;
+  }
 }
 
 TEST_F(ForecastTimesTest, MidnightAndOffsetFollowTheSummerMarks) {
   const struct {
-    RecordTexts texts;
+    const char *zone, *newDay, *odat, *start, *end;
     std::int64_t midnight;
     std::int32_t utcOffset;
-  } cases[] = {
-      {{"DC", "(GMT+02:00)", "", "20240701"}, kJuly1 - 7200, -7200},
-      {{"DC", "(GMT+02:00)", "", "20240701", "20240331", "20241027"}, kJuly1 - 10800, -10800},
-      {{"DC", "(GMT-05:00)", "", "20240701", "20231001", "20240401"}, kJuly1 + 18000, 18000},
-      // The offset is that at the new-day time, which may lie beyond the day.
-      {{"DC", "(GMT)", "24:00", "20240630", "20240701", "20241027"}, kJuly1 - 86400, -3600},
-      {{"DC", "(GMT)", "-1:00", "20240701", "20240701", "20241027"}, kJuly1 - 3600, 0},
-      {{"DC", "(GMT)", "-1:00", "20240701", "20240331", "20240701"}, kJuly1, -3600},
-      // Beyond 32 bits the midnight wraps.
-      {{"DC", "(GMT)", "", "20400101"}, 2208988800 - 4294967296, 0}};
+  } cases[] = {{"(GMT+02:00)", "", "20240701", "", "", kJuly1 - 7200, -7200},
+               {"(GMT+02:00)", "", "20240701", "20240331", "20241027", kJuly1 - 10800, -10800},
+               {"(GMT-05:00)", "", "20240701", "20231001", "20240401", kJuly1 + 18000, 18000},
+               // The offset is that at the new-day time, which may lie beyond the day.
+               {"(GMT)", "24:00", "20240630", "20240701", "20241027", kJuly1 - 86400, -3600},
+               {"(GMT)", "-1:00", "20240701", "20240701", "20241027", kJuly1 - 3600, 0},
+               {"(GMT)", "-1:00", "20240701", "20240331", "20240701", kJuly1, -3600},
+               // Beyond 32 bits the midnight wraps.
+               {"(GMT)", "", "20400101", "", "", 2208988800 - 4294967296, 0}};
   for (const auto& c : cases) {
-    InitWith(c.texts, true);
+    Init({Record(c.zone, c.newDay, c.odat, c.start, c.end)}, true);
     EXPECT_EQ(m_times.GetOdatMidnightForDc("DC"), c.midnight) << "case " << &c - cases;
     EXPECT_EQ(m_times.FindDcTimeInfo("DC")->utcOffset, c.utcOffset) << "case " << &c - cases;
   }
 }
 
 TEST_F(ForecastTimesTest, ZonesAreSharedAndOutliveTheTable) {
-  Append({.name = "DC1", .timeZone = "(GMT+02:00)"});
-  Append({.name = "DC2", .timeZone = "(GMT+02:00)"});
-  Append({.name = "DC3", .timeZone = "(GMT+03:00)"});
-  Append({.name = "DC1", .timeZone = "(GMT+03:00)"});
-  m_times.Init(kNow, true, &m_records, false);
-  EXPECT_TRUE(m_times.IsConvertTimeLocally());
+  Init({Named("DC1", "(GMT+02:00)"), Named("DC2", "(GMT+02:00)"), Named("DC3", "(GMT+03:00)"),
+        Named("DC1", "(GMT+03:00)")});
   const os_time_zone& zone = m_times.GetOsTimeZone("DC2");
   EXPECT_EQ(&m_times.GetOsTimeZone("DC1"), &m_times.GetOsTimeZone("DC3")) << "the last record";
-
-  m_records.length(2);
   OpenForecastTimes copy = m_times;
-  m_times.Init(kNow, false, &m_records, false);
-  EXPECT_FALSE(m_times.IsConvertTimeLocally());
+  m_records.length(2);
+  m_times.Init(kNow, true, &m_records, false);
+  EXPECT_TRUE(m_times.IsConvertTimeLocally() && !copy.IsConvertTimeLocally());
   EXPECT_EQ(&m_times.GetOsTimeZone("DC1"), &zone);
   EXPECT_EQ(m_times.FindDcTimeInfo("DC3"), nullptr);
   m_times = OpenForecastTimes();
   EXPECT_EQ(copy.GetOsTimeZone("DC3").offset(), os_time_period(-10800));
-  copy.SetConvertTimeLocally(false);
-  EXPECT_FALSE(copy.IsConvertTimeLocally());
+  copy.SetConvertTimeLocally(true);
+  EXPECT_TRUE(copy.IsConvertTimeLocally());
 }
 
 TEST_F(ForecastTimesTest, ARecordIsFoundByTheBufferOfItsNameAndNotByACopy) {
   const std::string name = "DC";
-  Append({});
+  Init({Record("(GMT)")});
   EXPECT_EQ(OpenForecastTimes::GetCommAdminStructByDc(m_records, name), nullptr);
   m_records[0].m_Name = const_cast<char*>(name.c_str());  // lent, and taken back below
   EXPECT_EQ(OpenForecastTimes::GetCommAdminStructByDc(m_records, name), &m_records[0]);
@@ -247,41 +217,31 @@ TEST_F(ForecastTimesTest, ARecordIsFoundByTheBufferOfItsNameAndNotByACopy) {
 }
 
 TEST_F(ForecastTimesTest, ConvertsWhatADataCentersClockShows) {
-  InitWith({.timeZone = "(GMT+02:00)"});
+  Init({Record("(GMT+02:00)")});
   const std::int64_t midnight = kJuly1 - 7200;
-  const struct {
-    const char* name;
-    long long t;
-    const char* text;
-  } cases[] = {{"DC", midnight, "00:00:00"},
-               {"DC", midnight + 86400 + 25509, "(+1)07:05:09"},
-               {"DC", midnight - 1, "(-1)23:59:59"},
-               {"DC", midnight - 259200, "(-3)00:00:00"},
-               {"DC", midnight - 259201, ""},
-               {"DC", NO_TIME, ""},
-               {"DC", midnight + (1LL << 32), "00:00:00"},
-               // An unknown one is logged and taken as UTC, up to the start of day 0.
-               {"none", 3660, "01:01"},
-               {"none", 259200, "00:00"},
-               {"none", 259201, ""},
-               {"none", NO_TIME, ""},
-               {"none", -60, "00:-1"},
-               {"none", -43200, "-12:00"},
-               {"none", -(1LL << 32), "00:00"},
-               {"none", INT_MIN, "-3:-14"}};
-  for (const auto& c : cases) {
-    m_lines.clear();
-    EXPECT_EQ(m_times.ConvertTimeToString(c.t, c.name), c.text) << c.name << c.t;
-    EXPECT_EQ(m_lines, *c.name == 'D' ? Lines()
-                                      : Lines{"1 Failed to get DC Time Info for 'none',Time will "
-                                              "be converted to NO_TIME"});
+  const std::pair<long long, const char*> known[] = {{midnight, "00:00:00"},
+                                                     {midnight + 86400 + 25509, "(+1)07:05:09"},
+                                                     {NO_TIME, ""},
+                                                     {midnight - 1, "(-1)23:59:59"},
+                                                     {midnight - 259201, ""},
+                                                     {midnight - 259200, "(-3)00:00:00"},
+                                                     {midnight + (1LL << 32), "00:00:00"}};
+  for (const auto& [t, text] : known) EXPECT_EQ(m_times.ConvertTimeToString(t, "DC"), text) << t;
+  EXPECT_EQ(m_log.Take(), Lines());
+  // An unknown one is logged and taken as UTC, up to the start of day 0.
+  const std::pair<long long, const char*> unknown[] = {
+      {3660, "01:01"},         {259200, "00:00"},  {259201, ""},
+      {NO_TIME, ""},           {-60, "00:-1"},     {-43200, "-12:00"},
+      {-(1LL << 32), "00:00"}, {INT_MIN, "-3:-14"}};
+  const std::string line = "1 Failed to get DC Time Info for 'none',";
+  for (const auto& [t, text] : unknown) {
+    EXPECT_EQ(m_times.ConvertTimeToString(t, "none"), text) << t;
+    EXPECT_EQ(m_log.Take(), Lines{line + "Time will be converted to NO_TIME"});
   }
-  m_lines.clear();
   EXPECT_EQ(&m_times.GetOsTimeZone("none"), &os_time_zone::greenwich());
   EXPECT_EQ(OpenForecastTimes().GetOdatMidnightForDc("none"), 0);
-  EXPECT_EQ(m_lines, (Lines{"1 Failed to get DC Time Info for 'none',Time Zone will be considered "
-                            "as greenwich",
-                            "1 Failed to get DC Time Info for 'none',Gmt midnight will be used"}));
+  EXPECT_EQ(m_log.Take(), (Lines{line + "Time Zone will be considered as greenwich",
+                                 line + "Gmt midnight will be used"}));
 }
 
 }  // namespace

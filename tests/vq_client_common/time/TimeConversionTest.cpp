@@ -1,8 +1,6 @@
 #include <climits>
-#include <cstdint>
 #include <cstdio>
 #include <random>
-#include <string>
 
 #include <gtest/gtest.h>
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
@@ -32,9 +30,8 @@ TEST(TimeConversionTest, DayAndTimeAndBackForAnyTime) {
         i < 100000 ? i * 7 : std::uniform_int_distribution(0, NO_TIME - 1)(random);
     Parts p;
     ASSERT_TRUE(Times::ConvertTimeToDayHourMin(t, p.day, p.hour, p.minute, p.second));
-    ASSERT_TRUE(p.hour >= 0 && p.hour < 24 && p.minute >= 0 && p.minute < 60 && p.second >= 0 &&
-                p.second < 60)
-        << t;
+    ASSERT_TRUE(p.hour >= 0 && p.hour < 24 && p.minute >= 0 && p.minute < 60) << t;
+    ASSERT_TRUE(p.second >= 0 && p.second < 60) << t;
     ASSERT_EQ(Times::ConvertToTime(p.day, p.hour, p.minute, p.second), t);
     ASSERT_EQ(Times::ConvertTimeToStrWithDays(t, true), Printed(p, true));
     ASSERT_EQ(Times::ConvertTimeToStrWithDays(t, false), Printed(p, false));
@@ -47,19 +44,18 @@ TEST(TimeConversionTest, TheEndsOfTheRange) {
     Parts parts;  // as they were for a time that is refused
     const char* text;
   } cases[] = {{0, {-3, 0, 0, 0}, "(-3)00:00:00"},
-               {Times::NORMAL_OFFSET_IN_SEC, {0, 0, 0, 0}, "00:00:00"},
+               {259200, {0, 0, 0, 0}, "00:00:00"},
                {345600, {1, 0, 0, 0}, "(+1)00:00:00"},
-               {NO_TIME - 1, {24852, 3, 13, 57}, "(+24852)03:13:57"},
                {NO_TIME, {}, ""},
+               {NO_TIME - 1, {24852, 3, 13, 57}, "(+24852)03:13:57"},
                {INT_MAX, {}, ""},
                {-1, {}, ""},
                {INT_MIN, {}, ""}};
-  for (const auto& c : cases) {
+  for (const auto& [t, parts, text] : cases) {
     Parts p;
-    EXPECT_EQ(Times::ConvertTimeToDayHourMin(c.t, p.day, p.hour, p.minute, p.second),
-              *c.text != '\0');
-    EXPECT_EQ(p, c.parts) << c.t;
-    EXPECT_EQ(Times::ConvertTimeToStrWithDays(c.t, true), c.text);
+    EXPECT_EQ(Times::ConvertTimeToDayHourMin(t, p.day, p.hour, p.minute, p.second), *text != '\0');
+    EXPECT_EQ(p, parts) << t;
+    EXPECT_EQ(Times::ConvertTimeToStrWithDays(t, true), text);
   }
 }
 
