@@ -16,7 +16,6 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -55,8 +54,6 @@ class FetchWatch {
     ::close(m_inotify);
     ::close(m_listener);
   }
-  FetchWatch(const FetchWatch&) = delete;
-  FetchWatch& operator=(const FetchWatch&) = delete;
 
   std::string FileUrl() const { return "file://" + m_path; }
   std::string HttpUrl() const { return "http://127.0.0.1:" + std::to_string(m_port) + "/x.dtd"; }
@@ -83,55 +80,45 @@ inline std::string Repeated(const std::string& text, int times) {
   return result;
 }
 
-// Well-formed documents with the root element `root`: each has `before`, the content that does the
-// harm, and `after`.
-inline std::vector<std::string> HostileXml(const std::string& root, const std::string& before,
-                                           const std::string& after, const FetchWatch& watch) {
-  std::string levels = "<!ENTITY e0 'xxxxxxxxxxxxxxxx'>";
-  for (int i = 1; i < 12; ++i) {
-    levels += "<!ENTITY e" + std::to_string(i) + " '" +
-              Repeated("&e" + std::to_string(i - 1) + ";", 10) + "'>";
-  }
-  std::string parameters = "<!ENTITY % e0 ' '>";
-  for (int i = 1; i < 12; ++i) {
-    parameters += "<!ENTITY % e" + std::to_string(i) + " '" +
-                  Repeated("&#37;e" + std::to_string(i - 1) + ";", 10) + "'>";
-  }
-  const std::string wide = "<!ENTITY e '" + Repeated("x", 200'000) + "'>";
-  const std::string everywhere = "<!ATTLIST d a CDATA '" + Repeated("x", 100'000) + "'>";
+// Well-formed documents with the root element `root` and, between `before` and `after`, the content
+// that does the harm: each is refused, soon, without fetching anything.
+template <class Refuses>
+void ExpectHarmless(const TemporaryDirectory& directory, const std::string& root,
+                    const std::string& before, const std::string& after, Refuses refuses) {
+  FetchWatch watch(directory);
+  // Each entity is ten of the one before.
+  const auto levels = [](const std::string& kind, const std::string& text,
+                         const std::string& call) {
+    std::string entities = "[<!ENTITY " + kind + "e0 '" + text + "'>";
+    for (int i = 1; i < 12; ++i) {
+      entities += "<!ENTITY " + kind + "e" + std::to_string(i) + " '" +
+                  Repeated(call + std::to_string(i - 1) + ";", 10) + "'>";
+    }
+    return entities;
+  };
+  const std::string wide = "[<!ENTITY e '" + Repeated("x", 200'000) + "'>]";
+  const std::string everywhere = "[<!ATTLIST d a CDATA '" + Repeated("x", 100'000) + "'>]";
   const std::string file = "SYSTEM '" + watch.FileUrl() + "'";
   const std::string page = "SYSTEM '" + watch.HttpUrl() + "'";
   const std::pair<std::string, std::string> cases[] = {
-      {"[" + levels + "]", "&e11;"},
-      {"[" + levels + "]", "<a b='&e11;'/>"},
-      {"[" + wide + "]", Repeated("&e;", 100'000)},
-      {"[" + parameters + "%e11;]", "&x;"},
-      {"[" + everywhere + "]", Repeated("<d/>", 20'000)},
+      {levels("", "xxxxxxxxxxxxxxxx", "&e") + "]", "&e11;"},
+      {levels("", "xxxxxxxxxxxxxxxx", "&e") + "]", "<a b='&e11;'/>"},
+      {wide, Repeated("&e;", 100'000)},
+      {levels("% ", " ", "&#37;e") + "%e11;]", "&x;"},
+      {everywhere, Repeated("<d/>", 20'000)},
       {"[<!ENTITY x '&x;'>]", "&x;"},
       {"[<!ENTITY x " + file + ">]", "&x;"},
       {"[<!ENTITY x " + page + ">]", "&x;"},
       {"[<!ENTITY % p " + file + "> %p;]", "&x;"},
       {file, "&x;"},
       {page, "&x;"},
-  };
-  std::vector<std::string> documents;
+      {"", Repeated("<d>", 100'000) + Repeated("</d>", 100'000)}};
   for (const auto& [type, content] : cases) {
-    documents.push_back("<!DOCTYPE " + root + " " + type + ">" + before + content + after);
-  }
-  documents.push_back(before + Repeated("<d>", 100'000) + Repeated("</d>", 100'000) + after);
-  return documents;
-}
-
-// Every such document is refused, soon, without fetching anything.
-template <class Refuses>
-void ExpectHarmless(const TemporaryDirectory& directory, const std::string& root,
-                    const std::string& before, const std::string& after, Refuses refuses) {
-  FetchWatch watch(directory);
-  for (const std::string& text : HostileXml(root, before, after, watch)) {
+    const std::string doctype = type.empty() ? "" : "<!DOCTYPE " + root + " " + type + ">";
     const std::clock_t start = std::clock();
-    EXPECT_TRUE(refuses(text)) << text.substr(0, 120);
+    EXPECT_TRUE(refuses(doctype + before + content + after)) << type.substr(0, 120);
     EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
-    EXPECT_FALSE(watch.Fetched()) << text.substr(0, 120);
+    EXPECT_FALSE(watch.Fetched()) << type.substr(0, 120);
   }
 }
 

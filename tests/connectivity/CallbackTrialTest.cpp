@@ -3,10 +3,6 @@
 
 #include <tests/fixture/SessionFixture.h>
 
-#include <algorithm>
-#include <chrono>
-#include <list>
-
 #include <support/configuration/ConfigAPIFactoryXML.h>
 #include <support/foundations/Locations.h>
 #include <support/orb/ORBCommon.h>
@@ -19,52 +15,47 @@
 namespace vq::test {
 namespace {
 
+using Troubleshoot = TroubleshootConnection;
+using nlohmann::json;
+
 // An address of a network that documents reserve for examples: nobody answers.
 constexpr const char* kNowhere = "192.0.2.1";
 
 class CallbackTrialTest : public SessionFixture {
  protected:
-  CallbackTrialTest() { TroubleshootConnection::SetTimeout4TestCallback(1000); }
-
+  CallbackTrialTest() { Troubleshoot::SetTimeout4TestCallback(1000); }
   void SetUp() override {
     SessionFixture::SetUp();
     m_directory.Write("root/config/vq.xml", "<domain/>");
   }
-
   bool Try(bool biDir, const std::string& address, bool isMask = false) {
     m_roundTrip = -1;
-    return TroubleshootConnection::ORBInitAndTestCallback(biDir, address, m_roundTrip, isMask);
+    return Troubleshoot::ORBInitAndTestCallback(biDir, address, m_roundTrip, isMask);
   }
-
-  std::list<std::string> Scopes() const {
-    const auto domain = ConfigAPIFactoryXML::Create(GetConfigDomainsDir(), GetConfigDomainName());
-    EXPECT_TRUE(domain->Load());
-    return domain->GetScopes();
+  bool TrySession(int timeOut) {
+    m_roundTrip = -1;
+    return Troubleshoot::TestCallback(ORBCommon<1>::Get(), m_error, m_roundTrip, timeOut);
   }
-
   void ExpectNoTraceSince(const ProcessTraces& before) const {
     EXPECT_TRUE(
         WaitUntil([&] { return ProcessTraces::Now().AreWithin(before); }, std::chrono::seconds(10)))
-        << before << "\nnow " << ProcessTraces::Now();
-    EXPECT_EQ(Scopes(), std::list<std::string>{});
+        << before.Text() << "\nnow " << ProcessTraces::Now().Text();
+    const auto domain = ConfigAPIFactoryXML::Create(GetConfigDomainsDir(), GetConfigDomainName());
+    EXPECT_TRUE(domain->Load());
+    EXPECT_TRUE(domain->GetScopes().empty());
   }
 
   long m_roundTrip = -1;
-};
-
-struct TrialCase {
-  bool biDir;
-  const char* address;
-  bool isMask, reached;
+  std::string m_error;
 };
 
 TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
-  const TrialCase cases[] = {
+  // Whether over the client's connection, the address, whether it is a mask, and the outcome.
+  const std::tuple<bool, std::string, bool, bool> trials[] = {
       {false, "", false, true},         {false, "127.0.0.1", false, true},
       {false, "127.", true, true},      {false, kNowhere, false, false},
       {true, kNowhere, false, true},    {true, "", false, true},
-      {false, "no.such.", true, false}, {false, "127.0.0.1", false, true},
-  };
+      {false, "no.such.", true, false}, {false, "127.0.0.1", false, true}};
   // A pure client, which does not listen, and one that does; each with and without bidirectional.
   for (const CLIENT_ID client : {CLIENT_VCM, CLIENT_GUI}) {
     for (const char* sessionBiDir : {"0", "1"}) {
@@ -72,18 +63,19 @@ TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
       Server& server = StartServer();
       ASSERT_EQ(Login("alice", "secret", "central", client), 1) << m_log.Text();
       const ProcessTraces before = ProcessTraces::Now();
-      for (const TrialCase& test : cases) {
+      for (const auto& [biDir, address, isMask, reached] : trials) {
         SCOPED_TRACE(std::string(client == CLIENT_VCM ? "pure " : "listening ") + sessionBiDir +
-                     (test.biDir ? " bidirectional '" : " '") + test.address + "'");
+                     (biDir ? " bidirectional '" : " '") + address + "'");
         m_log.Clear();
-        EXPECT_EQ(Try(test.biDir, test.address, test.isMask), test.reached) << m_log.Text();
-        EXPECT_EQ(m_roundTrip >= 0, test.reached);
+        EXPECT_EQ(Try(biDir, address, isMask), reached) << m_log.Text();
+        EXPECT_EQ(m_roundTrip >= 0, reached);
         EXPECT_EQ(GL_ClientKeepAlive(), 1);
       }
       ExpectNoTraceSince(before);
       const std::vector<std::string> calls = server.Operations();
-      EXPECT_EQ(std::count(calls.begin(), calls.end(), "CRB_RegisterCallback"), 7);
-      EXPECT_EQ(std::count(calls.begin(), calls.end(), "CRB_UnregisterCallbackById"), 7);
+      for (const char* operation : {"CRB_RegisterCallback", "CRB_UnregisterCallbackById"}) {
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), operation), 7) << operation;
+      }
       GL_LogOut(true);
       server.Kill();
     }
@@ -108,7 +100,6 @@ TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWo
   ASSERT_EQ(Login(), 1);
   EXPECT_FALSE(Try(false, kNowhere));
   EXPECT_TRUE(Try(false, "127.0.0.1"));
-
   // Settings that nobody can save go unnoticed: the trial goes by those in force.
   m_environment.Set("VQ_CONFIG_DOMAINS", "/proc/no-such-directory");
   EXPECT_TRUE(Try(false, kNowhere));
@@ -118,46 +109,38 @@ TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWo
 TEST_F(CallbackTrialTest, ACallbackThatCannotWorkIsReportedWithinItsTime) {
   Server& server = StartSession();
   const ProcessTraces before = ProcessTraces::Now();
-  const struct {
-    nlohmann::json site, faults;
-    const char* logged;
-  } kRows[] = {
-      {{{"callback", {{"delayMs", 60000}}}},
-       nlohmann::json::array(),
+  // What the site is changed to, what goes wrong, and the line of it.
+  const char* const rows[][3] = {
+      {R"({"callback": {"delayMs": 60000}})", "[]",
        "GSR failed to call me back - The callback was not answered in time."},
-      {{{"callback", {{"refuse", true}, {"delayMs", 0}, {"message", "Not today."}}}},
-       nlohmann::json::array(),
+      {R"({"callback": {"refuse": true, "delayMs": 0, "message": "Not today."}})", "[]",
        "GSR failed to call me back - Not today."},
-      {{{"callback", {{"refuse", false}}}},
-       {{{"operation", "CRB_TryCallback"}, {"action", "drop"}, {"nth", 1}}},
+      {R"({"callback": {"refuse": false}})",
+       R"([{"operation": "CRB_TryCallback", "action": "drop", "nth": 1}])",
        "Failed with CORBA exception: "},
-      {nlohmann::json::object(),
-       {{{"operation", "CRB_RegisterCallback"}, {"action", "raise"}, {"exception", "NO_MEMORY"}}},
-       "Failed with CORBA exception: NO_MEMORY"},
-  };
-  for (const auto& row : kRows) {
+      {"{}",
+       R"([{"operation": "CRB_RegisterCallback", "action": "raise", "exception": "NO_MEMORY"}])",
+       "Failed with CORBA exception: NO_MEMORY"}};
+  for (const auto& [site, faults, line] : rows) {
     m_log.Clear();
-    server.Patch(row.site);
-    server.SetFaults(row.faults);
+    server.Patch(json::parse(site));
+    server.SetFaults(json::parse(faults));
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(Try(false, "127.0.0.1"));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
-    EXPECT_TRUE(m_log.Has(1, row.logged)) << row.logged << "\n" << m_log.Text();
+    EXPECT_TRUE(m_log.Has(1, line)) << line << "\n" << m_log.Text();
   }
   ExpectNoTraceSince(before);
 }
 
 TEST_F(CallbackTrialTest, WhoSendsTheObjectIsToldWhyThatFails) {
-  Server& server = StartSession();
-  server.Kill();
-  std::string error;
-  long roundTrip = -1;
-  EXPECT_FALSE(TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, roundTrip, 500));
-  EXPECT_TRUE(
-      error.starts_with("Failed to send test callback object to GSR - COMM_FAILURE (COMM_FAILURE_"))
-      << error;
-  EXPECT_EQ(roundTrip, -1);
-  EXPECT_FALSE(TroubleshootConnection::TestCallback(nullptr, error, roundTrip, 500));
+  StartSession().Kill();
+  EXPECT_FALSE(TrySession(500));
+  EXPECT_TRUE(m_error.starts_with(
+      "Failed to send test callback object to GSR - COMM_FAILURE (COMM_FAILURE_"))
+      << m_error;
+  EXPECT_EQ(m_roundTrip, -1);
+  EXPECT_FALSE(Troubleshoot::TestCallback(nullptr, m_error, m_roundTrip, 500));
 }
 
 // The client listens on one address and names another; the server goes by the name.
@@ -165,25 +148,19 @@ TEST_F(CallbackTrialTest, ThePublishedHostMayDifferFromTheOneListenedOn) {
   StartServer();
   m_orbArguments = {"-ORBListenEndpoints", "iiop://127.0.0.1/hostname_in_ior=localhost"};
   ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1);
-  std::string host;
-  std::string port;
+  std::string host, port;
   CORBA::Object_var kept;
   {
     const ServantPtr<TestCallbackI> servant(new TestCallbackI(ORBCommon<1>::Get()->GetChildPoa()));
-    EXPECT_TRUE(TroubleshootConnection::GetNetworkInterface4Server(servant->GetReference(), host,
-                                                                   port, E_GSR));
     kept = CORBA::Object::_duplicate(servant->GetReference());
+    EXPECT_TRUE(Troubleshoot::GetNetworkInterface4Server(kept.in(), host, port, E_GSR));
   }
   EXPECT_EQ(host, "localhost");
   EXPECT_TRUE(ProcessTraces::Now().ports.contains(std::stoi(port))) << port;
-
-  std::string error;
-  EXPECT_TRUE(TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, m_roundTrip, 1000))
-      << error;
-
+  EXPECT_TRUE(TrySession(1000)) << m_error;
   // A reference that outlives its ORB leads nowhere, and asking starts no other ORB.
   GL_LogOut(true);
-  EXPECT_FALSE(TroubleshootConnection::GetNetworkInterface4Server(kept.in(), host, port, E_GSR));
+  EXPECT_FALSE(Troubleshoot::GetNetworkInterface4Server(kept.in(), host, port, E_GSR));
   EXPECT_TRUE(m_log.Has(1, "Invalid stub"));
   EXPECT_EQ(Login(), 1) << m_log.Text();
 }

@@ -4,20 +4,10 @@
 // Each network is a namespace of the kernel's that ends with its process; nothing of the machine's
 // own network is touched. Where namespaces are not allowed the test is skipped and says so.
 
+#include <tests/fixture/SessionFixture.h>
+
 #include <sched.h>
-#include <unistd.h>
 
-#include <chrono>
-#include <cstdlib>
-#include <filesystem>
-
-#include <gtest/gtest.h>
-
-#include <tests/fixture/ChildProcess.h>
-#include <tests/fixture/Environment.h>
-#include <tests/fixture/LogCapture.h>
-#include <tests/fixture/Server.h>
-#include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 
@@ -31,12 +21,9 @@ bool Execute(const std::string& command) {
   return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-class FirewallTest : public ::testing::Test {
+class FirewallTest : public SessionFixture {
  protected:
-  ~FirewallTest() override {
-    GL_LogOut(true);
-    exit_vqclient_common();
-  }
+  void SetUp() override { m_environment.Isolate(m_directory.Path()); }
 
   // Moves this process into a network of its own and makes another one, joined by a cable. False
   // when that is not allowed.
@@ -85,9 +72,6 @@ class FirewallTest : public ::testing::Test {
     return TroubleshootConnection::ORBInitAndTestCallback(biDir, address, roundTrip, false);
   }
 
-  TemporaryDirectory m_directory;
-  Environment m_environment;
-  LogCapture m_log;
   ChildProcess m_network;
 };
 
@@ -95,8 +79,6 @@ TEST_F(FirewallTest, OnlyTheClientsOwnConnectionLeadsBack) {
   if (!MakeNetworks()) {
     GTEST_SKIP() << "network namespaces are not allowed here: no test with a firewall";
   }
-  m_environment.Isolate(m_directory.Path());
-  m_directory.Write("root/locale.ini", "");
   m_directory.Write("root/config/vq.xml", "<domain/>");
   std::filesystem::create_directory(m_directory / "naming");
   const std::string naming = "corbaloc:iiop:" + std::string(kServer) + ":2809/NameService";
@@ -114,11 +96,10 @@ TEST_F(FirewallTest, OnlyTheClientsOwnConnectionLeadsBack) {
   std::vector<std::string> words{"client", "-ORBInitRef", "NameService=" + naming};
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
-  std::string message;
-  ASSERT_EQ(
-      GL_Login("alice", "secret", "central", 600, message, CLIENT_VCM, E_GSR, 3, arguments.data()),
-      1)
-      << message << m_log.Text();
+  ASSERT_EQ(GL_Login("alice", "secret", "central", 600, m_message, CLIENT_VCM, E_GSR, 3,
+                     arguments.data()),
+            1)
+      << m_message << m_log.Text();
   TroubleshootConnection::SetTimeout4TestCallback(1500);
 
   EXPECT_TRUE(Try(false, kClient)) << m_log.Text();

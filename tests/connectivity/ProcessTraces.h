@@ -9,8 +9,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
-#include <ostream>
 #include <set>
 #include <string>
 
@@ -27,8 +25,7 @@ struct ProcessTraces {
   // Nothing beyond what was there before; an idle thread or a connection may have ended meanwhile.
   bool AreWithin(const ProcessTraces& before) const {
     return threads <= before.threads && ports == before.ports &&
-           std::includes(before.sockets.begin(), before.sockets.end(), sockets.begin(),
-                         sockets.end());
+           std::ranges::includes(before.sockets, sockets);
   }
 
   static ProcessTraces Now() {
@@ -43,24 +40,22 @@ struct ProcessTraces {
       const int file = std::stoi(entry.path().filename());
       int listens = 0;
       socklen_t size = sizeof listens;
+      ::getsockopt(file, SOL_SOCKET, SO_ACCEPTCONN, &listens, &size);
       sockaddr_in address{};
-      if (::getsockopt(file, SOL_SOCKET, SO_ACCEPTCONN, &listens, &size) != 0 || listens == 0) {
-        continue;
-      }
       size = sizeof address;
-      ::getsockname(file, reinterpret_cast<sockaddr*>(&address), &size);
-      traces.ports.insert(ntohs(address.sin_port));
+      if (listens != 0) ::getsockname(file, reinterpret_cast<sockaddr*>(&address), &size);
+      if (listens != 0) traces.ports.insert(ntohs(address.sin_port));
     }
     return traces;
   }
-};
 
-inline std::ostream& operator<<(std::ostream& out, const ProcessTraces& traces) {
-  out << traces.threads << " threads;";
-  for (const std::string& socket : traces.sockets) out << ' ' << socket;
-  for (const int port : traces.ports) out << " listens on " << port;
-  return out;
-}
+  std::string Text() const {
+    std::string text = std::to_string(threads) + " threads;";
+    for (const std::string& socket : sockets) text += " " + socket;
+    for (const int port : ports) text += " listens on " + std::to_string(port);
+    return text;
+  }
+};
 
 }  // namespace vq::test
 

@@ -12,6 +12,8 @@
 namespace vq::test {
 namespace {
 
+using Words = std::vector<std::string>;
+
 class TlsTest : public SessionFixture {
  protected:
   void SetUp() override {
@@ -25,15 +27,27 @@ class TlsTest : public SessionFixture {
     const std::string file = m_directory.Write(
         "server-" + std::to_string(m_servers.size()) + ".pem", identity.certificate + identity.key);
     m_servers.push_back(std::make_unique<Server>(
-        m_directory, m_naming->Reference(), BaseSite(), std::vector<std::string>{"GSR"}, "central",
-        0, place,
-        std::vector<std::string>{"-SSLCACertificate", m_caFile, "-SSLCertificate", file,
-                                 "-SSLVerifyPeer", verifyPeer ? "1" : "0", "-SSLVerifyHost", "0"}));
+        m_directory, m_naming->Reference(), BaseSite(), Words{"GSR"}, "central", 0, place,
+        Words{"-SSLCACertificate", m_caFile, "-SSLCertificate", file, "-SSLVerifyPeer",
+              verifyPeer ? "1" : "0", "-SSLVerifyHost", "0"}));
     return *m_servers.back();
   }
 
+  // Logs in to a server with that certificate, and out again.
+  void ExpectLogin(const Identity& identity, int code, Server::Place place = Server::kDirect) {
+    Server& server = StartTlsServer(identity, false, place);
+    m_log.Clear();
+    EXPECT_EQ(Login(), code) << m_log.Text();
+    EXPECT_EQ(server.Calls().empty(), code != 1);  // Nothing went out in clear instead.
+    GL_LogOut(true);
+    server.Kill();
+  }
+  bool Logged(const std::string& text) const {
+    return m_log.Text().find(text) != std::string::npos;
+  }
+
   // The settings of a client with a certificate of its own.
-  std::vector<std::string> OwnCertificate(const CertificateOptions& options) {
+  Words OwnCertificate(const CertificateOptions& options) {
     const Identity own = m_authority.Issue(options);
     return {"-SSLCACertificate", m_caFile,
             "-SSLCertificate",   m_directory.Write("own.pem", own.certificate),
@@ -46,69 +60,35 @@ class TlsTest : public SessionFixture {
 
 TEST_F(TlsTest, EachBadCertificateIsRefusedWithItsReason) {
   const Authority other(m_directory, "other");
-  const struct {
-    Identity identity;
-    const char* reason;  // empty: it is good
-  } kRows[] = {
-      {m_authority.Issue(), ""},
+  const std::pair<Identity, std::string> rows[] = {
+      {m_authority.Issue(), ""},  // It is good.
       {m_authority.Issue({.fromDays = -20, .toDays = -10}), "it has expired;"},
       {m_authority.Issue({.fromDays = 10, .toDays = 20}), "it is not yet valid;"},
       {m_authority.Issue({.names = "IP:192.0.2.1,DNS:other.site"}), "it is for another host;"},
       {m_authority.Issue({.names = ""}), "it is for another host;"},
       {other.Issue(), "its authority is unknown;"},
-      {m_authority.SelfSigned(), "it is self-signed;"},
-  };
+      {m_authority.SelfSigned(), "it is self-signed;"}};
   m_orbArguments = {"-SSLCACertificate", m_caFile, "-ORBCallTimeout", "5000"};
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.reason);
-    Server& server = StartTlsServer(row.identity);
-    m_log.Clear();
-    const bool good = *row.reason == '\0';
-    EXPECT_EQ(Login(), good ? 1 : 54) << m_log.Text();
-    EXPECT_EQ(server.Calls().empty(), !good);  // Nothing went out in clear instead.
-    EXPECT_EQ(m_log.Has(1, "The certificate of 127.0.0.1:"), !good);
-    const bool told =
-        m_log.Text().find(std::string(" is refused: ") + row.reason) != std::string::npos;
-    EXPECT_EQ(told, !good) << m_log.Text();
-    GL_LogOut(true);
-    server.Kill();
+  for (const auto& [identity, reason] : rows) {
+    SCOPED_TRACE(reason);
+    ExpectLogin(identity, reason.empty() ? 1 : 54);
+    EXPECT_EQ(m_log.Has(1, "The certificate of 127.0.0.1:"), !reason.empty());
+    EXPECT_EQ(Logged(" is refused: " + reason), !reason.empty()) << m_log.Text();
   }
-}
-
-// A reference may name its host; then the name counts, whatever its address is.
-TEST_F(TlsTest, TheNameThatWasAskedForCounts) {
-  const struct {
-    const char* names;
-    int code;
-  } kRows[] = {{"DNS:localhost", 1}, {"DNS:other.site,IP:127.0.0.1", 54}};
-  m_orbArguments = {"-SSLCACertificate", m_caFile, "-ORBCallTimeout", "5000"};
-  for (const auto& row : kRows) {
-    Server& server =
-        StartTlsServer(m_authority.Issue({.names = row.names}), false, Server::kByName);
-    EXPECT_EQ(Login(), row.code) << m_log.Text();
-    GL_LogOut(true);
-    server.Kill();
-  }
+  // A reference may name its host; then the name counts, whatever its address is.
+  ExpectLogin(m_authority.Issue({.names = "DNS:localhost"}), 1, Server::kByName);
+  ExpectLogin(m_authority.Issue({.names = "DNS:other.site,IP:127.0.0.1"}), 54, Server::kByName);
   EXPECT_TRUE(m_log.Has(1, "The certificate of localhost:")) << m_log.Text();
 }
 
 TEST_F(TlsTest, ChecksAreSwitchedOffByASettingThatIsLogged) {
-  const struct {
-    const char* setting;
-    CertificateOptions certificate;
-    const char* logged;
-  } kRows[] = {
+  const std::tuple<const char*, CertificateOptions, const char*> rows[] = {
       {"-SSLVerifyHost", {.names = "DNS:other.site"}, "TLS certificates are not compared"},
-      {"-SSLVerifyPeer", {.fromDays = -20, .toDays = -10}, "TLS certificates are not verified"},
-  };
-  for (const auto& row : kRows) {
-    Server& server = StartTlsServer(m_authority.Issue(row.certificate));
-    m_log.Clear();
-    m_orbArguments = {"-SSLCACertificate", m_caFile, row.setting, "0"};
-    EXPECT_EQ(Login(), 1) << row.setting << m_log.Text();
-    EXPECT_TRUE(m_log.Has(1, row.logged));
-    GL_LogOut(true);
-    server.Kill();
+      {"-SSLVerifyPeer", {.fromDays = -20, .toDays = -10}, "TLS certificates are not verified"}};
+  for (const auto& [setting, certificate, line] : rows) {
+    m_orbArguments = {"-SSLCACertificate", m_caFile, setting, "0"};
+    ExpectLogin(m_authority.Issue(certificate), 1);
+    EXPECT_TRUE(m_log.Has(1, line));
   }
 }
 
@@ -120,9 +100,8 @@ TEST_F(TlsTest, AServerWithoutTlsIsNotCalledInClear) {
   m_orbArguments = {"-SSLCACertificate", m_caFile};
   EXPECT_EQ(Login(), 54);
   EXPECT_TRUE(server.Calls().empty());
-  EXPECT_NE(m_log.Text().find("127.0.0.1:" + std::to_string(server.Port()) +
-                              " is refused: it would be in clear"),
-            std::string::npos)
+  EXPECT_TRUE(
+      Logged("127.0.0.1:" + std::to_string(server.Port()) + " is refused: it would be in clear"))
       << m_log.Text();
 }
 
@@ -138,8 +117,8 @@ TEST_F(TlsTest, CallbacksGoOverTlsBothWays) {
   EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(false, "127.0.0.1", roundTrip, false))
       << m_log.Text();
   if (vq::orb::ProductName() == "omniORB") {
-    EXPECT_NE(m_log.Text().find("override endpoint 0: 'giop:ssl:127.0.0.1:"), std::string::npos);
-    EXPECT_EQ(m_log.Text().find("override endpoint 0: 'giop:tcp:"), std::string::npos);
+    EXPECT_TRUE(Logged("override endpoint 0: 'giop:ssl:127.0.0.1:"));
+    EXPECT_FALSE(Logged("override endpoint 0: 'giop:tcp:"));
   }
   EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(true, "", roundTrip, false))
       << m_log.Text();
@@ -149,21 +128,14 @@ TEST_F(TlsTest, CallbacksGoOverTlsBothWays) {
 }
 
 TEST_F(TlsTest, WarnsBeforeTheOwnCertificateExpires) {
-  const struct {
-    long days;
-    const char* message;
-  } kRows[] = {
-      {59, "SSL Certificate is going to expire in less than 60days."},
-      {61, ""},
-      {-1, "SSL Certificate is going to expire in less than 60days."},
-  };
   StartTlsServer(m_authority.Issue());
-  for (const auto& row : kRows) {
-    m_orbArguments = OwnCertificate({.fromDays = -20, .toDays = row.days});
-    EXPECT_EQ(Login(), 1) << row.days << m_log.Text();
+  for (const long days : {59, 61, -1}) {
+    m_orbArguments = OwnCertificate({.fromDays = -20, .toDays = days});
+    EXPECT_EQ(Login(), 1) << days << m_log.Text();
     std::string message = "untouched";
     EXPECT_EQ(GL_CheckSSLCertificateExpiration(message), 1);
-    EXPECT_EQ(message, row.message) << row.days;
+    EXPECT_EQ(message, days > 60 ? "" : "SSL Certificate is going to expire in less than 60days.")
+        << days;
     GL_LogOut(true);
   }
 }
@@ -174,27 +146,22 @@ TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
   const std::string good = m_directory.Write("good.pem", own.certificate + own.key);
   const std::string wrongKey = m_directory.Write("wrong.key", m_authority.Issue().key);
   const std::string garbage = m_directory.Write("garbage.pem", "no certificate");
-  const struct {
-    std::vector<std::string> arguments;
-    const char* text;
-  } kRows[] = {
+  const std::pair<Words, const char*> rows[] = {
       {{"-SSLCACertificate", "/no/such.pem"}, "'/no/such.pem' of -SSLCACertificate cannot be used"},
       {{"-SSLCACertificate", garbage}, "of -SSLCACertificate cannot be used"},
       {{"-SSLCertificate", garbage}, "of -SSLCertificate cannot be used"},
       {{"-SSLCertificate", good, "-SSLPrivateKey", wrongKey}, "of -SSLPrivateKey cannot be used"},
       {{"-SSLCertificate", m_caFile}, "(one without a pass phrase is needed)"},
       {{"-SSLPrivateKey", good}, "-SSLCertificate is not"},
-      {{"-ORBListenEndpoints", "iiop:///ssl_port=5001"}, "ssl_port, and -SSLCertificate is not"},
-  };
-  for (const auto& row : kRows) {
+      {{"-ORBListenEndpoints", "iiop:///ssl_port=5001"}, "ssl_port, and -SSLCertificate is not"}};
+  for (const auto& [arguments, text] : rows) {
     m_log.Clear();
-    m_orbArguments = row.arguments;
+    m_orbArguments = arguments;
     EXPECT_EQ(Login(), 55);
-    EXPECT_NE(m_log.Text().find(row.text), std::string::npos) << row.text << m_log.Text();
+    EXPECT_TRUE(Logged(text)) << text << m_log.Text();
   }
-  StartTlsServer(m_authority.Issue());
   m_orbArguments = {"-SSLCACertificate", m_caFile, "-SSLCertificate", good};
-  EXPECT_EQ(Login(), 1) << m_log.Text();
+  ExpectLogin(m_authority.Issue(), 1);
 }
 
 }  // namespace
