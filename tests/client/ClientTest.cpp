@@ -5,10 +5,14 @@
 
 #include <csignal>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace vq::test {
 namespace {
+
+using nlohmann::json;
+using ::testing::HasSubstr;
+using Words = std::vector<std::string>;
 
 struct Outcome {
   int code = -1;
@@ -19,47 +23,42 @@ class ClientTest : public ::testing::Test {
  protected:
   ClientTest() { m_environment.Isolate(m_directory.Path()); }
 
-  ChildProcess Start(std::vector<std::string> arguments, const std::string& input = "secret\n") {
+  void StartServer(const json& site = BaseSite()) {
+    m_server = std::make_unique<Server>(m_directory, m_naming.Reference(), site);
+  }
+  ChildProcess Start(Words arguments, const std::string& input = "secret\n") {
     arguments.insert(arguments.begin(), VQ_CLIENT);
     ChildProcess::Options options;
     options.standardInput = m_directory.Write("in", input);
-    options.standardOutput = m_directory / "out";
-    options.standardError = m_directory / "err";
-    std::filesystem::remove(options.standardOutput);
-    std::filesystem::remove(options.standardError);
+    options.standardOutput = m_directory.Write("out", "");
+    options.standardError = m_directory.Write("err", "");
     return ChildProcess::Start(arguments, options);
   }
-
-  Outcome Run(const std::vector<std::string>& arguments, const std::string& input = "secret\n") {
+  Outcome Run(const Words& arguments, const std::string& input = "secret\n") {
     ChildProcess client = Start(arguments, input);
     const int code = client.Wait(std::chrono::seconds(120)).value_or(-1);
-    return {code, ReadFile(m_directory / "out"), ReadFile(m_directory / "err")};
+    return {code, m_directory.Read("out"), m_directory.Read("err")};
   }
-
   // The arguments of a command that connects, with the connection's options behind them.
-  std::vector<std::string> Connected(std::vector<std::string> command,
-                                     const std::string& user = "alice") const {
-    const std::vector<std::string> options{
-        "--server", "central",  "--user",
-        user,       "--naming", "127.0.0.1:" + std::to_string(m_naming.Port())};
-    command.insert(command.end(), options.begin(), options.end());
+  Words Connected(Words command, const std::string& user = "alice",
+                  const std::string& server = "central") const {
+    for (const std::string& word :
+         {std::string("-s"), server, std::string("-u"), user, std::string("--naming"), m_address}) {
+      command.push_back(word);
+    }
     return command;
   }
 
   TemporaryDirectory m_directory;
   Environment m_environment;
   NamingService m_naming{m_directory};
+  std::unique_ptr<Server> m_server;
+  std::string m_address = "127.0.0.1:" + std::to_string(m_naming.Port());
 };
 
 TEST_F(ClientTest, TheExitCodeTellsTheCause) {
-  Server server(m_directory, m_naming.Reference(), BaseSite());
-  const std::string naming = "127.0.0.1:" + std::to_string(m_naming.Port());
-  const struct {
-    std::vector<std::string> arguments;
-    const char* input;
-    int code;
-    const char* words;
-  } kRows[] = {
+  StartServer();
+  const std::tuple<Words, const char*, int, const char*> rows[] = {
       {Connected({"login"}), "secret\n", 0, ""},
       {Connected({"login"}), "wrong\n", 1, "User 'alice' is not defined properly."},
       {{"login"}, "", 2, "--server is required"},
@@ -68,59 +67,51 @@ TEST_F(ClientTest, TheExitCodeTellsTheCause) {
       {Connected({"login"}), "", 4, "Missing password"},
       {Connected({"login"}, "expired"), "secret\n", 48, "Password has expired."},
       {Connected({"login"}, "locked"), "secret\n", 49, "User account is locked."},
-      {{"login", "-s", "nowhere", "-u", "a", "-n", naming}, "secret\n", 54, "'nowhere'"},
-      {{"login", "-s", "central", "-u", "a", "-n", "127.0.0.1:1"}, "secret\n", 55, "Naming"},
-      {Connected({"param", "get", "general", "Language"}), "secret\n", 0, ""},
-      {Connected({"param", "get", "general", "Nothing"}), "secret\n", 5, "general/Nothing"},
-  };
-  for (const auto& row : kRows) {
-    const Outcome outcome = Run(row.arguments, row.input);
-    EXPECT_EQ(outcome.code, row.code) << row.arguments[0] << ": " << outcome.words;
-    EXPECT_NE(outcome.words.find(row.words), std::string::npos) << outcome.words;
+      {Connected({"login"}, "a", "nowhere"), "secret\n", 54, "'nowhere'"},
+      {{"login", "--server", "central", "--user", "a", "-n", "127.0.0.1:1"},
+       "secret\n",
+       55,
+       "Naming"},
+      {Connected({"param", "get", "general", "Nothing"}), "secret\n", 5, "general/Nothing"}};
+  for (const auto& [arguments, input, code, words] : rows) {
+    const Outcome outcome = Run(arguments, input);
+    EXPECT_EQ(outcome.code, code) << arguments[0] << ": " << outcome.words;
+    EXPECT_THAT(outcome.words, HasSubstr(words));
   }
 }
 
 TEST_F(ClientTest, DataAreOnStandardOutputAndAlsoJson) {
-  const Server server(m_directory, m_naming.Reference(), BaseSite());
-  EXPECT_EQ(Run(Connected({"param", "get", "general", "Language"})).output, "english\n");
-
-  const Outcome login = Run(Connected({"--json", "login"}, "soon"));
-  const nlohmann::json answer = nlohmann::json::parse(login.output);
-  EXPECT_EQ(answer["result"], 50);
-  EXPECT_EQ(answer["connected"], true);
-  EXPECT_EQ(answer["message"], "Your password is about to expire.\t");
+  StartServer();
+  const Outcome parameter = Run(Connected({"param", "get", "general", "Language"}));
+  EXPECT_EQ(parameter.output + std::to_string(parameter.code), "english\n0");
+  EXPECT_EQ(json::parse(Run(Connected({"--json", "login"}, "soon")).output),
+            json::parse(R"({"result": 50, "connected": true,
+                            "message": "Your password is about to expire.\t"})"));
 }
 
 TEST_F(ClientTest, ThePasswordFileServesAsWell) {
-  const Server server(m_directory, m_naming.Reference(), BaseSite());
+  StartServer();
   const std::string file = m_directory.Write("credentials", "user=alice\npassword=secret\n");
-  std::filesystem::permissions(file, std::filesystem::perms::owner_read);
-  const std::vector<std::string> arguments{"login",
-                                           "--server",
-                                           "central",
-                                           "--password-file",
-                                           file,
-                                           "--naming",
-                                           "127.0.0.1:" + std::to_string(m_naming.Port())};
-  EXPECT_EQ(Run(arguments, "").code, 0);
-  std::filesystem::permissions(file, std::filesystem::perms::others_read,
-                               std::filesystem::perm_options::add);
-  EXPECT_EQ(Run(arguments, "").code, 4);
+  const Words arguments{"login", "-s", "central", "--password-file", file, "-n", m_address};
+  for (const auto& [readers, code] : {std::pair(0400, 0), std::pair(0404, 4)}) {
+    std::filesystem::permissions(file, static_cast<std::filesystem::perms>(readers));
+    EXPECT_EQ(Run(arguments, "").code, code);
+  }
 }
 
 TEST_F(ClientTest, ASessionEndsInOrderOnInterrupt) {
-  Server server(m_directory, m_naming.Reference(), BaseSite());
+  StartServer();
   ChildProcess client = Start(Connected({"session", "--interval", "3600"}));
-  ASSERT_TRUE(WaitUntil([&] { return !server.LastCall("CRB_ResetTimeout").is_null(); }));
-  ASSERT_TRUE(WaitUntil(
-      [&] { return ReadFile(m_directory / "out").find("login: 1") != std::string::npos; }));
+  ASSERT_TRUE(WaitUntil([&] { return !m_server->LastCall("CRB_ResetTimeout").is_null(); }));
+  ASSERT_TRUE(
+      WaitUntil([&] { return m_directory.Read("out").find("login: 1") != std::string::npos; }));
   client.Signal(SIGINT);
   EXPECT_EQ(client.Wait(std::chrono::seconds(60)), 0);
-  EXPECT_EQ(server.Operations().back(), "CRB_Unregister");
+  EXPECT_EQ(m_server->Operations().back(), "CRB_Unregister");
 }
 
 TEST_F(ClientTest, APasswordIsChangedInASessionAndAfterItHasExpired) {
-  Server server(m_directory, m_naming.Reference(), BaseSite());
+  StartServer();
   for (const char* user : {"alice", "expired"}) {
     EXPECT_EQ(Run(Connected({"passwd"}, user), "secret\nnew-one\nother\n").code, 4) << user;
     EXPECT_EQ(Run(Connected({"passwd"}, user), "secret\nshort\nshort\n").code, 51) << user;
@@ -130,21 +121,19 @@ TEST_F(ClientTest, APasswordIsChangedInASessionAndAfterItHasExpired) {
 }
 
 TEST_F(ClientTest, QuestionsOfAuthorizationAreAnsweredByExitCode) {
-  nlohmann::json site = BaseSite();
+  json site = BaseSite();
   site["users"]["alice"]["grants"]["tables"] = {
       {{"criteria", "TABLE LIKE 'PAY*'"}, {"level", "UPDATE_ACCESS"}}};
-  const Server server(m_directory, m_naming.Reference(), site);
-  const struct {
-    const char *table, *level;
-    int code;
-  } kRows[] = {{"TABLE=PAY01", "UPDATE_ACCESS", 0}, {"TABLE=PAY01", "FULL_ACCESS", 7},
-               {"TABLE=TAX", "BROWSE_ACCESS", 7},   {"TABLE=TAX", "DEFAULT_ACCESS", 0},
-               {"TABLE", "FULL_ACCESS", 2},         {"TABLE=TAX", "SOME_ACCESS", 2}};
-  for (const auto& row : kRows) {
-    const Outcome outcome = Run(Connected({"auth", "check", "table", row.table, row.level}));
-    EXPECT_EQ(outcome.code, row.code) << row.table << ' ' << row.level << outcome.words;
+  StartServer(site);
+  const std::tuple<const char*, const char*, int> rows[] = {
+      {"TABLE=PAY01", "UPDATE_ACCESS", 0}, {"TABLE=PAY01", "FULL_ACCESS", 7},
+      {"TABLE=TAX", "BROWSE_ACCESS", 7},   {"TABLE=TAX", "DEFAULT_ACCESS", 0},
+      {"TABLE", "FULL_ACCESS", 2},         {"TABLE=TAX", "SOME_ACCESS", 2}};
+  for (const auto& [table, level, code] : rows) {
+    const Outcome outcome = Run(Connected({"auth", "check", "table", table, level}));
+    EXPECT_EQ(outcome.code, code) << table << ' ' << level << outcome.words;
   }
-  const nlohmann::json all = nlohmann::json::parse(Run(Connected({"--json", "auth"})).output);
+  const json all = json::parse(Run(Connected({"--json", "auth"})).output);
   EXPECT_EQ(all["user"], "alice");
   EXPECT_EQ(all["administrator"], false);
   EXPECT_EQ(all["grants"]["table"]["own"][0]["criteria"], "TABLE LIKE 'PAY*'");
@@ -152,40 +141,33 @@ TEST_F(ClientTest, QuestionsOfAuthorizationAreAnsweredByExitCode) {
 }
 
 TEST_F(ClientTest, TheDoctorNamesTheFirstThingThatIsWrongAndWhatToDo) {
-  Server server(m_directory, m_naming.Reference(), BaseSite());
-  const std::string naming = "127.0.0.1:" + std::to_string(m_naming.Port());
-  const auto examine = [&](const std::string& name, const std::string& at) {
-    return Run({"doctor", "-s", name, "-u", "alice", "-n", at});
+  StartServer();
+  const auto expect = [&](const std::string& server, int code, const std::string& line) {
+    const Outcome outcome = Run(Connected({"doctor"}, "alice", server), "wrong\n");
+    EXPECT_EQ(outcome.code, code);
+    EXPECT_THAT(outcome.output, HasSubstr(line));
   };
-  EXPECT_EQ(Run(Connected({"doctor"}), "wrong\n").code, 1);
-  const Outcome unknown = examine("nowhere", naming);
-  EXPECT_EQ(unknown.code, 54);
-  EXPECT_NE(unknown.output.find("[BAD]  registration: the naming service knows no server "
-                                "'nowhere' of kind GSR"),
-            std::string::npos)
-      << unknown.output;
-  server.Kill();
-  const Outcome dead = examine("central", naming);
-  EXPECT_EQ(dead.code, 54);
-  EXPECT_NE(dead.output.find("[BAD]  address: 127.0.0.1 port " + std::to_string(server.Port()) +
-                             " cannot be reached"),
-            std::string::npos)
-      << dead.output;
-  const Outcome lost = examine("central", "127.0.0.1:1");
-  EXPECT_EQ(lost.code, 55);
-  EXPECT_NE(lost.output.find("next:  Start the naming service"), std::string::npos) << lost.output;
+  expect("central", 1, "[BAD]  login: ");
+  expect("nowhere", 54,
+         "[BAD]  registration: the naming service knows no server 'nowhere' of kind GSR");
+  m_server->Kill();
+  expect(
+      "central", 54,
+      "[BAD]  address: 127.0.0.1 port " + std::to_string(m_server->Port()) + " cannot be reached");
+  m_address = "127.0.0.1:1";
+  expect("central", 55, "next:  Start the naming service");
 }
 
 TEST_F(ClientTest, TheDoctorWritesAWayThatWorksOnlyAfterAYes) {
-  const Server server(m_directory, m_naming.Reference(), BaseSite());
+  StartServer();
   std::filesystem::create_directories(m_directory / "root/config");
-  const std::string domain = m_directory / "root/config/vq.xml";
-  const auto variables = [&] { return ReadFile(domain).find("-ORBListenEndpoints"); };
-  EXPECT_EQ(Run(Connected({"doctor", "--fix"}), "secret\nn\n").code, 0);
-  EXPECT_EQ(variables(), std::string::npos);
-  const Outcome fixed = Run(Connected({"doctor", "--fix"}), "secret\ny\n");
-  EXPECT_EQ(fixed.code, 0) << fixed.output << fixed.words;
-  EXPECT_NE(variables(), std::string::npos);
+  for (const std::string answer : {"n", "y"}) {
+    const Outcome outcome = Run(Connected({"doctor", "--fix"}), "secret\n" + answer + "\n");
+    EXPECT_EQ(outcome.code, 0) << outcome.output << outcome.words;
+    const bool written =
+        m_directory.Read("root/config/vq.xml").find("-ORBListenEndpoints") != std::string::npos;
+    EXPECT_EQ(written, answer == "y");
+  }
 }
 
 TEST_F(ClientTest, EverySettingIsShownWithItsOrigin) {
@@ -195,7 +177,7 @@ TEST_F(ClientTest, EverySettingIsShownWithItsOrigin) {
   m_environment.Set("SUPPORT_CJK", "cjk");
   const Outcome outcome = Run({"--json", "config", "show", "-ORBConnectTimeout", "2000"});
   std::map<std::string, std::string> shown;
-  for (const nlohmann::json& setting : nlohmann::json::parse(outcome.output)) {
+  for (const json& setting : json::parse(outcome.output)) {
     shown[setting["name"]] =
         setting["value"].get<std::string>() + " / " + setting["origin"].get<std::string>();
   }
