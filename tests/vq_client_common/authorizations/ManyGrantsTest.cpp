@@ -1,6 +1,4 @@
 // The longest lists that a load has to take.
-#include <gtest/gtest.h>
-
 #include <tests/fixture/SessionFixture.h>
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 #include <vq_client_common/session/GlobalFuncs.h>

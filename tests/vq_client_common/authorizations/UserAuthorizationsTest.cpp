@@ -1,12 +1,6 @@
 // Loads from a simulated server, and every question after them.
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 
-#include <list>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include <tests/fixture/SessionFixture.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
@@ -19,21 +13,20 @@ using UA = UserAuthorizations;
 constexpr const char* kLevelNames[] = {"DEFAULT_ACCESS", "ACCESS_NONE", "BROWSE_ACCESS",
                                        "UPDATE_ACCESS",  "FULL_ACCESS", "MAX_ACCESS"};
 
-constexpr struct {
-  const char* privilege;
-  bool (UA::*question)(QCSAuthLevelEnum) const;
-} kPrivileges[] = {{"AUTHORIZATION", &UA::IsAuthDefAccessAllowed},
-                   {"AUTHORIZATION", &UA::IsChangePasswordAccessAllowed},
-                   {"VMC_CONFIGURATION", &UA::IsCommAccessAllowed},
-                   {"QIM", &UA::IsQIMAccessAllowed},
-                   {"FORECAST", &UA::IsForecastAccessAllowed},
-                   {"PERIOD_STAT", &UA::IsPeriodStatAccessAllowed},
-                   {"QIMFOR_CONFIG", &UA::IsForecastQIMConfigAccessAllowed},
-                   {"COLLECTIONDEF", &UA::IsCollDefAccessAllowed},
-                   {"HIERARCHIEDEF", &UA::IsHierDefAccessAllowed},
-                   {"FILTERDEF", &UA::IsFiltDefAccessAllowed},
-                   {"ACTIVEVP", &UA::IsViewDefAccessAllowed},
-                   {"ALERT", &UA::IsAlertsAccessAllowed}};
+using Question = bool (UA::*)(QCSAuthLevelEnum) const;
+constexpr std::pair<const char*, Question> kPrivileges[] = {
+    {"AUTHORIZATION", &UA::IsAuthDefAccessAllowed},
+    {"AUTHORIZATION", &UA::IsChangePasswordAccessAllowed},
+    {"VMC_CONFIGURATION", &UA::IsCommAccessAllowed},
+    {"QIM", &UA::IsQIMAccessAllowed},
+    {"FORECAST", &UA::IsForecastAccessAllowed},
+    {"PERIOD_STAT", &UA::IsPeriodStatAccessAllowed},
+    {"QIMFOR_CONFIG", &UA::IsForecastQIMConfigAccessAllowed},
+    {"COLLECTIONDEF", &UA::IsCollDefAccessAllowed},
+    {"HIERARCHIEDEF", &UA::IsHierDefAccessAllowed},
+    {"FILTERDEF", &UA::IsFiltDefAccessAllowed},
+    {"ACTIVEVP", &UA::IsViewDefAccessAllowed},
+    {"ALERT", &UA::IsAlertsAccessAllowed}};
 // These have questions of other forms, or none.
 constexpr const char* kOthers[] = {
     "ARCHIVEVP",     "CLI",       "VMC_LOGIN", "VMC_OPERATION", "VMC_DB",   "VMC_VLT_SECURITY",
@@ -76,8 +69,7 @@ class UserAuthorizationsTest : public vq::test::SessionFixture {
     json site = vq::test::BaseSite();
     site["users"]["alice"].merge_patch(alice);
     site["groups"]["team"] = json::object();
-    m_server = &StartServer(site);
-    ASSERT_EQ(Login(), 1) << m_message;
+    m_server = &StartSession(site);
     ASSERT_EQ(GL_PostLogin(m_message), 1) << m_message;
   }
   // Changes alice without a login.
@@ -91,9 +83,8 @@ class UserAuthorizationsTest : public vq::test::SessionFixture {
 };
 
 void ExpectNothingAllowed(const UA& may) {
-  for (const auto& row : kPrivileges) {
-    EXPECT_TRUE((may.*row.question)(DEFAULT_ACCESS)) << row.privilege;
-    EXPECT_FALSE((may.*row.question)(ACCESS_NONE)) << row.privilege;
+  for (const auto& [privilege, question] : kPrivileges) {
+    EXPECT_TRUE((may.*question)(DEFAULT_ACCESS) && !(may.*question)(ACCESS_NONE)) << privilege;
   }
   EXPECT_FALSE(may.IsAdministrator() || may.IsJobLevelAuthExist() ||
                may.CanBrowseUserOrderForce() || may.IsOpenArchivedViewPointAllowed());
@@ -101,9 +92,9 @@ void ExpectNothingAllowed(const UA& may) {
 }
 
 void ExpectGrants(const UA& may, bool granted) {
-  for (const auto& row : kKinds) {
-    EXPECT_EQ((may.*row.onKind)(), granted) << row.grants;
-    EXPECT_EQ((may.*row.onObject)(Named("A"), FULL_ACCESS), granted) << row.grants;
+  for (const auto& [kind, onObject, onKind] : kKinds) {
+    EXPECT_EQ((may.*onKind)(), granted) << kind;
+    EXPECT_EQ((may.*onObject)(Named("A"), FULL_ACCESS), granted) << kind;
   }
   EXPECT_EQ(may.IsServiceActionAccessAllowed(Named("A"), 3), granted);
 }
@@ -111,18 +102,18 @@ void ExpectGrants(const UA& may, bool granted) {
 TEST_F(UserAuthorizationsTest, EachPrivilegeAnswersItsOwnQuestions) {
   ASSERT_NO_FATAL_FAILURE(Start());
   std::vector<std::string> privileges(std::begin(kOthers), std::end(kOthers));
-  for (const auto& row : kPrivileges) privileges.emplace_back(row.privilege);
+  for (const auto& [privilege, question] : kPrivileges) privileges.emplace_back(privilege);
   for (const std::string& privilege : privileges) {
     for (int stored = DEFAULT_ACCESS; stored <= MAX_ACCESS; ++stored) {
       SCOPED_TRACE(privilege + " " + kLevelNames[stored]);
       Change({{"privileges", nullptr}});
       Change(Privilege(privilege, kLevelNames[stored]));
       ASSERT_EQ(Load(), 1);
-      for (const auto& row : kPrivileges) {
-        const int level = row.privilege == privilege ? stored : DEFAULT_ACCESS;
+      for (const auto& [other, question] : kPrivileges) {
+        const int level = other == privilege ? stored : DEFAULT_ACCESS;
         for (int asked = DEFAULT_ACCESS; asked <= MAX_ACCESS; ++asked) {
-          EXPECT_EQ((May().*row.question)(static_cast<QCSAuthLevelEnum>(asked)), level >= asked)
-              << row.privilege << " asked for " << kLevelNames[asked];
+          EXPECT_EQ((May().*question)(static_cast<QCSAuthLevelEnum>(asked)), level >= asked)
+              << other << " asked for " << kLevelNames[asked];
         }
       }
       EXPECT_EQ(May().IsAdministrator(), privilege == "AUTHORIZATION" && stored == FULL_ACCESS);
@@ -145,12 +136,12 @@ TEST_F(UserAuthorizationsTest, EachKindHasItsOwnGrantsTheUsersAndTheGroups) {
       both[whose].front() = Grant(filled.grants, "NAME LIKE 'A*'", "UPDATE_ACCESS");
       m_server->Patch(both);
       ASSERT_EQ(Load(), 1);
-      for (const auto& row : kKinds) {
-        const bool granted = row.grants == filled.grants;
-        EXPECT_EQ((May().*row.onKind)(), granted) << row.grants;
-        EXPECT_EQ((May().*row.onObject)(Named("AB"), UPDATE_ACCESS), granted) << row.grants;
-        EXPECT_FALSE((May().*row.onObject)(Named("AB"), FULL_ACCESS)) << row.grants;
-        EXPECT_FALSE((May().*row.onObject)(Named("B"), ACCESS_NONE)) << row.grants;
+      for (const auto& [kind, onObject, onKind] : kKinds) {
+        const bool granted = kind == filled.grants;
+        EXPECT_EQ((May().*onKind)(), granted) << kind;
+        EXPECT_EQ((May().*onObject)(Named("AB"), UPDATE_ACCESS), granted) << kind;
+        EXPECT_FALSE((May().*onObject)(Named("AB"), FULL_ACCESS)) << kind;
+        EXPECT_FALSE((May().*onObject)(Named("B"), ACCESS_NONE)) << kind;
       }
       EXPECT_EQ(May().IsServiceActionAccessAllowed(Named("AB"), 5),
                 filled.grants == kKinds[0].grants);
@@ -161,8 +152,7 @@ TEST_F(UserAuthorizationsTest, EachKindHasItsOwnGrantsTheUsersAndTheGroups) {
 
 TEST_F(UserAuthorizationsTest, ParametersDecideOrderForceAndPasswordChange) {
   ASSERT_NO_FATAL_FAILURE(Start(Privilege("AUTHORIZATION", "UPDATE_ACCESS")));
-  const json unreadable = {{"fail", 1}};
-  // An unreadable one leaves the answer as it was.
+  const json unreadable = {{"fail", 1}};  // It leaves the answer as it was.
   const std::pair<json, bool> kOrderForce[] = {{"browse_access", false}, {"BROWSE_ACCESS", true},
                                                {unreadable, true},       {"BROWSE_ACCESS ", false},
                                                {unreadable, false},      {"", false}};
@@ -183,57 +173,40 @@ TEST_F(UserAuthorizationsTest, ParametersDecideOrderForceAndPasswordChange) {
   }
 }
 
-TEST_F(UserAuthorizationsTest, ALoadAsksInOrderAndQuestionsAskNothing) {
-  ASSERT_NO_FATAL_FAILURE(Start({{"jobLevelAuthorization", true}}));
-  EXPECT_TRUE(May().IsJobLevelAuthExist());
-  m_server->ForgetCalls();
-  ASSERT_EQ(Load(), 1);
-  const std::vector<std::string> kCalls = {"CRB_GetMyAuthorizationsFromMemory",
-                                           "CRB_IsJobLevelAuthExist", "CRB_GetSystemParameterValue",
-                                           "CRB_GetSystemParameterValue"};
-  for (const auto& row : kPrivileges) (May().*row.question)(FULL_ACCESS);
-  for (const auto& row : kKinds) (May().*row.onObject)(Named("A"), FULL_ACCESS);
-  EXPECT_EQ(m_server->Operations(), kCalls);
-}
-
 TEST_F(UserAuthorizationsTest, AFailedLoadTellsWhyAndLeavesWhatItHadCopied) {
   ASSERT_NO_FATAL_FAILURE(Start());
   constexpr auto kFetch = "CRB_GetMyAuthorizationsFromMemory";
   constexpr auto kJobLevel = "CRB_IsJobLevelAuthExist";
-  const struct {
-    const char *operation, *exception;
-    int result;
-    const char* line;
-  } kRows[] = {{kFetch, "USER_NOT_FOUND", 0, "Caught a UserNotFound Exception - why"},
-               {kJobLevel, "USER_NOT_FOUND", 0, "Caught a UserNotFound Exception - why"},
-               {kJobLevel, "USER_NOT_AUTHORIZED", 43, "Caught a UserNotAuthorized Exception - why"},
-               {kFetch, "USER_NOT_AUTHORIZED", 23, "CORBA Exception UNKNOWN"},
-               {kJobLevel, "COMM_FAILURE", 23, "CORBA Exception COMM_FAILURE"}};
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.operation + std::string(" ") + row.exception);
+  const std::tuple<std::string, std::string, int, const char*> rows[] = {
+      {kFetch, "USER_NOT_FOUND", 0, "Caught a UserNotFound Exception - why"},
+      {kJobLevel, "USER_NOT_FOUND", 0, "Caught a UserNotFound Exception - why"},
+      {kJobLevel, "USER_NOT_AUTHORIZED", 43, "Caught a UserNotAuthorized Exception - why"},
+      {kFetch, "USER_NOT_AUTHORIZED", 23, "CORBA Exception UNKNOWN"},
+      {kJobLevel, "COMM_FAILURE", 23, "CORBA Exception COMM_FAILURE"}};
+  for (const auto& [operation, exception, result, line] : rows) {
+    SCOPED_TRACE(operation + " " + exception);
     Change(Privilege("ALERT", "UPDATE_ACCESS"));
     Change(Grant("tables", "*"));
     ASSERT_EQ(Load(), 1);
     Change(Privilege("ALERT", "FULL_ACCESS"));
     Change({{"grants", nullptr}});
-    json fault = {{"action", "raise"}, {"message", "why"}};
-    fault.update({{"operation", row.operation}, {"exception", row.exception}});
-    m_server->SetFaults(json::array({fault}));
+    json fault = vq::test::Raise(operation, exception);
+    fault[0]["message"] = "why";
+    m_server->SetFaults(fault);
     m_log.Clear();
-    EXPECT_EQ(Load(), row.result);
-    EXPECT_EQ(m_log.Count(1, row.line), 1) << m_log.Text();
-    EXPECT_EQ(May().IsAlertsAccessAllowed(FULL_ACCESS), row.operation == kJobLevel);
+    EXPECT_EQ(Load(), result);
+    EXPECT_EQ(m_log.Count(1, line), 1) << m_log.Text();
+    EXPECT_EQ(May().IsAlertsAccessAllowed(FULL_ACCESS), operation == kJobLevel);
     EXPECT_TRUE(May().IsSchdTblsAccessAllowed());
     m_server->SetFaults(json::array());
     EXPECT_EQ(Load(), 1);
     EXPECT_TRUE(May().IsAlertsAccessAllowed(FULL_ACCESS));
     EXPECT_FALSE(May().IsSchdTblsAccessAllowed());
   }
-  const std::string userId = LoginHandler::GetGlobal()->GetUserID();
   ASSERT_EQ(GL_LogOut(false), 1);
   m_server->Kill();
   m_log.Clear();
-  EXPECT_EQ(UA::Get()->LoadAuthorizations(userId), 0);
+  EXPECT_EQ(Load(), 0);
   const char* kLine = "couldn't get CORBA servant automatic reconnect process is to be invoked.";
   EXPECT_EQ(m_log.Count(1, kLine), 1) << m_log.Text();
 }
@@ -242,12 +215,13 @@ TEST_F(UserAuthorizationsTest, NothingIsAllowedWithoutALoadAndResetLeavesTheGran
   ExpectNothingAllowed(UA());
   ExpectGrants(UA(), false);
   json alice = {{"jobLevelAuthorization", true}};
-  for (const auto& row : kPrivileges) alice.merge_patch(Privilege(row.privilege, "FULL_ACCESS"));
+  for (const auto& row : kPrivileges) alice.merge_patch(Privilege(row.first, "FULL_ACCESS"));
   for (const char* name : kOthers) alice.merge_patch(Privilege(name, "FULL_ACCESS"));
   for (const auto& row : kKinds) alice.merge_patch(Grant(row.grants, "*"));
   ASSERT_NO_FATAL_FAILURE(Start(alice));
   m_server->SetParameter("gsr", "Action_OrderForce_AuthLevel", "BROWSE_ACCESS");
   m_server->SetParameter("gui", "UserChangePassword", "1");
+  m_server->ForgetCalls();
   ASSERT_EQ(Load(), 1);
   EXPECT_TRUE(May().IsAdministrator() && May().CanBrowseUserOrderForce() &&
               May().IsJobLevelAuthExist() && May().IsOpenArchivedViewPointAllowed());
@@ -259,6 +233,10 @@ TEST_F(UserAuthorizationsTest, NothingIsAllowedWithoutALoadAndResetLeavesTheGran
   EXPECT_TRUE(kept.IsAdministrator());  // the copy is of the state before
   EXPECT_EQ(kept.GetCLIAccess(), FULL_ACCESS);
   ExpectGrants(kept, true);
+  EXPECT_EQ(
+      m_server->Operations(),  // Only the load asks the server.
+      (std::vector<std::string>{"CRB_GetMyAuthorizationsFromMemory", "CRB_IsJobLevelAuthExist",
+                                "CRB_GetSystemParameterValue", "CRB_GetSystemParameterValue"}));
   ASSERT_EQ(Load(), 1);
   EXPECT_TRUE(May().IsAdministrator());
   GL_LogOut(false);

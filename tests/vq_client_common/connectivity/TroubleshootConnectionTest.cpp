@@ -1,10 +1,7 @@
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 
-#include <map>
 #include <memory>
 #include <set>
-#include <string>
-#include <vector>
 
 #include <arpa/inet.h>
 #include <ifaddrs.h>
@@ -19,6 +16,7 @@
 namespace vq::test {
 namespace {
 
+using Troubleshoot = TroubleshootConnection;
 using Scopes = std::map<std::string, std::map<std::string, std::string>>;
 
 class TroubleshootConnectionTest : public ::testing::Test {
@@ -30,7 +28,6 @@ class TroubleshootConnectionTest : public ::testing::Test {
     EXPECT_TRUE(domain->Load()) << domain->Error();
     return domain;
   }
-
   void Write(const Scopes& scopes) const {
     m_directory.Write("root/config/vq.xml", "<domain/>");
     const auto domain = Domain();
@@ -39,7 +36,6 @@ class TroubleshootConnectionTest : public ::testing::Test {
     }
     EXPECT_TRUE(domain->Save());
   }
-
   Scopes Read() const {
     Scopes scopes;
     const auto domain = Domain();
@@ -58,127 +54,99 @@ class TroubleshootConnectionTest : public ::testing::Test {
 };
 
 TEST_F(TroubleshootConnectionTest, AnEndpointPublishesAndListensEverywhere) {
-  const struct {
-    const char *before, *host, *after;
-  } kRows[] = {
+  const char* const rows[][3] = {
       {"", "10.0.0.1", "iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0"},
       {"iiop://h:5000", "10.0.0.1", "iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0"},
       {"iiop://h:0/foo", "a", "iiop:///hostname_in_ior=a&reuse_addr=0"},
       {"iiop://h/hostname_in_ior=b&reuse_addr=1", "", "iiop://"},
       {"iiop://h;", "a", "iiop://h;"},  // cannot be taken apart
-      {"x", "a", "x"},
-  };
-  for (const auto& row : kRows) {
-    std::string endpoint = row.before;
-    TroubleshootConnection::TransformEndpoint(endpoint, row.host);
-    EXPECT_EQ(endpoint, row.after) << row.before;
+      {"x", "a", "x"}};
+  for (const auto& [before, host, after] : rows) {
+    std::string endpoint = before;
+    Troubleshoot::TransformEndpoint(endpoint, host);
+    EXPECT_EQ(endpoint, after) << before;
   }
 }
 
 TEST_F(TroubleshootConnectionTest, TheChoiceIsWrittenForEveryScope) {
-  const std::string own = "iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0";
-  const std::string masked = "iiop:///hostname_in_ior=$IP&reuse_addr=0";
-  const struct {
-    Scopes before;
-    const char* address;
-    bool biDir, isMask;
-    Scopes after;
-  } kRows[] = {
-      // Nothing there: "default" gets all of it.
-      {{},
-       "10.0.0.1",
-       true,
-       false,
-       {{"default", {{"-ORBListenEndpoints", own}, {"-BiDirPolicy", "1"}}}}},
-      {{},
-       "10.1.",
-       false,
-       true,
-       {{"default",
-         {{"-ORBListenEndpoints", masked}, {"-BiDirPolicy", "0"}, {"-PreferIPMask", "10.1."}}}}},
-      // A scope keeps an endpoint of its own only where it differs, and no other bidirectional.
-      {{{"default", {{"-ORBListenEndpoints", "iiop://old"}}},
-        {"CLI", {{"-BiDirPolicy", "0"}, {"-ORBCallTimeout", "7"}}},
-        {"GUI", {{"-ORBListenEndpoints", "iiop://gui"}, {"-BiDirPolicy", "0"}}},
-        {"VCM", {{"-ORBListenEndpoints", "iiop://vcm:5000"}}}},
-       "10.0.0.1",
-       true,
-       false,
-       {{"default", {{"-ORBListenEndpoints", own}, {"-BiDirPolicy", "1"}}},
-        {"CLI", {{"-ORBCallTimeout", "7"}}},
-        {"VCM", {{"-ORBListenEndpoints", "iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0"}}}}},
-      // An empty variable is there all the same, and becomes what it stands for.
-      {{{"GUI", {{"-ORBListenEndpoints", ""}}}},
-       "10.0.0.1",
-       false,
-       false,
-       {{"default", {{"-ORBListenEndpoints", own}, {"-BiDirPolicy", "0"}}}}},
+  const auto scope = [](const std::string& endpoint, const char* biDir) {
+    return Scopes::mapped_type{{"-ORBListenEndpoints", endpoint}, {"-BiDirPolicy", biDir}};
   };
-  for (const auto& row : kRows) {
-    Write(row.before);
-    EXPECT_TRUE(TroubleshootConnection::ORBConfigure(row.address, row.biDir, row.isMask));
-    EXPECT_EQ(Read(), row.after) << row.address;
-  }
+  const std::string own = "iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0";
+  // Nothing there: "default" gets all of it.
+  Write({});
+  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.0.0.1", true, false));
+  EXPECT_EQ(Read(), (Scopes{{"default", scope(own, "1")}}));
+  Write({});
+  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.1.", false, true));
+  Scopes masked{{"default", scope("iiop:///hostname_in_ior=$IP&reuse_addr=0", "0")}};
+  masked["default"]["-PreferIPMask"] = "10.1.";
+  EXPECT_EQ(Read(), masked);
   EXPECT_TRUE(m_log.Has(4, "Going to publish: 10.1. (IP mask)"));
+  // A scope keeps an endpoint of its own only where it differs, and no other bidirectional.
+  Write({{"default", {{"-ORBListenEndpoints", "iiop://old"}}},
+         {"CLI", {{"-BiDirPolicy", "0"}, {"-ORBCallTimeout", "7"}}},
+         {"GUI", scope("iiop://gui", "0")},
+         {"VCM", {{"-ORBListenEndpoints", "iiop://vcm:5000"}}}});
+  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.0.0.1", true, false));
+  const std::string ported = "iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0";
+  EXPECT_EQ(Read(), (Scopes{{"default", scope(own, "1")},
+                            {"CLI", {{"-ORBCallTimeout", "7"}}},
+                            {"VCM", {{"-ORBListenEndpoints", ported}}}}));
+  // An empty variable is there all the same, and becomes what it stands for.
+  Write({{"GUI", {{"-ORBListenEndpoints", ""}}}});
+  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.0.0.1", false, false));
+  EXPECT_EQ(Read(), (Scopes{{"default", scope(own, "0")}}));
   EXPECT_TRUE(m_log.Has(4, "Saved configuration domain: vq"));
 }
 
-TEST_F(TroubleshootConnectionTest, AMalformedDomainIsRefusedAndKept) {
+TEST_F(TroubleshootConnectionTest, AMalformedDomainIsRefusedAndKeptAndAFailedSaveGoesUnnoticed) {
   m_directory.Write("root/config/vq.xml", "<domain");
-  EXPECT_FALSE(TroubleshootConnection::ORBConfigure("10.0.0.1", true, false));
+  EXPECT_FALSE(Troubleshoot::ORBConfigure("10.0.0.1", true, false));
   long roundTrip = -1;
-  EXPECT_FALSE(TroubleshootConnection::ORBInitAndTestCallback(true, "10.0.0.1", roundTrip, false));
+  EXPECT_FALSE(Troubleshoot::ORBInitAndTestCallback(true, "10.0.0.1", roundTrip, false));
   EXPECT_EQ(m_log.Count(1, "Failed to load configuration domain: vq"), 2);
-  EXPECT_EQ(ReadFile(m_directory / "root/config/vq.xml"), "<domain");
-}
-
-TEST_F(TroubleshootConnectionTest, AChoiceThatCannotBeSavedGoesUnnoticed) {
+  EXPECT_EQ(m_directory.Read("root/config/vq.xml"), "<domain");
   m_environment.Set("VQ_CONFIG_DOMAINS", "/proc/no-such-directory");
-  EXPECT_TRUE(TroubleshootConnection::ORBConfigure("10.0.0.1", true, false));
+  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.0.0.1", true, false));
 }
 
 TEST_F(TroubleshootConnectionTest, FindsTheAddressesThatTheSystemHas) {
-  std::set<std::string> expected;
+  std::set<std::string> expected, addresses;
   ifaddrs* found = nullptr;
   ASSERT_EQ(::getifaddrs(&found), 0);
   for (const ifaddrs* one = found; one != nullptr; one = one->ifa_next) {
     if (one->ifa_addr == nullptr || one->ifa_addr->sa_family != AF_INET) continue;
-    char text[INET_ADDRSTRLEN];
-    ::inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(one->ifa_addr)->sin_addr, text,
-                sizeof text);
-    if (std::string(text) != "127.0.0.1") expected.insert(text);
+    expected.insert(::inet_ntoa(reinterpret_cast<const sockaddr_in*>(one->ifa_addr)->sin_addr));
   }
   ::freeifaddrs(found);
+  expected.erase("127.0.0.1");
 
   IPAddressInfo kept{"kept", "", false, 0};
   std::vector<IPAddressInfo*> list{&kept};
   unsigned int index = 77;
-  TroubleshootConnection::IdentifyIPAddresses(list, index);
+  Troubleshoot::IdentifyIPAddresses(list, index);
   EXPECT_EQ(index, expected.empty() ? 77U : 1U);
-  std::set<std::string> addresses;
   for (std::size_t i = 1; i < list.size(); ++i) {
     const std::unique_ptr<IPAddressInfo> info(list[i]);
     if (info->ipAddress.find(':') == std::string::npos) addresses.insert(info->ipAddress);
-    EXPECT_FALSE(info->hostName.empty());
-    EXPECT_FALSE(info->isTested);
-    EXPECT_EQ(info->roundTrip, 0);
+    EXPECT_TRUE(!info->hostName.empty() && !info->isTested && info->roundTrip == 0);
   }
   EXPECT_EQ(addresses, expected);
 }
 
 TEST_F(TroubleshootConnectionTest, TheTimeoutIsFiveSecondsUntilItIsSet) {
-  EXPECT_EQ(TroubleshootConnection::GetTimeout4TestCallback(), 5000);
-  TroubleshootConnection::SetTimeout4TestCallback(1);
-  EXPECT_EQ(TroubleshootConnection::GetTimeout4TestCallback(), 1);
-  TroubleshootConnection::SetTimeout4TestCallback(5000);
+  EXPECT_EQ(Troubleshoot::GetTimeout4TestCallback(), 5000);
+  Troubleshoot::SetTimeout4TestCallback(1);
+  EXPECT_EQ(Troubleshoot::GetTimeout4TestCallback(), 1);
+  Troubleshoot::SetTimeout4TestCallback(5000);
 }
 
 TEST_F(TroubleshootConnectionTest, AReferenceThatLeadsNowhereSaysWhy) {
-  std::string host = "kept";
-  std::string port = "kept";
-  EXPECT_FALSE(
-      TroubleshootConnection::GetNetworkInterface4Server(CORBA::Object::_nil(), host, port, E_GSR));
-  EXPECT_FALSE(TroubleshootConnection::GetNetworkInterface4Server(nullptr, host, port, E_GSR));
+  std::string host = "kept", port = "kept";
+  for (const CORBA::Object_ptr reference : {CORBA::Object::_nil(), CORBA::Object_ptr()}) {
+    EXPECT_FALSE(Troubleshoot::GetNetworkInterface4Server(reference, host, port, E_GSR));
+  }
   EXPECT_EQ(m_log.Count(1, "Nil"), 2);
   EXPECT_EQ(host + port, "keptkept");
 }

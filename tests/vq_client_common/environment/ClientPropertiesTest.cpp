@@ -1,10 +1,6 @@
 #include <vq_client_common/environment/ClientProperties.h>
 
 #include <climits>
-#include <filesystem>
-#include <string>
-#include <tuple>
-#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -52,11 +48,10 @@ class ClientPropertiesTest : public ::testing::Test {
 TEST_F(ClientPropertiesTest, ThereIsOneUntilItIsReleased) {
   for (int time = 0; time < 2; ++time) {
     EXPECT_EQ(ClientProperties::g_pClientProperties, nullptr);
-    ClientProperties* properties = ClientProperties::Get();
+    const ClientProperties* properties = ClientProperties::Get();
     EXPECT_EQ(properties, ClientProperties::g_pClientProperties);
     EXPECT_EQ(properties, ClientProperties::Get());
-    Released::ReleaseStaticObject();
-    Released::ReleaseStaticObject();
+    for (int release = 0; release < 2; ++release) Released::ReleaseStaticObject();
   }
 }
 
@@ -97,10 +92,9 @@ TEST_F(ClientPropertiesTest, AFailedReloadLeavesTheStoreEmpty) {
 }
 
 TEST_F(ClientPropertiesTest, AHostileFileCostsLittleAndFetchesNothing) {
-  const auto refuses = [this](const std::string& content) {
-    return Loaded(content)->GetStringValue("K", "").empty();
-  };
-  vq::test::ExpectHarmless(m_directory, "P", "<P><K>", "</K></P>", refuses);
+  vq::test::ExpectHarmless(m_directory, "P", "<P><K>", "</K></P>", [&](const std::string& text) {
+    return Loaded(text)->GetStringValue("K", "").empty();
+  });
 }
 
 TEST_F(ClientPropertiesTest, Numbers) {
@@ -125,7 +119,6 @@ TEST_F(ClientPropertiesTest, SavesInItsForm) {
       "<Properties>\n\t<B>-5</B>\n\t<b>a&lt;b&amp;c&gt;&quot;&apos;%d</b>\n"
       "\t<c.c></c.c>\n</Properties>\n";
   EXPECT_EQ(File(), saved);
-
   ClientProperties copy = *properties;
   Released::ReleaseStaticObject();
   copy.Reload();
@@ -193,17 +186,17 @@ TEST_F(ClientPropertiesTest, StrXGivesTheTextInTheLocalesEncoding) {
 TEST_F(ClientPropertiesTest, VqNodeFilterAcceptsItsTypeAndNameAlone) {
   ClientProperties::Get();  // starts the XML library
   auto* document = xercesc::DOMImplementation::getImplementation()->createDocument();
-  const auto answer = [element = document->createElement(u"server")](short type, const char* name,
-                                                                     bool reject) {
-    return static_cast<int>(VqNodeFilter(type, name, reject).acceptNode(element));
-  };
-  constexpr short kElement = xercesc::DOMNode::ELEMENT_NODE,
-                  kComment = xercesc::DOMNode::COMMENT_NODE;
-  EXPECT_EQ(answer(kElement, "server", true), 1) << "accept";
-  EXPECT_EQ(answer(kElement, "other", true), 2) << "reject";
-  EXPECT_EQ(answer(kComment, "server", true), 2) << "reject";
-  EXPECT_EQ(answer(kElement, "other", false), 3) << "skip";
-  EXPECT_EQ(answer(0, "server", true), 3) << "skip";
+  const auto* element = document->createElement(u"server");
+  constexpr short kElement = xercesc::DOMNode::ELEMENT_NODE;
+  const std::tuple<short, const char*, bool, int> rows[] = {
+      {kElement, "server", true, 1},
+      {kElement, "other", true, 2},
+      {xercesc::DOMNode::COMMENT_NODE, "server", true, 2},
+      {kElement, "other", false, 3},
+      {0, "server", true, 3}};  // 1 accepts, 2 rejects, 3 skips
+  for (const auto& [type, name, reject, answer] : rows) {
+    EXPECT_EQ(VqNodeFilter(type, name, reject).acceptNode(element), answer) << type << name;
+  }
   document->release();
 }
 

@@ -2,9 +2,6 @@
 
 #include <sstream>
 #include <stdexcept>
-#include <string>
-#include <tuple>
-#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -16,8 +13,7 @@ using ::testing::ElementsAre;
 using ::testing::internal::CaptureStdout;
 using ::testing::internal::GetCapturedStdout;
 
-class Parser : public CmdParser {
- public:
+struct Parser : CmdParser {
   explicit Parser(bool caseSensitive = false) : CmdParser(caseSensitive, true) {}
   using CmdParser::trim;
 
@@ -44,19 +40,18 @@ class Parser : public CmdParser {
 };
 
 TEST(CmdParserTest, ArgumentsBecomeParametersAndSwitches) {
-  const struct {
-    const char *line, *folded, *caseKept;
-  } cases[] = {{"", "", ""},
-               {"-u Al -p s /v", "P = s\nU = Al\n/V\n", "p = s\nu = Al\n/v\n"},
-               {"-x -5", "5 = \nX = \n", "5 = \nx = \n"},
-               {"-x /y", "X = /y\n", "x = /y\n"},
-               {"a b c", "a = b\nc = \n", "a = b\nc = \n"},
-               {"-x 2 -x 1", "X = 2\nX = 1\n", "x = 2\nx = 1\n"},
-               {"/v /V /v", "/V\n/V\n/V\n", "/v\n/V\n/v\n"},
-               {"/ -", " = \n/\n", " = \n/\n"},
-               {" V", " = V\n", " = V\n"},
-               {"--x 1 //y", "-X = 1\n//Y\n", "-x = 1\n//y\n"},
-               {"bare -\xe4", "bare = \n\xe4 = \n", "bare = \n\xe4 = \n"}};
+  const char* const cases[][3] = {// the line, what it becomes in capitals, and with its case
+                                  {"", "", ""},
+                                  {"-u Al -p s /v", "P = s\nU = Al\n/V\n", "p = s\nu = Al\n/v\n"},
+                                  {"-x -5", "5 = \nX = \n", "5 = \nx = \n"},
+                                  {"-x /y", "X = /y\n", "x = /y\n"},
+                                  {"a b c", "a = b\nc = \n", "a = b\nc = \n"},
+                                  {"-x 2 -x 1", "X = 2\nX = 1\n", "x = 2\nx = 1\n"},
+                                  {"/v /V /v", "/V\n/V\n/V\n", "/v\n/V\n/v\n"},
+                                  {"/ -", " = \n/\n", " = \n/\n"},
+                                  {" V", " = V\n", " = V\n"},
+                                  {"--x 1 //y", "-X = 1\n//Y\n", "-x = 1\n//y\n"},
+                                  {"bare -\xe4", "bare = \n\xe4 = \n", "bare = \n\xe4 = \n"}};
   for (const auto& [line, folded, caseKept] : cases) {
     EXPECT_EQ(Parser(false).Parse(line).Debug(), folded);
     EXPECT_EQ(Parser(true).Parse(line).Debug(), caseKept);
@@ -75,13 +70,12 @@ TEST(CmdParserTest, AVectorThatEndsEarlyIsReadToItsEnd) {
 TEST(CmdParserTest, AParameterIsFoundByItsNameAndThenByItsShortName) {
   Parser parser;
   parser.Parse("-l v -x 1 -X 2 -x 3 -empty -e short bare b");
-  const struct {
-    const char *name, *shortName, *value, *longOnly;
-  } cases[] = {{"longname", "l", "v", ""},
-               {"x", "L", "1", "1"},
-               {"EMPT", "E", "short", ""},
-               {"empty", "e", "", ""},  // present with an empty value: the short name is not tried
-               {"bare", "", "", ""}};
+  const char* const cases[][4] = {
+      {"longname", "l", "v", ""},
+      {"x", "L", "1", "1"},
+      {"EMPT", "E", "short", ""},
+      {"bare", "", "", ""},
+      {"empty", "e", "", ""}};  // there, and empty: the short name is not tried
   for (const auto& [name, shortName, value, longOnly] : cases) {
     parser.SetAcceptShortParams(true);
     EXPECT_EQ(parser.param(name, shortName), value) << name;

@@ -1,9 +1,5 @@
 #include <vq_client_common/environment/UserPass.h>
 
-#include <optional>
-#include <string>
-#include <vector>
-
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -16,13 +12,11 @@ namespace {
 using ::testing::ElementsAreArray;
 using Lines = std::vector<std::string>;
 
-const std::string kComplete = "5 Have Username and Password";
-const std::string kAsks =
-    "4 No/Missing parameters supplied for Username/Password, get from console";
-const std::string kReads = "5 Have password file name, trying to get contents.";
-const std::string kFailed = "1 Username/Password Conflict/Error: ";
-const std::string kNoAnswer = "1 Error receiving Username.";  // for the password too
-const std::string kBadFile = "1 Error receiving Username and Password from file.";
+constexpr auto kComplete = "5 Have Username and Password";
+constexpr auto kAsks = "4 No/Missing parameters supplied for Username/Password, get from console";
+constexpr auto kReads = "5 Have password file name, trying to get contents.";
+constexpr auto kNoAnswer = "1 Error receiving Username.";  // for the password too
+constexpr auto kBadFile = "1 Error receiving Username and Password from file.";
 
 constexpr const char* kWords[] = {"Missing Login Parameters.",
                                   "Missing password",
@@ -79,7 +73,9 @@ TEST(UserPassTest, InitCompletesWhatIsGivenOrTellsWhyNot) {
     EXPECT_EQ(credentials.isCorrectable(), status < 3);
     EXPECT_EQ(credentials.GetUsername() + "/" + credentials.GetPassword(), after);
     Lines expected = lines;
-    if (status != 3) expected.push_back(kFailed + kWords[status]);
+    if (status != 3) {
+      expected.push_back(std::string("1 Username/Password Conflict/Error: ") + kWords[status]);
+    }
     EXPECT_THAT(log.Take(), ElementsAreArray(expected));
   }
   TDiag::Instance()->ClearModuleLevels();

@@ -1,17 +1,13 @@
 #include <vq_client_common/text/BaseString.h>
 
-#include <cstddef>
 #include <functional>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 
 namespace {
 
 using std::string;
-using testing::ElementsAre;
 using Text = BaseString;
 
 const auto kBadPosition = testing::ThrowsMessage<std::out_of_range>("invalid string position");
@@ -68,20 +64,18 @@ TEST(BaseStringTest, EachChangeGivesItsValue) {
 
 TEST(BaseStringTest, Searches) {
   const Text text = "abcabc";
-  EXPECT_THAT((std::vector{text.Find('b'), text.Find('b', 2), text.Find('x'), text.Find('a', -1)}),
-              ElementsAre(1, 4, -1, -1));
-  EXPECT_THAT(
-      (std::vector{text.Find("ca"), text.Find("bc", 2), text.Find("", 6), text.Find("", 7)}),
-      ElementsAre(2, 4, 6, -1));
-  EXPECT_THAT((std::vector{text.FindOneOf("xcb"), text.FindOneOf("")}), ElementsAre(1, -1));
-  EXPECT_THAT((std::vector{text.ReverseFind('a'), text.ReverseFind('x')}), ElementsAre(3, -1));
-  EXPECT_THAT((std::vector{text.FindNoCase("AB"), text.FindNoCase("BC"), text.FindNoCase("X")}),
-              ElementsAre(1, 1, 0));  // found, and not where
+  using Found = std::vector<int>;
+  EXPECT_EQ((Found{text.Find('b'), text.Find('b', 2), text.Find('x')}), (Found{1, 4, -1}));
+  EXPECT_EQ((Found{text.Find("ca"), text.Find("bc", 2), text.Find("", 6)}), (Found{2, 4, 6}));
+  EXPECT_EQ((Found{text.Find('a', -1), text.Find("", 7)}), (Found{-1, -1}));
+  EXPECT_EQ((Found{text.FindOneOf("xcb"), text.FindOneOf("")}), (Found{1, -1}));
+  EXPECT_EQ((Found{text.ReverseFind('a'), text.ReverseFind('x')}), (Found{3, -1}));
+  EXPECT_EQ((Found{text.FindNoCase("AB"), text.FindNoCase("BC")}), (Found{1, 1})) << "not where";
+  EXPECT_EQ(text.FindNoCase("X"), 0);
 }
 
 TEST(BaseStringTest, Compares) {
-  EXPECT_LT(Text("a").Compare("b"), 0);
-  EXPECT_GT(Text("b").compare("a"), 0);
+  EXPECT_TRUE(Text("a").Compare("b") < 0 && Text("b").compare("a") > 0);
   EXPECT_NE(Text("a").Compare("A"), 0);
   EXPECT_EQ(Text("aBc").CompareNoCase("AbC"), 0);
   EXPECT_LT(Text("A").CompareNoCase("b"), 0);
@@ -111,36 +105,32 @@ TEST(BaseStringTest, RefusesWhatNoTextCanHave) {
 
 TEST(BaseStringTest, GivesParts) {
   const Text text = "abc";
-  const struct {
-    int count;
-    const char *left, *right, *middle;
-  } kRows[] = {{0, "", "", ""},         {1, "a", "c", "b"},       {2, "ab", "bc", "bc"},
-               {5, "abc", "abc", "bc"}, {-1, "abc", "abc", "bc"}, {100, "abc", "abc", "bc"}};
-  for (const auto& row : kRows) {
-    EXPECT_STREQ(text.Left(row.count), row.left) << row.count;
-    EXPECT_STREQ(text.Right(row.count), row.right) << row.count;
-    EXPECT_STREQ(text.Mid(1, row.count), row.middle) << row.count;
+  const std::pair<int, const char*> kRows[] = {{0, "||"},          {1, "a|c|b"},
+                                               {2, "ab|bc|bc"},    {5, "abc|abc|bc"},
+                                               {-1, "abc|abc|bc"}, {100, "abc|abc|bc"}};
+  for (const auto& [count, parts] : kRows) {
+    EXPECT_EQ(
+        text.Left(count).Std() + "|" + text.Right(count).Std() + "|" + text.Mid(1, count).Std(),
+        parts)
+        << count;
   }
   EXPECT_TRUE(text.Mid(3).IsEmpty() && text.Mid(9, 1).IsEmpty());
 }
 
 // Against plain loops: every text of up to six of these characters.
 TEST(BaseStringTest, TrimsTheTwoEndsDifferently) {
-  const struct {
-    void (Text::*trim)();
-    string left, right;
-  } kRows[] = {{&Text::TrimLeft, "\n \t", ""},
-               {&Text::TrimRight, "", " \t\r\n"},
-               {&Text::Trim, "\n \t", " \t\r\n"}};
+  const std::tuple<void (Text::*)(), string, string> kRows[] = {{&Text::TrimLeft, "\n \t", ""},
+                                                                {&Text::TrimRight, "", " \t\r\n"},
+                                                                {&Text::Trim, "\n \t", " \t\r\n"}};
   for (unsigned number = 0; number < 5 * 5 * 5 * 5 * 5 * 5; ++number) {
     string value;
     for (unsigned rest = number; rest > 0; rest /= 5) value += " \t\r\nx"[rest % 5];
-    for (const auto& row : kRows) {
+    for (const auto& [trim, left, right] : kRows) {
       string plain = value;
-      while (!plain.empty() && row.left.find(plain[0]) != string::npos) plain.erase(0, 1);
-      while (!plain.empty() && row.right.find(plain.back()) != string::npos) plain.pop_back();
+      while (!plain.empty() && left.find(plain[0]) != string::npos) plain.erase(0, 1);
+      while (!plain.empty() && right.find(plain.back()) != string::npos) plain.pop_back();
       Text text = value;
-      (text.*row.trim)();
+      (text.*trim)();
       ASSERT_EQ(text.Std(), plain);
     }
   }

@@ -1,11 +1,8 @@
 #include <vq_client_common/text/ConvertFunctions.h>
 
-#include <algorithm>
-#include <cstddef>
 #include <functional>
 #include <random>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>

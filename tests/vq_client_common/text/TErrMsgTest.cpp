@@ -2,7 +2,6 @@
 #include <vq_client_common/text/TErrMsgs.h>
 
 #include <stdexcept>
-#include <string>
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,6 @@
 #include <vq_client_common/text/TablePath.h>
 
-#include <array>
-#include <list>
 #include <random>
-#include <string>
 
 #include <gtest/gtest.h>
 
@@ -12,12 +9,12 @@ namespace {
 using List = std::list<std::string>;
 
 TEST(TablePathTest, AppendJoinsWithOneSeparator) {
-  const std::array<const char*, 4> kRows[] = {// path, name, the output before and after
-                                              {"T1", "T2", "old", "T1/T2"},
-                                              {"T1/", "T2", "", "T1/T2"},
-                                              {"T1", "", "", "T1/"},
-                                              {"", "T", "kept", "keptT"},
-                                              {"a//", "/b", "", "a///b"}};
+  // The path, the name, and the output before and after.
+  const char* const kRows[][4] = {{"T1", "T2", "old", "T1/T2"},
+                                  {"T1/", "T2", "", "T1/T2"},
+                                  {"T1", "", "", "T1/"},
+                                  {"", "T", "kept", "keptT"},
+                                  {"a//", "/b", "", "a///b"}};
   for (const auto& [path, name, before, after] : kRows) {
     std::string out = before;
     EXPECT_TRUE(AppendToTablePath(path, name, out));
@@ -26,28 +23,25 @@ TEST(TablePathTest, AppendJoinsWithOneSeparator) {
 }
 
 TEST(TablePathTest, PathsComeApart) {
-  const struct {
-    std::string path;
-    List names, leftMost, rightMost;
-  } kRows[] = {{"T1/T2/T3", {"T1", "T2", "T3"}, {"T1", "T2/T3"}, {"T1/T2", "T3"}},
-               {"T1", {"T1"}, {"T1", ""}, {"T1", "T1"}},  // the two ends differ
-               {"", {}, {"", ""}, {"", ""}},
-               {"/T1", {"", "T1"}, {"", "T1"}, {"", "T1"}},
-               {"T1/", {"T1"}, {"T1", ""}, {"T1", ""}},
-               {"a//b", {"a", "", "b"}, {"a", "/b"}, {"a/", "b"}},
-               {{"a/b\0c", 5}, {"a", {"b\0c", 3}}, {"a", {"b\0c", 3}}, {"a", "b"}}};
-  for (const auto& row : kRows) {
-    List names = {"old", row.path};
+  const std::tuple<std::string, List, List, List> kRows[] = {
+      {"T1/T2/T3", {"T1", "T2", "T3"}, {"T1", "T2/T3"}, {"T1/T2", "T3"}},
+      {"T1", {"T1"}, {"T1", ""}, {"T1", "T1"}},  // the two ends differ
+      {"", {}, {"", ""}, {"", ""}},
+      {"/T1", {"", "T1"}, {"", "T1"}, {"", "T1"}},
+      {"T1/", {"T1"}, {"T1", ""}, {"T1", ""}},
+      {"a//b", {"a", "", "b"}, {"a", "/b"}, {"a/", "b"}},
+      {{"a/b\0c", 5}, {"a", {"b\0c", 3}}, {"a", {"b\0c", 3}}, {"a", "b"}}};
+  for (const auto& [path, all, leftMost, rightMost] : kRows) {
+    List names = {"old", path};
     EXPECT_TRUE(SplitTablePath(names.back(), names));
-    EXPECT_EQ(names, row.names) << row.path;
-    std::string left = row.path;
-    std::string right = "old";
+    EXPECT_EQ(names, all) << path;
+    std::string left = path, right = "old";
     EXPECT_TRUE(SplitLeftMost(left, left, right));
-    EXPECT_EQ((List{left, right}), row.leftMost) << row.path;
-    right = row.path;
+    EXPECT_EQ((List{left, right}), leftMost) << path;
+    right = path;
     EXPECT_TRUE(SplitRightMost(right, left, right));
-    EXPECT_EQ((List{left, right}), row.rightMost) << row.path;
-    EXPECT_EQ(IsOuterMostTableName(row.path), row.path.find('/') == std::string::npos);
+    EXPECT_EQ((List{left, right}), rightMost) << path;
+    EXPECT_EQ(IsOuterMostTableName(path), path.find('/') == std::string::npos);
   }
 }
 
