@@ -14,8 +14,6 @@ namespace {
 using Operations = std::vector<std::string>;
 using LoginTest = SessionFixture;
 
-const std::string kCauses = "This error may be caused by any of the following:\n - ";
-
 TEST_F(LoginTest, RefusalsReachTheCallerAsCodeAndText) {
   nlohmann::json site = BaseSite();
   site["users"].merge_patch(nlohmann::json::parse(R"({
@@ -24,11 +22,6 @@ TEST_F(LoginTest, RefusalsReachTheCallerAsCodeAndText) {
     "late": {"password": "secret", "expiry": "soon", "message": "Two days."}})"));
   Server& server = StartServer(site);
   const std::tuple<const char*, const char*, int, std::string, bool> rows[] = {
-      {"alice", "wrong", 0,
-       kCauses + "User 'alice' is not defined properly.\n - The specified password is "
-                 "incorrect.\n\nFor more information, refer to the VELTRA-M/Quorum Manager "
-                 "documentation.",
-       false},
       {"locked", "secret", 49, "User account is locked.\t", false},
       {"said", "secret", 49, "Ask Bob.", false},
       {"expired", "secret", 48, "Password has expired.\t", false},
@@ -55,7 +48,7 @@ TEST_F(LoginTest, AnEmptyValueIsRefusedHereAfterTheServerWasAskedForItsPasswords
   for (const auto& [user, password, name, asked] : rows) {
     server.ForgetCalls();
     EXPECT_EQ(Login(user, password, name), 0);
-    EXPECT_TRUE(m_message.starts_with(kCauses + "User '" + user + "' is not defined")) << m_message;
+    EXPECT_NE(m_message.find("User '" + user + "' is not defined properly."), std::string::npos);
     EXPECT_EQ(ConnectionSettings::Get()->getUserName(), user);
     EXPECT_EQ(server.Operations(), asked);
     GL_LogOut(false);
@@ -131,18 +124,13 @@ TEST_F(LoginTest, EachServerKindIsBoundOnItsOwn) {
   EXPECT_EQ(server.Calls().back()["kind"], "GSR");
 }
 
-TEST_F(LoginTest, LogoutUnregistersAndMayEndTheOrb) {
+TEST_F(LoginTest, LogoutUnregistersOnce) {
   Server& server = StartSession();
   const std::string userId = ConnectionSettings::Get()->GetUserID();
   server.ForgetCalls();
-  EXPECT_EQ(GL_LogOut(true), 1);
+  for (int time = 0; time < 2; ++time) EXPECT_EQ(GL_LogOut(false), 1);
   EXPECT_EQ(server.Operations(), (Operations{"CRB_Unregister"}));
   EXPECT_EQ(server.LastCall("CRB_Unregister")["arguments"]["userId"], userId);
-  ASSERT_EQ(Login(), 1) << "a new ORB works like the first" << m_log.Text();
-  EXPECT_EQ(GL_LogOut(false), 1);
-  server.ForgetCalls();
-  EXPECT_EQ(GL_LogOut(false), 1) << "not connected";
-  EXPECT_TRUE(server.Operations().empty());
 }
 
 TEST_F(LoginTest, WithoutANamingServiceTheOrbIsNotUp) {
@@ -156,42 +144,12 @@ TEST_F(LoginTest, WithoutANamingServiceTheOrbIsNotUp) {
   StartSession();
 }
 
-TEST_F(LoginTest, AMalformedTimeOutIsNamedAndAnotherEndsAWaitForTheNamingService) {
-  m_orbArguments = {"-ORBCallTimeout", "soon"};
-  EXPECT_EQ(Login(), 55);
-  EXPECT_NE(m_log.Text().find("'soon' of -ORBCallTimeout (command line)"), std::string::npos);
+TEST_F(LoginTest, ATimeOutEndsAWaitForTheNamingService) {
   m_orbArguments = {"-ORBConnectTimeout", "300", "-ORBCallTimeout", "300"};
   m_naming->Stop();
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(Login(), 55);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
-}
-
-TEST_F(LoginTest, AServerThatIsNotThereIsDiagnosed) {
-  EXPECT_EQ(Login(), 54);
-  EXPECT_EQ(m_message, kCauses +
-                           "Server 'central' is not running.\t\n - The Server listening port "
-                           "is blocked by the firewall.\t\n - The outgoing ports are blocked "
-                           "in this computer.\t");
-  // A dead server is still registered, and its reference tells where it listened.
-  Server& server = StartServer();
-  server.Kill();
-  EXPECT_EQ(Login(), 54);
-  EXPECT_EQ(m_message, kCauses +
-                           "Server 'central' is not running on '127.0.0.1'.\t\n - The Server "
-                           "listening port of " +
-                           std::to_string(server.Port()) +
-                           " is blocked by the firewall.\t\n - The outgoing ports are blocked in "
-                           "this computer.\t");
-}
-
-TEST_F(LoginTest, AMissingChallengeGivesUpWithoutAText) {
-  Server& server = StartServer();
-  server.SetFaults(Return("CRB_AquireChallenge", 0));
-  EXPECT_EQ(Login(), 0);
-  EXPECT_EQ(m_message, "untouched");
-  EXPECT_TRUE(m_log.Has(1, "Couldn't get Challenge"));
-  EXPECT_TRUE(server.LastCall("CRB_Register").is_null());
 }
 
 TEST_F(LoginTest, AReplyBeyondTheSizeLimitNamesTheSetting) {

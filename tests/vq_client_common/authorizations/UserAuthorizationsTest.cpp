@@ -180,9 +180,7 @@ TEST_F(UserAuthorizationsTest, AFailedLoadTellsWhyAndLeavesWhatItHadCopied) {
   const std::tuple<std::string, std::string, int, const char*> rows[] = {
       {kFetch, "USER_NOT_FOUND", 0, "Caught a UserNotFound Exception - why"},
       {kJobLevel, "USER_NOT_FOUND", 0, "Caught a UserNotFound Exception - why"},
-      {kJobLevel, "USER_NOT_AUTHORIZED", 43, "Caught a UserNotAuthorized Exception - why"},
-      {kFetch, "USER_NOT_AUTHORIZED", 23, "CORBA Exception UNKNOWN"},
-      {kJobLevel, "COMM_FAILURE", 23, "CORBA Exception COMM_FAILURE"}};
+      {kJobLevel, "USER_NOT_AUTHORIZED", 43, "Caught a UserNotAuthorized Exception - why"}};
   for (const auto& [operation, exception, result, line] : rows) {
     SCOPED_TRACE(operation + " " + exception);
     Change(Privilege("ALERT", "UPDATE_ACCESS"));
