@@ -1,12 +1,7 @@
 // The servants behind real references, in this process: what a client is told, what the log keeps,
 // and that no call brings the server down.
 
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 #include <simulator/Control.h>
@@ -193,21 +188,27 @@ TEST_F(Service, TheSnapshotAndTheObjectSayWhatTheSiteGrants) {
   EXPECT_THROW(object->CRB_InitJobActions(id.c_str()), CORBA::NO_IMPLEMENT);
 }
 
-class Pinged : public POA_TestCallback {
- public:
+// An object to be called back, in a POA of its own.
+struct Pinged : POA_TestCallback {
+  Pinged(CORBA::ORB_ptr orb, const OrbOptions& options) : poa(CreatePoa(orb, "client", options)) {
+    oid = poa->activate_object(this);
+    object = poa->id_to_reference(oid.in());
+  }
+  ~Pinged() override { poa->destroy(true, true); }
   void CRB_Ping() override { ++pings; }
+
+  PortableServer::POA_var poa;
+  PortableServer::ObjectId_var oid;
+  CORBA::Object_var object;
   std::atomic<int> pings{0};
 };
 
 TEST_F(Service, ACallbackIsReallyCalled) {
   const std::string id = LogIn("ann").userId;
-  PortableServer::POA_var poa = CreatePoa(orb, "client", options);
-  Pinged servant;
-  PortableServer::ObjectId_var oid = poa->activate_object(&servant);
-  CORBA::Object_var object = poa->id_to_reference(oid.in());
-  EXPECT_EQ(repository->CRB_RegisterCallback("no session", object, true), 0);
+  Pinged servant(orb, options);
+  EXPECT_EQ(repository->CRB_RegisterCallback("no session", servant.object, true), 0);
   EXPECT_EQ(repository->CRB_RegisterCallback(id.c_str(), CORBA::Object::_nil(), true), 0);
-  const CORBA::Long callback = repository->CRB_RegisterCallback(id.c_str(), object, true);
+  const CORBA::Long callback = repository->CRB_RegisterCallback(id.c_str(), servant.object, true);
   ASSERT_GT(callback, 0);
 
   CORBA::String_var message;
@@ -231,23 +232,19 @@ TEST_F(Service, ACallbackIsReallyCalled) {
   // An object that is no callback, and one that is gone.
   const CORBA::Long wrong = repository->CRB_RegisterCallback(id.c_str(), users, true);
   EXPECT_FALSE(users->CRB_TryCallback(wrong, 1000, message.out()));
-  poa->deactivate_object(oid);
+  servant.poa->deactivate_object(servant.oid);
   EXPECT_FALSE(users->CRB_TryCallback(callback, 1000, message.out()));
   EXPECT_EQ(servant.pings, 1);
   EXPECT_TRUE(repository->CRB_UnregisterCallbackById(callback));
   EXPECT_FALSE(repository->CRB_UnregisterCallbackById(callback));
   EXPECT_TRUE(repository->CRB_UnregisterCallbacksByUserToken(id.c_str()));
-  poa->destroy(true, true);
 }
 
 // Calls of every kind at once, also those of one object to be called back, while the site changes.
 TEST_F(Service, HoldsAgainstManyClientsAtOnce) {
   const std::string id = LogIn("admin").userId;
-  PortableServer::POA_var poa = CreatePoa(orb, "client", options);
-  Pinged servant;
-  PortableServer::ObjectId_var oid = poa->activate_object(&servant);
-  CORBA::Object_var object = poa->id_to_reference(oid);
-  const CORBA::Long callback = repository->CRB_RegisterCallback(id.c_str(), object, true);
+  Pinged servant(orb, options);
+  const CORBA::Long callback = repository->CRB_RegisterCallback(id.c_str(), servant.object, true);
   constexpr int kClients = 4;
   constexpr int kRounds = 25;
   std::vector<std::thread> clients;
@@ -259,7 +256,7 @@ TEST_F(Service, HoldsAgainstManyClientsAtOnce) {
         CORBA::String_var text;
         EXPECT_TRUE(users->CRB_TryCallback(callback, 30'000, text.out())) << text.in();
         EXPECT_TRUE(repository->CRB_UnregisterCallbackById(
-            repository->CRB_RegisterCallback(id.c_str(), object, true)));
+            repository->CRB_RegisterCallback(id.c_str(), servant.object, true)));
         QCSCorbaAuthorization_var authorization;
         QCSCorbaAuthorizationStruct_var snapshot;
         users->CRB_GetMyAuthorizationsFromMemory(id.c_str(), authorization.out(), snapshot.out());
@@ -271,7 +268,6 @@ TEST_F(Service, HoldsAgainstManyClientsAtOnce) {
   for (std::thread& client : clients) client.join();
   EXPECT_EQ(servant.pings, kClients * kRounds);
   EXPECT_EQ(world.sessions.List().size(), 1U + kClients * kRounds);
-  poa->destroy(true, true);
 }
 
 TEST_F(Service, AFaultTakesThePlaceOfTheAnswer) {

@@ -8,6 +8,7 @@ omniORB's compiler gives them.
 """
 
 import difflib
+import itertools
 import re
 import sys
 from pathlib import Path
@@ -42,7 +43,9 @@ def interfaces(header, source):
         for result, operation, arguments in operations:
             call = re.compile(r'\n  (\w+) _call_desc\(\w+, "(\w+)"').search(
                 source, source.index(f"_objref_{name}::{operation}("))
-            wired = ", ".join(map(wire_argument, arguments.split(", ") if arguments else []))
+            wired = [(argument, len(list(same))) for argument, same in itertools.groupby(
+                map(wire_argument, arguments.split(", ") if arguments else []))]
+            wired = ", ".join(name + (f"*{count}" if count > 1 else "") for name, count in wired)
             raises = " ".join(["", "raises", *raised[call[1]]] if raised.get(call[1]) else "")
             lines.append(f"  {wire_type(result)} {call[2]}({wired}){raises}")
         dispatch = re.search(rf"\n_impl_{name}::_dispatch\(.*?\n\}}\n", source, re.S)[0]
