@@ -6,6 +6,7 @@
 
 #include <tests/fixture/SessionFixture.h>
 
+#include <dlfcn.h>
 #include <execinfo.h>
 #include <link.h>
 
@@ -27,40 +28,19 @@
 
 namespace {
 
-// The parts of memory with code that is left alone.
-struct {
-  struct {
-    std::uintptr_t from, to;
-  } parts[16];
-  std::size_t count = 0;
-} foreign;
-
-int AddForeign(dl_phdr_info* info, std::size_t, void*) {
-  const std::string_view name = info->dlpi_name;
-  if (name.find("libomni") == std::string_view::npos &&
-      name.find("libxerces") == std::string_view::npos) {
-    return 0;
-  }
-  for (int i = 0; i < info->dlpi_phnum && foreign.count < std::size(foreign.parts); ++i) {
-    const ElfW(Phdr)& part = info->dlpi_phdr[i];
-    if (part.p_type != PT_LOAD || (part.p_flags & PF_X) == 0) continue;
-    const std::uintptr_t from = info->dlpi_addr + part.p_vaddr;
-    foreign.parts[foreign.count++] = {from, from + part.p_memsz};
-  }
-  return 0;
-}
-
 thread_local bool counts = false;
 thread_local bool goesOn = false;  // those behind it fail as well
 thread_local long failing = 0, made = 0, failed = 0;
 
-bool IsForeign(const void* code) {
-  const auto address = reinterpret_cast<std::uintptr_t>(code);
-  return std::any_of(foreign.parts, foreign.parts + foreign.count,
-                     [&](const auto& part) { return address >= part.from && address < part.to; });
+bool IsForeign(void* code) {
+  dl_find_object found;
+  if (_dl_find_object(code, &found) != 0) return false;
+  const std::string_view name = found.dlfo_link_map->l_name;
+  return name.find("libomni") != std::string_view::npos ||
+         name.find("libxerces") != std::string_view::npos;
 }
 
-bool Fails(const void* caller) {
+bool Fails(void* caller) {
   if (!counts || IsForeign(caller)) return false;  // the first frame is cheaper to have than all
   void* frames[64];
   const int depth = backtrace(frames, std::size(frames));
@@ -71,12 +51,12 @@ bool Fails(const void* caller) {
   return true;
 }
 
-void* Allocate(std::size_t size, std::size_t alignment, const void* caller) {
+void* Allocate(std::size_t size, std::size_t alignment, void* caller) {
   if (Fails(caller)) return nullptr;
   return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
 }
 
-void* AllocateOrRaise(std::size_t size, std::size_t alignment, const void* caller) {
+void* AllocateOrRaise(std::size_t size, std::size_t alignment, void* caller) {
   void* const memory = Allocate(size == 0 ? 1 : size, alignment, caller);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
@@ -128,8 +108,6 @@ struct Operation {
 
 class AllocationTest : public SessionFixture {
  protected:
-  static void SetUpTestSuite() { dl_iterate_phdr(AddForeign, nullptr); }
-
   // Runs it with the n-th allocation failing. The outcome, and whether there was an n-th.
   static std::pair<string, bool> RunFailing(const Operation& operation, long n, bool allBehindIt) {
     string outcome;
