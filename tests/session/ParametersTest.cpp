@@ -149,7 +149,9 @@ TEST_F(ParametersTest, TheModeComesFromTheEnvironmentTheServerOrTheDefault) {
     i18n_aux::init_globa_c(isOnline, E_CMS);
     const bool isCJK = mode == "cjk";
     ASSERT_EQ(server.Calls().size(), isOnline ? 1U : 0U);
-    if (isOnline) EXPECT_EQ(server.Calls()[0]["kind"], "CMS");
+    if (isOnline) {
+      EXPECT_EQ(server.Calls()[0]["kind"], "CMS");
+    }
     EXPECT_EQ(i18n_aux::IsCJK_mode(), isCJK);
     EXPECT_EQ(Osl_UnicodeConfiguration::GetParameters().mode, mode);
     EXPECT_EQ(Osl_UnicodeConfiguration::GetParameters().directory, m_directory / "root/locale");
