@@ -89,22 +89,25 @@ ResolvedSetting Resolve(const KnownSetting& known, const OrbArguments& arguments
   return {name, std::string(known.builtIn), SettingOrigin::kBuiltIn};
 }
 
-// The command line may name several initial references; every other source holds one.
+// The command line may name several initial references, of which the last of a name counts; every
+// other source holds one.
 std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
                                      const OrbArguments& arguments) {
   std::vector<std::string> refs;
-  if (setting.origin == SettingOrigin::kCommandLine) {
-    const auto [first, last] = arguments.options.equal_range(setting.name);
-    std::transform(first, last, std::back_inserter(refs),
-                   [](const auto& option) { return option.second; });
-  } else if (!setting.value.empty()) {
-    refs.push_back(setting.value);
-  }
-  for (const std::string& ref : refs) {
+  const auto add = [&](const std::string& ref) {
     const std::size_t equals = ref.find('=');
     if (equals == 0 || equals == std::string::npos || equals + 1 == ref.size()) {
       Refuse({setting.name, ref, setting.origin}, "of the form NAME=REFERENCE");
     }
+    const std::string name = ref.substr(0, equals + 1);
+    std::erase_if(refs, [&](const std::string& known) { return known.starts_with(name); });
+    refs.push_back(ref);
+  };
+  if (setting.origin == SettingOrigin::kCommandLine) {
+    const auto [first, last] = arguments.options.equal_range(setting.name);
+    std::for_each(first, last, [&](const auto& option) { add(option.second); });
+  } else if (!setting.value.empty()) {
+    add(setting.value);
   }
   return refs;
 }

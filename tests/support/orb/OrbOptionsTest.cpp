@@ -148,16 +148,21 @@ TEST(OmniOrbOptionsTest, TranslatesEverySetting) {
     const auto options = OmniOrbOptions(ResolveSettings({}, {}, Scope(scope)));
     EXPECT_EQ(ValuesOf({options.begin(), options.end()}, option), expected) << scope << option;
   }
-  const char* const argv[] = {"client", "-ORBInitRef", "A=corbaloc::a/A", "-ORBInitRef",
-                              "B=corbaloc::b/B"};
-  const auto several = OmniOrbOptions(ResolveSettings(SplitArguments(5, argv), {}, {}));
+  // The last one of a name counts.
+  const char* const argv[] = {"client",          "-ORBInitRef", "B=corbaloc::c/B", "-ORBInitRef",
+                              "A=corbaloc::a/A", "-ORBInitRef", "B=corbaloc::b/B"};
+  const auto several = OmniOrbOptions(ResolveSettings(SplitArguments(7, argv), {}, {}));
   EXPECT_EQ(ValuesOf({several.begin(), several.end()}, "InitRef"),
             "A=corbaloc::a/A B=corbaloc::b/B");
 }
 
 TEST(TaoOptionsTest, TranslatesEverySetting) {
-  const auto tls = [](const std::string& authenticate) {
-    return "static Messaging_Loader \"\" static BiDirGIOP_Loader \"\" "
+  const std::string read =
+      "static Client_Strategy_Factory \"-ORBClientConnectionHandler RW "
+      "-ORBTransportMuxStrategy EXCLUSIVE\"";
+  const auto tls = [&](const std::string& authenticate) {
+    return read +
+           " static Messaging_Loader \"\" static BiDirGIOP_Loader \"\" "
            "static VQ_SSLIOP_Factory \"-SSLAuthenticate " +
            authenticate + "\" static Resource_Factory \"-ORBProtocolFactory VQ_SSLIOP_Factory\"";
   };
@@ -167,7 +172,8 @@ TEST(TaoOptionsTest, TranslatesEverySetting) {
       {"", kListen, "iiop://"},
       {"", "-ORBDottedDecimalAddresses", "1"},
       {"", "-ORBInitRef", ""},
-      {"", "-ORBSvcConfDirective", ""},
+      {"", "-ORBSvcConfDirective", read.c_str()},
+      {"-BiDirPolicy=1", "-ORBSvcConfDirective", ""},
       {"-ORBListenEndpoints=iiop://h:50/portspan=10&hostname_in_ior=gui.site", kListen,
        "iiop://h:50/portspan=10&hostname_in_ior=gui.site"},
       {"-ORBListenEndpoints=iiop://[::1]:50/ssl_port=51", kListen, "iiop://[::1]:50/ssl_port=51"},
