@@ -13,6 +13,7 @@ OrbSettings ServerSettings(const ServerOptions& options) {
     throw std::invalid_argument("a server with TLS needs -SSLCertificate");
   }
   settings.listenEndpoint = *endpoint;
+  settings.biDirectional = options.bidirectional;
   settings.tls = options.tls;
   if (!options.naming.empty()) settings.initialRefs.push_back("NameService=" + options.naming);
   return settings;

@@ -47,6 +47,14 @@ std::vector<std::string> TaoArguments(const OrbSettings& settings) {
       "-ORBNegotiateCodesets",
       "0",
   };
+  if (!settings.biDirectional) {
+    // Who waits for an answer reads it, and closes a connection where none comes in time; else
+    // every later call would wait behind it. Calls that come back over the connection exclude this.
+    arguments.insert(arguments.end(),
+                     {"-ORBSvcConfDirective",
+                      "static Client_Strategy_Factory \"-ORBClientConnectionHandler RW "
+                      "-ORBTransportMuxStrategy EXCLUSIVE\""});
+  }
   if (settings.tls.IsOn()) {
     for (const std::string& directive : LoadTls(settings.tls)) {
       arguments.insert(arguments.end(), {"-ORBSvcConfDirective", directive});

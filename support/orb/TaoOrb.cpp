@@ -3,18 +3,23 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <exception>
 #include <string_view>
 
 #include <ace/Log_Msg.h>
 #include <ace/Log_Msg_Callback.h>
 #include <ace/Log_Record.h>
 #include <tao/Messaging/Messaging.h>
+#include <tao/ORB_Core.h>
+#include <tao/Service_Context_Handler.h>
+#include <tao/Service_Context_Handler_Registry.h>
 #include <tao/TimeBaseC.h>
 #include <tao/debug.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/TaoOptions.h>
+#include <support/orb/TaoReplyCheck.h>
 
 namespace vq::orb {
 namespace {
@@ -82,7 +87,19 @@ CORBA::ORB_ptr StartTao(const std::string& name, std::vector<std::string> argume
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   int count = static_cast<int>(pointers.size());
   pointers.push_back(nullptr);
-  return CORBA::ORB_init(count, pointers.data(), name.c_str());
+  // An ORB of the same name may still be ending, and would be returned.
+  static std::atomic<int> number = 0;
+  const std::string id = name + "/" + std::to_string(++number);
+  CORBA::ORB_var orb = CORBA::ORB_init(count, pointers.data(), id.c_str());
+  CheckReplies(orb.in());
+  return orb._retn();
+}
+
+void IgnoreOfferedConnections(CORBA::ORB_ptr orb) {
+  // What handles the service context with which a connection is offered; nothing else is in there.
+  TAO_Service_Context_Registry& handlers = orb->orb_core()->service_context_registry();
+  delete handlers[IOP::BI_DIR_IIOP];
+  handlers = TAO_Service_Context_Registry();
 }
 
 void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
@@ -97,16 +114,26 @@ void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
   Release(policies);
 }
 
-// The last thread that leaves destroys an ORB that nobody waits for.
+// The last that leaves destroys an ORB that nobody waits for: one of its threads, or who shuts it
+// down, which must have ended before.
 struct TaoThreads::Shared {
-  std::atomic<int> running = 0;
+  std::atomic<int> users = 0;
   std::atomic<bool> destroys = false;
+
+  void Leave(CORBA::ORB_ptr orb) {
+    if (--users > 0 || !destroys) return;
+    try {
+      orb->destroy();
+    } catch (const CORBA::Exception& e) {
+      VQ_LOG(diagModule, 1) << "The ORB does not end in order: " << e;
+    }
+  }
 };
 
 void TaoThreads::Start(CORBA::ORB_ptr orb, int count) {
   const SignalsBlocked blocked;
   m_shared = std::make_shared<Shared>();
-  m_shared->running = count;
+  m_shared->users = count;
   for (int i = 0; i < count; ++i) {
     m_threads.emplace_back([own = CORBA::ORB_var(CORBA::ORB::_duplicate(orb)), shared = m_shared] {
       LogHere();
@@ -115,13 +142,10 @@ void TaoThreads::Start(CORBA::ORB_ptr orb, int count) {
       } catch (const CORBA::BAD_INV_ORDER&) {  // The ORB ended before this thread was there.
       } catch (const CORBA::Exception& e) {
         VQ_LOG(diagModule, 1) << "A thread that takes calls ends: " << e;
+      } catch (const std::exception& e) {
+        VQ_LOG(diagModule, 1) << "A thread that takes calls ends: " << e.what();
       }
-      if (--shared->running > 0 || !shared->destroys) return;
-      try {
-        own->destroy();
-      } catch (const CORBA::Exception& e) {
-        VQ_LOG(diagModule, 1) << "The ORB does not end in order: " << e;
-      }
+      shared->Leave(own.in());
     });
   }
 }
@@ -131,11 +155,18 @@ void TaoThreads::End(CORBA::ORB_ptr orb, bool wait) {
     return thread.get_id() == std::this_thread::get_id();
   });
   const bool later = m_shared != nullptr && (isOwn || !wait);
-  if (later) m_shared->destroys = true;
+  if (later) {
+    ++m_shared->users;
+    m_shared->destroys = true;
+  }
   orb->shutdown(!later);
   for (std::thread& thread : m_threads) later ? thread.detach() : thread.join();
   m_threads.clear();
-  if (!later) orb->destroy();
+  if (later) {
+    m_shared->Leave(orb);
+  } else {
+    orb->destroy();
+  }
 }
 
 }  // namespace vq::orb

@@ -18,9 +18,13 @@
 
 namespace vq::orb {
 
-// Initialises an ORB of that name; no other one of the process has it. Raises
-// CORBA::SystemException.
+// Initialises an ORB, whatever others of that name the process has. Raises CORBA::SystemException.
 CORBA::ORB_ptr StartTao(const std::string& name, std::vector<std::string> arguments);
+
+// Keeps this ORB from calls over connections that others opened to it. Without that an ORB of TAO's
+// believes whoever connects to it which server is at the other end, once the process has the
+// library for bidirectional use.
+void IgnoreOfferedConnections(CORBA::ORB_ptr orb);
 
 // Limits on connecting and on a whole call, of everything that goes out from this ORB.
 void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,

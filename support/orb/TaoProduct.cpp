@@ -24,6 +24,15 @@ TDiagRegister diagModule("ORB");
 // Threads that take calls where SetUseThreadPool asks for a pool; otherwise there is one.
 constexpr int kPool = 4;
 
+// TAO takes messages of any size.
+void WarnOfMessageSize(const OrbSettings& settings) {
+  for (const ResolvedSetting& setting : settings.table) {
+    if (setting.name != "-ORBMaxMessageSize" || setting.origin == SettingOrigin::kBuiltIn) continue;
+    VQ_LOG(diagModule, 2) << "The setting -ORBMaxMessageSize has no effect with TAO, which takes "
+                          << "messages of any size";
+  }
+}
+
 CORBA::ORB_ptr Start(const std::string& name, const OrbSettings& settings,
                      const std::vector<std::string>& arguments) {
   std::vector<std::string> all = TaoConfigurationArguments(arguments);
@@ -31,7 +40,9 @@ CORBA::ORB_ptr Start(const std::string& name, const OrbSettings& settings,
   all.insert(all.end(), own.begin(), own.end());
   all.insert(all.end(), arguments.begin(), arguments.end());
   TaoTls::Prepare(settings);
+  WarnOfMessageSize(settings);
   CORBA::ORB_var orb = StartTao(name, all);
+  if (!settings.biDirectional) IgnoreOfferedConnections(orb.in());
   try {
     LimitCalls(orb.in(), settings.connectTimeout, settings.callTimeout);
     TaoTls::AllowNaming(orb.in(), settings);
@@ -183,7 +194,6 @@ std::string MinorCodeName(const CORBA::SystemException& exception) {
   return TaoMinorText(exception._info().c_str());
 }
 
-// TAO takes messages of any size.
 bool IsMessageTooLarge(const CORBA::SystemException&) {
   return false;
 }

@@ -1,7 +1,5 @@
 #include <support/orb/OrbServer.h>
 
-#include <atomic>
-
 #include <support/orb/TaoOptions.h>
 #include <support/orb/TaoOrb.h>
 #include <support/orb/TaoTls.h>
@@ -50,9 +48,8 @@ std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
   const std::vector<std::string> own = TaoArguments(settings);
   arguments.insert(arguments.end(), own.begin(), own.end());
   arguments.insert(arguments.end(), options.rest.begin(), options.rest.end());
-  static std::atomic<int> number = 0;  // no two ORBs of a process have one name
-  auto server = std::make_unique<TaoServer>(
-      StartTao("server:" + std::to_string(++number), std::move(arguments)));
+  auto server = std::make_unique<TaoServer>(StartTao("server", std::move(arguments)));
+  if (!settings.biDirectional) IgnoreOfferedConnections(server->Orb());
   LimitCalls(server->Orb(), kUsualLimit, kUsualLimit);
   TaoTls::AllowNaming(server->Orb(), settings);
   return server;
