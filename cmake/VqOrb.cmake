@@ -48,15 +48,17 @@ elseif(VQ_ORB STREQUAL "TAO")
   find_program(VQ_NAMING_PROGRAM NAMES tao_cosnaming Naming_Service HINTS ${TAO_ROOT} ${ACE_ROOT}
     PATH_SUFFIXES bin orbsvcs/Naming_Service TAO/orbsvcs/Naming_Service)
   set(VQ_NAMING_COMMAND "LD_LIBRARY_PATH=\"${TAO_LIBRARY_DIR}:$LD_LIBRARY_PATH\" exec \\
-  \"${VQ_NAMING_PROGRAM}\" -ORBSvcConf /dev/null -ORBListenEndpoints \"iiop://$1:$2\" -m 0")
+  \"${VQ_NAMING_PROGRAM}\" -ORBSvcConf /dev/null -m 0 \\
+  -ORBListenEndpoints \"iiop://$1:$2\${4:+/hostname_in_ior=$4}\"")
 else()
   message(FATAL_ERROR "VQ_ORB must be omniORB or TAO, not '${VQ_ORB}'")
 endif()
 
 # The product's naming service for trials and tests, under one name: naming-service HOST PORT
-# DIRECTORY, which exists.
+# DIRECTORY [PUBLISHED]. The directory exists. Where the service sends its clients on to another
+# reference, as TAO's does, that one leads to the host PUBLISHED.
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/naming-service CONTENT "#!/bin/sh
-# naming-service HOST PORT DIRECTORY
+# naming-service HOST PORT DIRECTORY [PUBLISHED]
 ${VQ_NAMING_COMMAND}
 " @ONLY)
 file(CHMOD ${PROJECT_BINARY_DIR}/naming-service PERMISSIONS

@@ -106,7 +106,9 @@ def complaint(prefix, example, program, work):
                    if not name.startswith(("VQ_", "ORB", "LC_"))}
     environment |= {"HOME": str(home), "VQ_HOME": str(home / "root"), "LC_ALL": "C.UTF-8",
                     "OMNIORB_CONFIG": "/dev/null",
-                    "LD_LIBRARY_PATH": str(next(prefix.glob("lib/**/libvq_client_common.so")).parent)}
+                    "LD_LIBRARY_PATH": ":".join([  # the ORB product's may lie anywhere
+                        str(next(prefix.glob("lib/**/libvq_client_common.so")).parent),
+                        *filter(None, [os.environ.get("VQ_ORB_LIBRARIES")])])}
     with Servers(prefix / "bin/vq_simulator", prefix / "share/vq/simulator/site.json", environment,
                  work) as servers:
         arguments = [line.replace("@NAMING@", servers.naming)

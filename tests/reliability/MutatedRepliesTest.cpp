@@ -6,11 +6,14 @@
 
 #include "ProxiedFixture.h"
 
+#include <sys/resource.h>
+
 #include <cstring>
 #include <iostream>
 #include <random>
 
 #include <support/foundations/Environment.h>
+#include <tests/fixture/Product.h>
 
 // What omniORB itself does not free when a message ends, or makes no sense, in the middle of a text
 // or of a reference. docs/reliability.md has the figures.
@@ -126,6 +129,13 @@ FaultProxy::Changed Mutate(std::string message, Random& random) {
   return {message, Below(random, 100) != 0};
 }
 
+// An ORB that makes room for whatever a reply announces fills the machine's memory with zeros for
+// minutes. Here that fails soon, which is another way in which a call may fail.
+void LimitMemory() {
+  const rlimit limit{std::size_t{3} << 30U, RLIM_INFINITY};
+  ASSERT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
+}
+
 class MutatedRepliesTest : public ProxiedFixture {};
 
 TEST_F(MutatedRepliesTest, DoNoHarm) {
@@ -133,6 +143,7 @@ TEST_F(MutatedRepliesTest, DoNoHarm) {
   const auto seed = std::stoull(GetEnv("VQ_MUTATE_SEED").value_or("1"));
   const int limit = seconds > 0 ? 1'000'000'000 : 5000;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+  if (ThisProduct().roomForAnnounced) LimitMemory();
   SetTimeOut(kTimeOut);
   TDiag::Instance()->SetMinimumDebugLevel(1);  // the test's own log would grow
 

@@ -17,10 +17,12 @@ class ProxiedFixture : public SessionFixture {
     SessionFixture::SetUp();
     InstallClient("8.0.05");
     m_directory.Write("root/config/vq.xml", "<domain/>");
+    m_naming = std::make_unique<NamingService>(m_directory, "127.0.0.2");
     m_namingProxy = std::make_unique<FaultProxy>(m_naming->Port());
     SetTimeOut(std::chrono::seconds(10));
     Restart();
     m_proxy = std::make_unique<FaultProxy>(m_port);
+    m_namingProxy->TakeOperations();  // the server's
   }
 
   // The time-out of connections and calls, 10 seconds at first. Ends the ORB.

@@ -1,6 +1,7 @@
 #include "RemoteFunctions.h"
 
 #include <functional>
+#include <new>
 
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
 #include <support/orb/ORBCommon.h>
@@ -324,7 +325,12 @@ std::span<const RemoteFunction> RemoteFunctions() {
 }
 
 std::string OutcomeOf(const RemoteFunction& function, int port) {
-  std::string outcome = function.run();
+  std::string outcome;
+  try {
+    outcome = function.run();
+  } catch (const std::bad_alloc&) {
+    outcome = "no memory";
+  }
   ReplaceIn(outcome, std::to_string(port), "PORT");
   for (const auto& [name, text] : kTexts) ReplaceIn(outcome, text, name);
   return outcome;
