@@ -23,7 +23,6 @@
 #include <vq_client_common/datacenters/TArchive.h>
 #include <vq_client_common/environment/ClientProperties.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
 
 namespace {

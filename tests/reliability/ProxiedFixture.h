@@ -5,7 +5,6 @@
 
 #include <tests/fixture/FaultProxy.h>
 #include <tests/fixture/SessionFixture.h>
-#include <vq_client_common/session/GlobalFuncs.h>
 
 #include "RemoteFunctions.h"
 

@@ -8,7 +8,6 @@
 #include <iostream>
 
 #include <support/foundations/Environment.h>
-#include <vq_client_common/session/GlobalFuncs.h>
 
 namespace vq::test {
 namespace {
