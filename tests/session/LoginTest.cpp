@@ -22,16 +22,16 @@ TEST_F(LoginTest, RefusalsReachTheCallerAsCodeAndText) {
     "odd": {"password": "secret", "result": 7, "message": "Seven."},
     "late": {"password": "secret", "expiry": "soon", "message": "Two days."}})"));
   Server& server = StartServer(site);
-  const std::tuple<const char*, const char*, int, std::string, bool> rows[] = {
-      {"locked", "secret", 49, "User account is locked.\t", false},
-      {"said", "secret", 49, "Ask Bob.", false},
-      {"expired", "secret", 48, "Password has expired.\t", false},
-      {"odd", "secret", 7, "Seven.", false},
-      {"soon", "secret", 50, "Your password is about to expire.\t", true},
-      {"late", "secret", 50, "Two days.", true},
-      {"alice", "secret", 1, "", true}};
-  for (const auto& [user, password, code, message, connected] : rows) {
-    EXPECT_EQ(Login(user, password), code) << user;
+  const std::tuple<const char*, int, std::string, bool> rows[] = {
+      {"locked", 49, "User account is locked.\t", false},
+      {"said", 49, "Ask Bob.", false},
+      {"expired", 48, "Password has expired.\t", false},
+      {"odd", 7, "Seven.", false},
+      {"soon", 50, "Your password is about to expire.\t", true},
+      {"late", 50, "Two days.", true},
+      {"alice", 1, "", true}};
+  for (const auto& [user, code, message, connected] : rows) {
+    EXPECT_EQ(Login(user), code) << user;
     EXPECT_EQ(m_message, message) << user;
     EXPECT_EQ(LoginHandler::GetGlobal()->IsConnected(), connected) << user;
     GL_LogOut(false);

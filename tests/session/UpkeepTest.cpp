@@ -15,7 +15,7 @@ struct UpkeepTest : SessionFixture {
   static ConnectionSettings& Settings() { return *ConnectionSettings::Get(); }
 };
 
-TEST_F(UpkeepTest, TheTimeOutIsThatOfTheFirstSourceThatHasOne) {
+TEST_F(UpkeepTest, TheTimeOutOfTheFirstSourceIsToldAndARefusedOneFailsNoLogin) {
   Server& server = StartSession();
   const std::tuple<std::string, nlohmann::json, long> rows[] = {
       {"", nullptr, 600},  {"", "300", 300},    {"", "12 minutes", 12}, {"", "0", 600},
