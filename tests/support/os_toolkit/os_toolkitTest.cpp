@@ -17,10 +17,10 @@ namespace {
 using std::string_literals::operator""s;
 
 TEST(AtoiTest, ReadsWhatFitsAsTheCLibraryDoesAndTheNearestIntForTheRest) {
-  for (const std::string& text : {""s, " "s, "0730"s, "\t\n\v\f\r 7"s, "+8"s, "-9"s, "+"s, "-"s,
-                                  "+-5"s, "- 5"s, "12ab"s, "ab12"s, "2147483647"s, "-2147483648"s,
-                                  "00000000000000000000012"s, "0x10"s, "\xA0\x35"s, "1e3"s,
-                                  "12\00034"s}) {
+  for (const std::string& text :
+       {""s, " "s, "0730"s, "\t\n\v\f\r 7"s, "+8"s, "-9"s, "+"s, "-"s, "+-5"s, "- 5"s, "12ab"s,
+        "ab12"s, "2147483647"s, "-2147483648"s, "00000000000000000000012"s, "0x10"s, "\xA0\x35"s,
+        "1e3"s, "12\00034"s}) {
     EXPECT_EQ(vq::Atoi(text), std::atoi(text.c_str())) << '"' << text << '"';
   }
   EXPECT_EQ(vq::Atoi("2147483648"), INT_MAX);
