@@ -150,6 +150,9 @@ TEST(Control, StopsWhileAClientDoesNotRead) {
   timeval patience{0, 200'000};
   setsockopt(client, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof(patience));
   const std::string line = "{\"command\":\"ping\"}\n";
+  char answer = 0;
+  EXPECT_GT(send(client, line.data(), line.size(), MSG_NOSIGNAL), 0);
+  EXPECT_EQ(recv(client, &answer, 1, 0), 1);
   while (send(client, line.data(), line.size(), MSG_NOSIGNAL) > 0) {
   }
   control.Stop();
