@@ -59,6 +59,7 @@ struct TDiag::State {
   std::vector<TDiagRegister*> modules;
   std::map<SinkId, Sink> sinks;
   SinkId lastSink = 0;
+  SinkId standardError = 0;  // what it was last, if ever
 
   int EffectiveLevel(const char* module) const {
     if (sinks.empty()) return -1;
@@ -73,6 +74,11 @@ struct TDiag::State {
 
   SinkId Add(Sink sink) {
     const std::lock_guard lock(mutex);
+    return Insert(std::move(sink));
+  }
+
+  // Called with the mutex held.
+  SinkId Insert(Sink sink) {
     if (auto* text = std::get_if<TextSink>(&sink)) {
       (*text)->set_formatter(
           std::make_unique<spdlog::pattern_formatter>("%Y-%m-%d %H:%M:%S.%e %P:%t %v"));
@@ -135,7 +141,11 @@ std::uint32_t TDiag::GetClassMask() const {
 }
 
 TDiag::SinkId TDiag::AddStandardErrorSink() {
-  return m_state->Add(std::make_shared<spdlog::sinks::stderr_sink_st>());
+  const std::lock_guard lock(m_state->mutex);
+  if (!m_state->sinks.contains(m_state->standardError)) {
+    m_state->standardError = m_state->Insert(std::make_shared<spdlog::sinks::stderr_sink_st>());
+  }
+  return m_state->standardError;
 }
 
 TDiag::SinkId TDiag::AddFileSink(const std::string& path, std::size_t maxBytes,

@@ -81,7 +81,8 @@ class VQ_SUPPORT_API TDiag {
   // Each returns a number for RemoveSink. In a text sink what follows a line end is indented, and
   // control characters stand as their numbers; a callback gets the text as logged. AddFileSink
   // appends to `path`, starts a new file when it reaches `maxBytes` and keeps `olderFiles` old
-  // ones. 0 when the file does not open or the callback is empty.
+  // ones. 0 when the file does not open or the callback is empty. The standard error stream is one
+  // sink however often it is added.
   SinkId AddStandardErrorSink();
   SinkId AddFileSink(const std::string& path, std::size_t maxBytes = 10U << 20U,
                      std::size_t olderFiles = 3);

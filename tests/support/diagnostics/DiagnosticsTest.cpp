@@ -2,6 +2,8 @@
 #include <support/diagnostics/PasswordFile.h>
 #include <support/diagnostics/TDiag.h>
 
+#include <algorithm>
+
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -115,6 +117,18 @@ TEST_F(TDiagTest, LinesUpToTheLevelAreWrittenAndNoOthersEvaluated) {
   TDiag::Instance()->RemoveAllSinks();
   VQ_LOG(diagModule, 0) << ++evaluated;
   EXPECT_EQ(evaluated, 0);
+}
+
+TEST_F(TDiagTest, TheStandardErrorStreamIsOneSinkUntilItIsRemoved) {
+  TDiag* const log = TDiag::Instance();
+  const TDiag::SinkId first = log->AddStandardErrorSink();
+  EXPECT_EQ(log->AddStandardErrorSink(), first);
+  ::testing::internal::CaptureStderr();
+  VQ_LOG(diagModule, 1) << "once";
+  const std::string written = ::testing::internal::GetCapturedStderr();
+  EXPECT_EQ(std::ranges::count(written, '\n'), 1) << written;
+  log->RemoveSink(first);
+  EXPECT_NE(log->AddStandardErrorSink(), first);
 }
 
 TEST_F(TDiagTest, AScopeLogsItsEntryAndNamesItsLines) {
