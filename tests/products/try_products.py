@@ -32,6 +32,10 @@ class Failed(Exception):
     pass
 
 
+class LeftOut(Exception):
+    """One of the builds has no TLS."""
+
+
 class Build:
     def __init__(self, directory):
         self.directory = Path(directory).resolve()
@@ -41,6 +45,7 @@ class Build:
         self.server = self.directory / "simulator/vq_simulator"
         self.client = self.directory / "client/vqclient"
         self.trial = self.directory / "tests/products/callback_trial"
+        self.has_tls = (self.directory / "tests/connectivity/test_tls").exists()
         for program in (self.naming, self.server, self.client, self.trial):
             if not program.exists():
                 sys.exit(f"{program} is missing: build the whole tree there first")
@@ -67,7 +72,7 @@ class Site:
     def __enter__(self):
         self.work = Path(tempfile.mkdtemp(prefix="vq-products-"))
         (self.work / "root/config").mkdir(parents=True)
-        (self.work / "root/config/vq.xml").write_text("<domain/>")
+        self.set_client({})
         hidden = re.compile("VQ_|XDG_|ORB|OMNIORB|SUPPORT_CJK$|ENABLE_TEST_CALLBACK$")
         self.environment = {name: value for name, value in os.environ.items()
                             if not hidden.match(name)}
@@ -111,13 +116,32 @@ class Site:
                 last = failure
         raise last
 
-    def start_server(self):
+    def start_server(self, *options):
         ready = self.work / "ready"
         ready.unlink(missing_ok=True)
         self.running = self.start(
             ready.exists, self.server.server, "--site", SITE, "--server", "central", "--kind", "GSR",
             "--naming", f"corbaloc:iiop:127.0.0.1:{self.port}/NameService",
-            "--log", self.work / "calls", "--ready-file", ready)
+            "--log", self.work / "calls", "--ready-file", ready, *options)
+
+    def kill_server(self):
+        self.running.send_signal(signal.SIGKILL)
+        self.running.wait()
+
+    def make_certificate(self, name):
+        """One that is its own authority, for this host; the settings that show it."""
+        certificate, key = (str(self.work / f"{name}.{end}") for end in ("pem", "key"))
+        subprocess.run(
+            ["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256",
+             "-nodes", "-days", "2", "-subj", f"/CN={name}", "-addext",
+             "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out", certificate],
+            capture_output=True, check=True)
+        return {"-SSLCertificate": certificate, "-SSLPrivateKey": key}
+
+    def set_client(self, settings):
+        variables = "".join(f'<var name="{name}">{value}</var>' for name, value in settings.items())
+        (self.work / "root/config/vq.xml").write_text(
+            f'<domain><scope name="default">{variables}</scope></domain>')
 
     def operations(self):
         events = map(json.loads, (self.work / "calls").read_text().splitlines())
@@ -188,14 +212,26 @@ def bidirectional(site):
 
 
 def server_dies(site):
-    site.running.send_signal(signal.SIGKILL)
-    site.running.wait()
+    site.kill_server()
     site.call(54, "login")
     site.start_server()
     site.call(0, "login")
 
 
-SCENARIOS = [login, parameter, authorizations, keep_alive, callback, bidirectional, server_dies]
+def tls(site):
+    """Both show a certificate; then a server with another one, and a server that has no TLS."""
+    if not (site.server.has_tls and site.client.has_tls):
+        raise LeftOut
+    own, other, client = map(site.make_certificate, ("own", "other", "client"))
+    site.set_client(client | {"-SSLCACertificate": own["-SSLCertificate"]})
+    believes = ["-SSLCACertificate", client["-SSLCertificate"]]
+    for code, options in ((0, own), (54, other), (54, None)):
+        site.kill_server()
+        site.start_server(*(itertools.chain(believes, *options.items()) if options else ()))
+        site.call(code, "login")
+
+
+SCENARIOS = [login, parameter, authorizations, keep_alive, callback, bidirectional, server_dies, tls]
 
 
 def run(site, failures, place):
@@ -204,6 +240,8 @@ def run(site, failures, place):
         try:
             scenario(site)
             results.append("ok")
+        except LeftOut:
+            results.append("-")
         except (Failed, subprocess.TimeoutExpired) as failure:
             results.append("FAILED")
             failures.append(f"{place}, {scenario.__name__}: {failure}")
