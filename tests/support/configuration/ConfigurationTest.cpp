@@ -181,12 +181,14 @@ TEST_F(ConfigAPITest, AKilledWriterLeavesAWholeFileAndNoLock) {
     ASSERT_EQ(::pipe(tell), 0);
     const pid_t writer = ::fork();
     ASSERT_NE(writer, -1);
-    for (char letter = 'a'; writer == 0;
-         letter = static_cast<char>('a' + (letter - 'a' + 1) % 26)) {
-      const auto domain = Domain();
-      for (const char* name : {"first", "last"})
-        domain->SetVar("s", name, std::string(kSize, letter));
-      if (::write(tell[1], &letter, 1) != 1 || !domain->Save()) std::_Exit(1);
+    if (writer == 0) {
+      for (int saves = 0;; ++saves) {
+        const char letter = static_cast<char>('a' + saves % 26);
+        const auto domain = Domain();
+        for (const char* name : {"first", "last"})
+          domain->SetVar("s", name, std::string(kSize, letter));
+        if (::write(tell[1], &letter, 1) != 1 || !domain->Save()) std::_Exit(1);
+      }
     }
     ::close(tell[1]);
     char letter = 0;
