@@ -9,9 +9,6 @@ add_library(vq::ace ALIAS vq_ace)
 # The product's TLS.
 add_library(vq_orb_tls INTERFACE)
 add_library(vq::orb_tls ALIAS vq_orb_tls)
-# The same for a server, which takes its TLS arguments on its command line and calls nothing of it.
-add_library(vq_orb_server_tls INTERFACE)
-add_library(vq::orb_server_tls ALIAS vq_orb_server_tls)
 
 if(VQ_ORB STREQUAL "omniORB")
   find_package(PkgConfig REQUIRED)
@@ -26,8 +23,6 @@ if(VQ_ORB STREQUAL "omniORB")
   find_library(VQ_OMNISSL omnisslTP4 REQUIRED)
   target_link_libraries(vq_orb_tls INTERFACE
     "-Wl,--push-state,--as-needed,${VQ_OMNISSL},--pop-state")
-  target_link_options(vq_orb_server_tls INTERFACE
-    "-Wl,--push-state,--no-as-needed,${VQ_OMNISSL},--pop-state")
   find_program(VQ_NAMING_PROGRAM omniNames)
   set(VQ_NAMING_COMMAND "OMNIORB_CONFIG=/dev/null exec \"${VQ_NAMING_PROGRAM}\" -start \"$2\" -always \\
   -datadir \"$3\" -ORBendPoint \"giop:tcp:$1:$2\"")
@@ -43,7 +38,6 @@ elseif(VQ_ORB STREQUAL "TAO")
   if(TARGET vq::tao_ssliop)
     target_link_libraries(vq_orb_tls INTERFACE vq::tao_ssliop)
     target_compile_definitions(vq_orb_tls INTERFACE VQ_TAO_SSLIOP)
-    target_link_libraries(vq_orb_server_tls INTERFACE vq::tao_ssliop)
   endif()
   find_program(VQ_NAMING_PROGRAM NAMES tao_cosnaming Naming_Service HINTS ${TAO_ROOT} ${ACE_ROOT}
     PATH_SUFFIXES bin orbsvcs/Naming_Service TAO/orbsvcs/Naming_Service)

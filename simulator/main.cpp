@@ -169,8 +169,8 @@ int main(int argc, char** argv) {
   } catch (const SiteError& error) {
     std::cerr << "vq_simulator: " << error.what() << '\n';
     return kBadUse;
-  } catch (const std::invalid_argument&
-               error) {  // a malformed endpoint, or TLS settings that cannot be used
+  } catch (const std::invalid_argument& error) {
+    // A malformed endpoint, or TLS settings that cannot be used.
     std::cerr << "vq_simulator: " << error.what() << '\n';
     return kBadUse;
   } catch (const CORBA::Exception& exception) {

@@ -89,8 +89,13 @@ std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
   for (std::string& copy : copies) arguments.push_back(copy.data());
   int count = static_cast<int>(arguments.size());
   arguments.push_back(nullptr);
-  return std::make_unique<OmniOrbServer>(
-      CORBA::ORB_init(count, arguments.data(), "omniORB4", table.get()));
+  try {
+    return std::make_unique<OmniOrbServer>(
+        CORBA::ORB_init(count, arguments.data(), "omniORB4", table.get()));
+  } catch (const CORBA::Exception&) {
+    OmniOrbTls::Abandon();  // Only an ORB that started lets go of it.
+    throw;
+  }
 }
 
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {

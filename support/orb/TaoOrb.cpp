@@ -49,13 +49,6 @@ void LogHere() {
   log->msg_callback(lines);
 }
 
-CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
-                             std::chrono::milliseconds time) {
-  CORBA::Any value;
-  value <<= static_cast<TimeBase::TimeT>(TaoTime(time));
-  return orb->create_policy(type, value);
-}
-
 void Release(CORBA::PolicyList& policies) {
   for (CORBA::ULong i = 0; i < policies.length(); ++i) policies[i]->destroy();
 }
@@ -100,6 +93,22 @@ void IgnoreOfferedConnections(CORBA::ORB_ptr orb) {
   TAO_Service_Context_Registry& handlers = orb->orb_core()->service_context_registry();
   delete handlers[IOP::BI_DIR_IIOP];
   handlers = TAO_Service_Context_Registry();
+}
+
+CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
+                             std::chrono::milliseconds time) {
+  CORBA::Any value;
+  value <<= static_cast<TimeBase::TimeT>(TaoTime(time));
+  return orb->create_policy(type, value);
+}
+
+CORBA::Object_ptr WithPolicy(CORBA::Object_ptr object, CORBA::Policy_ptr policy) {
+  CORBA::PolicyList policies;
+  policies.length(1);
+  policies[0] = CORBA::Policy::_duplicate(policy);
+  CORBA::Object_var result = object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
+  policy->destroy();
+  return result._retn();
 }
 
 void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,

@@ -30,6 +30,13 @@ void IgnoreOfferedConnections(CORBA::ORB_ptr orb);
 void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
                 std::chrono::milliseconds call);
 
+// A policy that holds a time. The caller owns it.
+CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
+                             std::chrono::milliseconds time);
+
+// The same object under that policy, which ends here. The caller owns the result.
+CORBA::Object_ptr WithPolicy(CORBA::Object_ptr object, CORBA::Policy_ptr policy);
+
 // The threads that take calls for one ORB. What TAO reports on them and on the thread that started
 // the ORB goes to the log.
 //

@@ -5,7 +5,6 @@
 #include <support/orb/TaoTls.h>
 
 #include <tao/Messaging/Messaging.h>
-#include <tao/TimeBaseC.h>
 
 namespace vq::orb {
 namespace {
@@ -57,14 +56,9 @@ std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
 
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {
   const CORBA::ORB_var orb = object->_get_orb();
-  CORBA::Any value;
-  value <<= static_cast<TimeBase::TimeT>(TaoTime(time));
-  CORBA::PolicyList policies;
-  policies.length(1);
-  policies[0] = orb->create_policy(Messaging::RELATIVE_RT_TIMEOUT_POLICY_TYPE, value);
-  CORBA::Object_var limited = object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
-  policies[0]->destroy();
-  return limited._retn();
+  const CORBA::Policy_var limit =
+      TimePolicy(orb.in(), Messaging::RELATIVE_RT_TIMEOUT_POLICY_TYPE, time);
+  return WithPolicy(object, limit.in());
 }
 
 CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time) {

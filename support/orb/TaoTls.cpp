@@ -4,6 +4,7 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/TaoOrb.h>
 #include <support/orb/TlsVerdict.h>
 
 #if defined(VQ_TAO_SSLIOP)  // CMake found TAO's TLS library
@@ -79,16 +80,13 @@ CORBA::Object_ptr TaoTls::InClear(CORBA::Object_ptr object) {
   const CORBA::ORB_var orb = object->_get_orb();
   CORBA::Any value;
   value <<= Security::SecQOPNoProtection;
-  CORBA::PolicyList policies;
-  policies.length(1);
+  CORBA::Policy_var unprotected;
   try {
-    policies[0] = orb->create_policy(Security::SecQOPPolicy, value);
+    unprotected = orb->create_policy(Security::SecQOPPolicy, value);
   } catch (const CORBA::PolicyError&) {  // This ORB has no TLS.
     return CORBA::Object::_duplicate(object);
   }
-  CORBA::Object_var inClear = object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
-  policies[0]->destroy();
-  return inClear._retn();
+  return WithPolicy(object, unprotected.in());
 }
 
 std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSettings& settings) {
