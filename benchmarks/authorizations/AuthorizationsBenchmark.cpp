@@ -21,8 +21,8 @@
 
 #include <benchmarks/authorizations/GrantGenerator.h>
 #include <benchmarks/authorizations/SnapshotServer.h>
-#include <support/orb/AuthLevelBySelection.h>
-#include <support/selection/GrantIndex.h>
+#include <support/grants/AuthLevelBySelection.h>
+#include <support/grants/GrantIndex.h>
 #include <support/selection/QCSSelectionDef.h>
 
 namespace {

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include <support/selection/GrantIndex.h>
+#include <support/grants/GrantIndex.h>
 #include <support/selection/QCSSelectionDef.h>
 
 namespace {

@@ -22,9 +22,9 @@ ROW = re.compile(r"^\| ([0-5]) \| `(.*?)` \|", re.M)
 # Names and labels, prompts, and texts that go into another one.
 NO_MESSAGE = {
     "support/diagnostics/ConsoleInput.cpp": r"User name:",
-    "support/orb/OmniOrbTransport.cpp": r"SSL transport disabled",
-    "support/orb/OmniOrbServer.cpp": r"SSL transport disabled",
-    "support/orb/TaoOptions.cpp": r".*",
+    "support/orb/omniorb/OmniOrbTransport.cpp": r"SSL transport disabled",
+    "support/orb/omniorb/OmniOrbServer.cpp": r"SSL transport disabled",
+    "support/orb/tao/TaoOptions.cpp": r".*",
     "support/selection/SelectionMatching.h": r"NOT LIKE",
     "vq_client_common/datacenters/TDC.cpp": r"[A-Z]\w+ [A-Z]\w+",
     "vq_client_common/session/ServerId.cpp": r"VELTRA-M/VQ .*",

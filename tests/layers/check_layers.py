@@ -27,12 +27,15 @@ MAY_INCLUDE = {
     "support/foundations": BASE,
     "support/configuration": KIT,
     "support/orb": SUPPORT | WIRE,
+    "support/orb/omniorb": SUPPORT | WIRE,
+    "support/orb/tao": SUPPORT | WIRE,
+    "support/grants": BASE | {"support/diagnostics"} | WIRE,
     f"{LIBRARY}/text": SUPPORT,
     f"{LIBRARY}/time": SUPPORT | WIRE,
     f"{LIBRARY}/datacenters": SUPPORT | WIRE,
     f"{LIBRARY}/environment": SUPPORT,
     SESSION: SUPPORT | WIRE | {f"{LIBRARY}/text", f"{LIBRARY}/environment"},
-    f"{LIBRARY}/authorizations": SUPPORT | WIRE | {SESSION},
+    f"{LIBRARY}/authorizations": SUPPORT | WIRE | {SESSION, "support/grants"},
     f"{LIBRARY}/connectivity": SUPPORT | WIRE | {SESSION},
     "simulator": SUPPORT | WIRE,
     # Clients see what is installed: the public headers, and through them the log and the wire types.
@@ -40,19 +43,22 @@ MAY_INCLUDE = {
     "examples": None,
 }
 ONLY_IN = {
-    r"omniORB4/|tao/|orbsvcs/": {"support/orb"},
+    r"omniORB4/": {"support/orb", "support/orb/omniorb"},
+    r"tao/|orbsvcs/": {"support/orb", "support/orb/tao"},
     r"xercesc/": {"support/configuration", "vq_client_common/environment"},
     r"spdlog/": {"support/diagnostics"},
-    r"openssl/": {"support/security", "support/foundations", "support/orb", "simulator"},
-    r"ace/": {"support/orb", "vq_client_common/connectivity"},
+    r"openssl/": {"support/security", "support/foundations", "support/orb", "support/orb/omniorb",
+                 "support/orb/tao", "simulator"},
+    r"ace/": {"support/orb", "support/orb/tao", "vq_client_common/connectivity"},
     r"CLI/": {"client", "simulator"},
 }
 
 
 def folder_of(header):
     """The folder of the table that a header belongs to, or None for a foreign one."""
-    match = re.match(rf"(vq_idl)/|((?:support|{LIBRARY})/[^/]+)/", header)
-    return match and (match[1] or match[2])
+    match = re.match(rf"vq_idl(?=/)|support/orb/(omniorb|tao)(?=/)|(support|{LIBRARY})/[^/]+(?=/)",
+                     header)
+    return match and match[0]
 
 
 def includes(file):
@@ -99,7 +105,8 @@ def check(root, public, files):
 def main():
     root = Path(sys.argv[1]).resolve()
     files = [(folder, source) for folder in MAY_INCLUDE
-             for source in sorted((root / folder).rglob("*")) if source.suffix in (".h", ".cpp")]
+             for source in sorted((root / folder).rglob("*")) if source.suffix in (".h", ".cpp")
+             if folder_of(str(source.relative_to(root))) in (None, folder)]
     errors = list(check(root, public_headers(root), files))
     print("\n".join(errors) or f"{len(files)} files keep to the arrows")
     return 1 if errors else 0

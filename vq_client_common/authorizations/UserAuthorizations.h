@@ -18,9 +18,9 @@
 #include <list>
 #include <string>
 
-#include <support/orb/AuthLevelBySelection.h>
+#include <support/grants/AuthLevelBySelection.h>
+#include <support/grants/VQServiceUserAuth.h>
 #include <support/orb/Corba.h>
-#include <support/orb/VQServiceUserAuth.h>
 #include <support/selection/QCSObject.h>
 #include <vq_client_common/Export.h>
 #include <vq_idl/AuthorizationC.h>

@@ -1,8 +1,8 @@
 #include <support/orb/ListenEndpoint.h>
-#include <support/orb/OmniOrbOptions.h>
 #include <support/orb/OrbSettings.h>
 #include <support/orb/ReferenceAddress.h>
-#include <support/orb/TaoOptions.h>
+#include <support/orb/omniorb/OmniOrbOptions.h>
+#include <support/orb/tao/TaoOptions.h>
 
 #include <sstream>
 

@@ -1,4 +1,4 @@
-#include <support/selection/GrantIndex.h>
+#include <support/grants/GrantIndex.h>
 #include <support/selection/QCSSelectionDef.h>
 #include <support/selection/SelectionMatching.h>
 #include <support/selection/SelectionParser.h>

@@ -1,0 +1,60 @@
+// The grants of one kind of object, calendars say: the user's own and those of the user's groups.
+//
+// A *grant* is a level of access over the objects that a criteria text selects
+// (docs/selection-language.md). The user's own grants decide wherever one of them fits the object,
+// and the highest level that fits wins; so a grant of the user's own may lower what a group would
+// give. Only where none fits do the groups' grants decide, again the highest. Where none of either
+// fits, the level is DEFAULT_ACCESS, which allows nothing but itself.
+//
+//   AuthLevelBySelection calendars;
+//   calendars.UserAuthFromCORBA(snapshot->m_CalendarsUserAccess, true);
+//   calendars.GroupAuthFromCORBA(snapshot->m_CalendarsGroupAccess, true);
+//   QCSObject calendar;
+//   calendar.SetAttribute("NAME", "HOLIDAYS");
+//   if (calendars.IsAuthorized(calendar, UPDATE_ACCESS)) ...
+//
+// The grants are indexed when they are loaded; a question does not try them one by one.
+#ifndef VQ_SUPPORT_GRANTS_AUTHLEVELBYSELECTION_H
+#define VQ_SUPPORT_GRANTS_AUTHLEVELBYSELECTION_H
+
+#include <memory>
+
+#include <support/Export.h>
+#include <support/orb/Corba.h>
+#include <support/selection/QCSObject.h>
+#include <vq_idl/AuthorizationC.h>
+
+namespace vq {
+class GrantIndex;
+}
+
+// Thread contract: several threads may ask one holder, as long as nobody loads or assigns it
+// meanwhile. Copies share their grants, so that copying takes no time, and do not affect each
+// other.
+class VQ_SUPPORT_API AuthLevelBySelection {
+ public:
+  AuthLevelBySelection();
+  AuthLevelBySelection(const AuthLevelBySelection&);
+  AuthLevelBySelection& operator=(const AuthLevelBySelection&);
+  virtual ~AuthLevelBySelection();
+
+  // Loads the user's or the groups' grants. With `replace` they take the place of those that were
+  // there, so a second load leaves nothing of the first; without it they come in addition. A grant
+  // whose criteria do not parse grants nothing, and a line at level 1 says why.
+  // UserAuthFromCORBA returns whether all criteria parsed. Should memory run out, std::bad_alloc
+  // passes through and the holder is as it was.
+  bool UserAuthFromCORBA(const QCSCorbaAuth2LvlSeq& grants, bool replace);
+  void GroupAuthFromCORBA(const QCSCorbaAuth2LvlSeq& grants, bool replace);
+
+  // Whether the grants give at least this level over the object. Levels compare as numbers.
+  bool IsAuthorized(const QCSObject& object, const QCSAuthLevelEnum& level) const;
+
+  // Whether there is no grant at all, the user's or a group's. One that does not parse is none.
+  bool IsEmpty() const;
+
+ private:
+  std::shared_ptr<const vq::GrantIndex> m_user;   // null: none
+  std::shared_ptr<const vq::GrantIndex> m_group;  // null: none
+};
+
+#endif  // VQ_SUPPORT_GRANTS_AUTHLEVELBYSELECTION_H

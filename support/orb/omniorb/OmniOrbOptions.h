@@ -1,0 +1,25 @@
+// Our settings in omniORB's words: a pure function, without omniORB.
+//
+//   OmniOrbOptions(settings) -> {{"clientCallTimeOutPeriod", "60000"}, ...}
+#ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBOPTIONS_H
+#define VQ_SUPPORT_ORB_OMNIORB_OMNIORBOPTIONS_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <support/orb/OrbSettings.h>
+
+namespace vq::orb {
+
+using OmniOrbOption = std::pair<std::string, std::string>;
+
+// Always the complete list: omniORB keeps the old value of a number that a later start leaves out.
+std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings);
+
+// Where to listen: "giop:tcp:host:port", or with a certificate "giop:ssl:host:port".
+std::vector<std::string> OmniOrbEndpoints(const OrbSettings& settings);
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_OMNIORB_OMNIORBOPTIONS_H

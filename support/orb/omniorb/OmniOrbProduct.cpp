@@ -1,0 +1,216 @@
+// omniORB behind the seam of OrbProduct.h.
+//
+// omniORB has one ORB a process, which the instances given out here share (OmniOrbTransport.h).
+// Each of them has a POA, a POA manager and a published address of its own, and references that
+// connect in its own way.
+
+#include <support/orb/OrbProduct.h>
+
+#include <algorithm>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <omniORB4/BiDirPolicy.h>
+#include <omniORB4/minorCode.h>
+#include <omniORB4/omniORB.h>
+#include <omniORB4/omniPolicy.h>
+#include <omniORB4/omniURI.h>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/orb/omniorb/OmniOrbGuest.h>
+#include <support/orb/omniorb/OmniOrbOptions.h>
+#include <support/orb/omniorb/OmniOrbTls.h>
+#include <support/orb/omniorb/OmniOrbTransport.h>
+
+namespace vq::orb {
+namespace {
+
+TDiagRegister diagModule("ORB");
+
+constexpr std::string_view kTcp = "giop:tcp:";
+constexpr std::string_view kTls = "giop:ssl:";
+
+// The address at the same port and of the same transport, with another host.
+std::string WithHost(const std::string& address, const std::string& host) {
+  const std::string scheme = address.substr(0, kTcp.size());
+  return scheme + UriHost(host) + address.substr(address.rfind(':'));
+}
+
+bool IsLoopback(const std::string& address) {
+  return address.find(":127.") != std::string::npos || address.find(":[::1]:") != std::string::npos;
+}
+
+// What references to an ORB's objects say about where to call them: the first of the `open`
+// addresses for each transport, or the published host in its place. Loopback is the last choice.
+std::vector<std::string> PublishedAddresses(std::vector<std::string> open,
+                                            const std::string& publishedHost) {
+  std::stable_partition(open.begin(), open.end(),
+                        [](const std::string& address) { return !IsLoopback(address); });
+  std::vector<std::string> published;
+  for (const std::string_view transport : {kTcp, kTls}) {
+    const auto found = std::find_if(open.begin(), open.end(), [&](const std::string& address) {
+      return address.starts_with(transport);
+    });
+    if (found == open.end()) continue;
+    published.push_back(publishedHost.empty() ? *found : WithHost(*found, publishedHost));
+  }
+  return published;
+}
+
+// An address of the process that a server learns when a connection is offered to it for calls back,
+// and that leads nowhere else if the server is on another machine. A reference that names it is
+// called over that connection.
+std::string ConnectionMark() {
+  const std::vector<std::string> own = OmniOrbTransport::ListenAddresses();
+  const auto found = std::find_if(own.begin(), own.end(), IsLoopback);
+  return found != own.end() ? *found : own.empty() ? std::string() : own.front();
+}
+
+class OmniOrbInstance : public OrbInstance {
+ public:
+  OmniOrbInstance(std::string name, OrbSettings settings, const std::vector<std::string>& arguments)
+      : m_name(std::move(name)),
+        m_biDirectional(settings.biDirectional),
+        m_publishedHost(settings.listenEndpoint.publishedHost),
+        m_orb(CORBA::ORB::_duplicate(
+            OmniOrbTransport::Instance().Acquire(this, settings, arguments))) {
+    if (!OmniOrbTransport::Instance().HasOtherUsers(this)) return;
+    VQ_LOG(diagModule, 4) << "The ORB " << m_name << " shares the time-outs, the message size, TLS "
+                          << "and the initial references of the one that was there before";
+    m_guest.emplace();
+    settings.tls = OmniOrbTransport::Instance().Tls();
+    m_guestEndpoints = OmniOrbEndpoints(settings);
+  }
+
+  ~OmniOrbInstance() override {
+    try {
+      OmniOrbInstance::Stop(false);
+    } catch (const CORBA::Exception&) {  // Nobody is left to tell.
+    }
+  }
+
+  CORBA::ORB_ptr Orb() override { return m_orb.in(); }
+
+  CORBA::Object_ptr NamingService() override {
+    return m_orb->resolve_initial_references("NameService");
+  }
+
+  PortableServer::POA_ptr ChildPoa() override {
+    const std::lock_guard lock(m_mutex);
+    if (CORBA::is_nil(m_poa.in())) m_poa = CreatePoa();
+    return m_poa.in();
+  }
+
+  std::optional<std::chrono::sys_seconds> CertificateExpiry() const override {
+    return OmniOrbTls::CertificateExpiry();
+  }
+
+  void Stop(bool wait) override {
+    if (m_stopped) return;
+    m_stopped = true;
+    OmniOrbTransport& transport = OmniOrbTransport::Instance();
+    const bool listens = !CORBA::is_nil(m_poa.in());
+    if (listens) DestroyPoa(wait);
+    m_poa = PortableServer::POA::_nil();
+    m_guest.reset();
+    if (listens) transport.CloseListener();
+    transport.Release(this, wait);
+  }
+
+ private:
+  void DestroyPoa(bool wait) {
+    try {
+      m_poa->destroy(true, wait);
+    } catch (const CORBA::BAD_INV_ORDER&) {  // A servant of this POA ends its own ORB.
+      m_poa->destroy(true, false);
+    }
+  }
+
+  PortableServer::POA_ptr CreatePoa() {
+    PortableServer::POA_var root = OmniOrbTransport::Instance().OpenListener();
+    try {
+      return CreatePoa(root.in());
+    } catch (...) {
+      OmniOrbTransport::Instance().CloseListener();
+      throw;
+    }
+  }
+
+  PortableServer::POA_ptr CreatePoa(PortableServer::POA_ptr root) {
+    if (m_guest) m_guest->Listen(m_guestEndpoints);
+    std::vector<std::string> addresses = PublishedAddresses(
+        m_guest ? m_guest->ListenAddresses() : OmniOrbTransport::ListenAddresses(),
+        m_publishedHost);
+    if (m_guest && m_biDirectional) addresses.push_back(ConnectionMark());
+    omniPolicy::EndPointPublishPolicyValue published;
+    published.length(static_cast<CORBA::ULong>(addresses.size()));
+    for (CORBA::ULong i = 0; i < published.length(); ++i) published[i] = addresses[i].c_str();
+
+    CORBA::PolicyList policies;
+    policies.length(m_biDirectional ? 3 : 2);
+    policies[0] = root->create_implicit_activation_policy(PortableServer::IMPLICIT_ACTIVATION);
+    policies[1] = omniPolicy::create_endpoint_publish_policy(published);
+    if (m_biDirectional) {
+      CORBA::Any both;
+      both <<= BiDirPolicy::BOTH;
+      policies[2] = m_orb->create_policy(BiDirPolicy::BIDIRECTIONAL_POLICY_TYPE, both);
+    }
+    PortableServer::POA_var poa =
+        root->create_POA(m_name.c_str(), PortableServer::POAManager::_nil(), policies);
+    PortableServer::POAManager_var manager = poa->the_POAManager();
+    manager->activate();
+    return poa._retn();
+  }
+
+  const std::string m_name;
+  const bool m_biDirectional;
+  const std::string m_publishedHost;
+  CORBA::ORB_var m_orb;
+  std::optional<OmniOrbGuest> m_guest;  // where the transport was there before
+  std::vector<std::string> m_guestEndpoints;
+  std::mutex m_mutex;
+  PortableServer::POA_var m_poa;
+  bool m_stopped = false;
+};
+
+}  // namespace
+
+// omniORB has its own way with threads.
+std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, bool /*useThreadPool*/,
+                                      const OrbSettings& settings,
+                                      const std::vector<std::string>& arguments) {
+  auto instance = std::make_unique<OmniOrbInstance>(name, settings, arguments);
+  // The endpoints open with the first POA. A bidirectional client needs one for the calls that come
+  // back over its own connections, whatever its role.
+  if (role == OrbRole::kClient || settings.biDirectional) instance->ChildPoa();
+  return instance;
+}
+
+std::string MinorCodeName(const CORBA::SystemException& exception) {
+  const char* const name = exception.NP_minorString();
+  return name != nullptr ? name : "";
+}
+
+bool IsMessageTooLarge(const CORBA::SystemException& exception) {
+  return CORBA::MARSHAL::_downcast(&exception) != nullptr &&
+         (exception.minor() == omni::MARSHAL_MessageSizeExceedLimit ||
+          exception.minor() == omni::MARSHAL_MessageSizeExceedLimitOnClient ||
+          exception.minor() == omni::MARSHAL_MessageSizeExceedLimitOnServer);
+}
+
+std::string StringifyReference(CORBA::Object_ptr object) {
+  // ORB_init would start an ORB where there is none, and the session's would find its options set.
+  CORBA::String_var text = omni::omniURI::objectToString(object);
+  return text.in();
+}
+
+std::string_view ProductName() {
+  return "omniORB";
+}
+
+}  // namespace vq::orb

@@ -1,0 +1,41 @@
+// TLS in omniORB: its context made of our settings, and no connection in clear beside it.
+//
+//   OmniOrbTls::Prepare(settings);      // before ORB_init
+//   CORBA::ORB_init(...);
+//   OmniOrbTls::Guard(orb, settings);   // after it
+//
+// With TLS on, servers are called over TLS alone. Only the naming service, whose programs mostly
+// have no TLS, may be asked in clear: it tells addresses, and a server at a wrong one has no
+// certificate that is believed.
+#ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBTLS_H
+#define VQ_SUPPORT_ORB_OMNIORB_OMNIORBTLS_H
+
+#include <chrono>
+#include <optional>
+
+#include <support/orb/Corba.h>
+#include <support/orb/OrbSettings.h>
+
+namespace vq::orb {
+
+// Thread contract: Prepare, Guard and Abandon by the thread that starts the ORB; CertificateExpiry
+// by any thread while the ORB is up.
+class OmniOrbTls {
+ public:
+  // Checks the settings and gives omniORB a context of them; with TLS off OpenSSL is not touched.
+  // Raises std::invalid_argument.
+  static void Prepare(const OrbSettings& settings);
+
+  // Takes the context back when ORB_init failed.
+  static void Abandon();
+
+  // Refuses connections in clear from here on, if TLS is on.
+  static void Guard(CORBA::ORB_ptr orb, const OrbSettings& settings);
+
+  // Nothing when TLS is off or there is no own certificate.
+  static std::optional<std::chrono::sys_seconds> CertificateExpiry();
+};
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_OMNIORB_OMNIORBTLS_H

@@ -1,0 +1,169 @@
+#include <support/orb/omniorb/OmniOrbTransport.h>
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <string_view>
+
+#include <omniORB4/internal/objectAdapter.h>
+#include <omniORB4/internal/orbParameters.h>
+#include <omniORB4/omniORB.h>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/orb/CorbaText.h>
+#include <support/orb/omniorb/OmniOrbGuest.h>
+#include <support/orb/omniorb/OmniOrbOptions.h>
+#include <support/orb/omniorb/OmniOrbTls.h>
+
+namespace vq::orb {
+namespace {
+
+TDiagRegister diagModule("ORB");
+
+// Enough to follow connections and calls; from 30 on omniORB prints what the messages hold, which
+// includes passwords.
+constexpr CORBA::ULong kTraceOn = 25;
+constexpr CORBA::ULong kTraceOff = 1;
+
+// What omniORB says at each start without TLS.
+constexpr std::string_view kNoTls = "SSL transport disabled";
+
+// omniORB calls it from destructors, where nothing may be raised.
+void LogLine(const char* text) noexcept {
+  std::string_view line(text);
+  if (line.find(kNoTls) != std::string_view::npos) return;
+  while (!line.empty() && line.back() == '\n') line.remove_suffix(1);
+  const CORBA::ULong level = std::atomic_ref(omniORB::traceLevel).load(std::memory_order_relaxed);
+  if (!line.empty()) VQ_LOG(diagModule, level > kTraceOff ? 6 : 2) << line;
+}
+
+// omniORB's threads, those of an ORB that has ended too, read what it traces at any time.
+template <class Setting>
+void Trace(Setting& setting, Setting value) {
+  std::atomic_ref(setting).store(value, std::memory_order_relaxed);
+}
+
+}  // namespace
+
+OmniOrbTransport& OmniOrbTransport::Instance() {
+  static auto* const transport = new OmniOrbTransport;
+  return *transport;
+}
+
+CORBA::ORB_ptr OmniOrbTransport::Acquire(const void* user, const OrbSettings& settings,
+                                         const std::vector<std::string>& arguments) {
+  const std::lock_guard lock(m_mutex);
+  FinishEnding();
+  if (m_users.empty()) {
+    m_orb = Initialise(settings, arguments);
+    m_tls = settings.tls;
+  }
+  m_users.push_back({user, settings.biDirectional});
+  OfferAsLastUser();
+  return m_orb.in();
+}
+
+void OmniOrbTransport::Release(const void* user, bool wait) {
+  const std::lock_guard lock(m_mutex);
+  if (std::erase_if(m_users, [&](const User& known) { return known.id == user; }) == 0) return;
+  OfferAsLastUser();
+  if (!m_users.empty()) return;
+  m_ending = true;
+  m_orb->shutdown(wait);
+  if (wait) FinishEnding();
+}
+
+bool OmniOrbTransport::HasOtherUsers(const void* user) {
+  const std::lock_guard lock(m_mutex);
+  return std::any_of(m_users.begin(), m_users.end(),
+                     [&](const User& known) { return known.id != user; });
+}
+
+TlsSettings OmniOrbTransport::Tls() {
+  const std::lock_guard lock(m_mutex);
+  return m_tls;
+}
+
+// omniORB compares this with what it was when a connection was made, and makes a connection of its
+// own for a reference that asks for the other kind.
+void OmniOrbTransport::OfferAsLastUser() const {
+  if (!m_users.empty()) {
+    omni::orbParameters::offerBiDirectionalGIOP = m_users.back().biDirectional;
+  }
+}
+
+CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
+                                            const std::vector<std::string>& arguments) {
+  omniORB::setLogFunction(LogLine);
+  Trace(omniORB::traceLevel, diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff);
+  // The log has the time itself, and omniORB asks for it in a way that is not safe with threads.
+  Trace(omniORB::traceTime, false);
+
+  const std::vector<OmniOrbOption> options = OmniOrbOptions(settings);
+  const std::unique_ptr<const char*[][2]> table(new const char*[options.size() + 1][2]);
+  for (std::size_t i = 0; i < options.size(); ++i) {
+    table[i][0] = options[i].first.c_str();
+    table[i][1] = options[i].second.c_str();
+  }
+  table[options.size()][0] = nullptr;
+  table[options.size()][1] = nullptr;
+
+  // ORB_init takes what it knows out of its argument vector, so it gets copies.
+  std::vector<std::string> copies(arguments);
+  std::vector<char*> pointers;
+  for (std::string& copy : copies) pointers.push_back(copy.data());
+  int count = static_cast<int>(pointers.size());
+  pointers.push_back(nullptr);
+  OmniOrbTls::Prepare(settings);
+  try {
+    CORBA::ORB_var orb = CORBA::ORB_init(count, pointers.data(), "omniORB4", table.get());
+    OmniOrbGuest::Install();
+    OmniOrbTls::Guard(orb.in(), settings);
+    return orb._retn();
+  } catch (const CORBA::Exception&) {
+    OmniOrbTls::Abandon();
+    throw;
+  }
+}
+
+// An ORB that was told to end without waiting is destroyed before the next one starts.
+void OmniOrbTransport::FinishEnding() {
+  if (!m_ending) return;
+  m_ending = false;
+  m_listeners = 0;
+  m_orb->destroy();
+  m_orb = CORBA::ORB::_nil();
+}
+
+PortableServer::POA_ptr OmniOrbTransport::OpenListener() {
+  const std::lock_guard lock(m_mutex);
+  CORBA::Object_var object = m_orb->resolve_initial_references("RootPOA");
+  PortableServer::POA_var root = PortableServer::POA::_narrow(object.in());
+  PortableServer::POAManager_var manager = root->the_POAManager();
+  manager->activate();
+  ++m_listeners;
+  return root._retn();
+}
+
+void OmniOrbTransport::CloseListener() {
+  const std::lock_guard lock(m_mutex);
+  if (m_listeners == 0 || --m_listeners > 0 || m_users.empty()) return;
+  try {
+    CORBA::Object_var object = m_orb->resolve_initial_references("RootPOA");
+    PortableServer::POA_var root = PortableServer::POA::_narrow(object.in());
+    root->destroy(true, true);
+    // What omniORB itself does when it ends. The next root POA opens the endpoints anew.
+    omni::omniObjAdapter::shutdown();
+  } catch (const CORBA::Exception& e) {
+    VQ_LOG(diagModule, 2) << "The listen endpoints stay open: " << e;
+  }
+}
+
+std::vector<std::string> OmniOrbTransport::ListenAddresses() {
+  const omni::orbServer::EndpointList& endpoints = omni::omniObjAdapter::listMyEndpoints();
+  std::vector<std::string> addresses;
+  for (CORBA::ULong i = 0; i < endpoints.length(); ++i) addresses.emplace_back(endpoints[i]);
+  return addresses;
+}
+
+}  // namespace vq::orb

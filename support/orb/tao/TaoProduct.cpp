@@ -1,0 +1,211 @@
+// TAO behind the seam of OrbProduct.h.
+//
+// Each instance is an ORB of its own, with its own connections, endpoints and threads, which go
+// with it. Time-outs, TLS and initial references are those of the ORB that was there before, as
+// with every product: a trial in the course of a session is made with the session's own.
+
+#include <support/orb/OrbProduct.h>
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/orb/tao/TaoOptions.h>
+#include <support/orb/tao/TaoOrb.h>
+#include <support/orb/tao/TaoTls.h>
+
+namespace vq::orb {
+namespace {
+
+TDiagRegister diagModule("ORB");
+
+// Threads that take calls where SetUseThreadPool asks for a pool; otherwise there is one.
+constexpr int kPool = 4;
+
+// TAO takes messages of any size.
+void WarnOfMessageSize(const OrbSettings& settings) {
+  for (const ResolvedSetting& setting : settings.table) {
+    if (setting.name != "-ORBMaxMessageSize" || setting.origin == SettingOrigin::kBuiltIn) continue;
+    VQ_LOG(diagModule, 2) << "The setting -ORBMaxMessageSize has no effect with TAO, which takes "
+                          << "messages of any size";
+  }
+}
+
+CORBA::ORB_ptr Start(const std::string& name, const OrbSettings& settings,
+                     const std::vector<std::string>& arguments) {
+  std::vector<std::string> all = TaoConfigurationArguments(arguments);
+  const std::vector<std::string> own = TaoArguments(settings);
+  all.insert(all.end(), own.begin(), own.end());
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  TaoTls::Prepare(settings);
+  WarnOfMessageSize(settings);
+  CORBA::ORB_var orb = StartTao(name, all);
+  if (!settings.biDirectional) IgnoreOfferedConnections(orb.in());
+  try {
+    LimitCalls(orb.in(), settings.connectTimeout, settings.callTimeout);
+    TaoTls::AllowNaming(orb.in(), settings);
+  } catch (const CORBA::Exception&) {
+    orb->destroy();
+    throw;
+  }
+  return orb._retn();
+}
+
+bool IsNamingConfigured(const OrbSettings& settings) {
+  return std::any_of(settings.initialRefs.begin(), settings.initialRefs.end(),
+                     [](const std::string& ref) { return ref.starts_with("NameService="); });
+}
+
+// The settings of the ORBs that are up, the oldest first.
+class Running {
+ public:
+  static Running& Instance() {
+    static auto* const running = new Running;
+    return *running;
+  }
+
+  // What an ORB is to be started with, which counts as up from here on.
+  OrbSettings Enter(const void* orb, const std::string& name, OrbSettings settings) {
+    const std::lock_guard lock(m_mutex);
+    if (!m_all.empty()) {
+      VQ_LOG(diagModule, 4) << "The ORB " << name << " shares the time-outs, TLS and the initial "
+                            << "references of the one that was there before";
+      const OrbSettings& first = m_all.front().second;
+      settings.connectTimeout = first.connectTimeout;
+      settings.callTimeout = first.callTimeout;
+      settings.tls = first.tls;
+      settings.initialRefs = first.initialRefs;
+    }
+    m_all.emplace_back(orb, settings);
+    return settings;
+  }
+  void Leave(const void* orb) {
+    const std::lock_guard lock(m_mutex);
+    std::erase_if(m_all, [&](const auto& one) { return one.first == orb; });
+  }
+
+ private:
+  std::mutex m_mutex;
+  std::vector<std::pair<const void*, OrbSettings>> m_all;
+};
+
+class TaoInstance : public OrbInstance {
+ public:
+  TaoInstance(std::string name, OrbSettings settings, const std::vector<std::string>& arguments,
+              bool useThreadPool)
+      : m_name(std::move(name)),
+        m_settings(Running::Instance().Enter(this, m_name, std::move(settings))),
+        m_useThreadPool(useThreadPool),
+        m_namingIsConfigured(IsNamingConfigured(m_settings)) {
+    try {
+      m_orb = Start(m_name, m_settings, arguments);
+    } catch (...) {
+      Running::Instance().Leave(this);
+      throw;
+    }
+  }
+
+  ~TaoInstance() override {
+    try {
+      TaoInstance::Stop(true);
+    } catch (const CORBA::Exception&) {  // Nobody is left to tell.
+    }
+  }
+
+  CORBA::ORB_ptr Orb() override { return m_orb.in(); }
+
+  CORBA::Object_ptr NamingService() override {
+    // TAO would ask by multicast who is one.
+    if (!m_namingIsConfigured) throw CORBA::ORB::InvalidName();
+    return m_orb->resolve_initial_references("NameService");
+  }
+
+  PortableServer::POA_ptr ChildPoa() override {
+    const std::lock_guard lock(m_mutex);
+    if (CORBA::is_nil(m_poa.in())) {
+      m_poa = CreatePoa();
+      m_threads.Start(m_orb.in(), m_useThreadPool ? kPool : 1);
+    }
+    return m_poa.in();
+  }
+
+  std::optional<std::chrono::sys_seconds> CertificateExpiry() const override {
+    return TaoTls::CertificateExpiry(m_settings);
+  }
+
+  void Stop(bool wait) override {
+    if (CORBA::is_nil(m_orb.in())) return;
+    const CORBA::ORB_var orb = m_orb._retn();
+    m_poa = PortableServer::POA::_nil();
+    Running::Instance().Leave(this);
+    m_threads.End(orb.in(), wait);
+  }
+
+ private:
+  PortableServer::POA_ptr CreatePoa() {
+    const CORBA::Object_var object = m_orb->resolve_initial_references("RootPOA");
+    const PortableServer::POA_var root = PortableServer::POA::_narrow(object.in());
+    CORBA::PolicyList policies;
+    policies.length(m_settings.biDirectional ? 2 : 1);
+    policies[0] = root->create_implicit_activation_policy(PortableServer::IMPLICIT_ACTIVATION);
+    if (m_settings.biDirectional) {
+      // From here on this ORB offers its connections for calls back.
+      CORBA::Any both;
+      both <<= BiDirPolicy::BOTH;
+      policies[1] = m_orb->create_policy(BiDirPolicy::BIDIRECTIONAL_POLICY_TYPE, both);
+    }
+    PortableServer::POA_var poa =
+        root->create_POA(m_name.c_str(), PortableServer::POAManager::_nil(), policies);
+    for (CORBA::ULong i = 0; i < policies.length(); ++i) policies[i]->destroy();
+    const PortableServer::POAManager_var manager = poa->the_POAManager();
+    manager->activate();
+    return poa._retn();
+  }
+
+  const std::string m_name;
+  const OrbSettings m_settings;
+  const bool m_useThreadPool;
+  const bool m_namingIsConfigured;
+  CORBA::ORB_var m_orb;
+  std::mutex m_mutex;
+  PortableServer::POA_var m_poa;
+  TaoThreads m_threads;
+};
+
+}  // namespace
+
+std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, bool useThreadPool,
+                                      const OrbSettings& settings,
+                                      const std::vector<std::string>& arguments) {
+  auto instance = std::make_unique<TaoInstance>(name, settings, arguments, useThreadPool);
+  // The endpoints open with the first POA. A bidirectional client needs one for the calls that come
+  // back over its own connections, whatever its role.
+  if (role == OrbRole::kClient || settings.biDirectional) instance->ChildPoa();
+  return instance;
+}
+
+std::string MinorCodeName(const CORBA::SystemException& exception) {
+  // TAO raises it, without words, before it would call in clear what must be called over TLS.
+  if (dynamic_cast<const CORBA::INV_POLICY*>(&exception) != nullptr) {
+    return "TLS is on, and the server offers none";
+  }
+  return TaoMinorText(exception._info().c_str());
+}
+
+bool IsMessageTooLarge(const CORBA::SystemException&) {
+  return false;
+}
+
+std::string StringifyReference(CORBA::Object_ptr object) {
+  const CORBA::ORB_var orb = object->_get_orb();
+  const CORBA::String_var text = orb->object_to_string(object);
+  return text.in();
+}
+
+std::string_view ProductName() {
+  return "TAO";
+}
+
+}  // namespace vq::orb

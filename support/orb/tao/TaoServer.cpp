@@ -1,0 +1,69 @@
+#include <support/orb/OrbServer.h>
+
+#include <support/orb/tao/TaoOptions.h>
+#include <support/orb/tao/TaoOrb.h>
+#include <support/orb/tao/TaoTls.h>
+
+#include <tao/Messaging/Messaging.h>
+
+namespace vq::orb {
+namespace {
+
+// Calls that may be under way at once, those that wait on purpose included.
+constexpr int kThreads = 24;
+constexpr std::chrono::milliseconds kUsualLimit{60'000};  // of calls to clients that are gone
+
+class TaoServer : public ServerOrb {
+ public:
+  explicit TaoServer(CORBA::ORB_ptr orb) : m_orb(orb) {}
+  ~TaoServer() override {
+    try {
+      TaoServer::Stop();
+    } catch (const CORBA::Exception&) {  // Nobody is left to tell.
+    }
+  }
+
+  CORBA::ORB_ptr Orb() override { return m_orb.in(); }
+  void Serve() override {
+    if (!m_threads.AreRunning()) m_threads.Start(m_orb.in(), kThreads);
+  }
+  void Stop() override {
+    if (CORBA::is_nil(m_orb.in())) return;
+    const CORBA::ORB_var orb = m_orb._retn();
+    m_threads.End(orb.in(), true);
+  }
+
+ private:
+  CORBA::ORB_var m_orb;
+  TaoThreads m_threads;
+};
+
+}  // namespace
+
+std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
+  const OrbSettings settings = ServerSettings(options);
+  TaoTls::Prepare(settings);
+  std::vector<std::string> arguments = TaoConfigurationArguments(options.rest);
+  const std::vector<std::string> own = TaoArguments(settings);
+  arguments.insert(arguments.end(), own.begin(), own.end());
+  arguments.insert(arguments.end(), options.rest.begin(), options.rest.end());
+  auto server = std::make_unique<TaoServer>(StartTao("server", std::move(arguments)));
+  if (!settings.biDirectional) IgnoreOfferedConnections(server->Orb());
+  LimitCalls(server->Orb(), kUsualLimit, kUsualLimit);
+  TaoTls::AllowNaming(server->Orb(), settings);
+  return server;
+}
+
+CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {
+  const CORBA::ORB_var orb = object->_get_orb();
+  const CORBA::Policy_var limit =
+      TimePolicy(orb.in(), Messaging::RELATIVE_RT_TIMEOUT_POLICY_TYPE, time);
+  return WithPolicy(object, limit.in());
+}
+
+CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time) {
+  const CORBA::Object_var inClear = TaoTls::InClear(context);
+  return WithCallLimit(inClear.in(), time);
+}
+
+}  // namespace vq::orb

@@ -1,0 +1,188 @@
+#include <support/grants/AuthLevelBySelection.h>
+#include <support/grants/VQServiceUserAuth.h>
+#include <support/orb/CorbaConversions.h>
+
+#include <gmock/gmock.h>
+
+#include <tests/fixture/LogCapture.h>
+
+namespace {
+
+using Pair = std::pair<const char*, QCSAuthLevelEnum>;
+
+QCSCorbaAuth2LvlSeq Wire(const std::vector<Pair>& grants) {
+  QCSCorbaAuth2LvlSeq wire;
+  wire.length(static_cast<CORBA::ULong>(grants.size()));
+  for (CORBA::ULong i = 0; i < wire.length(); ++i) {
+    wire[i].m_sCriteria = grants[i].first;
+    wire[i].m_eLevel = grants[i].second;
+  }
+  return wire;
+}
+
+QCSObject Named(const std::string& name) {
+  QCSObject object;
+  object.SetAttribute("NAME", name);
+  return object;
+}
+
+// The highest level that the holder gives over the object.
+template <class Ask>
+int Given(Ask ask) {
+  int given = -1;
+  for (int level = DEFAULT_ACCESS; level <= MAX_ACCESS; ++level) {
+    if (ask(static_cast<QCSAuthLevelEnum>(level))) {
+      EXPECT_EQ(given, level - 1) << "a higher level without the lower ones";
+      given = level;
+    }
+  }
+  return given;
+}
+
+int Given(const AuthLevelBySelection& holder, const std::string& name) {
+  return Given([&](QCSAuthLevelEnum level) { return holder.IsAuthorized(Named(name), level); });
+}
+
+TEST(AuthLevelBySelection, TheUsersOwnGrantsGoBeforeTheGroups) {
+  AuthLevelBySelection holder;
+  EXPECT_TRUE(holder.UserAuthFromCORBA(Wire({{"NAME LIKE 'A*'", BROWSE_ACCESS},
+                                             {"NAME LIKE 'AB*'", UPDATE_ACCESS},
+                                             {"NAME = 'AN'", ACCESS_NONE},
+                                             {"NAME = 'Z'", ACCESS_NONE},
+                                             {"NAME = 'D'", DEFAULT_ACCESS},
+                                             {"NAME = 'M'", MAX_ACCESS}}),
+                                       true));
+  holder.GroupAuthFromCORBA(Wire({{"*", BROWSE_ACCESS}, {"NAME LIKE '?'", FULL_ACCESS}}), true);
+  static constexpr Pair kRows[] = {
+      {"A", BROWSE_ACCESS},    // an own grant fits, so the groups' FULL_ACCESS does not count
+      {"ABC", UPDATE_ACCESS},  // the highest of two own grants
+      {"AN", BROWSE_ACCESS},   // the highest, whatever the order
+      {"Z", ACCESS_NONE},      // an own grant may take away
+      {"D", DEFAULT_ACCESS},   // even all
+      {"M", MAX_ACCESS},      {"B", FULL_ACCESS},  // no own grant fits: the highest of the groups'
+      {"BC", BROWSE_ACCESS},
+  };
+  for (const auto& [name, given] : kRows) EXPECT_EQ(Given(holder, name), given) << name;
+}
+
+TEST(AuthLevelBySelection, ALoadReplacesOrAddsAndWithoutAFittingGrantNothingIsAllowed) {
+  AuthLevelBySelection holder;
+  EXPECT_TRUE(holder.IsEmpty());
+  EXPECT_EQ(Given(holder, "A"), DEFAULT_ACCESS);
+  holder.UserAuthFromCORBA(Wire({{"NAME = 'A'", FULL_ACCESS}}), true);
+  const AuthLevelBySelection copy = holder;
+  holder.UserAuthFromCORBA(Wire({{"NAME = 'B'", UPDATE_ACCESS}}), false);
+  EXPECT_EQ(Given(holder, "A"), FULL_ACCESS);
+  EXPECT_EQ(Given(holder, "B"), UPDATE_ACCESS);
+  holder.UserAuthFromCORBA(Wire({{"NAME = 'C'", BROWSE_ACCESS}}), true);
+  EXPECT_EQ(Given(holder, "A"), DEFAULT_ACCESS);
+  EXPECT_EQ(Given(holder, "C"), BROWSE_ACCESS);
+  EXPECT_EQ(Given(copy, "A"), FULL_ACCESS);
+  EXPECT_EQ(Given(copy, "B"), DEFAULT_ACCESS);
+  holder.UserAuthFromCORBA(Wire({}), true);
+  EXPECT_TRUE(holder.IsEmpty());
+  holder.GroupAuthFromCORBA(Wire({{"NAME = 'B'", FULL_ACCESS}}), true);
+  EXPECT_FALSE(holder.IsEmpty() || holder.IsAuthorized(QCSObject(), ACCESS_NONE));
+  EXPECT_TRUE(holder.IsAuthorized(QCSObject(), DEFAULT_ACCESS));
+  holder = copy;
+  EXPECT_EQ(Given(holder, "A"), FULL_ACCESS);
+}
+
+TEST(RefusedGrants, GrantNothingAndAreLogged) {
+  EXPECT_TRUE(VQServiceUserAuth({{"NAME =", FULL_ACCESS, {1}}}).IsEmpty());
+  vq::test::LogCapture log(1);
+  AuthLevelBySelection holder;
+  EXPECT_FALSE(holder.UserAuthFromCORBA(Wire({{"NAME LIKE A*", FULL_ACCESS}}), true));
+  EXPECT_TRUE(holder.IsEmpty());
+  EXPECT_EQ(Given(holder, "A"), DEFAULT_ACCESS);
+  EXPECT_THAT(log.Take(),
+              ::testing::ElementsAre(
+                  "1 A grant is left out, its criteria do not parse at position 10: expected "
+                  "a value in single quotes, found A*. Criteria: NAME LIKE A*"));
+  EXPECT_TRUE(holder.UserAuthFromCORBA(Wire({{"NAME LIKE 'A*'", UPDATE_ACCESS}}), false));
+  EXPECT_EQ(Given(holder, "A"), UPDATE_ACCESS);
+  EXPECT_EQ(log.Text(), "");
+}
+
+TEST(RefusedGrants, ManyOfThemDoNotFillTheLog) {
+  vq::test::LogCapture log(1);
+  AuthLevelBySelection holder;
+  holder.GroupAuthFromCORBA(Wire(std::vector<Pair>(1000, {"?", FULL_ACCESS})), true);
+  ASSERT_EQ(log.Lines().size(), 21U);
+  EXPECT_EQ(log.Lines().back().text, "980 further grants are left out likewise");
+}
+
+using ServiceGrant = std::tuple<const char*, QCSAuthLevelEnum, std::vector<int>>;
+
+// As they come over the wire.
+std::list<VQServiceAuth> Received(const std::vector<ServiceGrant>& grants) {
+  QCSCorbaAuth2LvlSeq2 wire;
+  wire.length(static_cast<CORBA::ULong>(grants.size()));
+  for (CORBA::ULong i = 0; i < wire.length(); ++i) {
+    const auto& [criteria, level, actions] = grants[i];
+    wire[i].Criteria = criteria;
+    wire[i].Level = level;
+    wire[i].Actions.length(static_cast<CORBA::ULong>(actions.size()));
+    std::copy(actions.begin(), actions.end(), wire[i].Actions.get_buffer());
+  }
+  std::list<VQServiceAuth> received{VQServiceAuth{"from before", FULL_ACCESS, {1}}};
+  CrbConvert(wire, received);
+  return received;
+}
+
+TEST(VQServiceUserAuth, LevelsAndActionsComeFromTheDecidingList) {
+  VQServiceUserAuth holder;
+  EXPECT_TRUE(holder.IsEmpty());
+  holder.AddUserAuth(VQServiceUserAuth(
+      Received({{"NAME LIKE 'A*'", BROWSE_ACCESS, {1, 2}}, {"NAME = 'AB'", UPDATE_ACCESS, {3}}})));
+  holder.AddGroupAuth(VQServiceUserAuth(
+      {}, Received({{"*", FULL_ACCESS, {-4, 5}}, {"NAME = 'B'", ACCESS_NONE, {}}})));
+  EXPECT_FALSE(holder.IsEmpty());
+  const ServiceGrant kRows[] = {
+      {"A", BROWSE_ACCESS, {1, 2}}, {"AB", UPDATE_ACCESS, {1, 2, 3}}, {"B", FULL_ACCESS, {-4, 5}}};
+  for (const auto& [name, given, actions] : kRows) {
+    const QCSObject service = Named(name);
+    EXPECT_EQ(Given([&](auto level) { return holder.IsDefAccessAllowed(service, level); }), given);
+    std::vector<int> allowed;
+    for (int action = -10; action < 10; ++action) {
+      if (holder.IsActionAllowed(service, action)) allowed.push_back(action);
+    }
+    EXPECT_EQ(allowed, actions) << name;
+  }
+}
+
+TEST(VQServiceUserAuth, ListsAddUpInOrderAndClearEmptiesBoth) {
+  const VQServiceUserAuth first(Received({{"NAME = 'A'", BROWSE_ACCESS, {1}}}));
+  const VQServiceUserAuth second(Received({{"NAME = 'B'", FULL_ACCESS, {2}}}),
+                                 Received({{"NAME = 'C'", FULL_ACCESS, {3}}}));
+  VQServiceUserAuth sum = first;
+  sum.AddUserAuth(second);
+  ASSERT_EQ(sum.UserAuth().size(), 2U);
+  EXPECT_EQ(sum.UserAuth().back().Criteria, "NAME = 'B'");
+  EXPECT_TRUE(sum.GroupAuth().empty());
+  EXPECT_TRUE(sum.IsActionAllowed(Named("A"), 1) && sum.IsActionAllowed(Named("B"), 2));
+  EXPECT_FALSE(sum.IsActionAllowed(Named("C"), 3));
+  EXPECT_FALSE(first.IsActionAllowed(Named("B"), 2));
+  sum.AddGroupAuth(second);
+  EXPECT_TRUE(sum.IsActionAllowed(Named("C"), 3));
+  sum.Clear();
+  EXPECT_TRUE(sum.IsEmpty() && sum.UserAuth().empty());
+  EXPECT_FALSE(sum.IsActionAllowed(Named("A"), 1));
+  EXPECT_TRUE(sum.IsDefAccessAllowed(Named("A"), DEFAULT_ACCESS));
+  EXPECT_FALSE(sum.IsDefAccessAllowed(Named("A"), ACCESS_NONE));
+}
+
+TEST(CorbaConversions, TextsGoBothWays) {
+  stringSeq sequence;
+  sequence.length(5);
+  StlVector2CorbaSequence(std::list<std::string>{"PROD", ""}, sequence);
+  ASSERT_EQ(sequence.length(), 2U);
+  EXPECT_STREQ(sequence[0], "PROD");
+  EXPECT_STREQ(sequence[1], "");
+  StlVector2CorbaSequence(std::vector<std::string>{}, sequence);
+  EXPECT_EQ(sequence.length(), 0U);
+  EXPECT_EQ(CorbaString2StlString("text"), "text");
+  EXPECT_EQ(CorbaString2StlString(nullptr), "");
+}
+
+}  // namespace
