@@ -20,7 +20,7 @@
 #include <tests/fixture/Server.h>
 #include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_idl/SystemConfigurationC.h>

@@ -8,8 +8,8 @@
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 #include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/CorbaServerPackManager.h>
-#include <vq_client_common/session/GetCRBServant.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/LoginHandler.h>

@@ -7,7 +7,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaConversions.h>
 #include <vq_client_common/authorizations/internal/RemoteFailures.h>
-#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_idl/UsersManagerC.h>

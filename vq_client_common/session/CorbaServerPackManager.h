@@ -1,8 +1,8 @@
 // The references to server objects that the process holds, one for each service and server kind, so
 // that the naming service is asked once a session.
 //
-// GetCRBServant (GetCRBServant.h) is the way to a reference; this class is where it keeps them. A
-// reference whose server has gone away stays here and fails on use, until GL_LogOut empties the
+// GetCRBServant (CorbaGlobalFuncs.h) is the way to a reference; this class is where it keeps them.
+// A reference whose server has gone away stays here and fails on use, until GL_LogOut empties the
 // cache.
 #ifndef VQ_CLIENT_COMMON_SESSION_CORBASERVERPACKMANAGER_H
 #define VQ_CLIENT_COMMON_SESSION_CORBASERVERPACKMANAGER_H

@@ -6,7 +6,7 @@
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/ReferenceAddress.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_idl/UsersManagerC.h>
 

@@ -6,7 +6,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/internal/Collaborators.h>
 #include <vq_client_common/session/internal/LocalIdentity.h>

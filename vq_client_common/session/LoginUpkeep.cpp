@@ -9,7 +9,7 @@
 #include <support/orb/ORBCommon.h>
 #include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/ServerLocale.h>

@@ -9,7 +9,7 @@
 #include <support/orb/CorbaText.h>
 #include <support/security/SecretString.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/internal/LocalIdentity.h>
 #include <vq_client_common/session/internal/RegistrationPassword.h>

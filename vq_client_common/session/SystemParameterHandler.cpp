@@ -7,7 +7,7 @@
 #include <support/orb/CorbaText.h>
 #include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_idl/SystemConfigurationC.h>
 
 namespace {

@@ -1,4 +1,4 @@
-#include <vq_client_common/session/GetCRBServant.h>
+#include <vq_client_common/session/CorbaGlobalFuncs.h>
 
 #include <string>
 

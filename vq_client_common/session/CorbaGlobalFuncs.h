@@ -7,8 +7,8 @@
 //
 // The reference is borrowed from the process's cache: the caller neither releases it nor keeps it
 // beyond GL_LogOut or exit_vqclient_common.
-#ifndef VQ_CLIENT_COMMON_SESSION_GETCRBSERVANT_H
-#define VQ_CLIENT_COMMON_SESSION_GETCRBSERVANT_H
+#ifndef VQ_CLIENT_COMMON_SESSION_CORBAGLOBALFUNCS_H
+#define VQ_CLIENT_COMMON_SESSION_CORBAGLOBALFUNCS_H
 
 #include <vq_client_common/Export.h>
 #include <vq_client_common/session/ServerId.h>
@@ -27,4 +27,4 @@ class VQCorbaSystemConfiguration;
 template <class T>
 int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID serverId, bool probe);
 
-#endif  // VQ_CLIENT_COMMON_SESSION_GETCRBSERVANT_H
+#endif  // VQ_CLIENT_COMMON_SESSION_CORBAGLOBALFUNCS_H
