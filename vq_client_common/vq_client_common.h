@@ -35,6 +35,7 @@
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/PasswordPolicy.h>
 #include <vq_client_common/session/ServerId.h>
 #include <vq_client_common/session/ServerLocale.h>

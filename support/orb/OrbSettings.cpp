@@ -15,19 +15,6 @@ struct KnownSetting {
   std::string_view builtIn;
 };
 
-constexpr std::string_view kListenEndpoints = "-ORBListenEndpoints";
-constexpr std::string_view kBiDirPolicy = "-BiDirPolicy";
-constexpr std::string_view kPreferIpMask = "-PreferIPMask";
-constexpr std::string_view kInitRef = "-ORBInitRef";
-constexpr std::string_view kConnectTimeout = "-ORBConnectTimeout";
-constexpr std::string_view kCallTimeout = "-ORBCallTimeout";
-constexpr std::string_view kMaxMessageSize = "-ORBMaxMessageSize";
-constexpr std::string_view kTlsCa = "-SSLCACertificate";
-constexpr std::string_view kTlsCertificate = "-SSLCertificate";
-constexpr std::string_view kTlsKey = "-SSLPrivateKey";
-constexpr std::string_view kTlsVerifyPeer = "-SSLVerifyPeer";
-constexpr std::string_view kTlsVerifyHost = "-SSLVerifyHost";
-
 // A dead network must never hang a client for ever, so both time-outs are finite. The message size
 // leaves room for an authorization snapshot of some hundred thousand grants.
 constexpr std::array kKnown{

@@ -22,6 +22,23 @@
 
 namespace vq::orb {
 
+// The names of the settings, on the command line and in the domain.
+inline constexpr const char* kListenEndpoints = "-ORBListenEndpoints";
+inline constexpr const char* kBiDirPolicy = "-BiDirPolicy";
+inline constexpr const char* kPreferIpMask = "-PreferIPMask";
+inline constexpr const char* kInitRef = "-ORBInitRef";
+inline constexpr const char* kConnectTimeout = "-ORBConnectTimeout";
+inline constexpr const char* kCallTimeout = "-ORBCallTimeout";
+inline constexpr const char* kMaxMessageSize = "-ORBMaxMessageSize";
+inline constexpr const char* kTlsCa = "-SSLCACertificate";
+inline constexpr const char* kTlsCertificate = "-SSLCertificate";
+inline constexpr const char* kTlsKey = "-SSLPrivateKey";
+inline constexpr const char* kTlsVerifyPeer = "-SSLVerifyPeer";
+inline constexpr const char* kTlsVerifyHost = "-SSLVerifyHost";
+
+// Stands in a published endpoint for the own address that begins with the IP mask.
+inline constexpr const char* kOwnAddressMark = "$IP";
+
 // Which of the four places a value came from.
 enum class SettingOrigin { kCommandLine, kOwnScope, kDefaultScope, kBuiltIn };
 // The place in words, such as "command line"; static text.

@@ -35,11 +35,10 @@ std::string ScopeOf(const std::string& orbName) {
   return orbName.substr(0, orbName.rfind(':'));
 }
 
-// Puts the own address that begins with the IP mask in place of the mark "$IP".
+// Puts the own address that begins with the IP mask in place of its mark.
 void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
-  constexpr std::string_view kMark = "$IP";
   std::string& host = settings.listenEndpoint.publishedHost;
-  if (host != kMark) return;
+  if (host != vq::orb::kOwnAddressMark) return;
   std::vector<vq::orb::OwnAddress> addresses;
   vq::orb::FindOwnAddresses(addresses);
   host = vq::orb::AddressByMask(addresses, settings.preferIpMask);

@@ -30,7 +30,7 @@ NO_MESSAGE = {
     "vq_client_common/session/ServerId.cpp": r"VELTRA-M/VQ .*",
     "vq_client_common/session/internal/ClientTable.h": r".*",
     "vq_client_common/session/SettingsReport.cpp": r".*",
-    "vq_client_common/session/GlobalFuncs.cpp": r"Orb Parameters",
+    "vq_client_common/session/internal/SessionTimeOut.cpp": r"Orb Parameters",
     "support/configuration/ConfigDocument.cpp": r"<\?xml .*",
 }
 
@@ -84,10 +84,10 @@ def texts(sources):
 
 def codes(sources):
     """The numbers that the exceptions and the functions of the session return."""
-    session = "".join(t for p, t in sources.items() if p.startswith("vq_client_common/"))
-    return set(re.findall(r"(?:BaseLoginEx\(.*?, |SetCodes\()(\d+), 600\d\d\)", session)
-               + re.findall(r"\bk(?:NotAuthorized|RefusedByPolicy|SystemException|\w*Expire\w*)\s*"
-                            r"= (\d+)", session))
+    text = "".join(t for p, t in sources.items() if p.startswith("vq_client_common/"))
+    named = "".join(re.findall(r"enum class LoginResult\b[^}]*", text))
+    return set(re.findall(r"\bk\w+ = (\d+)", named)
+               + re.findall(r"\bkSystemException\s*= (\d+)", text))
 
 
 def check(page, sources):
@@ -108,7 +108,7 @@ def self_test(page, sources):
     row = ROW.search(page)[2]
     unnoticed = [] if check(page.replace(row, row + " more", 1), sources) else ["a row too many"]
     for code in ('VQ_LOG(diag, 1) << "It is new " << name;', 'throw Error("a new text");',
-                 "BaseLoginEx(reason, 77, 60099)"):
+                 "enum class LoginResult { kNew = 77 };"):
         if not check(page, sources | {"vq_client_common/new.cpp": code}):
             unnoticed.append(f"not noticed: {code}")
     return unnoticed

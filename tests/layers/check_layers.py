@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Checks which folder includes which: the arrows of ARCHITECTURE.md.
 
-Checks also that a public header includes public headers only, and that the header of all headers
-brings every one of the library.
+Checks the order of the files within session/, that a public header includes public headers only, and that the
+header of all headers brings every one of the library.
 
 Each row of MAY_INCLUDE names a folder of this tree and the folders whose headers it may include,
 beside its own. ONLY_IN names third-party headers and the folders that may include them.
@@ -42,6 +42,15 @@ MAY_INCLUDE = {
     "client": None,
     "examples": None,
 }
+# Within session/ a file may include only files that stand further down in this list.
+SESSION_ORDER = (
+    "GlobalFuncs", "PasswordPolicy", "LoginHandler", "internal/VersionGate",
+    "internal/Registrant", "LoginExceptions", "ServerLocale", "SettingsReport",
+    "internal/SessionTimeOut", "SystemParameterHandler", "internal/UsersManager",
+    "CorbaGlobalFuncs", "CorbaServerPackManager", "ConnectionSettings", "internal/Collaborators",
+    "internal/ClientTable", "ClientId", "ServerId", "LoginResult", "CorbaCallbackCommand",
+    "VQDetailedMessageException", "VQBaseException",
+)
 ONLY_IN = {
     r"omniORB4/": {"support/orb", "support/orb/omniorb"},
     r"tao/|orbsvcs/": {"support/orb", "support/orb/tao"},
@@ -76,7 +85,23 @@ def public_headers(root):
     return headers
 
 
+def check_session(root, files):
+    """The files of session/ in one order, so that none includes another in a circle."""
+    rank = {name: i for i, name in enumerate(SESSION_ORDER)}
+    stem = re.compile(rf"{SESSION}/(.*)\.(?:h|cpp)$")
+    for source in (source for folder, source in files if folder == SESSION):
+        name = stem.fullmatch(str(source.relative_to(root)))[1]
+        if name not in rank:
+            yield f"{SESSION}/{name} is not in SESSION_ORDER"
+            continue
+        for header in filter(stem.fullmatch, includes(source)):
+            other = stem.fullmatch(header)[1]
+            if other != name and rank.get(other, -1) < rank[name]:
+                yield f"{SESSION}/{name} may not include {other}, which is above it"
+
+
 def check(root, public, files):
+    yield from check_session(root, files)
     for name in sorted(public):
         # What is installed must be whole: nothing in it may name a header that stays behind.
         for header in includes(root / name):

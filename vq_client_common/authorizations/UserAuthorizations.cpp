@@ -7,10 +7,9 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaConversions.h>
 #include <vq_client_common/authorizations/internal/RemoteFailures.h>
-#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
-#include <vq_idl/UsersManagerC.h>
+#include <vq_client_common/session/internal/UsersManager.h>
 
 namespace {
 
@@ -100,9 +99,8 @@ UserAuthorizations::~UserAuthorizations() {
 int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
   const TDiagFunc diag(diagModule, "UserAuthorizations::LoadAuthorizations");
   return vq::authorizations::RunLoad(diag, [&] {
-    QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
-    const SERVER_ID serverId = LoginHandler::GetGlobal()->GetServerID();
-    if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, serverId, true) != 1) {
+    QCSCorbaUsersManager_ptr users;
+    if (vq::session::GetUsersManager(users, LoginHandler::GetGlobal()->GetServerID()) != 1) {
       // The message announces a reconnection that does not happen; whoever reads logs knows it so.
       VQ_LOG(diag, 1) << "couldn't get CORBA servant automatic reconnect process is to be invoked.";
       return kFailure;

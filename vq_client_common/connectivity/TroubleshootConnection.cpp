@@ -15,6 +15,7 @@
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/OrbProduct.h>
+#include <support/orb/OrbSettings.h>
 #include <support/orb/OwnAddresses.h>
 #include <support/orb/QCSOrbCommon.h>
 #include <support/orb/ReferenceAddress.h>
@@ -30,11 +31,11 @@ namespace {
 
 TDiagRegister diagModule("TroubleshootConnection");
 
-using vq::connectivity::kBiDirPolicy;
 using vq::connectivity::kDefaultScope;
-using vq::connectivity::kListenEndpoints;
-using vq::connectivity::kOwnAddressMark;
-using vq::connectivity::kPreferIPMask;
+using vq::orb::kBiDirPolicy;
+using vq::orb::kListenEndpoints;
+using vq::orb::kOwnAddressMark;
+using vq::orb::kPreferIpMask;
 
 // One callback registration on the server, withdrawn when it goes.
 class Registration {
@@ -188,7 +189,7 @@ bool TroubleshootConnection::ORBConfigure(const std::string& address, bool biDir
   const std::unique_ptr<ConfigAPI> domain = LoadDomain(diag);
   if (domain == nullptr) return false;
   VQ_LOG(diag, 4) << "Going to publish: " << address << (isMask ? " (IP mask)" : "");
-  if (isMask) domain->SetVar(kDefaultScope, kPreferIPMask, address);
+  if (isMask) domain->SetVar(kDefaultScope, kPreferIpMask, address);
   domain->SetVar(kDefaultScope, kBiDirPolicy, biDir ? "1" : "0");
   std::string defaultEndpoint;
   for (const std::string& scope : domain->GetScopes()) {

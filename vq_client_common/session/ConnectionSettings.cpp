@@ -6,9 +6,8 @@
 #include <support/foundations/Digest.h>
 #include <support/security/ChallengeResponse.h>
 #include <support/security/SecretString.h>
-#include <vq_client_common/session/LoginHandler.h>
-#include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/internal/ClientTable.h>
+#include <vq_client_common/session/internal/Collaborators.h>
 #include <vq_client_common/text/FieldLength.h>
 
 namespace {
@@ -21,7 +20,7 @@ constexpr auto kPasswordField = static_cast<QCSFieldName>(4);
 }  // namespace
 
 ConnectionSettings* ConnectionSettings::Get() {
-  return LoginHandler::GetGlobal()->GetConnectionSettings();
+  return vq::session::SessionSettings();
 }
 
 ConnectionSettings::~ConnectionSettings() {
@@ -67,7 +66,7 @@ void ConnectionSettings::SetPassword(const std::string& password) {
   vq::Wipe(m_encodedPassword);
   m_password.swap(plain.Text());
   m_encodedPassword.swap(encoded.Text());
-  // Meant to be so: the encoded form is what is measured, so the line is never reached and no
+  // Intentional: the encoded form is what is measured, so the line is never reached and no
   // password is too long.
   if (m_encodedPassword.size() > static_cast<std::size_t>(GetFieldLength(kPasswordField, false))) {
     VQ_LOG(diagModule, 2) << "password is too long";
@@ -102,4 +101,8 @@ std::string ConnectionSettings::GetClientID4CRBRegister() const {
 
 std::string ConnectionSettings::ResolveClientID(CLIENT_ID clientId) {
   return std::string(vq::session::ClientKindOf(clientId).orbName);
+}
+
+std::string ClientIDtoString(CLIENT_ID clientId) {
+  return std::string(vq::session::ClientKindOf(clientId).words);
 }

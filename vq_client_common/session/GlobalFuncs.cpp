@@ -6,25 +6,22 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Environment.h>
-#include <support/foundations/ProfileSettings.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/ORBCommon.h>
-#include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/environment/ClientProperties.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaServerPackManager.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/ServerLocale.h>
-#include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/internal/Collaborators.h>
+#include <vq_client_common/session/internal/SessionTimeOut.h>
 #include <vq_idl/SharedTypesC.h>
 
 namespace {
 
 TDiagRegister diagModule("GlobalFuncs");
-
-constexpr long kDefaultRegisterTimeOut = 600;  // seconds
 
 constexpr const char* kOrbNotUpText =
     "CORBA initialization failed\n"
@@ -123,7 +120,7 @@ int GL_PostLogin(std::string& message) {
 int GL_ClientKeepAlive() {
   const TDiagFunc diag(diagModule, "GL_ClientKeepAlive");
   try {
-    // Meant to be so: BaseLoginEx is no std::exception and reaches the caller.
+    // Intentional: BaseLoginEx is no std::exception and reaches the caller.
     return LoginHandler::GetGlobal()->ClientKeepAlive();
   } catch (const std::exception& e) {
     VQ_LOG(diag, 1) << "failed with excepion: " << e.what();
@@ -141,14 +138,13 @@ int GL_ReLogin(unsigned int timeOut) {
     std::string message;
     return LoginHandler::GetGlobal()->ReLogin(message, timeOut);
   } catch (BaseLoginEx& e) {
-    e.handle();  // Meant to be so: the text is lost and every failure is 0.
+    e.handle();  // Intentional: the text is lost and every failure is 0.
     return 0;
   }
 }
 
 int GL_LogOut(bool destroyOrb) {
   const TDiagFunc diag(diagModule, "GL_LogOut");
-  constexpr int kNotAuthorized = 43;
   int result = 1;
   LoginHandler* const session = LoginHandler::GetGlobal();
   try {
@@ -160,7 +156,7 @@ int GL_LogOut(bool destroyOrb) {
     }
   } catch (const USER_NOT_AUTHORIZED& e) {
     VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
-    result = kNotAuthorized;
+    result = vq::CodeOf(vq::LoginResult::kNotAuthorized);
   } catch (const CORBA::SystemException& e) {
     VQ_LOG(diag, 2) << "Caught a CORBA System Exception - " << e;
   } catch (const CORBA::Exception& e) {
@@ -175,18 +171,7 @@ int GL_LogOut(bool destroyOrb) {
 }
 
 long GL_GetCRBRegisterTimeOut() {
-  const TDiagFunc diag(diagModule, "GL_GetCRBRegisterTimeOut");
-  int value = 0;
-  if (GetProfileIntFromCurrentUserOrLocalMachine("", "Orb Parameters", "RegisterTimeOut", value,
-                                                 true)) {
-    return value;  // as it stands, zero and negatives included
-  }
-  // The two keys differ in one letter, and both forms are in use.
-  std::string text;
-  if (GetSystemParameter("RegisterTimeout", text, "gui", E_GSR) && vq::Atoi(text) > 0) {
-    return vq::Atoi(text);
-  }
-  return kDefaultRegisterTimeOut;
+  return vq::session::ConfiguredTimeOut();
 }
 
 int GL_CheckSSLCertificateExpiration(std::string& message) {

@@ -6,9 +6,9 @@
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/ReferenceAddress.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/CorbaGlobalFuncs.h>
-#include <vq_client_common/session/LoginHandler.h>
-#include <vq_idl/UsersManagerC.h>
+#include <vq_client_common/session/LoginResult.h>
+#include <vq_client_common/session/internal/Collaborators.h>
+#include <vq_client_common/session/internal/UsersManager.h>
 
 namespace {
 
@@ -51,11 +51,10 @@ vq::orb::ReferenceAddress ServerAddress(CORBA::Object_ptr server) {
 
 std::string NoServerText() {
   const std::string server = ConnectionSettings::Get()->GetServerName();
-  const SERVER_ID serverId = LoginHandler::GetGlobal()->GetServerID();
-  QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
+  QCSCorbaUsersManager_ptr users;
   // The look-up does not ask the server whether it is there: a reference alone tells where it ought
   // to listen, also when it does not.
-  if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, serverId, false) == 1) {
+  if (vq::session::GetUsersManager(users, vq::session::SessionServerId(), false) == 1) {
     const vq::orb::ReferenceAddress address = ServerAddress(users);
     return std::string(kCauses) + " - Server '" + server + "' is not running on '" + address.host +
            "'.\t\n" + " - The Server listening port of " + address.port +
@@ -78,26 +77,29 @@ std::string BaseLoginEx::handle() {
   return m_reason;
 }
 
-BadOrbixCfgEx::BadOrbixCfgEx(const std::string& reason) : BaseLoginEx(reason, 55, 60008) {}
+BadOrbixCfgEx::BadOrbixCfgEx(const std::string& reason)
+    : BaseLoginEx(reason, vq::CodeOf(vq::LoginResult::kOrbNotUp), 60008) {}
 
 NoServerEx::NoServerEx(const std::string& reason)
-    : BaseLoginEx(reason.empty() ? NoServerText() : reason, 54, 60007) {}
+    : BaseLoginEx(reason.empty() ? NoServerText() : reason, vq::CodeOf(vq::LoginResult::kNoServer),
+                  60007) {}
 
 ServerTypeEx::ServerTypeEx(const std::string& reason)
-    : BaseLoginEx(reason.empty() ? ServerTypeText() : reason, 0, 60009) {}
+    : BaseLoginEx(reason.empty() ? ServerTypeText() : reason, vq::CodeOf(vq::LoginResult::kFailed),
+                  60009) {}
 
 UserAuthEx::UserAuthEx(const std::string& reason, const std::string& user)
-    : BaseLoginEx(reason, 0, 60010) {
+    : BaseLoginEx(reason, vq::CodeOf(vq::LoginResult::kFailed), 60010) {
   if (!reason.empty()) return;
   SetReason(UserAuthText(user.empty() ? ConnectionSettings::Get()->getUserName() : user));
 }
 
 UserLockedEx::UserLockedEx(const std::string& reason) : UserAuthEx("", "") {
   SetReason(reason.empty() ? "User account is locked.\t" : reason);
-  SetCodes(49, 60006);
+  SetCodes(vq::CodeOf(vq::LoginResult::kAccountLocked), 60006);
 }
 
 UserPwdExpEx::UserPwdExpEx(const std::string& reason) : UserAuthEx("", "") {
   SetReason(reason.empty() ? "Password has expired.\t" : reason);
-  SetCodes(48, 60011);
+  SetCodes(vq::CodeOf(vq::LoginResult::kPasswordExpired), 60011);
 }

@@ -5,12 +5,17 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/ORBCommon.h>
+#include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/LoginExceptions.h>
+#include <vq_client_common/session/LoginResult.h>
+#include <vq_client_common/session/ServerLocale.h>
+#include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/internal/Collaborators.h>
-#include <vq_client_common/session/internal/LocalIdentity.h>
-#include <vq_client_common/session/internal/RegistrationPassword.h>
+#include <vq_client_common/session/internal/Registrant.h>
+#include <vq_client_common/session/internal/SessionTimeOut.h>
+#include <vq_client_common/session/internal/UsersManager.h>
 #include <vq_client_common/session/internal/VersionGate.h>
 #include <vq_idl/UsersManagerC.h>
 
@@ -18,13 +23,51 @@ namespace {
 
 TDiagRegister diagModule("LoginHandler");
 
-// Results of CRB_Register.
-constexpr int kRefused = 0;
-constexpr int kPasswordExpired = 48;
-constexpr int kAccountLocked = 49;
-constexpr int kPasswordAboutToExpire = 50;
+constexpr int kFailed = vq::CodeOf(vq::LoginResult::kFailed);
+
+// How the log words the end of a conversation: the registration's way, or that of the upkeep.
+enum class Wording { kRegistration, kUpkeep };
+
+// Called in a handler of CORBA::Exception: logs it. Returns kFailed for an exception that the suite
+// declares; raises ServerTypeEx for any other.
+int ConversationEnded(const TDiagFunc& diag, Wording wording) {
+  const bool registration = wording == Wording::kRegistration;
+  try {
+    throw;
+  } catch (const CORBA::SystemException& e) {
+    if (registration) {
+      VQ_LOG(diag, 1) << "CORBA::SystemException caught: " << e;
+    } else {
+      VQ_LOG(diag, 1) << "CORBA::SystemException has cought: " << e.minor();
+    }
+  } catch (const CosNaming::NamingContext::NotFound&) {
+    VQ_LOG(diag, 2) << "Could not resolve CorbaUserAuthorizations";
+  } catch (const CosNaming::NamingContext::InvalidName&) {
+    VQ_LOG(diag, 2) << "Name CorbaUserAuthorizations is invalid.";
+  } catch (const CORBA::UserException& e) {
+    if (registration) {
+      VQ_LOG(diag, 1) << "CORBA::UserException caught" << e;
+    } else {
+      VQ_LOG(diag, 1) << "CORBA::UserException has cought";
+    }
+    return kFailed;
+  }
+  throw ServerTypeEx("");
+}
 
 }  // namespace
+
+namespace vq::session {
+
+ConnectionSettings* SessionSettings() {
+  return LoginHandler::GetGlobal()->GetConnectionSettings();
+}
+
+SERVER_ID SessionServerId() {
+  return LoginHandler::GetGlobal()->GetServerID();
+}
+
+}  // namespace vq::session
 
 LoginHandler* LoginHandler::g_obLoginHandler = nullptr;
 
@@ -81,55 +124,42 @@ int LoginHandler::Login(std::string& message, unsigned int timeOut) {
 int LoginHandler::Register(unsigned int timeOut, std::string& message) {
   const TDiagFunc diag(diagModule, "LoginHandler::Register");
   try {
-    return Converse(timeOut, message);
-  } catch (const CORBA::SystemException& e) {
-    VQ_LOG(diag, 1) << "CORBA::SystemException caught: " << e;
-    throw ServerTypeEx("");
-  } catch (const CosNaming::NamingContext::NotFound&) {
-    VQ_LOG(diag, 2) << "Could not resolve CorbaUserAuthorizations";
-    throw ServerTypeEx("");
-  } catch (const CosNaming::NamingContext::InvalidName&) {
-    VQ_LOG(diag, 2) << "Name CorbaUserAuthorizations is invalid.";
-    throw ServerTypeEx("");
-  } catch (const CORBA::UserException& e) {
-    VQ_LOG(diag, 1) << "CORBA::UserException caught" << e;
-    return kRefused;
+    return Converse(diag, timeOut, message);
+  } catch (const CORBA::Exception&) {
+    return ConversationEnded(diag, Wording::kRegistration);
   }
 }
 
 // The conversation with the users manager, from its reference to the verdict on the registration.
-int LoginHandler::Converse(unsigned int timeOut, std::string& message) {
-  const TDiagFunc diag(diagModule, "LoginHandler::Register");
-  QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
-  if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, m_serverId, true) != 1) {
-    throw NoServerEx("");
-  }
+int LoginHandler::Converse(const TDiagFunc& diag, unsigned int timeOut, std::string& message) {
+  QCSCorbaUsersManager_ptr users;
+  if (vq::session::GetUsersManager(users, m_serverId) != 1) throw NoServerEx("");
 
-  vq::session::LocalIdentity local;
+  vq::session::Registrant registrant;
   constexpr std::size_t kAccountSize = 255;
-  if (!local.Find(diag, kAccountSize)) return kRefused;
+  if (!registrant.FindNames(diag, kAccountSize)) return kFailed;
 
   std::string version = "0";
   std::string versionWithPatches = "0";
   if (GetClientVersion(version, versionWithPatches) == 1 &&
-      !vq::session::VersionGate(*this).Pass(users, version, message)) {
-    return kRefused;
+      !vq::session::PassVersionGate(users, version, *m_connectionSettings, m_serverId, diag,
+                                    message)) {
+    return kFailed;
   }
 
-  vq::session::RegistrationPassword password(*m_connectionSettings);
-  if (!password.Answer(users, diag)) return kRefused;
+  if (!registrant.FindPassword(*m_connectionSettings, users, diag)) return kFailed;
 
   QCSCorbaLMInfoSeq_var loginMessages;
   CORBA::String_var serverMessage;
   CORBA::String_var userId;
   CORBA::String_var dbUser;
-  const CORBA::Long result = users->CRB_Register(
-      m_connectionSettings->getUserName().c_str(), password.Text(), local.host.c_str(),
-      local.account.c_str(), m_connectionSettings->GetClientID4CRBRegister().c_str(),
-      versionWithPatches.c_str(), loginMessages.out(), timeOut, serverMessage.out(), userId.out(),
-      dbUser.out());
+  const int result = users->CRB_Register(
+      m_connectionSettings->getUserName().c_str(), registrant.Password().c_str(),
+      registrant.Host().c_str(), registrant.Account().c_str(),
+      m_connectionSettings->GetClientID4CRBRegister().c_str(), versionWithPatches.c_str(),
+      loginMessages.out(), timeOut, serverMessage.out(), userId.out(), dbUser.out());
   message = serverMessage.in();
-  if (result == kPasswordAboutToExpire && message.empty()) {
+  if (result == vq::CodeOf(vq::LoginResult::kPasswordAboutToExpire) && message.empty()) {
     message = "Your password is about to expire.\t";
   }
   try {
@@ -140,16 +170,118 @@ int LoginHandler::Converse(unsigned int timeOut, std::string& message) {
     throw;
   }
 
-  switch (result) {
-    case kPasswordExpired:
+  switch (static_cast<vq::LoginResult>(result)) {
+    case vq::LoginResult::kPasswordExpired:
       throw UserPwdExpEx(message);
-    case kRefused:
+    case vq::LoginResult::kFailed:
       throw UserAuthEx(message, m_connectionSettings->getUserName());
-    case kAccountLocked:
+    case vq::LoginResult::kAccountLocked:
       throw UserLockedEx(message);
     default:  // 1, 50, and codes of the server's own
       return result;
   }
+}
+
+int LoginHandler::PostLogin() {
+  const TDiagFunc diag(diagModule, "LoginHandler::PostLogin");
+  if (vq::session::LoadUserAuthorizations(*m_userAuthorizations, GetUserID()) != 1) {
+    throw UserAuthEx("Failed to load user authorizations", "");
+  }
+  if (RegisterTimeOut(vq::session::ConfiguredTimeOut()) != 1) {
+    VQ_LOG(diag, 2) << "RegisterTimeOut failed.";
+  }
+  SetLocaleBySystemParam("use_account_locale");
+  m_connectionSettings->SetUserID(GetUserID());  // logs the digest of the ID
+  std::string value;
+  if (GetSystemParameter("OrbShutdownWait", value, "gui", E_GSR)) {
+    m_connectionSettings->SetWait4Shutdown(value != "0");
+  }
+  VQ_LOG(diag, 4) << "CORBA communication shut down, bWait4OrbShutDown="
+                  << m_connectionSettings->GetWait4Shutdown();
+  return 1;
+}
+
+int LoginHandler::RegisterTimeOut(long timeOut) {
+  const TDiagFunc diag(diagModule, "LoginHandler::RegisterTimeOut");
+  int result = 0;
+  try {
+    QCSCorbaUsersManager_ptr users;
+    result = vq::session::GetUsersManager(users, m_serverId);
+    // Without a reference there is nobody to tell; the look-up's result is the answer.
+    if (timeOut > 0 && result == 1) {
+      VQ_LOG(diag, 4) << "Resetting timeout to: " << timeOut;
+      result = users->CRB_ResetTimeout(GetUserID().c_str(), static_cast<CORBA::ULong>(timeOut));
+    }
+    if (result != 1) {
+      VQ_LOG(diag, 1) << "CRB_ResetTimeout failed resulted with code:" << result;
+    }
+  } catch (const CORBA::Exception&) {
+    ConversationEnded(diag, Wording::kUpkeep);
+  }
+  return result;
+}
+
+int LoginHandler::ClientKeepAlive() {
+  const TDiagFunc diag(diagModule, "LoginHandler::ClientKeepAlive");
+  try {
+    QCSCorbaUsersManager_ptr users;
+    if (vq::session::GetUsersManager(users, m_serverId) != 1) {
+      throw NoServerEx("");
+    }
+    const std::string userId = GetUserID();
+    VQ_LOG(diag, 4) << "send ClientKeepAlive for UserID: '" << userId << "'.";
+    try {
+      return users->CRB_ClientKeepAlive(userId.c_str());
+    } catch (const CORBA::Exception& e) {
+      VQ_LOG(diag, 1) << "CORBA::Exception was caught during Client Keep Alive (" << e << ").";
+      throw ServerTypeEx("");
+    }
+  } catch (const CORBA::Exception&) {
+    return ConversationEnded(diag, Wording::kUpkeep);
+  }
+}
+
+int LoginHandler::ReLogin(std::string& message, unsigned int timeOut) {
+  const TDiagFunc diag(diagModule, "LoginHandler::ReLogin");
+  const int result = Register(timeOut, message);
+  // Intentional: the time-out is told whatever the registration's result.
+  if (RegisterTimeOut(vq::session::ConfiguredTimeOut()) != 1) {
+    VQ_LOG(diag, 2) << "RegisterTimeOut failed.";
+  }
+  return result;
+}
+
+void LoginHandler::Logout() {
+  const TDiagFunc diag(diagModule, "LoginHandler::Logout");
+  if (!IsConnected()) return;
+  try {
+    QCSCorbaUsersManager_ptr users;
+    if (vq::session::GetUsersManager(users, m_serverId) != 1) {
+      VQ_LOG(diag, 1) << "Internal application error - we're supposed to be connected, but don't "
+                         "have the servant reference set...";
+      return;
+    }
+    users->CRB_Unregister(GetUserID().c_str());
+    m_connectionSettings->SetUserID("");
+  } catch (const CORBA::Exception& e) {
+    // Intentional: the line says that it will be ignored, and the caller receives it.
+    VQ_LOG(diag, 2) << "CORBA::Exception caught: " << e << ", will be ignored.";
+    throw;
+  }
+}
+
+int LoginHandler::CheckSSLCertificateExpiration(std::string& message) {
+  const TDiagFunc diag(diagModule, "LoginHandler::CheckSSLCertificateExpiration");
+  std::string days;
+  if (!GetSystemParameter("WarningSSLExpirationDays", days, "general", E_GSR)) days = "60";
+  const int number = vq::Atoi(days);
+  VQ_LOG(diag, 4) << "Days to warn on certificates: " << number;
+  if (ORBCommon<1>::Get()->CheckCertificateExpiration(number) == -1) {
+    message = "SSL Certificate is going to expire in less than " + days + "days.";
+  } else {
+    message.clear();
+  }
+  return 1;
 }
 
 std::string LoginHandler::GetUserID() const {
@@ -162,4 +294,25 @@ bool LoginHandler::IsConnected() const {
 
 bool LoginHandler::IsAdministrator() const {
   return vq::session::IsAdministrator(*m_userAuthorizations);
+}
+
+int LoginHandler::ParseVersion(const std::string& version, std::string& major, std::string& minor) {
+  return vq::session::ParseVersion(version, major, minor);
+}
+
+int LoginHandler::ParseVersion(const std::string& version, double& major, double& minor) {
+  return vq::session::ParseVersion(version, major, minor);
+}
+
+int LoginHandler::GetClientVersion(std::string& plain, std::string& withPatches) const {
+  return vq::session::ClientVersion(m_connectionSettings->GetClientID(), plain, withPatches);
+}
+
+int LoginHandler::GetMinimumServerVersionAllowed(SERVER_ID serverId, std::string& version) const {
+  return vq::session::MinimumServerVersion(serverId, version);
+}
+
+bool LoginHandler::IsServerVersionPermitted(std::string& clientVersion, SERVER_ID serverId,
+                                            std::string& serverVersion) const {
+  return vq::session::IsServerVersionPermitted(clientVersion, serverId, serverVersion);
 }

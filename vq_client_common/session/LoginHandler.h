@@ -2,9 +2,7 @@
 //
 // Terms. A *registration* is what the server keeps of a logged-in client; its *user ID* is the
 // token that every later call carries. The *version gate* is the step in which client and server
-// judge each other's version. Codes: 1 success, 0 refused or failed, 43 not authorized, 48 password
-// expired, 49 account locked, 50 logged in and the password is about to expire, 54 no server, 55
-// ORB not up.
+// judge each other's version. The codes are those of LoginResult.h.
 //
 // Clients normally use the GL_ functions (GlobalFuncs.h), which turn this class's exceptions into
 // codes and texts:
@@ -24,10 +22,8 @@
 #include <vq_client_common/session/ServerId.h>
 
 class ConnectionSettings;
+class TDiagFunc;
 class UserAuthorizations;
-namespace vq::session {
-class VersionGate;
-}
 
 // Thread contract: no lock. One session operation at a time; the first use, which makes the
 // instance, belongs to one thread. A client that calls ClientKeepAlive from a timer keeps that
@@ -121,8 +117,7 @@ class VQ_CLIENT_COMMON_API LoginHandler {
                                 std::string& serverVersion) const;
 
  private:
-  friend class vq::session::VersionGate;
-  int Converse(unsigned int timeOut, std::string& message);
+  int Converse(const TDiagFunc& diag, unsigned int timeOut, std::string& message);
 
   std::string m_reserved;  // stays empty
   SERVER_ID m_serverId = E_GSR;

@@ -8,15 +8,23 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/ReplaceFirst.h>
+#include <support/orb/CorbaText.h>
 #include <support/os_toolkit/Atoi.h>
+#include <support/security/SecretString.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
+#include <vq_client_common/session/internal/Registrant.h>
+#include <vq_client_common/session/internal/UsersManager.h>
 
 namespace {
 
 TDiagRegister diagModule("PasswordPolicy");
 
-constexpr int kPassed = 1;
-constexpr int kRefusedByPolicy = 51;
+constexpr int kFailed = vq::CodeOf(vq::LoginResult::kFailed);
+constexpr int kPassed = vq::CodeOf(vq::LoginResult::kSuccess);
+constexpr int kRefusedByPolicy = vq::CodeOf(vq::LoginResult::kPasswordRefusedByPolicy);
 
 bool HasUpper(const std::string& password) {
   return std::any_of(password.begin(), password.end(),
@@ -28,7 +36,7 @@ bool HasLower(const std::string& password) {
                      [](unsigned char c) { return std::islower(c) != 0; });
 }
 
-// Meant to be so: a digit or special character in the password does not satisfy its rule. Sites
+// Intentional: a digit or special character in the password does not satisfy its rule. Sites
 // that switch these rules on refuse every password, and count on it.
 bool Never(const std::string&) {
   return false;
@@ -70,6 +78,33 @@ std::string WithNumber(std::string text, int number) {
   return text;
 }
 
+// Registers with the old password and stores the new one, in one call. `result` holds what the call
+// will leave if it raises: the outcome of GetClientVersion, normally 1.
+void RegisterAndUpdate(QCSCorbaUsersManager_ptr users, const vq::SecretString& newPassword,
+                       int& result, const TDiagFunc& diag) {
+  ConnectionSettings* const settings = ConnectionSettings::Get();
+  vq::session::Registrant registrant;
+  constexpr std::size_t kAccountSize = 256;
+  if (!registrant.FindNames(diag, kAccountSize)) return;
+  if (!registrant.FindPassword(*settings, users, diag)) return;
+
+  std::string version = "0";
+  std::string versionWithPatches = "0";
+  result = LoginHandler::GetGlobal()->GetClientVersion(version, versionWithPatches);
+
+  QCSCorbaLMInfoSeq_var loginMessages;
+  CORBA::String_var text;
+  CORBA::String_var userId;
+  CORBA::String_var dbUser;
+  constexpr CORBA::ULong kSessionTimeOut = 600;  // seconds
+  result = users->CRB_RegisterAndUpdatePassword(
+      settings->getUserName().c_str(), registrant.Password().c_str(), newPassword.Text().c_str(),
+      registrant.Host().c_str(), registrant.Account().c_str(),
+      settings->GetClientID4CRBRegister().c_str(), versionWithPatches.c_str(), loginMessages.out(),
+      kSessionTimeOut, text.out(), userId.out(), dbUser.out());
+  if (result == 1) settings->SetUserID(userId.in());
+}
+
 }  // namespace
 
 int GetMinPasswordLength() {
@@ -95,7 +130,7 @@ int GetPasswordComplexityRules() {
   if (!ReadParameter(diag, "PasswordComplexityRules", value)) return AllRules();
   int rules = 0;
   for (const Rule& rule : kRules) {
-    // Meant to be so: any one character of the name switches the rule on, not the whole name.
+    // Intentional: any one character of the name switches the rule on, not the whole name.
     if (value.find_first_of(rule.parameterText) != std::string::npos) rules |= rule.bit;
   }
   VQ_LOG(diag, 5) << "Complexity rule is set to " << rules;
@@ -131,4 +166,40 @@ int CheckPasswordValidity(const std::string& password, std::string& message) {
     if ((rules & rule.bit) != 0) message += rule.messageLine;
   }
   return kRefusedByPolicy;
+}
+
+int SetUserPassword(const std::string& newPassword, bool expired) {
+  const TDiagFunc diag(diagModule, "SetUserPassword");
+  ConnectionSettings* const settings = ConnectionSettings::Get();
+  std::string wireText =
+      settings->IsEncodePassword() ? ConnectionSettings::EncodePassword(newPassword) : newPassword;
+  const vq::SecretString wirePassword(wireText);
+  vq::Wipe(wireText);
+  int result = kFailed;
+  try {
+    QCSCorbaUsersManager_ptr users;
+    if (vq::session::GetUsersManager(users, LoginHandler::GetGlobal()->GetServerID()) != 1)
+      return kFailed;
+    if (expired) {
+      RegisterAndUpdate(users, wirePassword, result, diag);
+    } else {
+      result =
+          users->CRB_UpdateUserPassword(settings->getUserName().c_str(),
+                                        wirePassword.Text().c_str(), settings->GetUserID().c_str());
+    }
+    if (result == 1) settings->SetPassword(newPassword);
+    return result;
+  } catch (const USER_NOT_FOUND&) {
+    VQ_LOG(diag, 1) << "Failed with USER_NOT_FOUND exception.";
+  } catch (const USER_NOT_AUTHORIZED&) {
+    VQ_LOG(diag, 1) << "Failed with USER_NOT_AUTHORIZED exception.";
+    result = vq::CodeOf(vq::LoginResult::kNotAuthorized);
+  } catch (const CORBA::SystemException& e) {
+    VQ_LOG(diag, 1) << vq::orb::NameAndMinorText(e);
+  } catch (...) {
+    VQ_LOG(diag, 1) << "Failed with unrecognized exception";
+  }
+  // Intentional: after a failed registration this is still the outcome of GetClientVersion, so 1
+  // reaches the caller although neither the user ID nor the password was stored.
+  return result;
 }

@@ -7,9 +7,9 @@
 #include <support/foundations/Environment.h>
 #include <support/foundations/Locations.h>
 #include <support/foundations/ProductVersion.h>
-#include <support/foundations/ProfileSettings.h>
 #include <support/orb/DomainScopes.h>
 #include <vq_client_common/session/internal/ClientTable.h>
+#include <vq_client_common/session/internal/SessionTimeOut.h>
 
 namespace vq {
 namespace {
@@ -77,11 +77,9 @@ std::list<Setting> ReportSettings(CLIENT_ID clientId, int argc, const char* cons
   settings.push_back(Variable("log", "VQ_DIAG_LEVEL"));
   settings.push_back(Variable("log", "VQ_DIAG_FILE"));
 
-  int timeOut = 0;
-  const bool profile = GetProfileIntFromCurrentUserOrLocalMachine("", "Orb Parameters",
-                                                                  "RegisterTimeOut", timeOut, true);
+  const std::optional<int> profile = session::ProfileTimeOut();
   settings.push_back({"session", "[Orb Parameters] RegisterTimeOut",
-                      profile ? std::to_string(timeOut) : "",
+                      profile ? std::to_string(*profile) : "",
                       profile ? "profile.ini" : "not set; the server is asked"});
   for (const char* const name :
        {"ENABLE_TEST_CALLBACK", "AuditAnnotationRequired", "SUPPORT_CJK"}) {

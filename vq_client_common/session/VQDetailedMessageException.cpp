@@ -26,7 +26,7 @@ void VQDetailedMessageException::print() {
   std::cerr << m_detailedReason << std::endl;
 }
 
-// Meant to be so: handlers tell the two exceptions apart by these names.
+// Intentional: handlers tell the two exceptions apart by these names.
 std::string VQDetailedMessageException::getName() {
   return "VQSimpleMessageException";
 }

@@ -6,12 +6,13 @@
 #include <functional>
 
 #include <support/diagnostics/TDiag.h>
+#include <vq_client_common/session/LoginResult.h>
 
 namespace vq::authorizations {
 
-inline constexpr int kSuccess = 1;
-inline constexpr int kFailure = 0;
-inline constexpr int kNotAuthorized = 43;
+inline constexpr int kSuccess = CodeOf(LoginResult::kSuccess);
+inline constexpr int kFailure = CodeOf(LoginResult::kFailed);
+inline constexpr int kNotAuthorized = CodeOf(LoginResult::kNotAuthorized);
 inline constexpr int kSystemException = 23;
 
 // Runs the load and returns its result, or the one that belongs to what it raised. What is neither

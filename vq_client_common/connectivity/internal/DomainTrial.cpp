@@ -7,6 +7,7 @@
 #include <support/configuration/ConfigAPI.h>
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/ORBCommon.h>
+#include <support/orb/OrbSettings.h>
 
 namespace vq::connectivity {
 namespace {
@@ -15,7 +16,7 @@ TDiagRegister diagModule("DomainTrial");
 
 std::string TrialEndpoint(const std::string& address, bool isMask) {
   if (address.empty()) return "iiop://";
-  return "iiop:///hostname_in_ior=" + (isMask ? kOwnAddressMark : address);
+  return "iiop:///hostname_in_ior=" + (isMask ? orb::kOwnAddressMark : address);
 }
 
 }  // namespace
@@ -27,9 +28,9 @@ TrialScope::TrialScope(ConfigAPI& domain, bool biDir, const std::string& address
   m_domain.GetScopeAndDefaultVars(m_name, inForce);
   // Names alone: a domain may hold variables of others, and secrets among them.
   for (const auto& [name, value] : inForce) VQ_LOG(diag, 5) << "The trial inherits " << name;
-  m_domain.SetVar(m_name, kBiDirPolicy, biDir ? "1" : "0");
-  m_domain.SetVar(m_name, kListenEndpoints, TrialEndpoint(address, isMask));
-  if (isMask) m_domain.SetVar(m_name, kPreferIPMask, address);
+  m_domain.SetVar(m_name, orb::kBiDirPolicy, biDir ? "1" : "0");
+  m_domain.SetVar(m_name, orb::kListenEndpoints, TrialEndpoint(address, isMask));
+  if (isMask) m_domain.SetVar(m_name, orb::kPreferIpMask, address);
   // A failure is meant to go unnoticed by the caller: the trial goes on with the settings in force.
   if (!m_domain.Save()) {
     VQ_LOG(diag, 1) << "The settings of the trial cannot be saved: " << m_domain.Error();

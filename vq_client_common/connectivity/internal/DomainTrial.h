@@ -15,12 +15,6 @@ class QCSOrbCommon;
 namespace vq::connectivity {
 
 inline constexpr const char* kDefaultScope = "default";
-inline constexpr const char* kListenEndpoints = "-ORBListenEndpoints";
-inline constexpr const char* kBiDirPolicy = "-BiDirPolicy";
-inline constexpr const char* kPreferIPMask = "-PreferIPMask";
-
-// Stands in a published endpoint for the own address that begins with the IP mask.
-inline constexpr const char* kOwnAddressMark = "$IP";
 
 // The scope "Test" + process id, in the domain's file for as long as the object lives.
 // Thread contract: one thread, one object a process.

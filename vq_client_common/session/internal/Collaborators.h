@@ -1,16 +1,29 @@
-// What the session needs of the folders that are built on it.
+// What a file of the session calls of files that are built on it, so that it includes none of them.
 //
-// A login loads authorizations and may try a callback, and both of those need the session. So that
-// the session's sources include neither, it declares here what it calls; authorizations/ and
-// connectivity/ define it (authorizations/Collaborators.cpp, connectivity/Collaborators.cpp).
+// A login loads authorizations and may try a callback, and both of those need the session:
+// authorizations/ and connectivity/ define these (authorizations/Collaborators.cpp,
+// connectivity/Collaborators.cpp). Within the session the settings read a parameter, and a
+// parameter is read with the settings.
 #ifndef VQ_CLIENT_COMMON_SESSION_INTERNAL_COLLABORATORS_H
 #define VQ_CLIENT_COMMON_SESSION_INTERNAL_COLLABORATORS_H
 
 #include <string>
 
+#include <vq_client_common/Export.h>
+#include <vq_client_common/session/ServerId.h>
+
+class ConnectionSettings;
 class UserAuthorizations;
 
+// SystemParameterHandler.h documents it.
+VQ_CLIENT_COMMON_API bool GetSystemParameter(const std::string& name, std::string& value,
+                                             const std::string& section, SERVER_ID serverId);
+
 namespace vq::session {
+
+// Defined in LoginHandler.cpp: settings and server kind of the process's session.
+ConnectionSettings* SessionSettings();
+SERVER_ID SessionServerId();
 
 // Defined in authorizations/. The caller of New owns the result and gives it to Delete.
 UserAuthorizations* NewUserAuthorizations();

@@ -1,7 +1,3 @@
-// The version gate of LoginHandler: client and server judge each other's version before a client
-// registers. Here a version is a text "X.Y.Z"; the scheduler versions of TVltVersion are another
-// matter.
-
 #include <vq_client_common/session/internal/VersionGate.h>
 
 #include <fcntl.h>
@@ -25,8 +21,8 @@
 #include <support/os_toolkit/os_tokenizer.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/LoginExceptions.h>
-#include <vq_client_common/session/LoginHandler.h>
 
+namespace vq::session {
 namespace {
 
 TDiagRegister diagModule("VersionGate");
@@ -40,12 +36,12 @@ constexpr std::array<std::string_view, 5> kServerKeys{"E_GSR", "E_GAS", "E_QIMS"
                                                       "E_CMS"};
 
 // Whether the first token of a line of min-accepted-servers.txt selects the server kind, by its key
-// or by its number. Meant to be so: a token without leading digits reads as the number 0, so every
+// or by its number. Intentional: a token without leading digits reads as the number 0, so every
 // other key also selects kind 0, and a file for other kinds may override the entry of E_GSR.
 bool SelectsServer(const std::string& token, SERVER_ID serverId) {
   const auto index = static_cast<std::size_t>(serverId);
   if (index >= kServerKeys.size()) return false;
-  return token == kServerKeys[index] || vq::Atoi(token) == static_cast<int>(index);
+  return token == kServerKeys[index] || Atoi(token) == static_cast<int>(index);
 }
 
 // Numbers of a version have a point whatever the process's locale says.
@@ -54,16 +50,46 @@ double Number(const std::string& text) {
   return strtod_l(text.c_str(), nullptr, kPlain);
 }
 
+// The refusal of a server that does not accept this client.
+std::string RefusedByServerText(const std::string& serverKind, const ConnectionSettings& settings,
+                                const std::string& clientVersion,
+                                const std::string& serverVersion) {
+  std::string text =
+      "Connection refused by %s: '%s'.\nVersion %s of %s is not compatible with a %s of version "
+      "%s.";
+  // Intentional: five values for six places. The client version is said to be of the server
+  // kind, and the last "%s" stays in the text; users know it in this form.
+  ReplaceFirst(text, "%s", serverKind);
+  ReplaceFirst(text, "%s", settings.GetServerName());
+  ReplaceFirst(text, "%s", clientVersion);
+  ReplaceFirst(text, "%d", std::to_string(static_cast<int>(settings.GetClientID())));
+  ReplaceFirst(text, "%s", serverKind);
+  ReplaceFirst(text, "%s", serverVersion);
+  return text;
+}
+
+// The refusal of a client that does not accept this server.
+std::string RefusedByClientText(const std::string& serverKind, const ConnectionSettings& settings,
+                                const std::string& clientVersion,
+                                const std::string& serverVersion) {
+  std::string text = "Version %s of %s is not compatible with a %s of version %s.";
+  ReplaceFirst(text, "%s", clientVersion);
+  ReplaceFirst(text, "%s", ClientIDtoString(settings.GetClientID()));
+  ReplaceFirst(text, "%s", serverKind);
+  ReplaceFirst(text, "%s", serverVersion);
+  return text;
+}
+
 }  // namespace
 
-int LoginHandler::ParseVersion(const std::string& version, std::string& major, std::string& minor) {
+int ParseVersion(const std::string& version, std::string& major, std::string& minor) {
   const TDiagFunc diag(diagModule, "LoginHandler::ParseVersion");
   const std::size_t first = version.find('.');
   if (first == std::string::npos) {
     VQ_LOG(diag, 1) << "Invalid value found for version: " << version;
     return 0;
   }
-  // Meant to be so: without a second point both parts are the whole text, and the comparison of
+  // Intentional: without a second point both parts are the whole text, and the comparison of
   // versions such as "8.0" rests on that.
   const std::size_t second = version.find('.', first + 1);
   const std::string whole = version;  // the outputs may be the same object as the input
@@ -72,7 +98,7 @@ int LoginHandler::ParseVersion(const std::string& version, std::string& major, s
   return 1;
 }
 
-int LoginHandler::ParseVersion(const std::string& version, double& major, double& minor) {
+int ParseVersion(const std::string& version, double& major, double& minor) {
   std::string majorText;
   std::string minorText;
   const int result = ParseVersion(version, majorText, minorText);
@@ -82,9 +108,8 @@ int LoginHandler::ParseVersion(const std::string& version, double& major, double
   return 1;
 }
 
-int LoginHandler::GetClientVersion(std::string& plain, std::string& withPatches) const {
+int ClientVersion(CLIENT_ID clientId, std::string& plain, std::string& withPatches) {
   const TDiagFunc diag(diagModule, "LoginHandler::GetClientVersion");
-  const CLIENT_ID clientId = m_connectionSettings->GetClientID();
   if (clientId == CLIENT_QIMC || clientId == CLIENT_UNKNOWN) return kClientTakesNoPart;
 
   std::string version = "0";
@@ -102,7 +127,7 @@ int LoginHandler::GetClientVersion(std::string& plain, std::string& withPatches)
   return result;
 }
 
-int LoginHandler::GetMinimumServerVersionAllowed(SERVER_ID serverId, std::string& version) const {
+int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
   const TDiagFunc diag(diagModule, "LoginHandler::GetMinimumServerVersionAllowed");
   const std::string path = GetVQRootLocation() + "min-accepted-servers.txt";
   errno = 0;
@@ -138,12 +163,12 @@ int LoginHandler::GetMinimumServerVersionAllowed(SERVER_ID serverId, std::string
   return 1;
 }
 
-bool LoginHandler::IsServerVersionPermitted(std::string& clientVersion, SERVER_ID serverId,
-                                            std::string& serverVersion) const {
+bool IsServerVersionPermitted(const std::string& clientVersion, SERVER_ID serverId,
+                              const std::string& serverVersion) {
   const TDiagFunc diag(diagModule, "LoginHandler::IsServerVersionPermitted");
   std::string minimum = clientVersion;
   std::string fromFile;
-  if (GetMinimumServerVersionAllowed(serverId, fromFile) == 1 && !fromFile.empty()) {
+  if (MinimumServerVersion(serverId, fromFile) == 1 && !fromFile.empty()) {
     minimum = fromFile;
   }
   if (minimum.empty() || serverVersion.empty()) return true;
@@ -156,56 +181,19 @@ bool LoginHandler::IsServerVersionPermitted(std::string& clientVersion, SERVER_I
       ParseVersion(minimum, minimumMajor, minimumMinor) != 1) {
     return true;
   }
-  // Meant to be so: the majors must be equal, so a server of a newer major version is refused.
+  // Intentional: the majors must be equal, so a server of a newer major version is refused.
   return serverMajor == minimumMajor && minimumMinor <= serverMinor;
 }
 
-namespace vq::session {
-namespace {
-
-// The refusal of a server that does not accept this client.
-std::string RefusedByServerText(const std::string& serverKind, const ConnectionSettings& settings,
-                                const std::string& clientVersion,
-                                const std::string& serverVersion) {
-  std::string text =
-      "Connection refused by %s: '%s'.\nVersion %s of %s is not compatible with a %s of version "
-      "%s.";
-  // Meant to be so: five values for six places. The client version is said to be of the server
-  // kind, and the last "%s" stays in the text; users know it in this form.
-  ReplaceFirst(text, "%s", serverKind);
-  ReplaceFirst(text, "%s", settings.GetServerName());
-  ReplaceFirst(text, "%s", clientVersion);
-  ReplaceFirst(text, "%d", std::to_string(static_cast<int>(settings.GetClientID())));
-  ReplaceFirst(text, "%s", serverKind);
-  ReplaceFirst(text, "%s", serverVersion);
-  return text;
-}
-
-// The refusal of a client that does not accept this server.
-std::string RefusedByClientText(const std::string& serverKind, const ConnectionSettings& settings,
-                                const std::string& clientVersion,
-                                const std::string& serverVersion) {
-  std::string text = "Version %s of %s is not compatible with a %s of version %s.";
-  ReplaceFirst(text, "%s", clientVersion);
-  ReplaceFirst(text, "%s", ClientIDtoString(settings.GetClientID()));
-  ReplaceFirst(text, "%s", serverKind);
-  ReplaceFirst(text, "%s", serverVersion);
-  return text;
-}
-
-}  // namespace
-
-bool VersionGate::Pass(QCSCorbaUsersManager_ptr users, const std::string& clientVersion,
-                       std::string& message) const {
-  const TDiagFunc diag(diagModule, "LoginHandler::Register");
-  const ConnectionSettings& settings = *m_session.GetConnectionSettings();
-  const SERVER_ID serverId = m_session.GetServerID();
+bool PassVersionGate(QCSCorbaUsersManager_ptr users, const std::string& clientVersion,
+                     const ConnectionSettings& settings, SERVER_ID serverId, const TDiagFunc& diag,
+                     std::string& message) {
   const std::string serverKind = ServerIDtoString(serverId);
   try {
     CORBA::String_var answer;
     const CORBA::Long result =
         users->CRB_VerifyClientServerVersion(clientVersion.c_str(), answer.out());
-    std::string serverVersion = answer.in();
+    const std::string serverVersion = answer.in();
 
     if (result == kVersionRefusedByServer) {
       message = RefusedByServerText(serverKind, settings, clientVersion, serverVersion);
@@ -214,8 +202,7 @@ bool VersionGate::Pass(QCSCorbaUsersManager_ptr users, const std::string& client
     }
     VQ_LOG(diag, 5) << "Server Version: " << serverVersion;
     if (result == 1 && !serverVersion.empty() && serverVersion != "0") {
-      std::string ownVersion = clientVersion;
-      if (m_session.IsServerVersionPermitted(ownVersion, serverId, serverVersion)) {
+      if (IsServerVersionPermitted(clientVersion, serverId, serverVersion)) {
         VQ_LOG(diag, 4) << "server version is allowed by client";
         return true;
       }
@@ -228,7 +215,7 @@ bool VersionGate::Pass(QCSCorbaUsersManager_ptr users, const std::string& client
     VQ_LOG(diag, 2) << "Continue with login process...";
     return true;
   } catch (const CORBA::Exception& e) {
-    // Meant to be so: the line promises that the check is ignored, and the login fails all the
+    // Intentional: the line promises that the check is ignored, and the login fails all the
     // same.
     VQ_LOG(diag, 1) << "CORBA::Exception was caught during versions verification (" << e
                     << "). Probably old Server version, verification is ignored";

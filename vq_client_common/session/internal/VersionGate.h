@@ -1,29 +1,32 @@
 // The version gate: the step of a login in which client and server judge each other's version.
+//
+// Here a version is a string "X.Y.Z" with the major part "X.Y" and the minor part "Z"; the
+// scheduler versions of TVltVersion are another matter. The first four are LoginHandler's members
+// of similar names, which LoginHandler.h documents.
 #ifndef VQ_CLIENT_COMMON_SESSION_INTERNAL_VERSIONGATE_H
 #define VQ_CLIENT_COMMON_SESSION_INTERNAL_VERSIONGATE_H
 
 #include <string>
 
-#include <support/orb/Corba.h>
+#include <support/diagnostics/TDiag.h>
+#include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_idl/UsersManagerC.h>
-
-class LoginHandler;
 
 namespace vq::session {
 
-// Thread contract: as LoginHandler, whose session it serves.
-class VersionGate {
- public:
-  explicit VersionGate(const LoginHandler& session) : m_session(session) {}
+int ParseVersion(const std::string& version, std::string& major, std::string& minor);
+int ParseVersion(const std::string& version, double& major, double& minor);
+int ClientVersion(CLIENT_ID clientId, std::string& plain, std::string& withPatches);
+int MinimumServerVersion(SERVER_ID serverId, std::string& version);
+bool IsServerVersionPermitted(const std::string& clientVersion, SERVER_ID serverId,
+                              const std::string& serverVersion);
 
-  // Tells the server the client's version and judges the server's. False: the login is refused, and
-  // `message` tells the user why. Raises ServerTypeEx when the server does not answer the question.
-  bool Pass(QCSCorbaUsersManager_ptr users, const std::string& clientVersion,
-            std::string& message) const;
-
- private:
-  const LoginHandler& m_session;
-};
+// Sends the client's version to the server and judges the server's. False: the login is refused,
+// and `message` tells the user why. Raises ServerTypeEx when the server does not answer the
+// question.
+bool PassVersionGate(QCSCorbaUsersManager_ptr users, const std::string& clientVersion,
+                     const ConnectionSettings& settings, SERVER_ID serverId, const TDiagFunc& diag,
+                     std::string& message);
 
 }  // namespace vq::session
 

@@ -1,0 +1,45 @@
+#include <vq_client_common/session/internal/Registrant.h>
+
+#include <utility>
+
+#include <support/foundations/Platform.h>
+#include <support/security/ChallengeResponse.h>
+
+namespace vq::session {
+
+bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
+  if (!HostName(m_host)) {
+    VQ_LOG(diag, 1) << "Couldn't get host name.";
+    return false;
+  }
+  const bool found = AccountName(m_account, accountSize);
+  VQ_LOG(diag, 5) << "GetUserName/getpwuid resulted with rc=" << found
+                  << " SystemUserName=" << m_account;
+  // The name decides, not the call's result.
+  if (m_account.empty()) {
+    VQ_LOG(diag, 1) << "couldn't get system user name.";
+    return false;
+  }
+  return true;
+}
+
+bool Registrant::FindPassword(const ConnectionSettings& settings, QCSCorbaUsersManager_ptr users,
+                              const TDiagFunc& diag) {
+  std::string password = settings.GetPassword(ENC_AS_CONFIGURED);
+  m_password.Text() = password;
+  Wipe(password);
+  if (!settings.IsChallengeResponse()) return true;
+  VQ_LOG(diag, 4) << "It's ChallengeResponse";
+  CORBA::String_var first;
+  CORBA::String_var second;
+  if (users->CRB_AquireChallenge(first.out(), second.out()) != 1) {
+    VQ_LOG(diag, 1) << "Couldn't get Challenge";
+    return false;
+  }
+  SecretString response;
+  MakeChallengeResponse(first.in(), second.in(), m_password.Text(), response.Text());
+  m_password = std::move(response);
+  return true;
+}
+
+}  // namespace vq::session
