@@ -76,7 +76,7 @@ def check_kind(page, sources, heading, reads, calls):
 
 def check_built_in_values(page, sources):
     text = sources["support/orb/OrbSettings.cpp"]
-    names = dict(re.findall(r'string_view (\w+) = "(-\w+)"', text))
+    names = dict(re.findall(r'char\* (\w+) = "(-\w+)"', sources["support/orb/OrbSettings.h"]))
     known = re.findall(r'KnownSetting\{(\w+), "([^"]*)"\}', text)
     built_in = {names[key]: value for key, value in known}
     if not built_in:

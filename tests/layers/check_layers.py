@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Checks which folder includes which: the arrows of ARCHITECTURE.md.
 
-Checks the order of the files within session/, that a public header includes public headers only, and that the
-header of all headers brings every one of the library.
+Checks also the order of the files within session/, that a public header includes public headers
+only, and that the header of all headers brings every one of the library.
 
 Each row of MAY_INCLUDE names a folder of this tree and the folders whose headers it may include,
 beside its own. ONLY_IN names third-party headers and the folders that may include them.
