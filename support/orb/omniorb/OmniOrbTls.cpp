@@ -4,49 +4,20 @@
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 #include <netdb.h>
 
 #include <omniORB4/omniInterceptors.h>
 #include <omniORB4/omniORB.h>
-#include <omniORB4/sslContext.h>
 
-#include <support/diagnostics/TDiag.h>
 #include <support/orb/ReferenceAddress.h>
 #include <support/orb/TlsVerdict.h>
+#include <support/orb/omniorb/OmniOrbSslContext.h>
 
 namespace vq::orb {
 namespace {
 
-TDiagRegister diagModule("TLS");
-
-// What the callbacks look at; written before the ORB starts, read by its threads after that.
-TlsSettings tlsInForce;
 std::set<std::string> clearAllowed;  // "giop:tcp:127.0.0.1:2809"
-
-// omniORB asks for each piece; everything is done where it asks for the first one.
-class Context : public sslContext {
- protected:
-  void set_supported_versions() override {}
-  void set_cipher() override {}
-  void set_CA() override {}
-  void set_privatekey() override {}
-  void set_certificate() override {
-    try {
-      ConfigureTls(*get_SSL_CTX(), tlsInForce);
-    } catch (const std::invalid_argument& e) {  // A file changed since it was checked.
-      VQ_LOG(diagModule, 1) << e.what();
-      throw CORBA::INITIALIZE(0, CORBA::COMPLETED_NO);
-    }
-  }
-  void set_DH() override { SSL_CTX_set_dh_auto(get_SSL_CTX(), 1); }
-  int set_verify_mode() override { return TlsVerifyMode(tlsInForce); }
-};
-
-int Judge(int verified, X509_STORE_CTX* context) {
-  return JudgeCertificate(verified, *context, tlsInForce);
-}
 
 void CheckFiles(const TlsSettings& settings) {
   const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_method()),
@@ -87,17 +58,15 @@ std::set<std::string> AddressesOf(const ReferenceAddress& reference) {
 }  // namespace
 
 void OmniOrbTls::Prepare(const OrbSettings& settings) {
-  tlsInForce = settings.tls;
   CheckTlsPort(settings);
   if (!settings.tls.IsOn()) return;
   CheckFiles(settings.tls);
   WarnOfWeakVerification(settings.tls);
-  sslContext::verify_callback = Judge;
-  sslContext::singleton = new Context;  // omniORB deletes it when the ORB ends
+  OmniOrbSslContext::Install(settings.tls);
 }
 
 void OmniOrbTls::Abandon() {
-  delete std::exchange(sslContext::singleton, nullptr);
+  OmniOrbSslContext::Remove();
 }
 
 void OmniOrbTls::Guard(CORBA::ORB_ptr orb, const OrbSettings& settings) {
@@ -113,9 +82,9 @@ void OmniOrbTls::Guard(CORBA::ORB_ptr orb, const OrbSettings& settings) {
 }
 
 std::optional<std::chrono::sys_seconds> OmniOrbTls::CertificateExpiry() {
-  const sslContext* const context = sslContext::singleton;
-  if (context == nullptr || context->get_SSL_CTX() == nullptr) return std::nullopt;
-  return vq::orb::CertificateExpiry(*context->get_SSL_CTX());
+  const SSL_CTX* const context = OmniOrbSslContext::Current();
+  if (context == nullptr) return std::nullopt;
+  return vq::orb::CertificateExpiry(*context);
 }
 
 }  // namespace vq::orb

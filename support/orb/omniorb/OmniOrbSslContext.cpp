@@ -1,0 +1,81 @@
+#include <support/orb/omniorb/OmniOrbSslContext.h>
+
+#include <stdexcept>
+#include <utility>
+
+#include <omniORB4/CORBA.h>
+#include <omniORB4/sslContext.h>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/orb/TlsVerdict.h>
+
+namespace vq::orb {
+namespace {
+
+#ifdef VQ_OMNIORB_4_3
+using omni::sslContext;
+#endif
+
+TDiagRegister diagModule("TLS");
+
+// What the callbacks look at; written before the ORB starts, read by its threads after that.
+TlsSettings tlsInForce;
+
+int Judge(int verified, X509_STORE_CTX* context) {
+  return JudgeCertificate(verified, *context, tlsInForce);
+}
+
+// omniORB asks for each piece; everything is done where it asks for the first one.
+class Context : public sslContext {
+ public:
+#ifdef VQ_OMNIORB_4_3
+  // What is not set here stays uninitialised, and OpenSSL would call it.
+  Context() {
+    copy_globals(false);
+    update_verify_mode(TlsVerifyMode(tlsInForce), -1, Judge);
+  }
+#endif
+  const SSL_CTX* Get() const {
+    return get_SSL_CTX();
+  }
+
+ protected:
+  void set_supported_versions() override {}
+  void set_CA() override {}
+  void set_privatekey() override {}
+  void set_certificate() override {
+    try {
+      ConfigureTls(*get_SSL_CTX(), tlsInForce);
+    } catch (const std::invalid_argument& e) {  // A file changed since it was checked.
+      VQ_LOG(diagModule, 1) << e.what();
+      throw CORBA::INITIALIZE(0, CORBA::COMPLETED_NO);
+    }
+  }
+  void set_DH() override {
+    SSL_CTX_set_dh_auto(get_SSL_CTX(), 1);
+  }
+#ifndef VQ_OMNIORB_4_3
+  int set_verify_mode() override {
+    return TlsVerifyMode(tlsInForce);
+  }
+#endif
+};
+
+}  // namespace
+
+void OmniOrbSslContext::Install(const TlsSettings& settings) {
+  tlsInForce = settings;
+  sslContext::verify_callback = Judge;
+  sslContext::singleton = new Context;  // omniORB deletes it when the ORB ends
+}
+
+void OmniOrbSslContext::Remove() {
+  delete std::exchange(sslContext::singleton, nullptr);
+}
+
+const SSL_CTX* OmniOrbSslContext::Current() {
+  const auto* const context = dynamic_cast<const Context*>(sslContext::singleton);
+  return context != nullptr ? context->Get() : nullptr;
+}
+
+}  // namespace vq::orb
