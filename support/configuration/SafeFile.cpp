@@ -114,9 +114,15 @@ bool ReplaceFile(const std::string& path, std::string_view text, std::string& er
 
 FileLock::FileLock(const std::string& path, std::chrono::milliseconds wait) {
   constexpr std::chrono::milliseconds kPause{5};
-  m_file = ::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
-  if (m_file == -1) {
+  // O_NONBLOCK, so that a pipe under this name does not stop the process.
+  m_file = ::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644);
+  struct stat status {};
+  if (m_file == -1 || ::fstat(m_file, &status) == -1) {
     m_error = SystemError(path);
+    return;
+  }
+  if (!S_ISREG(status.st_mode)) {
+    m_error = path + ": not a regular file";
     return;
   }
   // The system offers no lock that waits for a limited time.
