@@ -1,11 +1,15 @@
 #include <support/diagnostics/ConsoleInput.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <filesystem>
 #include <mutex>
 #include <string_view>
+#include <system_error>
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <support/diagnostics/SilentTerminal.h>
@@ -22,9 +26,34 @@ std::mutex& ConsoleMutex() {
   return mutex;
 }
 
+bool IsSameFile(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+// Whether the process itself holds the other end of the pipe.
+bool IsOwnPipe(const struct stat& input) {
+  if (!S_ISFIFO(input.st_mode)) return false;
+  std::error_code failure;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd", failure)) {
+    const int file = std::atoi(entry.path().filename().c_str());
+    struct stat status {};
+    if (file != STDIN_FILENO && fstat(file, &status) == 0 && IsSameFile(input, status)) return true;
+  }
+  return false;
+}
+
+// The pipe that took descriptor 0 before this library was loaded, in a process that was started
+// with it closed: an ORB product opens one when it is loaded. Nobody would ever write to it.
+const struct TakenDescriptor {
+  TakenDescriptor() : taken(fstat(STDIN_FILENO, &pipe) == 0 && IsOwnPipe(pipe)) {}
+  struct stat pipe {};
+  bool taken;
+} atLoading;
+
 // With 0 closed, the next file that the process opens would be taken for standard input.
 bool IsStandardInputOpen() {
-  return fcntl(STDIN_FILENO, F_GETFD) != -1;
+  struct stat now {};
+  return fstat(STDIN_FILENO, &now) == 0 && !(atLoading.taken && IsSameFile(now, atLoading.pipe));
 }
 
 void Show(std::string_view text) {

@@ -18,10 +18,11 @@
 #include <string>
 
 // Both return 1 and store the line without its line end; an empty line is an answer too. Both
-// return 0, with the string untouched, when standard input is closed, fails or ends before a first
-// character, and for a line that is longer than 4096 bytes or holds a zero byte; the rest of such a
-// line stays in standard input.
-// Thread contract: may be called from any thread; two threads ask one after the other.
+// return 0, with the string untouched, when standard input is closed (also when a library has
+// opened a pipe of its own in its place since), fails or ends before a first character, and for a
+// line that is longer than 4096 bytes or holds a zero byte; the rest of such a line stays in
+// standard input. Thread contract: may be called from any thread; two threads ask one after the
+// other.
 
 int getUserFromStdin(std::string& user);
 

@@ -4,10 +4,13 @@
 #include <cstddef>
 #include <cstring>
 #include <optional>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <fmt/format.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/security/SecretString.h>
@@ -33,14 +36,19 @@ class Descriptor {
   int m_number;
 };
 
-// What speaks against the open file, or nullptr.
-const char* WhyNotPrivate(int file) {
+// What speaks against the open file; empty for nothing.
+std::string WhyNotPrivate(int file) {
   struct stat status {};
-  if (fstat(file, &status) != 0) return "its owner and rights cannot be read";
+  if (fstat(file, &status) != 0) return "its owner and mode cannot be read";
   if (!S_ISREG(status.st_mode)) return "it is not a regular file";
-  if (status.st_uid != geteuid()) return "it belongs to another user";
-  if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) return "group or others have rights to it";
-  return nullptr;
+  if (status.st_uid != geteuid()) {
+    return fmt::format("it belongs to another user (number {}, not {})", status.st_uid, geteuid());
+  }
+  if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
+    return fmt::format("group or others have rights to it (mode {:04o}); make it 0600",
+                       status.st_mode & 07777U);
+  }
+  return {};
 }
 
 // Reads the whole file into one buffer that never grows, so that no copy is left behind in memory.
@@ -59,17 +67,22 @@ const char* ReadAll(int file, std::string& text) {
   return nullptr;
 }
 
-const char* ReadFile(const std::string& path, std::string& user, std::string& password) {
+// Why the file is refused; empty when it was read.
+std::string ReadFile(const std::string& path, std::string& user, std::string& password) {
   if (path.find('\0') != std::string::npos) return "its name holds a zero byte";
   // Without O_NONBLOCK a named pipe would wait here for somebody to write to it.
   const Descriptor file(
       open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
-  if (file.Number() < 0) return errno == ELOOP ? "it is a symbolic link" : "it does not open";
-  if (const char* const reason = WhyNotPrivate(file.Number())) return reason;
+  if (file.Number() < 0) {
+    if (errno == ELOOP) return "it is a symbolic link; name the file itself";
+    return std::generic_category().message(errno);
+  }
+  if (std::string reason = WhyNotPrivate(file.Number()); !reason.empty()) return reason;
 
   vq::SecretString text;
-  if (const char* const reason = ReadAll(file.Number(), text.Text())) return reason;
-  return vq::ParsePasswordFile(text.Text(), user, password);
+  const char* reason = ReadAll(file.Number(), text.Text());
+  if (reason == nullptr) reason = vq::ParsePasswordFile(text.Text(), user, password);
+  return reason != nullptr ? reason : "";
 }
 
 // Puts a value in the place of what was there, of which nothing stays in memory.
@@ -112,8 +125,8 @@ const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std:
 
 int getUsrAndPasswdFromFile(const std::string& path, std::string& user, std::string& password) {
   const TDiagFunc diag(diagModule, "getUsrAndPasswdFromFile");
-  const char* const reason = ReadFile(path, user, password);
-  if (reason == nullptr) return 1;
-  VQ_LOG(diag, 2) << "Password file " << path << " refused: " << reason;
+  const std::string reason = ReadFile(path, user, password);
+  if (reason.empty()) return 1;
+  VQ_LOG(diag, 1) << "Password file " << path << " refused: " << reason;
   return 0;
 }

@@ -25,7 +25,7 @@
 // - gives group or others any right at all. A right to write would let them choose the credentials,
 //   and the group's bits also stand for whatever an access control list grants;
 // - is longer than 64 KiB, has a line of another form, names a value twice, or holds a zero byte.
-// The reason goes to the log at level 2, without any of the file's contents.
+// The reason goes to the log at level 1, without any of the file's contents.
 // Owner and rights are those of the open file, so it cannot be exchanged between check and reading.
 // Thread contract: may be called from any thread.
 int getUsrAndPasswdFromFile(const std::string& path, std::string& user, std::string& password);
