@@ -53,7 +53,7 @@ vq::orb::TlsSettings ParseTls(const std::vector<std::string>& arguments) {
   const vq::orb::OrbArguments split =
       vq::orb::SplitArguments(static_cast<int>(pointers.size()), pointers.data());
   if (!split.rest.empty()) throw std::invalid_argument("unknown option " + split.rest.front());
-  return vq::orb::ResolveSettings(split, {}, {}).tls;
+  return vq::orb::ResolveSettings(split, {}).tls;
 }
 
 // Written beside its place and moved there, so that whoever waits for it finds it whole.

@@ -40,6 +40,7 @@
 #include <vq_client_common/session/ServerId.h>
 #include <vq_client_common/session/ServerLocale.h>
 #include <vq_client_common/session/SettingsReport.h>
+#include <vq_client_common/session/StoredSettings.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/VQBaseException.h>
 #include <vq_client_common/session/VQDetailedMessageException.h>

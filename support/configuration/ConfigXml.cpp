@@ -28,6 +28,21 @@ std::string PathOf(const std::string& directory, const std::string& name) {
   return error ? path.string() : target.string();
 }
 
+// The scopes of a file over those of a weaker layer. A value in "default" hides those of the weaker
+// layer in every scope, because the layer counts before the scope.
+ConfigScopes Over(const ConfigScopes& own, ConfigScopes weaker) {
+  const auto common = own.find(kDefaultScope);
+  for (auto& [scope, variables] : weaker) {
+    if (common == own.end()) break;
+    std::erase_if(variables, [&](const auto& var) { return common->second.contains(var.first); });
+  }
+  for (const auto& [scope, variables] : own) {
+    for (const auto& [name, value] : variables) weaker[scope][name] = value;
+    weaker.try_emplace(scope);
+  }
+  return weaker;
+}
+
 // Runs `step`, which returns a bool, and turns what the XML library throws into a text. The library
 // stays started until its exception is read.
 template <class Step>
@@ -50,18 +65,20 @@ bool Guarded(std::string& error, Step step) {
 }  // namespace
 
 ConfigXml::ConfigXml(const std::string& directory, const std::string& name,
-                     std::chrono::milliseconds wait)
-    : m_path(PathOf(directory, name)), m_wait(wait) {}
+                     std::chrono::milliseconds wait, const std::string& below)
+    : m_path(PathOf(directory, name)),
+      m_below(below.empty() ? "" : PathOf(below, name)),
+      m_wait(wait) {}
 
 bool ConfigXml::Complain(const std::string& error) {
   m_error = error;
   return false;
 }
 
-bool ConfigXml::ReadInto(ConfigDocument& document) {
+bool ConfigXml::ReadInto(const std::string& path, ConfigDocument& document) {
   std::string text;
   std::string error;
-  switch (ReadFile(m_path, kLargestFile, text, error)) {
+  switch (ReadFile(path, kLargestFile, text, error)) {
     case ReadResult::Missing:
       return true;
     case ReadResult::Failed:
@@ -69,7 +86,15 @@ bool ConfigXml::ReadInto(ConfigDocument& document) {
     case ReadResult::Read:
       break;
   }
-  return document.Parse(text, error) || Complain(m_path + ": " + error);
+  return document.Parse(text, error) || Complain(path + ": " + error);
+}
+
+bool ConfigXml::ReadWeakerLayer() {
+  if (m_below.empty()) return true;
+  ConfigDocument document;
+  if (!ReadInto(m_below, document)) return false;
+  m_weaker = document.Scopes();
+  return true;
 }
 
 bool ConfigXml::Load() {
@@ -77,8 +102,8 @@ bool ConfigXml::Load() {
   if (m_path.empty()) return Complain("the domain has no name that a file can have");
   return Guarded(m_error, [this] {
     ConfigDocument document;
-    if (!ReadInto(document)) return false;
-    m_scopes = document.Scopes();
+    if (!ReadInto(m_path, document) || !ReadWeakerLayer()) return false;
+    m_scopes = Over(document.Scopes(), m_weaker);
     m_changes.clear();
     return true;
   });
@@ -94,12 +119,12 @@ bool ConfigXml::Save() {
   if (!lock.Held()) return Complain(lock.Error());
   return Guarded(m_error, [this] {
     ConfigDocument document;
-    if (!ReadInto(document)) return false;
+    if (!ReadInto(m_path, document)) return false;
     for (const ConfigChange& change : m_changes) document.Apply(change);
     const auto text = document.Text();
     if (!text) return Complain(m_path + ": the domain can't be written as XML");
     if (!ReplaceFile(m_path, *text, m_error)) return false;
-    m_scopes = document.Scopes();
+    m_scopes = Over(document.Scopes(), m_weaker);
     m_changes.clear();
     return true;
   });

@@ -21,8 +21,10 @@ class ConfigXml : public ConfigAPI {
   // A file with more bytes than this is taken for a fault.
   static constexpr std::size_t kLargestFile = std::size_t{1} << 20U;
 
-  // `wait` is how long a save waits for another writer.
-  ConfigXml(const std::string& directory, const std::string& name, std::chrono::milliseconds wait);
+  // `wait` is how long a save waits for another writer. `below` is the directory of a weaker layer
+  // of the domain, which is read only; empty for none.
+  ConfigXml(const std::string& directory, const std::string& name, std::chrono::milliseconds wait,
+            const std::string& below = {});
 
   bool Load() override;
   bool Save() override;
@@ -37,11 +39,14 @@ class ConfigXml : public ConfigAPI {
                               std::map<std::string, std::string>& table) const override;
 
  private:
-  bool ReadInto(ConfigDocument& document);
+  bool ReadInto(const std::string& path, ConfigDocument& document);
+  bool ReadWeakerLayer();
   bool Complain(const std::string& error);
 
-  const std::string m_path;  // empty when the name is none
+  const std::string m_path;   // empty when the name is none
+  const std::string m_below;  // the weaker layer's file; empty for none
   const std::chrono::milliseconds m_wait;
+  ConfigScopes m_weaker;  // what the weaker layer has
   ConfigScopes m_scopes;
   std::vector<ConfigChange> m_changes;
   std::string m_error;

@@ -3,6 +3,9 @@
 #include <support/foundations/Environment.h>
 #include <support/foundations/Platform.h>
 
+#include <sys/auxv.h>
+#include <unistd.h>
+
 namespace {
 
 std::string AsDirectory(std::string path) {
@@ -35,8 +38,8 @@ std::string GetVQDataLocation() {
 }
 
 std::string GetConfigDomainsDir() {
-  const std::string directory = vq::GetEnvOr("VQ_CONFIG_DOMAINS", "");
-  return directory.empty() ? GetVQRootLocation() + "config/" : AsDirectory(directory);
+  const std::vector<std::string> layers = vq::GetConfigDomainsDirs();
+  return ::geteuid() == 0 ? layers.back() : layers.front();
 }
 
 std::string GetConfigDomainName() {
@@ -46,7 +49,21 @@ std::string GetConfigDomainName() {
 namespace vq {
 
 std::string GetUserSettingsDirectory() {
+  // Intentional: a set-user-ID program takes no settings from its caller, and none from the home of
+  // the user that it runs as either: whoever has those rights has the host's settings, too.
+  if (::getauxval(AT_SECURE) != 0) return {};
   return UserDirectory("XDG_CONFIG_HOME", ".config");
+}
+
+std::vector<std::string> GetConfigDomainsDirs() {
+  if (const std::string only = GetEnvOr("VQ_CONFIG_DOMAINS", ""); !only.empty()) {
+    return {AsDirectory(only)};
+  }
+  const std::string home = GetEnvOr("VQ_HOME", "");
+  const std::string host =
+      home.empty() ? Platform::Current().MachineSettingsDirectory() : AsDirectory(home) + "config/";
+  const std::string user = GetUserSettingsDirectory();
+  return user.empty() ? std::vector{host} : std::vector{user, host};
 }
 
 }  // namespace vq

@@ -29,6 +29,7 @@ bool GetProfileIntFromCurrentUserOrLocalMachine(const std::string& location,
   if (!userFirst) std::swap(directories[0], directories[1]);
   const std::string inside = location.empty() ? "" : location + "/";
   for (const std::string& directory : directories) {
+    if (directory.empty()) continue;
     const auto text = vq::IniFile(directory + inside + "profile.ini").Get(section, key);
     if (text && ReadWholeNumber(*text, value)) return true;
   }

@@ -1,7 +1,8 @@
 // Settings of the user and of the machine.
 //
 // Two files "profile.ini" hold them: the user's in the directory "vq" of the user's settings
-// directory (vq::GetUserSettingsDirectory), the machine's in "/etc/vq/".
+// directory (vq::GetUserSettingsDirectory), which a set-user-ID program does not read; the
+// machine's in "/etc/vq/".
 //
 //   [Orb Parameters]
 //   RegisterTimeOut = 900

@@ -8,20 +8,24 @@
 
 namespace vq::orb {
 
-bool ReadDomainScopes(const std::string& scope, DomainScopes& scopes) {
-  const std::string directory = GetConfigDomainsDir();
-  const std::string domain = GetConfigDomainName();
-  scopes.file = directory + domain + ".xml";
-  const std::unique_ptr<ConfigAPI> config = ConfigAPIFactoryXML::Create(directory, domain);
-  if (!config->Load()) {
-    scopes.error = "The configuration domain " + scopes.file +
-                   " cannot be read; correct the file or remove it: " + config->Error();
-    return false;
-  }
-  for (const std::string_view known : KnownSettingNames()) {
-    const std::string setting(known);
-    if (const auto value = config->GetVar(scope, setting)) scopes.own[setting] = *value;
-    if (const auto value = config->GetVar("default", setting)) scopes.common[setting] = *value;
+bool ReadDomainScopes(const std::string& scope, DomainScopes& domain) {
+  const std::string name = GetConfigDomainName();
+  for (const std::string& directory : GetConfigDomainsDirs()) {
+    const std::string& file = domain.files.emplace_back(directory + name + ".xml");
+    const std::unique_ptr<ConfigAPI> layer = ConfigAPIFactoryXML::Create(directory, name);
+    if (!layer->Load()) {
+      domain.error = "The configuration domain " + file +
+                     " cannot be read; correct the file or remove it: " + layer->Error();
+      return false;
+    }
+    for (const std::string& from : {scope, std::string("default")}) {
+      SettingScope& values = domain.scopes.emplace_back();
+      values.origin = file + ", " + from;
+      for (const std::string_view known : KnownSettingNames()) {
+        const std::string setting(known);
+        if (const auto value = layer->GetVar(from, setting)) values.values[setting] = *value;
+      }
+    }
   }
   return true;
 }

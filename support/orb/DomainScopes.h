@@ -1,12 +1,13 @@
-// The two scopes of the configuration domain that concern one ORB: its own and "default".
+// The scopes of the configuration domain that concern one ORB: in each layer its own and "default".
 //
-//   vq::orb::DomainScopes scopes;
-//   if (!vq::orb::ReadDomainScopes("GUI", scopes)) log(scopes.error);
-//   const auto settings = vq::orb::ResolveSettings(arguments, scopes.own, scopes.common);
+//   vq::orb::DomainScopes domain;
+//   if (!vq::orb::ReadDomainScopes("GUI", domain)) log(domain.error);
+//   const auto settings = vq::orb::ResolveSettings(arguments, domain.scopes);
 #ifndef VQ_SUPPORT_ORB_DOMAINSCOPES_H
 #define VQ_SUPPORT_ORB_DOMAINSCOPES_H
 
 #include <string>
+#include <vector>
 
 #include <support/orb/OrbSettings.h>
 
@@ -14,15 +15,14 @@ namespace vq::orb {
 
 // Thread contract: a plain value.
 struct DomainScopes {
-  std::string file;  // the domain's file, whether it exists or not
-  SettingScope own;
-  SettingScope common;
+  std::vector<std::string> files;    // the domain's, the strongest layer first; they need not exist
+  std::vector<SettingScope> scopes;  // the strongest first
   std::string error;
 };
 
 // Reads the domain that the environment names (docs/configuration.md). A domain without a file has
-// empty scopes. False, with `error` saying why, when the file cannot be read.
-bool ReadDomainScopes(const std::string& scope, DomainScopes& scopes);
+// empty scopes. False, with `error` saying why, when a file cannot be read.
+bool ReadDomainScopes(const std::string& scope, DomainScopes& domain);
 
 }  // namespace vq::orb
 

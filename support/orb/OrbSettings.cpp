@@ -15,6 +15,8 @@ struct KnownSetting {
   std::string_view builtIn;
 };
 
+constexpr const char* kCommandLine = "command line";
+
 // A dead network must never hang a client for ever, so both time-outs are finite. The message size
 // leaves room for an authorization snapshot of some hundred thousand grants.
 constexpr std::array kKnown{
@@ -34,8 +36,7 @@ constexpr std::array kKnown{
 
 [[noreturn]] void Refuse(const ResolvedSetting& setting, std::string_view form) {
   throw std::invalid_argument("the value '" + setting.value + "' of " + setting.name + " (" +
-                              std::string(SettingOriginText(setting.origin)) + ") is not " +
-                              std::string(form));
+                              setting.origin + ") is not " + std::string(form));
 }
 
 std::uint64_t Number(const ResolvedSetting& setting, std::uint64_t lowest, std::uint64_t highest,
@@ -62,18 +63,16 @@ ListenEndpoint Endpoint(const ResolvedSetting& setting) {
 }
 
 ResolvedSetting Resolve(const KnownSetting& known, const OrbArguments& arguments,
-                        const SettingScope& ownScope, const SettingScope& defaultScope) {
+                        const std::vector<SettingScope>& scopes) {
   const std::string name(known.name);
   if (const auto found = arguments.options.find(name); found != arguments.options.end()) {
-    return {name, found->second, SettingOrigin::kCommandLine};
+    return {name, found->second, kCommandLine};
   }
-  if (const auto found = ownScope.find(name); found != ownScope.end()) {
-    return {name, found->second, SettingOrigin::kOwnScope};
+  for (const SettingScope& scope : scopes) {
+    const auto found = scope.values.find(name);
+    if (found != scope.values.end()) return {name, found->second, scope.origin};
   }
-  if (const auto found = defaultScope.find(name); found != defaultScope.end()) {
-    return {name, found->second, SettingOrigin::kDefaultScope};
-  }
-  return {name, std::string(known.builtIn), SettingOrigin::kBuiltIn};
+  return {name, std::string(known.builtIn), "built in"};
 }
 
 // The command line may name several initial references, of which the last of a name counts; every
@@ -90,7 +89,7 @@ std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
     std::erase_if(refs, [&](const std::string& known) { return known.starts_with(name); });
     refs.push_back(ref);
   };
-  if (setting.origin == SettingOrigin::kCommandLine) {
+  if (setting.origin == kCommandLine) {
     const auto [first, last] = arguments.options.equal_range(setting.name);
     std::for_each(first, last, [&](const auto& option) { add(option.second); });
   } else if (!setting.value.empty()) {
@@ -100,13 +99,6 @@ std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
 }
 
 }  // namespace
-
-std::string_view SettingOriginText(SettingOrigin origin) {
-  constexpr std::array<std::string_view, 4> kTexts{
-      "command line", "configuration domain, own scope", "configuration domain, scope default",
-      "built in"};
-  return kTexts.at(static_cast<std::size_t>(origin));
-}
 
 std::vector<std::string_view> KnownSettingNames() {
   std::vector<std::string_view> names;
@@ -132,11 +124,11 @@ OrbArguments SplitArguments(int argc, const char* const* argv) {
   return arguments;
 }
 
-OrbSettings ResolveSettings(const OrbArguments& arguments, const SettingScope& ownScope,
-                            const SettingScope& defaultScope) {
+OrbSettings ResolveSettings(const OrbArguments& arguments,
+                            const std::vector<SettingScope>& scopes) {
   OrbSettings settings;
   for (const KnownSetting& known : kKnown) {
-    settings.table.push_back(Resolve(known, arguments, ownScope, defaultScope));
+    settings.table.push_back(Resolve(known, arguments, scopes));
   }
   const auto find = [&](std::string_view name) -> const ResolvedSetting& {
     return *std::find_if(settings.table.begin(), settings.table.end(),

@@ -2,8 +2,9 @@
 //
 // A setting is looked for in this order, and the first place that has it wins:
 //   1. the command line ("-ORBCallTimeout 5000"),
-//   2. the configuration domain's scope that is named like the ORB ("GUI"),
-//   3. the domain's scope "default",
+//   2. the user's layer of the configuration domain: its scope that is named like the ORB ("GUI"),
+//      then its scope "default",
+//   3. the host's layer, likewise,
 //   4. the built-in value.
 //
 // Everything here is plain data and pure functions: no ORB product, no file and no environment, so
@@ -39,16 +40,11 @@ inline constexpr const char* kTlsVerifyHost = "-SSLVerifyHost";
 // Stands in a published endpoint for the own address that begins with the IP mask.
 inline constexpr const char* kOwnAddressMark = "$IP";
 
-// Which of the four places a value came from.
-enum class SettingOrigin { kCommandLine, kOwnScope, kDefaultScope, kBuiltIn };
-// The place in words, such as "command line"; static text.
-std::string_view SettingOriginText(SettingOrigin origin);
-
 // One setting with the value in force. Thread contract of all that follow: plain values.
 struct ResolvedSetting {
-  std::string name;   // as on the command line and in the domain, with its dash
-  std::string value;  // empty where the setting has none
-  SettingOrigin origin = SettingOrigin::kBuiltIn;  // where the value came from
+  std::string name;    // as on the command line and in the domain, with its dash
+  std::string value;   // empty where the setting has none
+  std::string origin;  // "command line", "built in", or file and scope: "/etc/vq/vq.xml, GUI"
 };
 
 // What the command line says to the ORB: our own options by name, and everything else, which the
@@ -86,8 +82,11 @@ struct OrbSettings {
   std::vector<ResolvedSetting> table;  // all of it as text, in the order of the known names
 };
 
-// The settings of one scope of the domain: value by name.
-using SettingScope = std::map<std::string, std::string>;
+// The settings of one scope of one layer of the domain.
+struct SettingScope {
+  std::string origin;                         // as in ResolvedSetting
+  std::map<std::string, std::string> values;  // by name
+};
 
 // The names of our own settings, in table order.
 std::vector<std::string_view> KnownSettingNames();
@@ -97,9 +96,9 @@ std::vector<std::string_view> KnownSettingNames();
 OrbArguments SplitArguments(int argc, const char* const* argv);
 
 // Applies the order above. A value that is not of its setting's form raises std::invalid_argument
-// with a text that names the setting, the value and the form.
-OrbSettings ResolveSettings(const OrbArguments& arguments, const SettingScope& ownScope,
-                            const SettingScope& defaultScope);
+// with a text that names the setting, the value and the form. `scopes` are those of the domain that
+// apply, the strongest first.
+OrbSettings ResolveSettings(const OrbArguments& arguments, const std::vector<SettingScope>& scopes);
 
 }  // namespace vq::orb
 

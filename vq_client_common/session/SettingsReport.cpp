@@ -3,6 +3,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 #include <support/foundations/Environment.h>
 #include <support/foundations/Locations.h>
@@ -30,27 +31,31 @@ Setting Variable(const char* group, const char* name) {
   return {group, name, value.value_or(""), value ? "environment" : "not set"};
 }
 
-void AddLocations(std::list<Setting>& settings, const std::string& domainFile) {
+void AddLocations(std::list<Setting>& settings, const std::vector<std::string>& domainFiles) {
   settings.push_back(Location("root", GetVQRootLocation(), {"VQ_HOME"}));
   settings.push_back(
       Location("data", GetVQDataLocation(), {"VQ_DATA", "VQ_HOME", "XDG_DATA_HOME"}));
   settings.push_back(Location("user's settings", GetUserSettingsDirectory(), {"XDG_CONFIG_HOME"}));
-  settings.push_back(Location("configuration domain", domainFile,
-                              {"VQ_CONFIG_DOMAINS", "VQ_CONFIG_DOMAIN", "VQ_HOME"}));
+  for (const std::string& file : domainFiles) {
+    const bool isHosts = &file == &domainFiles.back();
+    settings.push_back(isHosts ? Location("configuration domain", file,
+                                          {"VQ_CONFIG_DOMAINS", "VQ_CONFIG_DOMAIN", "VQ_HOME"})
+                               : Location("user's configuration domain", file,
+                                          {"VQ_CONFIG_DOMAIN", "XDG_CONFIG_HOME"}));
+  }
 }
 
-void AddOrbSettings(std::list<Setting>& settings, const orb::DomainScopes& scopes, int argc,
+void AddOrbSettings(std::list<Setting>& settings, const orb::DomainScopes& domain, int argc,
                     const char* const* argv) {
-  if (!scopes.error.empty()) {
-    settings.push_back({"ORB", "configuration domain", scopes.error, scopes.file});
+  if (!domain.error.empty()) {
+    settings.push_back({"ORB", "configuration domain", domain.error, domain.files.back()});
     return;
   }
   try {
     const orb::OrbSettings resolved =
-        orb::ResolveSettings(orb::SplitArguments(argc, argv), scopes.own, scopes.common);
+        orb::ResolveSettings(orb::SplitArguments(argc, argv), domain.scopes);
     for (const orb::ResolvedSetting& setting : resolved.table) {
-      settings.push_back(
-          {"ORB", setting.name, setting.value, std::string(SettingOriginText(setting.origin))});
+      settings.push_back({"ORB", setting.name, setting.value, setting.origin});
     }
   } catch (const std::invalid_argument& e) {
     settings.push_back({"ORB", "malformed", e.what(), ""});
@@ -70,10 +75,10 @@ void AddClientProduct(std::list<Setting>& settings) {
 
 std::list<Setting> ReportSettings(CLIENT_ID clientId, int argc, const char* const* argv) {
   std::list<Setting> settings;
-  orb::DomainScopes scopes;
-  orb::ReadDomainScopes(std::string(session::ClientKindOf(clientId).orbName), scopes);
-  AddLocations(settings, scopes.file);
-  AddOrbSettings(settings, scopes, argc, argv);
+  orb::DomainScopes domain;
+  orb::ReadDomainScopes(std::string(session::ClientKindOf(clientId).orbName), domain);
+  AddLocations(settings, domain.files);
+  AddOrbSettings(settings, domain, argc, argv);
   settings.push_back(Variable("log", "VQ_DIAG_LEVEL"));
   settings.push_back(Variable("log", "VQ_DIAG_FILE"));
 

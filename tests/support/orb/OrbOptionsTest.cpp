@@ -14,12 +14,12 @@ namespace {
 using ::testing::HasSubstr;
 
 // Of a text such as "-BiDirPolicy=1 -SSLCertificate=own.pem".
-SettingScope Scope(const std::string& text) {
-  SettingScope scope;
+SettingScope Scope(const std::string& text, const std::string& origin = "") {
+  SettingScope scope{origin, {}};
   std::istringstream words(text);
   for (std::string word; words >> word;) {
     const std::size_t sign = word.find('=');
-    scope[word.substr(0, sign)] = word.substr(sign + 1);
+    scope.values[word.substr(0, sign)] = word.substr(sign + 1);
   }
   return scope;
 }
@@ -84,18 +84,18 @@ TEST(OrbSettingsTest, TheFirstSourceThatHasASettingWins) {
   const OrbArguments arguments = SplitArguments(6, argv);
   EXPECT_EQ(arguments.rest, (std::vector<std::string>{"client", "file", "-ORBtraceLevel", "5"}));
   const OrbSettings settings =
-      ResolveSettings(arguments, Scope("-ORBCallTimeout=2 -ORBConnectTimeout=3"),
-                      Scope("-ORBCallTimeout=4 -ORBConnectTimeout=5 -BiDirPolicy=1"));
+      ResolveSettings(arguments, {Scope("-ORBCallTimeout=2 -ORBConnectTimeout=3", "own"),
+                                  Scope("-ORBCallTimeout=4 -ORBConnectTimeout=5 -BiDirPolicy=1",
+                                        "default")});
   EXPECT_EQ(settings.callTimeout.count(), 1);
   EXPECT_EQ(settings.connectTimeout.count(), 3);
   EXPECT_TRUE(settings.biDirectional);
   EXPECT_EQ(settings.maxMessageSize, 268435456U);
   std::map<std::string, std::string> origins;
-  for (const auto& setting : settings.table)
-    origins[setting.name] = SettingOriginText(setting.origin);
+  for (const auto& setting : settings.table) origins[setting.name] = setting.origin;
   EXPECT_EQ(origins["-ORBCallTimeout"], "command line");
-  EXPECT_EQ(origins["-ORBConnectTimeout"], "configuration domain, own scope");
-  EXPECT_EQ(origins["-BiDirPolicy"], "configuration domain, scope default");
+  EXPECT_EQ(origins["-ORBConnectTimeout"], "own");
+  EXPECT_EQ(origins["-BiDirPolicy"], "default");
   EXPECT_EQ(origins["-PreferIPMask"], "built in");
 }
 
@@ -111,7 +111,7 @@ TEST(OrbSettingsTest, AMalformedValueIsRefusedWithItsNameAndForm) {
                                   {"-SSLVerifyHost", "off", "0 or 1"}};
   for (const auto& [name, value, form] : kRows) {
     EXPECT_THAT(([&, n = name, v = value] {
-                  ResolveSettings({}, {}, {{n, v}});
+                  ResolveSettings({}, {{"", {{n, v}}}});
                 }),
                 ::testing::ThrowsMessage<std::invalid_argument>(
                     ::testing::AllOf(HasSubstr(name), HasSubstr(form))))
@@ -145,13 +145,13 @@ TEST(OmniOrbOptionsTest, TranslatesEverySetting) {
       {"-ORBListenEndpoints=iiop:///hostname_in_ior=h.site", "endPointPublish",
        "giop:tcp:h.site:"}};
   for (const auto& [scope, option, expected] : kRows) {
-    const auto options = OmniOrbOptions(ResolveSettings({}, {}, Scope(scope)));
+    const auto options = OmniOrbOptions(ResolveSettings({}, {Scope(scope)}));
     EXPECT_EQ(ValuesOf({options.begin(), options.end()}, option), expected) << scope << option;
   }
   // The last one of a name counts.
   const char* const argv[] = {"client",          "-ORBInitRef", "B=corbaloc::c/B", "-ORBInitRef",
                               "A=corbaloc::a/A", "-ORBInitRef", "B=corbaloc::b/B"};
-  const auto several = OmniOrbOptions(ResolveSettings(SplitArguments(7, argv), {}, {}));
+  const auto several = OmniOrbOptions(ResolveSettings(SplitArguments(7, argv), {}));
   EXPECT_EQ(ValuesOf({several.begin(), several.end()}, "InitRef"),
             "A=corbaloc::a/A B=corbaloc::b/B");
 }
@@ -187,7 +187,7 @@ TEST(TaoOptionsTest, TranslatesEverySetting) {
       // The message size has no counterpart, and TAO's option of that name is another thing.
       {"-ORBMaxMessageSize=8192", "-ORBMaxMessageSize", ""}};
   for (const auto& [scope, option, expected] : kRows) {
-    const auto options = Pairs(TaoArguments(ResolveSettings({}, {}, Scope(scope))));
+    const auto options = Pairs(TaoArguments(ResolveSettings({}, {Scope(scope)})));
     EXPECT_EQ(ValuesOf(options, option), expected) << scope << option;
   }
   // No configuration file is read that nobody named.

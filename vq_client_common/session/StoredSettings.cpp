@@ -1,0 +1,52 @@
+#include <vq_client_common/session/StoredSettings.h>
+
+#include <map>
+#include <memory>
+
+#include <support/configuration/ConfigAPI.h>
+#include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/foundations/Locations.h>
+
+namespace vq {
+
+std::list<StoredSetting> ReadStoredSettings(std::string& error) {
+  error.clear();
+  std::list<StoredSetting> settings;
+  const std::string domain = GetConfigDomainName();
+  for (const std::string& directory : GetConfigDomainsDirs()) {
+    const std::unique_ptr<ConfigAPI> layer = ConfigAPIFactoryXML::Create(directory, domain);
+    if (!layer->Load()) {
+      if (error.empty()) error = layer->Error();
+      continue;
+    }
+    for (const std::string& scope : layer->GetScopes()) {
+      std::map<std::string, std::string> variables;
+      layer->GetScopeAndDefaultVars(scope, variables);
+      for (const auto& [name, value] : variables) {
+        if (!layer->GetVar(scope, name)) continue;  // it is that of "default"
+        settings.push_back({scope, name, value, directory + domain + ".xml"});
+      }
+    }
+  }
+  return settings;
+}
+
+StoreResult StoreSetting(const std::string& scope, const std::string& name,
+                         const std::optional<std::string>& value, SettingsLayer layer) {
+  const std::string directory =
+      layer == SettingsLayer::kHost ? GetConfigDomainsDirs().back() : GetConfigDomainsDir();
+  const std::string domain = GetConfigDomainName();
+  const std::unique_ptr<ConfigAPI> file = ConfigAPIFactoryXML::Create(directory, domain);
+  StoreResult result{directory + domain + ".xml", ""};
+  if (!file->Load()) {
+    result.error = file->Error();
+  } else if (!value) {
+    file->RemoveVar(scope, name);
+  } else if (!file->SetVar(scope, name, *value)) {
+    result.error = "the value of " + name + " is no text that the file can hold";
+  }
+  if (result.error.empty() && !file->Save()) result.error = file->Error();
+  return result;
+}
+
+}  // namespace vq
