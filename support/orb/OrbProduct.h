@@ -69,6 +69,10 @@ bool IsMessageTooLarge(const CORBA::SystemException& exception);
 // CORBA::BAD_INV_ORDER when the ORB that it belongs to has ended.
 std::string StringifyReference(CORBA::Object_ptr object);
 
+// Within a call that this process takes, on its thread: whether it came over a connection that this
+// process opened. True as well where the product does not tell.
+bool CameOverOwnConnection();
+
 std::string_view ProductName();
 
 }  // namespace vq::orb

@@ -124,15 +124,15 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
 bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
                                 std::vector<std::string>& productArguments) {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReadSettings");
-  vq::orb::DomainScopes scopes;
-  if (!vq::orb::ReadDomainScopes(scope, scopes)) {
-    VQ_LOG(diag, 1) << scopes.error;
+  vq::orb::DomainScopes domain;
+  if (!vq::orb::ReadDomainScopes(scope, domain)) {
+    VQ_LOG(diag, 1) << domain.error;
     return false;
   }
   try {
     const vq::orb::OrbArguments arguments = vq::orb::SplitArguments(argc, argv);
-    m_settings = std::make_unique<vq::orb::OrbSettings>(
-        vq::orb::ResolveSettings(arguments, scopes.own, scopes.common));
+    m_settings =
+        std::make_unique<vq::orb::OrbSettings>(vq::orb::ResolveSettings(arguments, domain.scopes));
     ResolvePublishedHost(*m_settings);
     productArguments = arguments.rest;
   } catch (const std::invalid_argument& e) {
@@ -140,8 +140,7 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
     return false;
   }
   for (const vq::orb::ResolvedSetting& setting : m_settings->table) {
-    VQ_LOG(diag, 5) << setting.name << " = '" << setting.value << "' ("
-                    << vq::orb::SettingOriginText(setting.origin) << ")";
+    VQ_LOG(diag, 5) << setting.name << " = '" << setting.value << "' (" << setting.origin << ")";
   }
   return true;
 }
@@ -183,6 +182,11 @@ CORBA::Object_ptr QCSOrbCommon::Bind(const std::string& server, const std::strin
     throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
   }
   return object._retn();
+}
+
+CosNaming::NamingContext_ptr QCSOrbCommon::GetNamingRoot() {
+  if (!IsInitialized()) throw CORBA::BAD_INV_ORDER(0, CORBA::COMPLETED_NO);
+  return m_namingRoot.in();
 }
 
 void QCSOrbCommon::DestroyOrb(bool wait) {

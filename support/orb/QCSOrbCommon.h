@@ -55,6 +55,10 @@ class VQ_SUPPORT_API QCSOrbCommon {
   CORBA::Object_ptr Bind(const std::string& server, const std::string& kind,
                          const std::string& service, bool probe);
 
+  // The naming service's root context; no call is made. Borrowed. Raises CORBA::BAD_INV_ORDER while
+  // the ORB is not initialized.
+  CosNaming::NamingContext_ptr GetNamingRoot();
+
   // Ends the ORB; does nothing when it is not up. With `wait` it returns when calls in progress and
   // the ORB's threads have ended. A later start brings up a new ORB.
   void DestroyOrb(bool wait);

@@ -11,6 +11,8 @@ namespace vq::orb {
 namespace {
 
 constexpr std::uint32_t kIiopProfile = 0;
+constexpr std::uint32_t kAlternateAddress = 3;  // a component with a further host and port
+constexpr std::uint32_t kTlsPort = 20;          // a component with the port for TLS
 // An address is written as host:port into 255 characters; a longer one is no address.
 constexpr std::size_t kLongestAddress = 255;
 
@@ -113,6 +115,75 @@ AddressFault ReadProfile(const std::uint8_t* data, std::size_t size, ReferenceAd
   return AddressFault::kNone;
 }
 
+// What a profile says behind its first address.
+void ReadComponents(CdrReader& profile, std::vector<ReferenceEndpoint>& endpoints,
+                    const ReferenceEndpoint& first) {
+  const std::uint8_t* data = nullptr;
+  std::uint32_t length = 0;
+  std::uint32_t count = 0;
+  if (!profile.Bytes(data, length) || !profile.Long(count)) return;  // the object's key, then they
+  for (std::uint32_t i = 0; i < count; ++i) {
+    std::uint32_t tag = 0;
+    if (!profile.Long(tag) || !profile.Bytes(data, length)) return;
+    CdrReader component(data, length);
+    ReferenceEndpoint endpoint = first;
+    std::uint16_t port = 0;
+    std::uint16_t ignored = 0;
+    if (tag == kAlternateAddress && component.Ok() && component.Text(endpoint.host) &&
+        component.Short(port)) {
+      endpoint.port = port;
+    } else if (tag == kTlsPort && component.Ok() && component.Short(ignored) &&
+               component.Short(ignored) && component.Short(port)) {
+      endpoint.port = port;
+      endpoint.tls = true;
+    }
+    if (port != 0) endpoints.push_back(endpoint);
+  }
+}
+
+void ReadEndpoints(const std::uint8_t* data, std::size_t size, int number,
+                   std::vector<ReferenceEndpoint>& endpoints) {
+  CdrReader profile(data, size);
+  std::uint8_t major = 0;
+  std::uint8_t minor = 0;
+  ReferenceEndpoint first;
+  std::uint16_t port = 0;
+  if (!profile.Ok() || !profile.Octet(major) || !profile.Octet(minor) || major != 1 ||
+      !profile.Text(first.host) || !profile.Short(port) || first.host.empty()) {
+    return;
+  }
+  first.port = port;
+  first.profile = number;
+  if (port != 0) endpoints.push_back(first);
+  if (minor > 0) ReadComponents(profile, endpoints, first);
+}
+
+// The profiles of a reference as text, by way of `take`, which is told the tag and the contents of
+// each until it says false.
+template <class Take>
+AddressFault ForEachProfile(std::string_view ior, Take take) {
+  constexpr std::string_view kPrefix = "IOR:";
+  std::vector<std::uint8_t> bytes;
+  if (!ior.starts_with(kPrefix) || !DecodeHex(ior.substr(kPrefix.size()), bytes)) {
+    return AddressFault::kInvalidStub;
+  }
+  CdrReader reader(bytes.data(), bytes.size());
+  std::string typeId;
+  std::uint32_t profiles = 0;
+  if (!reader.Ok() || !reader.Text(typeId) || !reader.Long(profiles)) {
+    return AddressFault::kInvalidStub;
+  }
+  if (typeId.empty() && profiles == 0) return AddressFault::kNil;
+  for (std::uint32_t i = 0; i < profiles; ++i) {
+    std::uint32_t tag = 0;
+    const std::uint8_t* data = nullptr;
+    std::uint32_t length = 0;
+    if (!reader.Long(tag) || !reader.Bytes(data, length)) return AddressFault::kInvalidProfile;
+    if (tag == kIiopProfile && !take(data, length)) return AddressFault::kNone;
+  }
+  return AddressFault::kNone;
+}
+
 }  // namespace
 
 std::string_view AddressFaultText(AddressFault fault) {
@@ -131,26 +202,31 @@ AddressFault AddressOf(CORBA::Object_ptr object, ReferenceAddress& address) {
 }
 
 AddressFault AddressOfText(std::string_view ior, ReferenceAddress& address) {
-  constexpr std::string_view kPrefix = "IOR:";
-  std::vector<std::uint8_t> bytes;
-  if (!ior.starts_with(kPrefix) || !DecodeHex(ior.substr(kPrefix.size()), bytes)) {
-    return AddressFault::kInvalidStub;
+  AddressFault result = AddressFault::kInvalidProfile;
+  const AddressFault whole = ForEachProfile(ior, [&](const std::uint8_t* data, std::size_t size) {
+    result = ReadProfile(data, size, address);
+    return false;
+  });
+  return whole != AddressFault::kNone ? whole : result;
+}
+
+std::vector<ReferenceEndpoint> EndpointsOf(CORBA::Object_ptr object) {
+  if (CORBA::is_nil(object)) return {};
+  try {
+    return EndpointsOfText(StringifyReference(object));
+  } catch (const CORBA::Exception&) {  // as in AddressOf
+    return {};
   }
-  CdrReader reader(bytes.data(), bytes.size());
-  std::string typeId;
-  std::uint32_t profiles = 0;
-  if (!reader.Ok() || !reader.Text(typeId) || !reader.Long(profiles)) {
-    return AddressFault::kInvalidStub;
-  }
-  if (typeId.empty() && profiles == 0) return AddressFault::kNil;
-  for (std::uint32_t i = 0; i < profiles; ++i) {
-    std::uint32_t tag = 0;
-    const std::uint8_t* data = nullptr;
-    std::uint32_t length = 0;
-    if (!reader.Long(tag) || !reader.Bytes(data, length)) return AddressFault::kInvalidProfile;
-    if (tag == kIiopProfile) return ReadProfile(data, length, address);
-  }
-  return AddressFault::kInvalidProfile;
+}
+
+std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior) {
+  std::vector<ReferenceEndpoint> endpoints;
+  int profile = 0;
+  ForEachProfile(ior, [&](const std::uint8_t* data, std::size_t size) {
+    ReadEndpoints(data, size, profile++, endpoints);
+    return true;
+  });
+  return endpoints;
 }
 
 }  // namespace vq::orb

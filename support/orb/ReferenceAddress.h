@@ -10,7 +10,9 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include <support/Export.h>
 #include <support/orb/Corba.h>
 
 namespace vq::orb {
@@ -30,6 +32,21 @@ AddressFault AddressOf(CORBA::Object_ptr object, ReferenceAddress& address);
 
 // The same for a reference as text; any text is accepted and judged.
 AddressFault AddressOfText(std::string_view ior, ReferenceAddress& address);
+
+// One place where an object listens. Thread contract: a plain value.
+struct ReferenceEndpoint {
+  std::string host;
+  int port = 0;
+  bool tls = false;
+  int profile = 0;  // counted from 0; this system's ORB products use those of the first one
+};
+
+// All endpoints that a reference names, in its order; empty when it names none that can be read.
+// IPv6 addresses are without brackets. No call is made.
+VQ_SUPPORT_API std::vector<ReferenceEndpoint> EndpointsOf(CORBA::Object_ptr object);
+
+// The same for a reference as text; any text is accepted.
+std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior);
 
 }  // namespace vq::orb
 

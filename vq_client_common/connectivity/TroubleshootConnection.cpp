@@ -76,6 +76,13 @@ std::string SendFailure(const CORBA::SystemException& exception) {
   return text;
 }
 
+bool OffersOwnConnection(const QCSOrbCommon& orb) {
+  const auto& settings = orb.GetSettings();
+  return std::any_of(settings.begin(), settings.end(), [](const vq::orb::ResolvedSetting& setting) {
+    return setting.name == kBiDirPolicy && setting.value == "1";
+  });
+}
+
 bool TryCallback(const TDiagFunc& diag, QCSOrbCommon& orb, std::string& error, long& roundTripMs,
                  long timeout) {
   const std::string server = ConnectionSettings::Get()->GetServerName();
@@ -100,6 +107,10 @@ bool TryCallback(const TDiagFunc& diag, QCSOrbCommon& orb, std::string& error, l
   if (reached && servant->WasCalledBack()) {
     roundTripMs = static_cast<long>(taken);
     VQ_LOG(diag, 4) << "GSR called me back, round-trip time: " << roundTripMs;
+    if (OffersOwnConnection(orb) && !servant->WasOverOwnConnection()) {
+      VQ_LOG(diag, 1) << "GSR opened a connection of its own to call me back: it does not accept "
+                      << "calls back over the client's";
+    }
     return true;
   }
   error = message.in();
@@ -110,7 +121,7 @@ bool TryCallback(const TDiagFunc& diag, QCSOrbCommon& orb, std::string& error, l
 // Loads the configuration domain; null when that fails.
 std::unique_ptr<ConfigAPI> LoadDomain(const TDiagFunc& diag) {
   const std::string name = GetConfigDomainName();
-  std::unique_ptr<ConfigAPI> domain = ConfigAPIFactoryXML::Create(GetConfigDomainsDir(), name);
+  std::unique_ptr<ConfigAPI> domain = ConfigAPIFactoryXML::CreateInForce();
   if (!domain->Load()) {
     VQ_LOG(diag, 1) << "Failed to load configuration domain: " << name;
     VQ_LOG(diag, 2) << domain->Error();

@@ -13,7 +13,10 @@
 // clang-format off
 #include <omniORB4/internal/giopStrand.h>
 #include <omniORB4/internal/giopServer.h>
+#include <omniORB4/internal/GIOP_S.h>
 // clang-format on
+
+#include <support/orb/OrbProduct.h>
 
 namespace vq::orb {
 namespace {
@@ -44,6 +47,13 @@ CORBA::Boolean NoteOpened(omniInterceptors::clientOpenConnection_T::info_T& info
   if (!notes.taken) return true;
   const std::lock_guard lock(notes.mutex);
   notes.opened.insert(NameOf(info));
+  return true;
+}
+
+thread_local bool cameOverOwnConnection = false;
+
+CORBA::Boolean NoteConnection(omniInterceptors::serverReceiveRequest_T::info_T& info) {
+  cameOverOwnConnection = info.giop_s.strand().isClient();
   return true;
 }
 
@@ -97,6 +107,11 @@ void CloseOpened(const std::set<std::string>& names) {
 
 void OmniOrbGuest::Install() {
   omniORB::getInterceptors()->clientOpenConnection.add(NoteOpened);
+  omniORB::getInterceptors()->serverReceiveRequest.add(NoteConnection);
+}
+
+bool CameOverOwnConnection() {
+  return cameOverOwnConnection;
 }
 
 OmniOrbGuest::OmniOrbGuest() {

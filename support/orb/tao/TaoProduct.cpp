@@ -204,6 +204,10 @@ std::string StringifyReference(CORBA::Object_ptr object) {
   return text.in();
 }
 
+bool CameOverOwnConnection() {
+  return true;  // TAO does not tell a servant
+}
+
 std::string_view ProductName() {
   return "TAO";
 }
