@@ -138,7 +138,7 @@ void PrintTable(const nlohmann::json& all) {
 int Show(CommandLine& line) {
   ClientSession session(line);
   const int result = session.LoginAndFinish();
-  if (result != 1 && result != 50) return ExitCodeOfSession(result);
+  if (!IsIn(result)) return ExitCodeOfSession(result);
   QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
   if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, line.kind, true) != 1) {
     return kNoServer;
@@ -149,9 +149,8 @@ int Show(CommandLine& line) {
     users->CRB_GetMyAuthorizationsFromMemory(LoginHandler::GetGlobal()->GetUserID().c_str(),
                                              object.out(), snapshot.out());
     const nlohmann::json all = Describe(snapshot.in());
-    if (line.json) {
-      // Criteria come as the server has them; bytes that are no UTF-8 must not end the answer.
-      std::cout << all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    if (Form().json) {
+      PrintJson(all);
     } else {
       PrintTable(all);
     }
@@ -176,7 +175,7 @@ int Check(CommandLine& line, const Question& question) {
   }
   ClientSession session(line);
   const int result = session.LoginAndFinish();
-  if (result != 1 && result != 50) return ExitCodeOfSession(result);
+  if (!IsIn(result)) return ExitCodeOfSession(result);
 
   const UserAuthorizations& user = *UserAuthorizations::Get();
   const auto level = static_cast<QCSAuthLevelEnum>(question.level);
@@ -184,13 +183,10 @@ int Check(CommandLine& line, const Question& question) {
                                  [&](const Kind& row) { return row.name == question.kind; });
   const bool allowed = kind != kKinds.end() ? (user.*kind->question)(object, level)
                                             : user.IsServiceAccessAllowed(object, level);
-  if (line.json) {
-    std::cout << nlohmann::json{{"kind", question.kind},
-                                {"level", LevelName(level)},
-                                {"allowed", allowed}}
-              << '\n';
+  if (Form().json) {
+    PrintJson({{"kind", question.kind}, {"level", LevelName(level)}, {"allowed", allowed}}, -1);
   } else {
-    std::cout << (allowed ? "yes" : "no") << '\n';
+    Say(allowed ? "yes" : "no");
   }
   return allowed ? kSuccess : kDenied;
 }
@@ -225,7 +221,7 @@ void AddCheck(CLI::App& parent, CommandLine& line, int& exitCode) {
       }
     }
     question->level = static_cast<int>(level - kLevels.begin());
-    line.Apply();
+    line.ApplyWithServer();
     exitCode = Check(line, *question);
   });
 }
@@ -240,7 +236,7 @@ void AddAuthCommand(CLI::App& program, CommandLine& line, int& exitCode) {
   AddCheck(*command, line, exitCode);
   command->callback([&line, &exitCode, command] {
     if (!command->get_subcommands().empty()) return;
-    line.Apply();
+    line.ApplyWithServer();
     exitCode = Show(line);
   });
 }

@@ -1,12 +1,19 @@
 #include "ClientSession.h"
 
 #include <cstring>
-#include <iostream>
-#include <vector>
 
 #include "ExitCodes.h"
 
 namespace vqclient {
+namespace {
+
+// The line that begins so, or nothing.
+std::string LineOf(const std::string& lines, const std::string& beginning) {
+  const std::size_t at = lines.find(beginning);
+  return at == std::string::npos ? "" : lines.substr(at, lines.find('\n', at) - at);
+}
+
+}  // namespace
 
 ClientSession::~ClientSession() {
   Logout();
@@ -14,36 +21,37 @@ ClientSession::~ClientSession() {
 }
 
 bool ClientSession::FindCredentials() {
+  LogReasons reasons;
   UserPass credentials(m_line.user, "", m_line.passwordFile);
   if (!credentials.Init()) {
-    Tell(credentials.GetStatStr());
+    const std::string why = LineOf(reasons.Take(), "Password file ");
+    Tell(credentials.GetStatStr() + (why.empty() ? "" : "\n" + why));
     return false;
   }
   m_user = credentials.GetUsername();
   m_password = credentials.GetPassword();
+  m_hasCredentials = true;
   return true;
 }
 
 int ClientSession::Login() {
-  if (!FindCredentials()) return kCredentialsMissing;
-  std::vector<char*> arguments;
-  for (std::string& argument : m_line.orb) arguments.push_back(argument.data());
+  if (!m_hasCredentials && !FindCredentials()) return kCredentialsMissing;
+  std::vector<char*> arguments = m_line.OrbArguments();
   m_begun = true;
   const int result =
-      GL_Login(m_user, m_password, m_line.server, m_line.timeOut, m_message, CLIENT_CLI,
+      GL_Login(m_user, m_password, m_line.server, m_line.lifetime, m_message, CLIENT_CLI,
                m_line.kind, static_cast<int>(arguments.size()), arguments.data());
   Wipe(m_password);
-  if (!m_message.empty()) Tell(m_message);
-  if (result != 1 && result != 50) {
-    if (m_message.empty()) Tell("The login failed with code " + std::to_string(result) + ".");
-    if (m_line.verbosity == 0) Tell("(-v shows the log.)");
-  }
+  const bool isIn = IsIn(result);
+  std::string text = m_message;
+  if (text.empty() && !isIn) text = "The login failed with code " + std::to_string(result) + ".";
+  if (!text.empty() && !(isIn && Form().quiet)) Tell(text);
   return result;
 }
 
 int ClientSession::LoginAndFinish() {
   const int result = Login();
-  if (result != 1 && result != 50) return result;
+  if (!IsIn(result)) return result;
   const int finished = GL_PostLogin(m_message);
   if (finished == 1) return result;
   Tell(m_message);
@@ -64,11 +72,6 @@ void Wipe(std::string& secret) {
   secret.resize(secret.capacity());
   explicit_bzero(secret.data(), secret.size());
   secret.clear();
-}
-
-void Tell(const std::string& message) {
-  const std::size_t end = message.find_last_not_of("\t\n ");
-  std::cerr << "vqclient: " << message.substr(0, end == std::string::npos ? 0 : end + 1) << '\n';
 }
 
 }  // namespace vqclient

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "CommandLine.h"
+#include "LogReasons.h"
 
 namespace vqclient {
 
@@ -16,9 +17,12 @@ class ClientSession {
   ClientSession(const ClientSession&) = delete;
   ClientSession& operator=(const ClientSession&) = delete;
 
-  // Finds user and password, and logs in. Returns the result of GL_Login, after telling the user on
-  // the standard error stream what went wrong or what the server says. Without credentials it
-  // returns kCredentialsMissing.
+  // Finds user and password; tells the user why not when it returns false.
+  bool FindCredentials();
+
+  // Logs in, with FindCredentials before unless that was done. Returns the result of GL_Login,
+  // after telling the user what went wrong or what the server says. Without credentials it returns
+  // kCredentialsMissing.
   int Login();
   static constexpr int kCredentialsMissing = -1;
 
@@ -31,23 +35,24 @@ class ClientSession {
   const std::string& Message() const { return m_message; }
 
  private:
-  bool FindCredentials();
-
   CommandLine& m_line;
   std::string m_user;
   std::string m_password;
   std::string m_message;
+  bool m_hasCredentials = false;
   bool m_begun = false;
 };
+
+// Whether a result of the above says that the session is there.
+constexpr bool IsIn(int result) {
+  return result == 1 || result == 50;
+}
 
 // The exit code for a result of the above.
 int ExitCodeOfSession(int result);
 
 // Overwrites a text that held a password.
 void Wipe(std::string& secret);
-
-// Prints a message for the user to the standard error stream, without the tab that may end it.
-void Tell(const std::string& message);
 
 }  // namespace vqclient
 

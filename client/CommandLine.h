@@ -1,7 +1,15 @@
-// The part of the command line that every command shares, and what belongs to the ORB.
+// What every command shares: options that need not be typed, and what belongs to the ORB.
+//
+// The value of a shared option comes from, first wins: the command line, the environment, the
+// settings of the site in use, the general settings. Settings are variables of the configuration
+// domain, in the scope "site NAME" or "vqclient"; those of the ORB lie in "default" instead of
+// "vqclient", where every client of the library finds them. In each scope the user's layer comes
+// before the host's.
 #ifndef VQ_CLIENT_COMMANDLINE_H
 #define VQ_CLIENT_COMMANDLINE_H
 
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,32 +17,84 @@
 
 #include <vq_client_common/vq_client_common.h>
 
+#include "Output.h"
+
 namespace vqclient {
 
-// Options with one dash and a long name belong to the ORB ("-ORBInitRef X", "-BiDirPolicy 1"); they
-// are taken out before the rest is parsed. Thread contract: one thread.
+// One shared option. Its name is also what `vqclient config set` calls it.
+struct SharedOption {
+  const char* name;      // "server", for --server
+  const char* letter;    // "s", for -s; empty for none
+  const char* variable;  // of the environment; empty for none
+  const char* setting;   // what the ORB calls it; empty for one of vqclient's own
+  const char* type;      // of the value, "A|B" for a choice
+  const char* text;      // of the help
+};
+
+const std::vector<SharedOption>& SharedOptions();
+const SharedOption* FindSharedOption(const std::string& name);  // null for none
+
+// Where a value came from, the strongest first.
+enum class Source { kCommandLine, kEnvironment, kSite, kGeneral };
+
+struct Value {
+  std::string text;
+  Source source = Source::kCommandLine;
+  std::string origin;  // in words
+};
+
+// The scope of a setting in the configuration domain; `site` may be empty.
+std::string ScopeOf(const SharedOption& option, const std::string& site);
+
+// What the ORB takes for a value of the option: an address of a naming service as a reference.
+std::string OrbValue(const SharedOption& option, const std::string& text);
+
+// Thread contract: one thread.
 struct CommandLine {
+  // After Apply.
+  std::string site;
   std::string server;
   SERVER_ID kind = E_GSR;
   std::string user;
   std::string passwordFile;
-  std::string naming;          // HOST:PORT of the naming service
-  unsigned int timeOut = 600;  // seconds
+  unsigned int lifetime = 600;          // seconds
+  unsigned int maxTime = 0;             // seconds; 0: no limit
+  std::map<std::string, Value> values;  // all that have one, by name
+
   int verbosity = 0;
-  bool json = false;
+  std::map<std::string, std::string> given;  // on the command line, by name
 
   std::vector<std::string> own;  // the arguments that are not the ORB's, program name first
   std::vector<std::string> orb;  // the ORB's, program name first
 
+  // Options with one dash and a long name belong to the ORB ("-ORBInitRef X", "-BiDirPolicy 1");
+  // they are taken out before the rest is parsed.
   static CommandLine Split(int argc, char** argv);
 
   // Adds the shared options to the program, and those of a connection to one command.
   void AddGlobalOptions(CLI::App& program);
   void AddConnectionOptions(CLI::App& command);
 
-  // After parsing: switches the log on as far as asked for, and gives the ORB its arguments.
+  // After parsing: switches the log on as far as asked for, finds the value of each shared option
+  // and gives the ORB its arguments. Raises CLI::ValidationError for a value that is not of its
+  // form.
   void Apply();
+  // Apply, and the server must be known.
+  void ApplyWithServer();
+
+  // The ORB's arguments as C has them; valid as long as `orb` stays as it is.
+  std::vector<char*> OrbArguments();
+  // What the library reports of the settings with these arguments.
+  std::list<vq::Setting> Report() const;
+
+ private:
+  void FindValues();
+  void GiveOrbItsArguments();
+  void SettleUserOrFile();
 };
+
+// Why a value is not of its option's form; empty when it is.
+std::string Objection(const SharedOption& option, const std::string& text);
 
 }  // namespace vqclient
 

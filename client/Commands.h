@@ -13,9 +13,11 @@ void AddAuthCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddConfigCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddDoctorCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddLoginCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddParameterCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddPasswordCommand(CLI::App& program, CommandLine& line, int& exitCode);
+void AddPingCommand(CLI::App& program, CommandLine& line, int& exitCode);
+void AddServersCommand(CLI::App& program, CommandLine& line, int& exitCode);
+void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode);
 void AddVersionCommand(CLI::App& program, CommandLine& line, int& exitCode);
 
 }  // namespace vqclient

@@ -1,4 +1,5 @@
-// vqclient config show: every setting in force, its value and where it came from.
+// vqclient config: every setting in force, its value and where it came from; and changes to those
+// that are stored.
 
 #include <iomanip>
 #include <iostream>
@@ -6,9 +7,9 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "ClientSession.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "Suggestion.h"
 
 namespace vqclient {
 namespace {
@@ -19,20 +20,37 @@ bool HoldsSecret(const vq::Setting& setting) {
          setting.name.find("ecret") != std::string::npos;
 }
 
-int Show(const CommandLine& line) {
-  std::vector<const char*> arguments;
-  for (const std::string& argument : line.orb) arguments.push_back(argument.c_str());
-  std::list<vq::Setting> settings =
-      vq::ReportSettings(CLIENT_CLI, static_cast<int>(arguments.size()), arguments.data());
+std::list<vq::Setting> Settings(const CommandLine& line) {
+  std::list<vq::Setting> settings = line.Report();
   for (vq::Setting& setting : settings) {
     if (HoldsSecret(setting)) setting.value = "(hidden)";
+    // The library takes for the command line's what comes from elsewhere by this program.
+    const SharedOption* const option = FindSharedOption(setting.name);
+    if (option == nullptr || setting.origin != "command line") continue;
+    if (const auto found = line.values.find(option->name); found != line.values.end()) {
+      setting.origin = found->second.origin;
+    }
   }
   // The library itself reads one of the client's own settings.
   const std::string help = ClientProperties::Get()->GetStringValue("LocalHelpFile", "");
   settings.push_back({"client", "LocalHelpFile", help.empty() ? "1" : help,
                       help.empty() ? "built in" : "CommonClientConf.xml"});
+  const auto add = [&](const std::string& name) {
+    const auto found = line.values.find(name);
+    const bool isSet = found != line.values.end();
+    settings.push_back({"vqclient", name, isSet ? found->second.text : "",
+                        isSet ? found->second.origin : "not set"});
+  };
+  add("site");
+  for (const SharedOption& option : SharedOptions()) {
+    if (*option.setting == '\0') add(option.name);
+  }
+  return settings;
+}
 
-  if (line.json) {
+int Show(const CommandLine& line) {
+  const std::list<vq::Setting> settings = Settings(line);
+  if (Form().json) {
     nlohmann::json list = nlohmann::json::array();
     for (const vq::Setting& setting : settings) {
       list.push_back({{"group", setting.group},
@@ -40,14 +58,83 @@ int Show(const CommandLine& line) {
                       {"value", setting.value},
                       {"origin", setting.origin}});
     }
-    std::cout << list.dump(2) << '\n';
-    return kSuccess;
+    PrintJson(list);
+  } else {
+    for (const vq::Setting& setting : settings) {
+      std::cout << std::left << std::setw(10) << setting.group << std::setw(33) << setting.name
+                << (setting.value.empty() ? "-" : setting.value) << "  (" << setting.origin
+                << ")\n";
+    }
   }
+  int exitCode = kSuccess;
   for (const vq::Setting& setting : settings) {
-    std::cout << std::left << std::setw(10) << setting.group << std::setw(33) << setting.name
-              << (setting.value.empty() ? "-" : setting.value) << "  (" << setting.origin << ")\n";
+    if (setting.group != "ORB" || setting.name.starts_with('-')) continue;
+    Tell("The settings cannot be used: " + setting.value);
+    exitCode = kRefused;
   }
+  return exitCode;
+}
+
+struct Change {
+  std::string name;
+  std::optional<std::string> value;
+  bool system = false;
+};
+
+// Where the setting is stored, and under which name. Raises CLI::ValidationError for an unknown
+// one.
+std::pair<std::string, std::string> PlaceOf(const std::string& name, const std::string& site) {
+  std::vector<std::string> names{"site"};
+  for (const SharedOption& option : SharedOptions()) names.emplace_back(option.name);
+  if (name == "site" && site.empty()) return {"vqclient", name};
+  const SharedOption* const option = FindSharedOption(name);
+  if (option == nullptr) {
+    throw CLI::ValidationError("name", "no setting '" + name + "'" + Nearest(name, names));
+  }
+  return {ScopeOf(*option, site), *option->setting != '\0' ? option->setting : name};
+}
+
+int Store(const CommandLine& line, const Change& change) {
+  const auto [scope, name] = PlaceOf(change.name, line.given.at("site"));
+  std::optional<std::string> value = change.value;
+  if (const SharedOption* const option = FindSharedOption(change.name); option && value) {
+    if (const std::string objection = Objection(*option, *value); !objection.empty()) {
+      throw CLI::ValidationError(change.name, objection);
+    }
+    value = OrbValue(*option, *value);
+  }
+  const vq::StoreResult stored = vq::StoreSetting(
+      scope, name, value, change.system ? vq::SettingsLayer::kHost : vq::SettingsLayer::kOwn);
+  if (!stored.error.empty()) {
+    Tell("Nothing is changed: " + stored.error);
+    return kRefused;
+  }
+  if (Form().json) {
+    PrintJson({{"file", stored.file},
+               {"scope", scope},
+               {"name", name},
+               {"value", value ? nlohmann::json(*value) : nlohmann::json()}},
+              -1);
+  }
+  Say(stored.file + ", " + scope + ": " + name + (value ? " = " + *value : " is not set"));
   return kSuccess;
+}
+
+void AddChange(CLI::App& config, CommandLine& line, int& exitCode, bool set) {
+  CLI::App* const command = config.add_subcommand(
+      set ? "set" : "unset", set ? "Store a setting, for the user or with --site for one site"
+                                 : "Take a setting out of what is stored");
+  auto change = std::make_shared<Change>();
+  command
+      ->add_option("name", change->name,
+                   "The long name of an option of a connection, such as naming; or site")
+      ->required();
+  if (set) {
+    change->value.emplace();
+    command->add_option("value", *change->value, "Its value")->required();
+  }
+  command->add_flag("--system", change->system, "For all users of this host");
+  command->callback([&line, &exitCode, change] { exitCode = Store(line, *change); });
 }
 
 }  // namespace
@@ -55,14 +142,15 @@ int Show(const CommandLine& line) {
 void AddConfigCommand(CLI::App& program, CommandLine& line, int& exitCode) {
   CLI::App* const config = program.add_subcommand("config", "Settings of this client");
   config->require_subcommand(1);
-  CLI::App* const command =
+  CLI::App* const show =
       config->add_subcommand("show", "Every setting with its value and where it came from");
-  command->add_option("-n,--naming", line.naming, "Address of the naming service")
-      ->type_name("HOST:PORT");
-  command->callback([&] {
+  line.AddConnectionOptions(*show);
+  show->callback([&] {
     line.Apply();
     exitCode = Show(line);
   });
+  AddChange(*config, line, exitCode, true);
+  AddChange(*config, line, exitCode, false);
 }
 
 }  // namespace vqclient

@@ -14,7 +14,7 @@ namespace {
 
 // Asks on standard input; everything but a plain yes is a no.
 bool Agrees(const std::string& question) {
-  std::cout << question << " [y/N] " << std::flush;
+  std::cerr << question << " [y/N] " << std::flush;
   std::string answer;
   return std::getline(std::cin, answer) && (answer == "y" || answer == "yes");
 }
@@ -31,11 +31,11 @@ int Run(CommandLine& line, bool fix) {
     Tell("Nothing is written.");
     return code;
   }
-  if (!doctor.WriteWay()) {
-    Tell("The configuration domain cannot be written.");
+  if (const std::string error = doctor.Store(); !error.empty()) {
+    Tell("The settings cannot be written: " + error);
     return kRefused;
   }
-  std::cout << "Written; clients use it from their next start on.\n";
+  Say("Written; clients use it from their next start on.");
   return code;
 }
 
@@ -49,7 +49,7 @@ void AddDoctorCommand(CLI::App& program, CommandLine& line, int& exitCode) {
   command->add_flag("--fix", *fix,
                     "Write the way that worked to the configuration domain, after asking");
   command->callback([&line, &exitCode, fix] {
-    line.Apply();
+    line.ApplyWithServer();
     exitCode = Run(line, *fix);
   });
 }

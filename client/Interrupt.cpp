@@ -1,37 +1,50 @@
 #include "Interrupt.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
 #include <cerrno>
 #include <csignal>
-#include <ctime>
+#include <system_error>
 
 namespace vqclient {
 namespace {
 
-sigset_t Signals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  return signals;
+std::array<int, 2> noted{-1, -1};  // a pipe: what is in it says that a signal arrived
+
+extern "C" void NoteSignal(int) {
+  const int error = errno;
+  [[maybe_unused]] const ssize_t ignored = write(noted[1], "", 1);
+  errno = error;
 }
 
 }  // namespace
 
 Interrupt::Interrupt() {
-  const sigset_t signals = Signals();
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  if (pipe2(noted.data(), O_CLOEXEC | O_NONBLOCK) == -1) {
+    throw std::system_error(errno, std::generic_category(), "pipe");
+  }
+  struct sigaction action {};
+  action.sa_handler = NoteSignal;
+  action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+  for (const int signal : {SIGINT, SIGTERM}) {
+    struct sigaction former {};
+    sigaction(signal, nullptr, &former);
+    if (former.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
+  }
 }
 
 bool Interrupt::Wait(std::chrono::milliseconds time) {
-  const sigset_t signals = Signals();
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
-  const timespec limit{static_cast<time_t>(seconds.count()),
-                       static_cast<long>((time - seconds).count() * 1'000'000)};
-  int caught = 0;
-  do {
-    caught = sigtimedwait(&signals, nullptr, &limit);
-  } while (caught == -1 && errno == EINTR);
-  return caught != -1;
+  const auto end = std::chrono::steady_clock::now() + time;
+  pollfd waiting{noted[0], POLLIN, 0};
+  for (;;) {
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    const int found = poll(&waiting, 1, left.count() > 0 ? static_cast<int>(left.count()) : 0);
+    if (found != -1 || errno != EINTR) return found == 1;
+  }
 }
 
 }  // namespace vqclient

@@ -6,13 +6,14 @@
 
 namespace vqclient {
 
-// Blocks SIGINT and SIGTERM from construction on, so that they are noticed by Wait alone. Made
-// before any thread is, because threads inherit what is blocked. Thread contract: one thread.
+// From construction on, the first SIGINT or SIGTERM is only noted, whatever the program does at
+// that moment; the next one ends it at once. Thread contract: one object a process, one thread.
 class Interrupt {
  public:
   Interrupt();
 
-  // Waits for the time, or less if one of the two signals arrives. True when one has.
+  // Waits for the time, or less when one of the two signals has arrived or arrives. True when one
+  // has.
   bool Wait(std::chrono::milliseconds time);
 };
 

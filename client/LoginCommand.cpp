@@ -1,7 +1,5 @@
 // vqclient login: proves that a user can log in, and ends the session again.
 
-#include <iostream>
-
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -14,15 +12,12 @@ namespace {
 int Login(CommandLine& line) {
   ClientSession session(line);
   const int result = session.Login();
-  if (line.json) {
-    std::cout << nlohmann::json{{"result", result},
-                                {"connected", LoginHandler::GetGlobal()->IsConnected()},
-                                {"message", session.Message()}}
-                     .dump(2)
-              << '\n';
-  } else if (LoginHandler::GetGlobal()->IsConnected() && (result == 1 || result == 50)) {
-    std::cout << "Logged in as " << ConnectionSettings::Get()->getUserName() << " to "
-              << line.server << ".\n";
+  if (Form().json && result != ClientSession::kCredentialsMissing) {
+    PrintJson({{"result", result},
+               {"connected", LoginHandler::GetGlobal()->IsConnected()},
+               {"message", session.Message()}});
+  } else if (LoginHandler::GetGlobal()->IsConnected() && IsIn(result)) {
+    Say("Logged in as " + ConnectionSettings::Get()->getUserName() + " to " + line.server + ".");
   }
   return ExitCodeOfSession(result);
 }
@@ -34,7 +29,7 @@ void AddLoginCommand(CLI::App& program, CommandLine& line, int& exitCode) {
       program.add_subcommand("login", "Log in, tell the result and log out again");
   line.AddConnectionOptions(*command);
   command->callback([&] {
-    line.Apply();
+    line.ApplyWithServer();
     exitCode = Login(line);
   });
 }

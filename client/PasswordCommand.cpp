@@ -1,7 +1,5 @@
 // vqclient passwd: changes the user's password, also an expired one.
 
-#include <iostream>
-
 #include <CLI/CLI.hpp>
 
 #include "ClientSession.h"
@@ -24,7 +22,7 @@ int Change(CommandLine& line) {
   ClientSession session(line);
   const int login = session.Login();
   const bool expired = login == kPasswordExpired;
-  if (login != 1 && login != 50 && !expired) return ExitCodeOfSession(login);
+  if (!IsIn(login) && !expired) return ExitCodeOfSession(login);
 
   std::string password;
   std::string repeated;
@@ -42,7 +40,7 @@ int Change(CommandLine& line) {
     const bool done = changed == 1 && (!expired || LoginHandler::GetGlobal()->IsConnected());
     result = done ? kSuccess : changed == 1 ? kRefused : ExitCodeOf(changed);
     if (done) {
-      std::cout << "The password is changed.\n";
+      Say("The password is changed.");
     } else {
       Tell("The server did not change the password (code " + std::to_string(changed) + ").");
     }
@@ -58,7 +56,7 @@ void AddPasswordCommand(CLI::App& program, CommandLine& line, int& exitCode) {
   CLI::App* const command = program.add_subcommand("passwd", "Change the password");
   line.AddConnectionOptions(*command);
   command->callback([&] {
-    line.Apply();
+    line.ApplyWithServer();
     exitCode = Change(line);
   });
 }

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <climits>
+#include <ctime>
 #include <iostream>
 
 #include <CLI/CLI.hpp>
@@ -21,12 +22,23 @@ struct Upkeep {
   bool again = false;  // log in again when the server no longer knows the session
 };
 
-void Report(const CommandLine& line, const char* event, int result) {
-  if (line.json) {
-    std::cout << nlohmann::json{{"event", event}, {"result", result}} << std::endl;
+// "2026-11-21T23:22:37+0100"
+std::string Now() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  char text[32] = {};
+  std::strftime(text, sizeof text, "%FT%T%z", &local);
+  return text;
+}
+
+void Report(const char* event, int result) {
+  if (Form().json) {
+    PrintJson({{"time", Now()}, {"event", event}, {"result", result}}, -1);
   } else {
-    std::cout << event << ": " << result << std::endl;
+    Say(Now() + " " + event + ": " + std::to_string(result));
   }
+  std::cout.flush();
 }
 
 // One keep-alive. A server that does not answer counts as 0.
@@ -42,22 +54,23 @@ int KeepAlive() {
 // Returns true as long as the session is there.
 bool KeepUp(const CommandLine& line, const Upkeep& upkeep) {
   const int result = KeepAlive();
-  Report(line, "keep-alive", result);
+  Report("keep-alive", result);
   if (result == 1) return true;
   if (!upkeep.again) return false;
   GL_LogOut(false);  // the references of a server that has gone away would fail again
-  const int again = GL_ReLogin(line.timeOut);
-  Report(line, "login again", again);
-  return again == 1 || again == 50;
+  const int again = GL_ReLogin(line.lifetime);
+  Report("login again", again);
+  return IsIn(again);
 }
 
 int Run(CommandLine& line, const Upkeep& upkeep) {
   ClientSession session(line);
-  const int result = session.LoginAndFinish();
-  Report(line, "login", result);
-  if (result != 1 && result != 50) return ExitCodeOfSession(result);
-
+  if (!session.FindCredentials()) return kNoCredentials;
   Interrupt interrupt;
+  const int result = session.LoginAndFinish();
+  Report("login", result);
+  if (!IsIn(result)) return ExitCodeOfSession(result);
+
   int kept = 0;
   bool alive = true;
   while (alive && upkeep.interval > 0 && (upkeep.count == 0 || kept < upkeep.count)) {
@@ -65,7 +78,7 @@ int Run(CommandLine& line, const Upkeep& upkeep) {
     alive = KeepUp(line, upkeep);
     ++kept;
   }
-  Report(line, "logout", session.Logout());
+  Report("logout", session.Logout());
   return alive ? kSuccess : kSessionLost;
 }
 
@@ -87,7 +100,7 @@ void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode) {
       ->type_name("NUMBER");
   command->add_flag("--again", upkeep->again, "Log in again when the session is lost");
   command->callback([&line, &exitCode, upkeep] {
-    line.Apply();
+    line.ApplyWithServer();
     exitCode = Run(line, *upkeep);
   });
 }

@@ -12,16 +12,13 @@
 namespace vqclient {
 namespace {
 
-std::string ErrorText(int error) {
-  return std::generic_category().message(error);
-}
-
-std::string TryAddress(const addrinfo& address, std::chrono::milliseconds limit) {
+// 0, or the errno of the failure.
+int TryAddress(const addrinfo& address, std::chrono::milliseconds limit) {
   const int probe = socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-  if (probe == -1) return ErrorText(errno);
-  std::string error;
+  if (probe == -1) return errno;
+  int result = 0;
   if (connect(probe, address.ai_addr, address.ai_addrlen) == -1) {
-    int result = errno;
+    result = errno;
     if (result == EINPROGRESS) {
       pollfd waiting{probe, POLLOUT, 0};
       socklen_t length = sizeof result;
@@ -31,29 +28,31 @@ std::string TryAddress(const addrinfo& address, std::chrono::milliseconds limit)
         result = errno;
       }
     }
-    if (result != 0) error = ErrorText(result);
   }
   close(probe);
-  return error;
+  return result;
 }
 
 }  // namespace
 
-std::string TcpProbe(const std::string& host, const std::string& port,
+ProbeResult TcpProbe(const std::string& host, const std::string& port,
                      std::chrono::milliseconds limit) {
   addrinfo hints{};
   hints.ai_socktype = SOCK_STREAM;
   addrinfo* found = nullptr;
   if (const int result = getaddrinfo(host.c_str(), port.c_str(), &hints, &found); result != 0) {
-    return gai_strerror(result);
+    return {Reach::kNotResolvable, gai_strerror(result)};
   }
   const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addresses(found, freeaddrinfo);
-  std::string error;
+  int error = 0;
   for (const addrinfo* address = found; address != nullptr; address = address->ai_next) {
     error = TryAddress(*address, limit);
-    if (error.empty()) break;
+    if (error == 0) return {Reach::kReached, ""};
   }
-  return error;
+  const Reach reach = error == ECONNREFUSED ? Reach::kRefused
+                      : error == ETIMEDOUT  ? Reach::kSilent
+                                            : Reach::kFailed;
+  return {reach, std::generic_category().message(error)};
 }
 
 }  // namespace vqclient

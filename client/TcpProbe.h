@@ -7,9 +7,16 @@
 
 namespace vqclient {
 
-// Empty when it does, otherwise why not. Each address of the host is tried for that long. Thread
+enum class Reach { kReached, kNotResolvable, kRefused, kSilent, kFailed };
+
+struct ProbeResult {
+  Reach reach = Reach::kFailed;
+  std::string error;  // in words; empty when reached
+};
+
+// Each address of the host is tried for that long; the result is that of the last one. Thread
 // contract: any thread.
-std::string TcpProbe(const std::string& host, const std::string& port,
+ProbeResult TcpProbe(const std::string& host, const std::string& port,
                      std::chrono::milliseconds limit);
 
 }  // namespace vqclient

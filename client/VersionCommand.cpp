@@ -43,13 +43,11 @@ int Show(CommandLine& line) {
   const bool known = LoginHandler::GetGlobal()->GetClientVersion(plain, withPatches) == 1;
   const Verdict verdict =
       known ? AskServer(line, plain) : Verdict{"", "not judged: no client product is installed"};
-  if (line.json) {
-    std::cout << nlohmann::json{{"client", known ? withPatches : ""},
-                                {"server", verdict.serverVersion},
-                                {"verdict", verdict.words},
-                                {"result", result}}
-                     .dump(2)
-              << '\n';
+  if (Form().json) {
+    PrintJson({{"client", known ? withPatches : ""},
+               {"server", verdict.serverVersion},
+               {"verdict", verdict.words},
+               {"result", result}});
   } else {
     std::cout << "client:  " << (known ? withPatches : "unknown") << '\n'
               << "server:  " << (verdict.serverVersion.empty() ? "unknown" : verdict.serverVersion)
@@ -66,7 +64,7 @@ void AddVersionCommand(CLI::App& program, CommandLine& line, int& exitCode) {
       program.add_subcommand("version", "Show the versions of client and server and the verdict");
   line.AddConnectionOptions(*command);
   command->callback([&] {
-    line.Apply();
+    line.ApplyWithServer();
     exitCode = Show(line);
   });
 }

@@ -1,0 +1,51 @@
+#include "Output.h"
+
+#include <cerrno>
+#include <iostream>
+#include <system_error>
+
+#include <nlohmann/json.hpp>
+
+#include "ExitCodes.h"
+
+namespace vqclient {
+namespace {
+
+bool printed = false;
+std::string told;  // all errors so far
+
+}  // namespace
+
+OutputForm& Form() {
+  static OutputForm form;
+  return form;
+}
+
+void Tell(const std::string& message) {
+  const std::size_t end = message.find_last_not_of("\t\n ");
+  const std::string text = message.substr(0, end == std::string::npos ? 0 : end + 1);
+  std::cerr << "vqclient: " << text << '\n';
+  told += (told.empty() ? "" : "\n") + text;
+}
+
+void Say(const std::string& line) {
+  if (!Form().quiet && !Form().json) std::cout << line << '\n';
+}
+
+void PrintJson(const nlohmann::json& data, int indent) {
+  printed = true;
+  std::cout << data.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+int FinishOutput(int exitCode) {
+  if (Form().json && exitCode != kSuccess && !printed) {
+    PrintJson({{"error", told}, {"exitCode", exitCode}});
+  }
+  errno = 0;
+  if (std::cout.flush()) return exitCode;
+  Tell("standard output cannot be written" +
+       (errno == 0 ? std::string() : ": " + std::generic_category().message(errno)));
+  return exitCode == kSuccess ? kRefused : exitCode;
+}
+
+}  // namespace vqclient

@@ -1,0 +1,140 @@
+// vqclient ping: whether naming service and server answer, and how fast. No password is asked for.
+
+#include <algorithm>
+#include <chrono>
+#include <climits>
+#include <cstdio>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <support/orb/ORBCommon.h>
+
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "Interrupt.h"
+#include "NamingConnection.h"
+
+namespace vqclient {
+namespace {
+
+constexpr int kCallLimit = 5000;  // milliseconds
+
+struct Rounds {
+  int count = 3;          // 0: until interrupted
+  double interval = 1.0;  // seconds
+};
+
+// The round trips to one of the two.
+class Target {
+ public:
+  explicit Target(std::string name) : m_name(std::move(name)) {}
+
+  template <class Find>
+  void Ask(Find find) {
+    ++m_asked;
+    try {
+      const CORBA::Object_var object = find();
+      const auto start = std::chrono::steady_clock::now();
+      if (object->_non_existent()) throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
+      const std::chrono::duration<double, std::milli> taken =
+          std::chrono::steady_clock::now() - start;
+      m_times.push_back(taken.count());
+    } catch (const CosNaming::NamingContext::NotFound&) {
+      m_error = "the naming service does not know it";
+    } catch (const CORBA::Exception& e) {
+      m_error = FailureOf(e);
+    }
+  }
+
+  bool Answers() const { return !m_times.empty(); }
+
+  nlohmann::json Describe() {
+    nlohmann::json data{{"asked", m_asked}, {"answers", m_times.size()}};
+    if (Answers()) {
+      std::sort(m_times.begin(), m_times.end());
+      data.update({{"minMs", m_times.front()}, {"medianMs", Median()}, {"maxMs", m_times.back()}});
+    }
+    if (!m_error.empty()) data["error"] = m_error;
+    return data;
+  }
+
+  void Print() {
+    std::sort(m_times.begin(), m_times.end());
+    std::string line =
+        m_name + ": " + std::to_string(m_times.size()) + " of " + std::to_string(m_asked);
+    line += " answers";
+    if (Answers()) {
+      char times[100];
+      std::snprintf(times, sizeof times, ", min/median/max %.3f/%.3f/%.3f ms", m_times.front(),
+                    Median(), m_times.back());
+      line += times;
+    }
+    Say(line);
+    if (!m_error.empty()) Tell(m_name + ": " + m_error);
+  }
+
+ private:
+  double Median() const {
+    const std::size_t half = m_times.size() / 2;
+    return m_times.size() % 2 == 1 ? m_times[half] : (m_times[half - 1] + m_times[half]) / 2;
+  }
+
+  std::string m_name;
+  std::vector<double> m_times;  // milliseconds
+  int m_asked = 0;
+  std::string m_error;
+};
+
+int Ping(CommandLine& line, const Rounds& rounds) {
+  const NamingConnection connection(line, kCallLimit);
+  if (!connection.IsUp()) {
+    Tell(connection.Error());
+    return kRefused;
+  }
+  const std::string kind = GL_ResolveServerID(line.kind);
+  Target naming("naming service");
+  Target server("server " + line.server + " (" + kind + ")");
+  Interrupt interrupt;
+  const std::chrono::milliseconds pause(static_cast<long>(rounds.interval * 1000));
+  for (int round = 0; rounds.count == 0 || round < rounds.count; ++round) {
+    if (round > 0 && interrupt.Wait(pause)) break;
+    naming.Ask([] { return CORBA::Object::_duplicate(ORBCommon<1>::Get()->GetNamingRoot()); });
+    if (line.server.empty()) continue;
+    server.Ask([&] { return ORBCommon<1>::Get()->Bind(line.server, kind, "UsersManager", false); });
+  }
+  if (Form().json) {
+    nlohmann::json data{{"naming", naming.Describe()}};
+    if (!line.server.empty()) data["server"] = server.Describe();
+    PrintJson(data);
+  } else {
+    naming.Print();
+    if (!line.server.empty()) server.Print();
+  }
+  return naming.Answers() && (line.server.empty() || server.Answers()) ? kSuccess : kRefused;
+}
+
+}  // namespace
+
+void AddPingCommand(CLI::App& program, CommandLine& line, int& exitCode) {
+  CLI::App* const command = program.add_subcommand(
+      "ping",
+      "Ask naming service and server whether they answer, without a login; 1 when one does not");
+  line.AddConnectionOptions(*command);
+  auto rounds = std::make_shared<Rounds>();
+  command->add_option("-c,--count", rounds->count, "How often to ask; 0 for until Ctrl-C")
+      ->check(CLI::Range(0, INT_MAX).description(""))
+      ->capture_default_str()
+      ->type_name("NUMBER");
+  command->add_option("-i,--interval", rounds->interval, "Time between two questions")
+      ->check(CLI::Range(0.0, 86400.0).description(""))
+      ->capture_default_str()
+      ->type_name("SECONDS");
+  command->callback([&line, &exitCode, rounds] {
+    line.Apply();
+    exitCode = Ping(line, *rounds);
+  });
+}
+
+}  // namespace vqclient

@@ -1,0 +1,21 @@
+// What a command line that was not understood should perhaps have been.
+#ifndef VQ_CLIENT_SUGGESTION_H
+#define VQ_CLIENT_SUGGESTION_H
+
+#include <string>
+#include <vector>
+
+#include <CLI/App.hpp>
+
+namespace vqclient {
+
+// The error of a parse in one sentence, with the nearest command or option when a word of the
+// command line is neither.
+std::string Explain(const CLI::App& program, const CLI::ParseError& error);
+
+// "; did you mean 'NAME'?" with the nearest of the names; empty when none is near.
+std::string Nearest(const std::string& word, const std::vector<std::string>& names);
+
+}  // namespace vqclient
+
+#endif  // VQ_CLIENT_SUGGESTION_H
