@@ -14,14 +14,11 @@
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBGUEST_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBGUEST_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
-#include <support/orb/Corba.h>
-
-namespace omni {
-class giopServer;
-}
+#include <support/orb/omniorb/OmniOrbInternals.h>
 
 namespace vq::orb {
 
@@ -40,11 +37,11 @@ class OmniOrbGuest {
   // Opens endpoints in omniORB's own form. The root POA is there. Raises CORBA::INITIALIZE when one
   // cannot be opened.
   void Listen(const std::vector<std::string>& endpoints);
-  const std::vector<std::string>& ListenAddresses() const { return m_addresses; }
+  // After Listen.
+  const std::vector<std::string>& ListenAddresses() const { return m_server->Addresses(); }
 
  private:
-  omni::giopServer* m_server = nullptr;
-  std::vector<std::string> m_addresses;
+  std::optional<ListeningServer> m_server;
 };
 
 }  // namespace vq::orb

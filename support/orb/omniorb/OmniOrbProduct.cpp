@@ -23,6 +23,7 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
+#include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
 #include <support/orb/omniorb/OmniOrbTls.h>
 #include <support/orb/omniorb/OmniOrbTransport.h>
@@ -66,7 +67,7 @@ std::vector<std::string> PublishedAddresses(std::vector<std::string> open,
 // and that leads nowhere else if the server is on another machine. A reference that names it is
 // called over that connection.
 std::string ConnectionMark() {
-  const std::vector<std::string> own = OmniOrbTransport::ListenAddresses();
+  const std::vector<std::string> own = OpenEndpoints();
   const auto found = std::find_if(own.begin(), own.end(), IsLoopback);
   return found != own.end() ? *found : own.empty() ? std::string() : own.front();
 }
@@ -143,9 +144,8 @@ class OmniOrbInstance : public OrbInstance {
 
   PortableServer::POA_ptr CreatePoa(PortableServer::POA_ptr root) {
     if (m_guest) m_guest->Listen(m_guestEndpoints);
-    std::vector<std::string> addresses = PublishedAddresses(
-        m_guest ? m_guest->ListenAddresses() : OmniOrbTransport::ListenAddresses(),
-        m_publishedHost);
+    std::vector<std::string> addresses =
+        PublishedAddresses(m_guest ? m_guest->ListenAddresses() : OpenEndpoints(), m_publishedHost);
     if (m_guest && m_biDirectional) addresses.push_back(ConnectionMark());
     omniPolicy::EndPointPublishPolicyValue published;
     published.length(static_cast<CORBA::ULong>(addresses.size()));

@@ -1,6 +1,6 @@
 // The context that omniORB makes its TLS connections with, made of our settings.
 //
-// omniORB/sslContext.h calls itself proprietary, and its class differs between versions: 4.3 moved
+// omniORB4/sslContext.h calls itself proprietary, and its class differs between versions: 4.3 moved
 // it into the namespace omni, renamed what a subclass overrides, and leaves the members of a
 // subclass's object uninitialised. omniORB's public options can be no substitute: they know no key
 // file beside the certificate's, not the system's authorities, and no check of the host name. So

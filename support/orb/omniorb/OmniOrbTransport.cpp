@@ -5,13 +5,12 @@
 #include <memory>
 #include <string_view>
 
-#include <omniORB4/internal/objectAdapter.h>
-#include <omniORB4/internal/orbParameters.h>
 #include <omniORB4/omniORB.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
+#include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
 #include <support/orb/omniorb/OmniOrbTls.h>
 
@@ -84,12 +83,8 @@ TlsSettings OmniOrbTransport::Tls() {
   return m_tls;
 }
 
-// omniORB compares this with what it was when a connection was made, and makes a connection of its
-// own for a reference that asks for the other kind.
 void OmniOrbTransport::OfferAsLastUser() const {
-  if (!m_users.empty()) {
-    omni::orbParameters::offerBiDirectionalGIOP = m_users.back().biDirectional;
-  }
+  if (!m_users.empty()) OfferBiDirectional(m_users.back().biDirectional);
 }
 
 CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
@@ -152,18 +147,10 @@ void OmniOrbTransport::CloseListener() {
     CORBA::Object_var object = m_orb->resolve_initial_references("RootPOA");
     PortableServer::POA_var root = PortableServer::POA::_narrow(object.in());
     root->destroy(true, true);
-    // What omniORB itself does when it ends. The next root POA opens the endpoints anew.
-    omni::omniObjAdapter::shutdown();
+    CloseEndpoints();
   } catch (const CORBA::Exception& e) {
     VQ_LOG(diagModule, 2) << "The listen endpoints stay open: " << e;
   }
-}
-
-std::vector<std::string> OmniOrbTransport::ListenAddresses() {
-  const omni::orbServer::EndpointList& endpoints = omni::omniObjAdapter::listMyEndpoints();
-  std::vector<std::string> addresses;
-  for (CORBA::ULong i = 0; i < endpoints.length(); ++i) addresses.emplace_back(endpoints[i]);
-  return addresses;
 }
 
 }  // namespace vq::orb

@@ -49,10 +49,6 @@ class OmniOrbTransport {
   // threads that serve them.
   void CloseListener();
 
-  // How this process can be reached on the endpoints that are open ("giop:tcp:10.0.0.1:5000"), and
-  // the addresses that it publishes.
-  static std::vector<std::string> ListenAddresses();
-
   OmniOrbTransport(const OmniOrbTransport&) = delete;
   OmniOrbTransport& operator=(const OmniOrbTransport&) = delete;
 
