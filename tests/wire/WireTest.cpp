@@ -198,6 +198,8 @@ TEST(WireReferences, AReferenceIsOfItsInterfaceAndItsBasesAndOfNoOther) {
   const auto server = vq::orb::StartServerOrb({});
   const CORBA::Object_var root = server->Orb()->resolve_initial_references("RootPOA");
   const PortableServer::POA_var poa = PortableServer::POA::_narrow(root.in());
+  const PortableServer::POAManager_var manager = poa->the_POAManager();
+  manager->activate();  // Until then a question to the object may wait.
   for (const auto& [name, known] : bases) {
     const CORBA::Object_var plain = poa->create_reference(("IDL:" + name + ":1.0").c_str());
     const CORBA::Object_var object = kInterfaces.at(name)(plain.in());
