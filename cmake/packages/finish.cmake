@@ -40,7 +40,9 @@ endforeach()
 # this version.
 file(GLOB library ${staging}/runtime/usr/lib/*/libvq_client_common.so.*.*)
 get_filename_component(directory ${CPACK_VQ_SYMBOLS} DIRECTORY)
-file(MAKE_DIRECTORY ${directory})
+# Without it dpkg-gensymbols of Debian 13 refuses to work.
+file(WRITE ${directory}/debian/control
+  "Source: ${CPACK_PACKAGE_NAME}\n\nPackage: ${CPACK_VQ_RUNTIME}\nArchitecture: any\n")
 execute_process(
   COMMAND dpkg-gensymbols -c1 -p${CPACK_VQ_RUNTIME} -v${CPACK_PACKAGE_VERSION}
     -I${packages}/symbols -O${CPACK_VQ_SYMBOLS} -e${library}
