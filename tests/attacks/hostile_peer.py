@@ -129,9 +129,13 @@ class Call:
             self.id = read.long()
             read.octet()
             read.at += 3
-            if read.short() != 0:
-                raise ValueError("an address of another form than the object's key")
-            read.octets()
+            form = read.short()  # of the address: a key, a profile, or a reference and an index
+            if form == 2:
+                read.long(), read.text()
+            for _ in range(read.long() if form == 2 else 1):
+                if form != 0:
+                    read.long()
+                read.octets()
             self.operation = read.text()
             for _ in range(read.long()):
                 read.long(), read.octets()

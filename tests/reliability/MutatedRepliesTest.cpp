@@ -174,7 +174,7 @@ TEST_F(MutatedRepliesTest, DoNoHarm) {
         failures += OutcomeOf(function, m_server->Port()) != function.success ? 1 : 0;
         const auto taken = std::chrono::steady_clock::now() - start;
         longest = std::max(longest, taken);
-        proxy.SpoilNext(FaultProxy::Fault::kNone);
+        proxy.ChangeNext(nullptr);
         // A reply that says that the naming service is elsewhere holds until the ORB ends.
         if (ofNaming) GL_LogOut(true);
         // One reply may cost a time-out, and lead the next call to where nobody is.
