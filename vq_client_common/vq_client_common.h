@@ -7,6 +7,7 @@
 #define VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H
 
 #include <support/diagnostics/TDiag.h>
+#include <support/orb/CallDeadline.h>
 #include <vq_client_common/Export.h>
 #include <vq_client_common/authorizations/QCSGuiAuthActJobsDef.h>
 #include <vq_client_common/authorizations/UserAuthorizations.h>

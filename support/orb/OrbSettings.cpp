@@ -26,6 +26,8 @@ constexpr std::array kKnown{
     KnownSetting{kInitRef, ""},
     KnownSetting{kConnectTimeout, "10000"},
     KnownSetting{kCallTimeout, "60000"},
+    KnownSetting{kTcpKeepAlive, "60000"},
+    KnownSetting{kTcpUserTimeout, "0"},
     KnownSetting{kMaxMessageSize, "268435456"},
     KnownSetting{kTlsCa, ""},
     KnownSetting{kTlsCertificate, ""},
@@ -145,6 +147,11 @@ OrbSettings ResolveSettings(const OrbArguments& arguments,
       std::chrono::milliseconds(Number(find(kConnectTimeout), 1, kDay, kMilliseconds));
   settings.callTimeout =
       std::chrono::milliseconds(Number(find(kCallTimeout), 1, kDay, kMilliseconds));
+  constexpr std::string_view kMillisecondsOr0 = "a number of milliseconds from 0 to 86400000";
+  settings.tcpKeepAlive =
+      std::chrono::milliseconds(Number(find(kTcpKeepAlive), 0, kDay, kMillisecondsOr0));
+  settings.tcpUserTimeout =
+      std::chrono::milliseconds(Number(find(kTcpUserTimeout), 0, kDay, kMillisecondsOr0));
   settings.maxMessageSize =
       Number(find(kMaxMessageSize), 8192, 0x7FFFFFFF, "a number of bytes from 8192 to 2147483647");
   settings.tls.caCertificate = find(kTlsCa).value;

@@ -30,6 +30,8 @@ inline constexpr const char* kPreferIpMask = "-PreferIPMask";
 inline constexpr const char* kInitRef = "-ORBInitRef";
 inline constexpr const char* kConnectTimeout = "-ORBConnectTimeout";
 inline constexpr const char* kCallTimeout = "-ORBCallTimeout";
+inline constexpr const char* kTcpKeepAlive = "-ORBTcpKeepAlive";
+inline constexpr const char* kTcpUserTimeout = "-ORBTcpUserTimeout";
 inline constexpr const char* kMaxMessageSize = "-ORBMaxMessageSize";
 inline constexpr const char* kTlsCa = "-SSLCACertificate";
 inline constexpr const char* kTlsCertificate = "-SSLCertificate";
@@ -75,8 +77,11 @@ struct OrbSettings {
   bool biDirectional = false;                   // callbacks come over the client's own connection
   std::string preferIpMask;                     // text with which the preferred own address begins
   std::vector<std::string> initialRefs;         // NAME=REFERENCE
-  std::chrono::milliseconds connectTimeout{0};  // how long to wait for a connection
-  std::chrono::milliseconds callTimeout{0};     // how long to wait for an answer
+  std::chrono::milliseconds connectTimeout{0};  // how long to connect, over all addresses
+  std::chrono::milliseconds callTimeout{0};     // how long a call may take, connecting included
+  std::chrono::milliseconds tcpKeepAlive{0};    // probe a peer silent for so long; 0 does not
+  std::chrono::milliseconds tcpUserTimeout{0};  // how long sent data may stay unacknowledged; 0: as
+                                                // the system has it
   std::uint64_t maxMessageSize = 0;             // bytes
   TlsSettings tls;                              // whom to believe and who to be
   std::vector<ResolvedSetting> table;  // all of it as text, in the order of the known names

@@ -43,7 +43,8 @@ std::vector<std::string> OmniOrbEndpoints(const OrbSettings& settings) {
 
 std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
   std::vector<OmniOrbOption> options{
-      {"clientConnectTimeOutPeriod", std::to_string(settings.connectTimeout.count())},
+      // A limit of omniORB's on connecting would prolong the call; see OmniOrbCalls.
+      {"clientConnectTimeOutPeriod", "0"},
       {"clientCallTimeOutPeriod", std::to_string(settings.callTimeout.count())},
       {"giopMaxMsgSize", std::to_string(settings.maxMessageSize)},
       // A first call goes out as it is, without a message that asks whether the object is there.

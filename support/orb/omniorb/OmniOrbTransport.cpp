@@ -9,9 +9,11 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/omniorb/OmniOrbCalls.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
+#include <support/orb/omniorb/OmniOrbProfiles.h>
 #include <support/orb/omniorb/OmniOrbTls.h>
 
 namespace vq::orb {
@@ -112,6 +114,8 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
   OmniOrbTls::Prepare(settings);
   try {
     CORBA::ORB_var orb = CORBA::ORB_init(count, pointers.data(), "omniORB4", table.get());
+    OmniOrbCalls::Install(settings);
+    OmniOrbProfiles::Install();
     OmniOrbGuest::Install();
     OmniOrbTls::Guard(orb.in(), settings);
     return orb._retn();

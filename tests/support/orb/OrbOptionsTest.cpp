@@ -104,6 +104,8 @@ TEST(OrbSettingsTest, AMalformedValueIsRefusedWithItsNameAndForm) {
                                   {"-ORBCallTimeout", "soon", "milliseconds"},
                                   {"-ORBConnectTimeout", "-5", "milliseconds"},
                                   {"-ORBConnectTimeout", "", "milliseconds"},
+                                  {"-ORBTcpKeepAlive", "-1", "milliseconds"},
+                                  {"-ORBTcpUserTimeout", "86400001", "milliseconds"},
                                   {"-ORBMaxMessageSize", "4294967296", "bytes"},
                                   {"-BiDirPolicy", "yes", "0 or 1"},
                                   {"-ORBListenEndpoints", "iiop://h:x", "endpoint"},
@@ -126,7 +128,7 @@ TEST(OmniOrbOptionsTest, TranslatesEverySetting) {
   const OptionRow kRows[] = {
       {"", "endPoint", "giop:tcp::"},
       {"", "endPointPublish", "addr"},
-      {"", "clientConnectTimeOutPeriod", "10000"},
+      {"", "clientConnectTimeOutPeriod", "0"},
       {"", "clientCallTimeOutPeriod", "60000"},
       {"", "giopMaxMsgSize", "268435456"},
       {"", "verifyObjectExistsAndType", "0"},

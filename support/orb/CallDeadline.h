@@ -1,0 +1,42 @@
+// One deadline for several remote calls, such as those of a whole login.
+//
+//   vq::CallDeadline deadline(std::chrono::seconds(5));
+//   const int code = GL_Login(user, password, server, 600, message, CLIENT_GUI, 0, argc, argv);
+//
+// Every remote call that the thread makes inside the scope ends by then at the latest: what is left
+// of the time replaces a longer -ORBCallTimeout. A call that begins when the time is over is not
+// sent. Both fail as any call that timed out, by the codes that each function documents.
+#ifndef VQ_SUPPORT_ORB_CALLDEADLINE_H
+#define VQ_SUPPORT_ORB_CALLDEADLINE_H
+
+#include <chrono>
+#include <optional>
+
+#include <support/Export.h>
+
+namespace vq {
+
+// The calls of the thread that made the object are limited, until it is destroyed, by the same
+// thread. Scopes nest: the earliest deadline applies. Work between the calls is not interrupted,
+// and neither is a look-up of a host name, for which the system has its own limit.
+class VQ_SUPPORT_API CallDeadline {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  // From now on; zero and less mean that nothing is sent.
+  explicit CallDeadline(Clock::duration limit);
+  explicit CallDeadline(Clock::time_point end);
+  ~CallDeadline();
+  CallDeadline(const CallDeadline&) = delete;
+  CallDeadline& operator=(const CallDeadline&) = delete;
+
+  // The deadline that applies to the calling thread; nothing outside of every scope.
+  static std::optional<Clock::time_point> Current();
+
+ private:
+  const std::optional<Clock::time_point> m_outer;
+};
+
+}  // namespace vq
+
+#endif  // VQ_SUPPORT_ORB_CALLDEADLINE_H

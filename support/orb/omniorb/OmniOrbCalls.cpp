@@ -1,0 +1,343 @@
+#include <support/orb/omniorb/OmniOrbCalls.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <mutex>
+#include <type_traits>
+#include <utility>
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+// These build on each other in this order.
+// clang-format off
+#include <omniORB4/CORBA.h>
+#include <omniORB4/callDescriptor.h>
+#include <omniORB4/minorCode.h>
+#include <omniORB4/omniInterceptors.h>
+#include <omniORB4/omniORB.h>
+#include <omniORB4/internal/orbParameters.h>
+#include <omniORB4/internal/giopStream.h>
+#include <omniORB4/internal/giopStrand.h>
+#include <omniORB4/internal/giopRope.h>
+#include <omniORB4/internal/giopBiDir.h>
+#include <omniORB4/internal/GIOP_C.h>
+#include <omniORB4/tcpConnection.h>
+#include <omniORB4/unixConnection.h>
+#include <omniORB4/sslContext.h>
+#include <omniORB4/sslConnection.h>
+// clang-format on
+
+#include <support/orb/CallDeadline.h>
+
+namespace vq::orb {
+namespace {
+
+using omni::BiDirClientRope;
+using omni::GIOP_C;
+using omni::giopRope;
+using omni::giopStrand;
+using omni::omniInterceptors;
+using CommFailure = omni::giopStream::CommFailure;
+
+// Bounds for one call, against a peer that closes each connection or forwards in circles.
+constexpr int kMostConnections = 16;
+constexpr int kMostForwards = 8;
+// A server may ask once for the same request with a different form of address.
+constexpr int kMostSends = 2;
+
+// Written before the ORB starts, read by calls.
+struct Limits {
+  std::chrono::milliseconds connect{0};
+  std::chrono::milliseconds keepAlive{0};
+  std::chrono::milliseconds unacknowledged{0};
+} limits;
+
+// The call under way on a thread. A repetition by omniORB has the same descriptor and deadline.
+struct Call {
+  const omniCallDescriptor* descriptor = nullptr;
+  omni_time_t end;
+  CORBA::ULong refusal = 0;  // why nothing may be sent any more, as a minor code
+  int connections = 0;
+  int forwards = 0;
+  int sends = 0;  // on the present connection
+  bool closedInOrder = false;
+  bool reverted = false;
+};
+thread_local Call call;
+
+omni_time_t Now() {
+  omni_time_t now;
+  omni_thread::get_time(now);
+  return now;
+}
+
+// omniORB waits without limit when less than a microsecond is left. Its clock counts whole
+// microseconds, so that does not happen as long as its deadlines do, too.
+omni_time_t ToOmni(std::chrono::nanoseconds time) {
+  const auto positive = std::max(time, std::chrono::nanoseconds(0));
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(positive);
+  const auto rest = std::chrono::floor<std::chrono::microseconds>(positive - seconds);
+  return {static_cast<unsigned long>(seconds.count()),
+          static_cast<unsigned long>(rest.count()) * 1000};
+}
+
+std::chrono::nanoseconds Until(const omni_time_t& end) {
+  const omni_time_t now = Now();
+  if (end <= now) return std::chrono::nanoseconds(0);
+  const omni_time_t left = end - now;
+  return std::chrono::seconds(left.s) + std::chrono::nanoseconds(left.ns);
+}
+
+// For omniORB, without leave to try again.
+[[noreturn]] void Fail(CORBA::ULong minor, CORBA::CompletionStatus completed) {
+  throw CommFailure(minor, completed, false);
+}
+
+void Begin(omniCallDescriptor& descriptor) {
+  call = Call();
+  call.descriptor = &descriptor;
+  call.end = descriptor.getDeadline();
+  if (const auto scope = CallDeadline::Current()) {
+    const omni_time_t scopeEnd = Now() + ToOmni(*scope - CallDeadline::Clock::now());
+    if (!call.end || scopeEnd < call.end) call.end = scopeEnd;
+  }
+  descriptor.setDeadline(call.end);
+}
+
+// What a finished or failed attempt means for the next one.
+void NoteEnd(GIOP_C& attempt) {
+  const giopStrand& strand = attempt.strand();
+  switch (attempt.state()) {
+    case omni::IOP_C::Idle:  // A reply has come.
+      if (attempt.replyStatus() != GIOP::LOCATION_FORWARD &&
+          attempt.replyStatus() != GIOP::LOCATION_FORWARD_PERM) {
+        call.descriptor = nullptr;
+      } else if (++call.forwards > kMostForwards) {
+        call.refusal = omni::TRANSIENT_FailedOnForwarded;
+      }
+      return;
+    case omni::IOP_C::RequestInProgress:
+    case omni::IOP_C::WaitingForReply:
+      if (strand.orderly_closed && !std::exchange(call.closedInOrder, true)) return;
+      break;
+    default:
+      break;
+  }
+  call.refusal = omni::COMM_FAILURE_WaitingForReply;
+}
+
+int Socket(omni::giopConnection& connection) {
+  if (const auto* tcp = dynamic_cast<omni::tcpConnection*>(&connection)) return tcp->handle();
+  if (const auto* tls = dynamic_cast<omni::sslConnection*>(&connection)) return tls->handle();
+  if (const auto* local = dynamic_cast<omni::unixConnection*>(&connection)) return local->handle();
+  return -1;
+}
+
+// What the next bytes of a connection that also takes calls say about its end. They may be a call.
+bool BeginsWithClose(int socket, bool tls) {
+  std::array<unsigned char, 12> next{};
+  const ssize_t length = ::recv(socket, next.data(), next.size(), MSG_PEEK | MSG_DONTWAIT);
+  if (length == 0) return true;
+  if (length < static_cast<ssize_t>(next.size())) return false;
+  if (!tls) return std::memcmp(next.data(), "GIOP", 4) == 0 && next[7] == GIOP::CloseConnection;
+  // An alert, which TLS 1.3 hides among the data: its size tells, since no message is so short.
+  constexpr int kAlert = 21;
+  constexpr int kData = 23;
+  constexpr int kHiddenAlertSize = 19;
+  return next[0] == kAlert || (next[0] == kData && next[3] == 0 && next[4] == kHiddenAlertSize);
+}
+
+// Whether the peer has closed an idle connection or lost it. On one that takes no calls nothing is
+// due to arrive, so whatever has arrived announces its end or is of no use.
+bool IsDead(const giopStrand& strand, bool takesCalls) {
+  const int socket = Socket(*strand.connection);
+  if (socket < 0) return false;
+  if (!takesCalls && strand.head != nullptr) return true;
+  pollfd events{socket, POLLIN | POLLRDHUP, 0};
+  if (::poll(&events, 1, 0) <= 0) return false;
+  if (!takesCalls || (events.revents & ~POLLIN) != 0) return true;
+  return BeginsWithClose(socket, strcmp(strand.address->type(), "giop:ssl") == 0);
+}
+
+// The system probes a peer that is silent for so long, and gives it up after three probes.
+CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T& info) {
+  const int socket = Socket(*info.giop_c.strand().connection);
+  const auto set = [socket](int level, int name, std::int64_t value) {
+    const int number = static_cast<int>(value);
+    ::setsockopt(socket, level, name, &number, sizeof number);
+  };
+  if (limits.keepAlive.count() > 0) {
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(limits.keepAlive).count();
+    set(SOL_SOCKET, SO_KEEPALIVE, 1);
+    set(IPPROTO_TCP, TCP_KEEPIDLE, seconds);
+    set(IPPROTO_TCP, TCP_KEEPINTVL, (seconds + 2) / 3);
+    set(IPPROTO_TCP, TCP_KEEPCNT, 3);
+  }
+  if (limits.unacknowledged.count() > 0) {
+    set(IPPROTO_TCP, TCP_USER_TIMEOUT, limits.unacknowledged.count());
+  }
+  return true;
+}
+
+// A server that asks for another form of address is sent the same request over the same connection.
+CORBA::Boolean CountSend(omniInterceptors::clientSendRequest_T::info_T& info) {
+  if (info.giop_c.calldescriptor() != call.descriptor) return true;  // a call back to a client
+  if (++call.sends > kMostSends) Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
+  return true;
+}
+
+// The connections to one server; Base is omniORB's class for them.
+template <class Base>
+class CheckedRope : public Base {
+ public:
+  using Base::Base;
+
+  omni::IOP_C* acquireClient(const omniIOR* ior, const CORBA::Octet* key, CORBA::ULong keySize,
+                             omniCallDescriptor* descriptor) override {
+    if (call.descriptor != descriptor || !(call.end == descriptor->getDeadline())) {
+      Begin(*descriptor);
+    }
+    if (call.refusal != 0) Fail(call.refusal, CORBA::COMPLETED_MAYBE);
+    call.sends = 0;
+    const omni_time_t connectEnd = std::min(call.end, Now() + ToOmni(limits.connect));
+    for (std::size_t tried = 0;;) {
+      if (call.end <= Now()) Fail(omni::TRANSIENT_CallTimedout, CORBA::COMPLETED_NO);
+      if (++call.connections > kMostConnections) {
+        Fail(omni::TRANSIENT_ConnectFailed, CORBA::COMPLETED_NO);
+      }
+      const std::size_t left = std::max(AddressCount(), tried + 1) - tried;
+      const omni_time_t share = Now() + ToOmni(Until(connectEnd) / left);
+      try {
+        GIOP_C& attempt = Connected(ior, key, keySize, *descriptor, share);
+        if (IsUsable(attempt)) return &attempt;
+      } catch (const CommFailure& failure) {
+        descriptor->setDeadline(call.end);
+        if (++tried >= AddressCount() || connectEnd <= Now()) {
+          Fail(failure.minor(), failure.completed());
+        }
+      }
+    }
+  }
+
+  void releaseClient(omni::IOP_C* client) override {
+    auto& attempt = *static_cast<GIOP_C*>(client);
+    if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
+    Base::releaseClient(client);
+  }
+
+ private:
+  static constexpr bool kTakesCalls = std::is_same_v<Base, BiDirClientRope>;
+
+  std::size_t AddressCount() {
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    return this->pd_addrs_filtered ? this->pd_addresses_order.size() : this->pd_addresses.size();
+  }
+
+  // An attempt with a connection: an idle one, or a new one to the address whose turn it is.
+  GIOP_C& Connected(const omniIOR* ior, const CORBA::Octet* key, CORBA::ULong keySize,
+                    omniCallDescriptor& descriptor, const omni_time_t& connectEnd) {
+    try {
+      if constexpr (kTakesCalls)
+        return ConnectedToTakeCalls(ior, key, keySize, descriptor, connectEnd);
+      auto& attempt = *static_cast<GIOP_C*>(Base::acquireClient(ior, key, keySize, &descriptor));
+      if (attempt.strand().connection == nullptr) Open(attempt, connectEnd);
+      return attempt;
+    } catch (const omniORB::fatalException&) {  // a handshake that omniORB does not expect
+      Fail(omni::TRANSIENT_ConnectFailed, CORBA::COMPLETED_NO);
+    }
+  }
+
+  void Open(GIOP_C& attempt, const omni_time_t& connectEnd) {
+    attempt.setDeadline(connectEnd);
+    try {
+      attempt.openConnection();
+    } catch (...) {
+      attempt.strand().state(giopStrand::DYING);
+      Base::releaseClient(&attempt);
+      throw;
+    }
+  }
+
+  // omniORB opens the connection itself here, under a lock for which it waits without limit.
+  GIOP_C& ConnectedToTakeCalls(const omniIOR* ior, const CORBA::Octet* key, CORBA::ULong keySize,
+                               omniCallDescriptor& descriptor, const omni_time_t& connectEnd) {
+    std::unique_lock opening(m_opening, std::defer_lock);
+    if (!opening.try_lock_until(std::chrono::system_clock::now() +
+                                std::chrono::floor<std::chrono::microseconds>(Until(call.end)))) {
+      Fail(omni::TRANSIENT_CallTimedout, CORBA::COMPLETED_NO);
+    }
+    descriptor.setDeadline(connectEnd);
+    return *static_cast<GIOP_C*>(Base::acquireClient(ior, key, keySize, &descriptor));
+  }
+
+  // False when the connection was idle and is dead, and has been discarded.
+  bool IsUsable(GIOP_C& attempt) {
+    giopStrand& strand = attempt.strand();
+    if (!strand.first_use && IsDead(strand, kTakesCalls)) {
+      if constexpr (kTakesCalls) AwaitOtherCalls(attempt);
+      strand.state(giopStrand::DYING);
+      Base::releaseClient(&attempt);
+      return false;
+    }
+    attempt.setDeadline(call.end);
+    attempt.calldescriptor()->setDeadline(call.end);
+    return true;
+  }
+
+  // The replies to other calls may have come before the end of the connection.
+  void AwaitOtherCalls(const GIOP_C& attempt) {
+    giopStrand& strand = const_cast<GIOP_C&>(attempt).strand();
+    while (HasOtherCalls(attempt, strand) && Now() < call.end) {
+      omni_thread::sleep(0, 1'000'000);
+    }
+  }
+
+  bool HasOtherCalls(const GIOP_C& attempt, giopStrand& strand) {
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    if (strand.state() == giopStrand::DYING) return false;
+    for (auto* link = strand.clients.next; link != &strand.clients; link = link->next) {
+      const auto* other = static_cast<GIOP_C*>(link);
+      if (other != &attempt && other->state() != omni::IOP_C::UnUsed) return true;
+    }
+    return false;
+  }
+
+  std::timed_mutex m_opening;
+};
+
+CORBA::Boolean MakeRope(omniInterceptors::createRope_T::info_T& info) {
+  if (omni::orbParameters::offerBiDirectionalGIOP) {
+    info.rope = new CheckedRope<BiDirClientRope>(info.addrlist, info.ior_info);
+  } else {
+    info.rope = new CheckedRope<giopRope>(info.addrlist, info.ior_info);
+  }
+  return true;
+}
+
+// The place that an earlier call was forwarded to cannot be reached. Nothing was sent, so the
+// server that forwarded is asked anew.
+CORBA::Boolean RetryUnsent(void* /*cookie*/, CORBA::ULong /*retries*/,
+                           const CORBA::TRANSIENT& exception) {
+  return exception.minor() == omni::TRANSIENT_FailedOnForwarded &&
+         exception.completed() == CORBA::COMPLETED_NO && call.descriptor != nullptr &&
+         call.refusal == 0 && call.forwards == 0 && !std::exchange(call.reverted, true);
+}
+
+}  // namespace
+
+void OmniOrbCalls::Install(const OrbSettings& settings) {
+  limits = {settings.connectTimeout, settings.tcpKeepAlive, settings.tcpUserTimeout};
+  omniORB::installTransientExceptionHandler(nullptr, RetryUnsent);
+  omniInterceptors& interceptors = *omniORB::getInterceptors();
+  interceptors.createRope.add(MakeRope);
+  interceptors.clientOpenConnection.add(WatchConnection);
+  interceptors.clientSendRequest.add(CountSend);
+}
+
+}  // namespace vq::orb

@@ -1,0 +1,30 @@
+// What the library promises of each remote call, kept for omniORB:
+//
+// - It ends by its deadline, which covers connecting, reconnecting and every forward.
+// - Its request is sent once. It is sent again only where the server states that it did not process
+//   it: to the place that a forward names, and once after an orderly CloseConnection.
+// - A connection that died while it was idle is replaced before anything is sent.
+// - Every address of a server is tried, each with its share of the time for connecting.
+//
+// omniORB repeats calls and gives each new connection time of its own; no setting of it changes
+// that. So this file derives from the classes that hold the connections to one server (a "rope" of
+// "strands"), which are omniORB's internal interfaces. Tried with omniORB 4.2.5 and 4.3.3.
+//
+//   CORBA::ORB_init(...);
+//   OmniOrbCalls::Install(settings);
+#ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBCALLS_H
+#define VQ_SUPPORT_ORB_OMNIORB_OMNIORBCALLS_H
+
+#include <support/orb/OrbSettings.h>
+
+namespace vq::orb {
+
+class OmniOrbCalls {
+ public:
+  // After each ORB_init, before the first reference is made, by the thread that starts the ORB.
+  static void Install(const OrbSettings& settings);
+};
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_OMNIORB_OMNIORBCALLS_H

@@ -1,0 +1,89 @@
+#include <support/orb/omniorb/OmniOrbProfiles.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include <omniORB4/CORBA.h>
+#include <omniORB4/giopEndpoint.h>
+#include <omniORB4/omniIOR.h>
+#include <omniORB4/omniInterceptors.h>
+
+namespace vq::orb {
+namespace {
+
+using omni::giopAddress;
+using omni::giopAddressList;
+
+// A reference that names more addresses than calls try.
+constexpr std::size_t kMostAddresses = 32;
+
+void Add(giopAddress* address, giopAddressList& addresses) {
+  if (address == nullptr) return;  // without port, or of a transport that is not there
+  const auto isSame = [&](const giopAddress* known) {
+    return std::string_view(known->address()) == address->address();
+  };
+  if (addresses.size() >= kMostAddresses ||
+      std::any_of(addresses.begin(), addresses.end(), isSame)) {
+    delete address;
+  } else {
+    addresses.push_back(address);
+  }
+}
+
+void AddProfile(const IIOP::ProfileBody& profile, giopAddressList& addresses) {
+  Add(giopAddress::fromTcpAddress(profile.address), addresses);
+  for (CORBA::ULong i = 0; i < profile.components.length(); ++i) {
+    const IOP::TaggedComponent& component = profile.components[i];
+    cdrEncapsulationStream data(component.component_data.get_buffer(),
+                                component.component_data.length(), true);
+    IIOP::Address address;
+    if (component.tag == IOP::TAG_ALTERNATE_IIOP_ADDRESS) {
+      address.host = data.unmarshalRawString();
+      address.port <<= data;
+      Add(giopAddress::fromTcpAddress(address), addresses);
+    } else if (component.tag == IOP::TAG_SSL_SEC_TRANS) {
+      CORBA::UShort supported = 0;
+      CORBA::UShort required = 0;
+      supported <<= data;
+      required <<= data;
+      address.port <<= data;
+      address.host = profile.address.host;
+      Add(giopAddress::fromSslAddress(address), addresses);
+    }
+  }
+}
+
+bool IsSameObject(const IIOP::ProfileBody& one, const IIOP::ProfileBody& other) {
+  return one.object_key.length() == other.object_key.length() &&
+         std::memcmp(one.object_key.get_buffer(), other.object_key.get_buffer(),
+                     one.object_key.length()) == 0;
+}
+
+CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& info) {
+  const IOP::TaggedProfileList& profiles = info.ior.iopProfiles();
+  const CORBA::Long selected = info.ior.addr_selected_profile_index();
+  if (!info.has_iiop_body || selected < 0) return true;
+  for (CORBA::ULong i = 0; i < profiles.length(); ++i) {
+    if (profiles[i].tag != IOP::TAG_INTERNET_IOP || i == static_cast<CORBA::ULong>(selected)) {
+      continue;
+    }
+    IIOP::ProfileBody further;
+    try {
+      IIOP::unmarshalProfile(profiles[i], further);
+      if (IsSameObject(further, info.iiop)) {
+        AddProfile(further, info.ior.getIORInfo()->addresses());
+      }
+    } catch (const CORBA::Exception&) {  // malformed: the others are as good as before
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+void OmniOrbProfiles::Install() {
+  omniORB::getInterceptors()->decodeIOR.add(AddFurtherProfiles);
+}
+
+}  // namespace vq::orb
