@@ -162,4 +162,23 @@ OrbSettings ResolveSettings(const OrbArguments& arguments,
   return settings;
 }
 
+std::vector<std::string> NamingReferences(const OrbSettings& settings) {
+  constexpr std::string_view kName = "NameService=";
+  constexpr std::string_view kScheme = "corbaloc:";
+  std::vector<std::string> references;
+  for (const std::string& initial : settings.initialRefs) {
+    if (!initial.starts_with(kName)) continue;
+    const std::string reference = initial.substr(kName.size());
+    const std::size_t key = reference.find('/');
+    if (!reference.starts_with(kScheme) || key == std::string::npos) return {reference};
+    for (std::size_t at = kScheme.size(); at <= key;) {
+      const std::size_t end = std::min(reference.find(',', at), key);
+      references.push_back(std::string(kScheme) + reference.substr(at, end - at) +
+                           reference.substr(key));
+      at = end + 1;
+    }
+  }
+  return references;
+}
+
 }  // namespace vq::orb

@@ -105,6 +105,10 @@ OrbArguments SplitArguments(int argc, const char* const* argv);
 // apply, the strongest first.
 OrbSettings ResolveSettings(const OrbArguments& arguments, const std::vector<SettingScope>& scopes);
 
+// The references of the naming service: that of the initial reference NameService, or, where it is
+// a corbaloc with several addresses, one for each of them. Empty when there is none.
+std::vector<std::string> NamingReferences(const OrbSettings& settings);
+
 }  // namespace vq::orb
 
 #endif  // VQ_SUPPORT_ORB_ORBSETTINGS_H

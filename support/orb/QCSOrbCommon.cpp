@@ -10,6 +10,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/DomainScopes.h>
+#include <support/orb/NamingService.h>
 #include <support/orb/OrbProduct.h>
 #include <support/orb/OrbSettings.h>
 #include <support/orb/OwnAddresses.h>
@@ -150,12 +151,10 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
 bool QCSOrbCommon::ReachNamingService() {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReachNamingService");
   try {
-    CORBA::Object_var object = m_instance->NamingService();
-    if (!CORBA::is_nil(object.in()) && !object->_non_existent()) {
-      // The type is known; asking the service for it would cost another call.
-      m_namingRoot = CosNaming::NamingContext::_unchecked_narrow(object.in());
-      return true;
-    }
+    m_naming = std::make_unique<vq::orb::NamingService>(*m_instance, *m_settings);
+    m_naming->Reach();
+    return true;
+  } catch (const CORBA::OBJECT_NOT_EXIST&) {
     VQ_LOG(diag, 1) << "The naming service's reference is of no object that exists. Correct "
                     << "-ORBInitRef NameService=corbaloc:iiop:HOST:PORT/NameService";
   } catch (const CORBA::ORB::InvalidName& e) {
@@ -177,7 +176,7 @@ CORBA::Object_ptr QCSOrbCommon::Bind(const std::string& server, const std::strin
                                      const std::string& service, bool probe) {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::Bind");
   if (!IsInitialized()) throw CORBA::BAD_INV_ORDER(0, CORBA::COMPLETED_NO);
-  CORBA::Object_var object = m_namingRoot->resolve(ServiceName(server, kind, service));
+  CORBA::Object_var object = m_naming->Resolve(ServiceName(server, kind, service));
   if (probe && !CORBA::is_nil(object.in()) && object->_non_existent()) {
     throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
   }
@@ -192,7 +191,7 @@ CosNaming::NamingContext_ptr QCSOrbCommon::GetNamingRoot() {
 void QCSOrbCommon::DestroyOrb(bool wait) {
   if (m_instance == nullptr) return;
   const TDiagFunc diag(diagModule, "QCSOrbCommon::DestroyOrb");
-  m_namingRoot = CosNaming::NamingContext::_nil();
+  m_naming.reset();
   try {
     m_instance->Stop(wait);
   } catch (const CORBA::Exception& e) {

@@ -22,6 +22,7 @@
 #include <support/orb/Corba.h>
 
 namespace vq::orb {
+class NamingService;
 class OrbInstance;
 struct OrbSettings;
 struct ResolvedSetting;
@@ -100,7 +101,7 @@ class VQ_SUPPORT_API QCSOrbCommon {
 
   std::unique_ptr<vq::orb::OrbSettings> m_settings;
   std::unique_ptr<vq::orb::OrbInstance> m_instance;
-  CosNaming::NamingContext_var m_namingRoot;
+  std::unique_ptr<vq::orb::NamingService> m_naming;
   vq::orb::OrbRole m_role;
   bool m_useThreadPool = false;
 };

@@ -60,10 +60,24 @@ bool IsSameObject(const IIOP::ProfileBody& one, const IIOP::ProfileBody& other) 
                      one.object_key.length()) == 0;
 }
 
+// An object that listens for TLS alone has port 0 in its profile; trying that would take a share of
+// the time for connecting.
+void DropAddressesWithoutPort(giopAddressList& addresses) {
+  for (auto at = addresses.begin(); at != addresses.end();) {
+    if (std::string_view((*at)->address()).ends_with(":0")) {
+      delete *at;
+      at = addresses.erase(at);
+    } else {
+      ++at;
+    }
+  }
+}
+
 CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& info) {
   const IOP::TaggedProfileList& profiles = info.ior.iopProfiles();
   const CORBA::Long selected = info.ior.addr_selected_profile_index();
   if (!info.has_iiop_body || selected < 0) return true;
+  giopAddressList& addresses = info.ior.getIORInfo()->addresses();
   for (CORBA::ULong i = 0; i < profiles.length(); ++i) {
     if (profiles[i].tag != IOP::TAG_INTERNET_IOP || i == static_cast<CORBA::ULong>(selected)) {
       continue;
@@ -72,11 +86,12 @@ CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& i
     try {
       IIOP::unmarshalProfile(profiles[i], further);
       if (IsSameObject(further, info.iiop)) {
-        AddProfile(further, info.ior.getIORInfo()->addresses());
+        AddProfile(further, addresses);
       }
     } catch (const CORBA::Exception&) {  // malformed: the others are as good as before
     }
   }
+  DropAddressesWithoutPort(addresses);
   return true;
 }
 

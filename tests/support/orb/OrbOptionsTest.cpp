@@ -124,6 +124,23 @@ TEST(OrbSettingsTest, AMalformedValueIsRefusedWithItsNameAndForm) {
   EXPECT_TRUE(SplitArguments(0, nullptr).rest.empty());
 }
 
+TEST(OrbSettingsTest, EachAddressOfTheNamingServiceHasItsReference) {
+  const std::pair<const char*, std::vector<std::string>> kRows[] = {
+      {"corbaloc::h:1/N", {"corbaloc::h:1/N"}},
+      {"corbaloc:iiop:a:1,iiop:1.2@b:2,:[::1]:3/N%2f",
+       {"corbaloc:iiop:a:1/N%2f", "corbaloc:iiop:1.2@b:2/N%2f", "corbaloc::[::1]:3/N%2f"}},
+      {"corbaloc:rir:/N", {"corbaloc:rir:/N"}},
+      {"corbaloc::a,:b", {"corbaloc::a,:b"}},
+      {"IOR:01,02/", {"IOR:01,02/"}},
+  };
+  for (const auto& [reference, expected] : kRows) {
+    const SettingScope scope{{"-ORBInitRef", std::string("NameService=") + reference}};
+    EXPECT_EQ(NamingReferences(ResolveSettings({}, {}, scope)), expected) << reference;
+  }
+  EXPECT_TRUE(
+      NamingReferences(ResolveSettings({}, {}, Scope("-ORBInitRef=Other=corbaloc::h/N"))).empty());
+}
+
 TEST(OmniOrbOptionsTest, TranslatesEverySetting) {
   const OptionRow kRows[] = {
       {"", "endPoint", "giop:tcp::"},

@@ -1,0 +1,63 @@
+#include <support/orb/NamingService.h>
+
+#include <optional>
+#include <string>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/orb/CallDeadline.h>
+#include <support/orb/CorbaText.h>
+#include <support/orb/OrbProduct.h>
+
+namespace vq::orb {
+namespace {
+
+TDiagRegister diagModule("ORB");
+
+}  // namespace
+
+NamingService::NamingService(OrbInstance& instance, const OrbSettings& settings)
+    : m_timeOut(settings.callTimeout) {
+  const auto add = [this](CORBA::Object_var object) {
+    // The type is known; asking the service for it would cost another call.
+    m_roots.push_back(CosNaming::NamingContext::_unchecked_narrow(object.in()));
+  };
+  const std::vector<std::string> references = NamingReferences(settings);
+  if (references.size() < 2) return add(instance.NamingService());
+  for (const std::string& one : references) add(instance.Orb()->string_to_object(one.c_str()));
+}
+
+void NamingService::Reach() {
+  Ask([](CosNaming::NamingContext_ptr root) {
+    if (CORBA::is_nil(root) || root->_non_existent()) {
+      throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
+    }
+    return true;
+  });
+}
+
+CORBA::Object_ptr NamingService::Resolve(const CosNaming::Name& name) {
+  return Ask([&](CosNaming::NamingContext_ptr root) { return root->resolve(name); });
+}
+
+template <class Call>
+auto NamingService::Ask(Call call) {
+  const std::size_t count = m_roots.size();
+  if (count == 1) return call(m_roots.front().in());
+  const std::size_t first = m_answering;
+  const auto end = CallDeadline::Clock::now() + m_timeOut;
+  for (std::size_t tried = 0;; ++tried) {
+    const std::size_t current = (first + tried) % count;
+    const CallDeadline share((end - CallDeadline::Clock::now()) / static_cast<int>(count - tried));
+    try {
+      auto result = call(m_roots[current].in());
+      m_answering = current;
+      return result;
+    } catch (const CORBA::SystemException& e) {
+      if (tried + 1 == count) throw;
+      VQ_LOG(diagModule, 2) << "The naming service does not answer at address " << current + 1
+                            << " of " << count << ": " << e;
+    }
+  }
+}
+
+}  // namespace vq::orb

@@ -1,0 +1,49 @@
+// The naming service of one ORB: one reference, or one for each address where it can be asked.
+//
+//   NamingService naming(instance, settings);
+//   naming.Reach();
+//   CORBA::Object_var object = naming.Resolve(name);
+//
+// A call goes to the address that answered last. Where that one does not answer, be it refused,
+// unreachable or silent, the others are asked in turn; all of it takes one call time-out at most.
+// Look-ups may be asked of several, because they change nothing.
+#ifndef VQ_SUPPORT_ORB_NAMINGSERVICE_H
+#define VQ_SUPPORT_ORB_NAMINGSERVICE_H
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <vector>
+
+#include <support/orb/Corba.h>
+#include <support/orb/OrbSettings.h>
+
+namespace vq::orb {
+
+class OrbInstance;
+
+// Safe on any thread once made.
+class NamingService {
+ public:
+  // Makes no call. Raises as OrbInstance::NamingService, and CORBA::SystemException for a malformed
+  // reference.
+  NamingService(OrbInstance& instance, const OrbSettings& settings);
+
+  // Raises CORBA::OBJECT_NOT_EXIST when there is no such object, and what the call raises.
+  void Reach();
+
+  // The caller owns the result. Raises what the call raises.
+  CORBA::Object_ptr Resolve(const CosNaming::Name& name);
+
+ private:
+  template <class Call>
+  auto Ask(Call call);
+
+  std::vector<CosNaming::NamingContext_var> m_roots;
+  std::atomic<std::size_t> m_answering = 0;
+  const std::chrono::milliseconds m_timeOut;
+};
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_NAMINGSERVICE_H
