@@ -9,6 +9,7 @@
 // clang-format off
 #include <omniORB4/internal/giopStrand.h>
 #include <omniORB4/internal/giopServer.h>
+#include <omniORB4/internal/giopStream.h>
 #include <omniORB4/internal/GIOP_S.h>
 #include <omniORB4/internal/objectAdapter.h>
 #include <omniORB4/internal/orbParameters.h>
