@@ -78,6 +78,29 @@ void WriteReadyFile(const std::string& path, const Arguments& arguments, CORBA::
   std::filesystem::rename(draft, path);
 }
 
+bool MayLogIn(const User& user) {
+  const int result = user.result.value_or(1);
+  return !user.locked && user.expiry != Expiry::Expired && (result == 1 || result == 50);
+}
+
+// What a person at the terminal needs for a login.
+void SayReady(const Arguments& arguments, const Site& site) {
+  constexpr int kNamed = 8;
+  std::string users;
+  int count = 0;
+  for (const auto& [name, user] : site.users) {
+    if (MayLogIn(user) && ++count <= kNamed) users += (users.empty() ? "" : ", ") + name;
+  }
+  if (count == 0) users = "none";
+  if (count > kNamed) users += " and " + std::to_string(count - kNamed) + " more";
+  std::string kinds;
+  for (const std::string& kind : arguments.kinds) kinds += (kinds.empty() ? "" : ", ") + kind;
+  const std::string& naming = arguments.orb.naming;
+  std::cout << "vq_simulator is ready: server " << arguments.server << " (" << kinds << "), "
+            << (naming.empty() ? "no naming service" : "naming service " + naming)
+            << "; users: " << users << "; passwords: " << arguments.site << std::endl;
+}
+
 void RemoveReadyFile(const Arguments& arguments) {
   std::error_code ignored;  // it need not be there
   if (!arguments.readyFile.empty()) std::filesystem::remove(arguments.readyFile, ignored);
@@ -119,6 +142,7 @@ int Run(const Arguments& arguments, const sigset_t& signals) {
     Control control(world, arguments.site);
     if (!arguments.control.empty()) control.Start(arguments.control);
     if (!arguments.readyFile.empty()) WriteReadyFile(arguments.readyFile, arguments, orb, servers);
+    SayReady(arguments, *world.GetSite());
     ServeUntilTold(signals, control);
   } catch (const CORBA::Exception& exception) {
     std::cerr << "vq_simulator: the naming service at " << arguments.orb.naming

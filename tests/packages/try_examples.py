@@ -37,11 +37,11 @@ class Servers:
 
     def __init__(self, simulator, site, environment, work, *arguments):
         self.command = [simulator, "--site", site, "--server", "central", *arguments]
-        self.environment, self.work = environment, work
-        self.out, self.processes = open(work / "servers.out", "ab"), []
+        self.site, self.environment, self.work, self.processes = site, environment, work, []
 
-    def start(self, ready, *command):
-        process = subprocess.Popen(command, stdout=self.out, stderr=self.out, env=self.environment)
+    def start(self, ready, out, *command):
+        with open(out, "wb") as file:
+            process = subprocess.Popen(command, stdout=file, stderr=file, env=self.environment)
         self.processes.append(process)
         end = time.monotonic() + TIMEOUT
         while process.poll() is None and time.monotonic() < end:
@@ -59,14 +59,17 @@ class Servers:
             command = ([own, "127.0.0.1", str(port), names] if own else
                        ["omniNames", "-start", str(port), "-always", "-datadir", names,
                         "-ORBendPoint", f"giop:tcp:127.0.0.1:{port}"])
-            if self.start(lambda: listens(port), *command):
+            if self.start(lambda: listens(port), names / "naming.out", *command):
                 break
         self.naming = f"corbaloc:iiop:127.0.0.1:{port}/NameService"
-        ready = names / "ready"
-        if not self.start(ready.exists, *self.command, "--naming", self.naming,
-                          "--ready-file", ready):
+        said = names / "server.out"
+        # Who can log in; a user whose password has expired or who is locked cannot.
+        ready = re.compile(f"vq_simulator is ready: server central \\(GSR\\), naming service {self.naming}; "
+                           f"users: (admin, ann, soon|alice); passwords: {self.site}\n")
+        if not self.start(lambda: ready.fullmatch(said.read_text()), said, *self.command,
+                          "--naming", self.naming):
             self.__exit__()
-            raise RuntimeError("no servers: " + (self.work / "servers.out").read_text())
+            raise RuntimeError("no servers: " + said.read_text())
         return self
 
     def __exit__(self, *_):
@@ -76,7 +79,6 @@ class Servers:
                 process.wait(10)
             except subprocess.TimeoutExpired:
                 process.kill()
-        self.out.close()
 
 
 def listens(port):
@@ -90,10 +92,9 @@ def build(prefix, example, compiler, work):
     run(["cmake", "-S", example, "-B", tree, f"-DCMAKE_PREFIX_PATH={prefix}",
          f"-DCMAKE_CXX_COMPILER={compiler}"])
     run(["cmake", "--build", tree])
-    # The prefix is not the one that the file was made for.
     search = next(prefix.glob("lib/**/pkgconfig"))
-    flags = run(["pkg-config", f"--define-variable=prefix={prefix}", "--cflags", "--libs",
-                 "vq_client_common"], env=os.environ | {"PKG_CONFIG_PATH": str(search)}).split()
+    flags = run(["pkg-config", "--cflags", "--libs", "vq_client_common"],
+                env=os.environ | {"PKG_CONFIG_PATH": str(search)}).split()
     run([compiler, "-std=c++20", "-Wall", "-Wextra", "-Werror", *sorted(example.glob("*.cpp")),
          "-o", program, *flags])
     return [tree / example.name, program]
