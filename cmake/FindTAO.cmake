@@ -5,12 +5,12 @@
 #   3. ACE_ROOT and TAO_ROOT, as variables of CMake or of the environment: a source tree that was
 #      built in place, or the prefix where it was installed. TAO_ROOT defaults to ACE_ROOT/TAO.
 #
-# Sets TAO_FOUND, TAO_VERSION, TAO_FOUND_BY, TAO_LIBRARY_DIR, TAO_IDL_COMMAND (how tao_idl is called)
-# and, for other pkg-config files, TAO_PC_MODULES or else TAO_PC_CFLAGS and TAO_PC_LIBS. Makes the
+# Sets TAO_FOUND, TAO_VERSION, TAO_FOUND_BY, TAO_LIBRARY_DIR, TAO_IDL_COMMAND (how tao_idl is called),
+# TAO_NAMING_PROGRAM (tao_cosnaming, which may be missing) and, for other pkg-config files, TAO_PC_MODULES or else TAO_PC_CFLAGS and TAO_PC_LIBS. Makes the
 # targets
 #
 #   vq::tao          the ORB with what a client needs, and ACE
-#   vq::tao_ssliop   TLS; only where TAO was built with it
+#   vq::tao_ssliop   TLS; only where TAO's libraries and headers for it are found
 #
 # An installed package of this project brings this file along.
 
@@ -176,26 +176,41 @@ if(NOT TAO_FOUND_BY)
     # holds for what its libraries need as well, when it runs.
     target_link_options(vq::tao INTERFACE
       "LINKER:-rpath-link,${TAO_LIBRARY_DIR}" "LINKER:--disable-new-dtags")
-    set(_tls)
-    foreach(_name TAO_SSLIOP TAO_Security TAO_PI_Server TAO_Svc_Utils ACE_SSL)
-      find_library(TAO_LIBRARY_${_name} ${_name} HINTS ${ACE_ROOT} ${TAO_ROOT}
-        PATH_SUFFIXES lib lib64 ${_tao_only})
-      mark_as_advanced(TAO_LIBRARY_${_name})
-      if(TAO_LIBRARY_${_name})
-        list(APPEND _tls ${TAO_LIBRARY_${_name}})
-      endif()
-    endforeach()
-    if(TAO_LIBRARY_TAO_SSLIOP AND TAO_LIBRARY_ACE_SSL)
-      add_library(vq::tao_ssliop INTERFACE IMPORTED)
-      # By name of a service, not by a call: the linker must not think them idle.
-      target_link_libraries(vq::tao_ssliop INTERFACE
-        "-Wl,--push-state,--no-as-needed" ${_tls} "-Wl,--pop-state")
-    endif()
   endif()
   if(TAO_ROOT)
     set(TAO_FOUND_BY "TAO_ROOT=${TAO_ROOT}")
   else()
     set(TAO_FOUND_BY "the usual directories")
+  endif()
+endif()
+
+# ---- TLS, which may have no CMake target and no pkg-config file of its own ------------------------
+set(TAO_TLS_MISSING)
+if(TARGET vq::tao AND NOT TARGET vq::tao_ssliop)
+  set(_tls)
+  foreach(_name TAO_SSLIOP TAO_Security TAO_PI_Server TAO_Svc_Utils ACE_SSL)
+    find_library(TAO_LIBRARY_${_name} ${_name} PATHS ${TAO_LIBRARY_DIR} ${ACE_ROOT} ${TAO_ROOT}
+      PATH_SUFFIXES lib lib64 NO_DEFAULT_PATH) # not half of another TAO
+    mark_as_advanced(TAO_LIBRARY_${_name})
+    if(TAO_LIBRARY_${_name})
+      list(APPEND _tls ${TAO_LIBRARY_${_name}})
+    endif()
+  endforeach()
+  find_path(TAO_INCLUDE_SSLIOP orbsvcs/SSLIOP/SSLIOP_Factory.h PATHS ${TAO_INCLUDE_DIRS} NO_DEFAULT_PATH)
+  mark_as_advanced(TAO_INCLUDE_SSLIOP)
+  foreach(_name TAO_SSLIOP ACE_SSL)
+    if(NOT TAO_LIBRARY_${_name})
+      list(APPEND TAO_TLS_MISSING "the library ${_name}")
+    endif()
+  endforeach()
+  if(NOT TAO_INCLUDE_SSLIOP)
+    list(APPEND TAO_TLS_MISSING "the header orbsvcs/SSLIOP/SSLIOP_Factory.h")
+  endif()
+  if(NOT TAO_TLS_MISSING)
+    add_library(vq::tao_ssliop INTERFACE IMPORTED)
+    # By name of a service, not by a call: the linker must not think them idle.
+    target_link_libraries(vq::tao_ssliop INTERFACE
+      "-Wl,--push-state,--no-as-needed" ${_tls} "-Wl,--pop-state")
   endif()
 endif()
 
@@ -219,7 +234,9 @@ foreach(_directory IN LISTS TAO_LIBRARY_DIR TAO_INCLUDE_DIRS)
 endforeach()
 find_program(TAO_IDL_PROGRAM tao_idl HINTS ${_tao_places} PATH_SUFFIXES bin TAO_IDL ${_tao_only})
 find_program(TAO_GPERF_PROGRAM ace_gperf HINTS ${_tao_places} PATH_SUFFIXES bin ${_tao_only})
-mark_as_advanced(TAO_IDL_PROGRAM TAO_GPERF_PROGRAM)
+find_program(TAO_NAMING_PROGRAM NAMES tao_cosnaming Naming_Service HINTS ${_tao_places}
+  PATH_SUFFIXES bin orbsvcs/Naming_Service TAO/orbsvcs/Naming_Service ${_tao_only})
+mark_as_advanced(TAO_IDL_PROGRAM TAO_GPERF_PROGRAM TAO_NAMING_PROGRAM)
 if(NOT TAO_IDL_PROGRAM)
   list(APPEND _tao_missing "the program tao_idl")
 endif()
@@ -255,3 +272,12 @@ find_package_handle_standard_args(TAO
   REQUIRED_VARS TAO_FOUND_BY TAO_IS_COMPLETE TAO_INCLUDE_DIRS TAO_VERSION
   VERSION_VAR TAO_VERSION
   REASON_FAILURE_MESSAGE "${_tao_reason}")
+if(TAO_FOUND AND NOT TAO_FIND_QUIETLY)
+  if(TARGET vq::tao_ssliop)
+    message(STATUS "TAO ${TAO_VERSION}, found by ${TAO_FOUND_BY}, with TLS")
+  else()
+    list(JOIN TAO_TLS_MISSING ", " _tao_missing_text)
+    message(STATUS "TAO ${TAO_VERSION}, found by ${TAO_FOUND_BY}, without TLS: not found: "
+      "${_tao_missing_text}")
+  endif()
+endif()

@@ -45,8 +45,9 @@ elseif(VQ_ORB STREQUAL "TAO")
     target_link_libraries(vq_orb_tls INTERFACE vq::tao_ssliop)
     target_compile_definitions(vq_orb_tls INTERFACE VQ_TAO_SSLIOP)
   endif()
-  find_program(VQ_NAMING_PROGRAM NAMES tao_cosnaming Naming_Service HINTS ${TAO_ROOT} ${ACE_ROOT}
-    PATH_SUFFIXES bin orbsvcs/Naming_Service TAO/orbsvcs/Naming_Service)
+  if(NOT VQ_NAMING_PROGRAM)
+    set(VQ_NAMING_PROGRAM ${TAO_NAMING_PROGRAM})
+  endif()
   set(VQ_NAMING_COMMAND "LD_LIBRARY_PATH=\"${TAO_LIBRARY_DIR}:$LD_LIBRARY_PATH\" exec \\
   \"${VQ_NAMING_PROGRAM}\" -ORBSvcConf /dev/null -m 0 \\
   -ORBListenEndpoints \"iiop://$1:$2\${4:+/hostname_in_ior=$4}\"")

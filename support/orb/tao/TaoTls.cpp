@@ -100,7 +100,7 @@ void TaoTls::Prepare(const OrbSettings& settings) {
   CheckTlsPort(settings);
   if (settings.tls.IsOn()) {
     throw std::invalid_argument(
-        "-SSLCACertificate or -SSLCertificate is set, and this TAO was built without its TLS "
+        "-SSLCACertificate or -SSLCertificate is set, and this library was built without TAO's TLS "
         "library SSLIOP");
   }
 }
@@ -112,8 +112,9 @@ CORBA::Object_ptr TaoTls::InClear(CORBA::Object_ptr object) {
 }
 
 std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSettings&) {
-  VQ_LOG(diagModule, 4) << "There is no certificate to look at: this TAO was built without its TLS "
-                        << "library SSLIOP";
+  VQ_LOG(diagModule, 4)
+      << "There is no certificate to look at: this library was built without TAO's "
+      << "TLS library SSLIOP";
   return std::nullopt;
 }
 
