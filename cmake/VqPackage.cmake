@@ -3,19 +3,33 @@
 #
 #   libvq-client-common1      what a program needs that was linked with the library
 #   libvq-client-common-dev   what is needed to build one
-#   vq-client-tools           vqclient and vq_simulator
+#   vq-client-tools           vqclient
+#   vq-simulator              vq_simulator
 #   libvq-client-common-doc   the documents and the examples
 #
-# Files are sorted into packages by the component of their install rule: runtime, development, tools,
-# documentation. What only Debian asks for (copyright, changelog, packed manual pages, the symbols
-# file) is made by packages/finish.cmake when everything else stands in its place.
+# and, of those with code, the debug symbols (-dbgsym, .ddeb). Files are sorted into packages by the
+# component of their install rule: runtime, development, tools, simulator, documentation. What only
+# Debian asks for (copyright, changelog, packed manual pages, the symbols file) is made by
+# packages/finish.cmake when everything else stands in its place. Two builds of one commit give the
+# same bytes, in whichever directory and whenever they are made: ./dev reproduce.
 
 set(VQ_PACKAGE_REVISION 1 CACHE STRING "Debian revision of the packages")
 set(VQ_PACKAGE_MAINTAINER
   "Seed 13022cd0 maintainers <maintainers@users.noreply.c-seed-13022cd0.example>"
   CACHE STRING "Who answers for the packages, as Debian writes it")
 
-install(FILES README.md CONTRIBUTING.md ARCHITECTURE.md TYPE DOC COMPONENT documentation)
+# Installed documents link what is installed.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR
+  BASE_DIRECTORY ${CMAKE_INSTALL_FULL_DOCDIR} OUTPUT_VARIABLE headers)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS README.md)
+file(READ README.md readme)
+foreach(folder IN ITEMS vq_client_common support)
+  string(REPLACE "](${folder}/" "](${headers}/vq/${folder}/" readme "${readme}")
+endforeach()
+string(REPLACE "[Apache-2.0](LICENSE)" "Apache-2.0" readme "${readme}")
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package-files/README.md CONTENT "${readme}" @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/package-files/README.md
+  ARCHITECTURE.md CHANGELOG.md CONTRIBUTING.md SECURITY.md TYPE DOC COMPONENT documentation)
 install(DIRECTORY docs TYPE DOC COMPONENT documentation FILES_MATCHING PATTERN "*.md")
 install(DIRECTORY examples TYPE DOC COMPONENT documentation)
 # The pages of the target docs, where they were made.
@@ -28,14 +42,16 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_PACKAGE_CONTACT "${VQ_PACKAGE_MAINTAINER}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL runtime development tools documentation)
+set(CPACK_COMPONENTS_ALL runtime development tools simulator documentation)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${VQ_PACKAGE_REVISION})
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_COMPRESSION_TYPE none) # repack.cmake compresses
+set(CPACK_VQ_COMPRESSION xz)
+set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 # The programs need a library that is in no installed package yet.
@@ -70,12 +86,20 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
   "${runtime} ${this_version}, libomniorb4-dev, libxerces-c-dev, pkg-config")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libvq-client-common-doc)
 
-vq_package(tools vq-client-tools net "command-line client and simulated server of a job-scheduling suite"
+vq_package(tools vq-client-tools net "command-line client of a job-scheduling suite"
   "This package holds vqclient, which logs in, asks and finds out why a login
-fails, and vq_simulator, a server to try and test clients against.")
+fails.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${runtime} (>= ${PROJECT_VERSION})")
-set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "omniorb-nameserver")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS vq-simulator)
+
+vq_package(simulator vq-simulator net "simulated server of a job-scheduling suite"
+  "This package holds vq_simulator, a server to try and test clients against.")
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_RECOMMENDS omniorb-nameserver)
+# Up to 1.0 it was in vq-client-tools.
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_BREAKS "vq-client-tools (<< ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_REPLACES "vq-client-tools (<< ${PROJECT_VERSION})")
 
 vq_package(documentation libvq-client-common-doc doc
   "common client library of a job-scheduling suite (documentation)"

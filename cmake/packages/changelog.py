@@ -2,9 +2,10 @@
 """changelog.py CHANGELOG.md REVISION MAINTAINER
 
 Prints the changelog of the tree in the form that Debian packages carry: each "## VERSION (DATE)" with
-its list. A version without a date is not released; it gets the time of the file.
+its list. A version without a date is not released; it gets the time SOURCE_DATE_EPOCH.
 """
 
+import os
 import re
 import sys
 import textwrap
@@ -18,9 +19,10 @@ def main():
     sections = re.split(r"^## ", file.read_text(), flags=re.M)[1:]
     for section in sections:
         heading, _, body = section.partition("\n")
-        version, date = re.fullmatch(r"(\S+)(?: \((\d{4}-\d\d-\d\d)\))?", heading.strip()).groups()
-        when = (datetime.fromisoformat(date) if date
-                else datetime.fromtimestamp(int(file.stat().st_mtime))).replace(tzinfo=timezone.utc)
+        version, date = re.fullmatch(r"(\S+)(?: \((\d{4}-\d\d-\d\d|unreleased)\))?", heading.strip()).groups()
+        when = (datetime.fromtimestamp(int(os.environ["SOURCE_DATE_EPOCH"]), timezone.utc)
+                if date in (None, "unreleased")
+                else datetime.fromisoformat(date).replace(tzinfo=timezone.utc))
         print(f"vq-client-common ({version}-{revision}) unstable; urgency=medium\n")
         for item in re.split(r"^- ", body, flags=re.M)[1:]:
             print(textwrap.fill(" ".join(item.replace("`", "").split()), 78, initial_indent="  * ",

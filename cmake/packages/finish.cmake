@@ -13,9 +13,24 @@ set(packages ${CPACK_VQ_SOURCE}/cmake/packages)
 set(staging ${CPACK_TEMPORARY_DIRECTORY})
 set(share usr/share)
 
+# The time of everything in the packages, unless the caller says another.
+if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
+  execute_process(COMMAND git -C ${CPACK_VQ_SOURCE} log -1 --format=%ct
+    OUTPUT_VARIABLE time OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE status)
+  if(status)
+    file(TIMESTAMP ${CPACK_VQ_SOURCE}/CHANGELOG.md time "%s")
+  endif()
+  set(ENV{SOURCE_DATE_EPOCH} ${time})
+endif()
+
 # The documents lie where the package's name says.
 file(RENAME ${staging}/documentation/${share}/doc/vq_client_common
   ${staging}/documentation/${share}/doc/libvq-client-common-doc)
+
+if(EXISTS ${staging}/documentation/${share}/doc/libvq-client-common-doc/html)
+  file(APPEND ${staging}/documentation/${share}/doc/libvq-client-common-doc/README.md
+    "\nThe pages of every function are [html/index.html](html/index.html).\n")
+endif()
 
 foreach(pair IN LISTS CPACK_VQ_PACKAGES)
   string(REPLACE "=" ";" pair ${pair})

@@ -23,7 +23,8 @@ def main():
            if kind not in "Wu"}
     for symbol in sorted(known.keys() - now):
         print(f"gone, and a program that uses it starts no more: {symbol}")
-    file.write_text(f"{soname} {package} #MINVER#\n" + "".join(
+    development = package.rstrip("0123456789") + "-dev"
+    file.write_text(f"{soname} {package} #MINVER#\n* Build-Depends-Package: {development}\n" + "".join(
         f" {symbol} {known.get(symbol, version)}\n" for symbol in sorted(now)))
     return 0
 

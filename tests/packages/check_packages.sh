@@ -10,17 +10,21 @@ fail() { printf 'check_packages: %s\n' "$*" >&2; exit 1; }
 quietly() { "$@" >"$work/out" 2>&1 || { cat "$work/out"; fail "status $?: $*"; }; }
 
 quietly cpack --config "$build/CPackConfig.cmake" -B "$work/packages" \
-  -D CPACK_DEBIAN_COMPRESSION_TYPE=gzip # the quickest
+  -D CPACK_VQ_COMPRESSION=gzip # the quickest
 packages=("$work"/packages/*.deb)
-[ ${#packages[@]} -eq 4 ] || fail "expected 4 packages, got ${packages[*]}"
+debug=("$work"/packages/*.ddeb)
+[ ${#packages[@]} -eq 5 ] && [ ${#debug[@]} -eq 3 ] ||
+  fail "expected 5 packages and 3 of debug symbols, got ${packages[*]} ${debug[*]}"
 
 # There is no bug report to close in a changelog that is made from CHANGELOG.md.
 lintian --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs "${packages[@]}" ||
   fail "lintian objects"
 
 # The library's symbols come with the version that a program needs.
-dpkg-deb --ctrl-tarfile "$work"/packages/libvq-client-common1_*.deb | tar -xO ./symbols |
-  grep "^ _Z9GL_LogOutb@Base 1\.0\.0$" >/dev/null || fail "the symbols file does not tell versions"
+dpkg-deb --ctrl-tarfile "$work"/packages/libvq-client-common1_*.deb | tar -xO ./symbols >"$work/symbols"
+grep -q "^ _Z9GL_LogOutb@Base 1\.0\.0$" "$work/symbols" || fail "the symbols file does not tell versions"
+grep -q "^\* Build-Depends-Package: libvq-client-common-dev$" "$work/symbols" ||
+  fail "the symbols file does not tell the development package"
 
 # An empty root. Nothing in it could satisfy a dependency; what the packages contain is the same.
 root=$work/root
@@ -35,6 +39,10 @@ in_root --install "${packages[@]}"
 [ -z "$(dpkg --root="$root" --verify)" ] || fail "the installed files are not those of the packages"
 "$try_examples" "$root/usr" "$examples" "$compiler"
 
-in_root --purge libvq-client-common1 libvq-client-common-dev vq-client-tools libvq-client-common-doc
+python3 "$(dirname "$0")/../docs/check_links.py" "$root/usr/share/doc/libvq-client-common-doc" ||
+  fail "the installed documents have dead links"
+
+in_root --purge libvq-client-common1 libvq-client-common-dev vq-client-tools vq-simulator \
+  libvq-client-common-doc
 left=$(find "$root" -path "$root/var" -prune -o -type f -print)
 [ -z "$left" ] || fail "left behind: $left"
