@@ -6,14 +6,21 @@ std::unique_ptr<CLI::App> MakeProgram(Arguments& arguments) {
   auto program = std::make_unique<CLI::App>(
       "A server of the suite, from one JSON file, for trying and testing clients", "vq_simulator");
   program->set_version_flag("--version", VQ_VERSION);
+  arguments.site = VQ_SAMPLE_SITE;
   program->add_option("--site", arguments.site, "What the server is like (JSON)")
-      ->required()
+      ->capture_default_str()
       ->type_name("FILE");
+  CLI::Option* const naming =
+      program
+          ->add_option(
+              "--naming", arguments.orb.naming,
+              "The naming service, such as corbaloc::HOST:PORT/NameService; without it the "
+              "server registers nowhere")
+          ->type_name("REFERENCE");
   program
-      ->add_option("--naming", arguments.orb.naming,
-                   "The naming service, such as corbaloc::HOST:PORT/NameService; without it the "
-                   "server registers nowhere")
-      ->type_name("REFERENCE");
+      ->add_flag("--naming-service", arguments.ownNaming,
+                 "Start a naming service on a free port of this host, and register there")
+      ->excludes(naming);
   program->add_option("--server", arguments.server, "The server's name in the naming service")
       ->capture_default_str()
       ->type_name("NAME");

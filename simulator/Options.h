@@ -18,12 +18,13 @@ namespace vq::sim {
 enum Status { kDone = 0, kBadUse = 2, kNoNaming = 3, kNoOrb = 4, kNoFile = 5 };
 
 struct Arguments {
-  std::string site;
+  std::string site;  // a file
   std::string server = "vqserver";
   std::vector<std::string> kinds;
   std::string log;
   std::string readyFile;
   std::string control;
+  bool ownNaming = false;  // start a naming service
   OrbOptions orb;
 };
 

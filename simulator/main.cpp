@@ -1,6 +1,7 @@
 // vq_simulator: a server to try, demonstrate and test clients against. docs/simulator.md tells how.
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include <pthread.h>
@@ -19,6 +21,7 @@
 #include <simulator/Control.h>
 #include <simulator/Credentials.h>
 #include <simulator/Naming.h>
+#include <simulator/NamingProcess.h>
 #include <simulator/Options.h>
 #include <simulator/Orb.h>
 #include <simulator/Server.h>
@@ -114,6 +117,20 @@ void ServeUntilTold(const sigset_t& signals, Control& control) {
   }
 }
 
+// A naming service that has just been started listens a moment before it answers.
+std::unique_ptr<Naming> Connect(CORBA::ORB_ptr orb, bool justStarted) {
+  constexpr std::chrono::seconds kPatience{10};
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  for (;;) {
+    try {
+      return std::make_unique<Naming>(orb);
+    } catch (const CORBA::SystemException&) {
+      if (!justStarted || std::chrono::steady_clock::now() > end) throw;
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  }
+}
+
 int Run(const Arguments& arguments, const sigset_t& signals) {
   PrepareCredentials();
   World world;
@@ -134,7 +151,7 @@ int Run(const Arguments& arguments, const sigset_t& signals) {
   int status = kDone;
   try {
     if (!arguments.orb.naming.empty()) {
-      naming = std::make_unique<Naming>(orb);
+      naming = Connect(orb, arguments.ownNaming);
       for (std::size_t i = 0; i < servers.size(); ++i) {
         naming->Register(arguments.server, arguments.kinds[i], servers[i]->Services());
       }
@@ -189,6 +206,11 @@ int main(int argc, char** argv) {
 
   try {
     arguments.orb.tls = ParseTls(tls);
+    std::unique_ptr<NamingProcess> naming;
+    if (arguments.ownNaming) {
+      naming = std::make_unique<NamingProcess>();
+      arguments.orb.naming = naming->Reference();
+    }
     return Run(arguments, signals);
   } catch (const SiteError& error) {
     std::cerr << "vq_simulator: " << error.what() << '\n';
