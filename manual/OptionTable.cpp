@@ -22,6 +22,7 @@ Option Describe(const CLI::Option& option) {
 std::vector<Option> OptionsOf(const CLI::App& app, bool withHelp) {
   std::vector<Option> result;
   for (const CLI::Option* const option : app.get_options()) {
+    if (option->get_group().empty()) continue;  // a former name, which is not shown
     if (withHelp || option != app.get_help_ptr()) result.push_back(Describe(*option));
   }
   return result;

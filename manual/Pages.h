@@ -1,4 +1,4 @@
-// The manual page and the completion of one program.
+// The manual page and the completions of one program.
 #ifndef VQ_MANUAL_PAGES_H
 #define VQ_MANUAL_PAGES_H
 
@@ -14,11 +14,13 @@ namespace vq::manual {
 std::string ManualPage(const std::vector<Command>& commands, const std::string& version,
                        const std::string& more);
 
-// A completion for bash: commands, options, and the values of those whose value is a choice or a
-// file.
+// Completions for three shells: commands, options, and the values of those whose value is a choice,
+// a file or the name of a site.
 std::string BashCompletion(const std::vector<Command>& commands);
+std::string ZshCompletion(const std::vector<Command>& commands);
+std::string FishCompletion(const std::vector<Command>& commands);
 
-// Writes DIRECTORY/PROGRAM.1 and DIRECTORY/PROGRAM.bash; the arguments are VERSION, the file with
+// Writes DIRECTORY/PROGRAM.1 and beside it PROGRAM.bash, PROGRAM.zsh and PROGRAM.fish; the arguments are VERSION, the file with
 // `more`, and DIRECTORY. Returns the exit status.
 int WritePages(const CLI::App& program, int argc, char** argv);
 

@@ -33,7 +33,9 @@ int WritePages(const CLI::App& program, int argc, char** argv) {
   const std::vector<Command> commands = CommandsOf(program);
   const std::string place = std::string(argv[3]) + "/" + program.get_name();
   const bool written = Write(place + ".1", ManualPage(commands, argv[1], more)) &&
-                       Write(place + ".bash", BashCompletion(commands));
+                       Write(place + ".bash", BashCompletion(commands)) &&
+                       Write(place + ".zsh", ZshCompletion(commands)) &&
+                       Write(place + ".fish", FishCompletion(commands));
   return written ? 0 : 1;
 }
 
