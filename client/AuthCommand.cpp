@@ -191,6 +191,13 @@ int Check(CommandLine& line, const Question& question) {
   return allowed ? kSuccess : kDenied;
 }
 
+std::string KindsAndLevels() {
+  std::string words = kService;
+  for (const Kind& kind : kKinds) words += std::string("|") + kind.name;
+  for (const std::string_view level : kLevels) words += "|" + std::string(level);
+  return words;
+}
+
 void AddCheck(CLI::App& parent, CommandLine& line, int& exitCode) {
   CLI::App* const command =
       parent.add_subcommand("check", "Ask one question; yes is exit code 0, no is 7");
@@ -199,10 +206,9 @@ void AddCheck(CLI::App& parent, CommandLine& line, int& exitCode) {
   auto words = std::make_shared<std::vector<std::string>>();
   command
       ->add_option("question", *words,
-                   "KIND NAME=VALUE... LEVEL, such as: table TABLE=PAY01 UPDATE_ACCESS. Kinds: "
-                   "table, calendar, quantitative, control, condition, global, owner, workload, "
-                   "service")
+                   "KIND NAME=VALUE... LEVEL, such as: table TABLE=PAY01 UPDATE_ACCESS")
       ->required()
+      ->type_name(KindsAndLevels())
       ->expected(2, 1000);
   command->callback([&line, &exitCode, question, words] {
     const auto level = std::find(kLevels.begin(), kLevels.end(), words->back());

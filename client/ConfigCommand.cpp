@@ -3,6 +3,8 @@
 
 #include <iomanip>
 #include <iostream>
+#include <set>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -120,6 +122,28 @@ int Store(const CommandLine& line, const Change& change) {
   return kSuccess;
 }
 
+int ShowSites() {
+  constexpr std::string_view kPrefix = "site ";
+  std::string error;
+  std::set<std::string> sites;
+  for (const vq::StoredSetting& setting : vq::ReadStoredSettings(error)) {
+    if (setting.scope.starts_with(kPrefix)) sites.insert(setting.scope.substr(kPrefix.size()));
+  }
+  if (Form().json) PrintJson(sites, -1);
+  for (const std::string& site : sites) {
+    if (!Form().json) std::cout << site << '\n';
+  }
+  if (error.empty()) return kSuccess;
+  Tell(error);
+  return kRefused;
+}
+
+std::string SettingNames() {
+  std::string names = "site";
+  for (const SharedOption& option : SharedOptions()) names += std::string("|") + option.name;
+  return names;
+}
+
 void AddChange(CLI::App& config, CommandLine& line, int& exitCode, bool set) {
   CLI::App* const command = config.add_subcommand(
       set ? "set" : "unset", set ? "Store a setting, for the user or with --site for one site"
@@ -127,8 +151,9 @@ void AddChange(CLI::App& config, CommandLine& line, int& exitCode, bool set) {
   auto change = std::make_shared<Change>();
   command
       ->add_option("name", change->name,
-                   "The long name of an option of a connection, such as naming; or site")
-      ->required();
+                   "The setting: the long name of an option; or the site to use")
+      ->required()
+      ->type_name(SettingNames());
   if (set) {
     change->value.emplace();
     command->add_option("value", *change->value, "Its value")->required();
@@ -148,6 +173,9 @@ void AddConfigCommand(CLI::App& program, CommandLine& line, int& exitCode) {
   show->callback([&] {
     line.Apply();
     exitCode = Show(line);
+  });
+  config->add_subcommand("sites", "The names for --site")->callback([&exitCode] {
+    exitCode = ShowSites();
   });
   AddChange(*config, line, exitCode, true);
   AddChange(*config, line, exitCode, false);

@@ -53,7 +53,9 @@ std::vector<Server> Examine(const CosNaming::Binding& binding, CosNaming::Naming
     if (service.binding_type != CosNaming::nobject) continue;
     const CORBA::Object_var found = context->resolve(service.binding_name);
     const auto& name = binding.binding_name[0];
-    Server server{name.id.in(), name.kind.in()};
+    Server server;
+    server.name = name.id.in();
+    server.kind = name.kind.in();
     try {
       server.alive = !found->_non_existent();
     } catch (const CORBA::Exception&) {  // It is not.
