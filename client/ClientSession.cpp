@@ -37,6 +37,7 @@ bool ClientSession::FindCredentials() {
 int ClientSession::Login() {
   if (!m_hasCredentials && !FindCredentials()) return kCredentialsMissing;
   std::vector<char*> arguments = m_line.OrbArguments();
+  m_line.StartClock();
   m_begun = true;
   const int result =
       GL_Login(m_user, m_password, m_line.server, m_line.lifetime, m_message, CLIENT_CLI,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cstdlib>
 #include <string_view>
 
@@ -258,6 +259,11 @@ void CommandLine::ApplyWithServer() {
   if (!server.empty()) return;
   throw CLI::ValidationError("--server is required",
                              "or set VQ_SERVER, or: vqclient config set server NAME");
+}
+
+void CommandLine::StartClock() {
+  if (maxTime == 0 || m_deadline != nullptr) return;
+  m_deadline = std::make_unique<vq::CallDeadline>(std::chrono::seconds(maxTime));
 }
 
 std::vector<char*> CommandLine::OrbArguments() {

@@ -9,6 +9,7 @@
 #define VQ_CLIENT_COMMANDLINE_H
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -82,12 +83,18 @@ struct CommandLine {
   // Apply, and the server must be known.
   void ApplyWithServer();
 
+  // From here on the time of --max-time runs, for the calls of this thread, until EndClock.
+  void StartClock();
+  void EndClock() { m_deadline.reset(); }
+
   // The ORB's arguments as C has them; valid as long as `orb` stays as it is.
   std::vector<char*> OrbArguments();
   // What the library reports of the settings with these arguments.
   std::list<vq::Setting> Report() const;
 
  private:
+  std::unique_ptr<vq::CallDeadline> m_deadline;
+
   void FindValues();
   void GiveOrbItsArguments();
   void SettleUserOrFile();

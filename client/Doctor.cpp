@@ -206,6 +206,7 @@ bool Doctor::ExamineNamingService() {
   ConnectionSettings::Get()->SetClientID(CLIENT_CLI);
   std::vector<char*> arguments = m_line.OrbArguments();
   m_reasons.Take();
+  m_line.StartClock();
   if (GL_InitializeCORBA(static_cast<int>(arguments.size()), arguments.data())) {
     return Good("naming service", "it answers");
   }

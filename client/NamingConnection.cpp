@@ -11,6 +11,7 @@ NamingConnection::NamingConnection(CommandLine& line, int limit) {
   ConnectionSettings::Get()->SetClientID(CLIENT_CLI);
   std::vector<char*> arguments = line.OrbArguments();
   LogReasons reasons;
+  line.StartClock();
   m_up = GL_InitializeCORBA(static_cast<int>(arguments.size()), arguments.data());
   if (!m_up) m_error = reasons.Take();
 }

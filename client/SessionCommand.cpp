@@ -1,5 +1,6 @@
 // vqclient session: a whole session, from login to logout, kept alive as long as asked for.
 
+#include <algorithm>
 #include <chrono>
 #include <climits>
 #include <ctime>
@@ -66,15 +67,25 @@ bool KeepUp(const CommandLine& line, const Upkeep& upkeep) {
 int Run(CommandLine& line, const Upkeep& upkeep) {
   ClientSession session(line);
   if (!session.FindCredentials()) return kNoCredentials;
+  using Clock = std::chrono::steady_clock;
+  const auto end = line.maxTime > 0 ? Clock::now() + std::chrono::seconds(line.maxTime)
+                                    : Clock::time_point::max();
   Interrupt interrupt;
   const int result = session.LoginAndFinish();
   Report("login", result);
   if (!IsIn(result)) return ExitCodeOfSession(result);
 
+  // The time of all is that of the login first; later the session ends in order when it is over.
+  line.EndClock();
   int kept = 0;
   bool alive = true;
   while (alive && upkeep.interval > 0 && (upkeep.count == 0 || kept < upkeep.count)) {
-    if (interrupt.Wait(std::chrono::seconds(upkeep.interval))) break;
+    const auto pause =
+        std::min<Clock::duration>(std::chrono::seconds(upkeep.interval), end - Clock::now());
+    if (interrupt.Wait(std::chrono::ceil<std::chrono::milliseconds>(pause)) ||
+        Clock::now() >= end) {
+      break;
+    }
     alive = KeepUp(line, upkeep);
     ++kept;
   }

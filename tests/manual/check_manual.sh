@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # check_manual.sh GROFF PROGRAM PAGES
-# PAGES.1 is the program's manual page, PAGES.bash its completion.
+# PAGES.1 is the program's manual page, PAGES.bash, PAGES.zsh and PAGES.fish its completions. Those for
+# zsh and fish are tried where the shell is there.
 set -euo pipefail
 groff=$1 program=$2 pages=$3
 name=$(basename "$pages")
@@ -26,6 +27,9 @@ walk() { # COMMAND...
   while read -r option; do
     grep -qF -- "${option//-/\\-}" "$pages.1" || fault "the page lacks $option of '$*'"
     [[ $offered == *" $option "* ]] || fault "'$*' does not offer $option"
+    grep -qe "flags='.*$option" "$pages.zsh" || fault "the completion for zsh lacks $option"
+    grep -qF -- "\"__${name}_at '$name${*:+ $*}'\"" <(grep -e " -l ${option#--} " "$pages.fish") ||
+      fault "the completion for fish lacks $option of '$*'"
   done < <(grep -oE '^  (-.,)?--[a-z-]+' <<<"$help" | grep -oE -- '--[a-z-]+')
   for below in $(sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p' <<<"$help"); do
     [[ $offered == *" $below "* ]] || fault "'$*' does not offer $below"
@@ -33,6 +37,32 @@ walk() { # COMMAND...
   done
 }
 walk
+
+if command -v fish >/dev/null; then
+  in_fish() { # LINE: what fish offers for the end of it
+    HOME=$(mktemp -d) fish --no-config -c "source '$pages.fish'; complete -C '$1'" | cut -f1 | xargs
+  }
+  expected=GAS
+  line="$name $([ "$name" = vqclient ] && echo login) --kind GA"
+  [ "$(in_fish "$line")" = "$expected" ] || fault "fish offers '$(in_fish "$line")' for '$line'"
+  if [ "$name" = vqclient ]; then
+    line='vqclient auth --server central ch'
+    [ "$(in_fish "$line")" = check ] || fault "fish offers '$(in_fish "$line")' for '$line'"
+  fi
+fi
+if command -v zsh >/dev/null; then
+  in_zsh() { # WORD...: what zsh offers in place of the last word, among other words
+    zsh -f -c 'compadd() { shift; print -- "$@"; }; _files() { print FILES; }
+      pages=$1; shift; words=("$@"); CURRENT=$#; source "$pages"' zsh "$pages.zsh" "$name" "$@"
+  }
+  if [ "$name" = vqclient ]; then
+    [[ " $(in_zsh auth --server central '') " == *' check '* ]] || fault "zsh does not offer check"
+    [ "$(in_zsh login --kind '')" = 'GSR GAS QIMS Forecast CMS SLS' ] || fault 'zsh offers no kinds'
+    [ "$(in_zsh login -f '')" = FILES ] || fault 'zsh offers no files'
+  else
+    [[ " $(in_zsh '') " == *' --naming-service '* ]] || fault 'zsh does not offer --naming-service'
+  fi
+fi
 
 offers() { # EXPECTED WORD...
   local expected=$1
@@ -48,6 +78,8 @@ if [ "$name" = vqclient ]; then
   offers '--interval' session --in
   offers '' login --int
   offers '' login --server ''
+  offers 'table' auth check ta
+  offers 'naming' config set nam
 fi
 cd "$(dirname "$pages")"
 offers "$name.bash" "$([ "$name" = vqclient ] && echo login || echo --log)" \

@@ -150,6 +150,32 @@ TEST_F(ConfigAPITest, WritersDoNotUndoOneAnotherAndWaitALimitedTime) {
   EXPECT_EQ(Loaded()->GetVar("second", "c"), "2");
 }
 
+TEST_F(ConfigAPITest, AStrongerLayerHidesTheWeakerOneWhateverTheScope) {
+  m_directory.Write(
+      "host/vq.xml",
+      "<domain><scope name='default'><var name='a'>1</var><var name='b'>1</var></scope>"
+      "<scope name='GUI'><var name='b'>2</var><var name='c'>2</var></scope></domain>");
+  m_directory.Write("user/vq.xml",
+                    "<domain><scope name='default'><var name='b'>3</var></scope></domain>");
+  vq::ConfigXml domain(m_directory / "user", "vq", std::chrono::seconds(1), m_directory / "host");
+  ASSERT_TRUE(domain.Load()) << domain.Error();
+  const auto inForce = [&] {
+    std::map<std::string, std::string> table;
+    domain.GetScopeAndDefaultVars("GUI", table);
+    return table;
+  };
+  EXPECT_THAT(inForce(), ElementsAre(Pair("a", "1"), Pair("b", "3"), Pair("c", "2")));
+  EXPECT_EQ(domain.GetVar("GUI", "b"), std::nullopt);
+  EXPECT_TRUE(domain.SetVar("default", "c", "4"));
+  EXPECT_TRUE(domain.RemoveVar("default", "a"));
+  EXPECT_TRUE(domain.Save()) << domain.Error();
+  EXPECT_THAT(inForce(), ElementsAre(Pair("a", "1"), Pair("b", "3"), Pair("c", "4")));
+  EXPECT_THAT(m_directory.Read("host/vq.xml"), HasSubstr("<var name='c'>2</var>"));
+  m_directory.Write("host/vq.xml", "<domain");
+  EXPECT_FALSE(domain.Load());
+  EXPECT_THAT(domain.Error(), HasSubstr("host/vq.xml"));
+}
+
 TEST_F(ConfigAPITest, AFullDiskLeavesTheOldFileAndASaveItsPermissionsAndLinks) {
   const std::string target = m_directory.Write("site/real.xml", "<domain/>");
   ::chmod(target.c_str(), 0640);

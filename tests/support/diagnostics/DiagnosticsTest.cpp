@@ -83,7 +83,7 @@ TEST_F(PasswordFileTest, OnlyAPrivateRegularFileOfThatNameIsReadAndTheLogTellsWh
   const std::string path = Written("password=sesame\nsesame\n");
   vq::test::LogCapture log(5);
   Read(path);
-  EXPECT_THAT(log.Take(), ElementsAre("2 Password file " + path +
+  EXPECT_THAT(log.Take(), ElementsAre("1 Password file " + path +
                                       " refused: a line is neither user= nor password="));
   Written("user=u");
   ASSERT_EQ(symlink(path.c_str(), (m_directory / "link").c_str()), 0);

@@ -23,14 +23,24 @@ using vq::test::Variable;
 TEST(Locations, ComeFromTheEnvironmentInTheirOrder) {
   const struct {
     const char *home, *vqHome, *vqData, *domains, *xdgData;  // null for unset
-    const char *root, *data, *config;
-  } cases[] = {{"/u", nullptr, nullptr, nullptr, nullptr, "", "/u/.local/share/vq/", "config/"},
-               {"/u", "", "", "", "", "", "/u/.local/share/vq/", "config/"},
-               {"/u/", nullptr, nullptr, "/c", "x", "", "/u/.local/share/vq/", "/c/"},
-               {"/u", nullptr, nullptr, nullptr, "/x", "", "/x/vq/", "config/"},
-               {"/u", "/o", nullptr, nullptr, "/x", "/o/", "/o/data/", "/o/config/"},
-               {nullptr, "/o/", "/d/", "/c/", nullptr, "/o/", "/d/", "/c/"},
-               {nullptr, "/o", "/d", "/c", nullptr, "/o/", "/d/", "/c/"}};
+    const char *root, *data;
+    std::vector<std::string> config;  // the layers
+  } cases[] = {
+      {"/u",
+       nullptr,
+       nullptr,
+       nullptr,
+       nullptr,
+       "",
+       "/u/.local/share/vq/",
+       {"/u/.config/vq/", "/etc/vq/"}},
+      {"/u", "", "", "", "", "", "/u/.local/share/vq/", {"/u/.config/vq/", "/etc/vq/"}},
+      {"/u/", nullptr, nullptr, "/c", "x", "", "/u/.local/share/vq/", {"/c/"}},
+      {"/u", nullptr, nullptr, nullptr, "/x", "", "/x/vq/", {"/u/.config/vq/", "/etc/vq/"}},
+      {"/u", "/o", nullptr, nullptr, "/x", "/o/", "/o/data/", {"/u/.config/vq/", "/o/config/"}},
+      {nullptr, "/o/", "/d/", "/c/", nullptr, "/o/", "/d/", {"/c/"}},
+      {nullptr, "/o", "/d", "/c", nullptr, "/o/", "/d/", {"/c/"}}};
+  const Variable noConfigHome("XDG_CONFIG_HOME");
   const auto optional = [](const char* text) {
     return text != nullptr ? std::optional<std::string>(text) : std::nullopt;
   };
@@ -44,7 +54,8 @@ TEST(Locations, ComeFromTheEnvironmentInTheirOrder) {
         xdgData("XDG_DATA_HOME", optional(c.xdgData));
     EXPECT_EQ(GetVQRootLocation(), installed(c.root));
     EXPECT_EQ(GetVQDataLocation(), c.data);
-    EXPECT_EQ(GetConfigDomainsDir(), installed(c.config));
+    EXPECT_EQ(vq::GetConfigDomainsDirs(), c.config);
+    EXPECT_EQ(GetConfigDomainsDir(), geteuid() == 0 ? c.config.back() : c.config.front());
   }
   const Variable unset("VQ_CONFIG_DOMAIN");
   EXPECT_EQ(GetConfigDomainName(), "vq");
