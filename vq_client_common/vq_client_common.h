@@ -40,6 +40,7 @@
 #include <vq_client_common/session/PasswordPolicy.h>
 #include <vq_client_common/session/ServerId.h>
 #include <vq_client_common/session/ServerLocale.h>
+#include <vq_client_common/session/Session.h>
 #include <vq_client_common/session/SettingsReport.h>
 #include <vq_client_common/session/StoredSettings.h>
 #include <vq_client_common/session/SystemParameterHandler.h>

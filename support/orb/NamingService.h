@@ -35,6 +35,9 @@ class NamingService {
   // The caller owns the result. Raises what the call raises.
   CORBA::Object_ptr Resolve(const CosNaming::Name& name);
 
+  // The one that answered last; borrowed.
+  CosNaming::NamingContext_ptr Root() const { return m_roots[m_answering].in(); }
+
  private:
   template <class Call>
   auto Ask(Call call);

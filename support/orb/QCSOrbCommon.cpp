@@ -10,6 +10,8 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/DomainScopes.h>
+#include <support/orb/FailedCall.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/NamingService.h>
 #include <support/orb/OrbProduct.h>
 #include <support/orb/OrbSettings.h>
@@ -103,6 +105,7 @@ bool QCSOrbCommon::InitCorba4Client(int argc, char** argv, const char* name) {
 
 bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::InitAlways");
+  vq::orb::TakeCause();
   const std::string orbName = name;
   std::vector<std::string> productArguments;
   if (!ReadSettings(argc, argv, ScopeOf(orbName), productArguments)) return false;
@@ -113,8 +116,10 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
       return true;
     }
   } catch (const std::invalid_argument& e) {
+    vq::orb::NoteCause(e.what());
     VQ_LOG(diag, 1) << "The ORB " << orbName << " is not started: " << e.what();
   } catch (const CORBA::Exception& e) {
+    vq::orb::NoteCause("the ORB does not start: " + vq::orb::ExceptionText(e));
     VQ_LOG(diag, 1) << "The ORB " << orbName << " does not start. Check its -ORB options and that "
                     << "it may listen on " << m_settings->table.front().value << ": " << e;
   }
@@ -127,6 +132,7 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReadSettings");
   vq::orb::DomainScopes domain;
   if (!vq::orb::ReadDomainScopes(scope, domain)) {
+    vq::orb::NoteCause(domain.error);
     VQ_LOG(diag, 1) << domain.error;
     return false;
   }
@@ -137,6 +143,7 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
     ResolvePublishedHost(*m_settings);
     productArguments = arguments.rest;
   } catch (const std::invalid_argument& e) {
+    vq::orb::NoteCause(e.what());
     VQ_LOG(diag, 1) << "The ORB " << scope << " is not started: " << e.what();
     return false;
   }
@@ -150,22 +157,27 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
 // the place where the reason can still be told apart from a server that is not running.
 bool QCSOrbCommon::ReachNamingService() {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReachNamingService");
+  constexpr const char* kNoNamingService = "no naming service is configured; set -ORBInitRef";
   try {
     m_naming = std::make_unique<vq::orb::NamingService>(*m_instance, *m_settings);
     m_naming->Reach();
     return true;
   } catch (const CORBA::OBJECT_NOT_EXIST&) {
+    vq::orb::NoteCause("the reference of the naming service is of no object that exists");
     VQ_LOG(diag, 1) << "The naming service's reference is of no object that exists. Correct "
                     << "-ORBInitRef NameService=corbaloc:iiop:HOST:PORT/NameService";
   } catch (const CORBA::ORB::InvalidName& e) {
+    vq::orb::NoteCause(kNoNamingService);
     VQ_LOG(diag, 1) << "No naming service is configured. Set -ORBInitRef "
                     << "NameService=corbaloc:iiop:HOST:PORT/NameService on the command line or in "
                     << "the configuration domain: " << e;
   } catch (const CORBA::NO_RESOURCES& e) {
+    vq::orb::NoteCause(kNoNamingService);
     VQ_LOG(diag, 1) << "No naming service is configured. Set -ORBInitRef "
                     << "NameService=corbaloc:iiop:HOST:PORT/NameService on the command line or in "
                     << "the configuration domain: " << e;
   } catch (const CORBA::Exception& e) {
+    vq::orb::NoteFailedCall(e, m_naming != nullptr ? m_naming->Root() : nullptr);
     VQ_LOG(diag, 1) << "The naming service does not answer. Check that it runs and that a firewall "
                     << "does not block its port: " << e;
   }
@@ -176,16 +188,27 @@ CORBA::Object_ptr QCSOrbCommon::Bind(const std::string& server, const std::strin
                                      const std::string& service, bool probe) {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::Bind");
   if (!IsInitialized()) throw CORBA::BAD_INV_ORDER(0, CORBA::COMPLETED_NO);
-  CORBA::Object_var object = m_naming->Resolve(ServiceName(server, kind, service));
-  if (probe && !CORBA::is_nil(object.in()) && object->_non_existent()) {
-    throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
+  vq::orb::TakeCause();
+  CORBA::Object_var object;
+  try {
+    object = m_naming->Resolve(ServiceName(server, kind, service));
+    if (probe && !CORBA::is_nil(object.in()) && object->_non_existent()) {
+      throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
+    }
+  } catch (const CosNaming::NamingContext::NotFound&) {
+    vq::orb::NoteCause("the naming service knows no " + service + " of a server '" + server +
+                       "' of the kind " + kind);
+    throw;
+  } catch (const CORBA::Exception& e) {
+    vq::orb::NoteFailedCall(e, CORBA::is_nil(object.in()) ? m_naming->Root() : object.in());
+    throw;
   }
   return object._retn();
 }
 
 CosNaming::NamingContext_ptr QCSOrbCommon::GetNamingRoot() {
   if (!IsInitialized()) throw CORBA::BAD_INV_ORDER(0, CORBA::COMPLETED_NO);
-  return m_namingRoot.in();
+  return m_naming->Root();
 }
 
 void QCSOrbCommon::DestroyOrb(bool wait) {
@@ -201,8 +224,12 @@ void QCSOrbCommon::DestroyOrb(bool wait) {
   m_settings.reset();
 }
 
+std::optional<std::chrono::sys_seconds> QCSOrbCommon::CertificateExpiry() const {
+  return m_instance != nullptr ? m_instance->CertificateExpiry() : std::nullopt;
+}
+
 int QCSOrbCommon::CheckCertificateExpiration(int days) const {
-  const auto expiry = m_instance != nullptr ? m_instance->CertificateExpiry() : std::nullopt;
+  const auto expiry = CertificateExpiry();
   if (!expiry) return 0;
   const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
   return *expiry - now < std::chrono::days(days) ? -1 : 0;

@@ -14,7 +14,9 @@
 #ifndef VQ_SUPPORT_ORB_QCSORBCOMMON_H
 #define VQ_SUPPORT_ORB_QCSORBCOMMON_H
 
+#include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -67,6 +69,9 @@ class VQ_SUPPORT_API QCSOrbCommon {
   // -1 when the certificate in use expires within `days` days, 0 otherwise, also when no
   // certificate is in use.
   int CheckCertificateExpiration(int days) const;
+
+  // When the certificate in use expires; nothing when none is in use.
+  std::optional<std::chrono::sys_seconds> CertificateExpiry() const;
 
   // The POA for this ORB's servants, activated. Borrowed. Raises CORBA::SystemException.
   PortableServer::POA_ptr GetChildPoa();

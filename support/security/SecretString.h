@@ -14,17 +14,19 @@
 #include <string>
 #include <string_view>
 
+#include <support/Export.h>
+
 namespace vq {
 
 // Overwrites the whole buffer of `text`, what lies between its length and its capacity included,
 // and leaves it empty. The compiler does not optimise the overwriting away. Buffers that the string
 // gave up earlier, when it grew, are out of reach.
-void Wipe(std::string& text) noexcept;
+VQ_SUPPORT_API void Wipe(std::string& text) noexcept;
 
 // Owns one text and wipes it when it is destroyed, assigned to or moved from.
 //
 // Thread contract: as a std::string; an object belongs to one thread at a time.
-class SecretString {
+class VQ_SUPPORT_API SecretString {
  public:
   SecretString() = default;
   explicit SecretString(std::string_view text) : m_text(text) {}

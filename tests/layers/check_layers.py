@@ -44,8 +44,9 @@ MAY_INCLUDE = {
 }
 # Within session/ a file may include only files that stand further down in this list.
 SESSION_ORDER = (
-    "GlobalFuncs", "PasswordPolicy", "LoginHandler", "internal/VersionGate",
+    "Session", "GlobalFuncs", "PasswordPolicy", "LoginHandler", "internal/VersionGate",
     "internal/Registrant", "LoginExceptions", "ServerLocale", "SettingsReport",
+    "StoredSettings",
     "internal/SessionTimeOut", "SystemParameterHandler", "internal/UsersManager",
     "CorbaGlobalFuncs", "CorbaServerPackManager", "ConnectionSettings", "internal/Collaborators",
     "internal/ClientTable", "ClientId", "ServerId", "LoginResult", "CorbaCallbackCommand",

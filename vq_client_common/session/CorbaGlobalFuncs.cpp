@@ -3,6 +3,7 @@
 #include <string>
 
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaServerPackManager.h>
@@ -23,6 +24,7 @@ void Log(int level, const Pieces&... pieces) {
 template <class T>
 int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID serverId, bool probe) {
   Log(6, "GetCRBServant");
+  vq::orb::TakeCause();  // of an earlier call
   try {
     CorbaServerPackManager* const cache = CorbaServerPackManager::Get();
     const CORBA::Object_ptr cached = cache->FindItem(name, serverId);

@@ -1,5 +1,6 @@
 #include <vq_client_common/session/GlobalFuncs.h>
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 #include <vector>
@@ -7,6 +8,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Environment.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/environment/ClientProperties.h>
 #include <vq_client_common/session/ConnectionSettings.h>
@@ -71,6 +73,7 @@ int GL_Login(const std::string& user, const std::string& password, const std::st
              unsigned int timeOut, std::string& message, CLIENT_ID clientId, SERVER_ID serverId,
              int argc, char** argv) {
   const TDiagFunc diag(diagModule, "GL_Login");
+  vq::orb::TakeCause();
   try {
     // First of all, because the ORB is named after the client.
     ConnectionSettings::Get()->SetClientID(clientId);
@@ -85,9 +88,18 @@ int GL_Login(const std::string& user, const std::string& password, const std::st
     message = e.handle();
     return e.GetReturnCode();
   } catch (const std::exception& e) {
+    vq::orb::NoteCause(e.what());
     VQ_LOG(diag, 1) << "failed with excepion: " << e.what();
     return 0;
   }
+}
+
+std::string GL_GetFailureCause() {
+  std::string cause = vq::orb::TakeCause();
+  vq::orb::NoteCause(cause);  // to be asked for again
+  std::replace_if(
+      cause.begin(), cause.end(), [](char c) { return c == '\n' || c == '\t'; }, ' ');
+  return cause;
 }
 
 bool GL_InitializeCORBA(int argc, char** argv) {
@@ -109,6 +121,7 @@ int GL_PostLogin(std::string& message) {
   int result = 0;
   try {
     result = LoginHandler::GetGlobal()->PostLogin();
+    vq::orb::TakeCause();  // It is done, whatever failed on the way.
   } catch (BaseLoginEx& e) {
     message = e.handle();
     return e.GetReturnCode();

@@ -37,6 +37,12 @@ VQ_CLIENT_COMMON_API int GL_Login(const std::string& user, const std::string& pa
                                   std::string& message, CLIENT_ID clientId, SERVER_ID serverId,
                                   int argc, char** argv);
 
+// Why the last GL_Login, GL_InitializeCORBA, GL_PostLogin, GL_ReLogin or GL_ClientKeepAlive of this
+// thread failed, in one line for an administrator: "connection refused at 10.1.2.3:4711", "the
+// value 'x' of -ORBCallTimeout is not ...". Empty after a success, and where the text for the user
+// says it all, as with a wrong password.
+VQ_CLIENT_COMMON_API std::string GL_GetFailureCause();
+
 // Brings the session's ORB up, if it is not. GL_Login does it in any case; a client may do it
 // earlier. True when the ORB is up. The ORB is named after the client ID of ConnectionSettings.
 VQ_CLIENT_COMMON_API bool GL_InitializeCORBA(int argc, char** argv);

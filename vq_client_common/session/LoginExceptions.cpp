@@ -1,9 +1,11 @@
 #include <vq_client_common/session/LoginExceptions.h>
 
 #include <cstddef>
+#include <utility>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/ReplaceFirst.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/ReferenceAddress.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/LoginResult.h>
@@ -49,9 +51,22 @@ vq::orb::ReferenceAddress ServerAddress(CORBA::Object_ptr server) {
   return address;
 }
 
+// The second look-up must not replace the cause of the first.
+class CauseKeeper {
+ public:
+  CauseKeeper() : m_cause(vq::orb::TakeCause()) {}
+  ~CauseKeeper() { vq::orb::NoteCause(std::move(m_cause)); }
+  CauseKeeper(const CauseKeeper&) = delete;
+  CauseKeeper& operator=(const CauseKeeper&) = delete;
+
+ private:
+  std::string m_cause;
+};
+
 std::string NoServerText() {
   const std::string server = ConnectionSettings::Get()->GetServerName();
   QCSCorbaUsersManager_ptr users;
+  const CauseKeeper cause;
   // The look-up does not ask the server whether it is there: a reference alone tells where it ought
   // to listen, also when it does not.
   if (vq::session::GetUsersManager(users, vq::session::SessionServerId(), false) == 1) {

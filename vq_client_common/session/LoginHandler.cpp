@@ -5,9 +5,12 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailedCall.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
 #include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/CorbaServerPackManager.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/ServerLocale.h>
@@ -30,8 +33,10 @@ enum class Wording { kRegistration, kUpkeep };
 
 // Called in a handler of CORBA::Exception: logs it. Returns kFailed for an exception that the suite
 // declares; raises ServerTypeEx for any other.
-int ConversationEnded(const TDiagFunc& diag, Wording wording) {
+int ConversationEnded(const TDiagFunc& diag, Wording wording, const CORBA::Exception& exception) {
   const bool registration = wording == Wording::kRegistration;
+  vq::orb::NoteFailedCall(exception, CorbaServerPackManager::Get()->FindItem(
+                                         "UsersManager", vq::session::SessionServerId()));
   try {
     throw;
   } catch (const CORBA::SystemException& e) {
@@ -113,7 +118,10 @@ void LoginHandler::SetConnectionData(const std::string& user, const std::string&
   m_connectionSettings->LoadEncodePassword(serverId);
   m_connectionSettings->SetClientID(clientId);
   SetServedID(serverId);
-  if (user.empty() || password.empty() || server.empty()) throw UserAuthEx("", user);
+  if (user.empty() || password.empty() || server.empty()) {
+    vq::orb::NoteCause("the user, the password or the server's name is empty");
+    throw UserAuthEx("", user);
+  }
 }
 
 int LoginHandler::Login(std::string& message, unsigned int timeOut) {
@@ -125,8 +133,8 @@ int LoginHandler::Register(unsigned int timeOut, std::string& message) {
   const TDiagFunc diag(diagModule, "LoginHandler::Register");
   try {
     return Converse(diag, timeOut, message);
-  } catch (const CORBA::Exception&) {
-    return ConversationEnded(diag, Wording::kRegistration);
+  } catch (const CORBA::Exception& e) {
+    return ConversationEnded(diag, Wording::kRegistration, e);
   }
 }
 
@@ -158,6 +166,7 @@ int LoginHandler::Converse(const TDiagFunc& diag, unsigned int timeOut, std::str
       registrant.Host().c_str(), registrant.Account().c_str(),
       m_connectionSettings->GetClientID4CRBRegister().c_str(), versionWithPatches.c_str(),
       loginMessages.out(), timeOut, serverMessage.out(), userId.out(), dbUser.out());
+  vq::orb::TakeCause();  // The server has answered: its message is the cause.
   message = serverMessage.in();
   if (result == vq::CodeOf(vq::LoginResult::kPasswordAboutToExpire) && message.empty()) {
     message = "Your password is about to expire.\t";
@@ -215,8 +224,8 @@ int LoginHandler::RegisterTimeOut(long timeOut) {
     if (result != 1) {
       VQ_LOG(diag, 1) << "CRB_ResetTimeout failed resulted with code:" << result;
     }
-  } catch (const CORBA::Exception&) {
-    ConversationEnded(diag, Wording::kUpkeep);
+  } catch (const CORBA::Exception& e) {
+    ConversationEnded(diag, Wording::kUpkeep, e);
   }
   return result;
 }
@@ -233,11 +242,12 @@ int LoginHandler::ClientKeepAlive() {
     try {
       return users->CRB_ClientKeepAlive(userId.c_str());
     } catch (const CORBA::Exception& e) {
+      vq::orb::NoteFailedCall(e, users);
       VQ_LOG(diag, 1) << "CORBA::Exception was caught during Client Keep Alive (" << e << ").";
       throw ServerTypeEx("");
     }
-  } catch (const CORBA::Exception&) {
-    return ConversationEnded(diag, Wording::kUpkeep);
+  } catch (const CORBA::Exception& e) {
+    return ConversationEnded(diag, Wording::kUpkeep, e);
   }
 }
 

@@ -78,6 +78,8 @@ std::string WithNumber(std::string text, int number) {
   return text;
 }
 
+thread_local bool passwordChanged = false;  // by the last SetUserPassword
+
 // Registers with the old password and stores the new one, in one call. `result` holds what the call
 // will leave if it raises: the outcome of GetClientVersion, normally 1.
 void RegisterAndUpdate(QCSCorbaUsersManager_ptr users, const vq::SecretString& newPassword,
@@ -170,6 +172,7 @@ int CheckPasswordValidity(const std::string& password, std::string& message) {
 
 int SetUserPassword(const std::string& newPassword, bool expired) {
   const TDiagFunc diag(diagModule, "SetUserPassword");
+  passwordChanged = false;
   ConnectionSettings* const settings = ConnectionSettings::Get();
   std::string wireText =
       settings->IsEncodePassword() ? ConnectionSettings::EncodePassword(newPassword) : newPassword;
@@ -187,7 +190,10 @@ int SetUserPassword(const std::string& newPassword, bool expired) {
           users->CRB_UpdateUserPassword(settings->getUserName().c_str(),
                                         wirePassword.Text().c_str(), settings->GetUserID().c_str());
     }
-    if (result == 1) settings->SetPassword(newPassword);
+    if (result == kPassed) {
+      passwordChanged = true;
+      settings->SetPassword(newPassword);
+    }
     return result;
   } catch (const USER_NOT_FOUND&) {
     VQ_LOG(diag, 1) << "Failed with USER_NOT_FOUND exception.";
@@ -202,4 +208,8 @@ int SetUserPassword(const std::string& newPassword, bool expired) {
   // Intentional: after a failed registration this is still the outcome of GetClientVersion, so 1
   // reaches the caller although neither the user ID nor the password was stored.
   return result;
+}
+
+bool WasPasswordChanged() {
+  return passwordChanged;
 }

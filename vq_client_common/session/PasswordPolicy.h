@@ -45,10 +45,14 @@ VQ_CLIENT_COMMON_API int CheckPasswordValidity(const std::string& password, std:
 // Changes the password of the user of ConnectionSettings at the server: in the running session, or
 // with `expired` by registering and changing in one step after a login that gave 48. Returns the
 // server's result, 1 for success; 43 when the user is not authorized; 0 on a local failure, and
-// when the server cannot be reached or fails. With `expired`, 1 is also what a server that fails in
-// mid call leaves: LoginHandler::IsConnected tells the two apart. On success ConnectionSettings
-// holds the new password, and with `expired` the user ID of the new session, which GL_PostLogin
-// then finishes.
+// when the server cannot be reached or fails. With `expired`, a server that fails in mid call
+// leaves the result of LoginHandler::GetClientVersion, which is 1 or 20: ask WasPasswordChanged. On
+// success ConnectionSettings holds the new password, and with `expired` the user ID of the new
+// session, which GL_PostLogin then finishes.
 VQ_CLIENT_COMMON_API int SetUserPassword(const std::string& newPassword, bool expired);
+
+// Whether the server confirmed the last SetUserPassword of this thread. After a connection that
+// broke in mid call it is false, although the server may have stored the new password.
+VQ_CLIENT_COMMON_API bool WasPasswordChanged();
 
 #endif  // VQ_CLIENT_COMMON_SESSION_PASSWORDPOLICY_H

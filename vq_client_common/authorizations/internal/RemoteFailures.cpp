@@ -1,6 +1,7 @@
 #include <vq_client_common/authorizations/internal/RemoteFailures.h>
 
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailedCall.h>
 #include <vq_idl/UsersManagerC.h>
 
 namespace vq::authorizations {
@@ -18,6 +19,7 @@ int RunLoad(const TDiagFunc& diag, const std::function<int()>& load) {
     VQ_LOG(diag, 1) << "CRB_GetActionAuthLevel Failed with INVALID_ACTION_NAME exception";
     return kSuccess;  // Counts as success, and that is meant: the login goes on.
   } catch (const CORBA::SystemException& e) {
+    orb::NoteFailedCall(e, CORBA::Object::_nil());
     VQ_LOG(diag, 1) << "CORBA Exception " << e;
     return kSystemException;
   }

@@ -3,12 +3,14 @@
 #include <utility>
 
 #include <support/foundations/Platform.h>
+#include <support/orb/FailureCause.h>
 #include <support/security/ChallengeResponse.h>
 
 namespace vq::session {
 
 bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
   if (!HostName(m_host)) {
+    orb::NoteCause("this host has no name");
     VQ_LOG(diag, 1) << "Couldn't get host name.";
     return false;
   }
@@ -17,6 +19,7 @@ bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
                   << " SystemUserName=" << m_account;
   // The name decides, not the call's result.
   if (m_account.empty()) {
+    orb::NoteCause("the account of this process has no name");
     VQ_LOG(diag, 1) << "couldn't get system user name.";
     return false;
   }
@@ -33,6 +36,7 @@ bool Registrant::FindPassword(const ConnectionSettings& settings, QCSCorbaUsersM
   CORBA::String_var first;
   CORBA::String_var second;
   if (users->CRB_AquireChallenge(first.out(), second.out()) != 1) {
+    orb::NoteCause("the server gave no challenge for the password");
     VQ_LOG(diag, 1) << "Couldn't get Challenge";
     return false;
   }

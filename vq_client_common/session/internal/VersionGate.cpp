@@ -17,6 +17,7 @@
 #include <support/foundations/ProductVersion.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailedCall.h>
 #include <support/os_toolkit/Atoi.h>
 #include <support/os_toolkit/os_tokenizer.h>
 #include <vq_client_common/session/ConnectionSettings.h>
@@ -215,6 +216,7 @@ bool PassVersionGate(QCSCorbaUsersManager_ptr users, const std::string& clientVe
     VQ_LOG(diag, 2) << "Continue with login process...";
     return true;
   } catch (const CORBA::Exception& e) {
+    orb::NoteFailedCall(e, users);
     // Intentional: the line promises that the check is ignored, and the login fails all the
     // same.
     VQ_LOG(diag, 1) << "CORBA::Exception was caught during versions verification (" << e

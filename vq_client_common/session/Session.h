@@ -1,0 +1,147 @@
+// A session with the central server: logged in when it is made, logged out when it goes.
+//
+//   try {
+//     vq::Session session({.server = "central", .user = "alice",
+//                          .credentials = vq::AskForPassword(), .orbArguments = {argv, argv +
+//                          argc}});
+//     std::cout << session.Parameter("Language").value_or("not set") << '\n';
+//     if (session.Authorizations()->IsAlertsAccessAllowed(UPDATE_ACCESS)) ...
+//   } catch (const vq::LoginError& e) {
+//     std::cerr << e.what() << '\n' << e.Cause() << '\n';
+//     return e.Code();
+//   }
+//
+// It makes the calls of GL_Login, GL_PostLogin and GL_LogOut (GlobalFuncs.h), and those functions
+// see the same session. A process has one session at a time.
+#ifndef VQ_CLIENT_COMMON_SESSION_SESSION_H
+#define VQ_CLIENT_COMMON_SESSION_SESSION_H
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <support/security/SecretString.h>
+#include <vq_client_common/Export.h>
+#include <vq_client_common/session/ClientId.h>
+#include <vq_client_common/session/LoginResult.h>
+#include <vq_client_common/session/ServerId.h>
+
+class UserAuthorizations;
+
+namespace vq {
+
+// Why there is no session.
+class VQ_CLIENT_COMMON_API LoginError : public std::runtime_error {
+ public:
+  LoginError() : LoginError(LoginResult::kFailed, "", "") {}
+  // `text`: for the user; blanks, tabs and line ends behind it are taken off.
+  LoginError(LoginResult result, const std::string& text, std::string cause);
+  ~LoginError() override;
+  LoginError(const LoginError&) = default;
+  LoginError& operator=(const LoginError&) = default;
+
+  // what() is the text for the user, never empty but in an object made without arguments.
+  LoginResult Result() const { return m_result; }
+  int Code() const { return CodeOf(m_result); }  // a code of the server's own keeps its number
+  // One line for an administrator, "connection refused at host:port" for one; may be empty.
+  const std::string& Cause() const { return m_cause; }
+
+ private:
+  LoginResult m_result;
+  std::string m_cause;
+};
+
+// Completes user and password, of which one or both are empty. Returns why it cannot, or nothing.
+using CredentialSource = std::function<std::string(std::string& user, SecretString& password)>;
+// Asks on the terminal for what is missing, the password without echo, or reads standard input.
+VQ_CLIENT_COMMON_API CredentialSource AskForPassword();
+// Reads a password file (UserPass.h).
+VQ_CLIENT_COMMON_API CredentialSource ReadPasswordFile(const std::string& path);
+
+struct SessionOptions {
+  std::string server;  // its name in the naming service
+  SERVER_ID kind = E_GSR;
+  CLIENT_ID client = CLIENT_CLI;
+  std::string user;
+  SecretString password;
+  CredentialSource credentials = nullptr;  // called when the password is empty
+  // Called when the password has expired, with the server's message: returns the new one, or an
+  // empty one to give up.
+  std::function<SecretString(const std::string& message)> newPassword = nullptr;
+  // The server drops a session that is not kept alive for so long. The settings of the site come
+  // first (GL_GetCRBRegisterTimeOut).
+  std::chrono::seconds timeOut{600};
+  std::string namingService;              // "corbaloc:iiop:HOST:PORT/NameService"; empty: as set
+  std::vector<std::string> orbArguments;  // the command line, or nothing; read for -ORB options
+  std::chrono::milliseconds deadline{0};  // for the whole login; 0: each call has its time-out
+
+  // Above 0: a thread of the object's own keeps the session alive in this interval.
+  std::chrono::seconds keepAlive{0};
+  bool renew = false;  // that thread registers a lost session again
+  // Called by that thread once for each loss that is not made good at once. Must not throw.
+  std::function<void()> onLost = nullptr;
+};
+
+// Thread safety: every member may be called from any thread. Members that ask the server wait for
+// each other; Authorizations, Message and IsLost wait for none. The GL_ functions do not take part
+// in that. A moved-from object raises std::logic_error.
+class VQ_CLIENT_COMMON_API Session {
+ public:
+  // Logs in, or raises LoginError. What was begun is then undone.
+  explicit Session(SessionOptions options);
+  // The same without exceptions: nothing, with the reason in `error`.
+  static std::optional<Session> Open(SessionOptions options, LoginError& error);
+
+  // Logs out, and ends the ORB if this object started it. Takes at most a time-out for the logout
+  // and one for a call that another thread is making. Never throws. std::exit does the same.
+  ~Session();
+  Session(Session&& other) noexcept;
+  Session& operator=(Session&& other) noexcept;
+
+  LoginResult Result() const;   // of the login: kSuccess or kPasswordAboutToExpire
+  std::string Message() const;  // the last one from the server, for the user; mostly empty
+
+  // A parameter of the server. Nothing when it has none of that name, or cannot be asked.
+  std::optional<std::string> Parameter(const std::string& name,
+                                       const std::string& section = "general") const;
+
+  // What the user may do, as it was at the login (authorizations/UserAuthorizations.h). Questions
+  // need no lock; the object may outlive the session.
+  std::shared_ptr<const UserAuthorizations> Authorizations() const;
+
+  // kSuccess; kFailed when the server does not know the session any more; kNoServer when it does
+  // not answer.
+  LoginResult KeepAlive();
+  // Whether the session is lost: the server does not know it, or did not answer any keep-alive for
+  // the time-out of the session.
+  bool IsLost() const;
+  // Registers again with the same user and password. What it returns is a result of a login, and
+  // Message has the server's words.
+  LoginResult Renew();
+
+  // Checks the site's policy and changes the password. kPasswordRefusedByPolicy: Message says why.
+  LoginResult ChangePassword(const SecretString& newPassword);
+
+  // The time left of the client's TLS certificate, once the site's parameter
+  // WarningSSLExpirationDays asks for a warning; nothing before that and without a certificate.
+  std::optional<std::chrono::days> CertificateWarning() const;
+
+  // A server object, as GetCRBServant finds it (CorbaGlobalFuncs.h), as a reference of the caller's
+  // own; nil when it cannot be found. For the two types of GetCRBServant.
+  template <class T>
+  typename T::_var_type Servant(const char* name) const;
+
+ private:
+  class State;
+  State& Get() const;
+
+  std::shared_ptr<State> m_state;
+};
+
+}  // namespace vq
+
+#endif  // VQ_CLIENT_COMMON_SESSION_SESSION_H
