@@ -6,6 +6,7 @@
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/PasswordPolicy.h>
+#include <vq_client_common/session/Session.h>
 
 namespace vq::test {
 namespace {
@@ -134,6 +135,33 @@ TEST_F(PasswordTest, AFailedChangeKeepsThePassword) {
     EXPECT_EQ(LoginHandler::GetGlobal()->IsConnected(), !expired) << faults;
     server.SetFaults(json::array());
     GL_LogOut(false);
+  }
+}
+
+TEST_F(PasswordTest, ARefusedSessionsUserIdHidesNoFailedChange) {
+  InstallClient("8.0.00");
+  json site = BaseSite();
+  site["users"]["expired"]["replyUserId"] = "left-over";
+  Server& server = StartServer(site);
+  vq::SessionOptions options;
+  options.server = "central", options.user = "expired";
+  options.password = vq::SecretString("secret");
+  options.namingService = m_naming->Reference();
+  options.newPassword = [](const std::string& why) {
+    return vq::SecretString(why == "Password has expired." ? "new-password" : "");
+  };
+  vq::LoginError error;
+  for (const bool fails : {true, false}) {
+    const json drop = {{{"operation", "CRB_RegisterAndUpdatePassword"}, {"action", "drop"}}};
+    server.SetFaults(fails ? drop : json::array());
+    ASSERT_EQ(Login("expired"), 48);
+    ASSERT_TRUE(LoginHandler::GetGlobal()->IsConnected()) << "a user ID came with the refusal";
+    EXPECT_EQ(SetUserPassword("new-password", true), 1);
+    EXPECT_EQ(WasPasswordChanged(), !fails);
+    GL_LogOut(true);
+    server.Control({{"command", "reset"}});
+    EXPECT_EQ(vq::Session::Open(options, error).has_value(), !fails) << error.Cause();
+    EXPECT_EQ(WasPasswordChanged(), !fails);
   }
 }
 

@@ -151,3 +151,31 @@ bool UserPass::GetConsoleMissData() {
   m_status = GetInitialStatus(true);
   return !isFailed && m_status == STAT_OK;
 }
+
+namespace vq {
+namespace {
+
+std::string Complete(UserPass found, std::string& user, SecretString& password) {
+  if (!found.Init()) return found.GetStatStr();
+  user = found.GetUsername();
+  std::string text = found.GetPassword();
+  password = SecretString(text);
+  Wipe(text);
+  return {};
+}
+
+}  // namespace
+
+CredentialSource AskForPassword() {
+  return [](std::string& user, SecretString& password) {
+    return Complete(UserPass(user, "", ""), user, password);
+  };
+}
+
+CredentialSource ReadPasswordFile(const std::string& path) {
+  return [path](std::string& user, SecretString& password) {
+    return Complete(UserPass("", "", path), user, password);
+  };
+}
+
+}  // namespace vq

@@ -18,8 +18,10 @@
 #ifndef VQ_CLIENT_COMMON_ENVIRONMENT_USERPASS_H
 #define VQ_CLIENT_COMMON_ENVIRONMENT_USERPASS_H
 
+#include <functional>
 #include <string>
 
+#include <support/security/SecretString.h>
 #include <vq_client_common/Export.h>
 
 // A user name, a password and a password file, each of them empty when not given, with the status
@@ -97,5 +99,18 @@ class VQ_CLIENT_COMMON_API UserPass {
   std::string m_passFile;
   eStatus m_status = STAT_NOT_INITIALIZED;
 };
+
+namespace vq {
+
+// Completes a user name and a password, of which one or both are empty. Returns why it cannot, and
+// nothing when it could.
+using CredentialSource = std::function<std::string(std::string& user, SecretString& password)>;
+
+// Asks on the console for what is missing, as UserPass does.
+VQ_CLIENT_COMMON_API CredentialSource AskForPassword();
+// Reads a password file, as UserPass does.
+VQ_CLIENT_COMMON_API CredentialSource ReadPasswordFile(const std::string& path);
+
+}  // namespace vq
 
 #endif  // VQ_CLIENT_COMMON_ENVIRONMENT_USERPASS_H

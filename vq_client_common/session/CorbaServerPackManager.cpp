@@ -46,6 +46,15 @@ void CorbaServerPackManager::Reset() {
   m_items.clear();
 }
 
+std::vector<CORBA::Object_var> CorbaServerPackManager::TakeAll() {
+  const std::lock_guard lock(m_lock);
+  std::vector<CORBA::Object_var> taken(m_items.size());
+  auto place = taken.begin();
+  for (const auto& [key, object] : m_items) *place++ = object;
+  m_items.clear();
+  return taken;
+}
+
 void CorbaServerPackManager::DiagPdefWrapper(int level, const std::string& text) {
   VQ_LOG(diagModule, level) << text;
 }

@@ -10,6 +10,7 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <support/orb/Corba.h>
 #include <support/os_toolkit/os_critical_section.h>
@@ -36,6 +37,9 @@ class CorbaServerPackManager {
 
   // Releases every reference, in key order, and empties the map.
   void Reset();
+
+  // Empties the map and hands its references over, for those who still borrow them.
+  std::vector<CORBA::Object_var> TakeAll();
 
   // One line in this module of the log, for code that is compiled into other modules.
   static void DiagPdefWrapper(int level, const std::string& text);

@@ -1,9 +1,15 @@
-// The results of the session's functions by name.
+// The results of the session's functions by name, and the exception of those that raise one.
 //
 //   int code = GL_Login(...);
 //   if (code == vq::CodeOf(vq::LoginResult::kPasswordExpired)) AskForNewPassword();
 #ifndef VQ_CLIENT_COMMON_SESSION_LOGINRESULT_H
 #define VQ_CLIENT_COMMON_SESSION_LOGINRESULT_H
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <vq_client_common/Export.h>
 
 namespace vq {
 
@@ -30,6 +36,27 @@ constexpr int CodeOf(LoginResult result) {
 constexpr bool IsLoggedIn(LoginResult result) {
   return result == LoginResult::kSuccess || result == LoginResult::kPasswordAboutToExpire;
 }
+
+// Why there is no session. what() is the text for the user, empty only in an object that was made
+// without arguments.
+class VQ_CLIENT_COMMON_API LoginError : public std::runtime_error {
+ public:
+  LoginError() : LoginError(LoginResult::kFailed, "", "") {}
+  // Tabs, blanks and line ends behind `text` are left out.
+  LoginError(LoginResult result, const std::string& text, std::string cause)
+      : std::runtime_error(text.substr(0, text.find_last_not_of("\t\n ") + 1)),
+        m_result(result),
+        m_cause(std::move(cause)) {}
+
+  LoginResult Result() const { return m_result; }
+  int Code() const { return CodeOf(m_result); }  // a code of the server's own keeps its number
+  // One line for an administrator, such as "connection refused at host:port"; may be empty.
+  const std::string& Cause() const { return m_cause; }
+
+ private:
+  LoginResult m_result;
+  std::string m_cause;
+};
 
 }  // namespace vq
 

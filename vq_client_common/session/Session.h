@@ -20,12 +20,12 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <support/security/SecretString.h>
 #include <vq_client_common/Export.h>
+#include <vq_client_common/environment/UserPass.h>
 #include <vq_client_common/session/ClientId.h>
 #include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/ServerId.h>
@@ -33,34 +33,6 @@
 class UserAuthorizations;
 
 namespace vq {
-
-// Why there is no session.
-class VQ_CLIENT_COMMON_API LoginError : public std::runtime_error {
- public:
-  LoginError() : LoginError(LoginResult::kFailed, "", "") {}
-  // `text`: for the user; blanks, tabs and line ends behind it are taken off.
-  LoginError(LoginResult result, const std::string& text, std::string cause);
-  ~LoginError() override;
-  LoginError(const LoginError&) = default;
-  LoginError& operator=(const LoginError&) = default;
-
-  // what() is the text for the user, never empty but in an object made without arguments.
-  LoginResult Result() const { return m_result; }
-  int Code() const { return CodeOf(m_result); }  // a code of the server's own keeps its number
-  // One line for an administrator, "connection refused at host:port" for one; may be empty.
-  const std::string& Cause() const { return m_cause; }
-
- private:
-  LoginResult m_result;
-  std::string m_cause;
-};
-
-// Completes user and password, of which one or both are empty. Returns why it cannot, or nothing.
-using CredentialSource = std::function<std::string(std::string& user, SecretString& password)>;
-// Asks on the terminal for what is missing, the password without echo, or reads standard input.
-VQ_CLIENT_COMMON_API CredentialSource AskForPassword();
-// Reads a password file (UserPass.h).
-VQ_CLIENT_COMMON_API CredentialSource ReadPasswordFile(const std::string& path);
 
 struct SessionOptions {
   std::string server;  // its name in the naming service
@@ -80,7 +52,7 @@ struct SessionOptions {
   std::chrono::milliseconds deadline{0};  // for the whole login; 0: each call has its time-out
 
   // Above 0: a thread of the object's own keeps the session alive in this interval.
-  std::chrono::seconds keepAlive{0};
+  std::chrono::milliseconds keepAlive{0};
   bool renew = false;  // that thread registers a lost session again
   // Called by that thread once for each loss that is not made good at once. Must not throw.
   std::function<void()> onLost = nullptr;
@@ -98,9 +70,9 @@ class VQ_CLIENT_COMMON_API Session {
 
   // Logs out, and ends the ORB if this object started it. Takes at most a time-out for the logout
   // and one for a call that another thread is making. Never throws. std::exit does the same.
-  ~Session();
-  Session(Session&& other) noexcept;
-  Session& operator=(Session&& other) noexcept;
+  ~Session() = default;
+  Session(Session&&) noexcept = default;
+  Session& operator=(Session&&) noexcept = default;
 
   LoginResult Result() const;   // of the login: kSuccess or kPasswordAboutToExpire
   std::string Message() const;  // the last one from the server, for the user; mostly empty
@@ -113,14 +85,11 @@ class VQ_CLIENT_COMMON_API Session {
   // need no lock; the object may outlive the session.
   std::shared_ptr<const UserAuthorizations> Authorizations() const;
 
-  // kSuccess; kFailed when the server does not know the session any more; kNoServer when it does
-  // not answer.
+  // kSuccess, kFailed when the server does not know the session, or kNoServer without an answer.
   LoginResult KeepAlive();
-  // Whether the session is lost: the server does not know it, or did not answer any keep-alive for
-  // the time-out of the session.
+  // The server does not know the session, or has answered no keep-alive for the session's time-out.
   bool IsLost() const;
-  // Registers again with the same user and password. What it returns is a result of a login, and
-  // Message has the server's words.
+  // Registers again with the same user and password, and returns the result of that login.
   LoginResult Renew();
 
   // Checks the site's policy and changes the password. kPasswordRefusedByPolicy: Message says why.
@@ -136,10 +105,10 @@ class VQ_CLIENT_COMMON_API Session {
   typename T::_var_type Servant(const char* name) const;
 
  private:
-  class State;
+  struct State;
   State& Get() const;
 
-  std::shared_ptr<State> m_state;
+  std::shared_ptr<State> m_state;  // ends the session when it goes
 };
 
 }  // namespace vq
