@@ -22,8 +22,11 @@ NamingService::NamingService(OrbInstance& instance, const OrbSettings& settings)
     m_roots.push_back(CosNaming::NamingContext::_unchecked_narrow(object.in()));
   };
   const std::vector<std::string> references = NamingReferences(settings);
-  if (references.size() < 2) return add(instance.NamingService());
-  for (const std::string& one : references) add(instance.Orb()->string_to_object(one.c_str()));
+  if (references.size() < 2) {
+    add(instance.NamingService());
+  } else {
+    for (const std::string& one : references) add(instance.Orb()->string_to_object(one.c_str()));
+  }
 }
 
 void NamingService::Reach() {
@@ -31,27 +34,30 @@ void NamingService::Reach() {
     if (CORBA::is_nil(root) || root->_non_existent()) {
       throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
     }
-    return true;
   });
 }
 
 CORBA::Object_ptr NamingService::Resolve(const CosNaming::Name& name) {
-  return Ask([&](CosNaming::NamingContext_ptr root) { return root->resolve(name); });
+  CORBA::Object_var object;
+  Ask([&](CosNaming::NamingContext_ptr root) { object = root->resolve(name); });
+  return object._retn();
 }
 
-template <class Call>
-auto NamingService::Ask(Call call) {
+void NamingService::Ask(const std::function<void(CosNaming::NamingContext_ptr)>& call) {
   const std::size_t count = m_roots.size();
-  if (count == 1) return call(m_roots.front().in());
+  if (count == 1) {
+    call(m_roots.front().in());
+    return;
+  }
   const std::size_t first = m_answering;
   const auto end = CallDeadline::Clock::now() + m_timeOut;
   for (std::size_t tried = 0;; ++tried) {
     const std::size_t current = (first + tried) % count;
     const CallDeadline share((end - CallDeadline::Clock::now()) / static_cast<int>(count - tried));
     try {
-      auto result = call(m_roots[current].in());
+      call(m_roots[current].in());
       m_answering = current;
-      return result;
+      return;
     } catch (const CORBA::SystemException& e) {
       if (tried + 1 == count) throw;
       VQ_LOG(diagModule, 2) << "The naming service does not answer at address " << current + 1

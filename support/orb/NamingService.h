@@ -13,6 +13,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 #include <support/orb/Corba.h>
@@ -39,8 +40,7 @@ class NamingService {
   CosNaming::NamingContext_ptr Root() const { return m_roots[m_answering].in(); }
 
  private:
-  template <class Call>
-  auto Ask(Call call);
+  void Ask(const std::function<void(CosNaming::NamingContext_ptr)>& call);
 
   std::vector<CosNaming::NamingContext_var> m_roots;
   std::atomic<std::size_t> m_answering = 0;

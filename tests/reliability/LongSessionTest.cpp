@@ -2,6 +2,7 @@
 
 #include "ProxiedFixture.h"
 
+#include <support/orb/CallDeadline.h>
 #include <tests/fixture/Product.h>
 #include <vq_client_common/session/LoginExceptions.h>
 
@@ -36,7 +37,8 @@ TEST_F(LongSessionTest, ASessionOfManyHoursReportsEachLossOnceAndLogsInAgain) {
       m_log.Clear();
       const bool closed = minute == 30;
       if (closed) m_proxy->CloseConnections();
-      if (closed || (restarted && minute == 0)) {
+      const bool costsACall = closed && !ThisProduct().checksIdle;
+      if (costsACall || (restarted && minute == 0)) {
         EXPECT_THROW(GL_ClientKeepAlive(), ServerTypeEx);
         EXPECT_EQ(m_log.Count(1, ""), 1) << m_log.Text();
       }
@@ -54,6 +56,22 @@ TEST_F(LongSessionTest, ASessionOfManyHoursReportsEachLossOnceAndLogsInAgain) {
   EXPECT_EQ(GL_ClientKeepAlive(), 0);
   EXPECT_EQ(GL_ReLogin(600), 1);
   EXPECT_EQ(GL_ClientKeepAlive(), 1);
+}
+
+TEST_F(LongSessionTest, ALoginEndsByItsDeadline) {
+  ASSERT_EQ(Login(), 1) << m_log.Text();
+  GL_LogOut(false);
+  m_proxy->TakeOperations();
+  m_proxy->ChangeNext([](const std::string&) { return FaultProxy::Changed{}; });  // no reply
+  const auto start = std::chrono::steady_clock::now();
+  {
+    const vq::CallDeadline deadline(std::chrono::milliseconds(300));
+    const vq::CallDeadline later(std::chrono::minutes(1));
+    EXPECT_EQ(Login(), 54);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(m_proxy->TakeOperations().size(), 1) << "nothing is sent after the deadline";
+  }
+  EXPECT_EQ(Login(), 1) << m_log.Text();
 }
 
 }  // namespace

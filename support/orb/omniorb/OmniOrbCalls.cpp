@@ -205,16 +205,15 @@ class CheckedRope : public Base {
     }
     if (call.refusal != 0) Fail(call.refusal, CORBA::COMPLETED_MAYBE);
     call.sends = 0;
-    const omni_time_t connectEnd = std::min(call.end, Now() + ToOmni(limits.connect));
-    for (std::size_t tried = 0;;) {
-      if (call.end <= Now()) Fail(omni::TRANSIENT_CallTimedout, CORBA::COMPLETED_NO);
+    omni_time_t now = Now();
+    const omni_time_t connectEnd = std::min(call.end, now + ToOmni(limits.connect));
+    for (std::size_t tried = 0;; now = Now()) {
+      if (call.end <= now) Fail(omni::TRANSIENT_CallTimedout, CORBA::COMPLETED_NO);
       if (++call.connections > kMostConnections) {
         Fail(omni::TRANSIENT_ConnectFailed, CORBA::COMPLETED_NO);
       }
-      const std::size_t left = std::max(AddressCount(), tried + 1) - tried;
-      const omni_time_t share = Now() + ToOmni(Until(connectEnd) / left);
       try {
-        GIOP_C& attempt = Connected(ior, key, keySize, *descriptor, share);
+        GIOP_C& attempt = Connected(ior, key, keySize, *descriptor, tried, connectEnd);
         if (IsUsable(attempt)) return &attempt;
       } catch (const CommFailure& failure) {
         descriptor->setDeadline(call.end);
@@ -239,22 +238,32 @@ class CheckedRope : public Base {
     return this->pd_addrs_filtered ? this->pd_addresses_order.size() : this->pd_addresses.size();
   }
 
+  // Until when the next address may take to connect: those left share the time.
+  omni_time_t Share(std::size_t tried, const omni_time_t& connectEnd) {
+    const std::size_t left = std::max(AddressCount(), tried + 1) - tried;
+    return Now() + ToOmni(Until(connectEnd) / left);
+  }
+
   // An attempt with a connection: an idle one, or a new one to the address whose turn it is.
   GIOP_C& Connected(const omniIOR* ior, const CORBA::Octet* key, CORBA::ULong keySize,
-                    omniCallDescriptor& descriptor, const omni_time_t& connectEnd) {
+                    omniCallDescriptor& descriptor, std::size_t tried,
+                    const omni_time_t& connectEnd) {
     try {
-      if constexpr (kTakesCalls)
-        return ConnectedToTakeCalls(ior, key, keySize, descriptor, connectEnd);
+      std::unique_lock<std::timed_mutex> opening;
+      if constexpr (kTakesCalls) {
+        opening = LockOpening();
+        descriptor.setDeadline(Share(tried, connectEnd));
+      }
       auto& attempt = *static_cast<GIOP_C*>(Base::acquireClient(ior, key, keySize, &descriptor));
-      if (attempt.strand().connection == nullptr) Open(attempt, connectEnd);
+      if (attempt.strand().connection == nullptr) Open(attempt, Share(tried, connectEnd));
       return attempt;
     } catch (const omniORB::fatalException&) {  // a handshake that omniORB does not expect
       Fail(omni::TRANSIENT_ConnectFailed, CORBA::COMPLETED_NO);
     }
   }
 
-  void Open(GIOP_C& attempt, const omni_time_t& connectEnd) {
-    attempt.setDeadline(connectEnd);
+  void Open(GIOP_C& attempt, const omni_time_t& end) {
+    attempt.setDeadline(end);
     try {
       attempt.openConnection();
     } catch (...) {
@@ -264,23 +273,22 @@ class CheckedRope : public Base {
     }
   }
 
-  // omniORB opens the connection itself here, under a lock for which it waits without limit.
-  GIOP_C& ConnectedToTakeCalls(const omniIOR* ior, const CORBA::Octet* key, CORBA::ULong keySize,
-                               omniCallDescriptor& descriptor, const omni_time_t& connectEnd) {
+  // Where connections take calls omniORB opens them itself, under a lock for which it waits without
+  // limit. This one comes before it.
+  std::unique_lock<std::timed_mutex> LockOpening() {
     std::unique_lock opening(m_opening, std::defer_lock);
-    if (!opening.try_lock_until(std::chrono::system_clock::now() +
-                                std::chrono::floor<std::chrono::microseconds>(Until(call.end)))) {
+    const auto left = std::chrono::floor<std::chrono::microseconds>(Until(call.end));
+    if (!opening.try_lock() && !opening.try_lock_until(std::chrono::system_clock::now() + left)) {
       Fail(omni::TRANSIENT_CallTimedout, CORBA::COMPLETED_NO);
     }
-    descriptor.setDeadline(connectEnd);
-    return *static_cast<GIOP_C*>(Base::acquireClient(ior, key, keySize, &descriptor));
+    return opening;
   }
 
   // False when the connection was idle and is dead, and has been discarded.
   bool IsUsable(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
     if (!strand.first_use && IsDead(strand, kTakesCalls)) {
-      if constexpr (kTakesCalls) AwaitOtherCalls(attempt);
+      if constexpr (kTakesCalls) AwaitOtherReplies(strand);
       strand.state(giopStrand::DYING);
       Base::releaseClient(&attempt);
       return false;
@@ -290,20 +298,17 @@ class CheckedRope : public Base {
     return true;
   }
 
-  // The replies to other calls may have come before the end of the connection.
-  void AwaitOtherCalls(const GIOP_C& attempt) {
-    giopStrand& strand = const_cast<GIOP_C&>(attempt).strand();
-    while (HasOtherCalls(attempt, strand) && Now() < call.end) {
-      omni_thread::sleep(0, 1'000'000);
-    }
+  // The replies to calls of other threads may have come before the end of the connection.
+  void AwaitOtherReplies(giopStrand& strand) {
+    while (AwaitsReplies(strand) && Now() < call.end) omni_thread::sleep(0, 1'000'000);
   }
 
-  bool HasOtherCalls(const GIOP_C& attempt, giopStrand& strand) {
+  bool AwaitsReplies(giopStrand& strand) {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
     if (strand.state() == giopStrand::DYING) return false;
     for (auto* link = strand.clients.next; link != &strand.clients; link = link->next) {
-      const auto* other = static_cast<GIOP_C*>(link);
-      if (other != &attempt && other->state() != omni::IOP_C::UnUsed) return true;
+      const auto state = static_cast<GIOP_C*>(link)->state();
+      if (state != omni::IOP_C::UnUsed && state != omni::IOP_C::Idle) return true;
     }
     return false;
   }

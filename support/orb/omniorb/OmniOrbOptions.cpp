@@ -46,6 +46,8 @@ std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
       // A limit of omniORB's on connecting would prolong the call; see OmniOrbCalls.
       {"clientConnectTimeOutPeriod", "0"},
       {"clientCallTimeOutPeriod", std::to_string(settings.callTimeout.count())},
+      // The address that answered last is tried first. Releases differ in their default.
+      {"retainAddressOrder", "1"},
       {"giopMaxMsgSize", std::to_string(settings.maxMessageSize)},
       // A first call goes out as it is, without a message that asks whether the object is there.
       {"verifyObjectExistsAndType", "0"},
