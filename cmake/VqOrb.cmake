@@ -30,8 +30,9 @@ if(VQ_ORB STREQUAL "omniORB")
   target_link_libraries(vq_orb_tls INTERFACE
     "-Wl,--push-state,--as-needed,${VQ_OMNISSL},--pop-state")
   find_program(VQ_NAMING_PROGRAM omniNames)
-  set(VQ_NAMING_COMMAND "OMNIORB_CONFIG=/dev/null exec \"${VQ_NAMING_PROGRAM}\" -start \"$2\" -always \\
-  -datadir \"$3\" -ORBendPoint \"giop:tcp:$1:$2\"")
+  string(CONCAT VQ_NAMING_COMMAND
+    "OMNIORB_CONFIG=/dev/null exec \"${VQ_NAMING_PROGRAM}\" -start \"$2\" -always "
+    "-datadir \"$3\" -ORBendPoint \"giop:tcp:$1:$2\"")
 elseif(VQ_ORB STREQUAL "TAO")
   find_package(TAO 2.2 REQUIRED MODULE)
   target_link_libraries(vq_orb_product INTERFACE vq::tao)
@@ -48,9 +49,10 @@ elseif(VQ_ORB STREQUAL "TAO")
   if(NOT VQ_NAMING_PROGRAM)
     set(VQ_NAMING_PROGRAM ${TAO_NAMING_PROGRAM})
   endif()
-  set(VQ_NAMING_COMMAND "LD_LIBRARY_PATH=\"${TAO_LIBRARY_DIR}:$LD_LIBRARY_PATH\" exec \\
-  \"${VQ_NAMING_PROGRAM}\" -ORBSvcConf /dev/null -m 0 \\
-  -ORBListenEndpoints \"iiop://$1:$2\${4:+/hostname_in_ior=$4}\"")
+  string(CONCAT VQ_NAMING_COMMAND
+    "LD_LIBRARY_PATH=\"${TAO_LIBRARY_DIR}:$LD_LIBRARY_PATH\" exec "
+    "\"${VQ_NAMING_PROGRAM}\" -ORBSvcConf /dev/null -m 0 "
+    "-ORBListenEndpoints \"iiop://$1:$2\${4:+/hostname_in_ior=$4}\"")
 else()
   message(FATAL_ERROR "VQ_ORB must be omniORB or TAO, not '${VQ_ORB}'")
 endif()
