@@ -14,6 +14,7 @@ import datetime
 import json
 import os
 import platform
+import re
 import subprocess
 import sys
 import tempfile
@@ -28,34 +29,24 @@ LONGEST_RUN = 1800  # seconds, for one program
 #   a counter's name: ours reports at most that
 GOALS = [
     ("login", "a warm login", "its bare remote calls", "Login", None, "ratio", 1.10),
+    ("login", "a cold login, whole process", "the same calls by stubs", "ColdLogin", None,
+     "ratio", 1.20),
     ("login", "GetSystemParameter", "the stub call", "Parameter", None, "ratio", 1.05),
     ("login", "GL_ClientKeepAlive", "the stub call", "KeepAlive", None, "ratio", 1.05),
-    ("authorizations", "a question on 10,000 grants", "a scan of the grants", "AskIndex/10000",
-     "AskScan/10000", "faster", 200),
-    ("authorizations", "a question on 100,000 grants", "the same on 10,000", "AskIndex/100000",
+    ("grants", "a question on 10,000 grants", "a scan of the grants", "AskIndex/10000",
+     "AskScan/10000", "faster", 50),
+    ("grants", "a question on 100,000 grants", "the same on 10,000", "AskIndex/100000",
      "AskIndex/10000", "times", 2),
-    ("authorizations", "building the index", "fetching the snapshot", "Build", "Fetch", "times",
-     2),
-    ("times", "a time text", "snprintf", "BM_TimeString", "BM_TimeStringThroughSnprintf",
-     "faster", 8),
-    ("times", "a date and a day", "timegm", "BM_DatePlusOrMinusADay",
-     "BM_DatePlusOrMinusADayThroughTimegm", "faster", 5),
-    ("times", "the zone table of 10,000 records", None, "BM_ZoneTable/10000", None, "ms", 10),
-    ("datacenters", "adding 100,000 records", "std::map", "Add<TDCList>/100000",
-     "Add<Map>/100000", "times", 2),
-    ("datacenters", "finding 100,000 records", "std::map", "Find<TDCList>/100000",
-     "Find<Map>/100000", "times", 2),
-    ("datacenters", "listing 100,000 names", "std::map", "ListNames<TDCList>/100000",
-     "ListNames<Map>/100000", "times", 2),
+    ("zone_table", "the zone table of 10,000 records", None, "ZoneTable/10000", None, "ms", 10),
+    ("lists", "adding 100,000 records", "std::map", "Add<TDCList>", "Add<Map>", "times", 2),
+    ("lists", "finding 100,000 records", "std::map", "Find<TDCList>", "Find<Map>", "times", 2),
+    ("lists", "listing 100,000 names", "std::map", "ListNames<TDCList>", "ListNames<Map>",
+     "times", 2),
     ("properties", "loading 10,000 entries", "the bare parse", "LoadProperties", "LoadBareParse",
-     "times", 1.2),
-    ("properties", "saving 10,000 entries", "one fwrite", "SaveProperties", "SaveOneWrite",
-     "times", 5),
-    ("text", "decoding 10 MB of lines", "memcpy", "CompareWithMemcpy/decode", None, "ratio", 3.5),
-    ("text", "encoding 10 MB of lines", "memcpy", "CompareWithMemcpy/encode", None, "ratio", 4),
+     "times", 1.3),
     ("text", "decoding 10 MB", "decoding 1 MB", "Growth/decode", None, "ratio", 12),
     ("text", "encoding 10 MB", "encoding 1 MB", "Growth/encode", None, "ratio", 12),
-    ("text", "100,000 archive records", "formatted extraction", "Archive", None, "ratio", 0.25),
+    ("text", "100,000 archive records", "formatted extraction", "Archive", None, "ratio", 1.0),
     ("log", "a line without a sink", "a load and a branch", "DisabledLine/0", "LoadAndBranch",
      "ns", 2),
     ("log", "a line below the level", "a load and a branch", "DisabledLine/1", "LoadAndBranch",
@@ -187,9 +178,10 @@ def main():
         return 2
     build = Path(sys.argv[1])
     programs = list(dict.fromkeys(goal[0] for goal in GOALS))
-    folders = {path.parent.name for path in Path(__file__).parent.glob("*/CMakeLists.txt")}
+    built = set(re.findall(r"^ *vq_add_benchmark\((\w+)",
+                           (Path(__file__).parent / "CMakeLists.txt").read_text(), re.M))
     wanted = sys.argv[2:] or programs
-    for name in set(wanted) - set(programs) | folders - set(programs):
+    for name in set(wanted) - set(programs) | built - set(programs):
         print(f"{name}: no such benchmark, or one without a goal", file=sys.stderr)
         return 2
     before = machine()
@@ -197,7 +189,7 @@ def main():
     for program in programs:
         if program in wanted:
             print(f"{program} ...", file=sys.stderr)
-            results = run(build / "benchmarks" / program / f"bench_{program}")
+            results = run(build / "benchmarks" / f"bench_{program}")
             rows += [measure(goal, results) for goal in GOALS if goal[0] == program]
     print_table(rows)
     (build / "benchmarks.json").write_text(

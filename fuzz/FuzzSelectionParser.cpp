@@ -2,10 +2,10 @@
 // definition. The lines of the text are grants, and the index answers for all of them as trying
 // each does.
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -37,33 +37,33 @@ std::vector<QCSObject> ObjectsFor(const QCSSelectionDef& definition) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  std::vector<vq::Grant> grants;
+  static TDiagRegister diagModule("FuzzSelectionParser");
+  const TDiagFunc diag(diagModule, "LLVMFuzzerTestOneInput");
+  const auto levelOf = [](std::size_t grant) { return static_cast<QCSAuthLevelEnum>(grant % 6); };
+  vq::GrantIndex index;
   std::vector<QCSSelectionDef> definitions;
   std::vector<QCSObject> objects;
-  std::size_t refused = 0;
-  for (std::size_t start = 0; start <= size && grants.size() < 32;) {
+  for (std::size_t start = 0; start <= size && index.size() < 32;) {
     const std::string_view line = text.substr(start, text.find('\n', start) - start);
     start += line.size() + 1;
-    grants.push_back({line, static_cast<std::uint8_t>(grants.size() % 6)});
     vq::SelectionParseError error;
     QCSSelectionDef& definition = definitions.emplace_back();
-    if (!definition.Parse(line, error)) {
+    const bool parses = definition.Parse(line, error);
+    Require(index.Add(line, levelOf(index.size()), diag) == parses);
+    if (!parses) {
       Require(error.position <= line.size() && !error.expected.empty() && !error.found.empty());
-      ++refused;  // the definition has no terms and fits nothing
-      continue;
+      continue;  // the definition has no terms and fits nothing
     }
     QCSSelectionDef again;
     Require(again.Parse(definition.AsString(), error) && again == definition);
     for (QCSObject& object : ObjectsFor(definition)) objects.push_back(std::move(object));
   }
 
-  const vq::GrantIndex index(grants);
-  Require(index.RefusedGrants().size() == refused);
   for (const QCSObject& object : objects) {
-    int highest = vq::GrantIndex::kNoneFits;
-    for (std::size_t i = 0; i < grants.size(); ++i) {
-      if (definitions[i].DoesItFit(object, false))
-        highest = std::max<int>(highest, grants[i].level);
+    std::optional<QCSAuthLevelEnum> highest;
+    for (std::size_t i = 0; i < definitions.size(); ++i) {
+      if (!definitions[i].DoesItFit(object, false)) continue;
+      if (!highest || levelOf(i) > *highest) highest = levelOf(i);
     }
     Require(index.HighestFitting(object) == highest);
   }

@@ -1,10 +1,9 @@
 #include <support/grants/AuthLevelBySelection.h>
 
 #include <utility>
-#include <vector>
 
 #include <support/diagnostics/TDiag.h>
-#include <support/grants/GrantLevels.h>
+#include <support/grants/GrantIndex.h>
 
 namespace {
 
@@ -13,23 +12,20 @@ TDiagRegister diagModule("AuthLevelBySelection");
 // Returns whether all of the new criteria parsed.
 bool Load(std::shared_ptr<const vq::GrantIndex>& holder, const QCSCorbaAuth2LvlSeq& wire,
           bool replace, const TDiagFunc& diag) {
-  std::vector<vq::Grant> grants;
-  if (!replace && holder != nullptr) grants = holder->Grants();
-  const auto first = static_cast<std::uint32_t>(grants.size());
-  grants.reserve(grants.size() + wire.length());
+  auto index = std::make_shared<vq::GrantIndex>(replace ? vq::GrantIndex() : *holder);
+  bool allParse = true;
   for (CORBA::ULong i = 0; i < wire.length(); ++i) {
     const char* criteria = wire[i].m_sCriteria;  // null only in a list made in this process
-    grants.push_back({criteria == nullptr ? "" : criteria, vq::StoredLevel(wire[i].m_eLevel)});
+    allParse &= index->Add(criteria == nullptr ? "" : criteria, wire[i].m_eLevel, diag);
   }
-  auto index = std::make_shared<const vq::GrantIndex>(std::move(grants));
-  vq::LogRefusedGrants(diag, *index, first);
   holder = std::move(index);
-  return holder->RefusedGrants().empty() || holder->RefusedGrants().back().grant < first;
+  return allParse;
 }
 
 }  // namespace
 
-AuthLevelBySelection::AuthLevelBySelection() = default;
+AuthLevelBySelection::AuthLevelBySelection()
+    : m_user(std::make_shared<const vq::GrantIndex>()), m_group(m_user) {}
 AuthLevelBySelection::AuthLevelBySelection(const AuthLevelBySelection&) = default;
 AuthLevelBySelection& AuthLevelBySelection::operator=(const AuthLevelBySelection&) = default;
 AuthLevelBySelection::~AuthLevelBySelection() = default;
@@ -46,9 +42,9 @@ void AuthLevelBySelection::GroupAuthFromCORBA(const QCSCorbaAuth2LvlSeq& grants,
 
 bool AuthLevelBySelection::IsAuthorized(const QCSObject& object,
                                         const QCSAuthLevelEnum& level) const {
-  return vq::GrantsGiveLevel(m_user.get(), m_group.get(), object, level);
+  return vq::GrantsGiveLevel(*m_user, *m_group, object, level);
 }
 
 bool AuthLevelBySelection::IsEmpty() const {
-  return !vq::HasGrants(m_user.get()) && !vq::HasGrants(m_group.get());
+  return m_user->size() == 0 && m_group->size() == 0;
 }

@@ -28,9 +28,7 @@ namespace vq {
 class GrantIndex;
 }
 
-// Thread contract: several threads may ask one holder, as long as nobody loads or assigns it
-// meanwhile. Copies share their grants, so that copying takes no time, and do not affect each
-// other.
+// Copies share their grants, so that copying takes no time, and do not affect each other.
 class VQ_SUPPORT_API AuthLevelBySelection {
  public:
   AuthLevelBySelection();
@@ -40,7 +38,7 @@ class VQ_SUPPORT_API AuthLevelBySelection {
 
   // Loads the user's or the groups' grants. With `replace` they take the place of those that were
   // there, so a second load leaves nothing of the first; without it they come in addition. A grant
-  // whose criteria do not parse grants nothing, and a line at level 1 says why.
+  // whose criteria do not parse fits no object, and a line at level 1 says why.
   // UserAuthFromCORBA returns whether all criteria parsed. Should memory run out, std::bad_alloc
   // passes through and the holder is as it was.
   bool UserAuthFromCORBA(const QCSCorbaAuth2LvlSeq& grants, bool replace);
@@ -49,12 +47,13 @@ class VQ_SUPPORT_API AuthLevelBySelection {
   // Whether the grants give at least this level over the object. Levels compare as numbers.
   bool IsAuthorized(const QCSObject& object, const QCSAuthLevelEnum& level) const;
 
-  // Whether there is no grant at all, the user's or a group's. One that does not parse is none.
+  // Whether there is no grant at all, the user's or a group's. One whose criteria do not parse
+  // counts as a grant.
   bool IsEmpty() const;
 
  private:
-  std::shared_ptr<const vq::GrantIndex> m_user;   // null: none
-  std::shared_ptr<const vq::GrantIndex> m_group;  // null: none
+  std::shared_ptr<const vq::GrantIndex> m_user;   // never null
+  std::shared_ptr<const vq::GrantIndex> m_group;  // never null
 };
 
 #endif  // VQ_SUPPORT_GRANTS_AUTHLEVELBYSELECTION_H

@@ -1,138 +1,150 @@
 #include <support/grants/GrantIndex.h>
 
 #include <algorithm>
-#include <array>
-#include <limits>
 #include <utility>
 
-#include <support/grants/GrantIndexBuilder.h>
+#include <support/selection/SelectionMatching.h>
 
 namespace vq {
+namespace {
 
-// The object's values by the index's field numbers.
-class GrantIndex::BoundObject {
- public:
-  BoundObject(const GrantIndex& index, const QCSObject& object) {
-    const std::size_t fields = index.m_fields.size();
-    if (fields > m_few.size()) {
-      m_many.resize(fields);
-      m_values = m_many;
-    } else {
-      m_values = std::span(m_few).first(fields);
-    }
-    for (const auto& [name, value] : object) {
-      const auto found = index.m_fieldNumbers.find(name);
-      if (found != index.m_fieldNumbers.end()) m_values[found->second] = value;
-    }
+// Limits what a question costs: every part of a value with a length in use is looked up.
+constexpr std::size_t kLongestPart = 8;
+constexpr std::size_t kRefusedLines = 20;  // a list that is wrong throughout must not fill the log
+constexpr std::size_t kExcerptBytes = 200;
+
+// The longest text between two wildcards.
+std::string_view LongestPart(std::string_view pattern) {
+  std::string_view longest;
+  for (std::size_t start = 0; start < pattern.size();) {
+    const std::string_view part =
+        pattern.substr(start, pattern.find_first_of(kWildcards, start) - start);
+    if (part.size() > longest.size()) longest = part;
+    start += part.size() + 1;
   }
-  BoundObject(const BoundObject&) = delete;
-  BoundObject& operator=(const BoundObject&) = delete;
-
-  // Null data: the object lacks the attribute. A text of an object never has null data.
-  std::span<const std::string_view> Values() const { return m_values; }
-
- private:
-  std::array<std::string_view, 16> m_few;
-  std::vector<std::string_view> m_many;
-  std::span<std::string_view> m_values;
-};
-
-GrantIndex::GrantIndex(std::vector<Grant> grants) : m_grants(std::move(grants)) {
-  Builder(*this).Build();
+  return longest.substr(longest.size() - std::min(longest.size(), kLongestPart));
 }
 
-std::span<const GrantIndex::Entry> GrantIndex::Bucket(std::uint32_t bucket) const {
-  return std::span(m_entries).subspan(m_bucketStarts[bucket],
-                                      m_bucketStarts[bucket + 1] - m_bucketStarts[bucket]);
+}  // namespace
+
+bool GrantIndex::Add(std::string_view criteria, QCSAuthLevelEnum level, const TDiagFunc& diag) {
+  const std::uint32_t grant = m_grants++;
+  QCSSelectionDef definition;
+  SelectionParseError error;
+  if (!definition.Parse(criteria, error)) {
+    if (++m_refused <= kRefusedLines) {
+      VQ_LOG(diag, 1) << "A grant is left out, its criteria do not parse " << error.AsString()
+                      << ". Criteria: " << criteria.substr(0, kExcerptBytes);
+    } else if (m_refused == kRefusedLines + 1) {
+      VQ_LOG(diag, 1) << "Further grants whose criteria do not parse are left out without a line";
+    }
+    return false;
+  }
+  for (const QCSSelectionDef::Term& matchings : definition.Terms()) {
+    TermsFor(matchings).push_back({matchings, grant, level});
+  }
+  return true;
 }
 
-bool GrantIndex::Fits(std::uint32_t term, const BoundObject& object) const {
-  const std::uint32_t first = m_terms[term].firstMatching;
-  const auto matchings =
-      std::span(m_matchings).subspan(first, m_terms[term + 1].firstMatching - first);
-  return std::all_of(matchings.begin(), matchings.end(), [&](const Matching& matching) {
-    const std::string_view value = object.Values()[matching.field];
-    return value.data() != nullptr && MatchesValue(matching.op, matching.value, value);
+// What an object must have for the term to fit.
+std::vector<GrantIndex::Key> GrantIndex::KeysOf(const QCSSelectionDef::Term& matchings) {
+  std::vector<Key> keys;
+  for (const SelectionMatching& matching : matchings) {
+    const std::string_view value = matching.value;
+    const bool isPattern = matching.op == SelectionOperator::Like;
+    if (!isPattern && matching.op != SelectionOperator::Equal) continue;
+    const std::size_t first = isPattern ? value.find_first_of(kWildcards) : value.npos;
+    if (first == value.npos) {
+      keys.push_back({matching.field, Begin, value});
+      continue;
+    }
+    const std::size_t last = value.find_last_of(kWildcards);
+    if (first > 0) keys.push_back({matching.field, Begin, value.substr(0, first)});
+    if (last + 1 < value.size()) keys.push_back({matching.field, End, value.substr(last + 1)});
+    const std::string_view part = LongestPart(value.substr(first, last - first));
+    if (!part.empty()) keys.push_back({matching.field, Part, part});
+  }
+  return keys;
+}
+
+const GrantIndex::Terms* GrantIndex::Find(const Key& key) const {
+  const auto field = m_fields.find(key.field);
+  if (field == m_fields.end()) return nullptr;
+  const auto& lengths = field->second.places[key.place];
+  const auto texts = lengths.find(key.text.size());
+  if (texts == lengths.end()) return nullptr;
+  const auto terms = texts->second.find(key.text);
+  return terms == texts->second.end() ? nullptr : &terms->second;
+}
+
+// Where to file a term with these matchings.
+GrantIndex::Terms& GrantIndex::TermsFor(const QCSSelectionDef::Term& matchings) {
+  if (matchings.empty()) return m_always;
+  const std::vector<Key> keys = KeysOf(matchings);
+  if (keys.empty()) return m_fields[matchings.front().field].others;
+  const Key& key = *std::ranges::min_element(keys, {}, [this](const Key& candidate) {
+    const Terms* terms = Find(candidate);
+    return terms == nullptr ? 0 : terms->size();
   });
+  Field& field = m_fields[std::string(key.field)];
+  return field.places[key.place][key.text.size()][std::string(key.text)];
 }
 
-std::uint32_t GrantIndex::BucketOf(std::uint64_t hash) const {
-  return m_filter.MayHold(hash) ? m_table.Find(hash) : KeyTable::kNone;
-}
-
-template <class Look>
-bool GrantIndex::LookUp(std::uint64_t hash, Look& look) const {
-  const std::uint32_t bucket = BucketOf(hash);
-  return bucket != KeyTable::kNone && look(Bucket(bucket));
-}
-
-template <class Look>
-bool GrantIndex::LookUpValue(std::uint32_t field, std::string_view value, Look& look) const {
-  const FieldKeys& keys = m_fields[field];
-  if (keys.exact && LookUp(KeyHash::Of(field, KeyKind::Exact, value), look)) return true;
-
-  KeyHash prefix(field, KeyKind::Prefix);
-  for (const std::uint32_t length : keys.prefixes) {
-    if (length > value.size()) break;
-    if (LookUp(prefix.Prefix(value, length), look)) return true;
-  }
-  KeyHash suffix(field, KeyKind::Suffix);
-  for (const std::uint32_t length : keys.suffixes) {
-    if (length > value.size()) break;
-    if (LookUp(suffix.Suffix(value, length), look)) return true;
-  }
-  // A piece may stand in the value many times over; its terms are tried once all the same.
-  std::vector<std::uint32_t> buckets;
-  for (std::size_t i = 0; i < kPieceLengths.size(); ++i) {
-    if ((keys.pieces >> i & 1U) == 0) continue;
-    for (std::size_t at = 0; at + kPieceLengths[i] <= value.size(); ++at) {
-      const std::string_view piece = value.substr(at, kPieceLengths[i]);
-      const std::uint32_t bucket = BucketOf(KeyHash::Of(field, KeyKind::Piece, piece));
-      if (bucket != KeyTable::kNone) buckets.push_back(bucket);
-    }
-  }
-  std::sort(buckets.begin(), buckets.end());
-  buckets.erase(std::unique(buckets.begin(), buckets.end()), buckets.end());
-  for (const std::uint32_t bucket : buckets) {
-    if (look(Bucket(bucket))) return true;
-  }
-  return keys.presence != KeyTable::kNone && look(Bucket(keys.presence));
-}
-
-template <class Look>
-bool GrantIndex::LookThrough(const BoundObject& object, Look look) const {
-  if (look(Bucket(Builder::kAlways))) return true;
-  const auto values = object.Values();
-  for (std::uint32_t field = 0; field < values.size(); ++field) {
-    if (values[field].data() != nullptr && LookUpValue(field, values[field], look)) return true;
-  }
-  return false;
-}
-
-int GrantIndex::HighestFitting(const QCSObject& object) const {
-  const BoundObject bound(*this, object);
-  int highest = kNoneFits;
-  LookThrough(bound, [&](std::span<const Entry> entries) {
-    for (const Entry& entry : entries) {
-      if (entry.level <= highest) break;
-      if (Fits(entry.term, bound)) {
-        highest = entry.level;
-        break;
+// All terms that fit are among these.
+std::vector<const GrantIndex::Terms*> GrantIndex::MayFit(const QCSObject& object) const {
+  std::vector<const Terms*> found{&m_always};
+  for (const auto& [name, text] : object) {
+    const auto field = m_fields.find(name);
+    if (field == m_fields.end()) continue;
+    found.push_back(&field->second.others);
+    const std::string_view value = text;
+    for (std::size_t place = Begin; place < kPlaces; ++place) {
+      for (const auto& [length, texts] : field->second.places[place]) {
+        if (length > value.size()) break;
+        const std::size_t last = value.size() - length;
+        for (std::size_t at = place == End ? last : 0; at <= (place == Begin ? 0 : last); ++at) {
+          const auto terms = texts.find(value.substr(at, length));
+          if (terms != texts.end()) found.push_back(&terms->second);
+        }
       }
     }
-    return highest == std::numeric_limits<std::uint8_t>::max();
+  }
+  // A part that the value repeats is found each time.
+  std::ranges::sort(found);
+  found.erase(std::ranges::unique(found).begin(), found.end());
+  return found;
+}
+
+bool GrantIndex::Fits(const Term& term, const QCSObject& object) {
+  return std::ranges::all_of(term.matchings, [&](const SelectionMatching& matching) {
+    const std::string* value = object.FindAttribute(matching.field);
+    return value != nullptr && MatchesValue(matching.op, matching.value, *value);
   });
+}
+
+std::optional<QCSAuthLevelEnum> GrantIndex::HighestFitting(const QCSObject& object) const {
+  std::optional<QCSAuthLevelEnum> highest;
+  for (const Terms* terms : MayFit(object)) {
+    for (const Term& term : *terms) {
+      if ((!highest || term.level > *highest) && Fits(term, object)) highest = term.level;
+    }
+  }
   return highest;
 }
 
 bool GrantIndex::AnyFitting(const QCSObject& object,
                             const std::function<bool(std::uint32_t)>& accept) const {
-  const BoundObject bound(*this, object);
-  return LookThrough(bound, [&](std::span<const Entry> entries) {
-    return std::any_of(entries.begin(), entries.end(), [&](const Entry& entry) {
-      return Fits(entry.term, bound) && accept(m_terms[entry.term].grant);
-    });
+  return std::ranges::any_of(MayFit(object), [&](const Terms* terms) {
+    return std::ranges::any_of(
+        *terms, [&](const Term& term) { return Fits(term, object) && accept(term.grant); });
   });
+}
+
+bool GrantsGiveLevel(const GrantIndex& user, const GrantIndex& groups, const QCSObject& object,
+                     QCSAuthLevelEnum level) {
+  std::optional<QCSAuthLevelEnum> given = user.HighestFitting(object);
+  if (!given) given = groups.HighestFitting(object);
+  return given.value_or(DEFAULT_ACCESS) >= level;
 }
 
 }  // namespace vq

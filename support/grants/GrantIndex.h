@@ -1,130 +1,103 @@
-// Answers for thousands of grants at once which of them fit an object, without trying each.
+// Tells which of thousands of grants fit an object, without trying each of them.
 //
 // A *grant* is a criteria text (a selection, see QCSSelectionDef.h) with a level. The answers are
 // those of trying QCSSelectionDef::DoesItFit(object, false) on every grant; only the time differs.
 //
-//   const std::vector<vq::Grant> grants = {{"NAME LIKE 'PAY*'", 3}, {"NAME = 'PAYROLL'", 2}};
-//   const vq::GrantIndex index(grants);
+//   const TDiagFunc diag(diagModule, "Example");
+//   vq::GrantIndex index;
+//   index.Add("TABLE LIKE 'PAY*'", UPDATE_ACCESS, diag);
+//   index.Add("TABLE = 'PAYROLL'", BROWSE_ACCESS, diag);
 //   QCSObject table;
-//   table.SetAttribute("NAME", "PAYROLL");
-//   index.HighestFitting(table);   // 3
+//   table.SetAttribute("TABLE", "PAYROLL");
+//   index.HighestFitting(table);   // UPDATE_ACCESS
 //
-// How. Each term is filed in one bucket, under the rarest thing that it demands of an object: an
-// exact text (`=`, or LIKE without wildcards), the text before a pattern's first wildcard, the text
-// after its last, a piece of eight bytes or fewer between two, or at least that the attribute be
-// there. A question looks up what the object has to offer (its values, their prefixes of the
-// lengths in use, their suffixes, their pieces) and evaluates the terms it finds. Within a bucket
-// the terms of the highest level come first, so the search for the highest ends early.
-//
-// Cost. Building is linear in the texts. A question takes one lookup for every prefix, suffix and
-// piece of the object's values, however many grants there are, and then one evaluation for each
-// term found. Terms that demand nothing by which they can be told apart (only !=, NOT LIKE, <, >
-// and their like) are tried one by one when the object has their attribute.
+// How. Each term of a grant is filed once: under a field and a text that a fitting value of that
+// field begins with, ends with or contains. `=` gives the whole value as such a text, LIKE the text
+// before its first wildcard, the text after its last one, and the longest text between two. Where a
+// term offers several, it goes where the fewest terms are. A question looks up the beginnings, ends
+// and parts of the object's values that have a length in use, and evaluates the terms found there.
+// Terms without such a text (only !=, NOT LIKE, <, > and their like) are tried one by one when the
+// object has the field.
 #ifndef VQ_SUPPORT_GRANTS_GRANTINDEX_H
 #define VQ_SUPPORT_GRANTS_GRANTINDEX_H
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
-#include <span>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-#include <support/grants/GrantKeys.h>
+#include <support/diagnostics/TDiag.h>
+#include <support/orb/Corba.h>
 #include <support/selection/QCSObject.h>
-#include <support/selection/SelectionMatching.h>
-#include <support/selection/SelectionParseError.h>
+#include <support/selection/QCSSelectionDef.h>
+#include <vq_idl/AuthorizationC.h>
 
 namespace vq {
 
-struct Grant {
-  std::string_view criteria;
-  std::uint8_t level;
-};
-
-// Thread contract: does not change once built; any number of threads may ask it.
+// A value, like a standard container: several threads may ask it while nobody adds a grant.
 class GrantIndex {
  public:
-  static constexpr int kNoneFits = -1;
+  // Adds a grant; the first one has the number 0. Returns false when the criteria do not parse.
+  // Such a grant counts as one but fits nothing. The first of them are logged at level 1.
+  bool Add(std::string_view criteria, QCSAuthLevelEnum level, const TDiagFunc& diag);
 
-  // A grant whose criteria do not parse. It fits nothing.
-  struct Refused {
-    std::uint32_t grant;
-    SelectionParseError error;
-  };
+  // How many grants there are, including those that do not parse.
+  std::size_t size() const { return m_grants; }
 
-  // The grants are numbered from 0 in their order. Copies what it needs of the texts.
-  explicit GrantIndex(std::vector<Grant> grants);
-  GrantIndex(const GrantIndex&) = delete;
-  GrantIndex& operator=(const GrantIndex&) = delete;
+  // The highest level of the grants that fit; nothing when none fits.
+  std::optional<QCSAuthLevelEnum> HighestFitting(const QCSObject& object) const;
 
-  // All grants, the refused ones among them, as they were given. The texts live as long as the
-  // index.
-  const std::vector<Grant>& Grants() const { return m_grants; }
-  const std::vector<Refused>& RefusedGrants() const { return m_refused; }
-
-  // The highest level of the grants that fit, or kNoneFits.
-  int HighestFitting(const QCSObject& object) const;
-
-  // Whether `accept` says yes to the number of some grant that fits. Calls it until it says yes, in
-  // no set order, and perhaps more than once for a grant.
+  // Whether `accept` returns true for the number of a grant that fits. Calls it until it does, in
+  // no particular order, and once for each fitting term of a grant.
   bool AnyFitting(const QCSObject& object, const std::function<bool(std::uint32_t)>& accept) const;
 
  private:
-  class Builder;
-  class BoundObject;
-
-  struct Matching {
-    std::string_view value;
-    std::uint32_t field;
-    SelectionOperator op;
-  };
   struct Term {
-    std::uint32_t firstMatching;  // its matchings end where the next term's begin
+    QCSSelectionDef::Term matchings;
     std::uint32_t grant;
-    std::uint32_t bucket;
-    std::uint8_t level;
+    QCSAuthLevelEnum level;
   };
-  struct Entry {
-    std::uint32_t term;
-    std::uint8_t level;
+  using Terms = std::vector<Term>;
+
+  // Finds a std::string key by a std::string_view.
+  struct TextHash : std::hash<std::string_view> {
+    using is_transparent = void;
   };
-  // What kinds of keys are in use for one field, so that a question looks up no others.
-  struct FieldKeys {
-    std::uint32_t presence = KeyTable::kNone;  // the bucket of the terms that ask no more
-    bool exact = false;
-    std::uint8_t pieces = 0;              // bit i: pieces of kPieceLengths[i]
-    std::vector<std::uint32_t> prefixes;  // their lengths, rising
-    std::vector<std::uint32_t> suffixes;  // likewise
+  template <class Value>
+  using ByText = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
+
+  enum Place { Begin, End, Part, kPlaces };
+  struct Key {
+    std::string_view field;
+    Place place;
+    std::string_view text;
+  };
+  struct Field {
+    std::map<std::size_t, ByText<Terms>> places[kPlaces];  // by the length of the text, the text
+    Terms others;
   };
 
-  // Calls `look(entries)` for every bucket that may hold terms that fit, until it returns true.
-  template <class Look>
-  bool LookThrough(const BoundObject& object, Look look) const;
-  template <class Look>
-  bool LookUpValue(std::uint32_t field, std::string_view value, Look& look) const;
-  template <class Look>
-  bool LookUp(std::uint64_t hash, Look& look) const;
-  std::uint32_t BucketOf(std::uint64_t hash) const;  // or KeyTable::kNone
-  std::span<const Entry> Bucket(std::uint32_t bucket) const;
-  bool Fits(std::uint32_t term, const BoundObject& object) const;
+  static std::vector<Key> KeysOf(const QCSSelectionDef::Term& matchings);
+  const Terms* Find(const Key& key) const;
+  Terms& TermsFor(const QCSSelectionDef::Term& matchings);
+  std::vector<const Terms*> MayFit(const QCSObject& object) const;
+  static bool Fits(const Term& term, const QCSObject& object);
 
-  std::string m_text;                  // all criteria, one after the other
-  std::deque<std::string> m_unquoted;  // the values that are written with doubled quotes
-  std::vector<Grant> m_grants;         // into m_text
-  std::vector<Refused> m_refused;
-  std::vector<Matching> m_matchings;  // into m_text or m_unquoted
-  std::vector<Term> m_terms;          // and one more, where the matchings end
-  std::unordered_map<std::string_view, std::uint32_t> m_fieldNumbers;
-  std::vector<FieldKeys> m_fields;
-  KeyFilter m_filter;
-  KeyTable m_table;
-  std::vector<std::uint32_t> m_bucketStarts;  // one more than there are buckets
-  std::vector<Entry> m_entries;               // by bucket, highest level first
+  std::uint32_t m_grants = 0;
+  std::size_t m_refused = 0;  // the grants that do not parse
+  Terms m_always;             // terms without matchings
+  ByText<Field> m_fields;
 };
+
+// Whether the user's grants, or where none of them fits the groups', give at least the level over
+// the object. Where none of either fits, they give DEFAULT_ACCESS.
+bool GrantsGiveLevel(const GrantIndex& user, const GrantIndex& groups, const QCSObject& object,
+                     QCSAuthLevelEnum level);
 
 }  // namespace vq
 

@@ -2,126 +2,104 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include <support/diagnostics/TDiag.h>
-#include <support/grants/GrantLevels.h>
+#include <support/grants/GrantIndex.h>
+#include <support/orb/CorbaConversions.h>
 
 namespace {
 
 TDiagRegister diagModule("VQServiceUserAuth");
 
-std::vector<vq::Grant> ForIndex(const std::list<VQServiceAuth>& list) {
-  std::vector<vq::Grant> grants;
-  grants.reserve(list.size());
-  for (const VQServiceAuth& grant : list) {
-    grants.push_back({grant.Criteria, vq::StoredLevel(grant.Level)});
-  }
-  return grants;
-}
-
 }  // namespace
 
-class VQServiceUserAuth::Grants {
- public:
-  static std::shared_ptr<const Grants> Make(std::list<VQServiceAuth> list, const TDiagFunc& diag) {
-    if (list.empty()) return nullptr;
-    auto grants = std::make_shared<const Grants>(std::move(list));
-    vq::LogRefusedGrants(diag, grants->Index(), 0);
-    return grants;
+void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& grants) {
+  std::list<VQServiceAuth> converted;
+  for (CORBA::ULong i = 0; i < wire.length(); ++i) {
+    const QCSCORBAAuthPair2& pair = wire[i];
+    VQServiceAuth& grant = converted.emplace_back(
+        VQServiceAuth{CorbaString2StlString(pair.Criteria.in()), pair.Level, {}});
+    const CORBA::ULong actions = LengthOnTheWire(pair.Actions);
+    grant.Actions.reserve(actions);
+    for (CORBA::ULong j = 0; j < actions; ++j) {
+      grant.Actions.push_back(pair.Actions[j]);
+    }
+  }
+  grants = std::move(converted);
+}
+
+// A list with its index; does not change once made.
+struct VQServiceUserAuth::Grants {
+  explicit Grants(std::list<VQServiceAuth> grants) : list(std::move(grants)) {
+    const TDiagFunc diag(diagModule, "VQServiceUserAuth::VQServiceUserAuth");
+    for (const VQServiceAuth& grant : list) {
+      index.Add(grant.Criteria, grant.Level, diag);
+      byNumber.push_back(&grant);
+    }
   }
 
-  static std::shared_ptr<const Grants> Join(const std::shared_ptr<const Grants>& first,
-                                            const std::shared_ptr<const Grants>& second) {
-    if (first == nullptr) return second;
-    if (second == nullptr) return first;
-    std::list<VQServiceAuth> list = first->m_list;
-    list.insert(list.end(), second->m_list.begin(), second->m_list.end());
-    return std::make_shared<const Grants>(std::move(list));
-  }
-
-  explicit Grants(std::list<VQServiceAuth> list)
-      : m_list(std::move(list)), m_index(ForIndex(m_list)) {
-    m_byNumber.reserve(m_list.size());
-    for (const VQServiceAuth& grant : m_list) m_byNumber.push_back(&grant);
-  }
-
-  const std::list<VQServiceAuth>& List() const { return m_list; }
-  const vq::GrantIndex& Index() const { return m_index; }
-
-  enum class Verdict { NoneFits, Refused, Allowed };
-  Verdict JudgeAction(const QCSObject& service, int action) const {
-    bool someFits = false;
-    const bool allowed = m_index.AnyFitting(service, [&](std::uint32_t number) {
-      someFits = true;
-      const std::vector<int>& actions = m_byNumber[number]->Actions;
-      return std::find(actions.begin(), actions.end(), action) != actions.end();
-    });
-    if (allowed) return Verdict::Allowed;
-    return someFits ? Verdict::Refused : Verdict::NoneFits;
-  }
-
-  static const vq::GrantIndex* IndexOf(const std::shared_ptr<const Grants>& grants) {
-    return grants == nullptr ? nullptr : &grants->m_index;
-  }
-  static const std::list<VQServiceAuth>& ListOf(const std::shared_ptr<const Grants>& grants) {
-    static const std::list<VQServiceAuth> kNone;
-    return grants == nullptr ? kNone : grants->m_list;
-  }
-
- private:
-  std::list<VQServiceAuth> m_list;
-  vq::GrantIndex m_index;
-  std::vector<const VQServiceAuth*> m_byNumber;
+  std::list<VQServiceAuth> list;
+  vq::GrantIndex index;
+  std::vector<const VQServiceAuth*> byNumber;  // as the index numbers them
 };
 
-VQServiceUserAuth::VQServiceUserAuth() = default;
+VQServiceUserAuth::VQServiceUserAuth() : VQServiceUserAuth(std::list<VQServiceAuth>()) {}
 VQServiceUserAuth::VQServiceUserAuth(const VQServiceUserAuth&) = default;
 VQServiceUserAuth& VQServiceUserAuth::operator=(const VQServiceUserAuth&) = default;
 VQServiceUserAuth::~VQServiceUserAuth() = default;
 
-VQServiceUserAuth::VQServiceUserAuth(std::list<VQServiceAuth> user,
-                                     std::list<VQServiceAuth> groups) {
-  const TDiagFunc diag(diagModule, "VQServiceUserAuth::VQServiceUserAuth");
-  m_user = Grants::Make(std::move(user), diag);
-  m_group = Grants::Make(std::move(groups), diag);
-}
+VQServiceUserAuth::VQServiceUserAuth(std::list<VQServiceAuth> user, std::list<VQServiceAuth> groups)
+    : m_user(std::make_shared<const Grants>(std::move(user))),
+      m_group(std::make_shared<const Grants>(std::move(groups))) {}
 
 void VQServiceUserAuth::Clear() {
-  m_user.reset();
-  m_group.reset();
+  *this = VQServiceUserAuth();
+}
+
+void VQServiceUserAuth::Append(std::shared_ptr<const Grants>& grants,
+                               const std::shared_ptr<const Grants>& others) {
+  if (grants->list.empty()) {
+    grants = others;
+    return;
+  }
+  std::list<VQServiceAuth> list = grants->list;
+  list.insert(list.end(), others->list.begin(), others->list.end());
+  grants = std::make_shared<const Grants>(std::move(list));
 }
 
 void VQServiceUserAuth::AddUserAuth(const VQServiceUserAuth& other) {
-  m_user = Grants::Join(m_user, other.m_user);
+  Append(m_user, other.m_user);
 }
 
 void VQServiceUserAuth::AddGroupAuth(const VQServiceUserAuth& other) {
-  m_group = Grants::Join(m_group, other.m_group);
+  Append(m_group, other.m_group);
 }
 
 bool VQServiceUserAuth::IsDefAccessAllowed(const QCSObject& service, QCSAuthLevelEnum level) const {
-  return vq::GrantsGiveLevel(Grants::IndexOf(m_user), Grants::IndexOf(m_group), service, level);
+  return vq::GrantsGiveLevel(m_user->index, m_group->index, service, level);
 }
 
 bool VQServiceUserAuth::IsActionAllowed(const QCSObject& service, int action) const {
-  using Verdict = Grants::Verdict;
-  Verdict verdict = Verdict::NoneFits;
-  if (m_user != nullptr) verdict = m_user->JudgeAction(service, action);
-  if (verdict == Verdict::NoneFits && m_group != nullptr) {
-    verdict = m_group->JudgeAction(service, action);
+  for (const Grants* grants : {m_user.get(), m_group.get()}) {
+    bool someFits = false;
+    const bool allowed = grants->index.AnyFitting(service, [&](std::uint32_t number) {
+      someFits = true;
+      const std::vector<int>& actions = grants->byNumber[number]->Actions;
+      return std::find(actions.begin(), actions.end(), action) != actions.end();
+    });
+    if (someFits) return allowed;
   }
-  return verdict == Verdict::Allowed;
+  return false;
 }
 
 bool VQServiceUserAuth::IsEmpty() const {
-  return !vq::HasGrants(Grants::IndexOf(m_user)) && !vq::HasGrants(Grants::IndexOf(m_group));
+  return m_user->list.empty() && m_group->list.empty();
 }
 
 const std::list<VQServiceAuth>& VQServiceUserAuth::UserAuth() const {
-  return Grants::ListOf(m_user);
+  return m_user->list;
 }
 
 const std::list<VQServiceAuth>& VQServiceUserAuth::GroupAuth() const {
-  return Grants::ListOf(m_group);
+  return m_group->list;
 }

@@ -16,6 +16,7 @@
 #ifndef VQ_SUPPORT_SELECTION_QCSSELECTIONDEF_H
 #define VQ_SUPPORT_SELECTION_QCSSELECTIONDEF_H
 
+#include <cstddef>
 #include <list>
 #include <string>
 #include <string_view>
@@ -24,7 +25,23 @@
 #include <support/Export.h>
 #include <support/selection/QCSObject.h>
 #include <support/selection/SelectionMatching.h>
-#include <support/selection/SelectionParseError.h>
+
+namespace vq {
+
+// Where and why a selection's text does not parse.
+//
+//   NAME LIKE PAY*
+//             ^ position 10: expected a value in single quotes, found PAY*
+struct VQ_SUPPORT_API SelectionParseError {
+  std::size_t position = 0;  // bytes before the fault, from 0
+  std::string expected;      // what may stand there, in words
+  std::string found;         // what stands there, at most 20 bytes of it, or "the end of the text"
+
+  // "at position 10: expected a value in single quotes, found PAY*"
+  std::string AsString() const;
+};
+
+}  // namespace vq
 
 // Thread contract: like a standard container. The five virtual operations only read, so several
 // threads may ask one definition, as long as nobody changes it meanwhile.

@@ -52,6 +52,15 @@ struct SelectionMatching {
   friend bool operator==(const SelectionMatching&, const SelectionMatching&) = default;
 };
 
+// The wildcards of the LIKE operators: `*` stands for any text, the empty one too, and `?` for
+// exactly one byte. Every other byte stands for itself; there is no escape character.
+inline constexpr std::string_view kWildcards = "*?";
+
+// Whether the whole text matches the whole pattern. Takes no memory. The time is proportional to
+// the text for patterns as people write them, and never more than pattern length times text length,
+// since a `*` that has been passed is not tried again. May be called from any thread.
+bool MatchesWildcard(std::string_view pattern, std::string_view text);
+
 // Whether an attribute with the text `attribute` fits the operator and the value. May be called
 // from any thread. For the library itself: it is not exported, and programs ask a definition.
 bool MatchesValue(SelectionOperator op, std::string_view value, std::string_view attribute);

@@ -6,17 +6,22 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaConversions.h>
-#include <vq_client_common/authorizations/internal/RemoteFailures.h>
+#include <support/orb/CorbaText.h>
+#include <support/orb/FailedCall.h>
 #include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
+#include <vq_client_common/session/internal/Collaborators.h>
 #include <vq_client_common/session/internal/UsersManager.h>
 
 namespace {
 
 TDiagRegister diagModule("UserAuthorizations");
 
-using vq::authorizations::kFailure;
-using vq::authorizations::kSuccess;
+constexpr int kSuccess = vq::CodeOf(vq::LoginResult::kSuccess);
+constexpr int kFailure = vq::CodeOf(vq::LoginResult::kFailed);
+constexpr int kNotAuthorized = vq::CodeOf(vq::LoginResult::kNotAuthorized);
+constexpr int kSystemException = 23;
 
 bool IsAtLeast(QCSAuthLevelEnum stored, QCSAuthLevelEnum wanted) {
   return static_cast<int>(stored) >= static_cast<int>(wanted);
@@ -98,10 +103,10 @@ UserAuthorizations::~UserAuthorizations() {
 
 int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
   const TDiagFunc diag(diagModule, "UserAuthorizations::LoadAuthorizations");
-  return vq::authorizations::RunLoad(diag, [&] {
+  try {
     QCSCorbaUsersManager_ptr users;
     if (vq::session::GetUsersManager(users, LoginHandler::GetGlobal()->GetServerID()) != 1) {
-      // The message announces a reconnection that does not happen; whoever reads logs knows it so.
+      // The message announces a reconnection that does not happen; readers of the log know it so.
       VQ_LOG(diag, 1) << "couldn't get CORBA servant automatic reconnect process is to be invoked.";
       return kFailure;
     }
@@ -113,14 +118,27 @@ int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
     LoadAuthLevelForOrderForce();
     LoadChangePasswordAuthorization();
     return kSuccess;
-  });
+  } catch (const USER_NOT_FOUND& e) {
+    VQ_LOG(diag, 1) << "Caught a UserNotFound Exception - " << e.Message.in();
+    return kFailure;
+  } catch (const USER_NOT_AUTHORIZED& e) {
+    VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
+    return kNotAuthorized;
+  } catch (const QCSCorbaUsersManager::INVALID_ACTION_NAME&) {
+    VQ_LOG(diag, 1) << "CRB_GetActionAuthLevel Failed with INVALID_ACTION_NAME exception";
+    return kSuccess;  // Intentional: counts as success; the login continues.
+  } catch (const CORBA::SystemException& e) {
+    vq::orb::NoteFailedCall(e, CORBA::Object::_nil());
+    VQ_LOG(diag, 1) << "CORBA Exception " << e;
+    return kSystemException;
+  }
 }
 
 void UserAuthorizations::CopyPrivileges(const QCSAuthLevelEnumSeq& privileges) {
   for (const LevelField& field : kLevelFields) {
     this->*field.level = LevelOf(privileges, field.privilege);
   }
-  // Exactly FULL_ACCESS, and that is meant: MAX_ACCESS makes no administrator.
+  // Intentional: exactly FULL_ACCESS; MAX_ACCESS makes no administrator.
   m_IsAdministrator = m_AuthDefLevel == FULL_ACCESS;
   m_OpenArchivedViewPoint = IsAtLeast(LevelOf(privileges, ARCHIVEVP_PRIV_TYPE), BROWSE_ACCESS);
 }
@@ -140,7 +158,7 @@ void UserAuthorizations::LoadGrants(const QCSCorbaAuthorizationStruct& snapshot)
 
 int UserAuthorizations::LoadAuthLevelForOrderForce() {
   std::string value;
-  // The old answer stays, and that is meant: a server that is late does not take the right away.
+  // Intentional: the old answer stays; a server that is late does not take the right away.
   if (!GetSystemParameter("Action_OrderForce_AuthLevel", value, "gsr", E_GSR)) return kFailure;
   m_CanBrowseUserOrderForce = value == "BROWSE_ACCESS";
   return kSuccess;
@@ -149,7 +167,7 @@ int UserAuthorizations::LoadAuthLevelForOrderForce() {
 int UserAuthorizations::LoadChangePasswordAuthorization() {
   std::string value;
   if (!GetSystemParameter("UserChangePassword", value, "gui", E_GSR)) return kFailure;
-  // Only ever widens the right that the privilege gave, and that is meant.
+  // Intentional: only ever widens the right that the privilege gave.
   if (value == "1") m_ChangePasswordLevel = FULL_ACCESS;
   return kSuccess;
 }
@@ -160,7 +178,7 @@ void UserAuthorizations::Reset() {
   CopyPrivileges(QCSAuthLevelEnumSeq());
   m_JobLevelAuthExist = false;
   m_CanBrowseUserOrderForce = false;
-  // The grants stay, and that is meant: questions on objects go on answering after a logout.
+  // Intentional: the grants stay; questions on objects are answered after a logout too.
 }
 
 int UserAuthorizations::GetUserAuthQueries(const std::list<std::string>& names,
@@ -170,13 +188,19 @@ int UserAuthorizations::GetUserAuthQueries(const std::list<std::string>& names,
                                            const std::string& userId) {
   const TDiagFunc diag(diagModule, "UserAuthorizations::GetUserAuthQueries");
   activeQueries = nullptr;
-  return vq::authorizations::RunQuery(diag, [&] {
+  try {
     stringSeq sequence;
     StlVector2CorbaSequence(names, sequence);
     return Callable(m_Authorization)
         ->CRB_GetUserAuthQueriesEx(text.c_str(), sequence, flag1, flag2, definitionQueries,
                                    activeQueries, userId.c_str());
-  });
+  } catch (const USER_NOT_AUTHORIZED& e) {
+    VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
+  } catch (const CORBA::Exception& e) {
+    // The message announces a reconnection that does not happen; readers of the log know it so.
+    VQ_LOG(diag, 1) << "Caught CORBA exception, Trying to reconnect..." << e;
+  }
+  return kFailure;
 }
 
 // ---------------------------------------------------------------- privileges
@@ -289,3 +313,33 @@ bool UserAuthorizations::IsWorkloadsAccessAllowed() const {
 bool UserAuthorizations::IsServicesAccessAllowed() const {
   return !m_ServiceAuth.IsEmpty();
 }
+
+// ---------------------------------------------------------------- for the session
+
+namespace vq::session {
+
+UserAuthorizations* NewUserAuthorizations() {
+  return new UserAuthorizations;
+}
+
+void DeleteUserAuthorizations(UserAuthorizations* authorizations) {
+  delete authorizations;
+}
+
+UserAuthorizations* CopyUserAuthorizations(const UserAuthorizations& authorizations) {
+  return new UserAuthorizations(authorizations);
+}
+
+int LoadUserAuthorizations(UserAuthorizations& authorizations, const std::string& userId) {
+  return authorizations.LoadAuthorizations(userId);
+}
+
+void ResetUserAuthorizations(UserAuthorizations& authorizations) {
+  authorizations.Reset();
+}
+
+bool IsAdministrator(const UserAuthorizations& authorizations) {
+  return authorizations.IsAdministrator();
+}
+
+}  // namespace vq::session

@@ -87,8 +87,9 @@ class VQ_CLIENT_COMMON_API UserAuthorizations {
   // Whether the action of this number is allowed on the service (VQServiceUserAuth.h).
   bool IsServiceActionAccessAllowed(const QCSObject& object, int action) const;
 
-  // ---- A kind: whether the user has any grant on it, own or by a group. The names are those that
-  // client programs know, spelling included.
+  // ---- A kind: whether the user has any grant on it, own or by a group. Grants whose criteria do
+  // not parse count, although they fit no object. The names are those that client programs know,
+  // spelling included.
   bool IsCalendarsAccessAllowed() const;
   bool IsPrereqCondsAccessAllowed() const;
   bool IsControlRessAccessAllowed() const;

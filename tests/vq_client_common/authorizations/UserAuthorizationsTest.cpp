@@ -150,6 +150,18 @@ TEST_F(UserAuthorizationsTest, EachKindHasItsOwnGrantsTheUsersAndTheGroups) {
   }
 }
 
+// A server of another version may know another syntax.
+TEST_F(UserAuthorizationsTest, GrantsThatDoNotParseCountForTheirKindAlone) {
+  json alice;
+  for (const auto& row : kKinds) alice.merge_patch(Grant(row.grants, "NAME IN ('A')"));
+  ASSERT_NO_FATAL_FAILURE(Start(alice));
+  for (const auto& [kind, onObject, onKind] : kKinds) {
+    EXPECT_TRUE((May().*onKind)()) << kind;
+    EXPECT_FALSE((May().*onObject)(Named("A"), ACCESS_NONE)) << kind;
+  }
+  EXPECT_FALSE(May().IsServiceActionAccessAllowed(Named("A"), 3));
+}
+
 TEST_F(UserAuthorizationsTest, ParametersDecideOrderForceAndPasswordChange) {
   ASSERT_NO_FATAL_FAILURE(Start(Privilege("AUTHORIZATION", "UPDATE_ACCESS")));
   const json unreadable = {{"fail", 1}};  // It leaves the answer as it was.

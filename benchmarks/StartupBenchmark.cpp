@@ -6,48 +6,15 @@
 // processor time of each process counts, so that other work on the machine falls on both alike.
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <stdexcept>
-#include <string>
+#include <exception>
 #include <vector>
-
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 
 #include <benchmark/benchmark.h>
 
+#include <benchmarks/SpawnedProgram.h>
+
 namespace {
-
-double Seconds(const timeval& time) {
-  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
-}
-
-// Runs a program to its end without output. Returns the processor time that it took.
-double Run(std::vector<std::string> arguments) {
-  std::vector<char*> argv;
-  for (std::string& argument : arguments) argv.push_back(argument.data());
-  argv.push_back(nullptr);
-  std::array<char*, 1> environment{};  // empty, so that nothing in it switches the log on
-
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-  pid_t child = 0;
-  const int failure =
-      posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environment.data());
-  posix_spawn_file_actions_destroy(&actions);
-  if (failure != 0) throw std::runtime_error("can't start " + arguments[0]);
-
-  int status = 0;
-  rusage usage{};
-  if (wait4(child, &status, 0, &usage) != child || status != 0) {
-    throw std::runtime_error(arguments[0] + " failed");
-  }
-  return Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
-}
 
 double Median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -58,12 +25,12 @@ double Median(std::vector<double> values) {
 // The time is that of vqclient; "peer_s" is that of the empty program and "ratio" compares them.
 void Version(benchmark::State& state, const char* peer) {
   try {
-    Run({VQ_CLIENT, "--version"});  // the first run of each brings the files into memory
-    Run({peer});
+    vq::RunProgram({VQ_CLIENT, "--version"});  // the first run of each brings the files into memory
+    vq::RunProgram({peer});
     std::vector<double> ours, theirs;
     for (auto _ : state) {
-      ours.push_back(Run({VQ_CLIENT, "--version"}));
-      theirs.push_back(Run({peer}));
+      ours.push_back(vq::RunProgram({VQ_CLIENT, "--version"}).processor);
+      theirs.push_back(vq::RunProgram({peer}).processor);
       state.SetIterationTime(ours.back());
     }
     state.counters["peer_s"] = Median(theirs);

@@ -1,6 +1,9 @@
 // What the library adds to its remote calls: each session call beside the bare sequence of stub
 // calls that it makes, against one server process.
 //
+// The cold login is the exception: there whole processes take turns, `vqclient login` and a program
+// that makes the same calls through the stubs and loads the same libraries.
+//
 // Both sides use the same references and the same connection and take turns call by call, so that
 // whatever the machine does meanwhile hits both. The answer to the challenge and the password's
 // checksum belong to a login, so both sides compute them. The server writes no log.
@@ -14,6 +17,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <benchmarks/SpawnedProgram.h>
 #include <support/security/ChallengeResponse.h>
 #include <tests/fixture/ChildProcess.h>
 #include <tests/fixture/Environment.h>
@@ -43,6 +47,7 @@ class World {
  public:
   World() : m_naming(m_directory) {
     m_environment.Isolate(m_directory.Path());
+    std::filesystem::permissions(m_passwordFile, std::filesystem::perms::owner_read);
     m_directory.Write("root/installed-products.ini", "[NFT]\nversion = 8.0.05\n");
     const std::string ready = m_directory / "ready";
     const std::string site = m_directory.Write("site.json", vq::test::BaseSite().dump());
@@ -93,11 +98,22 @@ class World {
                                messages.out(), kShort, message.out(), userId.out(), dbUser.out());
   }
 
+  // The whole process of either login.
+  void ColdLogin() const {
+    vq::RunProgram({VQ_CLIENT, "login", "-s", "central", "-f", m_passwordFile, "-ORBInitRef",
+                    "NameService=" + m_naming.Reference()},
+                   {"VQ_HOME=" + (m_directory / "root"), "HOME=" + m_directory.Path()});
+  }
+  void ColdLoginByStubs() const {
+    vq::RunProgram({VQ_STUB_LOGIN, "-ORBInitRef", "NameService=" + m_naming.Reference()});
+  }
+
   QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();  // these two are borrowed
   VQCorbaSystemConfiguration_ptr configuration = VQCorbaSystemConfiguration::_nil();
 
  private:
   vq::test::TemporaryDirectory m_directory;
+  std::string m_passwordFile = m_directory.Write("password", "user=alice\npassword=secret\n");
   vq::test::Environment m_environment;
   vq::test::NamingService m_naming;
   ChildProcess m_server;
@@ -159,6 +175,14 @@ void KeepAlive(benchmark::State& state) {
       [&] { benchmark::DoNotOptimize(world->users->CRB_ClientKeepAlive(userId.c_str())); });
 }
 BENCHMARK(KeepAlive)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(1.0);
+
+void ColdLogin(benchmark::State& state) {
+  world->ColdLogin();  // the first run of each brings the files into memory
+  world->ColdLoginByStubs();
+  Compare(
+      state, [] { world->ColdLogin(); }, [] { world->ColdLoginByStubs(); });
+}
+BENCHMARK(ColdLogin)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(40);
 
 // Last, when the file that tells the client's version has not just been written: from then on it
 // is looked at and not read.

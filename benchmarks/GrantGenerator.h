@@ -15,8 +15,8 @@
 //
 //   const auto grants = vq::GenerateGrants(10'000, 1);
 //   const auto objects = vq::GenerateObjects(100, 10'000, 2);
-#ifndef VQ_BENCHMARKS_AUTHORIZATIONS_GRANTGENERATOR_H
-#define VQ_BENCHMARKS_AUTHORIZATIONS_GRANTGENERATOR_H
+#ifndef VQ_BENCHMARKS_GRANTGENERATOR_H
+#define VQ_BENCHMARKS_GRANTGENERATOR_H
 
 #include <array>
 #include <cstddef>
@@ -33,7 +33,7 @@ struct GeneratedGrant {
   std::uint8_t level;  // 1 to 4
 };
 
-// Random numbers that are the same everywhere. Thread contract: one thread at a time.
+// Random numbers that are the same everywhere.
 class GrantRandom {
  public:
   explicit GrantRandom(std::uint64_t seed) : m_state(seed) {}
@@ -118,4 +118,4 @@ inline std::vector<QCSObject> GenerateObjects(std::size_t count, std::size_t gra
 
 }  // namespace vq
 
-#endif  // VQ_BENCHMARKS_AUTHORIZATIONS_GRANTGENERATOR_H
+#endif  // VQ_BENCHMARKS_GRANTGENERATOR_H

@@ -1,0 +1,91 @@
+#include <support/grants/GrantIndex.h>
+
+#include <algorithm>
+#include <set>
+
+#include <gmock/gmock.h>
+
+#include <benchmarks/GrantGenerator.h>
+#include <tests/fixture/LogCapture.h>
+#include <tests/support/selection/RandomSelection.h>
+
+namespace {
+
+using vq::GeneratedGrant;
+
+TDiagRegister diagModule("GrantIndexTest");
+
+// Asks the index and every grant by itself. Returns how many of the objects some grant fits.
+int Compare(const std::vector<GeneratedGrant>& grants, const std::vector<QCSObject>& objects) {
+  const TDiagFunc diag(diagModule, "Compare");
+  vq::GrantIndex index;
+  std::vector<QCSSelectionDef> definitions;
+  for (const GeneratedGrant& grant : grants) {
+    vq::SelectionParseError error;
+    const bool parses = definitions.emplace_back().Parse(grant.criteria, error);
+    EXPECT_EQ(index.Add(grant.criteria, static_cast<QCSAuthLevelEnum>(grant.level), diag), parses);
+  }
+  EXPECT_EQ(index.size(), grants.size());
+  int fits = 0;
+  for (const QCSObject& object : objects) {
+    std::optional<int> highest;
+    std::set<std::uint32_t> fitting;
+    for (std::uint32_t i = 0; i < grants.size(); ++i) {
+      if (!definitions[i].DoesItFit(object, false)) continue;
+      highest = std::max<int>(highest.value_or(-1), grants[i].level);
+      fitting.insert(i);
+    }
+    EXPECT_EQ(index.HighestFitting(object), highest);
+    std::set<std::uint32_t> found;
+    const auto refuse = [&found](std::uint32_t grant) { return found.insert(grant), false; };
+    EXPECT_FALSE(index.AnyFitting(object, refuse));
+    EXPECT_EQ(found, fitting);
+    const auto accept = [](std::uint32_t) { return true; };
+    EXPECT_EQ(index.AnyFitting(object, accept), !fitting.empty());
+    fits += fitting.empty() ? 0 : 1;
+  }
+  return fits;
+}
+
+TEST(GrantIndex, AnswersAsTheScanOnRandomDefinitions) {
+  vq::test::RandomSelection random(3);
+  int fits = 0;
+  for (int round = 0; round < 3000 && !HasFailure(); ++round) {
+    std::vector<GeneratedGrant> grants(random.Below(12));
+    for (GeneratedGrant& grant : grants) {
+      grant = {random.Definition().AsString(), static_cast<std::uint8_t>(random.Below(6))};
+      if (random.Below(10) == 0) grant.criteria += " OR";  // does not parse
+    }
+    std::vector<QCSObject> objects(10);
+    for (QCSObject& object : objects) object = random.Object();
+    fits += Compare(grants, objects);
+  }
+  EXPECT_NEAR(fits, 15'000, 7'500);
+}
+
+TEST(GrantIndex, AnswersAsTheScanOnALargeInstallation) {
+  EXPECT_GT(Compare(vq::GenerateGrants(3000, 5), vq::GenerateObjects(300, 3000, 6)), 300 / 4);
+}
+
+TEST(GrantIndex, EvaluatesARepeatedPartOnce) {
+  const TDiagFunc diag(diagModule, "EvaluatesARepeatedPartOnce");
+  vq::GrantIndex index;
+  index.Add("A LIKE '*a*'", BROWSE_ACCESS, diag);
+  QCSObject object;
+  object.SetAttribute("A", std::string(100'000, 'a'));
+  int tried = 0;
+  EXPECT_FALSE(index.AnyFitting(object, [&](std::uint32_t) { return ++tried, false; }));
+  EXPECT_EQ(tried, 1);
+}
+
+TEST(GrantIndex, DoesNotFillTheLogWithGrantsThatDoNotParse) {
+  const TDiagFunc diag(diagModule, "DoesNotFillTheLogWithGrantsThatDoNotParse");
+  vq::test::LogCapture log(1);
+  vq::GrantIndex index;
+  for (int i = 0; i < 1000; ++i) EXPECT_FALSE(index.Add("?", FULL_ACCESS, diag));
+  ASSERT_EQ(log.Lines().size(), 21U);
+  EXPECT_THAT(log.Lines().front().text, ::testing::EndsWith("found ?. Criteria: ?"));
+  EXPECT_THAT(log.Lines().back().text, ::testing::StartsWith("Further grants"));
+}
+
+}  // namespace
