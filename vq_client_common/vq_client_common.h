@@ -16,7 +16,6 @@
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 #include <vq_client_common/datacenters/ArrayWrap.h>
 #include <vq_client_common/datacenters/TArchive.h>
-#include <vq_client_common/datacenters/TArchiveException.h>
 #include <vq_client_common/datacenters/TDC.h>
 #include <vq_client_common/datacenters/TDCList.h>
 #include <vq_client_common/datacenters/TString2Enum.h>
@@ -50,10 +49,7 @@
 #include <vq_client_common/text/ConvertFunctions.h>
 #include <vq_client_common/text/FieldLength.h>
 #include <vq_client_common/text/TErrMsg.h>
-#include <vq_client_common/text/TErrMsgs.h>
 #include <vq_client_common/text/TablePath.h>
-#include <vq_client_common/time/DcTimeInfo.h>
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
-#include <vq_client_common/time/NoTime.h>
 
 #endif  // VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H

@@ -1,18 +1,60 @@
 #include <vq_client_common/datacenters/TArchive.h>
 
+#include <algorithm>
 #include <array>
-#include <charconv>
+#include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
+#include <type_traits>
 
 #include <support/security/StupidEncrypt.h>
-
-// Storing and the life of an archive; TArchiveLoad.cpp has loading.
 
 namespace {
 
 constexpr char kSeparator = ';';
 constexpr char kLineEnd = '\n';
+constexpr std::size_t kMaxLine = 512;
+constexpr std::uint32_t kMaxNumber = 50;  // bytes of a number's text
+
+// Gives a stream its own formatting back.
+struct FormatGuard {
+  std::iostream& stream;
+  std::ios_base::fmtflags flags = stream.flags();
+  ~FormatGuard() { stream.flags(flags); }
+};
+
+// Extracts the number before a record's body and the one character behind it. The formatting that
+// the caller set on the stream does not count.
+template <typename T>
+void ReadPrefix(std::iostream& stream, T& number) {
+  const FormatGuard guard{stream};
+  stream >> std::dec >> std::skipws >> number;
+  stream.get();
+}
+
+// Reads `count` bytes. Memory is taken as bytes arrive, so that a prefix alone cannot claim it.
+void ReadBody(std::iostream& stream, std::size_t count, std::string& body) {
+  constexpr std::size_t kFirstChunk = 4096;
+  body.clear();
+  while (body.size() < count && stream.good()) {
+    const std::size_t had = body.size();
+    const std::size_t chunk = std::min(count - had, std::max(kFirstChunk, had));
+    body.resize(had + chunk);
+    stream.read(body.data() + had, static_cast<std::streamsize>(chunk));
+    body.resize(had + static_cast<std::size_t>(stream.gcount()));
+  }
+}
+
+void SkipLine(std::iostream& stream) {
+  for (char c = 0; c != kLineEnd && stream.get(c);) {
+  }
+}
+
+unsigned long ToUnsignedLong(const std::string& text) {
+  constexpr int kDecimal = 10;
+  return std::strtoul(text.c_str(), nullptr, kDecimal);
+}
 
 }  // namespace
 
@@ -57,15 +99,11 @@ void TArchive::Fail() {
 
 void TArchive::WriteRecord(const std::string& text) {
   std::iostream& stream = Stream();
-  std::array<char, 24> digits{};
-  char* const end =
-      std::to_chars(digits.data(), digits.data() + digits.size(), text.size() + 1).ptr;
-  // Meant: without the flag a text is as many zero bytes; loading programs skip it by its length.
+  // Intentional: without the flag a text is as many zero bytes; loading programs skip it by its
+  // length.
   std::string body(text.size(), '\0');
   if (m_encrypt) StupidEncrypt(text, body);
-  std::string record;
-  record.reserve(text.size() + digits.size());
-  record.append(digits.data(), end).push_back(kSeparator);
+  std::string record = std::to_string(text.size() + 1) + kSeparator;
   record.append(body, 0, text.size()).push_back(kLineEnd);
   stream.write(record.data(), static_cast<std::streamsize>(record.size()));
   RequireGood(stream);
@@ -104,7 +142,8 @@ TArchive& TArchive::operator<<(double value) {
 }
 
 TArchive& TArchive::operator<<(long value) {
-  // Meant: 32 bits without sign, whatever the width of a long; every loading program expects them.
+  // Intentional: 32 bits without sign, whatever the width of a long; every loading program expects
+  // them.
   return *this << static_cast<unsigned long>(static_cast<std::uint32_t>(value));
 }
 
@@ -131,6 +170,157 @@ TArchive& TArchive::operator<<(int value) {
 }
 TArchive& TArchive::operator<<(float value) {
   return *this << static_cast<double>(value);
+}
+
+// One line without its end. A line of more than 512 bytes is a failure.
+std::string TArchive::ReadLine() {
+  std::iostream& stream = Stream();
+  std::array<char, kMaxLine + 1> line{};
+  stream.getline(line.data(), line.size());
+  RequireGood(stream);
+  return std::string(line.data(), static_cast<std::size_t>(stream.gcount() - 1));
+}
+
+std::string TArchive::ReadCipheredLine() {
+  std::string line = ReadLine();
+  StupidDecrypt(line, line);
+  return line;
+}
+
+template <typename T>
+void TArchive::ExtractPlain(T& value) {
+  std::iostream& stream = Stream();
+  stream >> value;
+  RequireGood(stream);
+}
+
+TArchive& TArchive::operator>>(std::string& value) {
+  if (m_decryptType == kLines) {
+    value = ReadCipheredLine();
+    return *this;
+  }
+  std::iostream& stream = Stream();
+  std::int32_t prefix = 0;
+  ReadPrefix(stream, prefix);
+  if (prefix < 0) stream.setstate(std::ios_base::failbit);
+  RequireGood(stream);
+  ReadBody(stream, prefix == 0 ? 0 : static_cast<std::size_t>(prefix - 1), value);
+  if (m_decryptType == kRecords) StupidDecrypt(value, value);
+  SkipLine(stream);
+  RequireGood(stream);
+  return *this;
+}
+
+unsigned long TArchive::ReadUnsignedLong() {
+  if (m_decryptType == kLines) return ToUnsignedLong(ReadCipheredLine());
+  std::iostream& stream = Stream();
+  std::uint32_t prefix = 0;
+  ReadPrefix(stream, prefix);
+  RequireGood(stream);
+  const std::uint32_t count = prefix - 1;  // a prefix of 0 claims far too many bytes
+  if (count > kMaxNumber) Fail();
+  std::string text;
+  ReadBody(stream, count, text);
+  SkipLine(stream);
+  RequireGood(stream);
+  if (m_decryptType == kRecords) StupidDecrypt(text, text);
+  return ToUnsignedLong(text);
+}
+
+TArchive& TArchive::operator>>(double& value) {
+  if (m_decryptType == kRecordsAsTheyStand) {
+    ExtractPlain(value);
+    return *this;
+  }
+  if (m_decryptType == kLines) {
+    ReadCipheredLine();  // Intentional: the value is dropped; old archives are read past it so.
+    return *this;
+  }
+  std::iostream& stream = Stream();
+  std::int32_t prefix = 0;
+  ReadPrefix(stream, prefix);
+  if (prefix < 1) stream.setstate(std::ios_base::failbit);
+  RequireGood(stream);
+  std::string text;
+  if (prefix == 1) {
+    text = ReadLine();
+  } else {
+    const auto count = static_cast<std::size_t>(prefix - 1);
+    while (text.size() < count && stream.peek() != kLineEnd && stream.good()) {
+      text += static_cast<char>(stream.get());
+    }
+    if (text.empty()) stream.setstate(std::ios_base::failbit);
+    RequireGood(stream);
+    // Intentional: deciphered at every decrypt type, and the line end stays; the next load skips
+    // it.
+    StupidDecrypt(text, text);
+  }
+  // Intentional: only the digits before the decimal point are read; archives in the field depend on
+  // it.
+  value = static_cast<double>(static_cast<std::uint32_t>(ToUnsignedLong(text)));
+  return *this;
+}
+
+TArchive& TArchive::operator>>(float& value) {
+  if (m_decryptType == kRecordsAsTheyStand) {
+    ExtractPlain(value);
+    return *this;
+  }
+  double wide = value;
+  *this >> wide;
+  value = static_cast<float>(wide);
+  return *this;
+}
+
+// Plain at type 1, otherwise the low bits of what a record or a line holds. Bool and long take 32
+// of them, as they do when they are stored.
+template <typename T>
+void TArchive::LoadInteger(T& value) {
+  if (m_decryptType == kRecordsAsTheyStand) {
+    ExtractPlain(value);
+  } else if constexpr (std::is_same_v<T, bool>) {
+    value = static_cast<std::uint32_t>(ReadUnsignedLong()) != 0;
+  } else if constexpr (std::is_same_v<T, long>) {
+    value = static_cast<std::int32_t>(ReadUnsignedLong());
+  } else {
+    value = static_cast<T>(ReadUnsignedLong());
+  }
+}
+TArchive& TArchive::operator>>(bool& value) {
+  LoadInteger(value);
+  return *this;
+}
+TArchive& TArchive::operator>>(char& value) {
+  LoadInteger(value);
+  return *this;
+}
+TArchive& TArchive::operator>>(unsigned char& value) {
+  LoadInteger(value);
+  return *this;
+}
+TArchive& TArchive::operator>>(short& value) {
+  LoadInteger(value);
+  return *this;
+}
+TArchive& TArchive::operator>>(unsigned short& value) {
+  LoadInteger(value);
+  return *this;
+}
+TArchive& TArchive::operator>>(int& value) {
+  LoadInteger(value);
+  return *this;
+}
+TArchive& TArchive::operator>>(unsigned int& value) {
+  LoadInteger(value);
+  return *this;
+}
+TArchive& TArchive::operator>>(long& value) {
+  LoadInteger(value);
+  return *this;
+}
+TArchive& TArchive::operator>>(unsigned long& value) {
+  LoadInteger(value);
+  return *this;
 }
 
 void SerializeElement(TArchive& archive, std::string& value) {

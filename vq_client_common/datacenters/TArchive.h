@@ -23,17 +23,33 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
-#include <string_view>
 
 #include <vq_client_common/Export.h>
-#include <vq_client_common/datacenters/TArchiveException.h>
+
+// The failure of an archive. Does not derive from std::exception: catch it by its own name. An
+// archive itself knows one failure only, code 0 without a message.
+class VQ_CLIENT_COMMON_API TArchiveException {
+ public:
+  // Copies `message`; null counts as an empty text.
+  TArchiveException(int code, const char* message)
+      : m_code(code), m_message(message != nullptr ? message : "") {}
+  TArchiveException(const TArchiveException&) = default;
+  TArchiveException& operator=(const TArchiveException&) = default;
+  virtual ~TArchiveException() = default;
+
+  // What the constructor was given; the reference lasts as long as the object.
+  std::int32_t GetCode() const { return m_code; }
+  const std::string& GetMessage() const { return m_message; }
+
+ private:
+  std::int32_t m_code;
+  std::string m_message;
+};
 
 // Every operator raises TArchiveException when the stream is not good afterwards, and when there is
 // no stream any more. Nothing is rolled back: what was written stays, and the target of a failed
 // load may hold a part of a value. A stream that is set to raise exceptions raises its own instead,
 // out of every operation but the destructor.
-//
-// Thread contract: one archive, one thread; the stream is not locked.
 class VQ_CLIENT_COMMON_API TArchive {
  public:
   // Decrypt types. Any other number reads strings and numbers from records, not deciphered.
@@ -101,9 +117,6 @@ class VQ_CLIENT_COMMON_API TArchive {
   TArchive& operator>>(double& value);  // decrypt type kLines reads a line and leaves `value` alone
 
  private:
-  // Undoes StupidEncrypt: writes as many bytes as it reads, which may be the same ones.
-  static void RecordCipher(std::string_view hidden, char* plain);
-
   [[noreturn]] static void Fail();
   static void RequireGood(const std::iostream& stream);
   std::iostream& Stream() const;
@@ -114,8 +127,6 @@ class VQ_CLIENT_COMMON_API TArchive {
   void ExtractPlain(T& value);
   template <typename T>
   void LoadInteger(T& value);
-  template <typename Read>
-  void LoadPieces(Read read);
   std::string ReadLine();
   std::string ReadCipheredLine();
   unsigned long ReadUnsignedLong();

@@ -1,7 +1,9 @@
 #include <vq_client_common/datacenters/TDC.h>
 
+#include <algorithm>
+
 #include <support/diagnostics/TDiag.h>
-#include <vq_client_common/datacenters/internal/FixPackLevel.h>
+#include <vq_idl/AdministrationRecordsC.h>
 
 namespace {
 
@@ -17,6 +19,21 @@ bool UpdateIfChanged(const char* label, Field& field, const Field& value) {
   VQ_LOG(diag, 5) << "Value of " << label << " was changed from " << field << " to " << value;
   field = value;
   return true;
+}
+
+// A text member is never null on the wire; one that a caller made null counts as empty.
+std::string Text(const char* member) {
+  return member != nullptr ? member : "";
+}
+
+// A flag is set by "1" and by nothing else.
+bool Flag(const char* member) {
+  return Text(member) == "1";
+}
+
+// The server counts the days of the week from 1, the record from 0. What is below 1 stays below 0.
+std::int32_t StartDay(std::int32_t day) {
+  return std::max(day, 0) - 1;
 }
 
 }  // namespace
@@ -63,7 +80,8 @@ bool TDC::UpdateFull(const std::string& name, const std::string& enabled,
   const TDiagFunc diag(diagModule, "TDC::UpdateFull");
   bool changed = false;
   if (startDay < 0 || startDay >= kDaysOfTheWeek) {
-    // Meant so: a repair counts as a change each time; callers take it as a mark of a bad record.
+    // Intentional: a repair counts as a change each time; callers take it as a mark of a bad
+    // record.
     startDay = kRepairedStartDay;
     changed = true;
   }
@@ -72,7 +90,7 @@ bool TDC::UpdateFull(const std::string& name, const std::string& enabled,
 
   const std::string level = vq::TrimFixPackLevel(fixPack);
   const TVltType type = TVltVersion::TypeFromString(platform);
-  // Meant so: a new fix-pack level alone is no change and is not taken over; see operator==.
+  // Intentional: a new fix-pack level alone is no change and is not taken over; see operator==.
   if (m_version != TVltVersion(type, version, level)) {
     VQ_LOG(diag, 5) << "Platform & Version was changed from " << m_version.TypeAsString() << ':'
                     << m_version.FullVer() << " to " << platform << ':' << version << '.' << level;
@@ -98,4 +116,23 @@ bool TDC::UpdateFull(const std::string& name, const std::string& enabled,
   changed |= UpdateFieldIfChanged("ST Start", m_startSummerTime, startSummerTime);
   changed |= UpdateFieldIfChanged("ST End", m_endSummerTime, endSummerTime);
   return changed;
+}
+
+TVltVersion TDC::ConvertVLTVersionFromQCSCommAdminStruct(const QCSCommAdminStruct& record) {
+  return {TVltVersion::TypeFromString(Text(record.m_Platform.in())), Text(record.m_Version.in()),
+          Text(record.m_FixPackLevel.in())};
+}
+
+bool TDC::ConvertQCSCommAdminStructToTDC(const QCSCommAdminStruct& record, TDC& tdc) {
+  // Intentional: the log knows this function under the list's name, and readers search for that.
+  const TDiagFunc diag(diagModule, "TDCList::ConvertQCSCommAdminStructToTDC");
+  return tdc.UpdateFull(
+      Text(record.m_Name.in()), Text(record.m_Enabled.in()), Text(record.m_Platform.in()),
+      Text(record.m_Version.in()), Text(record.m_FixPackLevel.in()), Text(record.m_Code.in()),
+      Text(record.m_Protocol.in()), Flag(record.m_VeltR.in()), Flag(record.m_UpperCase.in()),
+      Flag(record.m_VeltT.in()), Flag(record.m_VeltB.in()), Text(record.m_TimeZone.in()),
+      Text(record.m_HostName.in()), record.m_PortNumber, StartDay(record.m_StartDayOfTheWeek),
+      Text(record.m_GatewayHostName.in()), record.m_GatewayPortNumber,
+      Text(record.m_NewDayTime.in()), Text(record.m_Description.in()), Text(record.m_Contact.in()),
+      Text(record.m_StartSummerTime.in()), Text(record.m_EndSummerTime.in()));
 }

@@ -7,8 +7,6 @@
 #include <string_view>
 #include <utility>
 
-#include <vq_client_common/datacenters/internal/FixPackLevel.h>
-
 namespace {
 
 struct TypeTexts {
@@ -110,6 +108,15 @@ std::string StoredFixPackLevel(const std::string& fixPack) {
 }
 
 }  // namespace
+
+std::string vq::TrimFixPackLevel(std::string_view level) {
+  const std::size_t first = level.find_first_not_of(' ');
+  if (first == std::string_view::npos) {
+    // Intentional: one blank is an empty level, two or more stay and show as a level.
+    return std::string(level.size() == 1 ? std::string_view() : level);
+  }
+  return std::string(level.substr(first, level.find_last_not_of(' ') + 1 - first));
+}
 
 TVltVersion::TVltVersion(TVltType type, const std::string& version, const std::string& fixPack)
     : m_type(type), m_version(version), m_fixPack(StoredFixPackLevel(fixPack)) {}

@@ -14,6 +14,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include <vq_client_common/Export.h>
 #include <vq_client_common/datacenters/ArrayWrap.h>
@@ -156,5 +157,10 @@ class VQ_CLIENT_COMMON_API TVltVersion {
 
 // Writes "[" + type as screens show it + " " + version + "]"; the level is not shown.
 VQ_CLIENT_COMMON_API std::ostream& operator<<(std::ostream& stream, const TVltVersion& version);
+
+namespace vq {
+// The level without the blanks (0x20 alone) around it. For the library itself: not exported.
+std::string TrimFixPackLevel(std::string_view level);
+}  // namespace vq
 
 #endif  // VQ_CLIENT_COMMON_DATACENTERS_TVLTVERSION_H

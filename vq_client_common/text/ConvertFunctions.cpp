@@ -1,9 +1,7 @@
 #include <vq_client_common/text/ConvertFunctions.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <cstring>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -70,108 +68,21 @@ std::string Interval(std::string_view text) {
 std::string ShiftNum(std::string_view text) {
   if (text.empty()) return {};
   const int number = vq::Atoi(text);
-  // Meant: a negative number keeps its own sign behind the field's; the server depends on it.
+  // Intentional: a negative number keeps its own sign behind the field's; the server depends on it.
   return number < 0 ? "-" + Padded(number, 1) : "+" + Padded(number, 2);
 }
 
-// The value of a record's prefix, the four bytes at `prefix`.
-int LengthOf(const char* prefix) {
-  unsigned value = 0;
-  bool plain = true;
-  for (std::size_t i = 0; i < kPrefix; ++i) {
-    const unsigned digit = static_cast<unsigned char>(prefix[i]) - unsigned{'0'};
-    plain = plain && digit <= 9;
-    value = value * 10 + digit;
-  }
-  return plain ? static_cast<int>(value) : vq::Atoi(std::string_view(prefix, kPrefix));
+void AppendRecord(std::string_view line, std::string& buffer) {
+  std::string length = std::to_string(line.size());
+  if (length.size() < kPrefix) length.insert(0, kPrefix - length.size(), '0');
+  buffer.append(length).append(line);
 }
 
-// Writes a text from its start over what the string held, and cuts the string to what was written
-// at the end of its life. The string is given its length once, not with every piece.
-class Output {
- public:
-  // `expected` is a guess of the length; more is made room for.
-  Output(std::string& text, std::size_t expected) : m_text(text) {
-    if (m_text.size() < expected) m_text.resize(expected);
-    PointBehind(0);
-  }
-  ~Output() { m_text.resize(Size()); }
-  Output(const Output&) = delete;
-  Output& operator=(const Output&) = delete;
-
-  void Append(std::string_view piece) {
-    if (Room() < piece.size()) Grow(piece.size());
-    std::memcpy(m_to, piece.data(), piece.size());
-    m_to += piece.size();
-  }
-
-  // Appends the first `length` bytes of `from`. The usual line is moved in one or two parts of a
-  // fixed size, which is faster than one of the right size; what they bring too much lies in the
-  // string and is overwritten by the next piece or cut off.
-  void AppendLine(std::string_view from, std::size_t length) {
-    constexpr std::size_t kPart = 64;
-    if (length > 2 * kPart || from.size() < 2 * kPart || Room() < 2 * kPart) {
-      Append(from.substr(0, length));
-      return;
-    }
-    std::memcpy(m_to, from.data(), kPart);
-    if (length > kPart) std::memcpy(m_to + kPart, from.data() + kPart, kPart);
-    m_to += length;
-  }
-
- private:
-  std::size_t Size() const { return static_cast<std::size_t>(m_to - m_text.data()); }
-  std::size_t Room() const { return static_cast<std::size_t>(m_end - m_to); }
-  void PointBehind(std::size_t size) {
-    m_to = m_text.data() + size;
-    m_end = m_text.data() + m_text.size();
-  }
-  void Grow(std::size_t more) {
-    const std::size_t size = Size();
-    m_text.resize(std::max(size + more, size / 2 * 3));
-    PointBehind(size);
-  }
-
-  std::string& m_text;
-  char* m_to = nullptr;
-  char* m_end = nullptr;
-};
-
-constexpr auto kTwoDigits = [] {
-  std::array<char, 200> digits{};
-  for (std::size_t i = 0; i < 100; ++i) {
-    digits[2 * i] = static_cast<char>('0' + i / 10);
-    digits[2 * i + 1] = static_cast<char>('0' + i % 10);
-  }
-  return digits;
-}();
-
-// A record of the first `length` bytes of `from`.
-void AppendRecord(std::string_view from, std::size_t length, Output& out) {
-  if (length < 10000) {
-    std::array<char, kPrefix> prefix;
-    std::memcpy(prefix.data(), &kTwoDigits[length / 100 * 2], 2);
-    std::memcpy(prefix.data() + 2, &kTwoDigits[length % 100 * 2], 2);
-    out.Append(std::string_view(prefix.data(), kPrefix));
-  } else {
-    out.Append(std::to_string(length));
-  }
-  out.AppendLine(from, length);
-}
-
-// Where the first CR LF of `text` begins; its size when there is none.
-std::size_t FindLineEnd(std::string_view text) {
-  for (std::size_t at = 0; (at = text.find('\r', at)) != kNone; ++at) {
-    if (at + 1 < text.size() && text[at + 1] == '\n') return at;
-  }
-  return text.size();
-}
-
-// Meant: a record of two or more blanks and nothing else stays; servers hold such lines.
-std::size_t TrimmedLength(std::string_view line) {
+// Intentional: a record of two or more blanks and nothing else stays; servers hold such lines.
+std::string_view Trimmed(std::string_view line) {
   const std::size_t last = line.find_last_not_of(' ');
-  if (last != kNone) return last + 1;
-  return line == " " ? 0 : line.size();
+  if (last != kNone) return line.substr(0, last + 1);
+  return line == " " ? "" : line;
 }
 
 }  // namespace
@@ -199,7 +110,8 @@ void FormatShiftNum(const std::string& in, std::string& out) {
 
 void FormatRetentionValues(const std::string& in, std::string& out, bool wide) {
   const TDiagFunc diag(diagModule, "FormatRetentionValues");
-  if (in.empty()) return;  // Meant: `out` stays; screens keep the last value of a field left empty.
+  if (in.empty())
+    return;  // Intentional: `out` stays; screens keep the last value of a field left empty.
   if (std::all_of(in.begin(), in.end(), IsDigit)) {
     out = Padded(vq::Atoi(in), wide ? 3 : 2);
   } else {
@@ -209,21 +121,20 @@ void FormatRetentionValues(const std::string& in, std::string& out, bool wide) {
 
 int ConvertBuffer2Lines(const std::string& buffer, std::string& lines) {
   const TDiagFunc diag(diagModule, "ConvertBuffer2Lines");
-  std::string copy;
-  std::string_view rest = buffer;
-  if (&buffer == &lines) rest = copy = buffer;
-  // A record gives at most what it takes: two bytes of line end for four of prefix.
-  Output out(lines, rest.size());
-  while (!rest.empty()) {
+  const std::string copy = buffer;  // may be the same object as `lines`
+  lines.clear();
+  for (std::string_view rest = copy; !rest.empty();) {
     if (rest.size() < kPrefix) return 0;
-    const int length = LengthOf(rest.data());
+    const int length = vq::Atoi(rest.substr(0, kPrefix));
     if (length < 0) return 0;
     rest.remove_prefix(kPrefix);
-    const auto wanted = static_cast<std::size_t>(length);
-    out.AppendLine(rest, std::min(wanted, rest.size()));
-    if (wanted > rest.size()) throw std::out_of_range("invalid string position");
-    rest.remove_prefix(wanted);
-    if (!rest.empty()) out.Append(kLineEnd);
+    const std::string_view line = rest.substr(0, static_cast<std::size_t>(length));
+    lines += line;
+    if (line.size() < static_cast<std::size_t>(length)) {
+      throw std::out_of_range("invalid string position");
+    }
+    rest.remove_prefix(line.size());
+    if (!rest.empty()) lines += kLineEnd;
   }
   return 1;
 }
@@ -233,23 +144,20 @@ int ConvertLines2Buffer(const std::string& lines, std::string& buffer, unsigned 
   if (maxLine == 0 && !lines.empty()) {
     throw std::invalid_argument("ConvertLines2Buffer: maxLine is 0");
   }
-  std::string copy;
-  std::string_view rest = lines;
-  if (&lines == &buffer) rest = copy = lines;
-  Output out(buffer, rest.size() + rest.size() / 16);
-  while (!rest.empty()) {
-    const std::size_t end = FindLineEnd(rest);
-    const bool last = end == rest.size();
-    for (std::size_t left = end;; left -= maxLine) {
-      const std::size_t length = std::min<std::size_t>(left, maxLine);
-      // Meant: only a line without a line end is trimmed; the blanks of the others come back.
-      AppendRecord(rest, last ? TrimmedLength(rest.substr(0, length)) : length, out);
-      rest.remove_prefix(length);
-      if (left <= maxLine) break;
-    }
-    if (last) break;
-    rest.remove_prefix(kLineEnd.size());
-    if (rest.empty()) AppendRecord(rest, 0, out);
+  const std::string copy = lines;  // may be the same object as `buffer`
+  buffer.clear();
+  for (std::string_view rest = copy; !rest.empty();) {
+    const std::size_t end = rest.find(kLineEnd);
+    const bool last = end == kNone;
+    std::string_view line = rest.substr(0, end);
+    rest.remove_prefix(last ? rest.size() : end + kLineEnd.size());
+    do {
+      const std::string_view piece = line.substr(0, maxLine);
+      // Intentional: only a line without a line end is trimmed; the blanks of the others come back.
+      AppendRecord(last ? Trimmed(piece) : piece, buffer);
+      line.remove_prefix(piece.size());
+    } while (!line.empty());
+    if (!last && rest.empty()) AppendRecord("", buffer);
   }
   return 1;
 }
@@ -274,7 +182,8 @@ int ConvertUnixToWindows(const std::string& in, std::string& out) {
   result.reserve(in.size() + in.size() / 16);
   std::string_view rest = in;
   for (std::size_t end; (end = rest.find('\n')) != kNone;) {
-    // Meant: a CR that stands before the LF gets a second one; only lone LFs are expected here.
+    // Intentional: a CR that stands before the LF gets a second one; only lone LFs are expected
+    // here.
     result.append(rest.substr(0, end)).append(kLineEnd);
     rest.remove_prefix(end + 1);
   }

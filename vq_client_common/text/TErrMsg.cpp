@@ -1,5 +1,8 @@
 #include <vq_client_common/text/TErrMsg.h>
 
+#include <limits>
+#include <stdexcept>
+
 namespace {
 
 constexpr std::int32_t kSuccess = 1;
@@ -28,6 +31,22 @@ void TErrMsg::ResetMessage() {
   m_trc = kSuccess;
   m_reservedCode = -1;
   m_index = 0;
-  // Meant: small letters, unlike a new message's; a printed [unk] tells that it was reset.
+  // Intentional: small letters, unlike a new message's; a printed [unk] tells that it was reset.
   m_secondCodeText = "unknown";
+}
+
+void TErrMsgs::AddMsg(const TErrMsg& message) {
+  if (m_messages.size() >= std::numeric_limits<std::uint32_t>::max()) {
+    throw std::length_error("vector<T> too long");
+  }
+  m_messages.push_back(message);
+}
+
+TErrMsg& TErrMsgs::GetMsg(std::uint32_t index) {
+  return const_cast<TErrMsg&>(GetMsgRef(index));
+}
+
+const TErrMsg& TErrMsgs::GetMsgRef(std::uint32_t index) const {
+  if (index >= m_messages.size()) throw std::out_of_range("invalid vector<T> subscript");
+  return m_messages[index];
 }

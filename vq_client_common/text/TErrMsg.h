@@ -12,6 +12,7 @@
 #define VQ_CLIENT_COMMON_TEXT_TERRMSG_H
 
 #include <cstdint>
+#include <vector>
 
 #include <vq_client_common/Export.h>
 #include <vq_client_common/text/BaseString.h>
@@ -64,6 +65,31 @@ class VQ_CLIENT_COMMON_API TErrMsg {
   [[maybe_unused]] std::int32_t m_reservedCode = 0;  // copied, never read
   bool m_convertErr = false;
   BaseString m_convertMsg;
+};
+
+// The messages of one answer of a server, in the order of adding.
+//
+//   TErrMsgs messages;
+//   messages.AddMsg(message);
+//   for (std::uint32_t i = 0; i < messages.GetSize(); ++i) Show(messages.GetMsgRef(i));
+class VQ_CLIENT_COMMON_API TErrMsgs {
+ public:
+  // Appends a copy. References to elements are no longer valid then. A list at its size limit
+  // raises std::length_error "vector<T> too long".
+  void AddMsg(const TErrMsg& message);
+  // Makes the list empty.
+  void RemoveAll() { m_messages.clear(); }
+  // The number of messages.
+  std::uint32_t GetSize() const { return static_cast<std::uint32_t>(m_messages.size()); }
+
+  // The element at `index`, from 0: itself, a copy, itself. An index at or beyond the size raises
+  // std::out_of_range "invalid vector<T> subscript".
+  TErrMsg& GetMsg(std::uint32_t index);
+  TErrMsg GetMsg(std::uint32_t index) const { return GetMsgRef(index); }
+  const TErrMsg& GetMsgRef(std::uint32_t index) const;
+
+ private:
+  std::vector<TErrMsg> m_messages;
 };
 
 #endif  // VQ_CLIENT_COMMON_TEXT_TERRMSG_H

@@ -22,11 +22,25 @@
 #include <memory>
 #include <string>
 
+#include <support/os_toolkit/os_date.h>
 #include <support/os_toolkit/os_time_and_date.h>
 #include <support/os_toolkit/os_time_zone.h>
 #include <vq_client_common/Export.h>
-#include <vq_client_common/time/DcTimeInfo.h>
-#include <vq_client_common/time/NoTime.h>
+
+// The mark for a time that is absent, in every time field of the suite. It stands just under the
+// largest value of 32 bits; conversions pass it through, and it shows as an empty text.
+inline constexpr std::int32_t NO_TIME = 2147483638;
+
+// What is known of one data center's clock: one entry of the table. The *working date* is the date
+// of the scheduling day that jobs run in; it begins at the *new-day time*, which need not be
+// midnight.
+struct DcTimeInfo {
+  const os_time_zone* zone;   // not owned; one of the table's zones
+  std::int32_t newDayOffset;  // seconds after midnight at which the scheduling day begins
+  os_date date;               // the working date
+  std::int32_t utcOffset;     // seconds to add to local time at the new-day time to get UTC
+  std::int64_t midnight;      // 00:00 of the date in the zone, in seconds since 1970 UTC
+};
 
 // The server's administration records: <vq_idl/AdministrationRecordsC.h>.
 struct QCSCommAdminStruct;

@@ -1,5 +1,4 @@
 #include <vq_client_common/text/TErrMsg.h>
-#include <vq_client_common/text/TErrMsgs.h>
 
 #include <stdexcept>
 
