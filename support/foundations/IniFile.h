@@ -11,6 +11,7 @@
 #ifndef VQ_SUPPORT_FOUNDATIONS_INIFILE_H
 #define VQ_SUPPORT_FOUNDATIONS_INIFILE_H
 
+#include <cstddef>
 #include <istream>
 #include <map>
 #include <optional>
@@ -21,10 +22,12 @@
 namespace vq {
 
 // The content of one file as it was when it was read. A line that is not of the form above, or has
-// more than 197 bytes, is left out alone; what was left out is told by FirstBadLine. Thread
-// contract: const after construction, so reading is safe on any thread.
+// more than kLongestLine bytes, is left out alone; FirstBadLine tells which.
 class IniFile {
  public:
+  // Bytes of a line: what the parser's buffer takes.
+  static constexpr std::size_t kLongestLine = 197;
+
   // Reads the file at `path`; one that is missing or does not open reads as empty.
   explicit IniFile(const std::string& path);
   explicit IniFile(std::istream& stream);

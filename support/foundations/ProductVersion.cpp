@@ -9,10 +9,13 @@
 
 #include <sys/stat.h>
 
+#include <support/diagnostics/TDiag.h>
 #include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
 
 namespace {
+
+TDiagRegister diagModule("ProductVersion");
 
 std::list<std::string> SplitPatches(std::string_view text) {
   constexpr std::string_view kSeparators = ",\n";  // a list may go over several lines
@@ -59,6 +62,12 @@ class LastProduct {
     if (!there || !m_settled || product != m_product || path != m_path ||
         StateOf(file) != m_state) {
       const vq::IniFile content(path);
+      if (content.FirstBadLine() != 0) {
+        const TDiagFunc diag(diagModule, "GetProductVersion");
+        VQ_LOG(diag, 1) << "Line " << content.FirstBadLine() << " of " << path
+                        << " is left out: it is no setting or has more than "
+                        << vq::IniFile::kLongestLine << " bytes";
+      }
       m_version = content.Get(product, "version").value_or("");
       m_patches = SplitPatches(content.Get(product, "patches").value_or(""));
       m_product = product;

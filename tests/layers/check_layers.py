@@ -24,7 +24,7 @@ MAY_INCLUDE = {
     "support/security": set(),
     "support/selection": set(),
     "support/diagnostics": BASE,
-    "support/foundations": BASE,
+    "support/foundations": BASE | {"support/diagnostics"},
     "support/configuration": KIT,
     "support/orb": SUPPORT | WIRE,
     "support/orb/omniorb": SUPPORT | WIRE,

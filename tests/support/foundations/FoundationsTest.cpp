@@ -12,6 +12,7 @@
 #include <support/foundations/ProfileSettings.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <tests/fixture/Environment.h>
+#include <tests/fixture/LogCapture.h>
 #include <tests/fixture/TemporaryDirectory.h>
 
 namespace {
@@ -96,6 +97,14 @@ TEST(ProductVersion, FindsTheProductOrTouchesNothing) {
   EXPECT_THAT(patches, ElementsAre("P.1", "P.2", "P.3"));
   EXPECT_EQ(GetProductVersion("BARE", version, patches), 1);
   EXPECT_THAT(patches, ElementsAre());
+  const vq::test::LogCapture log(1);
+  const std::string path =
+      root.Write("installed-products.ini",
+                 "[NFT]\nversion = 6.4.02\npatches = P.1\n  P." + std::string(200, '2') + "\n");
+  EXPECT_EQ(GetProductVersion("NFT", version, patches), 1);
+  EXPECT_THAT(patches, ElementsAre("P.1"));
+  EXPECT_EQ(log.Text(), "1 GetProductVersion: Line 4 of " + path +
+                            " is left out: it is no setting or has more than 197 bytes\n");
 }
 
 TEST(ProfileSettings, TheFlagDecidesWhoWinsAndWhatIsNoWholeNumberIsNotThere) {
