@@ -24,10 +24,8 @@
 #include <vq_client_common/environment/CmdParser.h>
 #include <vq_client_common/environment/Collation.h>
 #include <vq_client_common/environment/LanguageLocale.h>
-#include <vq_client_common/environment/StrX.h>
-#include <vq_client_common/environment/Trim.h>
 #include <vq_client_common/environment/UserPass.h>
-#include <vq_client_common/environment/VqNodeFilter.h>
+#include <vq_client_common/environment/XmlHelpers.h>
 #include <vq_client_common/session/ClientId.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaCallbackCommand.h>

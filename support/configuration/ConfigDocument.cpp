@@ -6,8 +6,7 @@
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include <support/configuration/SafeXmlParser.h>
-#include <support/configuration/XmlText.h>
+#include <support/configuration/Xml.h>
 
 namespace vq {
 

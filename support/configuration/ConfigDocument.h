@@ -21,7 +21,7 @@
 
 #include <xercesc/util/XercesDefs.hpp>
 
-#include <support/configuration/XmlPlatform.h>
+#include <support/configuration/Xml.h>
 
 XERCES_CPP_NAMESPACE_BEGIN
 class DOMDocument;

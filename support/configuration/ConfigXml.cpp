@@ -7,14 +7,17 @@
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/util/XMLException.hpp>
 
+#include <support/configuration/ConfigAPIFactoryXML.h>
 #include <support/configuration/SafeFile.h>
-#include <support/configuration/XmlText.h>
+#include <support/configuration/Xml.h>
+#include <support/foundations/Locations.h>
 
 namespace vq {
 
 namespace {
 
 constexpr char kDefaultScope[] = "default";
+constexpr std::chrono::seconds kWaitForOtherWriters{10};
 
 // The file that is read and replaced. A symbolic link is followed, so that a save replaces the file
 // that it names and not the link.
@@ -183,3 +186,15 @@ void ConfigXml::GetScopeAndDefaultVars(const std::string& scope,
 }
 
 }  // namespace vq
+
+std::unique_ptr<ConfigAPI> ConfigAPIFactoryXML::Create(const std::string& directory,
+                                                       const std::string& name) {
+  return std::make_unique<vq::ConfigXml>(directory, name, vq::kWaitForOtherWriters);
+}
+
+std::unique_ptr<ConfigAPI> ConfigAPIFactoryXML::CreateInForce() {
+  const std::string directory = GetConfigDomainsDir();
+  const std::string host = vq::GetConfigDomainsDirs().back();
+  return std::make_unique<vq::ConfigXml>(directory, GetConfigDomainName(), vq::kWaitForOtherWriters,
+                                         host == directory ? "" : host);
+}

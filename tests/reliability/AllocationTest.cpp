@@ -18,7 +18,7 @@
 #include <new>
 #include <sstream>
 
-#include <support/configuration/XmlPlatform.h>
+#include <support/configuration/Xml.h>
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 #include <vq_client_common/datacenters/TArchive.h>
 #include <vq_client_common/environment/ClientProperties.h>

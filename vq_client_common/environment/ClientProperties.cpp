@@ -2,17 +2,25 @@
 
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
-#include <support/configuration/XmlPlatform.h>
+#include <support/configuration/SafeFile.h>
+#include <support/configuration/Xml.h>
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Environment.h>
 #include <support/foundations/Locations.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <support/os_toolkit/Atoi.h>
 #include <support/os_toolkit/os_file_system.h>
-#include <vq_client_common/environment/internal/PropertiesFormat.h>
+#include <vq_client_common/environment/XmlHelpers.h>
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/util/XMLException.hpp>
 
 namespace {
@@ -53,6 +61,84 @@ std::array<std::string, 2> SystemLanguageNames() {
   return names;
 }
 
+// Files above this size are refused: far more than settings need, and parsing takes memory many
+// times as large.
+constexpr std::size_t kLargestFile = std::size_t{64} << 20U;
+
+std::string Escaped(const std::string& value) {
+  std::string escaped;
+  escaped.reserve(value.size());
+  for (const char character : value) {
+    switch (character) {
+      case '"':
+        escaped += "&quot;";
+        break;
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '\'':
+        escaped += "&apos;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      default:
+        escaped += character;
+    }
+  }
+  return escaped;
+}
+
+// Intentional: a text that holds the mark catches the next replacement, and a mark stays behind in
+// the closing tag. Other programs that write the file do the same.
+std::string EntryLine(const std::string& key, const std::string& value) {
+  std::string line = "\t<%s>%s</%s>\n";
+  for (const std::string& by : {key, Escaped(value), key}) vq::ReplaceFirst(line, "%s", by);
+  return line;
+}
+
+// In the encoding of the process's locale. Those encodings have ASCII in common, and copying it
+// saves the way through the converter, which costs more than parsing the element.
+std::string LocalText(const XMLCh* text) {
+  std::string ascii;
+  for (const XMLCh* at = text; *at != 0; ++at) {
+    if (*at >= 0x80) return StrX(text).localForm();
+    ascii += static_cast<char>(*at);
+  }
+  return ascii;
+}
+
+// Keeps the names of the elements beside the document, in which all elements have the same name:
+// the XML library compares each new name with a growing number of those before.
+class PropertiesParser final : public vq::SafeXmlParser {
+ public:
+  // The entries of the parsed document; of a key that occurs twice, the first.
+  std::map<std::string, std::string> Entries() {
+    std::map<std::string, std::string> entries;
+    const xercesc::DOMElement* root = getDocument()->getDocumentElement();
+    for (const xercesc::DOMNode* node = root->getFirstChild(); node != nullptr;
+         node = node->getNextSibling()) {
+      if (node->getNodeType() != xercesc::DOMNode::ELEMENT_NODE) continue;
+      const xercesc::DOMNode* content = node->getFirstChild();
+      const XMLCh* value = content != nullptr ? content->getNodeValue() : nullptr;
+      entries.emplace(m_names[node], value != nullptr ? LocalText(value) : std::string());
+    }
+    return entries;
+  }
+
+ private:
+  xercesc::DOMElement* createElement(const XMLCh* name) override {
+    xercesc::DOMElement* element = SafeXmlParser::createElement(u"entry");
+    m_names[element] = LocalText(name);
+    return element;
+  }
+
+  std::unordered_map<const xercesc::DOMNode*, std::string> m_names;
+};
+
 }  // namespace
 
 ClientProperties* ClientProperties::g_pClientProperties = nullptr;
@@ -77,7 +163,7 @@ ClientProperties::ClientProperties() {
   try {
     vq::StartXml();
   } catch (const xercesc::XMLException& failure) {
-    VQ_LOG(diag, 1) << "Error during XML initialization" << vq::LocalText(failure.getMessage());
+    VQ_LOG(diag, 1) << "Error during XML initialization" << StrX(failure.getMessage()).localForm();
     return;
   }
   try {
@@ -96,12 +182,48 @@ bool ClientProperties::LoadProperties() {
     VQ_LOG(diag, 1) << "File " << path << "is missing";
     return false;
   }
-  // A bare number instead of the path is meant: log readers know the line by this form.
+  // Intentional: a bare number instead of the path; log readers know the line by this form.
   VQ_LOG(diag, 5) << "Parsing client properties file: " << AsPointerText(&path);
-  std::map<std::string, std::string> loaded;  // a load that breaks off leaves nothing of it
-  if (!vq::ReadProperties(path, diag, loaded)) return false;
-  m_properties.swap(loaded);
-  return true;
+  std::string content;
+  std::string error;
+  if (vq::ReadFile(path, kLargestFile, content, error) != vq::ReadResult::Read) {
+    VQ_LOG(diag, 1) << "Args file parsing had errors";
+    return false;
+  }
+  std::optional<vq::XmlSession> xml;  // a copy of the store may outlive the one that started it
+  try {
+    xml.emplace();
+  } catch (const xercesc::XMLException&) {
+    VQ_LOG(diag, 1) << "Error during XML initialization";
+    return false;
+  }
+  const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(content.data()),
+                                          content.size(), u"CommonClientConf.xml");
+  try {
+    PropertiesParser parser;
+    parser.parse(source);
+    if (parser.getErrorCount() != 0) {
+      VQ_LOG(diag, 1) << "Args file parsing had errors";
+      return false;
+    }
+    m_properties = parser.Entries();
+    return true;
+  } catch (const xercesc::XMLException& failure) {
+    VQ_LOG(diag, 1) << "An error occurred during parsing. Message: "
+                    << StrX(failure.getMessage()).localForm();
+  } catch (const xercesc::DOMException& failure) {
+    VQ_LOG(diag, 1) << "DOM Error during parsing.DOMException code is: "
+                    << static_cast<int>(failure.code);
+    constexpr XMLSize_t kLongest = 2047;
+    std::array<XMLCh, kLongest + 1> message{};
+    if (xercesc::DOMImplementation::loadDOMExceptionMsg(failure.code, message.data(), kLongest)) {
+      VQ_LOG(diag, 1) << "Message is: " << StrX(message.data()).localForm();
+    }
+  } catch (...) {
+    VQ_LOG(diag, 1) << "An error occurred during parsing.";
+    throw;
+  }
+  return false;
 }
 
 void ClientProperties::Reload() {
@@ -146,18 +268,23 @@ void ClientProperties::SetIntValue(const std::string& key, int value, bool save)
 
 bool ClientProperties::SaveProperties() {
   const TDiagFunc diag(diagModule, "ClientProperties::SaveProperties");
-  const std::string text = vq::PropertiesText(m_properties);
+  std::string text = "<Properties>\n";
+  for (const auto& [key, value] : m_properties) text += EntryLine(key, value);
+  text += "</Properties>";
   std::FILE* file = std::fopen(PropertiesPath().c_str(), "w+");
   if (file == nullptr) {
     VQ_LOG(diag, 1) << "Parameters file failed to open for saving";
     return false;
   }
-  // The result is not looked at: what could not be written shows when the file is closed. The
-  // text is printed, not written by its length, so it ends before its first zero byte; a reader
-  // would refuse the file with one in it.
-  std::fprintf(file, "%s\n", text.c_str());
+  // Printed, not written by its length: the text ends before its first zero byte, because a reader
+  // would refuse a file with one in it.
+  const bool isWritten = std::fprintf(file, "%s\n", text.c_str()) >= 0;
   if (std::fclose(file) != 0) {
     VQ_LOG(diag, 1) << "Parameters file was not closed";
+    return false;
+  }
+  if (!isWritten) {
+    VQ_LOG(diag, 1) << "Parameters file was not written";
     return false;
   }
   VQ_LOG(diag, 5) << "Parameters file was updated";
@@ -167,8 +294,8 @@ bool ClientProperties::SaveProperties() {
 std::string ClientProperties::HelpFileBuilder(std::string& language) {
   const TDiagFunc diag(diagModule, "ClientProperties::HelpFileBuilder");
   std::string path = kHelpPage;
-  // The page holds no ".chm", so the language changes nothing. This is meant: installations have
-  // the English page alone, and clients are told its path for every language.
+  // Intentional: the page holds no ".chm", so the language changes nothing. Installations have the
+  // English page alone, and clients are told its path for every language.
   vq::ReplaceFirst(path, ".chm", "_" + language + ".chm");
   return path;
 }

@@ -33,8 +33,7 @@
 // Frees the one instance among others; see session/GlobalFuncs.h.
 VQ_CLIENT_COMMON_API void exit_vqclient_common();
 
-// Thread contract: one thread at a time for the instance and for making and releasing it. Reload
-// empties the table before it fills it.
+// Thread safety: one thread at a time for the instance and for making and releasing it.
 class VQ_CLIENT_COMMON_API ClientProperties {
  public:
   // The one instance, made and loaded on first use; owned by the class, never null. A file that is
@@ -66,7 +65,8 @@ class VQ_CLIENT_COMMON_API ClientProperties {
   // Writes the table over the file, keys in byte order. Each line comes of the template
   // "\t<%s>%s</%s>\n", in which the first "%s" is replaced by the key, the next first one by the
   // escaped value and the next by the key again. The text ends before its first zero byte. True
-  // when the file was written and closed; the data location is not made where it is missing.
+  // when the whole file was written and closed; on false, a level 1 line tells which step failed.
+  // The data location is not made where it is missing.
   bool SaveProperties();
 
   // Empties the table and loads it from the file again. A failed load leaves it empty.

@@ -1,11 +1,13 @@
 #include <vq_client_common/environment/Collation.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
 
@@ -46,6 +48,12 @@ const char* OrEmpty(const char* text) {
   return text != nullptr ? text : "";
 }
 
+std::string Trim(const char* text, std::string_view left, std::string_view right) {
+  std::string_view rest = text != nullptr ? text : "";
+  rest.remove_prefix(std::min(rest.size(), rest.find_first_not_of(left)));
+  return std::string(rest.substr(0, rest.find_last_not_of(right) + 1));
+}
+
 }  // namespace
 
 int stricoll(const char* a, const char* b, bool caseInsensitiveAlways) {
@@ -57,4 +65,17 @@ int stricoll(const char* a, const char* b, bool caseInsensitiveAlways) {
 
 int strncoll(const char* a, const char* b, unsigned int n) {
   return std::wcscoll(Decode(OrEmpty(a), n).c_str(), Decode(OrEmpty(b), n).c_str());
+}
+
+std::string i18n_aux::strtrim(const char* text) {
+  return Trim(text, " ", " ");
+}
+std::string i18n_aux::strtrim2(const char* text) {
+  return Trim(text, " \t", " \t");
+}
+std::string i18n_aux::strtrim_left(const char* text) {
+  return Trim(text, " ", "");
+}
+std::string i18n_aux::strtrim_right(const char* text) {
+  return Trim(text, "", " ");
 }

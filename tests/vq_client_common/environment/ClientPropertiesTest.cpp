@@ -1,6 +1,7 @@
 #include <vq_client_common/environment/ClientProperties.h>
 
 #include <climits>
+#include <ctime>
 
 #include <gmock/gmock.h>
 
@@ -8,8 +9,7 @@
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>
 #include <tests/fixture/TemporaryDirectory.h>
-#include <vq_client_common/environment/StrX.h>
-#include <vq_client_common/environment/VqNodeFilter.h>
+#include <vq_client_common/environment/XmlHelpers.h>
 #include <xercesc/dom/DOM.hpp>
 
 namespace {
@@ -147,18 +147,39 @@ TEST_F(ClientPropertiesTest, TellsTheLogWhatHappens) {
   properties->SetStringValue("K", "1", false);
   properties->SetIntValue("K", 2, true);
   properties->GetStringValue("K", "");
-  std::filesystem::remove(m_directory / kFile);
-  std::filesystem::create_symlink("/dev/full", m_directory / kFile);
-  EXPECT_FALSE(properties->SaveProperties());
-  const vq::test::Variable data("VQ_DATA", m_directory / "none");
-  EXPECT_FALSE(properties->SaveProperties());
   EXPECT_THAT(
       m_log.Take(),
       ElementsAre("4 Parameter: 'K' was not found. using default: 'default'.",
                   "5 New parameter was inserted: K", "5 Value of Parameter 'K' was set to '2'",
-                  "5 Parameters file was updated", "5 Found Parameter: K. Value is: 2",
-                  "1 Parameters file was not closed",
-                  "1 Parameters file failed to open for saving"));
+                  "5 Parameters file was updated", "5 Found Parameter: K. Value is: 2"));
+}
+
+TEST_F(ClientPropertiesTest, SaysWhichStepOfASaveFailed) {
+  ClientProperties* properties = Loaded("<P/>");
+  std::filesystem::remove(m_directory / kFile);
+  std::filesystem::create_symlink("/dev/full", m_directory / kFile);
+  const auto failure = [&] {
+    m_log.Take();
+    EXPECT_FALSE(properties->SaveProperties());
+    return m_log.Take().back();
+  };
+  EXPECT_EQ(failure(), "1 Parameters file was not closed");  // a short text waits for the close
+  properties->SetStringValue("K", std::string(100'000, 'x'), false);
+  EXPECT_THAT(failure(), ::testing::AnyOf("1 Parameters file was not written",
+                                          "1 Parameters file was not closed"));
+  const vq::test::Variable data("VQ_DATA", m_directory / "none");
+  EXPECT_EQ(failure(), "1 Parameters file failed to open for saving");
+}
+
+TEST_F(ClientPropertiesTest, LoadsManyKeysInLinearTime) {
+  std::string many = "<P>";
+  for (int i = 0; i < 200'000; ++i) {
+    const std::string key = "k" + std::to_string(i);
+    many += "<" + key + ">v</" + key + ">";
+  }
+  const std::clock_t start = std::clock();
+  EXPECT_EQ(Loaded(many + "</P>")->GetStringValue("k199999", ""), "v");
+  EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
 }
 
 TEST_F(ClientPropertiesTest, TheHelpPageIsTheEnglishOneForEveryLanguage) {

@@ -10,7 +10,6 @@
 #include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/environment/Collation.h>
 #include <vq_client_common/environment/LanguageLocale.h>
-#include <vq_client_common/environment/Trim.h>
 
 namespace {
 

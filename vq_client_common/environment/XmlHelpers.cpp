@@ -1,4 +1,4 @@
-#include <vq_client_common/environment/VqNodeFilter.h>
+#include <vq_client_common/environment/XmlHelpers.h>
 
 #include <xercesc/util/XMLString.hpp>
 
@@ -12,6 +12,13 @@ std::basic_string<XMLCh> Wide(const std::string& text) {
 }
 
 }  // namespace
+
+StrX::StrX(const XMLCh* text)
+    : m_localForm(xercesc::XMLString::transcode(text != nullptr ? text : u"")) {}
+
+StrX::~StrX() {
+  xercesc::XMLString::release(&m_localForm);
+}
 
 VqNodeFilter::VqNodeFilter(short nodeType, const std::string& nodeName, bool reject)
     : m_nodeType(nodeType), m_nodeName(Wide(nodeName)), m_reject(reject) {}

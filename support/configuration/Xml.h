@@ -1,0 +1,69 @@
+// The XML library (Xerces), as this library uses it: started and stopped under a lock, a parser for
+// documents that may come from anywhere, and texts in UTF-8.
+//
+//   const vq::XmlSession xml;
+//   vq::SafeXmlParser parser;
+//   parser.parse(source);
+//   if (parser.getErrorCount() != 0) ...
+//   const auto name = vq::XmlFromUtf8("default");
+#ifndef VQ_SUPPORT_CONFIGURATION_XML_H
+#define VQ_SUPPORT_CONFIGURATION_XML_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <xercesc/parsers/XercesDOMParser.hpp>
+
+namespace vq {
+
+// Starts Xerces with its default locale. Throws the XMLException of a start that fails. Safe on any
+// thread: Xerces counts how often it was started, but without a lock, so everything in this library
+// starts and stops it here.
+void StartXml();
+
+// Undoes one StartXml. Every object of Xerces that the caller made must be gone. Safe on any
+// thread.
+void StopXml();
+
+// Started for the life of the object.
+class XmlSession {
+ public:
+  XmlSession() { StartXml(); }
+  ~XmlSession() { StopXml(); }
+  XmlSession(const XmlSession&) = delete;
+  XmlSession& operator=(const XmlSession&) = delete;
+};
+
+// Reads what is well-formed, without validation, namespaces or schemas, and opens nothing that a
+// document names. A document type declaration with declarations of its own (its *internal subset*)
+// counts as an error at its "[": the declarations could define entities that swell, and attributes
+// that appear in every element, and the library's own limit of expansions does not count all of
+// them. Without one, the only entities are those of XML itself. Xerces must be started.
+class SafeXmlParser : public xercesc::XercesDOMParser {
+ public:
+  SafeXmlParser();
+
+  // Whether the document was refused for its internal subset.
+  bool HasRefusedSubset() const { return m_hasRefusedSubset; }
+
+  void doctypeDecl(const xercesc::DTDElementDecl& root, const XMLCh* publicId,
+                   const XMLCh* systemId, bool hasInternalSubset, bool hasExternalSubset) override;
+
+ private:
+  bool m_hasRefusedSubset = false;
+};
+
+// Texts between this library (UTF-8) and Xerces (UTF-16), whatever the process's locale. Xerces
+// must be started. Safe on any thread.
+
+// Nothing when the text is no UTF-8 or holds a character that no XML document can hold, such as a
+// zero byte.
+std::optional<std::u16string> XmlFromUtf8(std::string_view text);
+
+// Null gives the empty text.
+std::string Utf8FromXml(const char16_t* text);
+
+}  // namespace vq
+
+#endif  // VQ_SUPPORT_CONFIGURATION_XML_H
