@@ -8,6 +8,7 @@
 #ifndef VQ_SUPPORT_FOUNDATIONS_ENVIRONMENT_H
 #define VQ_SUPPORT_FOUNDATIONS_ENVIRONMENT_H
 
+#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -17,10 +18,17 @@ namespace vq {
 // process changes the environment at the same time.
 
 // The variable's value; nothing when it is not set.
-std::optional<std::string> GetEnv(const char* name);
+inline std::optional<std::string> GetEnv(const char* name) {
+  const char* value = ::secure_getenv(name);
+  if (value == nullptr) return std::nullopt;
+  return std::string(value);
+}
 
 // The variable's value; `fallback` when it is not set or empty.
-std::string GetEnvOr(const char* name, const std::string& fallback);
+inline std::string GetEnvOr(const char* name, const std::string& fallback) {
+  const char* value = ::secure_getenv(name);
+  return value != nullptr && *value != '\0' ? std::string(value) : fallback;
+}
 
 }  // namespace vq
 

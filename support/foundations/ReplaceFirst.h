@@ -17,7 +17,13 @@ namespace vq {
 // Replaces the first occurrence of `pattern` in `text`, searched from its start, and tells whether
 // there was one. Without one, and for an empty pattern, `text` stays as it is. `pattern` and `by`
 // must not be views into `text`.
-bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view by);
+inline bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view by) {
+  if (pattern.empty()) return false;
+  const std::size_t at = text.find(pattern);
+  if (at == std::string::npos) return false;
+  text.replace(at, pattern.size(), by);
+  return true;
+}
 
 }  // namespace vq
 

@@ -12,11 +12,16 @@
 #include <string_view>
 #include <vector>
 
-// Thread contract: does not change after construction, so any number of threads may read one.
 class os_tokenizer {
  public:
   // The text is copied. Without delimiters the whole text is one token, unless it is empty.
-  os_tokenizer(std::string_view text, std::string_view delimiters);
+  os_tokenizer(std::string_view text, std::string_view delimiters) {
+    for (std::size_t begin = text.find_first_not_of(delimiters); begin != std::string_view::npos;) {
+      const std::size_t end = text.find_first_of(delimiters, begin);
+      m_tokens.emplace_back(text.substr(begin, end - begin));
+      begin = text.find_first_not_of(delimiters, end);
+    }
+  }
 
   std::size_t size() const { return m_tokens.size(); }
   bool empty() const { return m_tokens.empty(); }
