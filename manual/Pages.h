@@ -1,4 +1,4 @@
-// The manual page and the completions of one program.
+// What a program's manual page is made of, and its completions.
 #ifndef VQ_MANUAL_PAGES_H
 #define VQ_MANUAL_PAGES_H
 
@@ -9,10 +9,8 @@
 
 namespace vq::manual {
 
-// A page of section 1, in the man macros of roff. `more` is roff for what is no option: the
-// description, then sections that follow the exit status.
-std::string ManualPage(const std::vector<Command>& commands, const std::string& version,
-                       const std::string& more);
+// The help of the program and of all its commands, in the form that help2man reads.
+std::string HelpText(const std::vector<Command>& commands);
 
 // Completions for three shells: commands, options, and the values of those whose value is a choice,
 // a file or the name of a site.
@@ -20,9 +18,10 @@ std::string BashCompletion(const std::vector<Command>& commands);
 std::string ZshCompletion(const std::vector<Command>& commands);
 std::string FishCompletion(const std::vector<Command>& commands);
 
-// Writes DIRECTORY/PROGRAM.1 and beside it PROGRAM.bash, PROGRAM.zsh and PROGRAM.fish; the arguments are VERSION, the file with
-// `more`, and DIRECTORY. Returns the exit status.
-int WritePages(const CLI::App& program, int argc, char** argv);
+// Prints HelpText for --help, and name and version for --version: what help2man asks for. With
+// another argument, a directory, writes the completions there: PROGRAM.bash, PROGRAM.zsh and
+// PROGRAM.fish. Returns the exit status.
+int WritePages(const CLI::App& program, const std::string& version, int argc, char** argv);
 
 }  // namespace vq::manual
 

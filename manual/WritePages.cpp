@@ -1,6 +1,5 @@
 #include <fstream>
 #include <iostream>
-#include <iterator>
 
 #include <CLI/CLI.hpp>
 
@@ -19,24 +18,25 @@ bool Write(const std::string& path, const std::string& text) {
 
 }  // namespace
 
-int WritePages(const CLI::App& program, int argc, char** argv) {
-  if (argc != 4) {
-    std::cerr << "usage: " << argv[0] << " VERSION MORE DIRECTORY\n";
+int WritePages(const CLI::App& program, const std::string& version, int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: " << argv[0] << " --help | --version | DIRECTORY\n";
     return 2;
   }
-  std::ifstream file(argv[2]);
-  const std::string more{std::istreambuf_iterator<char>(file), {}};
-  if (more.empty()) {
-    std::cerr << argv[2] << ": is empty or cannot be read\n";
-    return 1;
-  }
   const std::vector<Command> commands = CommandsOf(program);
-  const std::string place = std::string(argv[3]) + "/" + program.get_name();
-  const bool written = Write(place + ".1", ManualPage(commands, argv[1], more)) &&
-                       Write(place + ".bash", BashCompletion(commands)) &&
-                       Write(place + ".zsh", ZshCompletion(commands)) &&
-                       Write(place + ".fish", FishCompletion(commands));
-  return written ? 0 : 1;
+  const std::string what = argv[1];
+  if (what == "--version") {
+    std::cout << program.get_name() << " (vq_client_common) " << version << '\n';
+  } else if (what == "--help") {
+    std::cout << HelpText(commands);
+  } else {
+    const std::string place = what + "/" + program.get_name();
+    const bool written = Write(place + ".bash", BashCompletion(commands)) &&
+                         Write(place + ".zsh", ZshCompletion(commands)) &&
+                         Write(place + ".fish", FishCompletion(commands));
+    return written ? 0 : 1;
+  }
+  return std::cout.flush() ? 0 : 1;
 }
 
 }  // namespace vq::manual

@@ -1,8 +1,8 @@
-// Writes the manual page and the completion of vq_simulator.
+// Writes what the manual page is made of, and the completions, for vq_simulator.
 #include <manual/Pages.h>
 #include <simulator/Options.h>
 
 int main(int argc, char** argv) {
   vq::sim::Arguments arguments;
-  return vq::manual::WritePages(*vq::sim::MakeProgram(arguments), argc, argv);
+  return vq::manual::WritePages(*vq::sim::MakeProgram(arguments), VQ_VERSION, argc, argv);
 }

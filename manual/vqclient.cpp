@@ -1,9 +1,9 @@
-// Writes the manual page and the completion of vqclient.
+// Writes what the manual page is made of, and the completions, for vqclient.
 #include <client/Program.h>
 #include <manual/Pages.h>
 
 int main(int argc, char** argv) {
   vqclient::CommandLine line;
   int exitCode = 0;
-  return vq::manual::WritePages(*vqclient::MakeProgram(line, exitCode), argc, argv);
+  return vq::manual::WritePages(*vqclient::MakeProgram(line, exitCode), VQ_VERSION, argc, argv);
 }

@@ -1,0 +1,60 @@
+#include <manual/Pages.h>
+
+#include <string_view>
+
+namespace vq::manual {
+namespace {
+
+// "--option" in a column of its own, then the text.
+std::string Row(const std::string& what, const std::string& text) {
+  constexpr std::size_t kColumn = 32;
+  const std::size_t blanks = what.size() + 4 < kColumn ? kColumn - what.size() - 2 : 2;
+  return "  " + what + std::string(blanks, ' ') + text + '\n';
+}
+
+std::string Sentence(std::string text) {
+  if (!text.empty() && text.back() != '.') text += '.';
+  return text;
+}
+
+std::string Rows(const Command& command) {
+  std::string rows;
+  for (const Option& option : command.options) {
+    std::string what;
+    for (const std::string& name : option.names) what += (what.empty() ? "" : ", ") + name;
+    if (!option.positional && !option.value.empty()) what += ' ' + option.value;
+    std::string text = Sentence(option.description);
+    if (option.required && !option.positional) text += " It has to be given.";
+    if (!option.standard.empty()) text += " Default: " + option.standard + ".";
+    rows += Row(what, text);
+  }
+  return rows;
+}
+
+// "vqclient param get [OPTIONS] section name"
+std::string Usage(const Command& command) {
+  std::string usage = command.path + " [OPTIONS]";
+  for (const Option& option : command.options) {
+    if (option.positional) usage += ' ' + option.names.front();
+  }
+  if (!command.commands.empty()) usage += command.needsCommand ? " COMMAND" : " [COMMAND]";
+  return usage;
+}
+
+}  // namespace
+
+std::string HelpText(const std::vector<Command>& commands) {
+  const Command& program = commands.front();
+  std::string text = "Usage: " + Usage(program) + "\n\n" + Sentence(program.description) +
+                     "\n\nOptions:\n" + Rows(program);
+  for (const Command& command : commands) {
+    if (&command == &program || (!command.commands.empty() && command.options.empty())) continue;
+    text += '\n' + Usage(command) + ":\n" + Sentence(command.description) + "\n\n" + Rows(command);
+  }
+  constexpr std::string_view kHeading = "Exit codes: ";
+  std::string_view footer = program.footer;
+  if (footer.starts_with(kHeading)) footer.remove_prefix(kHeading.size());
+  return text + "\nExit status:\n" + std::string(footer) + '\n';
+}
+
+}  // namespace vq::manual
