@@ -86,7 +86,7 @@ TEST(TArchiveTest, TheRecordCipherUndoesStupidEncrypt) {
 
 TEST(TArchiveTest, LoadsInThreeWays) {
   const string k512(512, 'x');
-  // What follows a value is skipped up to the line end. No memory is taken for the last one.
+  // What follows a value is skipped up to the line end.
   Expect<string>(1, "old",
                  {" \t\n+4;abcdef\nr=abc|r", "4,a\nb\nr=a\nb|r", "-4;abc\n=FAILED",
                   "99999999999999999999;abc\n=FAILED", "2147483647;abc\n=FAILED"});
@@ -123,6 +123,20 @@ TEST(TArchiveTest, LoadsInThreeWays) {
   Expect(3, true, {Record("4294967296") + "=0|"});
   Expect(1, 'a', {"x=x|"});
   Expect(1, 5.0F, {"3.5 =3.5| "});
+}
+
+TEST(TArchiveTest, APrefixTakesNeitherMemoryNorTheFormatOfTheStream) {
+  std::stringstream stream("2147483647;abc");
+  TArchive archive(&stream, 1, 0, nullptr);
+  string text;
+  EXPECT_THROW(archive >> text, TArchiveException);
+  EXPECT_LT(text.capacity(), 100'000U);
+  stream.clear();
+  stream.str(" " + Record(string(16, 'x')));
+  stream >> std::hex >> std::noskipws;
+  archive >> text;
+  EXPECT_EQ(text, string(16, 'x'));
+  EXPECT_EQ(stream.flags() & std::ios_base::basefield, std::ios_base::hex);
 }
 
 // Has one byte in memory at a time, so that no record is ever there whole.
