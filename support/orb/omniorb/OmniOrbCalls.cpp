@@ -67,6 +67,7 @@ struct Call {
   int forwards = 0;
   int sends = 0;  // on the present connection
   bool closedInOrder = false;
+  bool repeat = false;  // since that, and nobody has done so yet
   bool reverted = false;
 };
 thread_local Call call;
@@ -110,28 +111,6 @@ void Begin(omniCallDescriptor& descriptor) {
   descriptor.setDeadline(call.end);
 }
 
-// What a finished or failed attempt means for the next one.
-void NoteEnd(GIOP_C& attempt) {
-  const giopStrand& strand = attempt.strand();
-  switch (attempt.state()) {
-    case omni::IOP_C::Idle:  // A reply has come.
-      if (attempt.replyStatus() != GIOP::LOCATION_FORWARD &&
-          attempt.replyStatus() != GIOP::LOCATION_FORWARD_PERM) {
-        call.descriptor = nullptr;
-      } else if (++call.forwards > kMostForwards) {
-        call.refusal = omni::TRANSIENT_FailedOnForwarded;
-      }
-      return;
-    case omni::IOP_C::RequestInProgress:
-    case omni::IOP_C::WaitingForReply:
-      if (strand.orderly_closed && !std::exchange(call.closedInOrder, true)) return;
-      break;
-    default:
-      break;
-  }
-  call.refusal = omni::COMM_FAILURE_WaitingForReply;
-}
-
 int Socket(omni::giopConnection& connection) {
   if (const auto* tcp = dynamic_cast<omni::tcpConnection*>(&connection)) return tcp->handle();
   if (const auto* tls = dynamic_cast<omni::sslConnection*>(&connection)) return tls->handle();
@@ -139,11 +118,14 @@ int Socket(omni::giopConnection& connection) {
   return -1;
 }
 
-// What the next bytes of a connection that also takes calls say about its end. They may be a call.
+bool IsTls(const giopStrand& strand) {
+  return std::strcmp(strand.address->type(), "giop:ssl") == 0;
+}
+
+// Whether the next bytes of a connection announce its end. They may as well be a call.
 bool BeginsWithClose(int socket, bool tls) {
   std::array<unsigned char, 12> next{};
   const ssize_t length = ::recv(socket, next.data(), next.size(), MSG_PEEK | MSG_DONTWAIT);
-  if (length == 0) return true;
   if (length < static_cast<ssize_t>(next.size())) return false;
   if (!tls) return std::memcmp(next.data(), "GIOP", 4) == 0 && next[7] == GIOP::CloseConnection;
   // An alert, which TLS 1.3 hides among the data: its size tells, since no message is so short.
@@ -162,7 +144,40 @@ bool IsDead(const giopStrand& strand, bool takesCalls) {
   pollfd events{socket, POLLIN | POLLRDHUP, 0};
   if (::poll(&events, 1, 0) <= 0) return false;
   if (!takesCalls || (events.revents & ~POLLIN) != 0) return true;
-  return BeginsWithClose(socket, strcmp(strand.address->type(), "giop:ssl") == 0);
+  return BeginsWithClose(socket, IsTls(strand));
+}
+
+// Whether the server closed the connection in order. omniORB does not read the message that says so
+// when a reset follows it, as it does when the request arrived in the meantime.
+bool WasClosedInOrder(const giopStrand& strand) {
+  if (strand.orderly_closed) return true;
+  return strand.connection != nullptr && !IsTls(strand) &&
+         BeginsWithClose(Socket(*strand.connection), false);
+}
+
+// What a finished or failed attempt means for the next one.
+void NoteEnd(GIOP_C& attempt) {
+  const giopStrand& strand = attempt.strand();
+  switch (attempt.state()) {
+    case omni::IOP_C::Idle:  // A reply has come.
+      if (attempt.replyStatus() != GIOP::LOCATION_FORWARD &&
+          attempt.replyStatus() != GIOP::LOCATION_FORWARD_PERM) {
+        call.descriptor = nullptr;
+      } else if (++call.forwards > kMostForwards) {
+        call.refusal = omni::TRANSIENT_FailedOnForwarded;
+      }
+      return;
+    case omni::IOP_C::RequestInProgress:
+    case omni::IOP_C::WaitingForReply:
+      if (WasClosedInOrder(strand) && !std::exchange(call.closedInOrder, true)) {
+        call.repeat = true;
+        return;
+      }
+      break;
+    default:
+      break;
+  }
+  call.refusal = omni::COMM_FAILURE_WaitingForReply;
 }
 
 // The system probes a peer that is silent for so long, and gives it up after three probes.
@@ -205,6 +220,7 @@ class CheckedRope : public Base {
     }
     if (call.refusal != 0) Fail(call.refusal, CORBA::COMPLETED_MAYBE);
     call.sends = 0;
+    call.repeat = false;
     omni_time_t now = Now();
     const omni_time_t connectEnd = std::min(call.end, now + ToOmni(limits.connect));
     for (std::size_t tried = 0;; now = Now()) {
@@ -334,11 +350,18 @@ CORBA::Boolean RetryUnsent(void* /*cookie*/, CORBA::ULong /*retries*/,
          call.refusal == 0 && call.forwards == 0 && !std::exchange(call.reverted, true);
 }
 
+// omniORB itself repeats a call where it has seen that the server closed in order.
+CORBA::Boolean RetryClosed(void* /*cookie*/, CORBA::ULong /*retries*/,
+                           const CORBA::COMM_FAILURE& /*exception*/) {
+  return call.descriptor != nullptr && call.refusal == 0 && std::exchange(call.repeat, false);
+}
+
 }  // namespace
 
 void OmniOrbCalls::Install(const OrbSettings& settings) {
   limits = {settings.connectTimeout, settings.tcpKeepAlive, settings.tcpUserTimeout};
   omniORB::installTransientExceptionHandler(nullptr, RetryUnsent);
+  omniORB::installCommFailureExceptionHandler(nullptr, RetryClosed);
   omniInterceptors& interceptors = *omniORB::getInterceptors();
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);
