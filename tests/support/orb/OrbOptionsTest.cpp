@@ -83,10 +83,9 @@ TEST(OrbSettingsTest, TheFirstSourceThatHasASettingWins) {
   const char* const argv[] = {"client", "-ORBCallTimeout", "1", "file", "-ORBtraceLevel", "5"};
   const OrbArguments arguments = SplitArguments(6, argv);
   EXPECT_EQ(arguments.rest, (std::vector<std::string>{"client", "file", "-ORBtraceLevel", "5"}));
-  const OrbSettings settings =
-      ResolveSettings(arguments, {Scope("-ORBCallTimeout=2 -ORBConnectTimeout=3", "own"),
-                                  Scope("-ORBCallTimeout=4 -ORBConnectTimeout=5 -BiDirPolicy=1",
-                                        "default")});
+  const OrbSettings settings = ResolveSettings(
+      arguments, {Scope("-ORBCallTimeout=2 -ORBConnectTimeout=3", "own"),
+                  Scope("-ORBCallTimeout=4 -ORBConnectTimeout=5 -BiDirPolicy=1", "default")});
   EXPECT_EQ(settings.callTimeout.count(), 1);
   EXPECT_EQ(settings.connectTimeout.count(), 3);
   EXPECT_TRUE(settings.biDirectional);
@@ -134,11 +133,11 @@ TEST(OrbSettingsTest, EachAddressOfTheNamingServiceHasItsReference) {
       {"IOR:01,02/", {"IOR:01,02/"}},
   };
   for (const auto& [reference, expected] : kRows) {
-    const SettingScope scope{{"-ORBInitRef", std::string("NameService=") + reference}};
-    EXPECT_EQ(NamingReferences(ResolveSettings({}, {}, scope)), expected) << reference;
+    OrbSettings settings;
+    settings.initialRefs = {"Other=corbaloc::o:1,:p:2/N", std::string("NameService=") + reference};
+    EXPECT_EQ(NamingReferences(settings), expected) << reference;
   }
-  EXPECT_TRUE(
-      NamingReferences(ResolveSettings({}, {}, Scope("-ORBInitRef=Other=corbaloc::h/N"))).empty());
+  EXPECT_TRUE(NamingReferences({}).empty());
 }
 
 TEST(OmniOrbOptionsTest, TranslatesEverySetting) {
