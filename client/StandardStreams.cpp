@@ -2,6 +2,8 @@
 // file in their place: an ORB product opens a pipe as soon as it is loaded, which is before main.
 // The entry below runs before the initialization of every shared library.
 
+#include <initializer_list>
+
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
