@@ -268,6 +268,7 @@ class CheckedRope : public Base {
       std::unique_lock<std::timed_mutex> opening;
       if constexpr (kTakesCalls) {
         opening = LockOpening();
+        EndDyingSoon();
         descriptor.setDeadline(Share(tried, connectEnd));
       }
       auto& attempt = *static_cast<GIOP_C*>(Base::acquireClient(ior, key, keySize, &descriptor));
@@ -298,6 +299,17 @@ class CheckedRope : public Base {
       Fail(omni::TRANSIENT_CallTimedout, CORBA::COMPLETED_NO);
     }
     return opening;
+  }
+
+  // omniORB keeps the descriptor of a connection that took calls and died for minutes. Its next
+  // scan, a second later, finds these.
+  void EndDyingSoon() {
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;
+         link = link->next) {
+      auto* const strand = static_cast<giopStrand*>(link);
+      if (strand->state() == giopStrand::DYING && strand->idlebeats > 1) strand->idlebeats = 1;
+    }
   }
 
   // False when the connection was idle and is dead, and has been discarded.
