@@ -10,7 +10,10 @@
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/connectivity/TestCallbackI.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
+#include <vq_client_common/connectivity/internal/DomainTrial.h>
 #include <vq_client_common/session/GlobalFuncs.h>
+
+#include <tests/fixture/Product.h>
 
 #include "ProcessTraces.h"
 
@@ -84,6 +87,42 @@ TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
   }
 }
 
+// A server may go by the first address alone: it has to be one that the client's connection offers.
+TEST_F(CallbackTrialTest, BidirectionalReferenceNamesTheClientsConnectionFirst) {
+  if (ThisProduct().manyOrbs) GTEST_SKIP() << "a trial has a connection of its own";
+  StartServer();
+  m_orbArguments = {"-ORBListenEndpoints", "iiop://127.0.0.1:"};
+  ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1) << m_log.Text();
+  const std::set<int> offered = ProcessTraces::Now().ports;
+  const auto domain = ConfigAPIFactoryXML::CreateInForce();
+  const vq::connectivity::TrialScope scope(*domain, true, kNowhere, false);
+  const vq::connectivity::TrialOrb orb(scope);
+  ASSERT_TRUE(orb.IsUp()) << m_log.Text();
+  const ServantPtr<TestCallbackI> servant(new TestCallbackI(orb.Get()->GetChildPoa()));
+  std::string host, port;
+  EXPECT_TRUE(Troubleshoot::GetNetworkInterface4Server(servant->GetReference(), host, port, E_GSR));
+  EXPECT_EQ(host, "127.0.0.1");
+  EXPECT_TRUE(offered.contains(std::stoi(port))) << port;
+}
+
+// A client that is killed in the middle of a trial cannot take its scope away.
+TEST_F(CallbackTrialTest, ScopesOfEndedProcessesAreSwept) {
+  const std::string alive = "Test" + std::to_string(::getppid());
+  const std::string ended = "Test4194305";  // above the highest process id
+  StartSession();
+  for (const bool configure : {false, true}) {
+    m_directory.Write("root/config/vq.xml", "<domain><scope name=\"" + alive +
+                                                "\"/><scope name=\"" + ended +
+                                                "\"/><scope name=\"Test4194305b\"/></domain>");
+    EXPECT_TRUE(configure ? Troubleshoot::ORBConfigure("127.0.0.1", false, false)
+                          : Try(false, "127.0.0.1"));
+    const std::string domain = ReadFile(m_directory / "root/config/vq.xml");
+    EXPECT_THAT(domain, ::testing::HasSubstr('"' + alive + '"'));
+    EXPECT_THAT(domain, ::testing::HasSubstr("\"Test4194305b\""));
+    EXPECT_THAT(domain, ::testing::Not(::testing::HasSubstr('"' + ended + '"')));
+  }
+}
+
 // More in a second than omniORB keeps connections to one server.
 TEST_F(CallbackTrialTest, TrialsInARowDoNotWaitForEachOther) {
   StartServer();
@@ -102,9 +141,14 @@ TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWo
   ASSERT_EQ(Login(), 1);
   EXPECT_FALSE(Try(false, kNowhere));
   EXPECT_TRUE(Try(false, "127.0.0.1"));
-  // Settings that nobody can save go unnoticed: the trial goes by those in force.
+  // Settings that nobody can save are tried all the same.
   m_environment.Set("VQ_CONFIG_DOMAINS", "/proc/no-such-directory");
-  EXPECT_TRUE(Try(false, kNowhere));
+  EXPECT_FALSE(Try(false, kNowhere));
+  EXPECT_TRUE(Try(false, "127.0.0.1"));
+  EXPECT_TRUE(m_log.Has(4,
+                        "The trial goes by -ORBListenEndpoints "
+                        "'iiop:///hostname_in_ior=127.0.0.1' -BiDirPolicy '0'"))
+      << m_log.Text();
   EXPECT_TRUE(m_log.Has(1, "The settings of the trial cannot be saved: ")) << m_log.Text();
 }
 

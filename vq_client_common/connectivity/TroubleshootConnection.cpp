@@ -128,6 +128,7 @@ std::unique_ptr<ConfigAPI> LoadDomain(const TDiagFunc& diag) {
     return nullptr;
   }
   VQ_LOG(diag, 4) << "Loaded configuration domain: " << name;
+  vq::connectivity::SweepTrialScopes(*domain);
   return domain;
 }
 
@@ -218,7 +219,7 @@ bool TroubleshootConnection::ORBInitAndTestCallback(bool biDir, const std::strin
   const std::unique_ptr<ConfigAPI> domain = LoadDomain(diag);
   if (domain == nullptr) return false;
   const vq::connectivity::TrialScope scope(*domain, biDir, address, isMask);
-  const vq::connectivity::TrialOrb orb(scope.Name());
+  const vq::connectivity::TrialOrb orb(scope);
   if (!orb.IsUp()) return false;
   std::string error;
   const bool reached = TestCallback(orb.Get(), error, roundTripMs, m_lTimeout4CB);

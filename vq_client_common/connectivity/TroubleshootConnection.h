@@ -46,7 +46,7 @@ class VQ_CLIENT_COMMON_API TroubleshootConnection {
   // then the time that took. False leaves `roundTripMs` as it is; the reason is in the log. Nothing
   // of the trial is left behind in the configuration domain or in the process. The session may call
   // its servers before and after, not during a trial. A failure to save the trial's settings is
-  // logged at level 1, and the trial goes by those in force.
+  // logged at level 1; they are tried all the same.
   static bool ORBInitAndTestCallback(bool biDir, const std::string& address, long& roundTripMs,
                                      bool isMask);
 

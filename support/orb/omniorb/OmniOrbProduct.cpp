@@ -146,7 +146,8 @@ class OmniOrbInstance : public OrbInstance {
     if (m_guest) m_guest->Listen(m_guestEndpoints);
     std::vector<std::string> addresses =
         PublishedAddresses(m_guest ? m_guest->ListenAddresses() : OpenEndpoints(), m_publishedHost);
-    if (m_guest && m_biDirectional) addresses.push_back(ConnectionMark());
+    // First, since a server may go by the first address alone.
+    if (m_guest && m_biDirectional) addresses.insert(addresses.begin(), ConnectionMark());
     omniPolicy::EndPointPublishPolicyValue published;
     published.length(static_cast<CORBA::ULong>(addresses.size()));
     for (CORBA::ULong i = 0; i < published.length(); ++i) published[i] = addresses[i].c_str();

@@ -1,7 +1,12 @@
 #include <vq_client_common/connectivity/internal/DomainTrial.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
 #include <map>
+#include <string_view>
 
+#include <signal.h>
 #include <unistd.h>
 
 #include <support/configuration/ConfigAPI.h>
@@ -14,6 +19,18 @@ namespace {
 
 TDiagRegister diagModule("DomainTrial");
 
+constexpr std::string_view kTrialScope = "Test";
+
+// Whether a scope's name is that of a trial whose process has ended.
+bool IsLeftBehind(std::string_view scope) {
+  if (!scope.starts_with(kTrialScope)) return false;
+  pid_t process = 0;
+  const char* const end = scope.data() + scope.size();
+  const auto [rest, error] = std::from_chars(scope.data() + kTrialScope.size(), end, process);
+  return error == std::errc() && rest == end && process > 0 && ::kill(process, 0) != 0 &&
+         errno == ESRCH;
+}
+
 std::string TrialEndpoint(const std::string& address, bool isMask) {
   if (address.empty()) return "iiop://";
   return "iiop:///hostname_in_ior=" + (isMask ? orb::kOwnAddressMark : address);
@@ -21,20 +38,33 @@ std::string TrialEndpoint(const std::string& address, bool isMask) {
 
 }  // namespace
 
+void SweepTrialScopes(ConfigAPI& domain) {
+  for (const std::string& scope : domain.GetScopes()) {
+    if (IsLeftBehind(scope) && domain.RemoveScope(scope)) {
+      VQ_LOG(diagModule, 4) << "Removed the scope " << scope << " of a trial that was killed";
+    }
+  }
+}
+
 TrialScope::TrialScope(ConfigAPI& domain, bool biDir, const std::string& address, bool isMask)
-    : m_domain(domain), m_name("Test" + std::to_string(::getpid())) {
+    : m_domain(domain), m_name(std::string(kTrialScope) + std::to_string(::getpid())) {
   const TDiagFunc diag(diagModule, "TrialScope::TrialScope");
   std::map<std::string, std::string> inForce;
   m_domain.GetScopeAndDefaultVars(m_name, inForce);
   // Names alone: a domain may hold variables of others, and secrets among them.
   for (const auto& [name, value] : inForce) VQ_LOG(diag, 5) << "The trial inherits " << name;
-  m_domain.SetVar(m_name, orb::kBiDirPolicy, biDir ? "1" : "0");
-  m_domain.SetVar(m_name, orb::kListenEndpoints, TrialEndpoint(address, isMask));
-  if (isMask) m_domain.SetVar(m_name, orb::kPreferIpMask, address);
-  // A failure is meant to go unnoticed by the caller: the trial goes on with the settings in force.
+  Set(orb::kBiDirPolicy, biDir ? "1" : "0");
+  Set(orb::kListenEndpoints, TrialEndpoint(address, isMask));
+  if (isMask) Set(orb::kPreferIpMask, address);
+  // Intentional: a failure goes unnoticed by the caller. The trial has its settings all the same.
   if (!m_domain.Save()) {
     VQ_LOG(diag, 1) << "The settings of the trial cannot be saved: " << m_domain.Error();
   }
+}
+
+void TrialScope::Set(const std::string& setting, const std::string& value) {
+  m_domain.SetVar(m_name, setting, value);
+  m_arguments.insert(m_arguments.end(), {setting, value});
 }
 
 TrialScope::~TrialScope() {
@@ -45,9 +75,21 @@ TrialScope::~TrialScope() {
   }
 }
 
-TrialOrb::TrialOrb(const std::string& scope) : m_orb(ORBCommon<2>::Get()) {
+TrialOrb::TrialOrb(const TrialScope& scope) : m_orb(ORBCommon<2>::Get()) {
+  std::vector<std::string> copies = scope.Arguments();
+  std::vector<char*> arguments;
+  for (std::string& copy : copies) arguments.push_back(copy.data());
   m_orb->SetUseThreadPool(true);
-  m_up = m_orb->InitCorba(0, nullptr, scope.c_str());
+  m_up =
+      m_orb->InitCorba(static_cast<int>(arguments.size()), arguments.data(), scope.Name().c_str());
+  if (!m_up) return;
+  std::string inForce;
+  for (const orb::ResolvedSetting& setting : m_orb->GetSettings()) {
+    const auto& names = scope.Arguments();
+    if (std::find(names.begin(), names.end(), setting.name) == names.end()) continue;
+    inForce += " " + setting.name + " '" + setting.value + "'";
+  }
+  VQ_LOG(diagModule, 4) << "The trial goes by" << inForce;
 }
 
 TrialOrb::~TrialOrb() {
