@@ -5,6 +5,7 @@
 #include <charconv>
 #include <functional>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 
 namespace vq::orb {
@@ -34,6 +35,9 @@ constexpr std::array kKnown{
     KnownSetting{kTlsKey, ""},
     KnownSetting{kTlsVerifyPeer, "1"},
     KnownSetting{kTlsVerifyHost, "1"},
+    KnownSetting{kTlsServerNames, ""},
+    KnownSetting{kTlsEncryptLookups, "0"},
+    KnownSetting{kTlsRevocationList, ""},
 };
 
 [[noreturn]] void Refuse(const ResolvedSetting& setting, std::string_view form) {
@@ -55,6 +59,22 @@ std::uint64_t Number(const ResolvedSetting& setting, std::uint64_t lowest, std::
 bool Flag(const ResolvedSetting& setting) {
   if (setting.value != "0" && setting.value != "1") Refuse(setting, "0 or 1");
   return setting.value == "1";
+}
+
+// Host names and addresses between commas. A wildcard stands for the whole first part of a name.
+std::vector<std::string> HostPatterns(const ResolvedSetting& setting) {
+  std::vector<std::string> patterns;
+  std::istringstream list(setting.value);
+  for (std::string pattern; std::getline(list, pattern, ',');) {
+    const std::string_view name =
+        std::string_view(pattern).substr(pattern.starts_with("*.") ? 2 : 0);
+    if (name.empty() || name.front() == '.' || name.find_first_of("* \t") != std::string::npos) {
+      Refuse(setting,
+             "a list of host names, *.DOMAIN and addresses, such as *.site.example,10.0.0.1");
+    }
+    patterns.push_back(pattern);
+  }
+  return patterns;
 }
 
 ListenEndpoint Endpoint(const ResolvedSetting& setting) {
@@ -159,6 +179,9 @@ OrbSettings ResolveSettings(const OrbArguments& arguments,
   settings.tls.privateKey = find(kTlsKey).value;
   settings.tls.verifyPeer = Flag(find(kTlsVerifyPeer));
   settings.tls.verifyHost = Flag(find(kTlsVerifyHost));
+  settings.tls.serverNames = HostPatterns(find(kTlsServerNames));
+  settings.tls.encryptLookups = Flag(find(kTlsEncryptLookups));
+  settings.tls.revocationList = find(kTlsRevocationList).value;
   return settings;
 }
 

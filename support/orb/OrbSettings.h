@@ -38,6 +38,9 @@ inline constexpr const char* kTlsCertificate = "-SSLCertificate";
 inline constexpr const char* kTlsKey = "-SSLPrivateKey";
 inline constexpr const char* kTlsVerifyPeer = "-SSLVerifyPeer";
 inline constexpr const char* kTlsVerifyHost = "-SSLVerifyHost";
+inline constexpr const char* kTlsServerNames = "-SSLServerNames";
+inline constexpr const char* kTlsEncryptLookups = "-SSLEncryptLookups";
+inline constexpr const char* kTlsRevocationList = "-SSLRevocationList";
 
 // Stands in a published endpoint for the own address that begins with the IP mask.
 inline constexpr const char* kOwnAddressMark = "$IP";
@@ -56,13 +59,16 @@ struct OrbArguments {
   std::vector<std::string> rest;                    // everything else, program name first
 };
 
-// Whom to believe and who to be. An empty path is a setting that is not there.
+// TLS trust and identity. An empty path is a setting that is not there.
 struct TlsSettings {
-  std::string caCertificate;  // file of the authorities that are believed
-  std::string certificate;    // file of the own certificate
-  std::string privateKey;     // file of its key
-  bool verifyPeer = true;     // refuse a certificate of an authority that is not believed
-  bool verifyHost = true;     // refuse a certificate of another host
+  std::string caCertificate;   // file of the authorities that are believed
+  std::string certificate;     // file of the own certificate
+  std::string privateKey;      // file of its key
+  bool verifyPeer = true;      // refuse a certificate of an authority that is not believed
+  bool verifyHost = true;      // refuse a certificate of another host
+  std::string revocationList;  // file of the revocation lists of all trusted CAs
+  std::vector<std::string> serverNames;  // "*.site", "host.site" or an address; empty: any
+  bool encryptLookups = false;           // the naming service must offer TLS, too
 
   // Whether TLS is used at all.
   // A key alone counts, so that it is refused and nobody believes that TLS is on.
@@ -83,7 +89,7 @@ struct OrbSettings {
   std::chrono::milliseconds tcpUserTimeout{0};  // how long sent data may stay unacknowledged; 0: as
                                                 // the system has it
   std::uint64_t maxMessageSize = 0;             // bytes
-  TlsSettings tls;                              // whom to believe and who to be
+  TlsSettings tls;                              // trust and identity
   std::vector<ResolvedSetting> table;  // all of it as text, in the order of the known names
 };
 

@@ -16,8 +16,9 @@
 
 namespace vq::orb {
 
-// Raises std::invalid_argument for a listen endpoint with TLS and no certificate to show there.
-void CheckTlsPort(const OrbSettings& settings);
+// Raises std::invalid_argument for a listen endpoint with TLS and no certificate to show there, and
+// for settings that ask for more than TLS does while it is off.
+void CheckTls(const OrbSettings& settings);
 
 // Loads authorities, certificate and key, and allows TLS 1.2 and later only. Without a file of
 // authorities those of the system are believed. The key may lie in a file of its own or in the
@@ -28,16 +29,22 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings);
 // Logs at level 1 what the settings leave unverified, and who may pose as whom then.
 void WarnOfWeakVerification(const TlsSettings& settings);
 
-// Logs at level 1 that a connection to a server without TLS is refused, and what to do.
-void LogRefusedInClear(const std::string& peer);
+// Logs at level 1 why something is not sent unencrypted, and keeps it as the call's cause.
+void ReportUnencrypted(const std::string& cause);
+void ReportNoTls(const std::string& server);  // a server that offers none
 
 // The mode for SSL_CTX_set_verify.
 int TlsVerifyMode(const TlsSettings& settings);
 
 // The judgement on one certificate of a chain during a handshake, for OpenSSL's verify callback:
 // `verified` as OpenSSL has it, and for a server's own certificate also whether it names the host
-// that was asked for. A refusal is logged at level 1. Returns 1 to go on, 0 to refuse.
+// that was asked for. A refusal is logged at level 1, and a server's is kept as the call's cause.
+// Returns 1 to go on, 0 to refuse.
 int JudgeCertificate(int verified, X509_STORE_CTX& context, const TlsSettings& settings);
+
+// For SSL_CTX_set_info_callback: logs at level 1 why a client's handshake failed, and keeps it as
+// the call's cause, also when the peer is silent until the connection is given up.
+void FollowHandshake(const SSL* connection, int where, int result);
 
 // When the own certificate of a context expires; nothing when it has none.
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const SSL_CTX& context);

@@ -167,26 +167,40 @@ ROWS = [
     # TLS means TLS.
     Row("TLS undisturbed", tls="good", results=(1,)),
     Row("TLS, and the naming service names itself", tls="none", profiles=("naming",),
-        results=(54,), logged="unencrypted|in clear",
+        results=(54,), logged="would be unencrypted",
         naming={"CRB_GetSystemParameterValue": h.parameter("PasswordEncode", h.giving("0"))}),
     Row("TLS, and the naming service names an unencrypted server", tls="none", results=(54,),
-        logged="unencrypted|in clear"),
+        logged="would be unencrypted"),
     Row("TLS, forwarded to an unencrypted server", {REGISTER: h.forwarded("second")}, tls="good",
-        logged="unencrypted|in clear"),
+        logged="would be unencrypted"),
     Row("TLS, forwarded to the naming service", {REGISTER: h.forwarded("naming")}, tls="good",
-        logged="unencrypted|in clear"),
+        logged="would be unencrypted"),
     Row("TLS, and the certificate is another host's", tls="other host", results=(54,),
         logged="another host"),
     Row("TLS, and the certificate is of another CA", tls="other CA", results=(54,)),
     Row("TLS, and the server answers in plain text", tls="good", results=(54,), limit=BINDINGS,
-        logged="L1 TLS: ", greeting=greeted(b"220 mail.site ESMTP ready\r\n" * 20)),
+        logged="L1 TLS: .*does not speak TLS", greeting=greeted(b"220 mail.site ESMTP ready\r\n" * 20)),
     Row("TLS, and the server is silent", tls="good", results=(54,), limit=BINDINGS,
-        logged="L1 TLS: ", greeting=greeted(b"")),
+        logged="L1 TLS: .*did not answer in time", greeting=greeted(b"")),
+    Row("TLS, and the server ends the handshake in order", tls="good", results=(54,),
+        logged="L1 TLS: .*closed the connection",
+        greeting=greeted(b"\x15\x03\x03\x00\x02\x01\x00")),
     Row("TLS, and the server closes at once", tls="good", results=(54,),
-        greeting=lambda peer, connection: False),
+        logged="L1 TLS: .*(closed the connection|reset)", greeting=lambda peer, connection: False),
     Row("TLS, closed while idle", {ALIVE: [h.then(h.answered, h.closed, 0.2)]}, tls="good",
         results=(1, 1, 1, 1), keep_alives=2),
-    Row("TLS 1.1", tls="TLS 1.1", results=(54,), logged="L1 TLS: "),
+    Row("TLS 1.1", tls="TLS 1.1", results=(54,), logged="L1 TLS: .*no TLS version"),
+    Row("TLS 1.2, and the server requires a certificate", tls="strict 1.2", results=(54,),
+        logged="L1 TLS: .*requires a certificate"),
+    Row("TLS 1.3, and the server requires a certificate", tls="strict", results=(54,)),
+    Row("TLS, and the look-up is forwarded to an unencrypted server", tls="good", results=(54,),
+        naming={"resolve": h.forwarded("second")}, logged="would be unencrypted|forwarded it"),
+    Row("TLS, and the naming service names another host of the same CA", tls="good", results=(54,),
+        arguments=("-SSLServerNames", "*.right.site"), logged="none of its names"),
+    Row("TLS, and the naming service offers none where it has to", tls="good", results=(55,),
+        arguments=("-SSLEncryptLookups", "1"), logged="-SSLEncryptLookups is 1"),
+    Row("TLS to the naming service where it has to be", tls="good", naming_tls="good",
+        results=(1,), arguments=("-SSLEncryptLookups", "1")),
     Row("TLS to the naming service, too", tls="good", naming_tls="good", results=(1,)),
 ]
 
@@ -197,7 +211,7 @@ class Identities:
     def __init__(self, work):
         self.work, self.contexts = work, {}
         names = {"good": "IP:127.0.0.1", "other host": "IP:192.0.2.1", "other CA": "IP:127.0.0.1",
-                 "TLS 1.1": "IP:127.0.0.1"}
+                 "TLS 1.1": "IP:127.0.0.1", "strict": "IP:127.0.0.1", "strict 1.2": "IP:127.0.0.1"}
         for ca in ("ca", "other"):
             self.run("req", "-x509", "-days", "2", "-subj", f"/CN={ca}", "-keyout", f"{ca}.key",
                      "-out", f"{ca}.pem", *self.NEW)
@@ -210,6 +224,11 @@ class Identities:
                      *self.NEW)
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
             context.load_cert_chain(work / f"{file}.pem", work / f"{file}.key")
+            if name.startswith("strict"):
+                context.verify_mode = ssl.CERT_REQUIRED
+                context.load_verify_locations(work / "ca.pem")
+            if name.endswith("1.2"):
+                context.maximum_version = ssl.TLSVersion.TLSv1_2
             if name == "TLS 1.1":
                 context.set_ciphers("ALL:@SECLEVEL=0")
                 warnings.simplefilter("ignore", DeprecationWarning)

@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <fstream>
 #include <stdexcept>
 #include <string>
 
@@ -40,6 +41,14 @@ class Authority {
   std::string File() const { return m_path + "ca.pem"; }
   Identity Issue(const CertificateOptions& options = {}) const {
     return Sign(options, "-cert ca.pem -keyfile ca.key");
+  }
+  void Revoke(const Identity& identity) const {
+    std::ofstream(m_path + "revoked.pem") << identity.certificate;
+    Run("openssl ca -config ca.cnf -cert ca.pem -keyfile ca.key -revoke revoked.pem");
+  }
+  std::string RevocationList() const {  // PEM
+    Run("openssl ca -config ca.cnf -cert ca.pem -keyfile ca.key -gencrl -crldays 2 -out crl.pem");
+    return ReadFile(m_path + "crl.pem");
   }
   Identity SelfSigned() const { return Sign({}, "-selfsign -keyfile own.key"); }
 

@@ -38,6 +38,7 @@ class TlsTest : public SessionFixture {
     Server& server = StartTlsServer(identity, false, place);
     m_log.Clear();
     EXPECT_EQ(Login(), code) << m_log.Text();
+    m_cause = GL_GetFailureCause();
     EXPECT_EQ(server.Calls().empty(), code != 1);  // Nothing went out in clear instead.
     GL_LogOut(true);
     server.Kill();
@@ -56,6 +57,7 @@ class TlsTest : public SessionFixture {
 
   const Authority m_authority{m_directory, "authority"};
   const std::string m_caFile = m_authority.File();
+  std::string m_cause;  // of the last ExpectLogin
 };
 
 TEST_F(TlsTest, EachBadCertificateIsRefusedWithItsReason) {
@@ -81,6 +83,35 @@ TEST_F(TlsTest, EachBadCertificateIsRefusedWithItsReason) {
   EXPECT_TRUE(m_log.Has(1, "The certificate of localhost:")) << m_log.Text();
 }
 
+// A login fails for the same reason in the log and in what the caller can ask for.
+TEST_F(TlsTest, SettingsNarrowWhichCertificatesPass) {
+  const Identity good = m_authority.Issue({.names = "IP:127.0.0.1,DNS:a.example.org"});
+  const Identity revoked = m_authority.Issue();
+  const std::string noneRevoked = m_directory.Write("none.crl", m_authority.RevocationList());
+  m_authority.Revoke(revoked);
+  const std::string oneRevoked = m_directory.Write("one.crl", m_authority.RevocationList());
+  const std::string others =
+      m_directory.Write("others.crl", Authority(m_directory, "other").RevocationList());
+  const std::tuple<const char*, std::string, Identity, std::string> rows[] = {
+      {"-SSLServerNames", "b.example.org,*.site,10.1.1.1", good, "none of its names is among"},
+      {"-SSLServerNames", "*.a.example.org", good, "none of its names is among"},
+      {"-SSLServerNames", "*.site,*.example.org", good, ""},
+      {"-SSLServerNames", "a.example.org", good, ""},
+      {"-SSLServerNames", "127.0.0.1", good, ""},
+      {"-SSLRevocationList", noneRevoked, revoked, ""},
+      {"-SSLRevocationList", oneRevoked, revoked, "its CA has revoked it"},
+      {"-SSLRevocationList", oneRevoked, good, ""},
+      {"-SSLRevocationList", others, good, "has no list of its CA"}};
+  for (const auto& [setting, value, identity, reason] : rows) {
+    SCOPED_TRACE(value + ": " + reason);
+    m_orbArguments = {"-SSLCACertificate", m_caFile, setting, value};
+    ExpectLogin(identity, reason.empty() ? 1 : 54);
+    EXPECT_EQ(m_cause.empty(), reason.empty()) << m_cause;
+    EXPECT_NE(m_cause.find(reason), std::string::npos) << m_cause;
+    EXPECT_TRUE(Logged(m_cause)) << m_log.Text();
+  }
+}
+
 TEST_F(TlsTest, ChecksAreSwitchedOffByASettingThatIsLogged) {
   const std::tuple<const char*, CertificateOptions, const char*> rows[] = {
       {"-SSLVerifyHost", {.names = "DNS:other.site"}, "TLS certificates are not compared"},
@@ -101,7 +132,7 @@ TEST_F(TlsTest, AServerWithoutTlsIsNotCalledInClear) {
   EXPECT_EQ(Login(), 54);
   EXPECT_TRUE(server.Calls().empty());
   EXPECT_TRUE(
-      Logged("127.0.0.1:" + std::to_string(server.Port()) + " is refused: it would be in clear"))
+      Logged("127.0.0.1:" + std::to_string(server.Port()) + " is refused: it would be unencrypted"))
       << m_log.Text();
 }
 
@@ -125,6 +156,9 @@ TEST_F(TlsTest, CallbacksGoOverTlsBothWays) {
   GL_LogOut(true);
   m_orbArguments = {"-SSLCACertificate", m_caFile};  // and none of its own
   EXPECT_EQ(Login(), 54);
+  if (vq::orb::ProductName() == "omniORB") {
+    EXPECT_NE(GL_GetFailureCause().find("certificate"), std::string::npos) << m_log.Text();
+  }
 }
 
 TEST_F(TlsTest, WarnsBeforeTheOwnCertificateExpires) {
@@ -153,6 +187,12 @@ TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
       {{"-SSLCertificate", good, "-SSLPrivateKey", wrongKey}, "of -SSLPrivateKey cannot be used"},
       {{"-SSLCertificate", m_caFile}, "(one without a pass phrase is needed)"},
       {{"-SSLPrivateKey", good}, "-SSLCertificate is not"},
+      {{"-SSLCACertificate", m_caFile, "-SSLRevocationList", m_caFile},
+       "of -SSLRevocationList cannot be used"},
+      {{"-SSLCACertificate", m_caFile, "-SSLServerNames", "*.site", "-SSLVerifyPeer", "0"},
+       "is set, and -SSLVerifyPeer is 0"},
+      {{"-SSLEncryptLookups", "1"}, "and TLS is off"},
+      {{"-SSLCACertificate", m_caFile, "-SSLEncryptLookups", "1"}, "-SSLEncryptLookups is 1"},
       {{"-ORBListenEndpoints", "iiop:///ssl_port=5001"}, "ssl_port, and -SSLCertificate is not"}};
   for (const auto& [arguments, text] : rows) {
     m_log.Clear();

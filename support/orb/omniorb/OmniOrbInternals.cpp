@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include <omniORB4/callDescriptor.h>
 #include <omniORB4/minorCode.h>
 #include <omniORB4/omniORB.h>
 // These build on each other in this order.
@@ -10,6 +11,8 @@
 #include <omniORB4/internal/giopStrand.h>
 #include <omniORB4/internal/giopServer.h>
 #include <omniORB4/internal/giopStream.h>
+#include <omniORB4/internal/giopRope.h>
+#include <omniORB4/internal/GIOP_C.h>
 #include <omniORB4/internal/GIOP_S.h>
 #include <omniORB4/internal/objectAdapter.h>
 #include <omniORB4/internal/orbParameters.h>
@@ -94,6 +97,14 @@ void CloseConnections(const std::set<std::string>& names) {
   Close(giopStrand::active, names);
   Close(giopStrand::active_timedout, names);
   giopStrand::idleOutgoingBeats = usualBeats;
+}
+
+CallTarget TargetOf(omni::GIOP_C& call) {
+  const giopStrand& strand = call.strand();
+  const char* const peer =
+      strand.connection != nullptr ? strand.connection->peeraddress() : nullptr;
+  return {strand.address != nullptr ? strand.address->address() : peer, peer, call.operation(),
+          call.calldescriptor()->objref()};
 }
 
 bool IsOverOwnConnection(omni::GIOP_S& request) {

@@ -11,7 +11,10 @@
 
 #include <support/orb/Corba.h>
 
+class omniObjRef;
+
 namespace omni {
+class GIOP_C;
 class GIOP_S;
 class giopServer;
 }  // namespace omni
@@ -40,6 +43,15 @@ std::string ConnectionName(Ends& connection) {
 
 // Closes the outgoing connections with these names in order. No call is under way on them.
 void CloseConnections(const std::set<std::string>& names);
+
+// Where one request goes. All of it is borrowed from the request.
+struct CallTarget {
+  const char* address;    // as the reference has it: "giop:tcp:host.site:5000"
+  const char* peer;       // of the connection: "giop:tcp:10.0.0.1:5000"; null before there is one
+  const char* operation;  // null for a question where the object is
+  omniObjRef* object;     // that the call was made on, before it was forwarded
+};
+CallTarget TargetOf(omni::GIOP_C& call);
 
 // Whether the caller of this process's object uses a connection that this process opened.
 bool IsOverOwnConnection(omni::GIOP_S& request);

@@ -66,6 +66,7 @@ class Context : public sslContext {
 void OmniOrbSslContext::Install(const TlsSettings& settings) {
   tlsInForce = settings;
   sslContext::verify_callback = Judge;
+  sslContext::info_callback = FollowHandshake;
   sslContext::singleton = new Context;  // omniORB deletes it when the ORB ends
 }
 

@@ -1,23 +1,34 @@
 #include <support/orb/omniorb/OmniOrbTls.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <netdb.h>
 
+#include <omniORB4/giopEndpoint.h>
 #include <omniORB4/omniInterceptors.h>
 #include <omniORB4/omniORB.h>
 
-#include <support/orb/ReferenceAddress.h>
+#include <support/diagnostics/TDiag.h>
 #include <support/orb/TlsVerdict.h>
+#include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbSslContext.h>
 
 namespace vq::orb {
 namespace {
 
-std::set<std::string> clearAllowed;  // "giop:tcp:127.0.0.1:2809"
+TDiagRegister diagModule("TLS");
+
+// What the interceptors look at; written before the ORB starts, read by its threads after that.
+bool encryptLookups = false;
+std::set<std::string> namingProfiles;   // those of the naming service's references
+std::set<std::string> namingAddresses;  // where it is: "giop:tcp:127.0.0.1:2809"
 
 void CheckFiles(const TlsSettings& settings) {
   const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_method()),
@@ -26,39 +37,130 @@ void CheckFiles(const TlsSettings& settings) {
   ConfigureTls(*context, settings);
 }
 
-CORBA::Boolean RefuseClear(omni::omniInterceptors::clientOpenConnection_T::info_T& info) {
-  const std::string peer = info.peeraddress();
-  if (peer.starts_with("giop:ssl:") || clearAllowed.contains(peer)) return true;
-  LogRefusedInClear(peer);
-  info.reject = true;
-  info.why = "TLS is on, and the server offers none";
+constexpr std::string_view kTcp = "giop:tcp:";
+
+bool IsTls(std::string_view address) {
+  return address.starts_with("giop:ssl:");
+}
+
+// A reference that offers TLS is called over TLS alone: its other addresses are forgotten.
+CORBA::Boolean KeepTlsAddresses(omni::omniInterceptors::decodeIOR_T::info_T& info) {
+  omni::giopAddressList& addresses = info.ior.getIORInfo()->addresses();
+  const auto isTls = [](const omni::giopAddress* address) { return IsTls(address->address()); };
+  if (std::none_of(addresses.begin(), addresses.end(), isTls)) return true;
+  for (auto* address = addresses.begin(); address != addresses.end();) {
+    if (isTls(*address)) {
+      ++address;
+    } else {
+      delete *address;
+      address = addresses.erase(address);
+    }
+  }
   return true;
 }
 
-// Every address that the naming service's host name stands for.
-std::set<std::string> AddressesOf(const ReferenceAddress& reference) {
-  std::set<std::string> addresses;
+// What a reference says of its object, the same for every copy of the reference, and for one that
+// was forwarded.
+std::string ProfileOf(omniObjRef* object) {
+  if (object == nullptr) return {};
+  const omniIOR_var ior = object->_getIOR();
+  const IOP::TaggedProfileList& profiles = ior->iopProfiles();
+  for (CORBA::ULong i = 0; i < profiles.length(); ++i) {
+    if (profiles[i].tag != IOP::TAG_INTERNET_IOP) continue;
+    const auto& data = profiles[i].profile_data;
+    return {reinterpret_cast<const char*>(data.get_buffer()), data.length()};
+  }
+  return {};
+}
+
+// Whether a request asks the naming service's own object where a server is. A question without an
+// operation (LocateRequest) is none: this library sends none.
+bool IsLookUp(const CallTarget& target) {
+  constexpr std::array<std::string_view, 3> kLookUps{"resolve", "_non_existent", "_is_a"};
+  return target.operation != nullptr &&
+         std::find(kLookUps.begin(), kLookUps.end(), target.operation) != kLookUps.end() &&
+         namingProfiles.contains(ProfileOf(target.object));
+}
+
+// The naming service may forward to another reference of its own, but not to another place. Where a
+// host name leads is known when the connection is open.
+bool IsAtNamingService(const CallTarget& target) {
+  return target.peer == nullptr || namingAddresses.contains(target.address) ||
+         namingAddresses.contains(target.peer);
+}
+
+// Raises for a request that would go unencrypted and is no look-up. Asked for each request before
+// the first byte of it is sent, and once more when a connection was opened.
+void RefuseUnencrypted(omni::GIOP_C& call) {
+  const CallTarget target = TargetOf(call);
+  const std::string_view address = target.address != nullptr ? target.address : "";
+  if (IsTls(address)) return;
+  const std::string place(address.substr(std::min(address.size(), kTcp.size())));
+  if (!IsLookUp(target)) {
+    ReportNoTls(place);
+  } else if (encryptLookups) {
+    ReportUnencrypted("The look-up at " + place + " is refused: it would be unencrypted, since " +
+                      "that naming service offers no TLS, and -SSLEncryptLookups is 1");
+  } else if (!IsAtNamingService(target)) {
+    ReportUnencrypted("The look-up at " + place + " is refused: the naming service forwarded it " +
+                      "there, unencrypted. If that is right, name " + place + " in -ORBInitRef");
+  } else {
+    return;
+  }
+  throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
+}
+
+CORBA::Boolean GuardRequest(omni::omniInterceptors::clientSendRequest_T::info_T& info) {
+  RefuseUnencrypted(info.giop_c);
+  return true;
+}
+
+CORBA::Boolean GuardConnection(omni::omniInterceptors::clientOpenConnection_T::info_T& info) {
+  RefuseUnencrypted(info.giop_c);
+  return true;
+}
+
+// Where connections are offered for calls back, that to the naming service is offered, too.
+CORBA::Boolean GuardCallBack(omni::omniInterceptors::serverReceiveRequest_T::info_T& info) {
+  if (!IsOverOwnConnection(info.giop_s) || IsTls(info.peeraddress())) return true;
+  VQ_LOG(diagModule, 1) << "A call back by " << info.peeraddress()
+                        << " is refused: it came over an unencrypted connection";
+  throw CORBA::NO_PERMISSION(0, CORBA::COMPLETED_NO);
+}
+
+// Adds an address, and each numeric one that its host name stands for.
+void AddNamingAddress(const omni::giopAddress& address) {
+  const std::string text = address.address();
+  namingAddresses.insert(text);
   addrinfo hints{};
   hints.ai_socktype = SOCK_STREAM;
   addrinfo* found = nullptr;
-  if (::getaddrinfo(reference.host.c_str(), nullptr, &hints, &found) != 0) return addresses;
+  if (address.host() == nullptr || ::getaddrinfo(address.host(), nullptr, &hints, &found) != 0) {
+    return;
+  }
   const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, &::freeaddrinfo);
   for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
     char host[NI_MAXHOST];
     if (::getnameinfo(one->ai_addr, one->ai_addrlen, host, sizeof host, nullptr, 0,
-                      NI_NUMERICHOST) != 0) {
-      continue;
+                      NI_NUMERICHOST) == 0) {
+      namingAddresses.insert(std::string(kTcp) + UriHost(host) + text.substr(text.rfind(':')));
     }
-    const std::string text = one->ai_family == AF_INET6 ? "[" + std::string(host) + "]" : host;
-    addresses.insert("giop:tcp:" + text + ":" + reference.port);
   }
-  return addresses;
+}
+
+void AddNaming(CORBA::Object_ptr naming) {
+  if (CORBA::is_nil(naming)) return;
+  namingProfiles.insert(ProfileOf(naming->_PR_getobj()));
+  const omniIOR_var ior = naming->_PR_getobj()->_getIOR();
+  for (const omni::giopAddress* address : ior->getIORInfo()->addresses()) {
+    AddNamingAddress(*address);
+  }
 }
 
 }  // namespace
 
 void OmniOrbTls::Prepare(const OrbSettings& settings) {
-  CheckTlsPort(settings);
+  CheckTls(settings);
   if (!settings.tls.IsOn()) return;
   CheckFiles(settings.tls);
   WarnOfWeakVerification(settings.tls);
@@ -71,14 +173,26 @@ void OmniOrbTls::Abandon() {
 
 void OmniOrbTls::Guard(CORBA::ORB_ptr orb, const OrbSettings& settings) {
   if (!settings.tls.IsOn()) return;
-  clearAllowed.clear();
+  omni::omniInterceptors& interceptors = *omniORB::getInterceptors();
+  interceptors.decodeIOR.add(KeepTlsAddresses);
+  interceptors.clientSendRequest.add(GuardRequest);
+  interceptors.clientOpenConnection.add(GuardConnection);
+  interceptors.serverReceiveRequest.add(GuardCallBack);
+  encryptLookups = settings.tls.encryptLookups;
+  namingProfiles.clear();
+  namingAddresses.clear();
   try {
-    CORBA::Object_var naming = orb->resolve_initial_references("NameService");
-    ReferenceAddress address;
-    if (AddressOf(naming.in(), address) == AddressFault::kNone) clearAllowed = AddressesOf(address);
+    const std::vector<std::string> references = NamingReferences(settings);
+    if (references.size() < 2) {
+      const CORBA::Object_var naming = orb->resolve_initial_references("NameService");
+      AddNaming(naming.in());
+    }
+    for (const std::string& reference : references) {
+      const CORBA::Object_var naming = orb->string_to_object(reference.c_str());
+      AddNaming(naming.in());
+    }
   } catch (const CORBA::Exception&) {  // There is none; its first use tells.
   }
-  omniORB::getInterceptors()->clientOpenConnection.add(RefuseClear);
 }
 
 std::optional<std::chrono::sys_seconds> OmniOrbTls::CertificateExpiry() {

@@ -1,12 +1,12 @@
-// TLS in omniORB: its context made of our settings, and no connection in clear beside it.
+// TLS in omniORB: its context made of our settings, and nothing but look-ups unencrypted beside it.
 //
 //   OmniOrbTls::Prepare(settings);      // before ORB_init
 //   CORBA::ORB_init(...);
 //   OmniOrbTls::Guard(orb, settings);   // after it
 //
 // With TLS on, servers are called over TLS alone. Only the naming service, whose programs mostly
-// have no TLS, may be asked in clear: it tells addresses, and a server at a wrong one has no
-// certificate that is believed.
+// have no TLS, may be asked unencrypted, and only where a server is. That is checked for each
+// request: whoever answers at the naming service's address may also call itself the server.
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBTLS_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBTLS_H
 
@@ -29,7 +29,8 @@ class OmniOrbTls {
   // Takes the context back when ORB_init failed.
   static void Abandon();
 
-  // Refuses connections in clear from here on, if TLS is on.
+  // Refuses unencrypted requests from here on, if TLS is on: they raise CORBA::INV_POLICY, and
+  // FailureCause.h has the reason.
   static void Guard(CORBA::ORB_ptr orb, const OrbSettings& settings);
 
   // Nothing when TLS is off or there is no own certificate.

@@ -46,7 +46,7 @@ int Verify(X509_STORE_CTX* context, void*) {
 }  // namespace
 
 void TaoTls::Prepare(const OrbSettings& settings) {
-  CheckTlsPort(settings);
+  CheckTls(settings);
   if (!settings.tls.IsOn()) return;
   RegisterTlsProtocol();
   tlsInForce = settings.tls;
@@ -66,7 +66,7 @@ void TaoTls::Prepare(const OrbSettings& settings) {
 }
 
 void TaoTls::AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
-  if (!settings.tls.IsOn()) return;
+  if (!settings.tls.IsOn() || settings.tls.encryptLookups) return;
   try {
     const CORBA::Object_var naming = orb->resolve_initial_references("NameService");
     const CORBA::Object_var inClear = InClear(naming.in());
@@ -97,7 +97,7 @@ std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSetti
 #else
 
 void TaoTls::Prepare(const OrbSettings& settings) {
-  CheckTlsPort(settings);
+  CheckTls(settings);
   if (settings.tls.IsOn()) {
     throw std::invalid_argument(
         "-SSLCACertificate or -SSLCertificate is set, and this library was built without TAO's TLS "

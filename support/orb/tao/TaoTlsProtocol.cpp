@@ -60,8 +60,7 @@ class Connector : public TAO_Connector {
       return m_connector->connect(resolver, descriptor, timeout);
     } catch (const CORBA::INV_POLICY&) {
       if (endpoint->ssl_component().port == 0) {
-        LogRefusedInClear("iiop:" + std::string(address->host()) + ":" +
-                          std::to_string(address->port()));
+        ReportNoTls(std::string(address->host()) + ":" + std::to_string(address->port()));
       }
       throw;
     }

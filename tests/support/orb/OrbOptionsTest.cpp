@@ -109,7 +109,10 @@ TEST(OrbSettingsTest, AMalformedValueIsRefusedWithItsNameAndForm) {
                                   {"-BiDirPolicy", "yes", "0 or 1"},
                                   {"-ORBListenEndpoints", "iiop://h:x", "endpoint"},
                                   {"-ORBInitRef", "NameService", "NAME="},
-                                  {"-SSLVerifyHost", "off", "0 or 1"}};
+                                  {"-SSLVerifyHost", "off", "0 or 1"},
+                                  {"-SSLServerNames", "a.site,,b.site", "a list of host names"},
+                                  {"-SSLServerNames", "a*.site", "a list of host names"},
+                                  {"-SSLServerNames", "*", "a list of host names"}};
   for (const auto& [name, value, form] : kRows) {
     EXPECT_THAT(([&, n = name, v = value] {
                   ResolveSettings({}, {{"", {{n, v}}}});
