@@ -34,12 +34,13 @@ class UserAuthorizations;
 
 namespace vq {
 
+// Each has an initializer, so that a program may leave out any of them without a warning.
 struct SessionOptions {
-  std::string server;  // its name in the naming service
+  std::string server{};  // its name in the naming service
   SERVER_ID kind = E_GSR;
   CLIENT_ID client = CLIENT_CLI;
-  std::string user;
-  SecretString password;
+  std::string user{};
+  SecretString password{};
   CredentialSource credentials = nullptr;  // called when the password is empty
   // Called when the password has expired, with the server's message: returns the new one, or an
   // empty one to give up.
@@ -47,9 +48,9 @@ struct SessionOptions {
   // The server drops a session that is not kept alive for so long. The settings of the site come
   // first (GL_GetCRBRegisterTimeOut).
   std::chrono::seconds timeOut{600};
-  std::string namingService;              // "corbaloc:iiop:HOST:PORT/NameService"; empty: as set
-  std::vector<std::string> orbArguments;  // the command line, or nothing; read for -ORB options
-  std::chrono::milliseconds deadline{0};  // for the whole login; 0: each call has its time-out
+  std::string namingService{};              // "corbaloc:iiop:HOST:PORT/NameService"; empty: as set
+  std::vector<std::string> orbArguments{};  // the command line, or nothing; read for -ORB options
+  std::chrono::milliseconds deadline{0};    // for the whole login; 0: each call has its time-out
 
   // Above 0: a thread of the object's own keeps the session alive in this interval.
   std::chrono::milliseconds keepAlive{0};
