@@ -36,8 +36,7 @@ int Change(CommandLine& line) {
     result = kPasswordRefused;
   } else {
     const int changed = SetUserPassword(password, expired);
-    // After an expired password the change also begins a session; without one it has failed.
-    const bool done = changed == 1 && (!expired || LoginHandler::GetGlobal()->IsConnected());
+    const bool done = changed == 1 && WasPasswordChanged();
     result = done ? kSuccess : changed == 1 ? kRefused : ExitCodeOf(changed);
     if (done) {
       Say("The password is changed.");

@@ -2,8 +2,8 @@
 //
 //   authorizations SERVER USER -ORBInitRef NameService=corbaloc:iiop:HOST:2809/NameService
 //
-// GL_PostLogin loads what the user may do; every question after it is answered here, without a call
-// to the server.
+// The login loads what the user may do; every question after it is answered here, without a call to
+// the server.
 
 #include <iostream>
 #include <string>
@@ -54,17 +54,16 @@ int main(int argc, char** argv) {
     std::cerr << "usage: authorizations SERVER USER [-ORBInitRef NameService=REFERENCE]\n";
     return 2;
   }
-  UserPass credentials(argv[2], "", "");
-  if (!credentials.Init()) return 2;
-
-  std::string message;
-  int code = GL_Login(credentials.GetUsername(), credentials.GetPassword(), argv[1], 600, message,
-                      CLIENT_CLI, E_GSR, argc, argv);
-  if (code == 1 || code == 50) code = GL_PostLogin(message);
-  if (!message.empty()) std::cerr << message << '\n';
-
-  if (code == 1) AskAll(*UserAuthorizations::Get());
-  GL_LogOut(true);
-  exit_vqclient_common();
-  return code == 1 ? 0 : 1;
+  try {
+    const vq::Session session({.server = argv[1],
+                               .user = argv[2],
+                               .credentials = vq::AskForPassword(),
+                               .orbArguments = {argv, argv + argc}});
+    if (!session.Message().empty()) std::cerr << session.Message() << '\n';
+    AskAll(*session.Authorizations());
+    return 0;
+  } catch (const vq::LoginError& e) {
+    std::cerr << e.what() << '\n' << e.Cause() << '\n';
+    return 1;
+  }
 }

@@ -20,7 +20,7 @@ struct Application {
   int callbackFailures = 0;
 };
 
-// Called by GL_PostLogin when the server cannot call this client back. A plain function: it must
+// Called within the login when the server cannot call this client back. A plain function: it must
 // not raise. A client with a window would open its connection wizard here.
 void OnCallbackFailure(void* data) {
   ++static_cast<Application*>(data)->callbackFailures;
@@ -38,9 +38,6 @@ int main(int argc, char** argv) {
     std::cerr << "usage: log_and_hooks SERVER USER [-ORBInitRef NameService=REFERENCE]\n";
     return 2;
   }
-  UserPass credentials(argv[2], "", "");
-  if (!credentials.Init()) return 2;
-
   TDiag* const log = TDiag::Instance();
   const TDiag::SinkId sink = log->AddCallbackSink(OnLine);
   log->SetMinimumDebugLevel(0);           // nothing in general ...
@@ -49,20 +46,23 @@ int main(int argc, char** argv) {
 
   Application application;
   GL_SetCallbackTroubleshooter(OnCallbackFailure, &application);
-  setenv("ENABLE_TEST_CALLBACK", "1", 1);  // otherwise GL_PostLogin tries no callback
+  setenv("ENABLE_TEST_CALLBACK", "1", 1);  // otherwise no callback is tried
 
   TDiagFunc diag(diagModule, "main");
   VQ_LOG(diag, 5) << "logging in to " << argv[1];
-  std::string message;
-  int code = GL_Login(credentials.GetUsername(), credentials.GetPassword(), argv[1], 600, message,
-                      CLIENT_CLI, E_GSR, argc, argv);
-  if (code == 1 || code == 50) code = GL_PostLogin(message);
-  if (!message.empty()) std::cerr << message << '\n';
-  VQ_LOG(diag, 5) << "callbacks that failed: " << application.callbackFailures;
-
+  int exitCode = 0;
+  try {
+    const vq::Session session({.server = argv[1],
+                               .user = argv[2],
+                               .credentials = vq::AskForPassword(),
+                               .orbArguments = {argv, argv + argc}});
+    if (!session.Message().empty()) std::cerr << session.Message() << '\n';
+    VQ_LOG(diag, 5) << "callbacks that failed: " << application.callbackFailures;
+  } catch (const vq::LoginError& e) {
+    std::cerr << e.what() << '\n' << e.Cause() << '\n';
+    exitCode = 1;
+  }
   GL_SetCallbackTroubleshooter(nullptr, nullptr);
-  GL_LogOut(true);
-  exit_vqclient_common();
   log->RemoveSink(sink);
-  return code == 1 ? 0 : 1;
+  return exitCode;
 }

@@ -12,28 +12,29 @@
 namespace {
 
 // Asks without echo; false when nobody answers.
-bool Ask(const char* question, std::string& password) {
+bool Ask(const char* question, vq::SecretString& password) {
   std::cerr << question << '\n';
-  UserPass answer(ConnectionSettings::Get()->getUserName(), "", "");
-  const bool answered = answer.GetConsoleMissData();
-  password = answer.GetPassword();
-  return answered;
+  std::string user = ConnectionSettings::Get()->getUserName();
+  password = vq::SecretString();
+  return vq::AskForPassword()(user, password).empty();
 }
 
-// Asks for a new password that the policy takes and that was typed the same twice.
-bool AskForNewPassword(std::string& password) {
+// Asks for a new password that the policy takes and that was typed the same twice; empty if not.
+vq::SecretString AskForNewPassword() {
   std::cout << "Passwords have " << GetMinPasswordLength() << " to " << GetMaxPasswordLength()
             << " characters.\n";
+  vq::SecretString password;
   std::string message;
   do {
     if (!message.empty()) std::cout << message << '\n';
-    if (!Ask("The new password:", password)) return false;
-  } while (CheckPasswordValidity(password, message) != 1);  // 51 and why
+    if (!Ask("The new password:", password)) return {};
+  } while (CheckPasswordValidity(password.Text(), message) != 1);  // 51 and why
 
-  std::string again;
-  if (!Ask("The new password again:", again)) return false;
-  if (again != password) std::cout << "The two differ.\n";
-  return again == password;
+  vq::SecretString again;
+  if (!Ask("The new password again:", again)) return {};
+  if (again.Text() == password.Text()) return password;
+  std::cout << "The two differ.\n";
+  return {};
 }
 
 }  // namespace
@@ -43,24 +44,26 @@ int main(int argc, char** argv) {
     std::cerr << "usage: password_change SERVER USER [-ORBInitRef NameService=REFERENCE]\n";
     return 2;
   }
-  UserPass credentials(argv[2], "", "");
-  if (!credentials.Init()) return 2;
-
-  std::string message;
-  const int login = GL_Login(credentials.GetUsername(), credentials.GetPassword(), argv[1], 600,
-                             message, CLIENT_CLI, E_GSR, argc, argv);
-  if (!message.empty()) std::cout << message << '\n';
-
-  const bool expired = login == 48;
+  bool expired = false;
   bool changed = false;
-  if (std::string password; (login == 1 || login == 50 || expired) && AskForNewPassword(password)) {
-    // With an expired password the change also logs in. A server that fails on the way leaves 1 as
-    // well, but no session.
-    changed = SetUserPassword(password, expired) == 1 && LoginHandler::GetGlobal()->IsConnected();
-    if (changed && expired) changed = GL_PostLogin(message) == 1;
-    std::cout << (changed ? "The password is changed.\n" : "The password is not changed.\n");
+  try {
+    vq::Session session({.server = argv[1],
+                         .user = argv[2],
+                         .credentials = vq::AskForPassword(),
+                         // Called when the password has expired: the change then also logs in.
+                         .newPassword =
+                             [&expired](const std::string& message) {
+                               expired = true;
+                               std::cout << message << '\n';
+                               return AskForNewPassword();
+                             },
+                         .orbArguments = {argv, argv + argc}});
+    changed = expired || session.ChangePassword(AskForNewPassword()) == vq::LoginResult::kSuccess;
+  } catch (const vq::LoginError& e) {
+    std::cerr << e.what() << '\n' << e.Cause() << '\n';
+    // The change may have been made before the login failed.
+    changed = expired && WasPasswordChanged();
   }
-  GL_LogOut(true);
-  exit_vqclient_common();
+  std::cout << (changed ? "The password is changed.\n" : "The password is not changed.\n");
   return changed ? 0 : 1;
 }

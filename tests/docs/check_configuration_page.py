@@ -35,6 +35,7 @@ WRAPPERS = {
     "support/foundations/ProfileSettings": r"GetProfileIntFromCurrentUserOrLocalMachine\(",
     # shows what others read
     "vq_client_common/session/SettingsReport": r"GetEnvOr\(variable|GetEnv\(name",
+    "vq_client_common/session/Session": r"GetSystemParameter\(name",
     "vq_client_common/session/internal/Collaborators": r"GetSystemParameter\(const std",
     "vq_client_common/session/SystemParameterHandler":
         r"GetSystemParameter\((name|const std)|IsMandatory\(const char\*",

@@ -2,7 +2,7 @@
 """try_first_client.py BUILD SOURCE COMPILER
 
 Takes the files, the command and the answer from docs/first-client.md, and has them built and run as
-an example against a copy that is installed for it.
+an example against a copy that is installed for it; and so the program of README.md.
 """
 
 import re
@@ -23,15 +23,24 @@ def main():
         re.sub(r"corbaloc:\S+", "@NAMING@", word) for word in command[2].split()) + "\n"
     files["expected.txt"] = "".join(re.escape(line) + "\n" for line in answer[1].splitlines())
 
+    readme = re.search(r"```cpp\n(#include.*?)```", (Path(source) / "README.md").read_text(), re.S)
+    naming = ["-ORBInitRef", "NameService=@NAMING@"]
+    examples = {"first_client": files, "readme": {
+        "CMakeLists.txt": files["CMakeLists.txt"].replace("first_client", "readme"),
+        "main.cpp": readme[1], "input.txt": files["input.txt"],
+        "arguments.txt": "\n".join(naming) + "\n",
+        "expected.txt": "".join(files["expected.txt"].splitlines(True)[1:3])}}
+
     with tempfile.TemporaryDirectory(prefix="vq-first-client-") as work:
-        prefix, folder = Path(work) / "prefix", Path(work) / "examples" / "first_client"
+        prefix, folder = Path(work) / "prefix", Path(work) / "examples"
         subprocess.run(["cmake", "--install", build, "--prefix", prefix], check=True,
                        stdout=subprocess.DEVNULL)
-        folder.mkdir(parents=True)
-        for name, text in files.items():
-            (folder / name).write_text(text)
+        for example, texts in examples.items():
+            (folder / example).mkdir(parents=True)
+            for name, text in texts.items():
+                (folder / example / name).write_text(text)
         return subprocess.run([Path(source) / "tests" / "packages" / "try_examples.py", prefix,
-                               folder.parent, compiler, "first_client"]).returncode
+                               folder, compiler, *examples]).returncode
 
 
 if __name__ == "__main__":
