@@ -18,6 +18,8 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 struct SessionTest : SessionFixture {
+  using SessionFixture::m_naming;
+  using SessionFixture::m_servers;
   SessionOptions Options(const std::string& user = "alice") {
     return {.server = "central",
             .user = user,
@@ -64,57 +66,21 @@ TEST_F(SessionTest, MakesTheCallsOfTheOldFunctions) {
   EXPECT_FALSE(kept->IsAdministrator()) << "a copy outlives its session";
 }
 
-TEST_F(SessionTest, ReportsResultTextAndCause) {
-  json site = BaseSite();
-  site["users"]["odd"] = {{"password", "secret"}, {"result", 7}, {"message", "Seven.\t"}};
-  Server& server = StartServer(site);
-  InstallClient("8.0.00");
-  const std::string at = "127.0.0.1:" + std::to_string(server.Port());
-  const json none = json::array();
-  const json late = {{{"operation", "CRB_Register"}, {"action", "delay"}, {"ms", 4000}}};
-  const auto refuse = [](std::string&, SecretString&) { return "None.\t"; };
-  using O = SessionOptions;
-  const std::tuple<std::function<void(O&)>, json, int, const char*, std::string> rows[] = {
-      {[](O& o) { o.user = "locked"; }, none, 49, "User account is locked.", ""},
-      {[](O& o) { o.user = "expired"; }, none, 48, "Password has expired.", ""},
-      {[](O& o) { o.user = "odd"; }, none, 7, "Seven.", ""},
-      {[](O& o) { o.password.Text() = "x"; }, none, 0, "This error may be caused", ""},
-      {[](O& o) { o.user = ""; }, none, 0, "This error", "the user, the password or the server"},
-      {[](O& o) { o.server = "no"; }, none, 54, "This error",
-       "the naming service knows no UsersManager of a server 'no' of the kind GSR"},
-      {[](O& o) { o.namingService = "corbaloc:iiop:127.0.0.1:1/NameService"; }, none, 55, "CORBA",
-       "connection refused at 127.0.0.1:1"},
-      {[](O& o) { o.namingService = "corbaloc:iiop:none.invalid:1/NameService"; }, none, 55,
-       "CORBA", "the host none.invalid cannot be resolved: "},
-      {[](O& o) {
-         o.orbArguments = {"-ORBCallTimeout", "soon"};
-       },
-       none, 55, "CORBA", "the value 'soon' of -ORBCallTimeout (command line) is not "},
-      {[&](O& o) { o.credentials = refuse, o.password = {}; }, none, 0, "None.", ""},
-      {[](O& o) { o.deadline = 500ms; }, late, 0, "This error", "no answer from " + at},
-      {[](O&) {}, Raise("CRB_Register", "TRANSIENT"), 0, "This error", at + ": TRANSIENT"},
-      {[](O&) {}, Raise("CRB_VerifyClientServerVersion", "NO_RESOURCES"), 0, "This error",
-       at + ": NO_RESOURCES"},
-      {[](O&) {}, Raise("CRB_GetMyAuthorizationsFromMemory", "NO_RESOURCES"), 0, "Failed to load",
-       "NO_RESOURCES"}};
-  for (const auto& [change, faults, code, text, cause] : rows) {
-    server.SetFaults(faults);
-    SessionOptions options = Options();
-    change(options);
-    LoginError error;
-    const auto start = Clock::now();
-    EXPECT_FALSE(Session::Open(options, error));
-    EXPECT_LT(Clock::now() - start, 3s) << cause;
-    EXPECT_EQ(error.Code(), code) << error.what();
-    EXPECT_TRUE(std::string(error.what()).starts_with(text)) << error.what();
-    EXPECT_EQ(std::string(error.what()).find('\t'), std::string::npos) << error.what();
-    EXPECT_EQ(error.Cause().substr(0, cause.empty() ? 99 : cause.size()), cause) << m_log.Text();
-    EXPECT_FALSE(ConnectionSettings::Get()->IsConnected());
-  }
-}
-
 TEST_F(SessionTest, EndsWhateverTheClientDoes) {
   Server& server = StartServer();
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  static SessionTest* test = this;
+  const auto exits = [] {
+    std::atexit([] {  // runs after the session's own, which is registered later
+      const bool gone = Sessions(*test->m_servers[0]) == 0;
+      test->m_servers.clear();
+      test->m_naming.reset();
+      std::_Exit(gone ? 7 : 1);
+    });
+    const Session session(test->Options());
+    std::exit(1);
+  };
+  EXPECT_EXIT(exits(), ::testing::ExitedWithCode(7), "");
   m_orbArguments = {"-ORBCallTimeout", "1000"};
   LoginError error;
   try {
@@ -132,19 +98,6 @@ TEST_F(SessionTest, EndsWhateverTheClientDoes) {
   const auto start = Clock::now();
   EXPECT_TRUE(Session::Open(Options(), error));
   EXPECT_LT(Clock::now() - start, 4s) << "a logout without an answer ends by the call's time-out";
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  static SessionTest* test = this;
-  const auto exits = [] {
-    std::atexit([] {  // after the session's own
-      const bool gone = Sessions(*test->m_servers[0]) == 0;
-      test->m_servers.clear();
-      test->m_naming.reset();
-      std::_Exit(gone ? 7 : 1);
-    });
-    const Session session(test->Options());
-    std::exit(1);
-  };
-  EXPECT_EXIT(exits(), ::testing::ExitedWithCode(7), "");
 }
 
 TEST_F(SessionTest, KeepsItselfAliveAndIsUsedFromManyThreads) {

@@ -98,7 +98,7 @@ void Session::State::Begin() {
   }
   try {
     LogIn();
-    StartThread();
+    if (options.keepAlive.count() > 0) StartThread();
   } catch (...) {
     End();
     throw;
@@ -196,9 +196,7 @@ LoginResult Session::State::Renew() {
   std::string text;
   try {
     if (silent) {  // Looks the server up again. Who borrowed a reference may still use it.
-      for (CORBA::Object_var& old : CorbaServerPackManager::Get()->TakeAll()) {
-        oldReferences.push_back(old);
-      }
+      for (auto& old : CorbaServerPackManager::Get()->TakeAll()) oldReferences.push_back(old);
     }
     answer = static_cast<LoginResult>(LoginHandler::GetGlobal()->ReLogin(text, TimeOut()));
     refused = true;
@@ -227,7 +225,6 @@ LoginResult Session::State::ChangePassword(const std::string& newPassword, bool 
 }
 
 void Session::State::StartThread() {
-  if (options.keepAlive.count() <= 0) return;
   sigset_t all;
   sigset_t before;
   sigfillset(&all);

@@ -45,8 +45,7 @@ struct SessionOptions {
   // Called when the password has expired, with the server's message: returns the new one, or an
   // empty one to give up.
   std::function<SecretString(const std::string& message)> newPassword = nullptr;
-  // The server drops a session that is not kept alive for so long. The settings of the site come
-  // first (GL_GetCRBRegisterTimeOut).
+  // Of a session without keep-alives. The site's settings come first (GL_GetCRBRegisterTimeOut).
   std::chrono::seconds timeOut{600};
   std::string namingService{};              // "corbaloc:iiop:HOST:PORT/NameService"; empty: as set
   std::vector<std::string> orbArguments{};  // the command line, or nothing; read for -ORB options
