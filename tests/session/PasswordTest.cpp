@@ -154,6 +154,7 @@ TEST_F(PasswordTest, ARefusedSessionsUserIdHidesNoFailedChange) {
   for (const bool fails : {true, false}) {
     const json drop = {{{"operation", "CRB_RegisterAndUpdatePassword"}, {"action", "drop"}}};
     server.SetFaults(fails ? drop : json::array());
+    server.Control({{"command", "reset"}});  // a call that was dropped may have done its work
     ASSERT_EQ(Login("expired"), 48);
     ASSERT_TRUE(LoginHandler::GetGlobal()->IsConnected()) << "a user ID came with the refusal";
     EXPECT_EQ(SetUserPassword("new-password", true), 1);
