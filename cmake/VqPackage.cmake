@@ -21,15 +21,17 @@ set(VQ_PACKAGE_MAINTAINER
 # Installed documents link what is installed.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR
   BASE_DIRECTORY ${CMAKE_INSTALL_FULL_DOCDIR} OUTPUT_VARIABLE headers)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS README.md)
-file(READ README.md readme)
-foreach(folder IN ITEMS vq_client_common support)
-  string(REPLACE "](${folder}/" "](${headers}/vq/${folder}/" readme "${readme}")
+foreach(page IN ITEMS ARCHITECTURE CONTRIBUTING README SECURITY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${page}.md)
+  file(READ ${page}.md text)
+  foreach(folder IN ITEMS vq_client_common support)
+    string(REPLACE "](${folder}/" "](${headers}/vq/${folder}/" text "${text}")
+  endforeach()
+  string(REPLACE "[Apache-2.0](LICENSE)" "Apache-2.0" text "${text}")
+  string(REPLACE "[CHANGELOG.md](CHANGELOG.md)" "the changelog" text "${text}")
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package-files/${page}.md CONTENT "${text}" @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/package-files/${page}.md TYPE DOC COMPONENT documentation)
 endforeach()
-string(REPLACE "[Apache-2.0](LICENSE)" "Apache-2.0" readme "${readme}")
-file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package-files/README.md CONTENT "${readme}" @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/package-files/README.md
-  ARCHITECTURE.md CHANGELOG.md CONTRIBUTING.md SECURITY.md TYPE DOC COMPONENT documentation)
 install(DIRECTORY docs TYPE DOC COMPONENT documentation FILES_MATCHING PATTERN "*.md")
 install(DIRECTORY examples TYPE DOC COMPONENT documentation)
 # The pages of the target docs, where they were made.
