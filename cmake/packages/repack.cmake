@@ -9,6 +9,11 @@ foreach(package IN LISTS CPACK_PACKAGE_FILES)
   if(name MATCHES "^${CPACK_VQ_RUNTIME}_")
     file(REMOVE ${tree}/DEBIAN/postinst ${tree}/DEBIAN/postrm)
   endif()
+  # cpack's packages of debug symbols have the modes of the umask and md5sums of its own directory.
+  execute_process(
+    COMMAND sh -c "export LC_ALL=C && chmod -R u+rwX,go+rX,go-w . && find . -path ./DEBIAN \
+-prune -o -type f -printf '%P\\0' | sort -z | xargs -0 md5sum >DEBIAN/md5sums"
+    WORKING_DIRECTORY ${tree} COMMAND_ERROR_IS_FATAL ANY)
   execute_process(
     COMMAND dpkg-deb --root-owner-group -Z${CPACK_VQ_COMPRESSION} --build ${tree} ${package}
     OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
