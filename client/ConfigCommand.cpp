@@ -1,6 +1,7 @@
 // vqclient config: every setting in force, its value and where it came from; and changes to those
 // that are stored.
 
+#include <filesystem>
 #include <iomanip>
 #include <iostream>
 #include <set>
@@ -91,7 +92,7 @@ std::pair<std::string, std::string> PlaceOf(const std::string& name, const std::
   if (name == "site" && site.empty()) return {"vqclient", name};
   const SharedOption* const option = FindSharedOption(name);
   if (option == nullptr) {
-    throw CLI::ValidationError("name", "no setting '" + name + "'" + Nearest(name, names));
+    throw CLI::ValidationError("no setting '" + name + "'" + Nearest(name, names));
   }
   return {ScopeOf(*option, site), *option->setting != '\0' ? option->setting : name};
 }
@@ -104,6 +105,8 @@ int Store(const CommandLine& line, const Change& change) {
       throw CLI::ValidationError(change.name, objection);
     }
     value = OrbValue(*option, *value);
+    // Another run may have another working directory.
+    if (option->type == std::string_view("FILE")) value = std::filesystem::absolute(*value);
   }
   const vq::StoreResult stored = vq::StoreSetting(
       scope, name, value, change.system ? vq::SettingsLayer::kHost : vq::SettingsLayer::kOwn);

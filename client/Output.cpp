@@ -1,8 +1,6 @@
 #include "Output.h"
 
-#include <cerrno>
 #include <iostream>
-#include <system_error>
 
 #include <nlohmann/json.hpp>
 
@@ -41,10 +39,8 @@ int FinishOutput(int exitCode) {
   if (Form().json && exitCode != kSuccess && !printed) {
     PrintJson({{"error", told}, {"exitCode", exitCode}});
   }
-  errno = 0;
   if (std::cout.flush()) return exitCode;
-  Tell("standard output cannot be written" +
-       (errno == 0 ? std::string() : ": " + std::generic_category().message(errno)));
+  Tell("standard output cannot be written");
   return exitCode == kSuccess ? kRefused : exitCode;
 }
 

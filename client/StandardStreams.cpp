@@ -14,13 +14,11 @@ namespace {
 // fails at once when it is used, as the closed descriptor would have.
 __attribute__((no_sanitize("address", "thread", "undefined"))) void OpenStandardStreams(int, char**,
                                                                                         char**) {
-  for (const int wrongWay : {O_WRONLY, O_RDONLY, O_RDONLY}) {
-    // The lowest free number is taken; the first one that is none of the three ends this.
-    const long file = syscall(SYS_openat, AT_FDCWD, "/dev/null", wrongWay);
-    if (file > STDERR_FILENO) {
-      syscall(SYS_close, file);
-      return;
-    }
+  constexpr int kWrongWay[] = {O_WRONLY, O_RDONLY, O_RDONLY};
+  for (int stream = 0; stream < 3; ++stream) {
+    if (syscall(SYS_fcntl, stream, F_GETFD) >= 0) continue;
+    // The lowest free number is taken, which is this one.
+    syscall(SYS_openat, AT_FDCWD, "/dev/null", kWrongWay[stream]);
   }
 }
 
