@@ -46,6 +46,10 @@ int ClientSession::Login() {
   const bool isIn = IsIn(result);
   std::string text = m_message;
   if (text.empty() && !isIn) text = "The login failed with code " + std::to_string(result) + ".";
+  if (const std::string cause = GL_GetFailureCause(); !isIn && !cause.empty()) {
+    const std::size_t end = text.find_last_not_of("\t\n ");  // a tab may end the server's text
+    text = text.substr(0, end + 1) + "\nCause: " + cause;
+  }
   if (!text.empty() && !(isIn && Form().quiet)) Tell(text);
   return result;
 }

@@ -33,9 +33,6 @@ class NamingService {
   // Raises CORBA::OBJECT_NOT_EXIST when there is no such object, and what the call raises.
   void Reach();
 
-  // The root context at the address that answered last. Borrowed.
-  CosNaming::NamingContext_ptr Root() const { return m_roots[m_answering].in(); }
-
   // The caller owns the result. Raises what the call raises.
   CORBA::Object_ptr Resolve(const CosNaming::Name& name);
 
