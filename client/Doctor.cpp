@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 #include <iostream>
+#include <sstream>
 
 #include <unistd.h>
 
@@ -40,8 +41,6 @@ constexpr std::array kTlsAdvice{
         "ca FILE."},
     Advice{"it is self-signed",
            "Have the server's certificate signed by a CA, or add it to the file of --ca."},
-    Advice{"it would be in clear",
-           "Give the server a TLS endpoint, or unset ca and certificate here."},
 };
 
 // Of an ORB that does not start.
@@ -79,6 +78,16 @@ std::string AdviceFor(Reach reach, const std::string& host, const std::string& w
     default:
       return "Check that the host is up, and that a firewall lets the port through.";
   }
+}
+
+// The lines without those that contain `sign`.
+std::string Without(const std::string& lines, std::string_view sign) {
+  std::string result;
+  std::istringstream input(lines);
+  for (std::string line; std::getline(input, line);) {
+    if (line.find(sign) == std::string::npos) result += (result.empty() ? "" : "\n") + line;
+  }
+  return result;
 }
 
 std::string KindName(const CommandLine& line) {
@@ -299,7 +308,8 @@ bool Doctor::ExamineServer() {
         ORBCommon<1>::Get()->Bind(m_line.server, KindName(m_line), "UsersManager", true);
     return Good("server", "it answers");
   } catch (const CORBA::Exception& e) {
-    const std::string reasons = m_reasons.Take();
+    // A server with an endpoint for TLS may have one in clear beside it, which is not used.
+    const std::string reasons = Without(m_reasons.Take(), "it would be in clear");
     std::string advice = AdviceFor(kTlsAdvice, reasons);
     if (advice.empty() && dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&e) != nullptr) {
       advice =

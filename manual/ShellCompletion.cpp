@@ -8,7 +8,7 @@ namespace {
 
 // NAME_table PLACE fills commands, arguments, flags and values for the command at that place.
 // PROGRAM stands for the program's name.
-constexpr const char* kBash = R"(
+constexpr const char* kBash = R"sh(
 _PROGRAM_complete() {
   local current=${COMP_WORDS[COMP_CWORD]} place= value= word words i
   local commands arguments flags
@@ -38,9 +38,9 @@ _PROGRAM_complete() {
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
 }
 complete -F _PROGRAM_complete PROGRAM
-)";
+)sh";
 
-constexpr const char* kZsh = R"zsh(
+constexpr const char* kZsh = R"sh(
 _PROGRAM() {
   local place= value= word i
   local commands arguments flags
@@ -60,14 +60,16 @@ _PROGRAM() {
   case $value in
     FILE) _files ;;
     SITE) compadd -- ${(f)"$(PROGRAM config sites 2>/dev/null)"} ;;
-    *'|'*) compadd -- ${(s:|:)value} ;;
-    '') compadd -- ${=commands} ${=arguments} ${=flags} ;;
-  esac
-}
+    *'|'*) compadd -- ${(s:|:)value} ;
+;
+    '') compadd -- ${=commands} ${=arguments} ${=flags} ;
+    ;
+    esac
+    }
 _PROGRAM "$@"
-)zsh";
+)sh";
 
-constexpr const char* kFish = R"(
+constexpr const char* kFish = R"sh(
 function __PROGRAM_at
     set -l place PROGRAM
     set -l skip 0
@@ -83,7 +85,7 @@ function __PROGRAM_at
     test "$place" = "$argv[1]"
 end
 complete -c PROGRAM -f
-)";
+)sh";
 
 std::string Replace(std::string text, const std::string& from, const std::string& to) {
   for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {

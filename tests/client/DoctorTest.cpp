@@ -77,8 +77,9 @@ class DoctorTest : public ClientFixture {
   // Puts a reference into the naming service under the server's name.
   void Register(const std::vector<std::pair<std::string, int>>& addresses) {
     m_server.reset();
-    std::string option = "-ORBInitRef", reference = "NameService=" + m_naming.Reference();
-    char* arguments[] = {option.data(), option.data(), reference.data()};
+    std::string program = "test", option = "-ORBInitRef";
+    std::string reference = "NameService=" + m_naming.Reference();
+    char* arguments[] = {program.data(), option.data(), reference.data()};
     ASSERT_TRUE(ORBCommon<1>::Get()->InitCorba4Client(3, arguments, "Test"));
     CosNaming::Name name(1);
     name.length(1);
