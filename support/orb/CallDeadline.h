@@ -21,11 +21,11 @@ namespace vq {
 // and neither is a look-up of a host name, for which the system has its own limit.
 class VQ_SUPPORT_API CallDeadline {
  public:
-  using Clock = std::chrono::steady_clock;
+  using Clock = std::chrono::steady_clock;  // setting the system's time does not move it
 
   // From now on; zero and less mean that nothing is sent.
   explicit CallDeadline(Clock::duration limit);
-  explicit CallDeadline(Clock::time_point end);
+  explicit CallDeadline(Clock::time_point end);  // the same, from an instant
   ~CallDeadline();
   CallDeadline(const CallDeadline&) = delete;
   CallDeadline& operator=(const CallDeadline&) = delete;
