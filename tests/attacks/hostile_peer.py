@@ -364,13 +364,13 @@ class Peer:
                 connection.close()
 
     def read(self, connection, size):
-        data = b""
+        data = bytearray()
         while len(data) < size:
             piece = connection.recv(size - len(data))
             if not piece:
                 raise OSError("closed")
             data += piece
-        return data
+        return bytes(data)
 
     def serve_one(self, connection):
         """One message; whether the connection stays open."""
