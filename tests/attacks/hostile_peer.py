@@ -248,6 +248,25 @@ def forwarded(*names, status=FORWARD):
     return act
 
 
+def other_form(kind):
+    """NEEDS_ADDRESSING_MODE: the request is to be sent again, with another form of address."""
+    def act(call):
+        return call.send(call.reply(5, Out().short(kind).data))
+    return act
+
+
+def flood(kind, most=10):
+    """Messages for another request, as fast as they go."""
+    def act(call):
+        body = Out().long(call.id + 1001).long(0).long(0)
+        many = message(kind, body.data, call.version, 3 if kind == FRAGMENT else 1) * 200
+        end = time.monotonic() + most
+        while time.monotonic() < end:
+            call.send(many)
+        return False
+    return act
+
+
 def raw(data):
     def act(call):
         return call.send(data)

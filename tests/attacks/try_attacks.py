@@ -103,6 +103,9 @@ ROWS = [
     Row("the naming service forwards to itself", naming={"resolve": h.forwarded("naming")},
         results=(54,), limit=BINDINGS),
 
+    Row("a whole login under one deadline", profiles=("silent",), results=(54,), limit=1,
+        arguments=("--max-time", str(int(TIME_OUT)))),
+
     # It runs at most once.
     Row("closed after the request", {REGISTER: h.closed}, logged="COMM_FAILURE"),
     Row("reset after the request", {REGISTER: h.reset}, logged="COMM_FAILURE"),
@@ -122,6 +125,8 @@ ROWS = [
           second={REGISTER: act}, more={REGISTER: 1})
       for word, act in (("closes", h.closed), ("resets", h.reset),
                         ("raises TRANSIENT", h.raised("TRANSIENT", h.YES)))),
+    *(Row(f"another form of address, {word}", {REGISTER: act}, more={REGISTER: 1})
+      for word, act in (("for ever", h.other_form(2)), ("of no known kind", h.other_form(99)))),
     Row("forwarded to another", {REGISTER: h.forwarded("second")}, results=(1,),
         more={REGISTER: 1}),
     Row("several addresses, and the first closes", {REGISTER: h.closed},
@@ -150,6 +155,9 @@ ROWS = [
     Row("the last address is dead", profiles=("server", "dead"), results=(1,)),
 
     # Replies that make no sense.
+    *(lost(f"{word} without end", {REGISTER: h.flood(kind)}) for word, kind in (
+        ("replies to other requests", h.REPLY), ("LocateReplies", h.LOCATE_REPLY),
+        ("fragments of nothing", h.FRAGMENT))),
     Row("text in place of a reply", {REGISTER: h.raw(b"HTTP/1.1 400 Bad Request\r\n\r\n")},
         logged="COMM_FAILURE|MARSHAL"),
     Row("MessageError", {REGISTER: lambda call: call.send(h.message(h.ERROR, b"")) and False},
@@ -196,7 +204,22 @@ ROWS = [
     Row("TLS to the naming service where it has to be", tls="good", naming_tls="good",
         results=(1,), arguments=("-SSLEncryptLookups", "1")),
     Row("TLS to the naming service, too", tls="good", naming_tls="good", results=(1,)),
+    Row("TLS, and the first naming service is dead", root=("dead", "naming"), tls="good",
+        results=(1,)),
+    Row("TLS, and the second naming service is dead", root=("naming", "dead"), tls="good",
+        results=(1,)),
 ]
+# With bidirectional connections a thread of the ORB's reads.
+ROWS += [dataclasses.replace(row, name=f"{row.name}, bidirectional",
+                             arguments=("-BiDirPolicy", "1"))
+         for row in ROWS if row.name in {
+             "undisturbed", "no reply", "a reply byte by byte", "fragments without end",
+             "forwarded to itself", "closed after the request", "half a reply",
+             "CloseConnection for the first request", "CloseConnection for each request",
+             "closed while idle", "reset while idle", "CloseConnection while idle",
+             "TLS, closed while idle", "another form of address, for ever",
+             "another form of address, of no known kind",
+             "the first address is hole, the second is not"}]
 
 
 class Identities:
