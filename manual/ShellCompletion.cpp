@@ -40,7 +40,7 @@ _PROGRAM_complete() {
 complete -F _PROGRAM_complete PROGRAM
 )sh";
 
-constexpr const char* kZsh = R"sh(
+constexpr const char* kZsh = R"zsh(
 _PROGRAM() {
   local place= value= word i
   local commands arguments flags
@@ -60,14 +60,13 @@ _PROGRAM() {
   case $value in
     FILE) _files ;;
     SITE) compadd -- ${(f)"$(PROGRAM config sites 2>/dev/null)"} ;;
-    *'|'*) compadd -- ${(s:|:)value} ;
-;
-    '') compadd -- ${=commands} ${=arguments} ${=flags} ;
-    ;
-    esac
-    }
+    *'|'*) compadd -- ${(s:|:)value} ;;
+    '') compadd -- ${=commands} ${=arguments} ${=flags} ;;
+  esac
+}
+
 _PROGRAM "$@"
-)sh";
+)zsh";
 
 constexpr const char* kFish = R"sh(
 function __PROGRAM_at
