@@ -1,6 +1,29 @@
 # The three kinds of target of this tree, each by one function, so that flags, include paths and
 # warnings are the same everywhere.
 
+# vq_precompile(<target>)
+# For a target that includes the ORB's headers, which are two thirds of a compilation. A program is
+# compiled like the libraries, as the headers were; it is linked the same.
+function(vq_precompile target)
+  if(NOT VQ_PRECOMPILED)
+    return()
+  endif()
+  if(NOT TARGET vq_precompiled)
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/precompiled.cpp CONTENT "")
+    add_library(vq_precompiled OBJECT ${PROJECT_BINARY_DIR}/precompiled.cpp)
+    target_include_directories(vq_precompiled PRIVATE ${PROJECT_SOURCE_DIR})
+    target_link_libraries(vq_precompiled PRIVATE vq::orb_product vq_warnings)
+    target_precompile_headers(vq_precompiled PRIVATE <algorithm> <chrono> <functional> <map>
+      <memory> <optional> <string> <vector> <support/orb/Corba.h>)
+  endif()
+  target_precompile_headers(${target} REUSE_FROM vq_precompiled)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+    target_compile_options(${target} PRIVATE -fPIC)
+  endif()
+endfunction()
+
 # vq_add_support_library(<folder> SOURCES ... [HEADERS public...] [LINK targets...])
 # One static library a support folder, named vq_support_<folder>. HEADERS are installed because a
 # public header of the library needs them.
@@ -13,6 +36,9 @@ function(vq_add_support_library folder)
   foreach(header IN LISTS ARG_HEADERS)
     set_property(GLOBAL APPEND PROPERTY VQ_PUBLIC_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/${header})
   endforeach()
+  if(folder MATCHES "^(orb|grants)$")
+    vq_precompile(${target})
+  endif()
   set_property(GLOBAL APPEND PROPERTY VQ_SUPPORT_LIBRARIES ${target})
 endfunction()
 
@@ -28,6 +54,9 @@ function(vq_add_library_folder folder)
   foreach(header IN LISTS ARG_HEADERS)
     set_property(GLOBAL APPEND PROPERTY VQ_PUBLIC_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/${header})
   endforeach()
+  if(ARG_LINK MATCHES "vq_idl")
+    vq_precompile(${target})
+  endif()
   set_property(GLOBAL APPEND PROPERTY VQ_FOLDER_TARGETS ${target})
 endfunction()
 
@@ -40,6 +69,9 @@ function(vq_add_test name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gtest GTest::gmock GTest::gtest_main
     vq_warnings)
+  if(ARG_LINK MATCHES "client_common|fixture|remote_functions|simulator|orb|grants|idl")
+    vq_precompile(${name})
+  endif()
   add_test(NAME ${name} COMMAND ${name} ${ARG_ARGS})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 300)
