@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <support/orb/CallDeadline.h>
+#include <support/orb/CorbaText.h>
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaGlobalFuncs.h>
@@ -63,7 +64,6 @@ struct Session::State : std::enable_shared_from_this<State> {
   std::atomic<bool> lost = false;
   std::atomic<bool> ended = false;
   std::jthread thread;
-
   mutable std::mutex messageLock;
   std::string message;
 
@@ -96,9 +96,14 @@ void Session::State::Begin() {
     }
     theOne = weak_from_this();
   }
+  std::optional<CallDeadline> deadline;  // also of the logout after a failure
+  if (options.deadline.count() > 0) deadline.emplace(options.deadline);
   try {
     LogIn();
     if (options.keepAlive.count() > 0) StartThread();
+  } catch (const CORBA::Exception& e) {
+    End();
+    throw LoginError(LoginResult::kFailed, "The login failed.", orb::ExceptionText(e));
   } catch (...) {
     End();
     throw;
@@ -114,8 +119,6 @@ void Session::State::Begin() {
 }
 
 void Session::State::LogIn() {
-  std::optional<CallDeadline> deadline;
-  if (options.deadline.count() > 0) deadline.emplace(options.deadline);
   startedOrb = !ORBCommon<1>::Get()->IsInitialized();
   std::string text;
   result = static_cast<LoginResult>(CallLogin(text));
@@ -131,9 +134,7 @@ void Session::State::LogIn() {
   }
   if (finished != LoginResult::kSuccess) {
     if (Message().empty()) SetMessage("The login failed.");
-    const LoginError error(finished, Message(), GL_GetFailureCause());
-    End();  // within the deadline
-    throw error;
+    throw LoginError(finished, Message(), GL_GetFailureCause());
   }
   authorizations.reset(
       session::CopyUserAuthorizations(*LoginHandler::GetGlobal()->GetUserAuthorizations()),

@@ -8,7 +8,6 @@
 //     if (session.Authorizations()->IsAlertsAccessAllowed(UPDATE_ACCESS)) ...
 //   } catch (const vq::LoginError& e) {
 //     std::cerr << e.what() << '\n' << e.Cause() << '\n';
-//     return e.Code();
 //   }
 //
 // It makes the calls of GL_Login, GL_PostLogin and GL_LogOut (GlobalFuncs.h), and those functions
