@@ -35,11 +35,11 @@ namespace vq {
 
 // Each has an initializer, so that a program may leave out any of them without a warning.
 struct SessionOptions {
-  std::string server{};  // its name in the naming service
-  SERVER_ID kind = E_GSR;
-  CLIENT_ID client = CLIENT_CLI;
-  std::string user{};
-  SecretString password{};
+  std::string server{};                    // its name in the naming service
+  SERVER_ID kind = E_GSR;                  // its kind there
+  CLIENT_ID client = CLIENT_CLI;           // which program this is
+  std::string user{};                      // left to `credentials` if empty
+  SecretString password{};                 // likewise
   CredentialSource credentials = nullptr;  // called when the password is empty
   // Called when the password has expired, with the server's message: returns the new one, or an
   // empty one to give up.
