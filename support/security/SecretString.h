@@ -29,6 +29,7 @@ VQ_SUPPORT_API void Wipe(std::string& text) noexcept;
 class VQ_SUPPORT_API SecretString {
  public:
   SecretString() = default;
+  // A copy of `text`, which the caller wipes.
   explicit SecretString(std::string_view text) : m_text(text) {}
   ~SecretString() { Wipe(m_text); }
 

@@ -48,8 +48,9 @@ class VQ_CLIENT_COMMON_API LoginError : public std::runtime_error {
         m_result(result),
         m_cause(std::move(cause)) {}
 
+  // By name, and as a number; a code of the server's own keeps its number.
   LoginResult Result() const { return m_result; }
-  int Code() const { return CodeOf(m_result); }  // a code of the server's own keeps its number
+  int Code() const { return CodeOf(m_result); }
   // One line for an administrator, such as "connection refused at host:port"; may be empty.
   const std::string& Cause() const { return m_cause; }
 
