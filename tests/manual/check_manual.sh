@@ -42,9 +42,9 @@ if command -v fish >/dev/null; then
   in_fish() { # LINE: what fish offers for the end of it
     HOME=$(mktemp -d) fish --no-config -c "source '$pages.fish'; complete -C '$1'" | cut -f1 | xargs
   }
-  expected=GAS
-  line="$name $([ "$name" = vqclient ] && echo login) --kind GA"
-  [ "$(in_fish "$line")" = "$expected" ] || fault "fish offers '$(in_fish "$line")' for '$line'"
+  line="$name --kind GA"
+  [ "$name" != vqclient ] || line='vqclient login --kind GA'
+  [ "$(in_fish "$line")" = GAS ] || fault "fish offers '$(in_fish "$line")' for '$line'"
   if [ "$name" = vqclient ]; then
     line='vqclient auth --server central ch'
     [ "$(in_fish "$line")" = check ] || fault "fish offers '$(in_fish "$line")' for '$line'"
@@ -72,8 +72,8 @@ offers() { # EXPECTED WORD...
 }
 offers 'GSR GAS' $([ "$name" = vqclient ] && echo login) --kind G
 if [ "$name" = vqclient ]; then
-  offers 'session' se
-  offers 'session' --json se
+  offers 'session' ses
+  offers 'session' --json ses
   offers 'check' auth --server check ch # the server's name is no command
   offers '--interval' session --in
   offers '' login --int
