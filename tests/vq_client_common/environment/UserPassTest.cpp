@@ -58,7 +58,7 @@ TEST(UserPassTest, InitCompletesWhatIsGivenOrTellsWhyNot) {
                {"", "p", "user=f\npassword=g", "c\n", 6, "/p", {}},
                {"u", "p", "user=f\npassword=g", {}, 7, "u/p", {}}};
   const vq::test::TemporaryDirectory directory;
-  TDiag::Instance()->SetModuleLevel("PasswordFile", 1);
+  TDiag::Instance()->SetModuleLevel("PasswordFile", 0);
   for (const auto& [user, password, file, console, status, after, lines] : cases) {
     const StandardInput input(console);
     UserPass credentials(user, password, *file != '\0' ? PrivateFile(directory, file) : "");
