@@ -19,7 +19,7 @@ namespace vq::orb {
 
 // Thread contract: a plain value.
 struct ReferenceAddress {
-  std::string host;
+  std::string host;  // as the reference has it: a name or a number
   std::string port;  // decimal; "0" for an object that listens for TLS only
 };
 
@@ -35,10 +35,10 @@ AddressFault AddressOfText(std::string_view ior, ReferenceAddress& address);
 
 // One place where an object listens. Thread contract: a plain value.
 struct ReferenceEndpoint {
-  std::string host;
-  int port = 0;
-  bool tls = false;
-  int profile = 0;  // counted from 0; this system's ORB products use those of the first one
+  std::string host;  // a name, or an address without brackets
+  int port = 0;      // 0 to 65535
+  bool tls = false;  // whether the port expects TLS
+  int profile = 0;   // counted from 0
 };
 
 // All endpoints that a reference names, in its order; empty when it names none that can be read.

@@ -23,8 +23,8 @@ namespace vq {
 
 // Thread contract of these: plain values.
 struct StoredSetting {
-  std::string scope;
-  std::string name;
+  std::string scope;  // such as "default" or "GUI"
+  std::string name;   // such as "-ORBCallTimeout"
   std::string value;  // may be empty
   std::string file;   // the layer's
 };
@@ -32,6 +32,7 @@ struct StoredSetting {
 // kOwn is the user's layer; for root and in set-user-ID programs it is the host's.
 enum class SettingsLayer { kOwn, kHost };
 
+// What StoreSetting did.
 struct StoreResult {
   std::string file;   // the one that was changed
   std::string error;  // why it was not; empty after a success
