@@ -49,12 +49,14 @@ std::string HelpText(const std::vector<Command>& commands) {
                      "\n\nOptions:\n" + Rows(program);
   for (const Command& command : commands) {
     if (&command == &program || (!command.commands.empty() && command.options.empty())) continue;
-    text += '\n' + Usage(command) + ":\n" + Sentence(command.description) + "\n\n" + Rows(command);
+    text +=
+        '\n' + Usage(command) + ":\n  " + Sentence(command.description) + "\n\n" + Rows(command);
   }
   constexpr std::string_view kHeading = "Exit codes: ";
   std::string_view footer = program.footer;
-  if (footer.starts_with(kHeading)) footer.remove_prefix(kHeading.size());
-  return text + "\nExit status:\n" + std::string(footer) + '\n';
+  const std::size_t codes = footer.find(kHeading);
+  if (codes != std::string_view::npos) footer.remove_prefix(codes + kHeading.size());
+  return text + "\nExit status:\n  " + std::string(footer) + '\n';
 }
 
 }  // namespace vq::manual
