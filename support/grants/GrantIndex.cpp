@@ -111,7 +111,7 @@ std::vector<const GrantIndex::Terms*> GrantIndex::MayFit(const QCSObject& object
   }
   // A part that the value repeats is found each time.
   std::ranges::sort(found);
-  found.erase(std::ranges::unique(found).begin(), found.end());
+  found.erase(std::unique(found.begin(), found.end()), found.end());
   return found;
 }
 
