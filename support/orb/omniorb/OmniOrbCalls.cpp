@@ -48,8 +48,6 @@ using CommFailure = omni::giopStream::CommFailure;
 // Bounds for one call, against a peer that closes each connection or forwards in circles.
 constexpr int kMostConnections = 16;
 constexpr int kMostForwards = 8;
-// A server may ask once for the same request with a different form of address.
-constexpr int kMostSends = 2;
 
 // Written before the ORB starts, read by calls.
 struct Limits {
@@ -65,7 +63,7 @@ struct Call {
   CORBA::ULong refusal = 0;  // why nothing may be sent any more, as a minor code
   int connections = 0;
   int forwards = 0;
-  int sends = 0;  // on the present connection
+  bool otherForm = false;  // of address was asked for, on the present connection
   bool closedInOrder = false;
   bool repeat = false;  // since that, and nobody has done so yet
   bool reverted = false;
@@ -200,10 +198,13 @@ CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T&
   return true;
 }
 
-// A server that asks for another form of address is sent the same request over the same connection.
-CORBA::Boolean CountSend(omniInterceptors::clientSendRequest_T::info_T& info) {
-  if (info.giop_c.calldescriptor() != call.descriptor) return true;  // a call back to a client
-  if (++call.sends > kMostSends) Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
+// A server may ask once for the same request with another form of address. Where the ORB's thread
+// reads, omniORB ends the process rather than wait for a second reply.
+CORBA::Boolean RefuseOtherForm(omniInterceptors::clientReceiveReply_T::info_T& info) {
+  if (info.giop_c.replyStatus() != GIOP::NEEDS_ADDRESSING_MODE) return true;
+  if (info.giop_c.strand().isBiDir() || std::exchange(call.otherForm, true)) {
+    Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
+  }
   return true;
 }
 
@@ -219,7 +220,7 @@ class CheckedRope : public Base {
       Begin(*descriptor);
     }
     if (call.refusal != 0) Fail(call.refusal, CORBA::COMPLETED_MAYBE);
-    call.sends = 0;
+    call.otherForm = false;
     call.repeat = false;
     omni_time_t now = Now();
     const omni_time_t connectEnd = std::min(call.end, now + ToOmni(limits.connect));
@@ -377,7 +378,7 @@ void OmniOrbCalls::Install(const OrbSettings& settings) {
   omniInterceptors& interceptors = *omniORB::getInterceptors();
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);
-  interceptors.clientSendRequest.add(CountSend);
+  interceptors.clientReceiveReply.add(RefuseOtherForm);
 }
 
 }  // namespace vq::orb
