@@ -153,6 +153,7 @@ ROWS = [
     *(lost(f"the first naming service is {word}, the second is not", {}, root=(word, "naming"),
            results=(1,)) for word in ("dead", "hole", "silent")),
     Row("the last address is dead", profiles=("server", "dead"), results=(1,)),
+    Row("the alternates do not resolve", alternates=["unknown"] * 50, results=(1,)),
 
     # Replies that make no sense.
     *(lost(f"{word} without end", {REGISTER: h.flood(kind)}) for word, kind in (
@@ -270,7 +271,8 @@ class World:
         dead.bind(("127.0.0.1", 0))
         places = {name: peer.place for name, peer in self.peers.items()}
         places |= {"hole": hole.place, "silent": (*silent.getsockname(), False),
-                   "dead": (*dead.getsockname(), False)}
+                   "dead": (*dead.getsockname(), False),
+                   "unknown": ("no-such-host.invalid", 1, False)}
         for peer in self.peers.values():
             peer.places = places
             self.stack.enter_context(peer)

@@ -58,8 +58,9 @@ std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
   options.emplace_back("offerBiDirectionalGIOP", settings.biDirectional ? "1" : "0");
   options.emplace_back("clientTransportRule",
                        settings.tls.IsOn() ? "* ssl,tcp,bidir" : "* unix,tcp,ssl,bidir");
-  // A certificate is compared with the name that was asked for, which must not be resolved before.
-  options.emplace_back("resolveNamesForTransportRules", settings.tls.IsOn() ? "0" : "1");
+  // Each name is resolved when it is its turn to be connected to: a certificate is compared with
+  // the name that was asked for, and a name that does not resolve costs no other address.
+  options.emplace_back("resolveNamesForTransportRules", "0");
   options.emplace_back("connectionWatchImmediate", "1");
   // A client is called back rarely: a connection that is idle has no thread of its own, an idle
   // thread ends after a second, and connections that are to be closed are looked for every second.
