@@ -62,14 +62,16 @@ constexpr std::array kReasons{
 };
 
 // Why a handshake fails, by OpenSSL's error or by the alert that the peer sent.
+constexpr std::string_view kNoVersion =
+    "it offers no TLS version that is accepted: 1.2 and, unless -BiDirPolicy is 1, later ones";
 constexpr std::array kErrors{
     Reason{SSL_R_WRONG_VERSION_NUMBER, "it does not speak TLS at this port"},
-    Reason{SSL_R_UNSUPPORTED_PROTOCOL, "it offers no TLS version that is accepted, 1.2 and later"},
+    Reason{SSL_R_UNSUPPORTED_PROTOCOL, kNoVersion},
     Reason{SSL_R_UNEXPECTED_EOF_WHILE_READING, "it closed the connection"},
 };
 constexpr std::string_view kWantsCertificate = "it requires a certificate; set -SSLCertificate";
 constexpr std::array kAlerts{
-    Reason{SSL_AD_PROTOCOL_VERSION, "it offers no TLS version that is accepted, 1.2 and later"},
+    Reason{SSL_AD_PROTOCOL_VERSION, kNoVersion},
     Reason{SSL_AD_CERTIFICATE_REQUIRED, kWantsCertificate},
     Reason{SSL_AD_UNKNOWN_CA, "it does not trust the CA of -SSLCertificate"},
     Reason{SSL_AD_CERTIFICATE_EXPIRED, "the certificate of -SSLCertificate has expired"},
@@ -257,6 +259,10 @@ int NoPassPhrase(char*, int, int, void*) {
 }
 
 }  // namespace
+
+void ForbidMessagesAfterHandshake(SSL_CTX& context) {
+  SSL_CTX_set_max_proto_version(&context, TLS1_2_VERSION);
+}
 
 void CheckTls(const OrbSettings& settings) {
   const TlsSettings& tls = settings.tls;

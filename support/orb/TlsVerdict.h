@@ -26,6 +26,11 @@ void CheckTls(const OrbSettings& settings);
 // pass phrase, and a key that is not the certificate's. Safe on any thread, as everything here.
 void ConfigureTls(SSL_CTX& context, const TlsSettings& settings);
 
+// Allows TLS 1.2 only. TLS 1.3 has messages of its own after the handshake. A thread of the ORB's
+// would read them while the caller's writes the first request, which OpenSSL does not allow: such
+// requests got lost.
+void ForbidMessagesAfterHandshake(SSL_CTX& context);
+
 // Logs at level 1 what the settings leave unverified, and who may pose as whom then.
 void WarnOfWeakVerification(const TlsSettings& settings);
 

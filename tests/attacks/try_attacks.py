@@ -193,6 +193,10 @@ ROWS = [
     Row("TLS, closed while idle", {ALIVE: [h.then(h.answered, h.closed, 0.2)]}, tls="good",
         results=(1, 1, 1, 1), keep_alives=2),
     Row("TLS 1.1", tls="TLS 1.1", results=(54,), logged="L1 TLS: .*no TLS version"),
+    Row("TLS 1.3", tls="TLS 1.3", results=(1,)),
+    # A thread of the ORB's would read its session tickets while another writes.
+    Row("TLS 1.3, and bidirectional", tls="TLS 1.3", results=(54,),
+        arguments=("-BiDirPolicy", "1"), logged="L1 TLS: .*no TLS version"),
     Row("TLS 1.2, and the server requires a certificate", tls="strict 1.2", results=(54,),
         logged="L1 TLS: .*requires a certificate"),
     Row("TLS 1.3, and the server requires a certificate", tls="strict", results=(54,)),
@@ -231,7 +235,7 @@ class Identities:
         self.make("ca")
         self.make("server", "-CA", "ca.pem", "-CAkey", "ca.key", "-addext",
                   "basicConstraints=critical,CA:FALSE", "-addext", "subjectAltName=IP:127.0.0.1")
-        for name in ("good", "strict", "strict 1.2", "TLS 1.1"):
+        for name in ("good", "strict", "strict 1.2", "TLS 1.1", "TLS 1.3"):
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
             context.load_cert_chain(work / "server.pem", work / "server.key")
             if name.startswith("strict"):
@@ -239,6 +243,8 @@ class Identities:
                 context.load_verify_locations(work / "ca.pem")
             if name.endswith("1.2"):
                 context.maximum_version = ssl.TLSVersion.TLSv1_2
+            if name == "TLS 1.3":
+                context.minimum_version = ssl.TLSVersion.TLSv1_3
             if name == "TLS 1.1":
                 context.set_ciphers("ALL:@SECLEVEL=0")
                 warnings.simplefilter("ignore", DeprecationWarning)

@@ -35,7 +35,7 @@ class Context : public sslContext {
     update_verify_mode(TlsVerifyMode(tlsInForce), -1, Judge);
   }
 #endif
-  const SSL_CTX* Get() const {
+  SSL_CTX* Get() const {
     return get_SSL_CTX();
   }
 
@@ -74,7 +74,7 @@ void OmniOrbSslContext::Remove() {
   delete std::exchange(sslContext::singleton, nullptr);
 }
 
-const SSL_CTX* OmniOrbSslContext::Current() {
+SSL_CTX* OmniOrbSslContext::Current() {
   const auto* const context = dynamic_cast<const Context*>(sslContext::singleton);
   return context != nullptr ? context->Get() : nullptr;
 }

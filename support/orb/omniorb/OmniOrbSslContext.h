@@ -29,7 +29,7 @@ class OmniOrbSslContext {
   static void Remove();
 
   // Null when TLS is off. Borrowed.
-  static const SSL_CTX* Current();
+  static SSL_CTX* Current();
 };
 
 }  // namespace vq::orb

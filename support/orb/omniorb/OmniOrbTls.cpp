@@ -195,6 +195,11 @@ void OmniOrbTls::Guard(CORBA::ORB_ptr orb, const OrbSettings& settings) {
   }
 }
 
+void OmniOrbTls::ForbidMessagesAfterHandshake() {
+  SSL_CTX* const context = OmniOrbSslContext::Current();
+  if (context != nullptr) vq::orb::ForbidMessagesAfterHandshake(*context);
+}
+
 std::optional<std::chrono::sys_seconds> OmniOrbTls::CertificateExpiry() {
   const SSL_CTX* const context = OmniOrbSslContext::Current();
   if (context == nullptr) return std::nullopt;

@@ -18,8 +18,9 @@
 
 namespace vq::orb {
 
-// Thread contract: Prepare, Guard and Abandon by the thread that starts the ORB; CertificateExpiry
-// by any thread while the ORB is up.
+// Thread contract: Prepare, Guard and Abandon by the thread that starts the ORB;
+// ForbidMessagesAfterHandshake while no call is under way; CertificateExpiry by any thread while
+// the ORB is up.
 class OmniOrbTls {
  public:
   // Checks the settings and gives omniORB a context of them; with TLS off OpenSSL is not touched.
@@ -32,6 +33,10 @@ class OmniOrbTls {
   // Refuses unencrypted requests from here on, if TLS is on: they raise CORBA::INV_POLICY, and
   // FailureCause.h has the reason.
   static void Guard(CORBA::ORB_ptr orb, const OrbSettings& settings);
+
+  // For connections that take calls, if TLS is on: from here on, until the ORB ends, they are made
+  // with TLS 1.2.
+  static void ForbidMessagesAfterHandshake();
 
   // Nothing when TLS is off or there is no own certificate.
   static std::optional<std::chrono::sys_seconds> CertificateExpiry();

@@ -86,7 +86,10 @@ TlsSettings OmniOrbTransport::Tls() {
 }
 
 void OmniOrbTransport::OfferAsLastUser() const {
-  if (!m_users.empty()) OfferBiDirectional(m_users.back().biDirectional);
+  if (m_users.empty()) return;
+  const bool biDirectional = m_users.back().biDirectional;
+  OfferBiDirectional(biDirectional);
+  if (biDirectional) OmniOrbTls::ForbidMessagesAfterHandshake();
 }
 
 CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,

@@ -56,10 +56,7 @@ void TaoTls::Prepare(const OrbSettings& settings) {
   SSL_CTX& context = *ace.context();
   SSL_CTX_set_cert_store(&context, X509_STORE_new());  // authorities of an earlier start
   ConfigureTls(context, settings.tls);
-  // TLS 1.3 has messages of its own after the handshake. A thread of the ORB's would read them
-  // while the caller's writes the first request, which OpenSSL does not allow: such requests got
-  // lost.
-  SSL_CTX_set_max_proto_version(&context, TLS1_2_VERSION);
+  ForbidMessagesAfterHandshake(context);
   SSL_CTX_set_info_callback(&context, TellHostName);
   SSL_CTX_set_cert_cb(&context, ChooseCertificate, nullptr);
   SSL_CTX_set_cert_verify_callback(&context, Verify, nullptr);
