@@ -220,11 +220,13 @@ ROWS += [dataclasses.replace(row, name=f"{row.name}, bidirectional",
          for row in ROWS if row.name in {
              "undisturbed", "no reply", "a reply byte by byte", "fragments without end",
              "forwarded to itself", "closed after the request", "half a reply",
-             "CloseConnection for the first request", "CloseConnection for each request",
-             "closed while idle", "reset while idle", "CloseConnection while idle",
-             "TLS, closed while idle", "another form of address, for ever",
-             "another form of address, of no known kind",
+             "CloseConnection for each request", "closed while idle", "reset while idle",
+             "CloseConnection while idle", "TLS, closed while idle",
+             "another form of address, for ever", "another form of address, of no known kind",
              "the first address is hole, the second is not"}]
+# That thread does not tell the caller that the server closed in order.
+ROWS += [Row("CloseConnection for the first request, bidirectional", {REGISTER: [h.close_orderly]},
+             logged="COMM_FAILURE", arguments=("-BiDirPolicy", "1"))]
 
 
 class Identities:
