@@ -26,6 +26,8 @@ TYPES = {"UsersManager": "IDL:QCSCorbaUsersManager:1.0",
 REQUEST, REPLY, LOCATE_REQUEST, LOCATE_REPLY, CLOSE, ERROR, FRAGMENT = 0, 1, 3, 4, 5, 6, 7
 NO_EXCEPTION, USER_EXCEPTION, SYSTEM_EXCEPTION, FORWARD = range(4)
 YES, NO, MAYBE = range(3)
+CODE_SETS = 1  # the service context with the code sets of what is sent, and the component of those offered
+LATIN1, UTF8 = 0x00010001, 0x05010001
 
 
 class Out:
@@ -104,6 +106,10 @@ class In:
     def text(self):
         return self.octets()[:-1].decode("latin1")
 
+    def contexts(self):
+        """The service contexts of a request: id -> content."""
+        return {self.long(): self.octets() for _ in range(self.long())}
+
 
 def message(kind, body, version=2, flags=1, size=None):
     return (b"GIOP" + bytes((1, version, flags, kind)) +
@@ -118,8 +124,7 @@ class Call:
         read = In(bytes(12) + body, little)  # positions count from the message's beginning
         read.at = 12
         if version < 2:
-            for _ in range(read.long()):
-                read.long(), read.octets()
+            contexts = read.contexts()
             self.id = read.long()
             read.octet()
             read.octets()
@@ -137,10 +142,12 @@ class Call:
                     read.long()
                 read.octets()
             self.operation = read.text()
-            for _ in range(read.long()):
-                read.long(), read.octets()
+            contexts = read.contexts()
             read.at += -read.at % 8
         self.arguments = read
+        if CODE_SETS in contexts:  # once a connection, for all that follows on it
+            content = contexts[CODE_SETS]
+            peer.code_sets[connection] = In(content[4:], content[0]).long()
 
     def reply(self, status=NO_EXCEPTION, body=b"", version=None):
         """The reply as bytes, not yet sent."""
@@ -281,6 +288,14 @@ def announcing(size):
     return act
 
 
+def offering(native, *others):
+    """A component of a reference: the code sets of characters that its server takes."""
+    body = Out().octet(1).long(native).long(len(others))
+    for other in others:
+        body.long(other)
+    return CODE_SETS, body.long(0).long(0)
+
+
 def giving(*values):
     """A reply with other results: numbers and texts, in order."""
     def act(call):
@@ -330,7 +345,9 @@ class Peer:
         self.places = {}   # of forwarded()
         self.refer = None  # kind -> the reference that resolve() gives; by default to the peer itself
         self.received, self.unencrypted = collections.Counter(), collections.Counter()
+        self.user = None  # who registered: the bytes, and their code set
         self.connections, self.bytes = 0, bytearray()
+        self.code_sets = {}  # connection -> the code set of its characters, once a client has named it
         self.lock, self.ended, self.open = threading.Lock(), threading.Event(), []
         self.listener = socket.create_server((host, port), backlog=128)
         self.place = (*self.listener.getsockname()[:2], tls is not None)
@@ -433,6 +450,7 @@ class Peer:
         elif operation == "CRB_AquireChallenge":
             body.long(1).text("first").text("second")
         elif operation == "CRB_Register":  # no messages of the day
+            self.user = call.arguments.octets()[:-1], self.code_sets.get(call.connection)
             body.long(1).long(0).text("").text("token-1").text("dbo")
         elif operation == "CRB_GetMyAuthorizationsFromMemory":
             body.reference("Authorization", [self.place])

@@ -49,6 +49,9 @@ class Row:
     naming_tls: str = ""
     arguments: tuple = ()
     keep_alives: int = 0  # more than 0: a session
+    user: bytes = b"alice"
+    offered: tuple = ()  # components of the server's reference
+    code_set: object = None  # that the user's name has to arrive in
     tao: dict = dataclasses.field(default_factory=dict)  # the fields that differ with TAO
 
 
@@ -69,6 +72,14 @@ BINDINGS = 3  # that a login tries: for two parameters and for the registration
 ROWS = [
     Row("undisturbed", results=(1,)),
     Row("an undisturbed session", results=(1, 1, 1, 1), keep_alives=2),
+
+    # Names arrive as the bytes that they are, whatever code sets a server takes. With TAO no code
+    # set is named.
+    *(Row(f"code sets: {user!r} to {' and '.join(map(hex, sets)) or 'none'}", results=(1,),
+          user=user, offered=(h.offering(*sets),) if sets else (),
+          code_set=sets[0] if sets else None, tao={"code_set": None})
+      for user in ("\u0142\u00e9".encode(), b"ren\xe9")
+      for sets in ((), (h.UTF8,), (h.UTF8, h.LATIN1), (h.LATIN1, h.UTF8), (h.LATIN1,))),
 
     # It ends.
     lost("no reply", {REGISTER: h.silent}, logged="TIMEOUT"),
@@ -285,7 +296,7 @@ class World:
             peer.places = places
             self.stack.enter_context(peer)
         self.naming.refer = lambda kind: h.Out().reference(
-            kind, [places[name] for name in row.profiles],
+            kind, [places[name] for name in row.profiles], row.offered,
             alternates=[places[name] for name in row.alternates])
         protocol = "ssliop:" if row.naming_tls else ":"
         self.root = "corbaloc:" + ",".join(
@@ -300,7 +311,7 @@ class World:
         words = [client, "--json", "-v"]
         words += (["session", "-i", "1", "-c", str(row.keep_alives)] if row.keep_alives
                   else ["login"])
-        words += ["-s", "central", "-f", work / "password", "-ORBInitRef",
+        words += ["-s", "central", "-f", work / f"password-{row.user.hex()}", "-ORBInitRef",
                   f"NameService={self.root}/NameService", "-ORBConnectTimeout",
                   str(int(TIME_OUT * 1000)), "-ORBCallTimeout", str(int(TIME_OUT * 1000)),
                   "-ORBListenEndpoints", "iiop://127.0.0.1:", *row.arguments]
@@ -338,6 +349,8 @@ class World:
                 yield f"{operation} received {count} times, not {least} to {most}"
         if row.results[0] == 1 and not self.registered_and_ended():
             yield "the session was not ended at the server"
+        if row.results[0] == 1 and self.server.user not in (None, (row.user, row.code_set)):
+            yield f"the user arrives as {self.server.user}"
         if row.tls:
             for name, peer in self.peers.items():
                 if clear := {op for op, count in peer.unencrypted.items() if count} - LOOK_UPS:
@@ -367,8 +380,10 @@ def main(product, client, *names):
         (work / "config").mkdir()
         (work / "locale.ini").touch()
         (work / "installed-products.ini").write_text("[NFT]\nversion = 8.0.05\npatches =\n")
-        (work / "password").touch(0o600)
-        (work / "password").write_text(f"user=alice\npassword={PASSWORD}\n")
+        for user in {row.user for row in rows}:
+            file = work / f"password-{user.hex()}"
+            file.touch(0o600)
+            file.write_bytes(b"user=%s\npassword=%s\n" % (user, PASSWORD.encode()))
         identities = Identities(work)
 
         def attempt(row):

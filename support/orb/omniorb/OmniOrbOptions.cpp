@@ -1,5 +1,7 @@
 #include <support/orb/omniorb/OmniOrbOptions.h>
 
+#include <support/orb/omniorb/OmniOrbCodeSet.h>
+
 namespace vq::orb {
 namespace {
 
@@ -51,6 +53,7 @@ std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
       {"giopMaxMsgSize", std::to_string(settings.maxMessageSize)},
       // A first call goes out as it is, without a message that asks whether the object is there.
       {"verifyObjectExistsAndType", "0"},
+      {"nativeCharCodeSet", OmniOrbCodeSet::kName},
   };
   AddEndpoints(settings, options);
   // Whether connections are offered for calls back decides for each reference when it is made, so

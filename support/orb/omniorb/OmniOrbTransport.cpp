@@ -10,6 +10,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/omniorb/OmniOrbCalls.h>
+#include <support/orb/omniorb/OmniOrbCodeSet.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
@@ -115,6 +116,7 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
   int count = static_cast<int>(pointers.size());
   pointers.push_back(nullptr);
   OmniOrbTls::Prepare(settings);
+  OmniOrbCodeSet::Install();
   try {
     CORBA::ORB_var orb = CORBA::ORB_init(count, pointers.data(), "omniORB4", table.get());
     OmniOrbCalls::Install(settings);

@@ -151,6 +151,7 @@ TEST(OmniOrbOptionsTest, TranslatesEverySetting) {
       {"", "clientCallTimeOutPeriod", "60000"},
       {"", "giopMaxMsgSize", "268435456"},
       {"", "verifyObjectExistsAndType", "0"},
+      {"", "nativeCharCodeSet", "VQ-BYTES"},
       {"", "offerBiDirectionalGIOP", "0"},
       {"", "clientTransportRule", "* unix,tcp,ssl,bidir"},
       {"", "InitRef", ""},
