@@ -16,8 +16,8 @@
 //
 //   namespace { TDiagRegister diagModule("LoginHandler"); }
 //
-//   int LoginHandler::Login(...) {
-//     TDiagFunc diag(diagModule, "LoginHandler::Login");   // logs "Enter" at level 6
+//   void ResetTimeout(int timeOut) {
+//     TDiagFunc diag(diagModule, "ResetTimeout");   // logs "Enter" at level 6
 //     VQ_LOG(diag, 4) << "Resetting timeout to: " << timeOut;
 //   }
 //

@@ -10,7 +10,7 @@
 //   calendars.UserAuthFromCORBA(snapshot->m_CalendarsUserAccess, true);
 //   calendars.GroupAuthFromCORBA(snapshot->m_CalendarsGroupAccess, true);
 //   QCSObject calendar;
-//   calendar.SetAttribute("NAME", "HOLIDAYS");
+//   calendar.SetAttribute("CALENDAR", "HOLIDAYS");
 //   if (calendars.IsAuthorized(calendar, UPDATE_ACCESS)) ...
 //
 // The grants are indexed when they are loaded; a question does not try them one by one.

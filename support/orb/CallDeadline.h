@@ -1,7 +1,9 @@
 // One deadline for several remote calls, such as those of a whole login.
 //
 //   vq::CallDeadline deadline(std::chrono::seconds(5));
-//   const int code = GL_Login(user, password, server, 600, message, CLIENT_GUI, 0, argc, argv);
+//   std::string message;
+//   const int code = GL_Login(user, password, "central", 600, message, CLIENT_GUI, E_GSR, argc,
+//                             argv);
 //
 // Every remote call that the thread makes inside the scope ends by then at the latest: what is left
 // of the time replaces a longer -ORBCallTimeout. A call that begins when the time is over is not

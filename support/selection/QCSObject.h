@@ -4,7 +4,7 @@
 // texts that its criteria speak of:
 //
 //   QCSObject table;
-//   table.SetAttribute("NAME", "PAYROLL_DAILY");
+//   table.SetAttribute("TABLE", "PAYROLL_DAILY");
 //   table.SetAttribute("DATACENTER", "PROD");
 //   if (authorizations->IsSchedTblAccessAllowed(table, UPDATE_ACCESS)) ...
 //

@@ -3,7 +3,9 @@
 //
 //   QCSGuiAuthActJobsDef jobs;
 //   vq::SelectionParseError error;
-//   if (jobs.Parse("OWNER = 'ops'", error) && jobs.DoesItFit(job, false)) ...
+//   QCSObject job;
+//   job.SetAttribute("OWNER", "ops");
+//   if (jobs.Parse("OWNER = 'ops'", error) && jobs.DoesItFit(job, false)) Show("fits");
 #ifndef VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H
 #define VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H
 

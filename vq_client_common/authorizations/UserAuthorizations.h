@@ -7,11 +7,11 @@
 // a call to the server.
 //
 //   const UserAuthorizations* may = UserAuthorizations::Get();
-//   if (may->IsAlertsAccessAllowed(UPDATE_ACCESS)) ...      // a privilege
-//   if (may->IsCalendarsAccessAllowed()) ...                // any grant on calendars?
+//   if (may->IsAlertsAccessAllowed(UPDATE_ACCESS)) Show("alerts");    // a privilege
+//   if (may->IsCalendarsAccessAllowed()) Show("calendars");              // any grant on calendars?
 //   QCSObject calendar;
-//   calendar.SetAttribute("NAME", "HOLIDAYS");
-//   if (may->IsCalendarAccessAllowed(calendar, BROWSE_ACCESS)) ...   // on this one
+//   calendar.SetAttribute("CALENDAR", "HOLIDAYS");
+//   if (may->IsCalendarAccessAllowed(calendar, BROWSE_ACCESS)) Show("HOLIDAYS");   // on this one
 #ifndef VQ_CLIENT_COMMON_AUTHORIZATIONS_USERAUTHORIZATIONS_H
 #define VQ_CLIENT_COMMON_AUTHORIZATIONS_USERAUTHORIZATIONS_H
 

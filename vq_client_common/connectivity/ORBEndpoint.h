@@ -8,6 +8,8 @@
 //   hostname_in_ior=h   publish h in references instead of the address listened on
 //   reuse_addr=0|1      whether a port that was in use a moment ago may be taken again
 //
+// For example:
+//
 //   ORBEndpoint endpoint("iiop://host:5000/ssl_port=5001");
 //   endpoint.setHostInIOR("10.0.0.1", true);
 //   endpoint.toString();  // "iiop://:5000/ssl_port=5001&hostname_in_ior=10.0.0.1&reuse_addr=0"

@@ -8,7 +8,8 @@
 // or fourteen characters, "YYYYMMDDHHMM" and two more.
 //
 //   TDC berlin;
-//   if (TDC::ConvertQCSCommAdminStructToTDC(record, berlin)) Redraw(berlin);
+//   QCSCommAdminStruct record;   // as the server sent it
+//   if (TDC::ConvertQCSCommAdminStructToTDC(record, berlin)) Show(berlin.GetName());
 //   std::string synonym;
 //   TDC::ConvertToTimeSynonymStatic("0700", "0200", synonym);  // true, "2600"
 #ifndef VQ_CLIENT_COMMON_DATACENTERS_TDC_H

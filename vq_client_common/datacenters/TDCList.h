@@ -1,5 +1,6 @@
 // The data centers that a client knows, by name.
 //
+//   TDC berlin;
 //   DataCenters.Add(berlin);
 //   std::string err;
 //   if (DataCenters.IsValid("PARIS", err) == 0) Show(err);
@@ -7,12 +8,12 @@
 //   // A walk: the first record through its position, the others through GetNextDC.
 //   TDCList::Position position = DataCenters.GetFirstDCPosition();
 //   const TDCList::Position end = DataCenters.GetEndDCPosition();
-//   if (position != end) Show(position->second);
+//   if (position != end) Show(position->second.GetName());
 //   TDC dc;
 //   for (;;) {
 //     DataCenters.GetNextDC(position, dc);
 //     if (position == end) break;
-//     Show(dc);
+//     Show(dc.GetName());
 //   }
 #ifndef VQ_CLIENT_COMMON_DATACENTERS_TDCLIST_H
 #define VQ_CLIENT_COMMON_DATACENTERS_TDCLIST_H

@@ -4,13 +4,16 @@
 // decides which of these may be combined, fills in what is missing from the file or the console,
 // and tells in words what went wrong. It logs nobody in.
 //
+//   const CmdParser* const parser = CmdParser::Get();
 //   UserPass credentials(parser->param("USER", "U"), "", "");
 //   while (!credentials.Init()) {                      // asks for the password on the console
 //     std::cerr << credentials.GetStatStr() << '\n';
 //     if (!credentials.isCorrectable()) return 1;
-//     ...
+//     /* ... */
 //   }
-//   GL_Login(..., credentials.GetUsername(), credentials.GetPassword(), ...);
+//   std::string message;
+//   GL_Login(credentials.GetUsername(), credentials.GetPassword(), "central", 600, message,
+//            CLIENT_CLI, E_GSR, argc, argv);
 //
 // A password file has lines `user=...` and `password=...`; blank lines and lines that begin with
 // "#" say nothing. It is read only if it is a regular file (not a link to one) that belongs to the

@@ -1,10 +1,9 @@
 // Two helpers for clients that read XML with Xerces themselves. Xerces must be started for as long
 // as their objects live (ClientProperties::Get starts it).
 //
-//   std::cerr << StrX(exception.getMessage()).localForm();
+//   const XMLCh name[] = {'v', 'q', 0};
+//   std::cerr << StrX(name).localForm();
 //   const VqNodeFilter filter(xercesc::DOMNode::ELEMENT_NODE, "server", false);
-//   auto* walker = document->createTreeWalker(root, xercesc::DOMNodeFilter::SHOW_ALL,
-//                                             const_cast<VqNodeFilter*>(&filter), true);
 #ifndef VQ_CLIENT_COMMON_ENVIRONMENT_XMLHELPERS_H
 #define VQ_CLIENT_COMMON_ENVIRONMENT_XMLHELPERS_H
 

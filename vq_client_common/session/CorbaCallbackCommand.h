@@ -1,7 +1,7 @@
 // Work that arrives by a callback from a server and is carried out by the client program.
 //
 //   class RefreshJobs : public CorbaCallbackCommand {
-//     void Execute() override { ... }
+//     void Execute() override { Show("jobs have changed"); }
 //   };
 #ifndef VQ_CLIENT_COMMON_SESSION_CORBACALLBACKCOMMAND_H
 #define VQ_CLIENT_COMMON_SESSION_CORBACALLBACKCOMMAND_H

@@ -1,8 +1,10 @@
 // The one way to a server object.
 //
+//   #include <vq_idl/UsersManagerC.h>   // the type that is asked for
+//
 //   QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
 //   if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, E_GSR, true) == 1) {
-//     users->CRB_ClientKeepAlive(userId);
+//     users->CRB_ClientKeepAlive(ConnectionSettings::Get()->GetUserID().c_str());
 //   }
 //
 // The reference is borrowed from the process's cache: the caller neither releases it nor keeps it

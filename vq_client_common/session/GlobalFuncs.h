@@ -4,8 +4,13 @@
 //   int code = GL_Login(user, password, "central", 600, message, CLIENT_CLI, E_GSR, argc, argv);
 //   if (code == 1 || code == 50) code = GL_PostLogin(message);
 //   while (working) {
-//     ...
-//     GL_ClientKeepAlive();   // well within the session's time-out
+//     /* ... */
+//     try {
+//       GL_ClientKeepAlive();   // well within the session's time-out
+//     } catch (BaseLoginEx& e) {
+//       Show(e.handle());       // the session is lost
+//       break;
+//     }
 //   }
 //   GL_LogOut(true);
 //   exit_vqclient_common();   // once, at the very end of the process
@@ -31,7 +36,8 @@
 // `argv` are the process's command line, read for -ORB options when the ORB is not up yet; `argv`
 // may be null when `argc` is 0. `message` receives the text for the user; it is left as it was when
 // the machine has no host or account name. On 1 and 50 the session is connected. The ORB stays up
-// after a failure, and a repeated call takes it as it is.
+// after a failure, and a repeated call takes it as it is. Call GL_LogOut(false) after a failure and
+// before the next login.
 VQ_CLIENT_COMMON_API int GL_Login(const std::string& user, const std::string& password,
                                   const std::string& server, unsigned int timeOut,
                                   std::string& message, CLIENT_ID clientId, SERVER_ID serverId,
@@ -44,7 +50,8 @@ VQ_CLIENT_COMMON_API int GL_Login(const std::string& user, const std::string& pa
 VQ_CLIENT_COMMON_API std::string GL_GetFailureCause();
 
 // Brings the session's ORB up, if it is not. GL_Login does it in any case; a client may do it
-// earlier. True when the ORB is up. The ORB is named after the client ID of ConnectionSettings.
+// earlier. True when the ORB is up. The ORB is named after the client ID of ConnectionSettings:
+// without ConnectionSettings::SetClientID before, it is that of a pure client without a name.
 VQ_CLIENT_COMMON_API bool GL_InitializeCORBA(int argc, char** argv);
 
 // Finishes a login that gave 1 or 50: loads authorizations, tells the session's time-out, sets the

@@ -6,9 +6,11 @@
 //   try {
 //     LoginHandler::GetGlobal()->ClientKeepAlive();
 //   } catch (BaseLoginEx& e) {
-//     show(e.handle());               // logs the reason at level 1 and returns it
+//     Show(e.handle());               // logs the reason at level 1 and returns it
 //     return e.GetReturnCode();
 //   }
+//
+// The classes:
 //
 //   Class           Return code   Raised when
 //   BadOrbixCfgEx   55            the ORB cannot be brought up

@@ -10,7 +10,7 @@
 //   std::string message;
 //   int code = GL_Login("alice", password, "central", 600, message, CLIENT_CLI, E_GSR, argc, argv);
 //   if (code == 1 || code == 50) code = GL_PostLogin(message);
-//   ...
+//   /* ... */
 //   GL_LogOut(true);
 #ifndef VQ_CLIENT_COMMON_SESSION_LOGINHANDLER_H
 #define VQ_CLIENT_COMMON_SESSION_LOGINHANDLER_H

@@ -1,7 +1,8 @@
 // The results of the session's functions by name, and the exception of those that raise one.
 //
-//   int code = GL_Login(...);
-//   if (code == vq::CodeOf(vq::LoginResult::kPasswordExpired)) AskForNewPassword();
+//   std::string message;
+//   int code = GL_Login(user, password, "central", 600, message, CLIENT_CLI, E_GSR, argc, argv);
+//   if (code == vq::CodeOf(vq::LoginResult::kPasswordExpired)) Show("A new password, please.");
 #ifndef VQ_CLIENT_COMMON_SESSION_LOGINRESULT_H
 #define VQ_CLIENT_COMMON_SESSION_LOGINRESULT_H
 

@@ -4,7 +4,7 @@
 //   if (CheckPasswordValidity(newPassword, message) == 1) {
 //     int result = SetUserPassword(newPassword, false);
 //   } else {
-//     show(message);
+//     Show(message);
 //   }
 //
 // The rules are parameters of the central server, section "general", read anew at each check.

@@ -1,11 +1,12 @@
 // A session with the central server: logged in when it is made, logged out when it goes.
 //
 //   try {
-//     vq::Session session({.server = "central", .user = "alice",
-//                          .credentials = vq::AskForPassword(), .orbArguments = {argv, argv +
-//                          argc}});
+//     vq::Session session({.server = "central",
+//                          .user = "alice",
+//                          .credentials = vq::AskForPassword(),
+//                          .orbArguments = {argv, argv + argc}});
 //     std::cout << session.Parameter("Language").value_or("not set") << '\n';
-//     if (session.Authorizations()->IsAlertsAccessAllowed(UPDATE_ACCESS)) ...
+//     if (session.Authorizations()->IsAlertsAccessAllowed(UPDATE_ACCESS)) Show("alerts");
 //   } catch (const vq::LoginError& e) {
 //     std::cerr << e.what() << '\n' << e.Cause() << '\n';
 //   }

@@ -1,7 +1,7 @@
 // Settings that the central server holds for its clients, addressed by section and name.
 //
 //   std::string value;
-//   if (GetSystemParameter("Language", value, "general", E_GSR)) ...
+//   if (GetSystemParameter("Language", value, "general", E_GSR)) Show(value);
 //
 // Every call asks the server; nothing is kept. A read that fails never fails the client's
 // operation: each function says what it then assumes.

@@ -1,8 +1,10 @@
 // Exceptions for client programs; the library itself raises neither.
 //
-//   throw VQBaseException(__FILE__, __LINE__, "The job is locked.", 12, 3, severity, true);
-//   ...
-//   catch (VQBaseException& e) { e.handle(); }   // prints it and raises it again
+//   try {
+//     throw VQBaseException(__FILE__, __LINE__, "The job is locked.", 12, 3, SEVERITY(1), true);
+//   } catch (VQBaseException& e) {   // not const: handle and print change it
+//     e.handle();                    // prints it and raises it again
+//   }
 #ifndef VQ_CLIENT_COMMON_SESSION_VQBASEEXCEPTION_H
 #define VQ_CLIENT_COMMON_SESSION_VQBASEEXCEPTION_H
 

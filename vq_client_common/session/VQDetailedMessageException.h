@@ -1,6 +1,6 @@
 // A VQBaseException with a second, longer text.
 //
-//   throw VQDetailedMessageException(__FILE__, __LINE__, "The job is locked.", 12, 3, severity,
+//   throw VQDetailedMessageException(__FILE__, __LINE__, "The job is locked.", 12, 3, SEVERITY(1),
 //                                    true, "Locked by alice since 10:20.");
 #ifndef VQ_CLIENT_COMMON_SESSION_VQDETAILEDMESSAGEEXCEPTION_H
 #define VQ_CLIENT_COMMON_SESSION_VQDETAILEDMESSAGEEXCEPTION_H

@@ -11,10 +11,12 @@
 //   ReleaseBuffer(-1)  leaves the length alone, whatever zero bytes the text holds
 //   Format             keeps 999 bytes
 //
+// For example:
+//
 //   BaseString text("  T1/T2\r\n");
 //   text.Trim();
 //   if (text.Find('/') >= 0) text += "/T3";
-//   Use(text.c_str());                          // "T1/T2/T3"
+//   Show(text.c_str());                        // "T1/T2/T3"
 //
 // Positions and counts are 32-bit signed. A search gives -1 when nothing is found, or only behind
 // the first 2 GB. `const char*` arguments are texts that end at their first zero byte; a null one

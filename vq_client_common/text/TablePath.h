@@ -3,7 +3,7 @@
 // Tables nest. A *table path* is the names from the outermost table to the innermost, joined by the
 // separator "/". No character is escaped, so a name must not hold a separator.
 //
-//   std::string path;
+//   std::string path, left, right;
 //   AppendToTablePath("T1", "T2", path);        // "T1/T2"
 //   SplitLeftMost("T1/T2/T3", left, right);     // "T1", "T2/T3"
 //   SplitRightMost("T1/T2/T3", left, right);    // "T1/T2", "T3"

@@ -7,8 +7,9 @@
 // marks* are two texts YYYYMMDD between which a data center's clock is an hour ahead. NO_TIME marks
 // a time that is absent; it passes through conversions and shows as an empty text.
 //
+//   QCSCommAdminSeq records;   // as the server sent them
 //   ForecastTimesManipulationMP times;
-//   times.Init(os_time_and_date::now(), true, &records, true);   // records as the server sent them
+//   times.Init(os_time_and_date::now(), true, &records, true);
 //   times.ConvertTimeToString(1719817200, "DC1");                // "(+1)07:00:00", say
 //
 // One zone is kept for each distinct combination of time-zone text and summer marks, for the life
