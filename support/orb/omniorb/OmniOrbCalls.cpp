@@ -1,18 +1,11 @@
 #include <support/orb/omniorb/OmniOrbCalls.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <cstdint>
 #include <cstring>
 #include <mutex>
 #include <type_traits>
 #include <utility>
-
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <poll.h>
-#include <sys/socket.h>
 
 // These build on each other in this order.
 // clang-format off
@@ -34,6 +27,7 @@
 // clang-format on
 
 #include <support/orb/CallDeadline.h>
+#include <support/orb/PeerSocket.h>
 
 namespace vq::orb {
 namespace {
@@ -120,29 +114,13 @@ bool IsTls(const giopStrand& strand) {
   return std::strcmp(strand.address->type(), "giop:ssl") == 0;
 }
 
-// Whether the next bytes of a connection announce its end. They may as well be a call.
-bool BeginsWithClose(int socket, bool tls) {
-  std::array<unsigned char, 12> next{};
-  const ssize_t length = ::recv(socket, next.data(), next.size(), MSG_PEEK | MSG_DONTWAIT);
-  if (length < static_cast<ssize_t>(next.size())) return false;
-  if (!tls) return std::memcmp(next.data(), "GIOP", 4) == 0 && next[7] == GIOP::CloseConnection;
-  // An alert, which TLS 1.3 hides among the data: its size tells, since no message is so short.
-  constexpr int kAlert = 21;
-  constexpr int kData = 23;
-  constexpr int kHiddenAlertSize = 19;
-  return next[0] == kAlert || (next[0] == kData && next[3] == 0 && next[4] == kHiddenAlertSize);
-}
-
 // Whether the peer has closed an idle connection or lost it. On one that takes no calls nothing is
 // due to arrive, so whatever has arrived announces its end or is of no use.
 bool IsDead(const giopStrand& strand, bool takesCalls) {
   const int socket = Socket(*strand.connection);
   if (socket < 0) return false;
   if (!takesCalls && strand.head != nullptr) return true;
-  pollfd events{socket, POLLIN | POLLRDHUP, 0};
-  if (::poll(&events, 1, 0) <= 0) return false;
-  if (!takesCalls || (events.revents & ~POLLIN) != 0) return true;
-  return BeginsWithClose(socket, IsTls(strand));
+  return vq::orb::IsDead(socket, IsTls(strand), takesCalls);
 }
 
 // Whether the server closed the connection in order. omniORB does not read the message that says so
@@ -178,23 +156,8 @@ void NoteEnd(GIOP_C& attempt) {
   call.refusal = omni::COMM_FAILURE_WaitingForReply;
 }
 
-// The system probes a peer that is silent for so long, and gives it up after three probes.
 CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T& info) {
-  const int socket = Socket(*info.giop_c.strand().connection);
-  const auto set = [socket](int level, int name, std::int64_t value) {
-    const int number = static_cast<int>(value);
-    ::setsockopt(socket, level, name, &number, sizeof number);
-  };
-  if (limits.keepAlive.count() > 0) {
-    const auto seconds = std::chrono::ceil<std::chrono::seconds>(limits.keepAlive).count();
-    set(SOL_SOCKET, SO_KEEPALIVE, 1);
-    set(IPPROTO_TCP, TCP_KEEPIDLE, seconds);
-    set(IPPROTO_TCP, TCP_KEEPINTVL, (seconds + 2) / 3);
-    set(IPPROTO_TCP, TCP_KEEPCNT, 3);
-  }
-  if (limits.unacknowledged.count() > 0) {
-    set(IPPROTO_TCP, TCP_USER_TIMEOUT, limits.unacknowledged.count());
-  }
+  WatchPeer(Socket(*info.giop_c.strand().connection), limits.keepAlive, limits.unacknowledged);
   return true;
 }
 

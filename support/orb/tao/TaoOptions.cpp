@@ -6,7 +6,12 @@ namespace vq::orb {
 namespace {
 
 // Lines of the service configuration's language.
-std::vector<std::string> LoadTls(const TlsSettings& tls) {
+std::vector<std::string> LoadProtocol(const TlsSettings& tls) {
+  if (!tls.IsOn()) {
+    const std::string protocol = kProtocol;
+    return {"static " + protocol + " \"\"",
+            "static Resource_Factory \"-ORBProtocolFactory " + protocol + "\""};
+  }
   const std::string protocol = kTlsProtocol;
   const std::string mode = tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE";
   return {
@@ -55,10 +60,8 @@ std::vector<std::string> TaoArguments(const OrbSettings& settings) {
                       "static Client_Strategy_Factory \"-ORBClientConnectionHandler RW "
                       "-ORBTransportMuxStrategy EXCLUSIVE\""});
   }
-  if (settings.tls.IsOn()) {
-    for (const std::string& directive : LoadTls(settings.tls)) {
-      arguments.insert(arguments.end(), {"-ORBSvcConfDirective", directive});
-    }
+  for (const std::string& directive : LoadProtocol(settings.tls)) {
+    arguments.insert(arguments.end(), {"-ORBSvcConfDirective", directive});
   }
   for (const std::string& ref : settings.initialRefs) {
     arguments.insert(arguments.end(), {"-ORBInitRef", ref});

@@ -17,7 +17,9 @@
 
 namespace vq::orb {
 
-// The name of the TLS protocol (TaoTlsProtocol.h) among TAO's services.
+// The names of the protocols among TAO's services: IIOP (TaoConnector.h) and TLS
+// (TaoTlsProtocol.h).
+inline constexpr char kProtocol[] = "VQ_IIOP_Factory";
 inline constexpr char kTlsProtocol[] = "VQ_SSLIOP_Factory";
 
 // What ORB_init gets, each option before its value.

@@ -4,10 +4,13 @@
 #include <atomic>
 #include <csignal>
 #include <exception>
+#include <mutex>
 #include <string_view>
+#include <utility>
 
+#include <ace/Log_Category.h>
 #include <ace/Log_Msg.h>
-#include <ace/Log_Msg_Callback.h>
+#include <ace/Log_Msg_Backend.h>
 #include <ace/Log_Record.h>
 #include <tao/Messaging/Messaging.h>
 #include <tao/ORB_Core.h>
@@ -18,8 +21,8 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/tao/TaoConnector.h>
 #include <support/orb/tao/TaoOptions.h>
-#include <support/orb/tao/TaoReplyCheck.h>
 
 namespace vq::orb {
 namespace {
@@ -30,24 +33,81 @@ TDiagRegister diagModule("ORB");
 // passwords.
 constexpr unsigned kTraceOn = 2;
 
-// Takes ACE's lines, which would go to standard error.
-class LogLines : public ACE_Log_Msg_Callback {
+// Takes ACE's lines in place of stderr.
+class LogLines : public ACE_Log_Msg_Backend {
  public:
-  void log(ACE_Log_Record& record) override {
+  int open(const ACE_TCHAR*) override { return 0; }
+  int reset() override { return 0; }
+  int close() override { return 0; }
+  ssize_t log(ACE_Log_Record& record) override {
     std::string_view line(record.msg_data());
     while (!line.empty() && line.back() == '\n') line.remove_suffix(1);
-    if (!line.empty()) VQ_LOG(diagModule, TAO_debug_level > 0 ? 6 : 2) << line;
+    if (!line.empty()) VQ_LOG(diagModule, 6) << line;
+    return static_cast<ssize_t>(line.size());
   }
 };
 
-// ACE keeps where its lines go for each thread.
-void LogHere() {
-  static auto* const lines = new LogLines;
-  ACE_Log_Msg* const log = ACE_Log_Msg::instance();
-  log->clr_flags(ACE_Log_Msg::STDERR | ACE_Log_Msg::LOGGER);
-  log->set_flags(ACE_Log_Msg::MSG_CALLBACK);
-  log->msg_callback(lines);
-}
+// ACE's log while ORBs of ours are up, and as it was found when the last of them has ended.
+class AceLog {
+ public:
+  static void Take() {
+    AceLog& log = Instance();
+    const std::lock_guard lock(log.m_mutex);
+    if (log.m_users++ > 0) return;
+    log.m_isTraced = diagModule.IsActive(TDiag::kTrace);
+    log.m_debugLevel = TAO_debug_level;
+    if (log.m_isTraced) {
+      log.Redirect();
+    } else if (TAO_debug_level == 0) {  // Otherwise the application wants to see what TAO does.
+      log.Silence();
+    }
+  }
+
+  static void Return() {
+    AceLog& log = Instance();
+    const std::lock_guard lock(log.m_mutex);
+    if (--log.m_users > 0) return;
+    if (log.m_isTraced) {
+      TAO_debug_level = log.m_debugLevel;
+      ACE_Log_Msg* const ace = ACE_Log_Msg::instance();
+      ace->clr_flags(ACE_Log_Msg::CUSTOM);
+      ace->set_flags(log.m_flags);
+      ACE_Log_Msg::msg_backend(log.m_backend);
+    }
+    for (const auto& [category, mask] : log.m_masks) category->priority_mask(mask);
+    log.m_masks.clear();
+  }
+
+ private:
+  static AceLog& Instance() {
+    static auto* const log = new AceLog;
+    return *log;
+  }
+
+  void Redirect() {
+    static auto* const lines = new LogLines;
+    TAO_debug_level = kTraceOn;
+    ACE_Log_Msg* const ace = ACE_Log_Msg::instance();
+    m_flags = ace->flags();
+    m_backend = ACE_Log_Msg::msg_backend(lines);
+    ace->clr_flags(ACE_Log_Msg::STDERR | ACE_Log_Msg::LOGGER);
+    ace->set_flags(ACE_Log_Msg::CUSTOM);
+  }
+
+  void Silence() {
+    for (ACE_Log_Category* category : {&ACE_Log_Category::ace_lib(), &TAO_log_category}) {
+      m_masks.emplace_back(category, category->priority_mask(0));
+    }
+  }
+
+  std::mutex m_mutex;
+  int m_users = 0;
+  bool m_isTraced = false;
+  unsigned m_debugLevel = 0;
+  u_long m_flags = 0;
+  ACE_Log_Msg_Backend* m_backend = nullptr;
+  std::vector<std::pair<ACE_Log_Category*, u_long>> m_masks;
+};
 
 void Release(CORBA::PolicyList& policies) {
   for (CORBA::ULong i = 0; i < policies.length(); ++i) policies[i]->destroy();
@@ -71,9 +131,9 @@ class SignalsBlocked {
 
 }  // namespace
 
-CORBA::ORB_ptr StartTao(const std::string& name, std::vector<std::string> arguments) {
-  LogHere();
-  TAO_debug_level = diagModule.IsActive(TDiag::kTrace) ? kTraceOn : 0;
+CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
+                        std::vector<std::string> arguments) {
+  RegisterProtocol();
   // ORB_init takes what it knows out of its argument vector.
   arguments.insert(arguments.begin(), "vq");
   std::vector<char*> pointers;
@@ -83,9 +143,24 @@ CORBA::ORB_ptr StartTao(const std::string& name, std::vector<std::string> argume
   // An ORB of the same name may still be ending, and would be returned.
   static std::atomic<int> number = 0;
   const std::string id = name + "/" + std::to_string(++number);
-  CORBA::ORB_var orb = CORBA::ORB_init(count, pointers.data(), id.c_str());
-  CheckReplies(orb.in());
-  return orb._retn();
+  const ConnectionSettings scope(settings);
+  AceLog::Take();
+  try {
+    return CORBA::ORB_init(count, pointers.data(), id.c_str());
+  } catch (const CORBA::Exception&) {
+    AceLog::Return();
+    throw;
+  }
+}
+
+void EndTao(CORBA::ORB_ptr orb) {
+  try {
+    orb->destroy();
+  } catch (const CORBA::Exception&) {
+    AceLog::Return();
+    throw;
+  }
+  AceLog::Return();
 }
 
 void IgnoreOfferedConnections(CORBA::ORB_ptr orb) {
@@ -132,7 +207,7 @@ struct TaoThreads::Shared {
   void Leave(CORBA::ORB_ptr orb) {
     if (--users > 0 || !destroys) return;
     try {
-      orb->destroy();
+      EndTao(orb);
     } catch (const CORBA::Exception& e) {
       VQ_LOG(diagModule, 1) << "The ORB does not end in order: " << e;
     }
@@ -145,7 +220,6 @@ void TaoThreads::Start(CORBA::ORB_ptr orb, int count) {
   m_shared->users = count;
   for (int i = 0; i < count; ++i) {
     m_threads.emplace_back([own = CORBA::ORB_var(CORBA::ORB::_duplicate(orb)), shared = m_shared] {
-      LogHere();
       try {
         own->run();
       } catch (const CORBA::BAD_INV_ORDER&) {  // The ORB ended before this thread was there.
@@ -174,7 +248,7 @@ void TaoThreads::End(CORBA::ORB_ptr orb, bool wait) {
   if (later) {
     m_shared->Leave(orb);
   } else {
-    orb->destroy();
+    EndTao(orb);
   }
 }
 

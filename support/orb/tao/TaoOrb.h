@@ -15,11 +15,19 @@
 #include <vector>
 
 #include <support/orb/Corba.h>
+#include <support/orb/OrbSettings.h>
 
 namespace vq::orb {
 
 // Initialises an ORB, whatever others of that name the process has. Raises CORBA::SystemException.
-CORBA::ORB_ptr StartTao(const std::string& name, std::vector<std::string> arguments);
+// Until the last of them ends, TAO and ACE write no log of their own: it would go to stderr. The
+// application's ACE log is not touched, unless this system's own trace is on, which takes over all
+// of ACE's log meanwhile.
+CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
+                        std::vector<std::string> arguments);
+
+// Destroys it. Raises CORBA::SystemException.
+void EndTao(CORBA::ORB_ptr orb);
 
 // Keeps this ORB from calls over connections that others opened to it. Without that an ORB of TAO's
 // believes whoever connects to it which server is at the other end, once the process has the
@@ -37,8 +45,7 @@ CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
 // The same object under that policy, which ends here. The caller owns the result.
 CORBA::Object_ptr WithPolicy(CORBA::Object_ptr object, CORBA::Policy_ptr policy);
 
-// The threads that take calls for one ORB. What TAO reports on them and on the thread that started
-// the ORB goes to the log.
+// The threads that take calls for one ORB.
 //
 // Thread contract: one thread at a time, which may be one of these threads.
 class TaoThreads {

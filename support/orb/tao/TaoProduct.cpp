@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <support/diagnostics/TDiag.h>
+#include <support/orb/tao/TaoCalls.h>
 #include <support/orb/tao/TaoOptions.h>
 #include <support/orb/tao/TaoOrb.h>
 #include <support/orb/tao/TaoTls.h>
@@ -27,7 +28,7 @@ constexpr int kPool = 4;
 // TAO takes messages of any size.
 void WarnOfMessageSize(const OrbSettings& settings) {
   for (const ResolvedSetting& setting : settings.table) {
-    if (setting.name != "-ORBMaxMessageSize" || setting.origin == SettingOrigin::kBuiltIn) continue;
+    if (setting.name != "-ORBMaxMessageSize" || setting.origin == "built in") continue;
     VQ_LOG(diagModule, 2) << "The setting -ORBMaxMessageSize has no effect with TAO, which takes "
                           << "messages of any size";
   }
@@ -41,13 +42,14 @@ CORBA::ORB_ptr Start(const std::string& name, const OrbSettings& settings,
   all.insert(all.end(), arguments.begin(), arguments.end());
   TaoTls::Prepare(settings);
   WarnOfMessageSize(settings);
-  CORBA::ORB_var orb = StartTao(name, all);
+  CORBA::ORB_var orb = StartTao(name, settings, all);
+  CheckCalls(orb.in(), Unencrypted::kLookUps);
   if (!settings.biDirectional) IgnoreOfferedConnections(orb.in());
   try {
     LimitCalls(orb.in(), settings.connectTimeout, settings.callTimeout);
     TaoTls::AllowNaming(orb.in(), settings);
   } catch (const CORBA::Exception&) {
-    orb->destroy();
+    EndTao(orb.in());
     throw;
   }
   return orb._retn();
@@ -120,6 +122,12 @@ class TaoInstance : public OrbInstance {
     // TAO would ask by multicast who is one.
     if (!m_namingIsConfigured) throw CORBA::ORB::InvalidName();
     return m_orb->resolve_initial_references("NameService");
+  }
+
+  CORBA::Object_ptr NamingServiceAt(const std::string& reference) override {
+    CORBA::Object_var naming = m_orb->string_to_object(reference.c_str());
+    if (m_settings.tls.encryptLookups) return naming._retn();
+    return TaoTls::ForLookUps(naming.in());
   }
 
   PortableServer::POA_ptr ChildPoa() override {

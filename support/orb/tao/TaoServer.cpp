@@ -1,5 +1,6 @@
 #include <support/orb/OrbServer.h>
 
+#include <support/orb/tao/TaoCalls.h>
 #include <support/orb/tao/TaoOptions.h>
 #include <support/orb/tao/TaoOrb.h>
 #include <support/orb/tao/TaoTls.h>
@@ -47,7 +48,8 @@ std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
   const std::vector<std::string> own = TaoArguments(settings);
   arguments.insert(arguments.end(), own.begin(), own.end());
   arguments.insert(arguments.end(), options.rest.begin(), options.rest.end());
-  auto server = std::make_unique<TaoServer>(StartTao("server", std::move(arguments)));
+  auto server = std::make_unique<TaoServer>(StartTao("server", settings, std::move(arguments)));
+  CheckCalls(server->Orb(), Unencrypted::kAnyCall);  // it enters its names
   if (!settings.biDirectional) IgnoreOfferedConnections(server->Orb());
   LimitCalls(server->Orb(), kUsualLimit, kUsualLimit);
   TaoTls::AllowNaming(server->Orb(), settings);
@@ -62,8 +64,8 @@ CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseco
 }
 
 CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time) {
-  const CORBA::Object_var inClear = TaoTls::InClear(context);
-  return WithCallLimit(inClear.in(), time);
+  const CORBA::Object_var asked = TaoTls::ForLookUps(context);
+  return WithCallLimit(asked.in(), time);
 }
 
 }  // namespace vq::orb

@@ -1,9 +1,13 @@
 #include <support/orb/tao/TaoTls.h>
 
+#include <algorithm>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/ReferenceAddress.h>
 #include <support/orb/TlsVerdict.h>
 #include <support/orb/tao/TaoOrb.h>
 
@@ -43,6 +47,12 @@ int Verify(X509_STORE_CTX* context, void*) {
   return X509_verify_cert(context);
 }
 
+bool OffersTls(CORBA::Object_ptr object) {
+  const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(object);
+  return std::any_of(endpoints.begin(), endpoints.end(),
+                     [](const ReferenceEndpoint& endpoint) { return endpoint.tls; });
+}
+
 }  // namespace
 
 void TaoTls::Prepare(const OrbSettings& settings) {
@@ -56,24 +66,34 @@ void TaoTls::Prepare(const OrbSettings& settings) {
   SSL_CTX& context = *ace.context();
   SSL_CTX_set_cert_store(&context, X509_STORE_new());  // authorities of an earlier start
   ConfigureTls(context, settings.tls);
-  ForbidMessagesAfterHandshake(context);
-  SSL_CTX_set_info_callback(&context, TellHostName);
+  SSL_CTX_set_max_proto_version(&context, 0);  // as OpenSSL has it, whatever an earlier start set
+  if (settings.biDirectional) ForbidMessagesAfterHandshake(context);
+  SSL_CTX_set_info_callback(&context, FollowConnection);
   SSL_CTX_set_cert_cb(&context, ChooseCertificate, nullptr);
   SSL_CTX_set_cert_verify_callback(&context, Verify, nullptr);
 }
 
 void TaoTls::AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
-  if (!settings.tls.IsOn() || settings.tls.encryptLookups) return;
+  if (!settings.tls.IsOn()) return;
+  ForgetNaming();
+  if (settings.tls.encryptLookups) return;
   try {
+    const std::vector<std::string> references = NamingReferences(settings);
+    for (const std::string& reference : references) {
+      const CORBA::Object_var naming = orb->string_to_object(reference.c_str());
+      if (!OffersTls(naming.in())) AddNaming(naming.in());
+    }
+    if (references.size() != 1) return;
     const CORBA::Object_var naming = orb->resolve_initial_references("NameService");
-    const CORBA::Object_var inClear = InClear(naming.in());
-    orb->register_initial_reference("NameService", inClear.in());
+    const CORBA::Object_var asked = ForLookUps(naming.in());
+    orb->register_initial_reference("NameService", asked.in());
   } catch (const CORBA::Exception& e) {  // Its first use tells.
-    VQ_LOG(diagModule, 4) << "The naming service is not asked in clear: " << e;
+    VQ_LOG(diagModule, 4) << "The naming service is not asked unencrypted: " << e;
   }
 }
 
-CORBA::Object_ptr TaoTls::InClear(CORBA::Object_ptr object) {
+CORBA::Object_ptr TaoTls::ForLookUps(CORBA::Object_ptr object) {
+  if (OffersTls(object)) return CORBA::Object::_duplicate(object);
   const CORBA::ORB_var orb = object->_get_orb();
   CORBA::Any value;
   value <<= Security::SecQOPNoProtection;
@@ -104,8 +124,8 @@ void TaoTls::Prepare(const OrbSettings& settings) {
 
 void TaoTls::AllowNaming(CORBA::ORB_ptr, const OrbSettings&) {}
 
-CORBA::Object_ptr TaoTls::InClear(CORBA::Object_ptr object) {
-  return CORBA::Object::_duplicate(object);
+CORBA::Object_ptr TaoTls::ForLookUps(CORBA::Object_ptr naming) {
+  return CORBA::Object::_duplicate(naming);
 }
 
 std::optional<std::chrono::sys_seconds> TaoTls::CertificateExpiry(const OrbSettings&) {

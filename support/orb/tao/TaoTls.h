@@ -7,11 +7,11 @@
 // TLS is a library of TAO's own (SSLIOP), which a site may have built it without. ACE has one
 // context a process: its settings are those of the ORB that started last.
 //
-// TLS is 1.2: version 1.3 does not go with TAO's threads.
+// With bidirectional IIOP TLS is 1.2: version 1.3 does not go with TAO's threads there.
 //
-// With TLS on, servers are called over TLS alone: TAO refuses a reference that offers none. Only
-// the naming service, whose programs mostly have no TLS, is asked in clear: it tells addresses, and
-// a server at a wrong one has no certificate that is believed.
+// With TLS on, nothing but look-ups goes unencrypted, and only to the naming service, where its
+// reference offers no TLS: it tells addresses, and a server at a wrong one has no certificate that
+// is trusted.
 #ifndef VQ_SUPPORT_ORB_TAO_TAOTLS_H
 #define VQ_SUPPORT_ORB_TAO_TAOTLS_H
 
@@ -31,11 +31,12 @@ class TaoTls {
   // Raises std::invalid_argument, also when this TAO has no TLS.
   static void Prepare(const OrbSettings& settings);
 
-  // Lets the naming service be asked in clear, if TLS is on and there is one.
+  // Lets the naming service be asked unencrypted, where TLS is on and it offers none.
   static void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings);
 
-  // The same object, called in clear; as it is where its ORB has no TLS. The caller owns it.
-  static CORBA::Object_ptr InClear(CORBA::Object_ptr object);
+  // A reference of the naming service as it is called: unencrypted where it offers no TLS. The
+  // caller owns it.
+  static CORBA::Object_ptr ForLookUps(CORBA::Object_ptr naming);
 
   // Nothing when TLS is off or there is no own certificate. Says in the log when this TAO has no
   // TLS, so that no certificate was looked at.

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <memory>
+#include <mutex>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -9,15 +11,21 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <ace/INET_Addr.h>
 #include <ace/Service_Config.h>
 #include <orbsvcs/SSLIOP/SSLIOP_Endpoint.h>
 #include <orbsvcs/SSLIOP/SSLIOP_Factory.h>
+#include <orbsvcs/SecurityLevel2C.h>
 #include <tao/IIOP_Endpoint.h>
-#include <tao/Transport_Connector.h>
+#include <tao/Profile_Transport_Resolver.h>
+#include <tao/Stub.h>
 #include <tao/Transport_Descriptor_Interface.h>
 
 #include <support/orb/Corba.h>
+#include <support/orb/ReferenceAddress.h>
 #include <support/orb/TlsVerdict.h>
+#include <support/orb/tao/TaoCalls.h>
+#include <support/orb/tao/TaoConnector.h>
 #include <support/orb/tao/TaoOptions.h>
 
 namespace vq::orb {
@@ -40,53 +48,59 @@ bool IsAddress(const char* host) {
          ::inet_pton(AF_INET6, host, bytes.data()) == 1;
 }
 
-// SSLIOP's connector, which does everything. Thread contract: as TAO has it, any thread.
-class Connector : public TAO_Connector {
- public:
-  explicit Connector(std::unique_ptr<TAO_Connector> connector)
-      : TAO_Connector(connector->tag()), m_connector(std::move(connector)) {}
+// Where the naming service is; nothing else may be called unencrypted.
+struct NamingPlaces {
+  std::mutex mutex;
+  std::set<std::string> places;
 
-  int open(TAO_ORB_Core* core) override { return m_connector->open(core); }
-  int close() override { return m_connector->close(); }
+  static NamingPlaces& Instance() {
+    static auto* const places = new NamingPlaces;
+    return *places;
+  }
+};
+
+std::string Place(const char* host, int port) {
+  return std::string(host) + ":" + std::to_string(port);
+}
+
+// The naming service may forward to another reference of its own, but not to another place.
+bool IsNaming(const TAO_IIOP_Endpoint& address) {
+  const char* const resolved = address.object_addr().get_host_addr();
+  NamingPlaces& naming = NamingPlaces::Instance();
+  const std::lock_guard lock(naming.mutex);
+  return naming.places.contains(Place(address.host(), address.port())) ||
+         (resolved != nullptr && naming.places.contains(Place(resolved, address.port())));
+}
+
+bool AsksForNoProtection(TAO::Profile_Transport_Resolver& resolver) {
+  const CORBA::Policy_var policy = resolver.stub()->get_policy(Security::SecQOPPolicy);
+  const SecurityLevel2::QOPPolicy_var protection = SecurityLevel2::QOPPolicy::_narrow(policy.in());
+  return !CORBA::is_nil(protection.in()) && protection->qop() == Security::SecQOPNoProtection;
+}
+
+// SSLIOP's connector, and no request unencrypted save to the naming service.
+class Connector : public CheckedConnector {
+ public:
+  using CheckedConnector::CheckedConnector;
+
   TAO_Transport* connect(TAO::Profile_Transport_Resolver* resolver,
                          TAO_Transport_Descriptor_Interface* descriptor,
                          ACE_Time_Value* timeout) override {
     auto* const endpoint = dynamic_cast<TAO_SSLIOP_Endpoint*>(descriptor->endpoint());
     const TAO_IIOP_Endpoint* const address =
         endpoint != nullptr ? endpoint->iiop_endpoint() : nullptr;
-    if (address == nullptr) return m_connector->connect(resolver, descriptor, timeout);
-    const HostNoted noted(address->host());
-    try {
-      return m_connector->connect(resolver, descriptor, timeout);
-    } catch (const CORBA::INV_POLICY&) {
-      if (endpoint->ssl_component().port == 0) {
-        ReportNoTls(std::string(address->host()) + ":" + std::to_string(address->port()));
-      }
-      throw;
+    if (address == nullptr) return CheckedConnector::connect(resolver, descriptor, timeout);
+    const bool offersTls = endpoint->ssl_component().port != 0;
+    const std::string place = Place(address->host(), address->port());
+    const bool isLookUp = AsksForNoProtection(*resolver);
+    if ((!offersTls && !isLookUp) || (isLookUp && !IsNaming(*address))) {
+      ReportNoTls(place);
+      throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
     }
+    NoteUnencrypted(isLookUp ? place : std::string());
+    const HostNoted noted(address->host());
+    return CheckedConnector::connect(resolver, descriptor, timeout);
   }
-  TAO_Profile* corbaloc_scan(const char* reference, std::size_t& size) override {
-    return m_connector->corbaloc_scan(reference, size);
-  }
-  TAO_Profile* create_profile(TAO_InputCDR& stream) override {
-    return m_connector->create_profile(stream);
-  }
-  int check_prefix(const char* endpoint) override { return m_connector->check_prefix(endpoint); }
-  char object_key_delimiter() const override { return m_connector->object_key_delimiter(); }
-
- protected:
-  // SSLIOP's connector calls its own; those that remain are of reference forms from before
-  // corbaloc.
-  TAO_Profile* make_profile() override { throw CORBA::NO_IMPLEMENT(); }
-  int set_validate_endpoint(TAO_Endpoint*) override { return -1; }
-  TAO_Transport* make_connection(TAO::Profile_Transport_Resolver*,
-                                 TAO_Transport_Descriptor_Interface&, ACE_Time_Value*) override {
-    return nullptr;
-  }
-  int cancel_svc_handler(TAO_Connection_Handler*) override { return -1; }
-
- private:
-  const std::unique_ptr<TAO_Connector> m_connector;
 };
 
 class Factory : public TAO::SSLIOP::Protocol_Factory {
@@ -115,12 +129,31 @@ void RegisterTlsProtocol() {
   ACE_Service_Config::process_directive(kDescriptor);
 }
 
-void TellHostName(const SSL* connection, int where, int) {
-  if (where != SSL_CB_HANDSHAKE_START || SSL_is_server(connection) != 0 ||
-      hostBeingConnected == nullptr || IsAddress(hostBeingConnected)) {
-    return;
+void AddNaming(CORBA::Object_ptr naming) {
+  NamingPlaces& known = NamingPlaces::Instance();
+  const std::lock_guard lock(known.mutex);
+  for (const ReferenceEndpoint& endpoint : EndpointsOf(naming)) {
+    known.places.insert(Place(endpoint.host.c_str(), endpoint.port));
+    const ACE_INET_Addr resolved(static_cast<u_short>(endpoint.port), endpoint.host.c_str());
+    if (const char* const host = resolved.get_host_addr()) {
+      known.places.insert(Place(host, endpoint.port));
+    }
   }
-  SSL_set_tlsext_host_name(const_cast<SSL*>(connection), hostBeingConnected);
+}
+
+void ForgetNaming() {
+  NamingPlaces& known = NamingPlaces::Instance();
+  const std::lock_guard lock(known.mutex);
+  known.places.clear();
+}
+
+void FollowConnection(const SSL* connection, int where, int result) {
+  if (where == SSL_CB_HANDSHAKE_START && SSL_is_server(connection) == 0 &&
+      hostBeingConnected != nullptr && !IsAddress(hostBeingConnected)) {
+    // The callback's type has a const that the connection has not.
+    SSL_set_tlsext_host_name(const_cast<SSL*>(connection), hostBeingConnected);
+  }
+  FollowHandshake(connection, where, result);
 }
 
 }  // namespace vq::orb

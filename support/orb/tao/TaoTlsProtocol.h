@@ -1,12 +1,15 @@
-// TAO's TLS protocol, with two things that it lacks: the name of the host that is connected to, for
-// the check of the certificate, and a line in the log where a server offers no TLS.
+// TAO's TLS protocol, with what it lacks: the name of the host that is connected to, for the check
+// of the certificate, a line in the log where a handshake fails or a server offers no TLS, and that
+// nothing but the naming service is called unencrypted.
 //
 //   RegisterTlsProtocol();   // before ORB_init with "static VQ_SSLIOP_Factory ..."
-//   SSL_CTX_set_info_callback(&context, TellHostName);
+//   SSL_CTX_set_info_callback(&context, FollowConnection);
 #ifndef VQ_SUPPORT_ORB_TAO_TAOTLSPROTOCOL_H
 #define VQ_SUPPORT_ORB_TAO_TAOTLSPROTOCOL_H
 
 #include <openssl/ssl.h>
+
+#include <support/orb/Corba.h>
 
 namespace vq::orb {
 
@@ -14,9 +17,14 @@ namespace vq::orb {
 // by the thread that starts an ORB; again does nothing.
 void RegisterTlsProtocol();
 
+// Allows look-ups at the addresses of this reference to go unencrypted, and forgets them all.
+void AddNaming(CORBA::Object_ptr naming);
+void ForgetNaming();
+
 // For OpenSSL: gives a connection that begins its handshake as a client the host's name, which the
-// server gets to see too. An address is none. Safe on any thread.
-void TellHostName(const SSL* connection, int where, int);
+// server gets to see too, and logs why a handshake failed. An address is no name. Safe on any
+// thread.
+void FollowConnection(const SSL* connection, int where, int result);
 
 }  // namespace vq::orb
 
