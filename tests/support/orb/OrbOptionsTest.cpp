@@ -189,13 +189,16 @@ TEST(TaoOptionsTest, TranslatesEverySetting) {
            authenticate + "\" static Resource_Factory \"-ORBProtocolFactory VQ_SSLIOP_Factory\"";
   };
   const std::string verified = tls("SERVER_AND_CLIENT"), taken = tls("NONE");
+  const std::string plain =
+      "static VQ_IIOP_Factory \"\" static Resource_Factory \"-ORBProtocolFactory VQ_IIOP_Factory\"";
+  const std::string unencrypted = read + " " + plain;
   constexpr const char* kListen = "-ORBListenEndpoints";
   const OptionRow kRows[] = {
       {"", kListen, "iiop://"},
       {"", "-ORBDottedDecimalAddresses", "1"},
       {"", "-ORBInitRef", ""},
-      {"", "-ORBSvcConfDirective", read.c_str()},
-      {"-BiDirPolicy=1", "-ORBSvcConfDirective", ""},
+      {"", "-ORBSvcConfDirective", unencrypted.c_str()},
+      {"-BiDirPolicy=1", "-ORBSvcConfDirective", plain.c_str()},
       {"-ORBListenEndpoints=iiop://h:50/portspan=10&hostname_in_ior=gui.site", kListen,
        "iiop://h:50/portspan=10&hostname_in_ior=gui.site"},
       {"-ORBListenEndpoints=iiop://[::1]:50/ssl_port=51", kListen, "iiop://[::1]:50/ssl_port=51"},
