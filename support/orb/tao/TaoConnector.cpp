@@ -1,11 +1,15 @@
 #include <support/orb/tao/TaoConnector.h>
 
+#include <cerrno>
 #include <utility>
 
 #include <ace/Event_Handler.h>
 #include <ace/Service_Config.h>
 #include <tao/IIOP_Factory.h>
 #include <tao/IIOP_Transport.h>
+#include <tao/Profile.h>
+#include <tao/Profile_Transport_Resolver.h>
+#include <tao/Stub.h>
 #include <tao/Transport.h>
 
 #include <support/orb/PeerSocket.h>
@@ -24,6 +28,12 @@ thread_local const OrbSettings* settingsInForce = nullptr;
 bool HasEnded(TAO_Transport& transport, int socket, bool takesCalls) {
   const bool isTls = dynamic_cast<TAO_IIOP_Transport*>(&transport) == nullptr;
   return IsDead(socket, isTls, takesCalls || isTls || transport.first_request());
+}
+
+// The addresses that TAO tries one after the other. They share the time: it would give all of it to
+// the first, and no other is tried when the call's time is over.
+CORBA::ULong AddressCount(TAO::Profile_Transport_Resolver& resolver) {
+  return resolver.profile()->endpoint_count() * resolver.stub()->base_profiles().profile_count();
 }
 
 class Factory : public TAO_IIOP_Protocol_Factory {
@@ -64,8 +74,15 @@ CheckedConnector::CheckedConnector(std::unique_ptr<TAO_Connector> connector)
 TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolver,
                                          TAO_Transport_Descriptor_Interface* descriptor,
                                          ACE_Time_Value* timeout) {
+  ACE_Time_Value share;
+  const CORBA::ULong addresses = AddressCount(*resolver);
+  if (timeout != nullptr && addresses > 1) {
+    share = *timeout * (1.0 / addresses);
+    timeout = &share;
+  }
   for (int connections = 0; connections < kMostConnections; ++connections) {
     TAO_Transport* const transport = m_connector->connect(resolver, descriptor, timeout);
+    if (transport == nullptr && timeout == &share && errno == ETIME) errno = EHOSTUNREACH;
     if (transport == nullptr || !transport->is_connected()) return transport;
     const int socket = transport->event_handler_i()->get_handle();
     WatchPeer(socket, m_keepAlive, m_unacknowledged);

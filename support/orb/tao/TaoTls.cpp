@@ -1,13 +1,11 @@
 #include <support/orb/tao/TaoTls.h>
 
-#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
-#include <support/orb/ReferenceAddress.h>
 #include <support/orb/TlsVerdict.h>
 #include <support/orb/tao/TaoOrb.h>
 
@@ -45,12 +43,6 @@ int ChooseCertificate(SSL* connection, void*) {
 int Verify(X509_STORE_CTX* context, void*) {
   X509_STORE_CTX_set_verify_cb(context, Judge);
   return X509_verify_cert(context);
-}
-
-bool OffersTls(CORBA::Object_ptr object) {
-  const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(object);
-  return std::any_of(endpoints.begin(), endpoints.end(),
-                     [](const ReferenceEndpoint& endpoint) { return endpoint.tls; });
 }
 
 }  // namespace

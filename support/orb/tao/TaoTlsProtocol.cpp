@@ -17,6 +17,7 @@
 #include <orbsvcs/SSLIOP/SSLIOP_Factory.h>
 #include <orbsvcs/SecurityLevel2C.h>
 #include <tao/IIOP_Endpoint.h>
+#include <tao/Profile.h>
 #include <tao/Profile_Transport_Resolver.h>
 #include <tao/Stub.h>
 #include <tao/Transport_Descriptor_Interface.h>
@@ -127,6 +128,13 @@ void RegisterTlsProtocol() {
       kTlsProtocol, ACE_SVC_OBJ_T, Make,
       ACE_Service_Type::DELETE_THIS | ACE_Service_Type::DELETE_OBJ, 0};
   ACE_Service_Config::process_directive(kDescriptor);
+}
+
+bool OffersTls(CORBA::Object_ptr object) {
+  TAO_Profile* const profile = object->_stubobj()->base_profiles().get_profile(0);
+  auto* const endpoint =
+      profile != nullptr ? dynamic_cast<TAO_SSLIOP_Endpoint*>(profile->endpoint()) : nullptr;
+  return endpoint != nullptr && endpoint->ssl_component().port != 0;
 }
 
 void AddNaming(CORBA::Object_ptr naming) {

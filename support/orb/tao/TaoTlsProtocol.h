@@ -17,6 +17,9 @@ namespace vq::orb {
 // by the thread that starts an ORB; again does nothing.
 void RegisterTlsProtocol();
 
+// Whether the first profile of a reference names a port for TLS.
+bool OffersTls(CORBA::Object_ptr object);
+
 // Allows look-ups at the addresses of this reference to go unencrypted, and forgets them all.
 void AddNaming(CORBA::Object_ptr naming);
 void ForgetNaming();
