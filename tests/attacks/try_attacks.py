@@ -236,7 +236,8 @@ ROWS = [
 ]
 # With bidirectional connections a thread of the ORB's reads.
 ROWS += [dataclasses.replace(row, name=f"{row.name}, bidirectional",
-                             arguments=("-BiDirPolicy", "1"))
+                             arguments=("-BiDirPolicy", "1"),
+                             tao={} if row.tao == ANEW else row.tao)
          for row in ROWS if row.name in {
              "undisturbed", "no reply", "a reply byte by byte", "fragments without end",
              "forwarded to itself", "closed after the request", "half a reply",
