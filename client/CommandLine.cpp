@@ -209,8 +209,8 @@ void CommandLine::GiveOrbItsArguments() {
   }
 }
 
-// A user and a password file exclude each other. Of two that nobody typed together the nearer one
-// counts, and of two that are equally near the file.
+// A user and a password file exclude each other. Of two that come from different places the nearer
+// one counts, and of two that are equally near the file.
 void CommandLine::SettleUserOrFile() {
   const auto name = values.find("user");
   const auto file = values.find("password-file");
