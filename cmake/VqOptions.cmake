@@ -33,7 +33,8 @@ target_compile_options(vq_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversi
 # g++ 12 sees copies beyond the end in correct uses of std::string once it optimises.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(vq_warnings INTERFACE
-    $<$<NOT:$<CONFIG:Debug>>:-Wno-array-bounds -Wno-stringop-overread -Wno-restrict>)
+    $<$<NOT:$<CONFIG:Debug>>:-Wno-array-bounds -Wno-stringop-overread
+      -Wno-stringop-overflow -Wno-restrict>)
 endif()
 if(VQ_WERROR)
   target_compile_options(vq_warnings INTERFACE -Werror)

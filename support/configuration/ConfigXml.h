@@ -40,7 +40,7 @@ class ConfigXml : public ConfigAPI {
 
  private:
   bool ReadInto(const std::string& path, ConfigDocument& document);
-  bool ReadWeakerLayer();
+  std::optional<ConfigScopes> ReadScopes(const std::string& path);  // none of a missing file
   bool Complain(const std::string& error);
 
   const std::string m_path;   // empty when the name is none

@@ -13,6 +13,10 @@ constexpr std::size_t kLongestPart = 8;
 constexpr std::size_t kRefusedLines = 20;  // a list that is wrong throughout must not fill the log
 constexpr std::size_t kExcerptBytes = 200;
 
+std::size_t TextHash(std::string_view text) {
+  return std::hash<std::string_view>()(text);
+}
+
 // The longest text between two wildcards.
 std::string_view LongestPart(std::string_view pattern) {
   std::string_view longest;
@@ -73,7 +77,7 @@ const GrantIndex::Terms* GrantIndex::Find(const Key& key) const {
   const auto& lengths = field->second.places[key.place];
   const auto texts = lengths.find(key.text.size());
   if (texts == lengths.end()) return nullptr;
-  const auto terms = texts->second.find(key.text);
+  const auto terms = texts->second.find(TextHash(key.text));
   return terms == texts->second.end() ? nullptr : &terms->second;
 }
 
@@ -87,7 +91,7 @@ GrantIndex::Terms& GrantIndex::TermsFor(const QCSSelectionDef::Term& matchings) 
     return terms == nullptr ? 0 : terms->size();
   });
   Field& field = m_fields[std::string(key.field)];
-  return field.places[key.place][key.text.size()][std::string(key.text)];
+  return field.places[key.place][key.text.size()][TextHash(key.text)];
 }
 
 // All terms that fit are among these.
@@ -103,7 +107,7 @@ std::vector<const GrantIndex::Terms*> GrantIndex::MayFit(const QCSObject& object
         if (length > value.size()) break;
         const std::size_t last = value.size() - length;
         for (std::size_t at = place == End ? last : 0; at <= (place == Begin ? 0 : last); ++at) {
-          const auto terms = texts.find(value.substr(at, length));
+          const auto terms = texts.find(TextHash(value.substr(at, length)));
           if (terms != texts.end()) found.push_back(&terms->second);
         }
       }

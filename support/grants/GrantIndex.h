@@ -64,21 +64,16 @@ class GrantIndex {
   };
   using Terms = std::vector<Term>;
 
-  // Finds a std::string key by a std::string_view.
-  struct TextHash : std::hash<std::string_view> {
-    using is_transparent = void;
-  };
-  template <class Value>
-  using ByText = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
-
   enum Place { Begin, End, Part, kPlaces };
   struct Key {
     std::string_view field;
     Place place;
     std::string_view text;
   };
+  // By the hash of a text: two texts with one hash only mean that a term is evaluated in vain.
+  using TermsByText = std::unordered_map<std::size_t, Terms>;
   struct Field {
-    std::map<std::size_t, ByText<Terms>> places[kPlaces];  // by the length of the text, the text
+    std::map<std::size_t, TermsByText> places[kPlaces];  // by the length of the text
     Terms others;
   };
 
@@ -91,7 +86,7 @@ class GrantIndex {
   std::uint32_t m_grants = 0;
   std::size_t m_refused = 0;  // the grants that do not parse
   Terms m_always;             // terms without matchings
-  ByText<Field> m_fields;
+  std::map<std::string, Field, std::less<>> m_fields;
 };
 
 // Whether the user's grants, or where none of them fits the groups', give at least the level over
