@@ -58,7 +58,7 @@ else()
       OUTPUT ${generated_headers} ${generated_sources}
       # What is generated is exported as our own classes are. Templates of TAO find the operators
       # that they use only where these are declared before, hence the first include.
-      COMMAND ${VQ_TAO_IDL} -Wb,export_macro=VQ_SUPPORT_API
+      COMMAND ${VQ_TAO_IDL} -Wb,export_macro=VQ_CLIENT_COMMON_API
               -Wb,export_include=support/Export.h -Wb,pre_include=support/orb/Corba.h
               -I${CMAKE_CURRENT_SOURCE_DIR} -o ${stubs}
               ${CMAKE_CURRENT_SOURCE_DIR}/${file}

@@ -1,11 +1,9 @@
-// Marks the support classes that the library's public signatures bring to its callers.
-//
-// The support libraries are linked into libvq_client_common.so; what does not bear VQ_SUPPORT_API
-// stays hidden in it.
+// Marks what libvq_client_common.so exports: its own interface, and the support classes in the
+// signatures of it. Everything else in the library is hidden.
 #ifndef VQ_SUPPORT_EXPORT_H
 #define VQ_SUPPORT_EXPORT_H
 
-// Exports a class or a function of a support library.
-#define VQ_SUPPORT_API __attribute__((visibility("default")))
+// Exports a class, a function or an object of the library.
+#define VQ_CLIENT_COMMON_API __attribute__((visibility("default")))
 
 #endif  // VQ_SUPPORT_EXPORT_H

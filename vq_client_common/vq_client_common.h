@@ -6,9 +6,9 @@
 #ifndef VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H
 #define VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H
 
+#include <support/Export.h>
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CallDeadline.h>
-#include <vq_client_common/Export.h>
 #include <vq_client_common/authorizations/QCSGuiAuthActJobsDef.h>
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 #include <vq_client_common/connectivity/IPAddressInfo.h>

@@ -19,7 +19,7 @@
 class TDiagRegister;
 
 // Thread contract: an object belongs to the thread that composes the line.
-class VQ_SUPPORT_API FormatObj {
+class VQ_CLIENT_COMMON_API FormatObj {
  public:
   // Begins a line of that level and class. `scope`: the function's qualified name, which must
   // outlive the object; may be empty. Used by VQ_LOG.

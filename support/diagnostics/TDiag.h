@@ -50,7 +50,7 @@ struct TDiagLine {
 // Thread contract: every operation may be called from any thread at any time. A callback sink is
 // called under the log's lock, one line at a time: what it logs itself is dropped, and it must not
 // call any other operation.
-class VQ_SUPPORT_API TDiag {
+class VQ_CLIENT_COMMON_API TDiag {
  public:
   // The lowest and the highest level, and the class of a line that names none.
   static constexpr int kAlways = 0;
@@ -109,7 +109,7 @@ class VQ_SUPPORT_API TDiag {
 };
 
 // One source file's place in the log: a static object named diagModule in each file that writes.
-class VQ_SUPPORT_API TDiagRegister {
+class VQ_CLIENT_COMMON_API TDiagRegister {
  public:
   explicit TDiagRegister(const char* moduleName);  // the text must outlive the object
   ~TDiagRegister();
@@ -150,7 +150,7 @@ class TDiagFunc {
   }
 
  private:
-  VQ_SUPPORT_API void Enter() const;
+  VQ_CLIENT_COMMON_API void Enter() const;
   const TDiagRegister& m_module;
   const char* m_name;
 };

@@ -29,7 +29,7 @@ class GrantIndex;
 }
 
 // Copies share their grants, so that copying takes no time, and do not affect each other.
-class VQ_SUPPORT_API AuthLevelBySelection {
+class VQ_CLIENT_COMMON_API AuthLevelBySelection {
  public:
   AuthLevelBySelection();
   AuthLevelBySelection(const AuthLevelBySelection&);

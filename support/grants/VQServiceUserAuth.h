@@ -33,7 +33,7 @@ struct VQServiceAuth {
 void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& grants);
 
 // Copies share their grants, so that copying takes no time, and do not affect each other.
-class VQ_SUPPORT_API VQServiceUserAuth {
+class VQ_CLIENT_COMMON_API VQServiceUserAuth {
  public:
   VQServiceUserAuth();
   // Takes over the two lists. Criteria that do not parse fit no service and are logged at level 1.

@@ -21,7 +21,7 @@ namespace vq {
 // The calls of the thread that made the object are limited, until it is destroyed, by the same
 // thread. Scopes nest: the earliest deadline applies. Work between the calls is not interrupted,
 // and neither is a look-up of a host name, for which the system has its own limit.
-class VQ_SUPPORT_API CallDeadline {
+class VQ_CLIENT_COMMON_API CallDeadline {
  public:
   using Clock = std::chrono::steady_clock;  // setting the system's time does not move it
 

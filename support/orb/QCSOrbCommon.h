@@ -34,7 +34,7 @@ enum class OrbRole;
 // Thread contract: the start-up and the shut-down operations belong to one thread at a time, and no
 // other call may be under way during them. Bind, GetChildPoa and the reads may be called from any
 // thread in between.
-class VQ_SUPPORT_API QCSOrbCommon {
+class VQ_CLIENT_COMMON_API QCSOrbCommon {
  public:
   // The number of this ORB, from 1.
   virtual int GetId() const = 0;

@@ -43,7 +43,7 @@ struct ReferenceEndpoint {
 
 // All endpoints that a reference names, in its order; empty when it names none that can be read.
 // IPv6 addresses are without brackets. No call is made.
-VQ_SUPPORT_API std::vector<ReferenceEndpoint> EndpointsOf(CORBA::Object_ptr object);
+VQ_CLIENT_COMMON_API std::vector<ReferenceEndpoint> EndpointsOf(CORBA::Object_ptr object);
 
 // The same for a reference as text; any text is accepted.
 std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior);

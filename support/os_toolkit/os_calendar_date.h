@@ -14,7 +14,7 @@
 #include <support/os_toolkit/os_time_period.h>
 
 // Thread contract: a value; distinct objects are independent.
-class VQ_SUPPORT_API os_calendar_date {
+class VQ_CLIENT_COMMON_API os_calendar_date {
  public:
   // The time of the day counts from 00:00 of the day.
   constexpr os_calendar_date(int month, int day, os_time_period timeOfDay = {}) noexcept

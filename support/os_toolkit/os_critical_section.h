@@ -11,7 +11,7 @@
 
 // Thread contract: any thread may call anything. Each lock or successful try_lock is undone by one
 // unlock of the same thread; the object outlives every holder.
-class VQ_SUPPORT_API os_critical_section {
+class VQ_CLIENT_COMMON_API os_critical_section {
  public:
   // With true the calling thread holds it from the start.
   explicit os_critical_section(bool locked) {

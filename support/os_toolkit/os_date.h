@@ -20,7 +20,7 @@
 #include <support/os_toolkit/os_time_period.h>
 
 // Thread contract: a value; distinct objects are independent.
-class VQ_SUPPORT_API os_date {
+class VQ_CLIENT_COMMON_API os_date {
  public:
   // The Julian day number of 1970-01-01, and the years that a date may have.
   static constexpr std::int64_t kJulianDayOf1970 = 2440588;

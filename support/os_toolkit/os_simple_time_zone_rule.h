@@ -19,7 +19,7 @@
 #include <support/os_toolkit/os_time_period.h>
 
 // Thread contract: a value that does not change after construction.
-class VQ_SUPPORT_API os_simple_time_zone_rule {
+class VQ_CLIENT_COMMON_API os_simple_time_zone_rule {
  public:
   // Years up to os_date's first or from its last on are taken as the nearest between them.
   // `adjustment` is added to the standard clock while the rule is in effect.

@@ -16,7 +16,7 @@
 #include <support/os_toolkit/os_time_period.h>
 
 // Thread contract: a value; distinct objects are independent.
-class VQ_SUPPORT_API os_time {
+class VQ_CLIENT_COMMON_API os_time {
  public:
   // Midnight.
   constexpr os_time() noexcept = default;

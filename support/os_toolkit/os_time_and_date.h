@@ -19,7 +19,7 @@
 
 // Thread contract: a value; distinct objects are independent. now and set_clock may be called from
 // any thread at any time.
-class VQ_SUPPORT_API os_time_and_date {
+class VQ_CLIENT_COMMON_API os_time_and_date {
  public:
   // The instant, counted as above.
   using clock_function = os_time_period (*)();

@@ -18,7 +18,7 @@
 
 // Thread contract: a value; distinct objects are independent.
 // What leaves 64 bits of seconds raises os_toolkit_error.
-class VQ_SUPPORT_API os_time_period {
+class VQ_CLIENT_COMMON_API os_time_period {
  public:
   // How many of the one make the other.
   static constexpr std::int64_t kSecondsOfDay = 86400;

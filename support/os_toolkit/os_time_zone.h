@@ -22,7 +22,7 @@
 #include <support/os_toolkit/os_time_period.h>
 
 // Thread contract: any number of threads may ask one zone at a time that nobody inserts.
-class VQ_SUPPORT_API os_time_zone {
+class VQ_CLIENT_COMMON_API os_time_zone {
  public:
   // A zone without rules. The texts say nothing to the arithmetic; any are taken.
   os_time_zone(os_time_period offset, std::string name, std::string abbreviation);

@@ -15,7 +15,7 @@
 #include <support/Export.h>
 
 // A date, time or period that is not. Thread contract: as a standard exception.
-class VQ_SUPPORT_API os_toolkit_error : public std::runtime_error {
+class VQ_CLIENT_COMMON_API os_toolkit_error : public std::runtime_error {
  public:
   // `what`: why, in English, for the log.
   explicit os_toolkit_error(const std::string& what);

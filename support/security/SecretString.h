@@ -21,12 +21,12 @@ namespace vq {
 // Overwrites the whole buffer of `text`, what lies between its length and its capacity included,
 // and leaves it empty. The compiler does not optimise the overwriting away. Buffers that the string
 // gave up earlier, when it grew, are out of reach.
-VQ_SUPPORT_API void Wipe(std::string& text) noexcept;
+VQ_CLIENT_COMMON_API void Wipe(std::string& text) noexcept;
 
 // Owns one text and wipes it when it is destroyed, assigned to or moved from.
 //
 // Thread contract: as a std::string; an object belongs to one thread at a time.
-class VQ_SUPPORT_API SecretString {
+class VQ_CLIENT_COMMON_API SecretString {
  public:
   SecretString() = default;
   // A copy of `text`, which the caller wipes.

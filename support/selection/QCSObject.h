@@ -22,7 +22,7 @@
 
 // Thread contract: like a standard container. Several threads may read one object, nobody may write
 // meanwhile.
-class VQ_SUPPORT_API QCSObject {
+class VQ_CLIENT_COMMON_API QCSObject {
  public:
   using Attribute = std::pair<std::string, std::string>;  // name, value
   // For a walk over the attributes.

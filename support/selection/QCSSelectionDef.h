@@ -32,7 +32,7 @@ namespace vq {
 //
 //   NAME LIKE PAY*
 //             ^ position 10: expected a value in single quotes, found PAY*
-struct VQ_SUPPORT_API SelectionParseError {
+struct VQ_CLIENT_COMMON_API SelectionParseError {
   std::size_t position = 0;  // bytes before the fault, from 0
   std::string expected;      // what may stand there, in words
   std::string found;         // what stands there, at most 20 bytes of it, or "the end of the text"
@@ -45,7 +45,7 @@ struct VQ_SUPPORT_API SelectionParseError {
 
 // Thread contract: like a standard container. The five virtual operations only read, so several
 // threads may ask one definition, as long as nobody changes it meanwhile.
-class VQ_SUPPORT_API QCSSelectionDef {
+class VQ_CLIENT_COMMON_API QCSSelectionDef {
  public:
   // Matchings that are joined by AND.
   using Term = std::vector<vq::SelectionMatching>;

@@ -77,7 +77,7 @@ def includes(file):
 
 def public_headers(root):
     """Headers that the CMake files list as installed."""
-    headers = {f"{LIBRARY}/Export.h", f"{LIBRARY}/{LIBRARY}.h", "support/Export.h"}
+    headers = {f"{LIBRARY}/{LIBRARY}.h", "support/Export.h"}
     for top in ("support", LIBRARY):
         for cmake in root.glob(f"{top}/*/CMakeLists.txt"):
             listed = re.search(r"HEADERS\s(.*?)(?:LINK|\))", cmake.read_text(), re.S)

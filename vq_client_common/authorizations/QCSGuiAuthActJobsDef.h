@@ -9,8 +9,8 @@
 #ifndef VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H
 #define VQ_CLIENT_COMMON_AUTHORIZATIONS_QCSGUIAUTHACTJOBSDEF_H
 
+#include <support/Export.h>
 #include <support/selection/QCSSelectionDef.h>
-#include <vq_client_common/Export.h>
 
 // All behaviour is QCSSelectionDef's. Thread contract: as QCSSelectionDef.
 class VQ_CLIENT_COMMON_API QCSGuiAuthActJobsDef : public QCSSelectionDef {

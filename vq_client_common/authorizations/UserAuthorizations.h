@@ -18,11 +18,11 @@
 #include <list>
 #include <string>
 
+#include <support/Export.h>
 #include <support/grants/AuthLevelBySelection.h>
 #include <support/grants/VQServiceUserAuth.h>
 #include <support/orb/Corba.h>
 #include <support/selection/QCSObject.h>
-#include <vq_client_common/Export.h>
 #include <vq_idl/AuthorizationC.h>
 
 // Thread contract: no lock. The load and the reset belong to one thread, with no question

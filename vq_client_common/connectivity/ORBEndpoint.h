@@ -19,7 +19,7 @@
 #include <cstdint>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // Thread contract: a plain value; one thread an object.
 class VQ_CLIENT_COMMON_API ORBEndpoint {

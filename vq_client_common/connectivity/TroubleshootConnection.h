@@ -24,8 +24,8 @@
 #include <string>
 #include <vector>
 
+#include <support/Export.h>
 #include <support/orb/Corba.h>
-#include <vq_client_common/Export.h>
 #include <vq_client_common/connectivity/IPAddressInfo.h>
 #include <vq_client_common/session/ServerId.h>
 

@@ -24,7 +24,7 @@
 #include <iosfwd>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // The failure of an archive. Does not derive from std::exception: catch it by its own name. An
 // archive itself knows one failure only, code 0 without a message.

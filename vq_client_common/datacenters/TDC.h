@@ -18,7 +18,7 @@
 #include <cstdint>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/datacenters/TVltVersion.h>
 
 struct QCSCommAdminStruct;  // the server's administration record: <vq_idl/AdministrationRecordsC.h>

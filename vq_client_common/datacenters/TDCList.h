@@ -22,7 +22,7 @@
 #include <map>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/datacenters/ArrayWrap.h>
 #include <vq_client_common/datacenters/TDC.h>
 #include <vq_client_common/datacenters/TVltVersion.h>

@@ -12,7 +12,7 @@
 #include <map>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // Names are compared byte by byte, case and all, up to their first zero byte. Copies are
 // independent of each other.

@@ -16,7 +16,7 @@
 #include <string>
 #include <string_view>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/datacenters/ArrayWrap.h>
 
 // The platform of a scheduler. Any other number counts as an unknown platform.

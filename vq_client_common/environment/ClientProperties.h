@@ -28,7 +28,7 @@
 #include <map>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // Frees the one instance among others; see session/GlobalFuncs.h.
 VQ_CLIENT_COMMON_API void exit_vqclient_common();

@@ -27,7 +27,7 @@
 #include <map>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // The process's command line.
 // Thread contract: none. The making of the one object and its tables are not guarded; a program

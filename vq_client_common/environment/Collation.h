@@ -17,7 +17,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // Both return a negative number, 0 or a positive one, as `a` comes before `b`, with it, or after
 // it. Both may order a sequence: the result is consistent over all texts, well formed or not. A

@@ -19,7 +19,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // Looks the language up and writes its locale, with a closing zero byte, to `locale`, which has
 // room for 255 bytes. Returns

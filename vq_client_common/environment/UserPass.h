@@ -24,8 +24,8 @@
 #include <functional>
 #include <string>
 
+#include <support/Export.h>
 #include <support/security/SecretString.h>
-#include <vq_client_common/Export.h>
 
 // A user name, a password and a password file, each of them empty when not given, with the status
 // that the last Init came to. The object's own copies of the password are overwritten when it gives

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <xercesc/dom/DOMNode.hpp>
 #include <xercesc/dom/DOMNodeFilter.hpp>
 #include <xercesc/util/XercesDefs.hpp>

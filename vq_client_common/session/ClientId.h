@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // The programs by number. A value outside of these counts as CLIENT_UNKNOWN, but for the words,
 // which it lacks.

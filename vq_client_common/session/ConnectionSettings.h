@@ -11,7 +11,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/session/ClientId.h>
 #include <vq_client_common/session/ServerId.h>
 

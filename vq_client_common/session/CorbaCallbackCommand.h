@@ -6,7 +6,7 @@
 #ifndef VQ_CLIENT_COMMON_SESSION_CORBACALLBACKCOMMAND_H
 #define VQ_CLIENT_COMMON_SESSION_CORBACALLBACKCOMMAND_H
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // One piece of work. Thread contract: a command is made on the ORB's thread and belongs to whoever
 // executes it.

@@ -12,7 +12,7 @@
 #ifndef VQ_CLIENT_COMMON_SESSION_CORBAGLOBALFUNCS_H
 #define VQ_CLIENT_COMMON_SESSION_CORBAGLOBALFUNCS_H
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/session/ServerId.h>
 
 class QCSCorbaUsersManager;

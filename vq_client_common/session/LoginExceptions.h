@@ -24,7 +24,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // Objects of the family are caught by value or reference and never deleted through a pointer to the
 // base, which has no virtual destructor.

@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 namespace vq {
 

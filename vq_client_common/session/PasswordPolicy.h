@@ -15,7 +15,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // Kinds of characters that a rule asks for, as bits of GetPasswordComplexityRules.
 enum PasswordRule {

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // The kinds by number, as the wire and min-accepted-servers.txt know them.
 enum SERVER_ID : int {

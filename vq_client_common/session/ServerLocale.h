@@ -9,7 +9,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/session/ServerId.h>
 
 // Sets the process's locale to the one of the server's language: the system parameter "Language" of

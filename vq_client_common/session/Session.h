@@ -23,8 +23,8 @@
 #include <string>
 #include <vector>
 
+#include <support/Export.h>
 #include <support/security/SecretString.h>
-#include <vq_client_common/Export.h>
 #include <vq_client_common/environment/UserPass.h>
 #include <vq_client_common/session/ClientId.h>
 #include <vq_client_common/session/LoginResult.h>

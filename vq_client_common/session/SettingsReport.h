@@ -11,7 +11,7 @@
 #include <list>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/session/ClientId.h>
 
 namespace vq {

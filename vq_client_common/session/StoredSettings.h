@@ -17,7 +17,7 @@
 #include <optional>
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 namespace vq {
 

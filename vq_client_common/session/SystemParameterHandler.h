@@ -13,7 +13,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/session/ServerId.h>
 
 // How strictly the server checks the author of a change: 1 to 3, of which 3 is the most

@@ -10,7 +10,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // How grave a failure is. The numbers are the client programs' own: every value of an int is kept.
 enum SEVERITY : int {};

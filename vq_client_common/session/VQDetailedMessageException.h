@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/session/VQBaseException.h>
 
 // A failure with a second text. Thread contract: as VQBaseException.

@@ -32,7 +32,7 @@
 #include <string>
 #include <utility>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // Thread contract: as a std::string; an object belongs to its caller. Compare, CompareNoCase,
 // FindNoCase, MakeUpper and MakeLower follow the process's C locale.

@@ -23,7 +23,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // An execution time: a sign, which is the first character whenever that is no digit; the number
 // with at least three digits; "%" when `in` ends in it. "5" gives "005", "+" gives "+000". Empty

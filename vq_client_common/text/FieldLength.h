@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 // The fields have numbers and no names of their own. The type is fixed so that a number from
 // elsewhere, too high or negative, may be cast to it and asked about.

@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <vector>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/text/BaseString.h>
 
 // Thread contract: an object belongs to its caller. Copying copies every field, the reserved ones

@@ -18,7 +18,7 @@
 #include <string>
 #include <string_view>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 
 namespace vq {
 // What stands between two names of a path.

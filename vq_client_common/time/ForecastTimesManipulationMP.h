@@ -23,10 +23,10 @@
 #include <memory>
 #include <string>
 
+#include <support/Export.h>
 #include <support/os_toolkit/os_date.h>
 #include <support/os_toolkit/os_time_and_date.h>
 #include <support/os_toolkit/os_time_zone.h>
-#include <vq_client_common/Export.h>
 
 // The mark for a time that is absent, in every time field of the suite. It stands just under the
 // largest value of 32 bits; conversions pass it through, and it shows as an empty text.

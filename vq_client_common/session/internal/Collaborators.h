@@ -9,7 +9,7 @@
 
 #include <string>
 
-#include <vq_client_common/Export.h>
+#include <support/Export.h>
 #include <vq_client_common/session/ServerId.h>
 
 class ConnectionSettings;
