@@ -16,9 +16,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!document.Parse(text, error)) return error.empty() ? std::abort(), 0 : 0;
 
   using Kind = vq::ConfigChange::Kind;
-  document.Apply({Kind::SetVar, "default", "-BiDirPolicy", "<1>\r\n"});
-  document.Apply({Kind::RemoveVar, "default", "-PreferIPMask", {}});
-  document.Apply({Kind::RemoveScope, "Test1", {}, {}});
+  document.Apply({Kind::kSetVar, "default", "-BiDirPolicy", "<1>\r\n"});
+  document.Apply({Kind::kRemoveVar, "default", "-PreferIPMask", {}});
+  document.Apply({Kind::kRemoveScope, "Test1", {}, {}});
   const auto written = document.Text();
   vq::ConfigDocument again;
   if (!written || !again.Parse(*written, error) || again.Scopes() != document.Scopes())

@@ -6,8 +6,6 @@
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include <support/configuration/Xml.h>
-
 namespace vq {
 
 namespace {
@@ -31,19 +29,14 @@ class FirstError : public xercesc::HandlerBase {
   std::string m_text;
 };
 
-template <class Release>
-class Released {
- public:
-  explicit Released(Release* object) : m_object(object) {}
-  ~Released() { m_object->release(); }
-  Released(const Released&) = delete;
-  Released& operator=(const Released&) = delete;
-  Release* operator->() const { return m_object; }
-  Release* Get() const { return m_object; }
-
- private:
-  Release* m_object;
+// An object of Xerces that is given back by its release().
+struct CallRelease {
+  void operator()(auto* object) const { object->release(); }
 };
+template <class Object>
+std::unique_ptr<Object, CallRelease> Released(Object* object) {
+  return std::unique_ptr<Object, CallRelease>(object);
+}
 
 xercesc::DOMImplementation* Implementation() {
   return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
@@ -154,15 +147,11 @@ bool ConfigDocument::Parse(std::string_view text, std::string& error) {
                                           text.size(), u"domain");
   SafeXmlParser parser;
   parser.setErrorHandler(&firstError);
-  try {
+  const bool isRead = CatchXml(error, [&] {
     parser.parse(source);
-  } catch (const xercesc::XMLException& failure) {
-    error = Utf8FromXml(failure.getMessage());
-    return false;
-  } catch (const xercesc::DOMException& failure) {
-    error = Utf8FromXml(failure.getMessage());
-    return false;
-  }
+    return true;
+  });
+  if (!isRead) return false;
   error = parser.HasRefusedSubset() ? kNoDoctype : firstError.Text();
   if (error.empty() && parser.getErrorCount() == 0) error = Objection(*parser.getDocument());
   if (!error.empty()) return false;
@@ -193,35 +182,35 @@ void ConfigDocument::Apply(const ConfigChange& change) {
   DOMElement* root = m_document->getDocumentElement();
   DOMElement* scope = Find(root->getFirstChild(), u"scope", scopeName);
   switch (change.kind) {
-    case ConfigChange::Kind::SetVar: {
+    case ConfigChange::Kind::kSetVar: {
       if (scope == nullptr) scope = Append(root, 0, u"scope", scopeName);
       DOMElement* var = Find(scope->getFirstChild(), u"var", name);
       if (var == nullptr) var = Append(scope, 1, u"var", name);
       var->setTextContent(value.c_str());
       break;
     }
-    case ConfigChange::Kind::RemoveVar:
+    case ConfigChange::Kind::kRemoveVar:
       if (scope != nullptr) RemoveAll(scope, u"var", name);
       break;
-    case ConfigChange::Kind::RemoveScope:
+    case ConfigChange::Kind::kRemoveScope:
       RemoveAll(root, u"scope", scopeName);
       break;
   }
 }
 
 std::optional<std::string> ConfigDocument::Text() const {
-  const Released serializer(Implementation()->createLSSerializer());
+  const auto serializer = Released(Implementation()->createLSSerializer());
   serializer->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMXMLDeclaration, false);
   serializer->setNewLine(u"\n");
   std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
   // One by one, because line ends between comments and the root are no part of the document.
   for (DOMNode* node = m_document->getFirstChild(); node != nullptr;
        node = node->getNextSibling()) {
-    const Released output(Implementation()->createLSOutput());
+    const auto output = Released(Implementation()->createLSOutput());
     xercesc::MemBufFormatTarget target;
     output->setEncoding(u"UTF-8");
     output->setByteStream(&target);
-    if (!serializer->write(node, output.Get())) return std::nullopt;
+    if (!serializer->write(node, output.get())) return std::nullopt;
     text.append(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen()) += '\n';
   }
   return text;

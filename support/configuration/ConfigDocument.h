@@ -7,13 +7,12 @@
 //
 //   vq::ConfigDocument document;
 //   if (document.Parse(text, error)) {
-//     document.Apply({vq::ConfigChange::Kind::SetVar, "default", "-BiDirPolicy", "1"});
+//     document.Apply({vq::ConfigChange::Kind::kSetVar, "default", "-BiDirPolicy", "1"});
 //     text = document.Text().value();
 //   }
 #ifndef VQ_SUPPORT_CONFIGURATION_CONFIGDOCUMENT_H
 #define VQ_SUPPORT_CONFIGURATION_CONFIGDOCUMENT_H
 
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,6 +20,7 @@
 
 #include <xercesc/util/XercesDefs.hpp>
 
+#include <support/configuration/ConfigAPI.h>
 #include <support/configuration/Xml.h>
 
 XERCES_CPP_NAMESPACE_BEGIN
@@ -28,17 +28,6 @@ class DOMDocument;
 XERCES_CPP_NAMESPACE_END
 
 namespace vq {
-
-using ConfigVariables = std::map<std::string, std::string>;
-using ConfigScopes = std::map<std::string, ConfigVariables>;
-
-struct ConfigChange {
-  enum class Kind { SetVar, RemoveVar, RemoveScope };
-  Kind kind;
-  std::string scope;
-  std::string name;   // not looked at by RemoveScope
-  std::string value;  // SetVar only
-};
 
 // Thread contract: one thread an object.
 class ConfigDocument {

@@ -19,22 +19,6 @@ std::string SystemError(const std::string& path) {
   return path + ": " + std::generic_category().message(errno);
 }
 
-class Descriptor {
- public:
-  Descriptor(const std::string& path, int flags, mode_t mode = 0)
-      : m_file(::open(path.c_str(), flags | O_CLOEXEC, mode)) {}
-  ~Descriptor() {
-    if (m_file != -1) ::close(m_file);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return m_file; }
-  bool Close() { return ::close(std::exchange(m_file, -1)) == 0; }
-
- private:
-  int m_file;
-};
-
 bool WriteAll(int file, std::string_view text) {
   while (!text.empty()) {
     const ssize_t written = ::write(file, text.data(), text.size());
@@ -49,8 +33,9 @@ bool WriteAll(int file, std::string_view text) {
 // such a file, and brings it to the disk.
 bool WriteDurably(const std::string& path, std::string_view text, const struct stat* former) {
   ::unlink(path.c_str());  // What a writer left that was killed; O_EXCL follows no link.
-  Descriptor file(path, O_WRONLY | O_CREAT | O_EXCL, former != nullptr ? 0600 : 0644);
-  return file.Get() != -1 && WriteAll(file.Get(), text) &&
+  Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                         former != nullptr ? 0600 : 0644));
+  return file.IsOpen() && WriteAll(file.Get(), text) &&
          (former == nullptr || ::fchmod(file.Get(), former->st_mode & 07777U) == 0) &&
          ::fsync(file.Get()) == 0 && file.Close();
 }
@@ -60,16 +45,16 @@ bool WriteDurably(const std::string& path, std::string_view text, const struct s
 ReadResult ReadFile(const std::string& path, std::size_t limit, std::string& text,
                     std::string& error) {
   // O_NONBLOCK, so that a pipe under this name does not stop the process.
-  const Descriptor file(path, O_RDONLY | O_NONBLOCK);
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status {};
-  if (file.Get() == -1 && errno == ENOENT) return ReadResult::Missing;
-  if (file.Get() == -1 || ::fstat(file.Get(), &status) == -1) {
+  if (!file.IsOpen() && errno == ENOENT) return ReadResult::kMissing;
+  if (!file.IsOpen() || ::fstat(file.Get(), &status) == -1) {
     error = SystemError(path);
-    return ReadResult::Failed;
+    return ReadResult::kFailed;
   }
   if (!S_ISREG(status.st_mode)) {
     error = path + ": not a regular file";
-    return ReadResult::Failed;
+    return ReadResult::kFailed;
   }
   std::string content;
   char buffer[16384];
@@ -78,17 +63,17 @@ ReadResult ReadFile(const std::string& path, std::size_t limit, std::string& tex
     if (size == -1 && errno == EINTR) continue;
     if (size == -1) {
       error = SystemError(path);
-      return ReadResult::Failed;
+      return ReadResult::kFailed;
     }
     if (size == 0) break;
     content.append(buffer, static_cast<std::size_t>(size));
     if (content.size() > limit) {
       error = path + ": more than " + std::to_string(limit) + " bytes";
-      return ReadResult::Failed;
+      return ReadResult::kFailed;
     }
   }
   text = std::move(content);
-  return ReadResult::Read;
+  return ReadResult::kRead;
 }
 
 bool ReplaceFile(const std::string& path, std::string_view text, std::string& error) {
@@ -107,17 +92,18 @@ bool ReplaceFile(const std::string& path, std::string_view text, std::string& er
   }
   // The rename itself reaches the disk with its directory. A file system that can't do this on
   // demand does it in its own time; the file is whole in either case.
-  const Descriptor directory(path.substr(0, path.rfind('/') + 1) + ".", O_RDONLY | O_DIRECTORY);
-  if (directory.Get() != -1) ::fsync(directory.Get());
+  const std::string inDirectory = path.substr(0, path.rfind('/') + 1) + ".";
+  const Descriptor directory(::open(inDirectory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (directory.IsOpen()) ::fsync(directory.Get());
   return true;
 }
 
-FileLock::FileLock(const std::string& path, std::chrono::milliseconds wait) {
+FileLock::FileLock(const std::string& path, std::chrono::milliseconds wait)
+    // O_NONBLOCK, so that a pipe under this name does not stop the process.
+    : m_file(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644)) {
   constexpr std::chrono::milliseconds kPause{5};
-  // O_NONBLOCK, so that a pipe under this name does not stop the process.
-  m_file = ::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644);
   struct stat status {};
-  if (m_file == -1 || ::fstat(m_file, &status) == -1) {
+  if (!m_file.IsOpen() || ::fstat(m_file.Get(), &status) == -1) {
     m_error = SystemError(path);
     return;
   }
@@ -127,7 +113,7 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds wait) {
   }
   // The system offers no lock that waits for a limited time.
   const auto end = std::chrono::steady_clock::now() + wait;
-  while (::flock(m_file, LOCK_EX | LOCK_NB) == -1) {
+  while (::flock(m_file.Get(), LOCK_EX | LOCK_NB) == -1) {
     const bool taken = errno == EWOULDBLOCK || errno == EINTR;
     if (!taken || std::chrono::steady_clock::now() >= end) {
       m_error = taken ? path + ": another program is writing" : SystemError(path);
@@ -136,10 +122,6 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds wait) {
     std::this_thread::sleep_for(kPause);
   }
   m_held = true;
-}
-
-FileLock::~FileLock() {
-  if (m_file != -1) ::close(m_file);
 }
 
 }  // namespace vq

@@ -13,13 +13,15 @@
 #include <string>
 #include <string_view>
 
+#include <support/os_toolkit/os_file_system.h>
+
 namespace vq {
 
-enum class ReadResult { Read, Missing, Failed };
+enum class ReadResult { kRead, kMissing, kFailed };
 
-// Reads the regular file at `path` into `text`. `Missing` when there is none. `Failed`, with
+// Reads the regular file at `path` into `text`. `kMissing` when there is none. `kFailed`, with
 // `error` set, when it can't be read, is no regular file or has more than `limit` bytes. `text` is
-// changed by `Read` only. Safe on any thread.
+// changed by `kRead` only. Safe on any thread.
 ReadResult ReadFile(const std::string& path, std::size_t limit, std::string& text,
                     std::string& error);
 
@@ -37,15 +39,12 @@ class FileLock {
  public:
   // Makes the lock file at `path` where it is missing, and waits at most `wait` for its holder.
   FileLock(const std::string& path, std::chrono::milliseconds wait);
-  ~FileLock();
-  FileLock(const FileLock&) = delete;
-  FileLock& operator=(const FileLock&) = delete;
 
   bool Held() const { return m_held; }
   const std::string& Error() const { return m_error; }  // empty when held
 
  private:
-  int m_file = -1;
+  Descriptor m_file;
   bool m_held = false;
   std::string m_error;
 };

@@ -13,7 +13,9 @@
 #include <string>
 #include <string_view>
 
+#include <xercesc/dom/DOMException.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/XMLException.hpp>
 
 namespace vq {
 
@@ -63,6 +65,20 @@ std::optional<std::u16string> XmlFromUtf8(std::string_view text);
 
 // Null gives the empty text.
 std::string Utf8FromXml(const char16_t* text);
+
+// Runs `step`, which returns a bool. Returns false, with the text of the exception in `error`, when
+// Xerces throws one.
+template <class Step>
+bool CatchXml(std::string& error, Step step) {
+  try {
+    return step();
+  } catch (const xercesc::XMLException& failure) {
+    error = Utf8FromXml(failure.getMessage());
+  } catch (const xercesc::DOMException& failure) {
+    error = Utf8FromXml(failure.getMessage());
+  }
+  return false;
+}
 
 }  // namespace vq
 

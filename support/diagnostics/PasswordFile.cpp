@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 
 #include <support/diagnostics/TDiag.h>
+#include <support/os_toolkit/os_file_system.h>
 #include <support/security/SecretString.h>
 
 namespace {
@@ -20,21 +21,6 @@ namespace {
 TDiagRegister diagModule("PasswordFile");
 
 constexpr std::size_t kLongestFile = 64U * 1024U;
-
-// Closes a file descriptor. Thread contract: belongs to one thread.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : m_number(number) {}
-  ~Descriptor() {
-    if (m_number >= 0) close(m_number);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Number() const { return m_number; }
-
- private:
-  int m_number;
-};
 
 // What speaks against the open file; empty for nothing.
 std::string WhyNotPrivate(int file) {
@@ -71,16 +57,16 @@ const char* ReadAll(int file, std::string& text) {
 std::string ReadFile(const std::string& path, std::string& user, std::string& password) {
   if (path.find('\0') != std::string::npos) return "its name holds a zero byte";
   // Without O_NONBLOCK a named pipe would wait here for somebody to write to it.
-  const Descriptor file(
+  const vq::Descriptor file(
       open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
-  if (file.Number() < 0) {
+  if (!file.IsOpen()) {
     if (errno == ELOOP) return "it is a symbolic link; name the file itself";
     return std::generic_category().message(errno);
   }
-  if (std::string reason = WhyNotPrivate(file.Number()); !reason.empty()) return reason;
+  if (std::string reason = WhyNotPrivate(file.Get()); !reason.empty()) return reason;
 
   vq::SecretString text;
-  const char* reason = ReadAll(file.Number(), text.Text());
+  const char* reason = ReadAll(file.Get(), text.Text());
   if (reason == nullptr) reason = vq::ParsePasswordFile(text.Text(), user, password);
   return reason != nullptr ? reason : "";
 }

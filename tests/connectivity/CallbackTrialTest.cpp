@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/configuration/ConfigAPI.h>
 #include <support/foundations/Locations.h>
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/connectivity/TestCallbackI.h>

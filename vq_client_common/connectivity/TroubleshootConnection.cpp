@@ -9,7 +9,6 @@
 #include <stdexcept>
 
 #include <support/configuration/ConfigAPI.h>
-#include <support/configuration/ConfigAPIFactoryXML.h>
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Locations.h>
 #include <support/foundations/ReplaceFirst.h>

@@ -186,7 +186,7 @@ bool ClientProperties::LoadProperties() {
   VQ_LOG(diag, 5) << "Parsing client properties file: " << AsPointerText(&path);
   std::string content;
   std::string error;
-  if (vq::ReadFile(path, kLargestFile, content, error) != vq::ReadResult::Read) {
+  if (vq::ReadFile(path, kLargestFile, content, error) != vq::ReadResult::kRead) {
     VQ_LOG(diag, 1) << "Args file parsing had errors";
     return false;
   }

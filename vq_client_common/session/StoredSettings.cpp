@@ -4,7 +4,6 @@
 #include <memory>
 
 #include <support/configuration/ConfigAPI.h>
-#include <support/configuration/ConfigAPIFactoryXML.h>
 #include <support/foundations/Locations.h>
 
 namespace vq {

@@ -7,9 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/configuration/ConfigAPI.h>
 #include <support/configuration/ConfigDocument.h>
-#include <support/configuration/ConfigXml.h>
 #include <support/configuration/SafeFile.h>
 #include <tests/HostileXml.h>
 
@@ -120,7 +119,7 @@ TEST_F(ConfigAPITest, AMalformedFileFailsToLoadAndIsNeverOverwritten) {
 TEST_F(ConfigAPITest, WhatIsNoReadableFileFails) {
   fs::create_directory(m_directory / "directory.xml");
   ASSERT_EQ(::mkfifo((m_directory / "pipe.xml").c_str(), 0600), 0);
-  const std::string blanks(vq::ConfigXml::kLargestFile, ' ');
+  const std::string blanks(ConfigAPI::kLargestFile, ' ');
   m_directory.Write("large.xml", "<domain>" + blanks + "</domain>");
   for (const std::string& name : {""s, "../vq"s, "directory\0"s, "directory"s, "pipe"s, "large"s}) {
     const auto domain = Domain(name);
@@ -134,7 +133,7 @@ TEST_F(ConfigAPITest, WritersDoNotUndoOneAnotherAndWaitALimitedTime) {
                     "<domain><scope name='default'><var name='a'>1</var>"
                     "<var name='b'>1</var></scope></domain>");
   const auto first = Loaded();
-  vq::ConfigXml second(m_directory.Path(), "vq", std::chrono::milliseconds(20));
+  ConfigAPI second(m_directory.Path(), "vq", std::chrono::milliseconds(20));
   first->SetVar("default", "a", "first");
   first->RemoveVar("default", "b");
   second.SetVar("second", "c", "2");
@@ -157,7 +156,7 @@ TEST_F(ConfigAPITest, AStrongerLayerHidesTheWeakerOneWhateverTheScope) {
       "<scope name='GUI'><var name='b'>2</var><var name='c'>2</var></scope></domain>");
   m_directory.Write("user/vq.xml",
                     "<domain><scope name='default'><var name='b'>3</var></scope></domain>");
-  vq::ConfigXml domain(m_directory / "user", "vq", std::chrono::seconds(1), m_directory / "host");
+  ConfigAPI domain(m_directory / "user", "vq", std::chrono::seconds(1), m_directory / "host");
   ASSERT_TRUE(domain.Load()) << domain.Error();
   const auto inForce = [&] {
     std::map<std::string, std::string> table;
@@ -281,10 +280,10 @@ TEST_F(ConfigDocumentTest, WhatItDoesNotKnowStaysWhereItStands) {
 )")) << error;
   EXPECT_EQ(document.Scopes(),
             (vq::ConfigScopes{{"default", {{"a", "1"}}}, {"Test1", {{"a", "2"}}}}));
-  document.Apply({Kind::SetVar, "default", "a", "3"});
-  document.Apply({Kind::SetVar, "default", "b", "4"});
-  document.Apply({Kind::RemoveScope, "Test1", {}, {}});
-  document.Apply({Kind::RemoveVar, "default", "none", {}});
+  document.Apply({Kind::kSetVar, "default", "a", "3"});
+  document.Apply({Kind::kSetVar, "default", "b", "4"});
+  document.Apply({Kind::kRemoveScope, "Test1", {}, {}});
+  document.Apply({Kind::kRemoveVar, "default", "none", {}});
   EXPECT_THAT(document.Text().value(),
               HasSubstr("?>\n" + before + R"(    <var name="a">3</var> <!-- why -->
     <var name="b">4</var>
@@ -298,9 +297,9 @@ TEST_F(ConfigDocumentTest, OfTwoTheFirstCountsAndRemovingTakesAll) {
       Parses("<domain><scope name='s'><var name='a'>1</var><var name='a'>2</var></scope>"
              "<scope name='s'><var name='b'/></scope></domain>"));
   EXPECT_EQ(document.Scopes(), (vq::ConfigScopes{{"s", {{"a", "1"}}}}));
-  document.Apply({Kind::RemoveVar, "s", "a", {}});
+  document.Apply({Kind::kRemoveVar, "s", "a", {}});
   EXPECT_EQ(document.Scopes(), (vq::ConfigScopes{{"s", {}}}));
-  document.Apply({Kind::RemoveScope, "s", {}, {}});
+  document.Apply({Kind::kRemoveScope, "s", {}, {}});
   EXPECT_EQ(document.Scopes(), vq::ConfigScopes{});
 }
 

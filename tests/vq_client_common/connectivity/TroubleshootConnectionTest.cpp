@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/configuration/ConfigAPI.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>
 #include <tests/fixture/TemporaryDirectory.h>

@@ -1,24 +1,22 @@
-#include <support/configuration/ConfigXml.h>
+#include <support/configuration/ConfigAPI.h>
 
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
-#include <xercesc/dom/DOMException.hpp>
-#include <xercesc/util/XMLException.hpp>
-
-#include <support/configuration/ConfigAPIFactoryXML.h>
+#include <support/configuration/ConfigDocument.h>
 #include <support/configuration/SafeFile.h>
 #include <support/configuration/Xml.h>
 #include <support/foundations/Locations.h>
 
-namespace vq {
-
 namespace {
 
+using vq::ConfigChange;
+using vq::ConfigDocument;
+using vq::ConfigScopes;
+
 constexpr char kDefaultScope[] = "default";
-constexpr std::chrono::seconds kWaitForOtherWriters{10};
 
 // The file that is read and replaced. A symbolic link is followed, so that a save replaces the file
 // that it names and not the link.
@@ -47,53 +45,47 @@ ConfigScopes Over(const ConfigScopes& own, ConfigScopes weaker) {
   return weaker;
 }
 
-// Runs `step`, which returns a bool, and turns what the XML library throws into a text. A start
-// takes 2 ms, so the library stays started once it was needed.
+// Runs `step`, which returns a bool, with the XML library started. A start takes 2 ms, so the
+// library stays started once it was needed.
 template <class Step>
 bool Guarded(std::string& error, Step step) {
   try {
-    [[maybe_unused]] static const XmlSession& xml = *new XmlSession;
-    try {
-      return step();
-    } catch (const xercesc::XMLException& failure) {
-      error = Utf8FromXml(failure.getMessage());
-    } catch (const xercesc::DOMException& failure) {
-      error = Utf8FromXml(failure.getMessage());
-    }
+    [[maybe_unused]] static const vq::XmlSession& xml = *new vq::XmlSession;
+    return vq::CatchXml(error, step);
   } catch (const xercesc::XMLException&) {
     error = "the XML library does not start";
+    return false;
   }
-  return false;
 }
 
 }  // namespace
 
-ConfigXml::ConfigXml(const std::string& directory, const std::string& name,
+ConfigAPI::ConfigAPI(const std::string& directory, const std::string& name,
                      std::chrono::milliseconds wait, const std::string& below)
     : m_path(PathOf(directory, name)),
       m_below(below.empty() ? "" : PathOf(below, name)),
       m_wait(wait) {}
 
-bool ConfigXml::Complain(const std::string& error) {
+bool ConfigAPI::Complain(const std::string& error) {
   m_error = error;
   return false;
 }
 
-bool ConfigXml::ReadInto(const std::string& path, ConfigDocument& document) {
+bool ConfigAPI::ReadInto(const std::string& path, ConfigDocument& document) {
   std::string text;
   std::string error;
-  switch (ReadFile(path, kLargestFile, text, error)) {
-    case ReadResult::Missing:
+  switch (vq::ReadFile(path, kLargestFile, text, error)) {
+    case vq::ReadResult::kMissing:
       return true;
-    case ReadResult::Failed:
+    case vq::ReadResult::kFailed:
       return Complain(error);
-    case ReadResult::Read:
+    case vq::ReadResult::kRead:
       break;
   }
   return document.Parse(text, error) || Complain(path + ": " + error);
 }
 
-std::optional<ConfigScopes> ConfigXml::ReadScopes(const std::string& path) {
+std::optional<ConfigScopes> ConfigAPI::ReadScopes(const std::string& path) {
   std::error_code error;
   if (path.empty() || (!std::filesystem::exists(path, error) && !error)) return ConfigScopes();
   std::optional<ConfigScopes> scopes;
@@ -106,7 +98,7 @@ std::optional<ConfigScopes> ConfigXml::ReadScopes(const std::string& path) {
   return scopes;
 }
 
-bool ConfigXml::Load() {
+bool ConfigAPI::Load() {
   m_error.clear();
   if (m_path.empty()) return Complain("the domain has no name that a file can have");
   const std::optional<ConfigScopes> own = ReadScopes(m_path);
@@ -119,13 +111,13 @@ bool ConfigXml::Load() {
   return true;
 }
 
-bool ConfigXml::Save() {
+bool ConfigAPI::Save() {
   m_error.clear();
   if (m_path.empty()) return Complain("the domain has no name that a file can have");
   if (m_changes.empty()) return true;
   std::error_code failure;
   std::filesystem::create_directories(std::filesystem::path(m_path).parent_path(), failure);
-  const FileLock lock(m_path + ".lock", m_wait);
+  const vq::FileLock lock(m_path + ".lock", m_wait);
   if (!lock.Held()) return Complain(lock.Error());
   return Guarded(m_error, [this] {
     ConfigDocument document;
@@ -133,14 +125,14 @@ bool ConfigXml::Save() {
     for (const ConfigChange& change : m_changes) document.Apply(change);
     const auto text = document.Text();
     if (!text) return Complain(m_path + ": the domain can't be written as XML");
-    if (!ReplaceFile(m_path, *text, m_error)) return false;
+    if (!vq::ReplaceFile(m_path, *text, m_error)) return false;
     m_scopes = Over(document.Scopes(), m_weaker);
     m_changes.clear();
     return true;
   });
 }
 
-std::optional<std::string> ConfigXml::GetVar(const std::string& scope,
+std::optional<std::string> ConfigAPI::GetVar(const std::string& scope,
                                              const std::string& name) const {
   const auto inScope = m_scopes.find(scope);
   if (inScope == m_scopes.end()) return std::nullopt;
@@ -149,33 +141,33 @@ std::optional<std::string> ConfigXml::GetVar(const std::string& scope,
   return found->second;
 }
 
-bool ConfigXml::SetVar(const std::string& scope, const std::string& name,
+bool ConfigAPI::SetVar(const std::string& scope, const std::string& name,
                        const std::string& value) {
   std::string ignored;
   const bool canBeWritten = Guarded(ignored, [&] {
-    return !scope.empty() && !name.empty() && XmlFromUtf8(scope) && XmlFromUtf8(name) &&
-           XmlFromUtf8(value);
+    return !scope.empty() && !name.empty() && vq::XmlFromUtf8(scope) && vq::XmlFromUtf8(name) &&
+           vq::XmlFromUtf8(value);
   });
   if (!canBeWritten) return false;
   m_scopes[scope][name] = value;
-  m_changes.push_back({ConfigChange::Kind::SetVar, scope, name, value});
+  m_changes.push_back({ConfigChange::Kind::kSetVar, scope, name, value});
   return true;
 }
 
-bool ConfigXml::RemoveVar(const std::string& scope, const std::string& name) {
+bool ConfigAPI::RemoveVar(const std::string& scope, const std::string& name) {
   const auto inScope = m_scopes.find(scope);
   if (inScope == m_scopes.end() || inScope->second.erase(name) == 0) return false;
-  m_changes.push_back({ConfigChange::Kind::RemoveVar, scope, name, {}});
+  m_changes.push_back({ConfigChange::Kind::kRemoveVar, scope, name, {}});
   return true;
 }
 
-bool ConfigXml::RemoveScope(const std::string& scope) {
+bool ConfigAPI::RemoveScope(const std::string& scope) {
   if (m_scopes.erase(scope) == 0) return false;
-  m_changes.push_back({ConfigChange::Kind::RemoveScope, scope, {}, {}});
+  m_changes.push_back({ConfigChange::Kind::kRemoveScope, scope, {}, {}});
   return true;
 }
 
-std::list<std::string> ConfigXml::GetScopes() const {
+std::list<std::string> ConfigAPI::GetScopes() const {
   std::list<std::string> names;
   for (const auto& [name, variables] : m_scopes) {
     name == kDefaultScope ? names.push_front(name) : names.push_back(name);
@@ -183,7 +175,7 @@ std::list<std::string> ConfigXml::GetScopes() const {
   return names;
 }
 
-void ConfigXml::GetScopeAndDefaultVars(const std::string& scope,
+void ConfigAPI::GetScopeAndDefaultVars(const std::string& scope,
                                        std::map<std::string, std::string>& table) const {
   for (const std::string& from : {std::string(kDefaultScope), scope}) {
     const auto found = m_scopes.find(from);
@@ -192,16 +184,14 @@ void ConfigXml::GetScopeAndDefaultVars(const std::string& scope,
   }
 }
 
-}  // namespace vq
-
 std::unique_ptr<ConfigAPI> ConfigAPIFactoryXML::Create(const std::string& directory,
                                                        const std::string& name) {
-  return std::make_unique<vq::ConfigXml>(directory, name, vq::kWaitForOtherWriters);
+  return std::make_unique<ConfigAPI>(directory, name);
 }
 
 std::unique_ptr<ConfigAPI> ConfigAPIFactoryXML::CreateInForce() {
   const std::string directory = GetConfigDomainsDir();
   const std::string host = vq::GetConfigDomainsDirs().back();
-  return std::make_unique<vq::ConfigXml>(directory, GetConfigDomainName(), vq::kWaitForOtherWriters,
-                                         host == directory ? "" : host);
+  return std::make_unique<ConfigAPI>(directory, GetConfigDomainName(), std::chrono::seconds(10),
+                                     host == directory ? "" : host);
 }
