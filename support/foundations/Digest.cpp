@@ -1,11 +1,14 @@
 #include <support/foundations/Digest.h>
 
 #include <array>
+#include <span>
+#include <string>
 
 #include <openssl/evp.h>
 
+#include <support/security/ChallengeResponse.h>
+
 bool CalcMD5(const char* text, std::size_t length, int /*reserved*/, char* buffer) {
-  static constexpr char kDigits[] = "0123456789abcdef";
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
   std::size_t size = 0;
   buffer[0] = '\0';
@@ -13,11 +16,8 @@ bool CalcMD5(const char* text, std::size_t length, int /*reserved*/, char* buffe
       size != 16) {
     return false;
   }
-  char* out = buffer;
-  for (std::size_t i = 0; i < size; ++i) {
-    *out++ = kDigits[digest[i] >> 4U];
-    *out++ = kDigits[digest[i] & 0xFU];
-  }
-  *out = '\0';
+  std::string digits;
+  vq::AppendHex(std::span(digest).first(size), digits);
+  buffer[digits.copy(buffer, digits.size())] = '\0';
   return true;
 }

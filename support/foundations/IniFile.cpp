@@ -1,10 +1,22 @@
 #include <support/foundations/IniFile.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
 #include <cstring>
+#include <ctime>
 #include <fstream>
+#include <mutex>
+
+#include <sys/stat.h>
 
 #include <ini.h>
+
+#include <support/diagnostics/TDiag.h>
+#include <support/foundations/Locations.h>
+#include <support/foundations/Platform.h>
+#include <support/os_toolkit/os_tokenizer.h>
 
 namespace vq {
 
@@ -72,3 +84,95 @@ std::optional<std::string> IniFile::Get(std::string_view section, std::string_vi
 }
 
 }  // namespace vq
+
+namespace {
+
+TDiagRegister diagModule("ProductVersion");
+
+std::list<std::string> SplitPatches(const std::string& text) {
+  constexpr std::string_view kBlanks = " \t\r";
+  std::list<std::string> patches;
+  for (std::string patch : os_tokenizer(text, ",\n")) {  // a list may go over several lines
+    patch.erase(0, patch.find_first_not_of(kBlanks));
+    patch.erase(patch.find_last_not_of(kBlanks) + 1);
+    if (!patch.empty()) patches.push_back(patch);
+  }
+  return patches;
+}
+
+// Differs whenever a file was written or replaced. All zero for a missing file, and for one that
+// changed within the last two seconds: another change in the same tick of the file system's clock
+// would not show.
+using FileState = std::array<std::int64_t, 4>;
+FileState StateOf(const std::string& path) {
+  struct stat file {};
+  if (::stat(path.c_str(), &file) != 0) return {};
+  if (std::time(nullptr) - file.st_ctim.tv_sec <= 2) return {};
+  return {static_cast<std::int64_t>(file.st_dev), static_cast<std::int64_t>(file.st_ino),
+          file.st_ctim.tv_sec, file.st_ctim.tv_nsec};
+}
+
+// The last look-up, kept so that a login reads the file only when it has changed.
+struct LookUp {
+  std::string path, product;
+  FileState state{};
+  std::string version{};
+  std::list<std::string> patches{};
+};
+
+LookUp LookUpProduct(const std::string& path, const std::string& product) {
+  // The state before the content: a file that is replaced in between is read again next time.
+  LookUp found{path, product, StateOf(path)};
+  const vq::IniFile content(path);
+  if (content.FirstBadLine() != 0) {
+    const TDiagFunc diag(diagModule, "GetProductVersion");
+    VQ_LOG(diag, 1) << "Line " << content.FirstBadLine() << " of " << path
+                    << " is left out: it is no setting or has more than "
+                    << vq::IniFile::kLongestLine << " bytes";
+  }
+  found.version = content.Get(product, "version").value_or("");
+  found.patches = SplitPatches(content.Get(product, "patches").value_or(""));
+  return found;
+}
+
+bool ReadWholeNumber(const std::string& text, int& value) {
+  int number = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc{} || stop != end) return false;
+  value = number;
+  return true;
+}
+
+}  // namespace
+
+int GetProductVersion(const std::string& product, std::string& version,
+                      std::list<std::string>& patches) {
+  static std::mutex mutex;
+  static auto& last = *new LookUp;  // never destroyed
+  const std::string path = GetVQRootLocation() + "installed-products.ini";
+  const std::lock_guard lock(mutex);
+  const FileState state = StateOf(path);
+  const bool isKnown =
+      state != FileState{} && state == last.state && path == last.path && product == last.product;
+  if (!isKnown) last = LookUpProduct(path, product);
+  if (last.version.empty()) return 0;
+  version = last.version;
+  patches = last.patches;
+  return 1;
+}
+
+bool GetProfileIntFromCurrentUserOrLocalMachine(const std::string& location,
+                                                const std::string& section, const std::string& key,
+                                                int& value, bool userFirst) {
+  std::array directories{vq::GetUserSettingsDirectory(),
+                         vq::Platform::Current().MachineSettingsDirectory()};
+  if (!userFirst) std::swap(directories[0], directories[1]);
+  const std::string inside = location.empty() ? "" : location + "/";
+  for (const std::string& directory : directories) {
+    if (directory.empty()) continue;
+    const auto text = vq::IniFile(directory + inside + "profile.ini").Get(section, key);
+    if (text && ReadWholeNumber(*text, value)) return true;
+  }
+  return false;
+}

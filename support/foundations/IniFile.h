@@ -1,4 +1,5 @@
-// A settings file of sections with names and values.
+// INI files: their reader, and the two things that are read from them, versions of installed
+// products and profile settings.
 //
 //   ; a comment
 //   [NFT]
@@ -6,26 +7,46 @@
 //   patches = PATCH.001, PATCH.002
 //       PATCH.003                       ; an indented line continues the value before it
 //
-// Sections and names are told apart without regard to the case of ASCII letters. Blanks around
-// names and values do not count. A value ends before a blank that a semicolon follows.
+// Sections and names are compared without regard to the case of ASCII letters. Blanks around names
+// and values do not count. A value ends before a blank that a semicolon follows.
 #ifndef VQ_SUPPORT_FOUNDATIONS_INIFILE_H
 #define VQ_SUPPORT_FOUNDATIONS_INIFILE_H
 
 #include <cstddef>
 #include <istream>
+#include <list>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+// Looks `product` up in "installed-products.ini" under the root (GetVQRootLocation), which has one
+// section a product, as above; a list of patches may continue on indented lines. Found: returns 1,
+// `version` is its version and `patches` its patches in the order of the file, without blanks
+// around them; none leaves an empty list. Otherwise - no file, no such product, or one without a
+// version - returns 0 and leaves both as they are. A bad line of the file is left out, and a line
+// of the log at level 1 names the first one.
+int GetProductVersion(const std::string& product, std::string& version,
+                      std::list<std::string>& patches);
+
+// Reads a whole decimal number from the profile settings, two files "profile.ini": the user's in
+// vq::GetUserSettingsDirectory(), which a set-user-ID program does not read, and the host's in
+// "/etc/vq/". True when one of them has it; `value` is then the number, and otherwise unchanged.
+// With `userFirst` the user's value wins over the host's, without it the host's over the user's.
+// `location` is a subdirectory of both directories; empty for none. A value that is not a whole
+// number, or does not fit an int, counts as missing.
+bool GetProfileIntFromCurrentUserOrLocalMachine(const std::string& location,
+                                                const std::string& section, const std::string& key,
+                                                int& value, bool userFirst);
+
 namespace vq {
 
 // The content of one file as it was when it was read. A line that is not of the form above, or has
-// more than kLongestLine bytes, is left out alone; FirstBadLine tells which.
+// more than kLongestLine bytes, is left out; FirstBadLine returns its number.
 class IniFile {
  public:
-  // Bytes of a line: what the parser's buffer takes.
+  // Bytes of a line: the size of the parser's buffer.
   static constexpr std::size_t kLongestLine = 197;
 
   // Reads the file at `path`; one that is missing or does not open reads as empty.

@@ -44,15 +44,6 @@ void ToBase64Url(const Digest& digest, std::string& out) {
   if (count > 0) out += kAlphabet[bits << (6 - count) & 0x3FU];
 }
 
-void ToHex(const Digest& digest, std::string& out) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  out.reserve(kDigestSize * 2);
-  for (const unsigned char byte : digest.bytes) {
-    out += kDigits[byte >> 4U];
-    out += kDigits[byte & 0xFU];
-  }
-}
-
 void AppendWithLength(const std::string& text, std::string& message) {
   const auto length = static_cast<std::uint64_t>(text.size());
   for (int shift = 56; shift >= 0; shift -= 8) {
@@ -89,5 +80,14 @@ void MakeChallengeResponse(const std::string& first, const std::string& second,
   if (!done || written != kDigestSize) {
     throw std::runtime_error("MakeChallengeResponse: no HMAC-SHA-256");
   }
-  ToHex(digest, response);
+  vq::AppendHex(digest.bytes, response);
+}
+
+void vq::AppendHex(std::span<const unsigned char> bytes, std::string& text) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  text.reserve(text.size() + 2 * bytes.size());  // so that no copy of a secret is left behind
+  for (const unsigned char byte : bytes) {
+    text += kDigits[byte >> 4U];
+    text += kDigits[byte & 0xFU];
+  }
 }

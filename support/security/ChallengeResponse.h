@@ -25,6 +25,7 @@
 #ifndef VQ_SUPPORT_SECURITY_CHALLENGERESPONSE_H
 #define VQ_SUPPORT_SECURITY_CHALLENGERESPONSE_H
 
+#include <span>
 #include <string>
 
 // Sets `result` to the checksum of `text`: 43 printable characters, also for an empty text.
@@ -34,5 +35,12 @@ void ChkSum(const std::string& text, std::string& result);
 // Each text may hold any bytes and may be empty.
 void MakeChallengeResponse(const std::string& first, const std::string& second,
                            const std::string& password, std::string& response);
+
+namespace vq {
+
+// Appends two digits of 0-9 a-f for each byte.
+void AppendHex(std::span<const unsigned char> bytes, std::string& text);
+
+}  // namespace vq
 
 #endif  // VQ_SUPPORT_SECURITY_CHALLENGERESPONSE_H

@@ -32,7 +32,7 @@ KINDS = (
 WRAPPERS = {
     "support/foundations/Environment": r"GetEnv(Or)?\(const char\* name|secure_getenv\(name",
     "support/foundations/Locations": r"GetEnvOr\(variable|UserDirectory\(const char\* variable",
-    "support/foundations/ProfileSettings": r"GetProfileIntFromCurrentUserOrLocalMachine\(",
+    "support/foundations/IniFile": r"GetProfileIntFromCurrentUserOrLocalMachine\(",
     # shows what others read
     "vq_client_common/session/SettingsReport": r"GetEnvOr\(variable|GetEnv\(name",
     "vq_client_common/session/Session": r"GetSystemParameter\(name",

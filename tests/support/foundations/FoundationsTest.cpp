@@ -8,8 +8,6 @@
 #include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
 #include <support/foundations/Platform.h>
-#include <support/foundations/ProductVersion.h>
-#include <support/foundations/ProfileSettings.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>

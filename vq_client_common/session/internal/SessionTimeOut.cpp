@@ -3,7 +3,7 @@
 #include <string>
 
 #include <support/diagnostics/TDiag.h>
-#include <support/foundations/ProfileSettings.h>
+#include <support/foundations/IniFile.h>
 #include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 
