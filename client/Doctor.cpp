@@ -36,7 +36,7 @@ constexpr std::array kTlsAdvice{
         "Have a certificate made that names the server's host, or let the server publish the name "
         "that its certificate has."},
     Advice{
-        "its authority is unknown",
+        "its CA is unknown",
         "Give the file with the CA of the server's certificate: --ca FILE, or vqclient config set "
         "ca FILE."},
     Advice{"it is self-signed",

@@ -1,14 +1,17 @@
 // The one-line cause of the last failed remote call, for a person: what an ORB's exception cannot
 // carry ("unknown CA", "connection refused at host:port").
 //
-//   vq::orb::TakeCause();                                // forget what earlier calls left
-//   try { server->CRB_Ping(); } catch (const CORBA::SystemException&) {
-//     Show(vq::orb::TakeCause());                        // may be empty
+//   vq::orb::TakeCause();                                // forget the causes of earlier calls
+//   try { server->CRB_Ping(); } catch (const CORBA::SystemException& e) {
+//     vq::orb::NoteFailedCall(e, server);
+//     Show(vq::orb::TakeCause());
 //   }
 #ifndef VQ_SUPPORT_ORB_FAILURECAUSE_H
 #define VQ_SUPPORT_ORB_FAILURECAUSE_H
 
 #include <string>
+
+#include <support/orb/Corba.h>
 
 namespace vq::orb {
 
@@ -18,6 +21,12 @@ void NoteCause(std::string cause) noexcept;
 
 // The cause noted last on this thread, which is forgotten; empty when none was noted since.
 std::string TakeCause() noexcept;
+
+// Finds out why a remote call failed and notes that. Does nothing when a cause has been noted since
+// the call began, which is more precise. Where no connection came about it looks the host up and
+// tries to connect once, for a second at most; `target` may be nil. Without a better cause, the
+// exception's own text is noted.
+void NoteFailedCall(const CORBA::Exception& exception, CORBA::Object_ptr target) noexcept;
 
 }  // namespace vq::orb
 

@@ -8,6 +8,9 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <support/configuration/ConfigAPI.h>
+#include <support/foundations/Locations.h>
+
 namespace vq::orb {
 namespace {
 
@@ -144,6 +147,28 @@ OrbArguments SplitArguments(int argc, const char* const* argv) {
     arguments.options.emplace(argument, argv[++i]);
   }
   return arguments;
+}
+
+bool ReadDomainScopes(const std::string& scope, DomainScopes& domain) {
+  const std::string name = GetConfigDomainName();
+  for (const std::string& directory : GetConfigDomainsDirs()) {
+    const std::string& file = domain.files.emplace_back(directory + name + ".xml");
+    ConfigAPI layer(directory, name);
+    if (!layer.Load()) {
+      domain.error = "The configuration domain " + file +
+                     " cannot be read; correct the file or remove it: " + layer.Error();
+      return false;
+    }
+    for (const std::string& from : {scope, std::string("default")}) {
+      SettingScope& values = domain.scopes.emplace_back();
+      values.origin = file + ", " + from;
+      for (const std::string_view known : KnownSettingNames()) {
+        const std::string setting(known);
+        if (const auto value = layer.GetVar(from, setting)) values.values[setting] = *value;
+      }
+    }
+  }
+  return true;
 }
 
 OrbSettings ResolveSettings(const OrbArguments& arguments,

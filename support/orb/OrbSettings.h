@@ -7,8 +7,8 @@
 //   3. the host's layer, likewise,
 //   4. the built-in value.
 //
-// Everything here is plain data and pure functions: no ORB product, no file and no environment, so
-// that a table can test it. QCSOrbCommon brings the sources together.
+// ReadDomainScopes reads the files of the domain. Everything else here is plain data and pure
+// functions, without ORB product, file or environment, so that a table can test it.
 #ifndef VQ_SUPPORT_ORB_ORBSETTINGS_H
 #define VQ_SUPPORT_ORB_ORBSETTINGS_H
 
@@ -105,6 +105,18 @@ std::vector<std::string_view> KnownSettingNames();
 // Takes our own options with their values out of an argument vector. `argv` may be null when `argc`
 // is 0. A known option without a value raises std::invalid_argument.
 OrbArguments SplitArguments(int argc, const char* const* argv);
+
+// The scopes of the configuration domain that concern one ORB: in each layer its own and "default".
+struct DomainScopes {
+  std::vector<std::string> files;    // the domain's, the strongest layer first; they need not exist
+  std::vector<SettingScope> scopes;  // the strongest first
+  std::string error;
+};
+
+// Reads the domain that the environment names (docs/configuration.md) for the ORB of that scope. A
+// domain without a file has empty scopes. False, with the reason in `error`, when a file cannot be
+// read.
+bool ReadDomainScopes(const std::string& scope, DomainScopes& domain);
 
 // Applies the order above. A value that is not of its setting's form raises std::invalid_argument
 // with a text that names the setting, the value and the form. `scopes` are those of the domain that

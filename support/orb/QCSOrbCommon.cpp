@@ -9,8 +9,6 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
-#include <support/orb/DomainScopes.h>
-#include <support/orb/FailedCall.h>
 #include <support/orb/FailureCause.h>
 #include <support/orb/NamingService.h>
 #include <support/orb/OrbProduct.h>

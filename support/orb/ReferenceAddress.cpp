@@ -1,8 +1,9 @@
 #include <support/orb/ReferenceAddress.h>
 
 #include <array>
+#include <charconv>
 #include <cstdint>
-#include <optional>
+#include <system_error>
 #include <vector>
 
 #include <support/orb/OrbProduct.h>
@@ -78,40 +79,40 @@ class CdrReader {
   bool m_ok = false;
 };
 
-std::optional<std::uint8_t> HexDigit(char c) {
-  if (c >= '0' && c <= '9') return static_cast<std::uint8_t>(c - '0');
-  if (c >= 'a' && c <= 'f') return static_cast<std::uint8_t>(c - 'a' + 10);
-  if (c >= 'A' && c <= 'F') return static_cast<std::uint8_t>(c - 'A' + 10);
-  return std::nullopt;
-}
-
 bool DecodeHex(std::string_view text, std::vector<std::uint8_t>& bytes) {
   if (text.size() % 2 != 0) return false;
-  bytes.reserve(text.size() / 2);
-  for (std::size_t i = 0; i < text.size(); i += 2) {
-    const auto high = HexDigit(text[i]);
-    const auto low = HexDigit(text[i + 1]);
-    if (!high || !low) return false;
-    bytes.push_back(static_cast<std::uint8_t>(*high << 4U | *low));
+  bytes.resize(text.size() / 2);
+  const char* digits = text.data();
+  for (std::uint8_t& byte : bytes) {
+    const auto [end, error] = std::from_chars(digits, digits + 2, byte, 16);
+    if (error != std::errc() || end != digits + 2) return false;
+    digits = end;
   }
   return true;
 }
 
-AddressFault ReadProfile(const std::uint8_t* data, std::size_t size, ReferenceAddress& address) {
-  CdrReader profile(data, size);
-  std::uint8_t major = 0;
-  std::uint8_t minor = 0;
+// The begin of a profile for IIOP.
+struct ProfileHead {
+  std::uint8_t minor = 0;  // of the version
   std::string host;
   std::uint16_t port = 0;
-  if (!profile.Ok() || !profile.Octet(major) || !profile.Octet(minor) || major != 1 ||
-      !profile.Text(host) || !profile.Short(port)) {
-    return AddressFault::kInvalidProfile;
-  }
-  const std::string number = std::to_string(port);
-  if (host.empty() || host.size() + 1 + number.size() > kLongestAddress) {
+};
+
+bool ReadHead(CdrReader& profile, ProfileHead& head) {
+  std::uint8_t major = 0;
+  return profile.Ok() && profile.Octet(major) && profile.Octet(head.minor) && major == 1 &&
+         profile.Text(head.host) && profile.Short(head.port);
+}
+
+AddressFault ReadProfile(const std::uint8_t* data, std::size_t size, ReferenceAddress& address) {
+  CdrReader profile(data, size);
+  ProfileHead head;
+  if (!ReadHead(profile, head)) return AddressFault::kInvalidProfile;
+  const std::string port = std::to_string(head.port);
+  if (head.host.empty() || head.host.size() + 1 + port.size() > kLongestAddress) {
     return AddressFault::kNoAddress;
   }
-  address = {host, number};
+  address = {head.host, port};
   return AddressFault::kNone;
 }
 
@@ -144,18 +145,11 @@ void ReadComponents(CdrReader& profile, std::vector<ReferenceEndpoint>& endpoint
 void ReadEndpoints(const std::uint8_t* data, std::size_t size, int number,
                    std::vector<ReferenceEndpoint>& endpoints) {
   CdrReader profile(data, size);
-  std::uint8_t major = 0;
-  std::uint8_t minor = 0;
-  ReferenceEndpoint first;
-  std::uint16_t port = 0;
-  if (!profile.Ok() || !profile.Octet(major) || !profile.Octet(minor) || major != 1 ||
-      !profile.Text(first.host) || !profile.Short(port) || first.host.empty()) {
-    return;
-  }
-  first.port = port;
-  first.profile = number;
-  if (port != 0) endpoints.push_back(first);
-  if (minor > 0) ReadComponents(profile, endpoints, first);
+  ProfileHead head;
+  if (!ReadHead(profile, head) || head.host.empty()) return;
+  const ReferenceEndpoint first{.host = head.host, .port = head.port, .profile = number};
+  if (first.port != 0) endpoints.push_back(first);
+  if (head.minor > 0) ReadComponents(profile, endpoints, first);
 }
 
 // The profiles of a reference as text, by way of `take`, which is told the tag and the contents of

@@ -5,12 +5,13 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <initializer_list>
 #include <memory>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
+#include <netdb.h>
 #include <sys/socket.h>
 
 #include <openssl/bio.h>
@@ -25,58 +26,61 @@ namespace {
 
 TDiagRegister diagModule("TLS");
 
+// A text, the setting that it names, if any, and the rest of the text.
 struct Reason {
-  int error;  // X509_V_ERR_...
+  int error;
   std::string_view text;
+  std::string_view setting{};
+  std::string_view rest{};
 };
 
-// Each ends in what to do next.
-constexpr std::array kReasons{
-    Reason{X509_V_ERR_CERT_HAS_EXPIRED, "it has expired; have it renewed"},
-    Reason{X509_V_ERR_CERT_NOT_YET_VALID,
-           "it is not yet valid; compare the clocks of both machines, or wait"},
-    Reason{X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT,
-           "it is self-signed; have it signed by an authority, or add it to the file of "
-           "-SSLCACertificate"},
-    Reason{X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN,
-           "its authority is unknown; add the authority's certificate to the file of "
-           "-SSLCACertificate if it is to be believed"},
-    Reason{X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY,
-           "its authority is unknown; add the authority's certificate to the file of "
-           "-SSLCACertificate if it is to be believed"},
-    Reason{X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE,
-           "its authority is unknown; add the authority's certificate to the file of "
-           "-SSLCACertificate if it is to be believed"},
-    Reason{X509_V_ERR_HOSTNAME_MISMATCH,
-           "it is for another host; have one made that names this host, or let the server publish "
-           "the name that the certificate has"},
-    Reason{X509_V_ERR_APPLICATION_VERIFICATION,
-           "none of its names is among those of -SSLServerNames; if the server is a right one, add "
-           "its name there"},
-    Reason{X509_V_ERR_CERT_REVOKED, "its CA has revoked it; have a new one made"},
-    Reason{X509_V_ERR_UNABLE_TO_GET_CRL,
-           "the file of -SSLRevocationList has no list of its CA; add it"},
-    Reason{
-        X509_V_ERR_CRL_HAS_EXPIRED,
-        "its CA's list in the file of -SSLRevocationList has expired; put the current one there"},
+// Why a certificate is refused, by X509_V_ERR_... Each ends in what to do next.
+constexpr std::string_view kUnknownCa =
+    "its CA is unknown; add the CA's certificate to the file of ";
+constexpr std::string_view kIfTrusted = " if you trust it";
+constexpr Reason kReasons[] = {
+    {X509_V_ERR_CERT_HAS_EXPIRED, "it has expired; have it renewed"},
+    {X509_V_ERR_CERT_NOT_YET_VALID,
+     "it is not yet valid; compare the clocks of both hosts, or wait"},
+    {X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT,
+     "it is self-signed; have it signed by a CA, or add it to the file of ", kTlsCa},
+    {X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN, kUnknownCa, kTlsCa, kIfTrusted},
+    {X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY, kUnknownCa, kTlsCa, kIfTrusted},
+    {X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE, kUnknownCa, kTlsCa, kIfTrusted},
+    {X509_V_ERR_HOSTNAME_MISMATCH,
+     "it is for another host; have one made that names this host, or let the server publish the "
+     "name that the certificate has"},
+    {X509_V_ERR_APPLICATION_VERIFICATION, "none of its names is among those of ", kTlsServerNames,
+     "; if the server is legitimate, add its name there"},
+    {X509_V_ERR_CERT_REVOKED, "its CA has revoked it; have a new one made"},
+    {X509_V_ERR_UNABLE_TO_GET_CRL, "the file of ", kTlsRevocationList,
+     " has no list of its CA; add it"},
+    {X509_V_ERR_CRL_HAS_EXPIRED, "its CA's list in the file of ", kTlsRevocationList,
+     " has expired; put the current one there"},
 };
 
 // Why a handshake fails, by OpenSSL's error or by the alert that the peer sent.
 constexpr std::string_view kNoVersion =
-    "it offers no TLS version that is accepted: 1.2 and, unless -BiDirPolicy is 1, later ones";
-constexpr std::array kErrors{
-    Reason{SSL_R_WRONG_VERSION_NUMBER, "it does not speak TLS at this port"},
-    Reason{SSL_R_UNSUPPORTED_PROTOCOL, kNoVersion},
-    Reason{SSL_R_UNEXPECTED_EOF_WHILE_READING, "it closed the connection"},
+    "it offers no TLS version that is accepted: 1.2 and, unless ";
+constexpr std::string_view kLaterVersions = " is 1, later ones";
+constexpr Reason kErrors[] = {
+    {SSL_R_WRONG_VERSION_NUMBER, "it does not speak TLS at this port"},
+    {SSL_R_UNSUPPORTED_PROTOCOL, kNoVersion, kBiDirPolicy, kLaterVersions},
+    {SSL_R_UNEXPECTED_EOF_WHILE_READING, "it closed the connection"},
 };
-constexpr std::string_view kWantsCertificate = "it requires a certificate; set -SSLCertificate";
-constexpr std::array kAlerts{
-    Reason{SSL_AD_PROTOCOL_VERSION, kNoVersion},
-    Reason{SSL_AD_CERTIFICATE_REQUIRED, kWantsCertificate},
-    Reason{SSL_AD_UNKNOWN_CA, "it does not trust the CA of -SSLCertificate"},
-    Reason{SSL_AD_CERTIFICATE_EXPIRED, "the certificate of -SSLCertificate has expired"},
-    Reason{SSL_AD_CERTIFICATE_REVOKED, "the certificate of -SSLCertificate is revoked"},
+constexpr Reason kAlerts[] = {
+    {SSL_AD_PROTOCOL_VERSION, kNoVersion, kBiDirPolicy, kLaterVersions},
+    {SSL_AD_CERTIFICATE_REQUIRED, "it requires a certificate; set ", kTlsCertificate},
+    {SSL_AD_UNKNOWN_CA, "it does not trust the CA of ", kTlsCertificate},
+    {SSL_AD_CERTIFICATE_EXPIRED, "the certificate of ", kTlsCertificate, " has expired"},
+    {SSL_AD_CERTIFICATE_REVOKED, "the certificate of ", kTlsCertificate, " is revoked"},
 };
+
+std::string Joined(std::initializer_list<std::string_view> pieces) {
+  std::string text;
+  for (const std::string_view piece : pieces) text += piece;
+  return text;
+}
 
 struct FreeBio {
   void operator()(BIO* bio) const { BIO_free(bio); }
@@ -118,26 +122,18 @@ struct Peer {
 
 Peer PeerOf(const SSL* connection) {
   sockaddr_storage address{};
+  auto* const generic = reinterpret_cast<sockaddr*>(&address);
   socklen_t size = sizeof address;
-  std::array<char, INET6_ADDRSTRLEN> text{};
-  if (::getpeername(SSL_get_fd(connection), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+  std::array<char, NI_MAXHOST> host{};
+  std::array<char, NI_MAXSERV> port{};
+  if (::getpeername(SSL_get_fd(connection), generic, &size) != 0 ||
+      ::getnameinfo(generic, size, host.data(), host.size(), port.data(), port.size(),
+                    NI_NUMERICHOST | NI_NUMERICSERV) != 0) {
     return {};
   }
-  in_port_t port = 0;
-  const void* bytes = nullptr;
-  if (address.ss_family == AF_INET) {
-    const auto& inet = reinterpret_cast<const sockaddr_in&>(address);
-    port = inet.sin_port;
-    bytes = &inet.sin_addr;
-  } else if (address.ss_family == AF_INET6) {
-    const auto& inet = reinterpret_cast<const sockaddr_in6&>(address);
-    port = inet.sin6_port;
-    bytes = &inet.sin6_addr;
-  } else {
-    return {};
-  }
-  if (::inet_ntop(address.ss_family, bytes, text.data(), text.size()) == nullptr) return {};
-  return {text.data(), std::to_string(ntohs(port))};
+  const std::string_view text = host.data();
+  // A link-local address has its interface behind a "%", which no certificate has.
+  return {std::string(text.substr(0, text.find('%'))), port.data()};
 }
 
 // The host name that was asked for; empty when it was an address.
@@ -168,16 +164,13 @@ bool IsAllowedServer(X509* certificate, const TlsSettings& settings) {
                            X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS, nullptr) == 1 ||
            X509_check_ip_asc(certificate, pattern.c_str(), 0) == 1;
   };
-  return settings.serverNames.empty() ||
-         std::any_of(settings.serverNames.begin(), settings.serverNames.end(), matches);
+  return settings.serverNames.empty() || std::ranges::any_of(settings.serverNames, matches);
 }
 
-// What the table has for an error, or else OpenSSL's own words.
-template <std::size_t size>
-std::string ReasonText(const std::array<Reason, size>& table, int error, const char* otherwise) {
-  const auto found = std::find_if(table.begin(), table.end(),
-                                  [&](const Reason& reason) { return reason.error == error; });
-  if (found != table.end()) return std::string(found->text);
+// The table's text for an error, or else OpenSSL's own.
+std::string ReasonText(std::span<const Reason> table, int error, const char* otherwise) {
+  const auto found = std::ranges::find(table, error, &Reason::error);
+  if (found != table.end()) return Joined({found->text, found->setting, found->rest});
   return otherwise != nullptr ? otherwise : "error " + std::to_string(error);
 }
 
@@ -226,31 +219,31 @@ struct Handshake {
 
 std::string AlertText(const Handshake& handshake, int alert) {
   if (alert == SSL_AD_HANDSHAKE_FAILURE && handshake.asksForCertificate) {
-    return std::string(kWantsCertificate);
+    alert = SSL_AD_CERTIFICATE_REQUIRED;
   }
   return ReasonText(kAlerts, alert, SSL_alert_desc_string_long(alert));
 }
 
-// OpenSSL asks when the server wants a certificate and there is none. With TLS 1.3 the server's
-// refusal comes after the handshake, and may be lost with the connection.
-int TellOfMissingCertificate(SSL* connection, X509**, EVP_PKEY**) {
+// OpenSSL calls this when the server asks for a certificate and there is none. With TLS 1.3 the
+// server's refusal comes after the handshake, and may be lost with the connection.
+int ReportMissingCertificate(SSL* connection, X509**, EVP_PKEY**) {
   Handshake* const handshake = Handshake::Of(connection);
   if (handshake == nullptr) return 0;
   handshake->asksForCertificate = true;
-  const std::string line = "The server at " + handshake->peer +
-                           " asks for a certificate, and -SSLCertificate is not set";
+  const std::string line =
+      Joined({"The server at ", handshake->peer, " asks for a certificate, and ", kTlsCertificate,
+              " is not set"});
   VQ_LOG(diagModule, 2) << line;
   NoteCause(line);
   return 0;
 }
 
-[[noreturn]] void Refuse(const std::string& what, const std::string& file,
-                         const std::string& setting) {
+[[noreturn]] void Refuse(std::string_view what, std::string_view file, std::string_view setting) {
   const unsigned long error = ERR_peek_last_error();
   const char* const reason = error != 0 ? ERR_reason_error_string(error) : nullptr;
   ERR_clear_error();
-  throw std::invalid_argument(what + " '" + file + "' of " + setting + " cannot be used: " +
-                              (reason != nullptr ? reason : "it cannot be read"));
+  throw std::invalid_argument(Joined({what, " '", file, "' of ", setting, " cannot be used: ",
+                                      reason != nullptr ? reason : "it cannot be read"}));
 }
 
 // OpenSSL would ask for a pass phrase on the terminal.
@@ -269,20 +262,20 @@ void CheckTls(const OrbSettings& settings) {
   if (!tls.IsOn() &&
       (tls.encryptLookups || !tls.serverNames.empty() || !tls.revocationList.empty())) {
     throw std::invalid_argument(
-        "-SSLServerNames, -SSLEncryptLookups or -SSLRevocationList is set, and TLS is off; set "
-        "-SSLCACertificate");
+        Joined({kTlsServerNames, ", ", kTlsEncryptLookups, " or ", kTlsRevocationList,
+                " is set, and TLS is off; set ", kTlsCa}));
   }
-  if (settings.listenEndpoint.tlsPort != 0 && settings.tls.certificate.empty()) {
+  if (settings.listenEndpoint.tlsPort != 0 && tls.certificate.empty()) {
     throw std::invalid_argument(
-        "the listen endpoint has an ssl_port, and -SSLCertificate is not set");
+        Joined({"the listen endpoint has an ssl_port, and ", kTlsCertificate, " is not set"}));
   }
 }
 
 void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
   ERR_clear_error();
   if (!settings.verifyPeer && (!settings.serverNames.empty() || !settings.revocationList.empty())) {
-    throw std::invalid_argument(
-        "-SSLServerNames or -SSLRevocationList is set, and -SSLVerifyPeer is 0");
+    throw std::invalid_argument(Joined(
+        {kTlsServerNames, " or ", kTlsRevocationList, " is set, and ", kTlsVerifyPeer, " is 0"}));
   }
   SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
   SSL_CTX_set_default_passwd_cb(&context, NoPassPhrase);
@@ -291,32 +284,30 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
   } else {
     const char* const file = settings.caCertificate.c_str();
     if (SSL_CTX_load_verify_file(&context, file) != 1) {
-      Refuse("the file of authorities", file, "-SSLCACertificate");
+      Refuse("the file of CA certificates", file, kTlsCa);
     }
     SSL_CTX_set_client_CA_list(&context, SSL_load_client_CA_file(file));
   }
-  SSL_CTX_set_client_cert_cb(&context, TellOfMissingCertificate);
+  SSL_CTX_set_client_cert_cb(&context, ReportMissingCertificate);
   if (!settings.revocationList.empty()) {
     X509_STORE* const store = SSL_CTX_get_cert_store(&context);
     X509_LOOKUP* const files = X509_STORE_add_lookup(store, X509_LOOKUP_file());
     if (files == nullptr ||
         X509_load_crl_file(files, settings.revocationList.c_str(), X509_FILETYPE_PEM) < 1) {
-      Refuse("the file of revocation lists", settings.revocationList, "-SSLRevocationList");
+      Refuse("the file of revocation lists", settings.revocationList, kTlsRevocationList);
     }
     X509_STORE_set_flags(store, X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL);
   }
   if (settings.certificate.empty()) {
-    if (!settings.privateKey.empty()) {
-      throw std::invalid_argument("-SSLPrivateKey is set and -SSLCertificate is not");
-    }
-    return;
+    if (settings.privateKey.empty()) return;
+    throw std::invalid_argument(Joined({kTlsKey, " is set and ", kTlsCertificate, " is not"}));
   }
   if (SSL_CTX_use_certificate_chain_file(&context, settings.certificate.c_str()) != 1) {
-    Refuse("the certificate", settings.certificate, "-SSLCertificate");
+    Refuse("the certificate", settings.certificate, kTlsCertificate);
   }
   const bool ownFile = !settings.privateKey.empty();
   const std::string& key = ownFile ? settings.privateKey : settings.certificate;
-  const char* const setting = ownFile ? "-SSLPrivateKey" : "-SSLCertificate";
+  const char* const setting = ownFile ? kTlsKey : kTlsCertificate;
   if (SSL_CTX_use_PrivateKey_file(&context, key.c_str(), SSL_FILETYPE_PEM) != 1) {
     Refuse("the private key (one without a pass phrase is needed)", key, setting);
   }
@@ -325,12 +316,13 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
 
 void WarnOfWeakVerification(const TlsSettings& settings) {
   if (!settings.verifyPeer) {
-    VQ_LOG(diagModule, 1) << "TLS certificates are not verified, since -SSLVerifyPeer is 0: "
-                          << "anybody may pose as the server";
+    VQ_LOG(diagModule, 1) << "TLS certificates are not verified, since " << kTlsVerifyPeer
+                          << " is 0: any host can impersonate the server";
   } else if (!settings.verifyHost) {
     VQ_LOG(diagModule, 1) << "TLS certificates are not compared with the host that was asked for, "
-                          << "since -SSLVerifyHost is 0: any server of a believed authority may "
-                          << "pose as another";
+                          << "since " << kTlsVerifyHost
+                          << " is 0: any server with a certificate of "
+                          << "a trusted CA can impersonate another";
   }
 }
 
@@ -340,9 +332,10 @@ void ReportUnencrypted(const std::string& cause) {
 }
 
 void ReportNoTls(const std::string& server) {
-  ReportUnencrypted("The call to " + server + " is refused: it would be unencrypted, since that " +
-                    "server offers no TLS. Give it a TLS endpoint, or take -SSLCACertificate and " +
-                    "-SSLCertificate out of the settings");
+  ReportUnencrypted(Joined({"The call to ", server,
+                            " is refused: it would be unencrypted, since that server offers no "
+                            "TLS. Give it a TLS endpoint, or take ",
+                            kTlsCa, " and ", kTlsCertificate, " out of the settings"}));
 }
 
 int TlsVerifyMode(const TlsSettings& settings) {

@@ -68,7 +68,7 @@ TEST_F(TlsTest, EachBadCertificateIsRefusedWithItsReason) {
       {m_authority.Issue({.fromDays = 10, .toDays = 20}), "it is not yet valid;"},
       {m_authority.Issue({.names = "IP:192.0.2.1,DNS:other.site"}), "it is for another host;"},
       {m_authority.Issue({.names = ""}), "it is for another host;"},
-      {other.Issue(), "its authority is unknown;"},
+      {other.Issue(), "its CA is unknown;"},
       {m_authority.SelfSigned(), "it is self-signed;"}};
   m_orbArguments = {"-SSLCACertificate", m_caFile, "-ORBCallTimeout", "5000"};
   for (const auto& [identity, reason] : rows) {

@@ -47,7 +47,13 @@ def read_sources(root):
         return re.sub(r"^\s*#.*$", "", text, flags=re.M)
 
     paths = [p for top in ("support", "vq_client_common") for p in (root / top).rglob("*")]
-    return {p.relative_to(root).as_posix(): without_comments(p.read_text())
+    names = dict(re.findall(r'char\* (\w+) = ("-\w+")',
+                            (root / "support/orb/OrbSettings.h").read_text()))
+
+    def with_settings(text):  # a text may hold the name of a setting
+        return re.sub(r"\bk\w+", lambda m: names.get(m[0], m[0]), text)
+
+    return {p.relative_to(root).as_posix(): with_settings(without_comments(p.read_text()))
             for p in sorted(paths) if p.suffix in (".h", ".cpp")}
 
 

@@ -7,7 +7,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaConversions.h>
 #include <support/orb/CorbaText.h>
-#include <support/orb/FailedCall.h>
+#include <support/orb/FailureCause.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/SystemParameterHandler.h>

@@ -5,7 +5,6 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
-#include <support/orb/FailedCall.h>
 #include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
 #include <support/os_toolkit/Atoi.h>

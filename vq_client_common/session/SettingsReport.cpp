@@ -6,9 +6,9 @@
 #include <vector>
 
 #include <support/foundations/Environment.h>
+#include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
-#include <support/foundations/ProductVersion.h>
-#include <support/orb/DomainScopes.h>
+#include <support/orb/OrbSettings.h>
 #include <vq_client_common/session/internal/ClientTable.h>
 #include <vq_client_common/session/internal/SessionTimeOut.h>
 

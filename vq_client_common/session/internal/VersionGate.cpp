@@ -13,11 +13,11 @@
 #include <string_view>
 
 #include <support/diagnostics/TDiag.h>
+#include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
-#include <support/foundations/ProductVersion.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/CorbaText.h>
-#include <support/orb/FailedCall.h>
+#include <support/orb/FailureCause.h>
 #include <support/os_toolkit/Atoi.h>
 #include <support/os_toolkit/os_tokenizer.h>
 #include <vq_client_common/session/ConnectionSettings.h>
