@@ -2,10 +2,14 @@
 
 namespace vq::sim {
 
+Accounts::Standing Accounts::StandingOf(const std::string& user) const {
+  const auto found = m_standings.find(user);
+  return found == m_standings.end() ? Standing{} : found->second;
+}
+
 std::string Accounts::EncodedLocked(const User& known, const std::string& user) const {
-  const auto standing = m_standings.find(user);
-  const bool changed = standing != m_standings.end() && !standing->second.encoded.empty();
-  return changed ? standing->second.encoded : Encode(known.password);
+  const std::string changed = StandingOf(user).encoded;
+  return changed.empty() ? Encode(known.password) : changed;
 }
 
 std::string Accounts::Encoded(const Site& site, const std::string& user) {
@@ -17,33 +21,32 @@ std::string Accounts::Encoded(const Site& site, const std::string& user) {
 Accounts::Verdict Accounts::LogIn(const Site& site, const std::string& user,
                                   std::string_view shown) {
   const User* known = site.FindUser(user);
-  if (known == nullptr) return Verdict::UnknownUser;
+  if (known == nullptr) return Verdict::kUnknownUser;
   const std::lock_guard lock(m_mutex);
   const std::string encoded = EncodedLocked(*known, user);
   Standing& standing = m_standings[user];
-  if (known->locked || standing.locked) return Verdict::Locked;
+  if (known->locked || standing.locked) return Verdict::kLocked;
   const bool right = site.EncodesPasswords() ? m_challenges.Spend(shown, encoded)
                                              : SameSecret(Encode(shown), encoded);
-  if (right) {
-    standing.failedTries = 0;
-    return Verdict::Right;
-  }
-  ++standing.failedTries;
+  standing.failedTries = right ? 0 : standing.failedTries + 1;
   standing.locked = site.triesBeforeLock > 0 && standing.failedTries >= site.triesBeforeLock;
-  return Verdict::Wrong;
+  return right ? Verdict::kRight : Verdict::kWrong;
 }
 
 Accounts::Verdict Accounts::Check(const Site& site, const std::string& user,
                                   std::string_view shown) {
   const User* known = site.FindUser(user);
-  if (known == nullptr) return Verdict::UnknownUser;
+  if (known == nullptr) return Verdict::kUnknownUser;
   const std::lock_guard lock(m_mutex);
-  const auto standing = m_standings.find(user);
-  if (known->locked || (standing != m_standings.end() && standing->second.locked)) {
-    return Verdict::Locked;
-  }
+  if (known->locked || StandingOf(user).locked) return Verdict::kLocked;
   const std::string encoded = site.EncodesPasswords() ? std::string(shown) : Encode(shown);
-  return SameSecret(encoded, EncodedLocked(*known, user)) ? Verdict::Right : Verdict::Wrong;
+  return SameSecret(encoded, EncodedLocked(*known, user)) ? Verdict::kRight : Verdict::kWrong;
+}
+
+bool Accounts::IsLocked(const Site& site, const std::string& user) {
+  const User* known = site.FindUser(user);
+  const std::lock_guard lock(m_mutex);
+  return (known != nullptr && known->locked) || StandingOf(user).locked;
 }
 
 void Accounts::ChangePassword(const Site& site, const std::string& user, std::string_view sent) {
@@ -54,9 +57,8 @@ void Accounts::ChangePassword(const Site& site, const std::string& user, std::st
 Expiry Accounts::ExpiryOf(const Site& site, const std::string& user) {
   const User* known = site.FindUser(user);
   const std::lock_guard lock(m_mutex);
-  const auto standing = m_standings.find(user);
-  const bool changed = standing != m_standings.end() && !standing->second.encoded.empty();
-  return known == nullptr || changed ? Expiry::Never : known->expiry;
+  const bool isFresh = known == nullptr || !StandingOf(user).encoded.empty();
+  return isFresh ? Expiry::kNever : known->expiry;
 }
 
 void Accounts::Forget(const std::string& user) {

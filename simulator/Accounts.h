@@ -17,7 +17,7 @@ namespace vq::sim {
 
 class Accounts {
  public:
-  enum class Verdict { UnknownUser, Locked, Wrong, Right };
+  enum class Verdict { kUnknownUser, kLocked, kWrong, kRight };
 
   // How one user stands. Users that nothing happened to have none.
   struct Standing {
@@ -34,6 +34,8 @@ class Accounts {
   Verdict LogIn(const Site& site, const std::string& user, std::string_view shown);
   // Judges a password without a challenge and without counting: encoded or plain as the site says.
   Verdict Check(const Site& site, const std::string& user, std::string_view shown);
+  // Whether the account is locked, by the site or after wrong passwords.
+  bool IsLocked(const Site& site, const std::string& user);
   // The password that is right at present, encoded; empty when there is no such user.
   std::string Encoded(const Site& site, const std::string& user);
   // Changes the password to what a client sent: encoded already while the site encodes passwords.
@@ -47,7 +49,8 @@ class Accounts {
   [[nodiscard]] std::map<std::string, Standing> List();
 
  private:
-  // The lock is held.
+  // The lock is held in both.
+  Standing StandingOf(const std::string& user) const;
   std::string EncodedLocked(const User& known, const std::string& user) const;
 
   Challenges& m_challenges;

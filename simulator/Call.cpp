@@ -20,13 +20,15 @@ nlohmann::ordered_json Shortened(nlohmann::ordered_json value) {
 
 }  // namespace
 
-Call::Call(World& world, const std::string& kind, std::string_view object, const char* operation)
+Call::Call(World& world, const std::string& kind, std::string_view object, const char* operation,
+           Arguments arguments)
     : m_world(world), m_kind(kind), m_operation(operation) {
   m_line = {{"event", "call"}, {"kind", kind}, {"object", object}, {"operation", operation}};
+  Add(arguments);
 }
 
-Call& Call::Argument(const char* name, nlohmann::ordered_json value) {
-  m_arguments[name] = Shortened(std::move(value));
+Call& Call::Add(Arguments arguments) {
+  for (const auto& [name, value] : arguments) m_arguments[name] = Shortened(value);
   return *this;
 }
 
@@ -52,20 +54,20 @@ std::optional<Fault> Call::Act(bool after) {
   for (const Fault& fault : m_faults) {
     if (fault.after != after) continue;
     switch (fault.action) {
-      case Fault::Action::Delay:
+      case Fault::Action::kDelay:
         m_world.Wait(fault.delay);
         break;
-      case Fault::Action::Drop:
+      case Fault::Action::kDrop:
         m_world.log.Write({{"event", "drop"}, {"call", m_number}, {"operation", m_operation}});
         DropConnections();
         break;
-      case Fault::Action::Die:
+      case Fault::Action::kDie:
         m_world.log.Write({{"event", "die"}, {"call", m_number}, {"operation", m_operation}});
         std::_Exit(kDiedOnDemand);
-      case Fault::Action::Raise:
+      case Fault::Action::kRaise:
         RaiseNamed(fault);
-      case Fault::Action::Return:
-      case Fault::Action::Refuse:
+      case Fault::Action::kReturn:
+      case Fault::Action::kRefuse:
         answers = fault;
         break;
     }
@@ -73,17 +75,10 @@ std::optional<Fault> Call::Act(bool after) {
   return answers;
 }
 
-void Call::Answer(nlohmann::ordered_json result) {
+void Call::Answer(const char* member, nlohmann::ordered_json value) {
   nlohmann::ordered_json line = {
       {"event", "answer"}, {"call", m_number}, {"operation", m_operation}};
-  if (!result.is_null()) line["result"] = std::move(result);
-  line.update(m_notes);
-  m_world.log.Write(line);
-}
-
-void Call::AnswerException(const std::string& name) {
-  nlohmann::ordered_json line = {
-      {"event", "answer"}, {"call", m_number}, {"operation", m_operation}, {"exception", name}};
+  if (!value.is_null()) line[member] = std::move(value);
   line.update(m_notes);
   m_world.log.Write(line);
 }

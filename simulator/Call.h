@@ -2,18 +2,18 @@
 // are set for it.
 //
 //   CORBA::Long CRB_Unregister(const char* userId) override {
-//     Call call(m_world, m_kind, "UsersManager", "CRB_Unregister");
-//     call.Argument("userId", userId);
-//     return call.Run([&]() -> CORBA::Long { return m_world.sessions.Close(userId) ? 1 : 0; });
+//     Call call(m_world, m_kind, "UsersManager", "CRB_Unregister", {{"userId", userId}});
+//     return call.Run([&] { return m_world.sessions.Close(userId) ? 1 : 0; });
 //   }
 //
-// The body gives results and out values as values of its own: what it gives is dropped when a fault
-// takes the answer's place.
+// The body returns results and out values as values of its own: they are dropped when a fault
+// answers instead.
 //
 // Thread contract: one thread, the one that serves the call.
 #ifndef VQ_SIMULATOR_CALL_H
 #define VQ_SIMULATOR_CALL_H
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,10 +29,13 @@ namespace vq::sim {
 
 class Call {
  public:
-  Call(World& world, const std::string& kind, std::string_view object, const char* operation);
+  // By name, in the operation's order.
+  using Arguments = std::initializer_list<std::pair<const char*, nlohmann::ordered_json>>;
 
-  // Arguments, in the operation's order.
-  Call& Argument(const char* name, nlohmann::ordered_json value);
+  Call(World& world, const std::string& kind, std::string_view object, const char* operation,
+       Arguments arguments);
+
+  Call& Add(Arguments arguments);
   // A password or response: the log gets its length only, and "passwordForm" (FormOf).
   Call& Secret(const char* name, const char* value, std::string_view form);
   // Something more for the answer's line.
@@ -47,8 +50,8 @@ class Call {
   void Arrive();
   // Lets the faults of one moment act. Returns the one that gives the answer, if any.
   std::optional<Fault> Act(bool after);
-  void Answer(nlohmann::ordered_json result);
-  void AnswerException(const std::string& name);
+  // Writes the answer's line, with that member unless it is null.
+  void Answer(const char* member, nlohmann::ordered_json value);
   template <typename Result>
   Result Forced(const Fault& fault, std::string* text);
 
@@ -66,7 +69,7 @@ template <typename Result>
 Result Call::Forced(const Fault& fault, std::string* text) {
   if constexpr (std::is_arithmetic_v<Result>) {
     if (text != nullptr) *text = fault.message;
-    return fault.action == Fault::Action::Refuse ? Result{} : static_cast<Result>(fault.result);
+    return fault.action == Fault::Action::kRefuse ? Result{} : static_cast<Result>(fault.result);
   } else {
     throw CORBA::NO_PERMISSION();  // an operation without a code has no other way to refuse
   }
@@ -82,23 +85,23 @@ auto Call::Run(Body body, std::string* text) -> decltype(body()) {
       if (fault) throw CORBA::NO_PERMISSION();
       body();
       if (Act(true)) throw CORBA::NO_PERMISSION();
-      Answer(nullptr);
+      Answer("result", nullptr);
     } else {
       Result result = fault ? Forced<Result>(*fault, text) : body();
       fault = Act(true);
       if (fault) result = Forced<Result>(*fault, text);
       if constexpr (std::is_arithmetic_v<Result> || std::is_same_v<Result, std::string>) {
-        Answer(result);
+        Answer("result", result);
       } else {
-        Answer(nullptr);
+        Answer("result", nullptr);
       }
       return result;
     }
   } catch (const CORBA::Exception& exception) {
-    AnswerException(exception._name());
+    Answer("exception", exception._name());
     throw;
   } catch (const std::exception& exception) {
-    AnswerException(exception.what());
+    Answer("exception", exception.what());
     throw CORBA::INTERNAL();
   }
 }

@@ -3,7 +3,8 @@
 #include <cerrno>
 #include <chrono>
 #include <ctime>
-#include <stdexcept>
+#include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -26,31 +27,24 @@ std::string Now() {
 
 }  // namespace
 
-CallLog::~CallLog() {
-  if (m_file >= 0) close(m_file);
-}
-
 void CallLog::Open(const std::filesystem::path& path) {
-  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-  if (file < 0) {
-    throw std::runtime_error(path.string() + ": " + std::generic_category().message(errno));
-  }
+  Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
+  if (!file.IsOpen()) throw std::system_error(errno, std::generic_category(), path.string());
   const std::lock_guard lock(m_mutex);
-  if (m_file >= 0) close(m_file);
-  m_file = file;
+  m_file = std::move(file);
 }
 
 std::uint64_t CallLog::Write(const nlohmann::ordered_json& line) {
   const std::lock_guard lock(m_mutex);
   ++m_lines;
-  if (m_file < 0) return m_lines;
+  if (!m_file.IsOpen()) return m_lines;
   nlohmann::ordered_json whole = {{"line", m_lines}, {"time", Now()}};
   whole.update(line);
   // Texts off the wire need not be UTF-8.
   using Handler = nlohmann::ordered_json::error_handler_t;
   const std::string text = whole.dump(-1, ' ', false, Handler::replace) + "\n";
   for (std::size_t done = 0; done < text.size();) {
-    const ssize_t written = write(m_file, text.data() + done, text.size() - done);
+    const ssize_t written = write(m_file.Get(), text.data() + done, text.size() - done);
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) break;
     done += static_cast<std::size_t>(written);

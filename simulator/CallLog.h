@@ -13,6 +13,7 @@
 #include <mutex>
 #include <string>
 
+#include <support/os_toolkit/os_file_system.h>
 #include <nlohmann/json.hpp>
 
 namespace vq::sim {
@@ -22,13 +23,8 @@ inline constexpr std::size_t kLongestLogged = 65'536;
 
 class CallLog {
  public:
-  CallLog() = default;
-  ~CallLog();
-  CallLog(const CallLog&) = delete;
-  CallLog& operator=(const CallLog&) = delete;
-
   // Appends to this file from now on, readable by its owner only. Without it lines go nowhere.
-  // Raises std::runtime_error when the file does not open.
+  // Raises std::system_error when the file does not open.
   void Open(const std::filesystem::path& path);
   // Writes one line; puts a number and the time before its members. Returns the number.
   std::uint64_t Write(const nlohmann::ordered_json& line);
@@ -40,7 +36,7 @@ class CallLog {
 
  private:
   std::mutex m_mutex;
-  int m_file = -1;
+  Descriptor m_file;
   std::uint64_t m_lines = 0;
   std::map<std::string, std::uint64_t> m_counts;
 };

@@ -11,40 +11,32 @@ CallbackRepositoryServant::CallbackRepositoryServant(World& world, std::string k
 CORBA::Long CallbackRepositoryServant::CRB_RegisterCallback(const char* userId,
                                                             CORBA::Object_ptr callback,
                                                             CORBA::Boolean isActive) {
-  Call call = Begin("CRB_RegisterCallback");
-  call.Argument("userId", userId)
-      .Argument("callback", CORBA::is_nil(callback) ? "nil" : "object")
-      .Argument("isActive", static_cast<bool>(isActive));
-  return call.Run([&]() -> CORBA::Long {
-    if (!m_world.sessions.UserOf(userId)) return 0;
-    return m_callbacks.Add(userId, callback);
-  });
+  return Serve(
+      "CRB_RegisterCallback",
+      {{"userId", userId},
+       {"callback", CORBA::is_nil(callback) ? "nil" : "object"},
+       {"isActive", static_cast<bool>(isActive)}},
+      [&] { return m_world.sessions.UserOf(userId) ? m_callbacks.Add(userId, callback) : 0; });
 }
 
 CORBA::Boolean CallbackRepositoryServant::CRB_UnregisterCallbackById(CORBA::Long callbackId) {
-  Call call = Begin("CRB_UnregisterCallbackById");
-  call.Argument("callbackId", callbackId);
-  return call.Run([&]() -> CORBA::Boolean { return m_callbacks.Remove(callbackId); });
+  return Serve("CRB_UnregisterCallbackById", {{"callbackId", callbackId}},
+               [&] { return m_callbacks.Remove(callbackId); });
 }
 
 CORBA::Boolean CallbackRepositoryServant::CRB_UnregisterCallbacksByUserToken(
     const char* userToken) {
-  Call call = Begin("CRB_UnregisterCallbacksByUserToken");
-  call.Argument("userToken", userToken);
-  return call.Run([&]() -> CORBA::Boolean { return m_callbacks.RemoveOf(userToken); });
+  return Serve("CRB_UnregisterCallbacksByUserToken", {{"userToken", userToken}},
+               [&] { return m_callbacks.RemoveOf(userToken); });
 }
 
 void CallbackRepositoryServant::CRB_SocketHeartBeat(const char* userToken) {
-  Call call = Begin("CRB_SocketHeartBeat");
-  call.Argument("userToken", userToken);
-  call.Run([] {});
+  Serve("CRB_SocketHeartBeat", {{"userToken", userToken}}, [] {});
 }
 
 CORBA::Object_ptr CallbackRepositoryServant::CRB_GetCallbackById(CORBA::Long callbackId) {
-  Call call = Begin("CRB_GetCallbackById");
-  call.Argument("callbackId", callbackId);
-  CORBA::Object_var object =
-      call.Run([&] { return CORBA::Object_var(m_callbacks.Find(callbackId)); });
+  CORBA::Object_var object = Serve("CRB_GetCallbackById", {{"callbackId", callbackId}},
+                                   [&] { return CORBA::Object_var(m_callbacks.Find(callbackId)); });
   return object._retn();
 }
 

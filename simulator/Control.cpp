@@ -5,8 +5,8 @@
 #include <system_error>
 #include <utility>
 
-#include <fcntl.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -20,10 +20,6 @@ using nlohmann::ordered_json;
 
 constexpr std::size_t kLongestLine = 64U << 20U;  // a site with many grants is one line
 constexpr std::int64_t kFarthestStep = 10LL * 366 * 86'400'000;
-
-[[noreturn]] void Fail(const std::string& what) {
-  throw std::runtime_error(what + ": " + std::generic_category().message(errno));
-}
 
 }  // namespace
 
@@ -41,33 +37,31 @@ void Control::Start(const std::filesystem::path& path) {
   if (text.size() >= sizeof(address.sun_path)) throw std::runtime_error(text + ": path too long");
   text.copy(address.sun_path, text.size());
 
-  struct stat there {};
-  if (lstat(text.c_str(), &there) == 0 && S_ISSOCK(there.st_mode)) unlink(text.c_str());
-  m_listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (m_listener < 0 || pipe2(m_stop, O_CLOEXEC) != 0) Fail(text);
+  namespace fs = std::filesystem;
+  if (fs::is_socket(fs::symlink_status(path))) fs::remove(path);
+  m_listener = Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  m_stop = Descriptor(eventfd(0, EFD_CLOEXEC));
   const mode_t mask = umask(0177);
-  const int bound = bind(m_listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+  const bool isBound =
+      m_listener.IsOpen() && m_stop.IsOpen() &&
+      bind(m_listener.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
   umask(mask);
-  if (bound != 0 || listen(m_listener, 8) != 0) Fail(text);
+  if (!isBound || listen(m_listener.Get(), 8) != 0) {
+    throw std::system_error(errno, std::generic_category(), text);
+  }
   m_path = path;
   m_thread = std::thread([this] { Serve(); });
 }
 
 void Control::Stop() {
-  if (m_thread.joinable()) {
-    while (write(m_stop[1], "", 1) < 0 && errno == EINTR) {
-    }
-    m_thread.join();
-    unlink(m_path.c_str());
-  }
-  for (int* file : {&m_listener, &m_stop[0], &m_stop[1]}) {
-    if (*file >= 0) close(*file);
-    *file = -1;
-  }
+  if (!m_thread.joinable()) return;
+  eventfd_write(m_stop.Get(), 1);
+  m_thread.join();
+  unlink(m_path.c_str());
 }
 
 bool Control::WaitFor(int file, short event) const {
-  pollfd files[2] = {{file, event, 0}, {m_stop[0], POLLIN, 0}};
+  pollfd files[2] = {{file, event, 0}, {m_stop.Get(), POLLIN, 0}};
   while (poll(files, 2, -1) < 0) {
     if (errno != EINTR) return false;
   }
@@ -87,11 +81,9 @@ bool Control::Send(int connection, const std::string& text) const {
 }
 
 void Control::Serve() {
-  while (WaitFor(m_listener, POLLIN)) {
-    const int connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
-    if (connection < 0) continue;
-    ServeConnection(connection);
-    close(connection);
+  while (WaitFor(m_listener.Get(), POLLIN)) {
+    const Descriptor connection(accept4(m_listener.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (connection.IsOpen()) ServeConnection(connection.Get());
   }
 }
 

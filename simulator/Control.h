@@ -15,6 +15,7 @@
 #include <thread>
 
 #include <simulator/World.h>
+#include <support/os_toolkit/os_file_system.h>
 #include <nlohmann/json.hpp>
 
 namespace vq::sim {
@@ -48,8 +49,8 @@ class Control {
   World& m_world;
   std::filesystem::path m_site;
   std::filesystem::path m_path;
-  int m_listener = -1;
-  int m_stop[2] = {-1, -1};  // a pipe; a byte in it ends the thread
+  Descriptor m_listener;
+  Descriptor m_stop;  // an event that ends the thread
   std::thread m_thread;
 };
 

@@ -14,6 +14,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <support/os_toolkit/os_file_system.h>
+
 namespace vq::sim {
 namespace {
 
@@ -33,22 +35,19 @@ sockaddr_in Address(int port) {
 
 // 0 when there is none.
 int FreePort() {
-  const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const Descriptor probe(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_in address = Address(0);
   socklen_t size = sizeof address;
   auto* const generic = reinterpret_cast<sockaddr*>(&address);
-  const bool found = bind(probe, generic, size) == 0 && getsockname(probe, generic, &size) == 0;
-  close(probe);
+  const bool found =
+      bind(probe.Get(), generic, size) == 0 && getsockname(probe.Get(), generic, &size) == 0;
   return found ? ntohs(address.sin_port) : 0;
 }
 
 bool Listens(int port) {
-  const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const Descriptor probe(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   const sockaddr_in address = Address(port);
-  const bool connected =
-      connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  close(probe);
-  return connected;
+  return connect(probe.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 // In the child: never returns.
@@ -68,19 +67,17 @@ bool Listens(int port) {
 
 }  // namespace
 
-NamingProcess::NamingProcess() {
-  std::string pattern = std::filesystem::temp_directory_path() / "vq-naming-XXXXXX";
-  if (mkdtemp(pattern.data()) == nullptr) {
-    throw std::runtime_error(pattern + ": no directory for the naming service can be made");
+NamingProcess::NamingProcess()
+    : m_directory(std::filesystem::temp_directory_path() / "vq-naming-XXXXXX") {
+  if (mkdtemp(m_directory.data()) == nullptr) {
+    throw std::runtime_error(m_directory + ": no directory for the naming service can be made");
   }
-  m_directory = pattern;
   // Another process may take the port between its choice and its use.
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (Start()) return;
     Stop();
   }
-  std::error_code ignored;
-  std::filesystem::remove_all(m_directory, ignored);
+  RemoveDirectory();
   throw std::runtime_error(
       "the naming service does not start; is its program installed (omniNames, in the package "
       "omniorb-nameserver)?");
@@ -88,6 +85,10 @@ NamingProcess::NamingProcess() {
 
 NamingProcess::~NamingProcess() {
   Stop();
+  RemoveDirectory();
+}
+
+void NamingProcess::RemoveDirectory() const {
   std::error_code ignored;
   std::filesystem::remove_all(m_directory, ignored);
 }

@@ -26,6 +26,7 @@ class NamingProcess {
  private:
   bool Start();
   void Stop();
+  void RemoveDirectory() const;
 
   std::string m_directory;
   int m_port = 0;

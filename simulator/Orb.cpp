@@ -1,6 +1,5 @@
 #include <simulator/Orb.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -70,13 +69,6 @@ void DropConnections() {
       if (!socket.listening && socket.port == listener.port) shutdown(socket.file, SHUT_RDWR);
     }
   }
-}
-
-int ListeningPort() {
-  const std::vector<Socket> sockets = Sockets();
-  const auto found = std::find_if(sockets.begin(), sockets.end(),
-                                  [](const Socket& socket) { return socket.listening; });
-  return found == sockets.end() ? 0 : found->port;
 }
 
 }  // namespace vq::sim

@@ -25,9 +25,6 @@ PortableServer::POA_ptr CreatePoa(CORBA::ORB_ptr orb, const char* name, const Or
 // Shuts every connection that a client opened to this process.
 void DropConnections();
 
-// The TCP port that this process listens on; 0 when it listens on none.
-int ListeningPort();
-
 }  // namespace vq::sim
 
 #endif  // VQ_SIMULATOR_ORB_H

@@ -12,6 +12,12 @@
 
 #include <simulator/Call.h>
 
+// Overrides an operation that the simulator does not offer. `...`: the types of its parameters.
+#define VQ_NOT_OFFERED(Result, operation, ...) \
+  Result operation(__VA_ARGS__) override {     \
+    NotOffered(#operation);                    \
+  }
+
 namespace vq::sim {
 
 template <typename Skeleton>
@@ -22,13 +28,20 @@ class Servant : public Skeleton {
       : m_world(world), m_kind(std::move(kind)), m_object(object) {}
 
   // A call of an operation of this object.
-  [[nodiscard]] Call Begin(const char* operation) {
-    return Call(m_world, m_kind, m_object, operation);
+  [[nodiscard]] Call Begin(const char* operation, Call::Arguments arguments = {}) {
+    return Call(m_world, m_kind, m_object, operation, arguments);
+  }
+
+  // The same, served: see Call::Run.
+  template <typename Body>
+  auto Serve(const char* operation, Call::Arguments arguments, Body body,
+             std::string* text = nullptr) {
+    return Begin(operation, arguments).Run(body, text);
   }
 
   // Serves an operation that the simulator does not offer.
-  [[noreturn]] void NotHere(const char* operation) {
-    Begin(operation).Run([] { throw CORBA::NO_IMPLEMENT(); });
+  [[noreturn]] void NotOffered(const char* operation) {
+    Serve(operation, {}, [] { throw CORBA::NO_IMPLEMENT(); });
     throw CORBA::NO_IMPLEMENT();
   }
 

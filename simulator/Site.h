@@ -49,15 +49,15 @@ inline constexpr std::array<std::string_view, 22> kPrivilegeNames = {
 
 // Kinds of grant, in the order of the snapshot's pairs of lists; services come last.
 enum class GrantKind {
-  Tables,
-  Calendars,
-  QuantRes,
-  ControlRes,
-  PrereqConds,
-  GlobalPrefix,
-  Owners,
-  Workloads,
-  Services
+  kTables,
+  kCalendars,
+  kQuantRes,
+  kControlRes,
+  kPrereqConds,
+  kGlobalPrefix,
+  kOwners,
+  kWorkloads,
+  kServices
 };
 inline constexpr std::array<std::string_view, 9> kGrantKindNames = {
     "tables",       "calendars", "quantRes",  "controlRes", "prereqConds",
@@ -78,14 +78,14 @@ struct Rights {
   bool operator==(const Rights&) const = default;
 };
 
-enum class Expiry { Never, Soon, Expired };
+enum class Expiry { kNever, kSoon, kExpired };
 
 struct User {
   std::string password;  // as a person types it
   std::string fullName;
   std::string description;
   std::string dbUser;  // empty: the site's
-  Expiry expiry = Expiry::Never;
+  Expiry expiry = Expiry::kNever;
   bool locked = false;
   std::optional<int> result;  // what a registration with the right password answers instead
   std::string message;        // said with an expiry, a lock or such a result; empty: the site's
@@ -95,6 +95,11 @@ struct User {
   Rights rights;
   bool operator==(const User&) const = default;
 };
+
+// What the user is granted beside the groups.
+inline const std::vector<Grant>& OwnGrants(const User& user, GrantKind kind) {
+  return user.rights.grants[static_cast<std::size_t>(kind)];
+}
 
 struct Group {
   std::string description;
@@ -125,12 +130,12 @@ struct LoginMessage {
 // `kind` (empty: all), counted from 1 since the fault was set: from the call `nth` on, `times`
 // calls.
 struct Fault {
-  enum class Action { Delay, Drop, Die, Raise, Return, Refuse };
+  enum class Action { kDelay, kDrop, kDie, kRaise, kReturn, kRefuse };
   std::string operation;
   std::string kind;
   std::uint64_t nth = 1;
   std::uint64_t times = 0;  // 0: no end
-  Action action = Action::Delay;
+  Action action = Action::kDelay;
   bool after = false;  // act when the work is done, before the answer goes out
   std::chrono::milliseconds delay{0};
   std::string exception;  // its name

@@ -15,23 +15,20 @@ struct Lists {
 
 using Struct = QCSCorbaAuthorizationStruct;
 constexpr std::array kLists = {
-    Lists{GrantKind::Tables, &Struct::m_TablesUserAccess, &Struct::m_TablesGroupAccess},
-    Lists{GrantKind::Calendars, &Struct::m_CalendarsUserAccess, &Struct::m_CalendarsGroupAccess},
-    Lists{GrantKind::QuantRes, &Struct::m_QuantResUserAccess, &Struct::m_QuantResGroupAccess},
-    Lists{GrantKind::ControlRes, &Struct::m_ControlResUserAccess, &Struct::m_ControlResGroupAccess},
-    Lists{GrantKind::PrereqConds, &Struct::m_PrereqCondsUserAccess,
+    Lists{GrantKind::kTables, &Struct::m_TablesUserAccess, &Struct::m_TablesGroupAccess},
+    Lists{GrantKind::kCalendars, &Struct::m_CalendarsUserAccess, &Struct::m_CalendarsGroupAccess},
+    Lists{GrantKind::kQuantRes, &Struct::m_QuantResUserAccess, &Struct::m_QuantResGroupAccess},
+    Lists{GrantKind::kControlRes, &Struct::m_ControlResUserAccess,
+          &Struct::m_ControlResGroupAccess},
+    Lists{GrantKind::kPrereqConds, &Struct::m_PrereqCondsUserAccess,
           &Struct::m_PrereqCondsGroupAccess},
-    Lists{GrantKind::GlobalPrefix, &Struct::m_GlobalPrefixUserAccess,
+    Lists{GrantKind::kGlobalPrefix, &Struct::m_GlobalPrefixUserAccess,
           &Struct::m_GlobalPrefixGroupAccess},
-    Lists{GrantKind::Owners, &Struct::m_OwnerUserAccess, &Struct::m_OwnerGroupAccess},
-    Lists{GrantKind::Workloads, &Struct::m_WorkloadsUserAccess, &Struct::m_WorkloadsGroupAccess}};
+    Lists{GrantKind::kOwners, &Struct::m_OwnerUserAccess, &Struct::m_OwnerGroupAccess},
+    Lists{GrantKind::kWorkloads, &Struct::m_WorkloadsUserAccess, &Struct::m_WorkloadsGroupAccess}};
 
 CORBA::ULong Size(std::size_t size) {
   return static_cast<CORBA::ULong>(size);
-}
-
-const std::vector<Grant>& OwnGrants(const User& user, GrantKind kind) {
-  return user.rights.grants[static_cast<std::size_t>(kind)];
 }
 
 // Whether it is a selection of the selection language that fits something.
@@ -86,8 +83,8 @@ QCSCorbaAuthorizationStruct MakeSnapshot(const Site& site, const User& user) {
     snapshot.*lists.user = ToWire(OwnGrants(user, lists.kind));
     snapshot.*lists.group = ToWire(site.GroupGrants(user, lists.kind));
   }
-  snapshot.ServiceUserAccess = ServicesToWire(OwnGrants(user, GrantKind::Services));
-  snapshot.ServiceGroupAccess = ServicesToWire(site.GroupGrants(user, GrantKind::Services));
+  snapshot.ServiceUserAccess = ServicesToWire(OwnGrants(user, GrantKind::kServices));
+  snapshot.ServiceGroupAccess = ServicesToWire(site.GroupGrants(user, GrantKind::kServices));
   snapshot.m_LdapOnlyAuthentication = false;
   snapshot.m_JobsFilterForGroup = GROUP_FILTER_NOT_USED;
   return snapshot;

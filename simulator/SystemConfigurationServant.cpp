@@ -8,17 +8,17 @@ namespace vq::sim {
 
 SystemConfigurationServant::SystemConfigurationServant(World& world, std::string kind,
                                                        std::string server)
-    : PartOfSystemConfiguration(world, std::move(kind)), m_server(std::move(server)) {}
+    : Servant(world, std::move(kind), "SystemConfiguration"), m_server(std::move(server)) {}
 
 void SystemConfigurationServant::CRB_GetSystemParameterValue(const char* section, const char* name,
                                                              CORBA::String_out value,
                                                              const char* userId) {
-  Call call = Begin("CRB_GetSystemParameterValue");
-  call.Argument("section", section).Argument("name", name).Argument("userId", userId);
+  Call call = Begin("CRB_GetSystemParameterValue",
+                    {{"section", section}, {"name", name}, {"userId", userId}});
   std::string text;
   call.Run([&] {
     const auto site = m_world.GetSite();
-    // Before a login there is no user id, and parameters are told all the same.
+    // Before a login there is no user id, and parameters are readable all the same.
     if (*userId != '\0') UserOf(m_world, userId);
     const Parameter* parameter = site->FindParameter(section, name);
     if (parameter == nullptr) throw VQCorbaSystemConfiguration::PARAMETER_NOT_FOUND();
@@ -35,33 +35,28 @@ void SystemConfigurationServant::CRB_GetSystemParametersValues(const stringSeq& 
                                                                stringSeq_out values,
                                                                boolSeq_out found,
                                                                const char* userId) {
-  Call call = Begin("CRB_GetSystemParametersValues");
-  call.Argument("sections", ToJson(sections))
-      .Argument("names", ToJson(names))
-      .Argument("userId", userId);
   stringSeq_var texts = new stringSeq;
   boolSeq_var flags = new boolSeq;
-  call.Run([&] {
-    const auto site = m_world.GetSite();
-    if (*userId != '\0') UserOf(m_world, userId);
-    if (sections.length() != names.length()) throw CORBA::BAD_PARAM();
-    texts->length(names.length());
-    flags->length(names.length());
-    for (CORBA::ULong i = 0; i < names.length(); ++i) {
-      const Parameter* parameter = site->FindParameter(sections[i].in(), names[i].in());
-      flags[i] = parameter != nullptr && !parameter->fail && !parameter->userNotFound;
-      texts[i] = flags[i] ? parameter->value.c_str() : "";
-    }
-  });
+  Serve("CRB_GetSystemParametersValues",
+        {{"sections", ToJson(sections)}, {"names", ToJson(names)}, {"userId", userId}}, [&] {
+          const auto site = m_world.GetSite();
+          if (*userId != '\0') UserOf(m_world, userId);
+          if (sections.length() != names.length()) throw CORBA::BAD_PARAM();
+          texts->length(names.length());
+          flags->length(names.length());
+          for (CORBA::ULong i = 0; i < names.length(); ++i) {
+            const Parameter* parameter = site->FindParameter(sections[i].in(), names[i].in());
+            flags[i] = parameter != nullptr && !parameter->fail && !parameter->userNotFound;
+            texts[i] = flags[i] ? parameter->value.c_str() : "";
+          }
+        });
   values = texts._retn();
   found = flags._retn();
 }
 
 CORBA::Boolean SystemConfigurationServant::CRB_isAnnotationRequired(const char* userId,
                                                                     const char* operation) {
-  Call call = Begin("CRB_isAnnotationRequired");
-  call.Argument("userId", userId).Argument("operation", operation);
-  return call.Run([&]() -> CORBA::Boolean {
+  return Serve("CRB_isAnnotationRequired", {{"userId", userId}, {"operation", operation}}, [&] {
     UserOf(m_world, userId);
     return m_world.GetSite()->annotationRequired.contains(operation);
   });
@@ -69,19 +64,16 @@ CORBA::Boolean SystemConfigurationServant::CRB_isAnnotationRequired(const char* 
 
 CORBA::Long SystemConfigurationServant::CRB_GetServerContextName(const char* userId,
                                                                  CORBA::String_out name) {
-  Call call = Begin("CRB_GetServerContextName");
-  call.Argument("userId", userId);
   std::string text = m_server;
-  const CORBA::Long result = call.Run([]() -> CORBA::Long { return 1; }, &text);
+  const int result = Serve(
+      "CRB_GetServerContextName", {{"userId", userId}}, [] { return 1; }, &text);
   name = Dup(text);
   return result;
 }
 
 ADD_ON_STATUS_ENUM SystemConfigurationServant::CRB_AddOnInfo(const char* addOn,
                                                              const char* userId) {
-  Call call = Begin("CRB_AddOnInfo");
-  call.Argument("addOn", addOn).Argument("userId", userId);
-  return call.Run([&] {
+  return Serve("CRB_AddOnInfo", {{"addOn", addOn}, {"userId", userId}}, [&] {
     UserOf(m_world, userId);
     return ADD_ON_STATUS_UNKNOWN;
   });

@@ -6,11 +6,12 @@
 
 #include <string>
 
-#include <simulator/PartOfSystemConfiguration.h>
+#include <simulator/Servant.h>
+#include <vq_idl/SystemConfigurationS.h>
 
 namespace vq::sim {
 
-class SystemConfigurationServant : public PartOfSystemConfiguration {
+class SystemConfigurationServant : public Servant<POA_VQCorbaSystemConfiguration> {
  public:
   // `server` is the name under which the simulator stands in the naming service.
   SystemConfigurationServant(World& world, std::string kind, std::string server);
@@ -25,6 +26,19 @@ class SystemConfigurationServant : public PartOfSystemConfiguration {
   ADD_ON_STATUS_ENUM CRB_AddOnInfo(const char* addOn, const char* userId) override;
 
  private:
+  VQ_NOT_OFFERED(void, CRB_GetArchiveParams, const char*, ArchiveParams_out)
+  VQ_NOT_OFFERED(void, CRB_SetArchiveParams, const char*, const ArchiveParams&)
+  VQ_NOT_OFFERED(void, CRB_GetXAlertParams, const char*, CORBA::String_out, CORBA::String_out)
+  VQ_NOT_OFFERED(void, CRB_GetDBConnectionParams, const char*, DBConnectionParams_out)
+  VQ_NOT_OFFERED(void, CRB_GetDBConnectionParamsEx, const char*, const char*,
+                 DBConnectionParams_out)
+  VQ_NOT_OFFERED(void, CRB_GetTimezonesFile, const char*, stringSeq_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_GetLDAPDomainNames, stringSeq_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_GetWebServerParams, const char*, CrbWebSrvConnectorSeq_out,
+                 CrbWebSrvApplicationDataSeq_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_CreateAuditOperation, const char*, const char*,
+                 const CrbAttributeSeq&, const QCSCorbaAttrHolder&)
+
   const std::string m_server;
 };
 

@@ -36,18 +36,18 @@ QCSCorbaLMInfoSeq* ToWire(const std::vector<LoginMessage>& messages) {
 // The arguments in which a client tells what it is.
 void AddClient(Call& call, const char* hostName, const char* systemUserName, const char* clientName,
                const char* clientVersion, CORBA::ULong timeOut) {
-  call.Argument("hostName", hostName)
-      .Argument("systemUserName", systemUserName)
-      .Argument("clientName", clientName)
-      .Argument("clientVersion", clientVersion)
-      .Argument("timeOut", timeOut);
+  call.Add({{"hostName", hostName},
+            {"systemUserName", systemUserName},
+            {"clientName", clientName},
+            {"clientVersion", clientVersion},
+            {"timeOut", timeOut}});
 }
 
 }  // namespace
 
 UsersManagerServant::UsersManagerServant(World& world, std::string kind, Callbacks& callbacks,
                                          AuthorizationOf authorizationOf)
-    : PartOfUsersManager(world, std::move(kind)),
+    : Servant(world, std::move(kind), "UsersManager"),
       m_callbacks(callbacks),
       m_authorizationOf(std::move(authorizationOf)) {}
 
@@ -73,13 +73,13 @@ CORBA::Long UsersManagerServant::Register(Call& call, const char* userName, cons
   const Accounts::Verdict verdict = m_world.accounts.LogIn(*site, userName, password);
   constexpr const char* kNames[] = {"unknown user", "locked", "wrong", "right"};
   call.Note("verdict", kNames[static_cast<int>(verdict)]);
-  if (verdict == Accounts::Verdict::UnknownUser || verdict == Accounts::Verdict::Wrong) {
+  if (verdict == Accounts::Verdict::kUnknownUser || verdict == Accounts::Verdict::kWrong) {
     reply.message = texts.refused;
     return kRefused;
   }
   const User& user = *site->FindUser(userName);
   reply.userId = user.replyUserId;
-  if (verdict == Accounts::Verdict::Locked) {
+  if (verdict == Accounts::Verdict::kLocked) {
     reply.message = FirstNotEmpty(user.message, texts.locked);
     return kLocked;
   }
@@ -97,13 +97,13 @@ CORBA::Long UsersManagerServant::Register(Call& call, const char* userName, cons
     m_world.accounts.ChangePassword(*site, userName, newPassword);
   }
   const Expiry expiry = m_world.accounts.ExpiryOf(*site, userName);
-  if (expiry == Expiry::Expired) {
+  if (expiry == Expiry::kExpired) {
     reply.message = FirstNotEmpty(user.message, texts.expired);
     return kExpired;
   }
   const CORBA::Long result = OpenSession(*site, userName, timeOut, reply);
   if (result != kRegistered) return result;
-  if (expiry == Expiry::Soon) {
+  if (expiry == Expiry::kSoon) {
     reply.message = FirstNotEmpty(user.message, texts.aboutToExpire);
     return kAboutToExpire;
   }
@@ -117,19 +117,17 @@ std::string_view UsersManagerServant::Form(const char* userName, const char* sho
 
 CORBA::Long UsersManagerServant::CRB_CheckUserPassword(const char* userName, const char* password,
                                                        CORBA::String_out message) {
-  Call call = Begin("CRB_CheckUserPassword");
-  call.Argument("userName", userName).Secret("password", password, Form(userName, password));
+  Call call = Begin("CRB_CheckUserPassword", {{"userName", userName}});
+  call.Secret("password", password, Form(userName, password));
   std::string text;
-  const CORBA::Long result = call.Run(
-      [&]() -> CORBA::Long {
-        const auto site = m_world.GetSite();
-        const auto verdict = m_world.accounts.Check(*site, userName, password);
-        if (verdict == Accounts::Verdict::Right) return 1;
-        text =
-            verdict == Accounts::Verdict::Locked ? site->messages.locked : site->messages.refused;
-        return 0;
-      },
-      &text);
+  const auto check = [&] {
+    const auto site = m_world.GetSite();
+    const auto verdict = m_world.accounts.Check(*site, userName, password);
+    if (verdict == Accounts::Verdict::kRight) return 1;
+    text = verdict == Accounts::Verdict::kLocked ? site->messages.locked : site->messages.refused;
+    return 0;
+  };
+  const int result = call.Run(check, &text);
   message = Dup(text);
   return result;
 }
@@ -137,11 +135,9 @@ CORBA::Long UsersManagerServant::CRB_CheckUserPassword(const char* userName, con
 CORBA::Long UsersManagerServant::CRB_UpdateUserPassword(const char* userName,
                                                         const char* newPassword,
                                                         const char* userId) {
-  Call call = Begin("CRB_UpdateUserPassword");
-  call.Argument("userName", userName)
-      .Secret("newPassword", newPassword, Form(userName, newPassword))
-      .Argument("userId", userId);
-  return call.Run([&]() -> CORBA::Long {
+  Call call = Begin("CRB_UpdateUserPassword", {{"userName", userName}});
+  call.Secret("newPassword", newPassword, Form(userName, newPassword)).Add({{"userId", userId}});
+  return call.Run([&] {
     const auto site = m_world.GetSite();
     const std::string asker = UserOf(m_world, userId);
     Known(*site, userName);
@@ -170,8 +166,8 @@ CORBA::Long UsersManagerServant::CRB_Register(const char* userName, const char* 
                                               CORBA::ULong timeOut, CORBA::String_out message,
                                               CORBA::String_out userId,
                                               CORBA::String_out dbUserName) {
-  Call call = Begin("CRB_Register");
-  call.Argument("userName", userName).Secret("password", password, Form(userName, password));
+  Call call = Begin("CRB_Register", {{"userName", userName}});
+  call.Secret("password", password, Form(userName, password));
   AddClient(call, hostName, systemUserName, clientName, clientVersion, timeOut);
   Reply reply;
   const CORBA::Long result = call.Run(
@@ -185,10 +181,9 @@ CORBA::Long UsersManagerServant::CRB_RegisterAndUpdatePassword(
     const char* systemUserName, const char* clientName, const char* clientVersion,
     QCSCorbaLMInfoSeq_out loginMessages, CORBA::ULong timeOut, CORBA::String_out message,
     CORBA::String_out userId, CORBA::String_out dbUserName) {
-  Call call = Begin("CRB_RegisterAndUpdatePassword");
-  call.Argument("userName", userName)
-      .Secret("password", password, Form(userName, password))
-      .Secret("newPassword", newPassword, Form(userName, newPassword));
+  Call call = Begin("CRB_RegisterAndUpdatePassword", {{"userName", userName}});
+  call.Secret("password", password, Form(userName, password));
+  call.Secret("newPassword", newPassword, Form(userName, newPassword));
   AddClient(call, hostName, systemUserName, clientName, clientVersion, timeOut);
   Reply reply;
   const CORBA::Long result =
@@ -199,59 +194,48 @@ CORBA::Long UsersManagerServant::CRB_RegisterAndUpdatePassword(
 }
 
 CORBA::Long UsersManagerServant::CRB_Unregister(const char* userId) {
-  Call call = Begin("CRB_Unregister");
-  call.Argument("userId", userId);
-  return call.Run([&]() -> CORBA::Long {
+  return Serve("CRB_Unregister", {{"userId", userId}}, [&] {
     m_callbacks.RemoveOf(userId);
     return m_world.sessions.Close(userId) ? 1 : 0;
   });
 }
 
 QCSCorbaAuthorization_ptr UsersManagerServant::CRB_AllocUserAuth(const char* userId) {
-  Call call = Begin("CRB_AllocUserAuth");
-  call.Argument("userId", userId);
-  QCSCorbaAuthorization_var object = call.Run(
-      [&] { return QCSCorbaAuthorization_var(m_authorizationOf(UserOf(m_world, userId))); });
+  QCSCorbaAuthorization_var object = Serve("CRB_AllocUserAuth", {{"userId", userId}}, [&] {
+    return QCSCorbaAuthorization_var(m_authorizationOf(UserOf(m_world, userId)));
+  });
   return object._retn();
 }
 
 CORBA::Long UsersManagerServant::CRB_ClientKeepAlive(const char* userId) {
-  Call call = Begin("CRB_ClientKeepAlive");
-  call.Argument("userId", userId);
-  return call.Run([&]() -> CORBA::Long { return m_world.sessions.KeepAlive(userId) ? 1 : 0; });
+  return Serve("CRB_ClientKeepAlive", {{"userId", userId}},
+               [&] { return m_world.sessions.KeepAlive(userId) ? 1 : 0; });
 }
 
 CORBA::Long UsersManagerServant::CRB_ClientsKeepAlive(const stringSeq& userIds) {
-  Call call = Begin("CRB_ClientsKeepAlive");
-  call.Argument("userIds", ToJson(userIds));
-  return call.Run([&]() -> CORBA::Long {
-    bool all = true;
+  return Serve("CRB_ClientsKeepAlive", {{"userIds", ToJson(userIds)}}, [&] {
+    int all = 1;
     for (CORBA::ULong i = 0; i < userIds.length(); ++i) {
-      all = m_world.sessions.KeepAlive(userIds[i].in()) && all;
+      if (!m_world.sessions.KeepAlive(userIds[i].in())) all = 0;
     }
-    return all ? 1 : 0;
+    return all;
   });
 }
 
 CORBA::Long UsersManagerServant::CRB_ResetTimeout(const char* userId, CORBA::ULong timeOut) {
-  Call call = Begin("CRB_ResetTimeout");
-  call.Argument("userId", userId).Argument("timeOut", timeOut);
-  return call.Run([&]() -> CORBA::Long {
+  return Serve("CRB_ResetTimeout", {{"userId", userId}, {"timeOut", timeOut}}, [&] {
     return m_world.sessions.ResetTimeOut(userId, std::chrono::seconds(timeOut)) ? 1 : 0;
   });
 }
 
 CORBA::Boolean UsersManagerServant::CRB_CheckCertificateExpiration(const char* userId,
                                                                    CORBA::String_out message) {
-  Call call = Begin("CRB_CheckCertificateExpiration");
-  call.Argument("userId", userId);
   std::string text;
-  const CORBA::Boolean result = call.Run(
-      [&]() -> CORBA::Boolean {
-        UserOf(m_world, userId);
-        return false;
-      },
-      &text);
+  const auto check = [&] {
+    UserOf(m_world, userId);
+    return false;
+  };
+  const bool result = Serve("CRB_CheckCertificateExpiration", {{"userId", userId}}, check, &text);
   message = Dup(text);
   return result;
 }
@@ -259,11 +243,9 @@ CORBA::Boolean UsersManagerServant::CRB_CheckCertificateExpiration(const char* u
 void UsersManagerServant::CRB_GetMyAuthorizationsFromMemory(
     const char* userId, QCSCorbaAuthorization_out authorization,
     QCSCorbaAuthorizationStruct_out details) {
-  Call call = Begin("CRB_GetMyAuthorizationsFromMemory");
-  call.Argument("userId", userId);
   QCSCorbaAuthorization_var object;
   QCSCorbaAuthorizationStruct_var snapshot;
-  call.Run([&] {
+  Serve("CRB_GetMyAuthorizationsFromMemory", {{"userId", userId}}, [&] {
     const auto site = m_world.GetSite();
     const std::string name = UserOf(m_world, userId);
     snapshot = new QCSCorbaAuthorizationStruct(MakeSnapshot(*site, Known(*site, name)));
@@ -275,9 +257,8 @@ void UsersManagerServant::CRB_GetMyAuthorizationsFromMemory(
 
 CORBA::Long UsersManagerServant::CRB_AquireChallenge(CORBA::String_out first,
                                                      CORBA::String_out second) {
-  Call call = Begin("CRB_AquireChallenge");
   Challenge challenge;
-  const CORBA::Long result = call.Run([&]() -> CORBA::Long {
+  const int result = Serve("CRB_AquireChallenge", {}, [&] {
     const auto site = m_world.GetSite();
     challenge = m_world.challenges.Acquire(site->challengesPending, site->challengeLifetime);
     return 1;
@@ -289,36 +270,32 @@ CORBA::Long UsersManagerServant::CRB_AquireChallenge(CORBA::String_out first,
 
 CORBA::Long UsersManagerServant::CRB_VerifyClientServerVersion(const char* clientVersion,
                                                                CORBA::String_out serverVersion) {
-  Call call = Begin("CRB_VerifyClientServerVersion");
-  call.Argument("clientVersion", clientVersion);
   std::string version;
-  const CORBA::Long result = call.Run(
-      [&]() -> CORBA::Long {
-        const auto site = m_world.GetSite();
-        version = site->serverVersion;
-        for (const VersionRule& rule : site->versions) {
-          if (!std::string_view(clientVersion).starts_with(rule.client)) continue;
-          if (rule.missing) throw CORBA::BAD_OPERATION();
-          version = rule.server;
-          return rule.result;
-        }
-        return 1;
-      },
-      &version);
+  const auto verify = [&] {
+    const auto site = m_world.GetSite();
+    version = site->serverVersion;
+    for (const VersionRule& rule : site->versions) {
+      if (!std::string_view(clientVersion).starts_with(rule.client)) continue;
+      if (rule.missing) throw CORBA::BAD_OPERATION();
+      version = rule.server;
+      return rule.result;
+    }
+    return 1;
+  };
+  const int result =
+      Serve("CRB_VerifyClientServerVersion", {{"clientVersion", clientVersion}}, verify, &version);
   serverVersion = Dup(version);
   return result;
 }
 
 CORBA::Boolean UsersManagerServant::CRB_TryCallback(CORBA::Long callbackId, CORBA::Long timeOut,
                                                     CORBA::String_out message) {
-  Call call = Begin("CRB_TryCallback");
-  call.Argument("callbackId", callbackId).Argument("timeOut", timeOut);
   std::string text;
-  const CORBA::Boolean result = call.Run(
-      [&]() -> CORBA::Boolean {
-        return m_callbacks.Ping(callbackId, std::chrono::milliseconds(timeOut), text);
-      },
-      &text);
+  const auto ping = [&] {
+    return m_callbacks.Ping(callbackId, std::chrono::milliseconds(timeOut), text);
+  };
+  const bool result =
+      Serve("CRB_TryCallback", {{"callbackId", callbackId}, {"timeOut", timeOut}}, ping, &text);
   message = Dup(text);
   return result;
 }

@@ -10,11 +10,12 @@
 #include <vector>
 
 #include <simulator/Callbacks.h>
-#include <simulator/PartOfUsersManager.h>
+#include <simulator/Servant.h>
+#include <vq_idl/UsersManagerS.h>
 
 namespace vq::sim {
 
-class UsersManagerServant : public PartOfUsersManager {
+class UsersManagerServant : public Servant<POA_QCSCorbaUsersManager> {
  public:
   // Gives out the authorization object of a user; the caller owns the reference.
   using AuthorizationOf = std::function<QCSCorbaAuthorization_ptr(const std::string& user)>;
@@ -53,6 +54,43 @@ class UsersManagerServant : public PartOfUsersManager {
                                  CORBA::String_out message) override;
 
  private:
+  VQ_NOT_OFFERED(CORBA::Long, CRB_CreateOrUpdateUserPref, const char*, const char*,
+                 const stringSeq&, const stringSeq&)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_GetUserPref, const char*, const char*, stringSeq_out,
+                 stringSeq_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_DeleteUserPref, const char*, const char*)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_ListUserPrefs, const char*, stringSeq_out, stringSeq_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_SetItemInCategory, const char*, const char*, const char*,
+                 const char*, const char*, CORBA::Boolean, CORBA::Long)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_DeleteItemInCategory, const char*, const char*, const char*,
+                 const char*)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_PinItemInCategory, const char*, const char*, const char*,
+                 const char*, CORBA::Boolean)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_GetItemsList, const char*, const char*, const char*,
+                 ItemInCategorySeq_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_RegisterServer, const char*, const char*, const char*,
+                 const char*, const char*, CORBA::ULong, CORBA::String_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_LoadAuthorizations, const char*, QCSCorbaAuthorization_out,
+                 QCSCorbaAuthorizationStruct_out, const char*)
+  VQ_NOT_OFFERED(void, CRB_GetMyAuthorizationsFromMemoryEx, const char*, QCSCorbaAuthorization_out,
+                 QCSCorbaAuthorizationStructEx_out)
+  VQ_NOT_OFFERED(void, CRB_GetMyAuthorizationsFromMemoryEx2, const char*, QCSCorbaAuthorization_out,
+                 QCSCorbaAuthorizationStructEx2_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_LoadAuthorizationsEx2, const char*, QCSCorbaAuthorization_out,
+                 QCSCorbaAuthorizationStructEx2_out, const char*)
+  VQ_NOT_OFFERED(void, CRB_GetMyAuthorizationsFromMemoryA, const char*,
+                 QCSCorbaAuthorizationStructA_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_LoadAuthorizationsEx, const char*, QCSCorbaAuthorization_out,
+                 QCSCorbaAuthorizationStructEx_out, const char*)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_LoadAuthorizationsExA, const char*,
+                 QCSCorbaAuthorizationStructA_out, const char*)
+  VQ_NOT_OFFERED(QCSAuthLevelEnum, CRB_GetActionAuthLevel, const char*)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_AquireRSAChallenge, const char*, CrbOctetSeq_out)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_VerifyClientServerVersion_Ext, const char*, const stringSeq&,
+                 const char*, CORBA::String_out, stringSeq_out)
+  VQ_NOT_OFFERED(void, CRB_UpdateClientPlayerControl, const char*, CORBA::Long)
+  VQ_NOT_OFFERED(CORBA::Long, CRB_GetClientPlayerControl, const char*, const char*)
+
   // A password's form for the log, judged by the password that is right at present.
   std::string_view Form(const char* userName, const char* shown);
 

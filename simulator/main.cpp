@@ -26,6 +26,7 @@
 #include <simulator/Orb.h>
 #include <simulator/Server.h>
 #include <simulator/World.h>
+#include <support/orb/ReferenceAddress.h>
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -62,8 +63,9 @@ vq::orb::TlsSettings ParseTls(const std::vector<std::string>& arguments) {
 // Written beside its place and moved there, so that whoever waits for it finds it whole.
 void WriteReadyFile(const std::string& path, const Arguments& arguments, CORBA::ORB_ptr orb,
                     const std::vector<std::unique_ptr<Server>>& servers) {
+  const auto endpoints = vq::orb::EndpointsOf(servers.front()->Services().begin()->second.in());
   nlohmann::ordered_json ready = {{"pid", getpid()},
-                                  {"port", ListeningPort()},
+                                  {"port", endpoints.empty() ? 0 : endpoints.front().port},
                                   {"server", arguments.server},
                                   {"control", arguments.control}};
   for (std::size_t i = 0; i < servers.size(); ++i) {
@@ -83,7 +85,7 @@ void WriteReadyFile(const std::string& path, const Arguments& arguments, CORBA::
 
 bool MayLogIn(const User& user) {
   const int result = user.result.value_or(1);
-  return !user.locked && user.expiry != Expiry::Expired && (result == 1 || result == 50);
+  return !user.locked && user.expiry != Expiry::kExpired && (result == 1 || result == 50);
 }
 
 // What a person at the terminal needs for a login.

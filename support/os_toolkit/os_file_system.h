@@ -32,8 +32,11 @@ class Descriptor {
  public:
   explicit Descriptor(int number = -1) : m_number(number) {}
   ~Descriptor() { Close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
+  Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(m_number, other.m_number);
+    return *this;
+  }
 
   bool IsOpen() const { return m_number >= 0; }
   int Get() const { return m_number; }  // -1 when it is not open

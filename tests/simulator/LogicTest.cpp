@@ -219,31 +219,31 @@ TEST_F(Logic, AChallengeIsAnsweredOnceAndInTime) {
 
 TEST_F(Logic, WrongPasswordsLockTheAccount) {
   const std::string key = Encode("secret");
-  EXPECT_EQ(LogIn("nobody", "x"), Verdict::UnknownUser);
-  EXPECT_EQ(LogIn("shut", Respond(Acquire(), key)), Verdict::Locked);
-  EXPECT_EQ(LogIn("ann", "x"), Verdict::Wrong);
-  EXPECT_EQ(LogIn("ann", Respond(Acquire(), key)), Verdict::Right);  // and counts from 0 again
-  EXPECT_EQ(LogIn("ann", "x"), Verdict::Wrong);
-  EXPECT_EQ(LogIn("ann", "secret"), Verdict::Wrong);  // plain, while passwords are encoded
-  EXPECT_EQ(LogIn("ann", Respond(Acquire(), key)), Verdict::Locked);
+  EXPECT_EQ(LogIn("nobody", "x"), Verdict::kUnknownUser);
+  EXPECT_EQ(LogIn("shut", Respond(Acquire(), key)), Verdict::kLocked);
+  EXPECT_EQ(LogIn("ann", "x"), Verdict::kWrong);
+  EXPECT_EQ(LogIn("ann", Respond(Acquire(), key)), Verdict::kRight);  // and counts from 0 again
+  EXPECT_EQ(LogIn("ann", "x"), Verdict::kWrong);
+  EXPECT_EQ(LogIn("ann", "secret"), Verdict::kWrong);  // plain, while passwords are encoded
+  EXPECT_EQ(LogIn("ann", Respond(Acquire(), key)), Verdict::kLocked);
 
   world.Patch(nlohmann::json::parse(R"({"users": {"bob": {"fullName": "Bob"}}})"));
-  EXPECT_EQ(LogIn("ann", Respond(Acquire(), key)), Verdict::Locked);
+  EXPECT_EQ(LogIn("ann", Respond(Acquire(), key)), Verdict::kLocked);
   world.Patch(nlohmann::json::parse(R"({"users": {"ann": {"fullName": "Ann"}}})"));
-  EXPECT_EQ(LogIn("ann", Respond(Acquire(), key)), Verdict::Right);
+  EXPECT_EQ(LogIn("ann", Respond(Acquire(), key)), Verdict::kRight);
 }
 
 TEST_F(Logic, AChangedPasswordHoldsInBothForms) {
   world.accounts.ChangePassword(*world.GetSite(), "bob", Encode("fresh"));
-  EXPECT_EQ(world.accounts.ExpiryOf(*world.GetSite(), "bob"), Expiry::Never);
-  EXPECT_EQ(LogIn("bob", Respond(Acquire(), Encode("other"))), Verdict::Wrong);
-  EXPECT_EQ(LogIn("bob", Respond(Acquire(), Encode("fresh"))), Verdict::Right);
+  EXPECT_EQ(world.accounts.ExpiryOf(*world.GetSite(), "bob"), Expiry::kNever);
+  EXPECT_EQ(LogIn("bob", Respond(Acquire(), Encode("other"))), Verdict::kWrong);
+  EXPECT_EQ(LogIn("bob", Respond(Acquire(), Encode("fresh"))), Verdict::kRight);
   world.Patch(nlohmann::json::parse(R"({"parameters": {"general": {"PasswordEncode": "0"}}})"));
-  EXPECT_EQ(LogIn("bob", "fresh"), Verdict::Right);
-  EXPECT_EQ(LogIn("bob", Encode("fresh")), Verdict::Wrong);
+  EXPECT_EQ(LogIn("bob", "fresh"), Verdict::kRight);
+  EXPECT_EQ(LogIn("bob", Encode("fresh")), Verdict::kWrong);
   world.Reset();
-  EXPECT_EQ(LogIn("bob", "other"), Verdict::Right);
-  EXPECT_EQ(world.accounts.ExpiryOf(*world.GetSite(), "bob"), Expiry::Expired);
+  EXPECT_EQ(LogIn("bob", "other"), Verdict::kRight);
+  EXPECT_EQ(world.accounts.ExpiryOf(*world.GetSite(), "bob"), Expiry::kExpired);
 }
 
 TEST_F(Logic, ASessionEndsUnlessItIsKeptAlive) {
