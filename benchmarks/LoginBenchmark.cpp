@@ -8,17 +8,16 @@
 // whatever the machine does meanwhile hits both. The answer to the challenge and the password's
 // checksum belong to a login, so both sides compute them. The server writes no log.
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include <benchmark/benchmark.h>
 
+#include <benchmarks/Comparison.h>
 #include <benchmarks/SpawnedProgram.h>
-#include <support/security/ChallengeResponse.h>
+#include <benchmarks/StubCalls.h>
 #include <tests/fixture/ChildProcess.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/Server.h>
@@ -27,8 +26,6 @@
 #include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
-#include <vq_idl/SystemConfigurationC.h>
-#include <vq_idl/UsersManagerC.h>
 
 namespace {
 
@@ -75,27 +72,9 @@ class World {
                     arguments);
   }
 
-  // The remote calls of one login and what has to be computed between them.
-  int LoginByStubs() const {
-    CORBA::String_var encode;
-    CORBA::String_var mode;
-    CORBA::String_var version;
-    CORBA::String_var first;
-    CORBA::String_var second;
-    configuration->CRB_GetSystemParameterValue("general", "PasswordEncode", encode.out(), "");
-    configuration->CRB_GetSystemParameterValue("general", "I18N", mode.out(), "");
-    users->CRB_VerifyClientServerVersion("8.0.05", version.out());
-    users->CRB_AquireChallenge(first.out(), second.out());
-    std::string checksum;
-    std::string response;
-    ChkSum("secret", checksum);
-    MakeChallengeResponse(first.in(), second.in(), checksum.substr(0, 8), response);
-    QCSCorbaLMInfoSeq_var messages;
-    CORBA::String_var message;
+  CORBA::Long LoginByStubs() const {
     CORBA::String_var userId;
-    CORBA::String_var dbUser;
-    return users->CRB_Register("alice", response.c_str(), "host", "account", "vq_cli", "8.0.05",
-                               messages.out(), kShort, message.out(), userId.out(), dbUser.out());
+    return vq::LoginByStubs(configuration, users, kShort, userId);
   }
 
   // The whole process of either login.
@@ -128,27 +107,11 @@ double Seconds(Call call) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-double Median(std::vector<double>& values) {
-  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
-                   values.end());
-  return values[values.size() / 2];
-}
-
-// Times the two in turn, and which of them goes first changes as well. The time is the library's;
-// "ratio" is that of the medians.
+// Compares two pieces of work by elapsed time.
 template <class Library, class Stubs>
 void Compare(benchmark::State& state, Library library, Stubs stubs) {
-  std::vector<double> ours;
-  std::vector<double> theirs;
-  for (auto _ : state) {
-    const bool first = ours.size() % 2 == 0;
-    if (first) theirs.push_back(Seconds(stubs));
-    ours.push_back(Seconds(library));
-    if (!first) theirs.push_back(Seconds(stubs));
-    state.SetIterationTime(ours.back());
-  }
-  state.counters["peer_s"] = Median(theirs);
-  state.counters["ratio"] = Median(ours) / Median(theirs);
+  vq::Compare(
+      state, [&] { return Seconds(library); }, [&] { return Seconds(stubs); });
 }
 
 void Parameter(benchmark::State& state) {

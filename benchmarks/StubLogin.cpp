@@ -1,14 +1,10 @@
 // stub_login -ORBInitRef NameService=REFERENCE
 //
-// Logs in to the server "central" as vqclient's command login does, and out again: the same remote
-// calls, made through the generated stubs. The peer of that command as a whole process.
+// Logs in to the server "central" as vqclient's command login does, and out again, through the
+// generated stubs. The peer of that command as a whole process.
 
-#include <string>
-
+#include <benchmarks/StubCalls.h>
 #include <support/orb/Corba.h>
-#include <support/security/ChallengeResponse.h>
-#include <vq_idl/SystemConfigurationC.h>
-#include <vq_idl/UsersManagerC.h>
 
 namespace {
 
@@ -31,28 +27,9 @@ int Login(CORBA::ORB_ptr orb) {
 
   const VQCorbaSystemConfiguration_var configuration =
       Find<VQCorbaSystemConfiguration>(naming, "SystemConfiguration");
-  CORBA::String_var encode;
-  CORBA::String_var mode;
-  configuration->CRB_GetSystemParameterValue("general", "PasswordEncode", encode.out(), "");
-  configuration->CRB_GetSystemParameterValue("general", "I18N", mode.out(), "");
-
   const QCSCorbaUsersManager_var users = Find<QCSCorbaUsersManager>(naming, "UsersManager");
-  CORBA::String_var version;
-  CORBA::String_var first;
-  CORBA::String_var second;
-  users->CRB_VerifyClientServerVersion("8.0.05", version.out());
-  users->CRB_AquireChallenge(first.out(), second.out());
-  std::string checksum;
-  std::string response;
-  ChkSum("secret", checksum);
-  MakeChallengeResponse(first.in(), second.in(), checksum.substr(0, 8), response);
-  QCSCorbaLMInfoSeq_var messages;
-  CORBA::String_var message;
   CORBA::String_var userId;
-  CORBA::String_var dbUser;
-  const CORBA::Long result =
-      users->CRB_Register("alice", response.c_str(), "host", "account", "vq_cli", "8.0.05",
-                          messages.out(), 900, message.out(), userId.out(), dbUser.out());
+  const CORBA::Long result = vq::LoginByStubs(configuration.in(), users.in(), 900, userId);
   users->CRB_Unregister(userId.in());
   return result == 1 ? 0 : 1;
 }

@@ -10,7 +10,6 @@
 // flags. Its peer takes the same records apart with >> for the prefix and the separator, read for
 // the body, and >> again for a number.
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -18,9 +17,10 @@
 #include <random>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include <benchmark/benchmark.h>
+
+#include <benchmarks/Comparison.h>
 #include <support/security/StupidEncrypt.h>
 #include <vq_client_common/datacenters/TArchive.h>
 #include <vq_client_common/text/ConvertFunctions.h>
@@ -52,26 +52,13 @@ double Seconds(Call call) {
   return Now() - start;
 }
 
-double Median(std::vector<double> values) {
-  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
-                   values.end());
-  return values[values.size() / 2];
-}
-
-// Times `first` and `second` in turn; "ratio" is that of their medians, second by first.
-template <typename First, typename Second>
-void Compare(benchmark::State& state, First first, Second second) {
-  first();
-  second();
-  std::vector<double> firsts;
-  std::vector<double> seconds;
-  for (auto _ : state) {
-    firsts.push_back(Seconds(first));
-    seconds.push_back(Seconds(second));
-    state.SetIterationTime(seconds.back());
-  }
-  state.counters["peer_s"] = Median(firsts);
-  state.counters["ratio"] = Median(seconds) / Median(firsts);
+// The benchmark's time is that of `work`.
+template <typename Peer, typename Work>
+void Compare(benchmark::State& state, Peer peer, Work work) {
+  peer();
+  work();
+  vq::Compare(
+      state, [&] { return Seconds(work); }, [&] { return Seconds(peer); });
 }
 
 std::string JobText(std::size_t size) {
