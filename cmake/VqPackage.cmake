@@ -84,7 +84,7 @@ vq_package(development libvq-client-common-dev libdevel
   "This package holds the headers, the interface definitions, the CMake package
 and the pkg-config file.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-  "${runtime} ${this_version}, libomniorb4-dev, libxerces-c-dev, pkg-config")
+  "${runtime} ${this_version}, libomniorb4-dev, libxerces-c-dev, pkgconf")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libvq-client-common-doc)
 
 vq_package(tools vq-client-tools net "command-line client of a job-scheduling suite"
