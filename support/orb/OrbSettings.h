@@ -110,7 +110,7 @@ OrbArguments SplitArguments(int argc, const char* const* argv);
 struct DomainScopes {
   std::vector<std::string> files;    // the domain's, the strongest layer first; they need not exist
   std::vector<SettingScope> scopes;  // the strongest first
-  std::string error;
+  std::string error;                 // why a file cannot be read
 };
 
 // Reads the domain that the environment names (docs/configuration.md) for the ORB of that scope. A
