@@ -40,6 +40,16 @@ std::string Indented(std::string_view text) {
   return result;
 }
 
+// The scope, with the module in brackets before it unless the scope begins with its name: levels
+// are set by module.
+std::string Origin(const TDiagLine& line) {
+  if (line.scope.empty()) return std::string(line.module);
+  if (fmt::format("{}::", line.scope).starts_with(fmt::format("{}::", line.module))) {
+    return std::string(line.scope);
+  }
+  return fmt::format("[{}] {}", line.module, line.scope);
+}
+
 spdlog::level::level_enum SpdlogLevel(int level) {
   if (level <= 1) return spdlog::level::err;
   if (level <= 4) return spdlog::level::warn;
@@ -211,10 +221,7 @@ void TDiag::Write(const TDiagLine& line) {
       continue;
     }
     if (text.empty()) {
-      text = "L" + std::to_string(line.level) + " ";
-      text += line.scope.empty() ? line.module : line.scope;
-      text += ": ";
-      text += Indented(line.text);
+      text = fmt::format("L{} {}: {}", line.level, Origin(line), Indented(line.text));
     }
     const auto& textSink = std::get<State::TextSink>(sink);
     textSink->log(spdlog::details::log_msg("", SpdlogLevel(line.level), text));

@@ -78,11 +78,12 @@ class VQ_CLIENT_COMMON_API TDiag {
   void SetClassMask(std::uint32_t mask);
   std::uint32_t GetClassMask() const;
 
-  // Each returns a number for RemoveSink. In a text sink what follows a line end is indented, and
-  // control characters stand as their numbers; a callback gets the text as logged. AddFileSink
-  // appends to `path`, starts a new file when it reaches `maxBytes` and keeps `olderFiles` old
-  // ones. 0 when the file does not open or the callback is empty. The standard error stream is one
-  // sink however often it is added.
+  // Each returns a number for RemoveSink. A text sink writes "L1 LoginHandler::Login: text", or
+  // "L1 [GlobalFuncs] GL_Login: text" where the scope does not begin with the module; what follows
+  // a line end is indented, and control characters become numbers. A callback gets the text as
+  // logged. AddFileSink appends to `path`, starts a new file when it reaches `maxBytes` and keeps
+  // `olderFiles` old ones. 0 when the file does not open or the callback is empty. The standard
+  // error stream is one sink however often it is added.
   SinkId AddStandardErrorSink();
   SinkId AddFileSink(const std::string& path, std::size_t maxBytes = 10U << 20U,
                      std::size_t olderFiles = 3);
