@@ -1,14 +1,18 @@
-// Every public header of libvq_client_common.so.
+// Every public header of the library, and the headers of the support libraries that a client uses
+// directly: the log, the deadline of calls, and the ORB by number.
 //
 //   #include <vq_client_common/vq_client_common.h>
 //
-// A program that wants less includes the headers that it needs, under the same names.
+// Left out are the generated headers. A program that makes remote calls of its own, or fills
+// records of the wire, includes the one that it needs, such as <vq_idl/UsersManagerC.h> or
+// <vq_idl/AdministrationRecordsC.h>. A program that needs less than all may include single headers.
 #ifndef VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H
 #define VQ_CLIENT_COMMON_VQ_CLIENT_COMMON_H
 
 #include <support/Export.h>
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CallDeadline.h>
+#include <support/orb/ORBCommon.h>
 #include <vq_client_common/authorizations/QCSGuiAuthActJobsDef.h>
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 #include <vq_client_common/connectivity/IPAddressInfo.h>

@@ -2,8 +2,7 @@
 //
 //   authorizations SERVER USER -ORBInitRef NameService=corbaloc:iiop:HOST:2809/NameService
 //
-// The login loads what the user may do; every question after it is answered here, without a call to
-// the server.
+// The login loads what the user may do. The questions make no remote call.
 
 #include <iostream>
 #include <string>
@@ -12,39 +11,39 @@
 
 namespace {
 
-void Tell(const std::string& question, bool answer) {
+void Print(const std::string& question, bool answer) {
   std::cout << question << ": " << (answer ? "yes" : "no") << '\n';
 }
 
 void AskAll(const UserAuthorizations& user) {
-  Tell("administrator", user.IsAdministrator());
+  Print("administrator", user.IsAdministrator());
 
-  // A privilege has one level; the question names the least that is enough.
-  Tell("see alerts", user.IsAlertsAccessAllowed(BROWSE_ACCESS));
-  Tell("handle alerts", user.IsAlertsAccessAllowed(UPDATE_ACCESS));
-  Tell("define users", user.IsAuthDefAccessAllowed(BROWSE_ACCESS));
+  // A privilege has one level; the question has the lowest level that is sufficient.
+  Print("see alerts", user.IsAlertsAccessAllowed(BROWSE_ACCESS));
+  Print("handle alerts", user.IsAlertsAccessAllowed(UPDATE_ACCESS));
+  Print("define users", user.IsAuthDefAccessAllowed(BROWSE_ACCESS));
 
-  // Of a kind: is there any grant at all? A menu is built of such questions.
-  Tell("any calendar", user.IsCalendarsAccessAllowed());
-  Tell("any workload", user.IsWorkloadsAccessAllowed());
+  // A kind of object: is there any grant for it? Such questions decide which menus to show.
+  Print("any calendar", user.IsCalendarsAccessAllowed());
+  Print("any workload", user.IsWorkloadsAccessAllowed());
 
-  // Of one object: it is described by the attributes that the grants' criteria speak of.
+  // One object. Its attributes are those that the criteria of the grants contain.
   QCSObject calendar;
   calendar.SetAttribute("CALENDAR", "WORKDAYS");
-  Tell("change calendar WORKDAYS", user.IsCalendarAccessAllowed(calendar, UPDATE_ACCESS));
-  Tell("delete calendar WORKDAYS", user.IsCalendarAccessAllowed(calendar, FULL_ACCESS));
+  Print("change calendar WORKDAYS", user.IsCalendarAccessAllowed(calendar, UPDATE_ACCESS));
+  Print("delete calendar WORKDAYS", user.IsCalendarAccessAllowed(calendar, FULL_ACCESS));
 
   QCSObject table;
   table.SetAttribute("TABLE", "PAYROLL");
-  Tell("see table PAYROLL", user.IsSchedTblAccessAllowed(table, BROWSE_ACCESS));
+  Print("see table PAYROLL", user.IsSchedTblAccessAllowed(table, BROWSE_ACCESS));
   table.SetAttribute("TABLE", "STOCK");
-  Tell("see table STOCK", user.IsSchedTblAccessAllowed(table, BROWSE_ACCESS));
+  Print("see table STOCK", user.IsSchedTblAccessAllowed(table, BROWSE_ACCESS));
 
-  // Of a service: its actions are numbers.
+  // A service. Its actions have numbers.
   QCSObject service;
   service.SetAttribute("SERVICE", "Billing");
-  Tell("action 2 on service Billing", user.IsServiceActionAccessAllowed(service, 2));
-  Tell("action 3 on service Billing", user.IsServiceActionAccessAllowed(service, 3));
+  Print("action 2 on service Billing", user.IsServiceActionAccessAllowed(service, 2));
+  Print("action 3 on service Billing", user.IsServiceActionAccessAllowed(service, 3));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Holds data centers by name, and asks what their schedulers' versions can do. Needs no server.
+// Stores data centers by name, and prints the features of their schedulers. Needs no server.
 //
 //   data_centers
 //
@@ -11,7 +11,7 @@
 
 namespace {
 
-// `platform` as the server writes it, `version` as "700.20": the version and its fix-pack level.
+// `platform`: as in the server's data. `full`: version and fix-pack level, such as "700.20".
 TDC MakeDataCenter(const std::string& name, const std::string& platform, const std::string& full) {
   std::string version = full;
   std::string fixPack;
@@ -35,22 +35,16 @@ void Show(const TDC& dc) {
 }  // namespace
 
 int main() {
-  // The process has a list of its own, which the library neither fills nor reads.
+  // The list of the process, which the library neither fills nor reads.
   DataCenters.Add(MakeDataCenter("PARIS", "UNIX", "700.20"));
   DataCenters.Add(MakeDataCenter("BERLIN", "UNIX", "610"));
   DataCenters.Add(MakeDataCenter("TOKYO", "MVS", "620"));
   DataCenters.Add(MakeDataCenter("OSLO", "UNIX", "700.10"));
 
-  // By name. The first record comes by its position: GetNextDC moves on before it copies.
-  TDCList::Position position = DataCenters.GetFirstDCPosition();
-  Show(position->second);
-  TDC dc;
-  for (DataCenters.GetNextDC(position, dc); position != DataCenters.GetEndDCPosition();
-       DataCenters.GetNextDC(position, dc)) {
-    Show(dc);
-  }
+  auto position = DataCenters.GetFirstDCPosition();  // in the order of their names
+  for (; position != DataCenters.GetEndDCPosition(); ++position) Show(position->second);
 
-  // May one stand in for another? Type and version must be the same; the fix pack does not count.
+  // May one replace another? Type and version must be equal; the fix-pack level does not count.
   std::string why;
   for (const char* other : {"OSLO", "BERLIN", "ROME"}) {
     const bool can = DataCenters.CanReplace("PARIS", other, why) == 1;

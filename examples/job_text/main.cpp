@@ -1,4 +1,4 @@
-// Brings job fields into the server's form, and text of several lines there and back. Needs no
+// Converts job fields to the server's form, and text of several lines in both directions. Needs no
 // server.
 //
 //   job_text
@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr unsigned int kLongestLine = 72;  // bytes that the server takes in one line
+constexpr unsigned int kLongestLine = 72;  // bytes in one line of the server's buffer
 
-// The server's line buffer back as text. One that was cut off on its way must not end the program.
+// Converts the server's line buffer to text. An incomplete buffer must not end the program.
 bool Read(const std::string& buffer, std::string& lines) {
   try {
     return ConvertBuffer2Lines(buffer, lines) == 1;
@@ -25,8 +25,8 @@ bool Read(const std::string& buffer, std::string& lines) {
 }  // namespace
 
 int main() {
-  // On the screen lines end in LF, in a job's text form in CR LF, in the line buffer in nothing:
-  // each line has its length in front.
+  // On the screen, lines end in LF; in the text form of a job, in CR LF. In the line buffer, the
+  // length comes before each line.
   const std::string screen = "copy the ledger\n\nthen send it";
   std::string text;
   std::string buffer;

@@ -2,8 +2,8 @@
 //
 //   keep_alive SERVER USER SECONDS COUNT -ORBInitRef NameService=corbaloc::HOST:2809/NameService
 //
-// The session sees to itself, every SECONDS, from a thread of its own. The program looks COUNT
-// times or until Ctrl-C. A real program takes about a third of the session's time-out.
+// The session's own thread sends the keep-alives, every SECONDS. The program reports COUNT times,
+// or until Ctrl-C. A real program takes about a third of the session's time-out as SECONDS.
 
 #include <chrono>
 #include <cstdlib>
@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
     std::cerr << "usage: keep_alive SERVER USER SECONDS COUNT [-ORBInitRef ...]\n";
     return 2;
   }
-  // Before the ORB starts its threads, so that none of them takes the signal.
+  // Before the ORB starts its threads, which inherit the signal mask.
   sigset_t interrupts;
   sigemptyset(&interrupts);
   sigaddset(&interrupts, SIGINT);
@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
                                .orbArguments = {argv, argv + argc},
                                .keepAlive = interval,
                                .renew = true,
-                               // On the session's thread, when it cannot be renewed either.
+                               // Called on the session's thread when it cannot be renewed.
                                .onLost = [] { std::cerr << "The session is lost.\n"; }});
     if (!session.Message().empty()) std::cerr << session.Message() << '\n';
     const timespec pause{interval.count(), 0};

@@ -1,4 +1,4 @@
-// Takes the library's log into an application's own, and hears of a callback that fails.
+// Copies the library's log to that of the application, and reports a callback that fails.
 //
 //   log_and_hooks SERVER USER -ORBInitRef NameService=corbaloc:iiop:HOST:2809/NameService
 //
@@ -12,21 +12,21 @@
 
 namespace {
 
-// This file's own place in the log, beside the library's modules.
+// This file's module in the log, beside those of the library.
 TDiagRegister diagModule("LogAndHooks");
 
-// What the application keeps; the hook below gets a pointer to it.
+// The application's data; the hook below gets a pointer to it.
 struct Application {
   int callbackFailures = 0;
 };
 
-// Called within the login when the server cannot call this client back. A plain function: it must
-// not raise. A client with a window would open its connection wizard here.
+// Called during the login when the server cannot call this client back. Must not throw. A graphical
+// client would open its connection wizard.
 void OnCallbackFailure(void* data) {
   ++static_cast<Application*>(data)->callbackFailures;
 }
 
-// Called for one line at a time, under the log's lock: no other call of the log may be made here.
+// Called for each line, while the log is locked: it must not call other functions of the log.
 void OnLine(const TDiagLine& line) {
   std::cout << '[' << line.level << "] " << line.module << ": " << line.text << '\n';
 }
@@ -40,13 +40,13 @@ int main(int argc, char** argv) {
   }
   TDiag* const log = TDiag::Instance();
   const TDiag::SinkId sink = log->AddCallbackSink(OnLine);
-  log->SetMinimumDebugLevel(0);           // nothing in general ...
-  log->SetModuleLevel("GlobalFuncs", 4);  // ... but errors, warnings and notes of one module
+  log->SetMinimumDebugLevel(0);           // only the lines that are always written ...
+  log->SetModuleLevel("GlobalFuncs", 4);  // ... and errors, warnings and notes of one module
   log->SetModuleLevel("LogAndHooks", 5);
 
   Application application;
   GL_SetCallbackTroubleshooter(OnCallbackFailure, &application);
-  setenv("ENABLE_TEST_CALLBACK", "1", 1);  // otherwise no callback is tried
+  setenv("ENABLE_TEST_CALLBACK", "1", 1);  // without it no callback is tested
 
   TDiagFunc diag(diagModule, "main");
   VQ_LOG(diag, 5) << "logging in to " << argv[1];

@@ -1,5 +1,5 @@
-// Logs a user in, finishes the session, says who is there, and logs out: with the functions that
-// older clients call. A new client takes vq::Session, as the other examples do.
+// Logs a user in, completes the login, prints the user's name, and logs out, with the functions of
+// older clients. A new client uses vq::Session, as the other examples do.
 //
 //   login SERVER USER -ORBInitRef NameService=corbaloc:iiop:HOST:2809/NameService
 

@@ -1,8 +1,9 @@
-// Changes a password, an expired one too, after checking the new one against the site's policy.
+// Checks a new password against the site's rules and changes it, also an expired one.
 //
 //   password_change SERVER USER -ORBInitRef NameService=corbaloc:iiop:HOST:2809/NameService
 //
-// Asks for the present password, then for the new one until the policy takes it, then once more.
+// Asks for the current password, then for the new one until it meets the rules, then for the new
+// one again.
 
 #include <iostream>
 #include <string>
@@ -11,7 +12,7 @@
 
 namespace {
 
-// Asks without echo; false when nobody answers.
+// Asks without echo; false without an answer.
 bool Ask(const char* question, vq::SecretString& password) {
   std::cerr << question << '\n';
   std::string user = ConnectionSettings::Get()->getUserName();
@@ -19,7 +20,7 @@ bool Ask(const char* question, vq::SecretString& password) {
   return vq::AskForPassword()(user, password).empty();
 }
 
-// Asks for a new password that the policy takes and that was typed the same twice; empty if not.
+// Asks for a new password that meets the rules and is typed twice; empty without one.
 vq::SecretString AskForNewPassword() {
   std::cout << "Passwords have " << GetMinPasswordLength() << " to " << GetMaxPasswordLength()
             << " characters.\n";
@@ -28,12 +29,12 @@ vq::SecretString AskForNewPassword() {
   do {
     if (!message.empty()) std::cout << message << '\n';
     if (!Ask("The new password:", password)) return {};
-  } while (CheckPasswordValidity(password.Text(), message) != 1);  // 51 and why
+  } while (CheckPasswordValidity(password.Text(), message) != 1);
 
   vq::SecretString again;
   if (!Ask("The new password again:", again)) return {};
   if (again.Text() == password.Text()) return password;
-  std::cout << "The two differ.\n";
+  std::cout << "The two passwords differ.\n";
   return {};
 }
 
@@ -50,7 +51,7 @@ int main(int argc, char** argv) {
     vq::Session session({.server = argv[1],
                          .user = argv[2],
                          .credentials = vq::AskForPassword(),
-                         // Called when the password has expired: the change then also logs in.
+                         // Called when the password has expired; the change then logs in, too.
                          .newPassword =
                              [&expired](const std::string& message) {
                                expired = true;
@@ -61,7 +62,7 @@ int main(int argc, char** argv) {
     changed = expired || session.ChangePassword(AskForNewPassword()) == vq::LoginResult::kSuccess;
   } catch (const vq::LoginError& e) {
     std::cerr << e.what() << '\n' << e.Cause() << '\n';
-    // The change may have been made before the login failed.
+    // The password may have been changed before the login failed.
     changed = expired && WasPasswordChanged();
   }
   std::cout << (changed ? "The password is changed.\n" : "The password is not changed.\n");

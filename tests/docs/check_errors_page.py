@@ -6,6 +6,7 @@
 - Every other text of two words and more stands somewhere on the page, but for those that are no
   message, which NO_MESSAGE lists.
 - The codes of the table of codes are those that the sources name.
+- The headings of "Lines of the log" name every module that logs such a line, and only modules.
 
 Run with "--rows" it prints the rows that the sources have; with "--self-test" it changes the sources
 in memory and expects an error from each change.
@@ -27,10 +28,9 @@ NO_MESSAGE = {
     "support/orb/tao/TaoOptions.cpp": r".*",
     "support/selection/SelectionMatching.h": r"NOT LIKE",
     "vq_client_common/datacenters/TDC.cpp": r"[A-Z]\w+ [A-Z]\w+",
-    "vq_client_common/session/ServerId.cpp": r"VELTRA-M/VQ .*",
-    "vq_client_common/session/internal/ClientTable.h": r".*",
+    "vq_client_common/session/ConnectionSettings.cpp": r".*",
     "vq_client_common/session/SettingsReport.cpp": r".*",
-    "vq_client_common/session/internal/SessionTimeOut.cpp": r"Orb Parameters",
+    "vq_client_common/session/SystemParameterHandler.cpp": r"Orb Parameters",
     "support/configuration/ConfigDocument.cpp": r"<\?xml .*",
 }
 
@@ -96,6 +96,12 @@ def codes(sources):
                + re.findall(r"\bkSystemException\s*= (\d+)", text))
 
 
+def modules(sources, paths):
+    """The modules of the log that these files register."""
+    return {name for path in paths
+            for name in re.findall(r'^TDiagRegister \w+\("(\w+)"\);', sources[path], re.M)}
+
+
 def check(page, sources):
     told = " ".join(page.replace("\\|", "|").split())
     lines, rows = log_lines(sources), set(ROW.findall(page.replace("\\|", "|")))
@@ -103,6 +109,12 @@ def check(page, sources):
     errors += [f"nothing logs level {level}: {form}" for level, form in sorted(rows - set(lines))]
     errors += [f"{path}: the page lacks: {text}" for text, path in texts(sources).items()
                if text not in told]
+    section = page.split("## Lines of the log")[-1]
+    headings = set(re.findall(r"\w+(?=[,:])", "".join(
+        f"{heading}:" for heading in re.findall(r"^### ([\w, ]+)", section, re.M))))
+    errors += [f"no heading names the module {name}"
+               for name in sorted(modules(sources, lines.values()) - headings)]
+    errors += [f"there is no module {name}" for name in sorted(headings - modules(sources, sources))]
     table = set(re.findall(r"^\| (\d+) \|", page.split("## Codes")[-1].split("\n## ")[0], re.M))
     errors += [f"the code {code} is not in the table" for code in sorted(codes(sources) - table)]
     if min(len(lines), len(texts(sources)), len(codes(sources))) < 5:
@@ -113,6 +125,8 @@ def check(page, sources):
 def self_test(page, sources):
     row = ROW.search(page)[2]
     unnoticed = [] if check(page.replace(row, row + " more", 1), sources) else ["a row too many"]
+    if not check(page.replace("### TLS", "### Tls"), sources):
+        unnoticed.append("not noticed: a heading without a module")
     for code in ('VQ_LOG(diag, 1) << "It is new " << name;', 'throw Error("a new text");',
                  "enum class LoginResult { kNew = 77 };"):
         if not check(page, sources | {"vq_client_common/new.cpp": code}):

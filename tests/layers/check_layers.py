@@ -47,9 +47,9 @@ SESSION_ORDER = (
     "Session", "GlobalFuncs", "PasswordPolicy", "LoginHandler", "internal/VersionGate",
     "internal/Registrant", "LoginExceptions", "ServerLocale", "SettingsReport",
     "StoredSettings",
-    "internal/SessionTimeOut", "SystemParameterHandler", "internal/UsersManager",
+    "SystemParameterHandler", "internal/UsersManager",
     "CorbaGlobalFuncs", "CorbaServerPackManager", "ConnectionSettings", "internal/Collaborators",
-    "internal/ClientTable", "ClientId", "ServerId", "LoginResult", "CorbaCallbackCommand",
+    "ClientId", "ServerId", "LoginResult", "CorbaCallbackCommand",
     "VQDetailedMessageException", "VQBaseException",
 )
 ONLY_IN = {

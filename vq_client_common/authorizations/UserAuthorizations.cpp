@@ -8,6 +8,7 @@
 #include <support/orb/CorbaConversions.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/FailureCause.h>
+#include <vq_client_common/authorizations/QCSGuiAuthActJobsDef.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
@@ -27,8 +28,9 @@ bool IsAtLeast(QCSAuthLevelEnum stored, QCSAuthLevelEnum wanted) {
   return static_cast<int>(stored) >= static_cast<int>(wanted);
 }
 
-// A snapshot that is too short gives no right, and neither does a number that is no level: an ORB
-// may copy this list off the wire unseen, so the number is not read as a level before it is one.
+// DEFAULT_ACCESS for a snapshot that is too short and for a number that is no level. An ORB may
+// copy the list from the wire without a check, so the number is tested before it becomes an
+// enumerator.
 QCSAuthLevelEnum LevelOf(const QCSAuthLevelEnumSeq& privileges, PrivilegeTypeEnum privilege) {
   const auto place = static_cast<CORBA::ULong>(privilege);
   if (place >= LengthOnTheWire(privileges)) return DEFAULT_ACCESS;
@@ -47,7 +49,7 @@ VQServiceUserAuth ServiceGrants(const QCSCorbaAuth2LvlSeq2& user,
   return VQServiceUserAuth(std::move(userList), std::move(groupList));
 }
 
-// The reference, to be called. Raises INV_OBJREF for nil, which some ORB products would follow.
+// The reference for a call. Raises INV_OBJREF for nil: some ORB products would dereference it.
 QCSCorbaAuthorization_ptr Callable(const QCSCorbaAuthorization_var& authorization) {
   if (CORBA::is_nil(authorization.in())) throw CORBA::INV_OBJREF(0, CORBA::COMPLETED_NO);
   return authorization.in();
@@ -106,7 +108,7 @@ int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
   try {
     QCSCorbaUsersManager_ptr users;
     if (vq::session::GetUsersManager(users, LoginHandler::GetGlobal()->GetServerID()) != 1) {
-      // The message announces a reconnection that does not happen; readers of the log know it so.
+      // Intentional: there is no reconnection; readers of logs search for this line.
       VQ_LOG(diag, 1) << "couldn't get CORBA servant automatic reconnect process is to be invoked.";
       return kFailure;
     }
@@ -138,7 +140,7 @@ void UserAuthorizations::CopyPrivileges(const QCSAuthLevelEnumSeq& privileges) {
   for (const LevelField& field : kLevelFields) {
     this->*field.level = LevelOf(privileges, field.privilege);
   }
-  // Intentional: exactly FULL_ACCESS; MAX_ACCESS makes no administrator.
+  // Intentional: only FULL_ACCESS makes an administrator, MAX_ACCESS does not.
   m_IsAdministrator = m_AuthDefLevel == FULL_ACCESS;
   m_OpenArchivedViewPoint = IsAtLeast(LevelOf(privileges, ARCHIVEVP_PRIV_TYPE), BROWSE_ACCESS);
 }
@@ -158,7 +160,7 @@ void UserAuthorizations::LoadGrants(const QCSCorbaAuthorizationStruct& snapshot)
 
 int UserAuthorizations::LoadAuthLevelForOrderForce() {
   std::string value;
-  // Intentional: the old answer stays; a server that is late does not take the right away.
+  // Intentional: the old value stays; a server that answers late does not remove the right.
   if (!GetSystemParameter("Action_OrderForce_AuthLevel", value, "gsr", E_GSR)) return kFailure;
   m_CanBrowseUserOrderForce = value == "BROWSE_ACCESS";
   return kSuccess;
@@ -167,7 +169,7 @@ int UserAuthorizations::LoadAuthLevelForOrderForce() {
 int UserAuthorizations::LoadChangePasswordAuthorization() {
   std::string value;
   if (!GetSystemParameter("UserChangePassword", value, "gui", E_GSR)) return kFailure;
-  // Intentional: only ever widens the right that the privilege gave.
+  // Intentional: the parameter only extends the right of the privilege.
   if (value == "1") m_ChangePasswordLevel = FULL_ACCESS;
   return kSuccess;
 }
@@ -178,7 +180,7 @@ void UserAuthorizations::Reset() {
   CopyPrivileges(QCSAuthLevelEnumSeq());
   m_JobLevelAuthExist = false;
   m_CanBrowseUserOrderForce = false;
-  // Intentional: the grants stay; questions on objects are answered after a logout too.
+  // Intentional: the grants stay, so clients may ask about objects after a logout.
 }
 
 int UserAuthorizations::GetUserAuthQueries(const std::list<std::string>& names,
@@ -197,7 +199,7 @@ int UserAuthorizations::GetUserAuthQueries(const std::list<std::string>& names,
   } catch (const USER_NOT_AUTHORIZED& e) {
     VQ_LOG(diag, 1) << "Caught a UserNotAuthorized Exception - " << e.Message.in();
   } catch (const CORBA::Exception& e) {
-    // The message announces a reconnection that does not happen; readers of the log know it so.
+    // Intentional: there is no reconnection; readers of logs search for this line.
     VQ_LOG(diag, 1) << "Caught CORBA exception, Trying to reconnect..." << e;
   }
   return kFailure;
@@ -313,6 +315,13 @@ bool UserAuthorizations::IsWorkloadsAccessAllowed() const {
 bool UserAuthorizations::IsServicesAccessAllowed() const {
   return !m_ServiceAuth.IsEmpty();
 }
+
+// ---------------------------------------------------------------- QCSGuiAuthActJobsDef
+
+QCSGuiAuthActJobsDef::QCSGuiAuthActJobsDef() = default;
+QCSGuiAuthActJobsDef::QCSGuiAuthActJobsDef(const QCSGuiAuthActJobsDef&) = default;
+QCSGuiAuthActJobsDef& QCSGuiAuthActJobsDef::operator=(const QCSGuiAuthActJobsDef&) = default;
+QCSGuiAuthActJobsDef::~QCSGuiAuthActJobsDef() = default;
 
 // ---------------------------------------------------------------- for the session
 

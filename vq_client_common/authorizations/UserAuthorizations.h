@@ -1,17 +1,19 @@
-// What the logged-in user may do: the client's own copy, filled once a login.
+// The client's copy of what the logged-in user may do. A login fills it; a question makes no remote
+// call.
 //
-// Terms. A *privilege* is a right in general (to see alerts, to use the command line); it has one
-// level. A *kind* is a kind of object (calendars, tables, services); the user has *grants* on it,
-// each a level over the objects that its criteria select (docs/selection-language.md), some the
-// user's own and some of the user's groups. After the load every question is answered here, without
-// a call to the server.
+// Terms. A *privilege* is a general right, such as to see alerts; it has one level. A *kind* is a
+// kind of object, such as calendars. A *grant* gives a level of access to the objects of a kind
+// that its *criteria* select; the user has own grants and grants of the user's groups. The criteria
+// name *attributes* of an object: a program describes the object by those that the site's criteria
+// use, since an attribute that is missing fits no criteria. docs/selection-language.md has a table
+// of the usual names.
 //
-//   const UserAuthorizations* may = UserAuthorizations::Get();
-//   if (may->IsAlertsAccessAllowed(UPDATE_ACCESS)) Show("alerts");    // a privilege
-//   if (may->IsCalendarsAccessAllowed()) Show("calendars");              // any grant on calendars?
+//   const UserAuthorizations* user = UserAuthorizations::Get();
+//   if (user->IsAlertsAccessAllowed(BROWSE_ACCESS)) Show("alerts");   // a privilege
+//   if (user->IsCalendarsAccessAllowed()) Show("calendars");          // any grant for calendars
 //   QCSObject calendar;
-//   calendar.SetAttribute("CALENDAR", "HOLIDAYS");
-//   if (may->IsCalendarAccessAllowed(calendar, BROWSE_ACCESS)) Show("HOLIDAYS");   // on this one
+//   calendar.SetAttribute("CALENDAR", "WORKDAYS");
+//   if (user->IsCalendarAccessAllowed(calendar, UPDATE_ACCESS)) Show("WORKDAYS");   // one object
 #ifndef VQ_CLIENT_COMMON_AUTHORIZATIONS_USERAUTHORIZATIONS_H
 #define VQ_CLIENT_COMMON_AUTHORIZATIONS_USERAUTHORIZATIONS_H
 
@@ -25,40 +27,42 @@
 #include <support/selection/QCSObject.h>
 #include <vq_idl/AuthorizationC.h>
 
-// Thread contract: no lock. The load and the reset belong to one thread, with no question
-// meanwhile; between them any number of threads may ask.
+// The privileges and grants of one user.
+//
+// Thread safety: no lock. Any number of threads may ask at a time, but not during a load or a
+// reset.
 class VQ_CLIENT_COMMON_API UserAuthorizations {
  public:
-  // The instance of the process's session, made with it. Borrowed; never null.
+  // The instance of the process's session, which owns it; never null.
   static UserAuthorizations* Get();
 
-  // Without a load: no reference, every flag false, every level DEFAULT_ACCESS, no grants.
+  // No grants, every flag false, every level DEFAULT_ACCESS.
   UserAuthorizations();
-  // Copies hold a reference of their own to the server's authorization object.
+  // A copy has its own reference to the server's authorization object.
   UserAuthorizations(const UserAuthorizations& other);
   UserAuthorizations& operator=(const UserAuthorizations& other);
   virtual ~UserAuthorizations();
 
-  // Fetches the snapshot of the user with this session user ID from the server, over what was
-  // there. Returns 1; 0 when the server cannot be found or does not know the user ID; 43 when the
-  // user is not authorized; 23 on a CORBA system exception. Each failure is logged at level 1. A
-  // load that fails leaves what it had copied until then. Other CORBA user exceptions pass through.
+  // Loads what the user of this session may do from the server. `userId`: the session's user ID.
+  // Returns 1; 0 when the server cannot be found or does not know the user ID; 43 when the user is
+  // not authorized; 23 on a CORBA system exception. Each failure is logged at level 1; what was
+  // copied before it stays. Other CORBA user exceptions reach the caller.
   int LoadAuthorizations(const std::string& userId);
 
-  // Releases the reference and sets every flag and level to nothing. The grants on objects stay as
-  // they are until the next load.
+  // Releases the reference and resets every flag and privilege. The grants stay until the next
+  // load.
   void Reset();
 
-  // Asks the server for the queries that it makes of the user's grants, for the data centers
-  // `names`. `text` and the flags are passed on as they are. Returns the server's result, 1 on
-  // success; the caller then owns what both outputs hold. Returns 0 on any CORBA exception, logged
-  // at level 1, the outputs being null; so also before a load.
+  // Gets the queries that the server makes from the user's grants for the data centers `names`.
+  // `text` and the flags are sent as they are. Returns the server's result, 1 on success; the
+  // caller owns both outputs then. Returns 0, with both outputs null, on any CORBA exception, which
+  // is logged at level 1, and before a load.
   int GetUserAuthQueries(const std::list<std::string>& names, const std::string& text, bool flag1,
                          bool flag2, QCSCorbaUserDefinitionQueries_out definitionQueries,
                          QCSCorbaUserActiveQueriesSeq*& activeQueries, const std::string& userId);
 
-  // ---- Privileges: whether the stored level is at least the one asked for, as numbers. So
-  // DEFAULT_ACCESS (0) is always allowed, and a stored DEFAULT_ACCESS allows nothing else.
+  // ---- Privileges: whether the user's level is at least `level`, compared as numbers. So
+  // DEFAULT_ACCESS (0) is always allowed, and a user with DEFAULT_ACCESS is allowed nothing else.
   bool IsAuthDefAccessAllowed(QCSAuthLevelEnum level) const;
   bool IsChangePasswordAccessAllowed(QCSAuthLevelEnum level) const;
   bool IsCommAccessAllowed(QCSAuthLevelEnum level) const;
@@ -72,8 +76,8 @@ class VQ_CLIENT_COMMON_API UserAuthorizations {
   bool IsViewDefAccessAllowed(QCSAuthLevelEnum level) const;
   bool IsAlertsAccessAllowed(QCSAuthLevelEnum level) const;
 
-  // ---- One object: whether the grants give at least this level over it. How the user's own and
-  // the groups' combine: AuthLevelBySelection.h.
+  // ---- One object: whether the grants of its kind give at least `level`. AuthLevelBySelection.h
+  // describes how the user's own grants and those of the groups combine.
   bool IsCalendarAccessAllowed(const QCSObject& object, QCSAuthLevelEnum level) const;
   bool IsPrereqCondAccessAllowed(const QCSObject& object, QCSAuthLevelEnum level) const;
   bool IsControlResAccessAllowed(const QCSObject& object, QCSAuthLevelEnum level) const;
@@ -84,12 +88,11 @@ class VQ_CLIENT_COMMON_API UserAuthorizations {
   bool IsWorkloadAccessAllowed(const QCSObject& object, QCSAuthLevelEnum level) const;
   bool IsServiceAccessAllowed(const QCSObject& object, QCSAuthLevelEnum level) const;
 
-  // Whether the action of this number is allowed on the service (VQServiceUserAuth.h).
+  // Whether the action with this number is allowed on the service (VQServiceUserAuth.h).
   bool IsServiceActionAccessAllowed(const QCSObject& object, int action) const;
 
-  // ---- A kind: whether the user has any grant on it, own or by a group. Grants whose criteria do
-  // not parse count, although they fit no object. The names are those that client programs know,
-  // spelling included.
+  // ---- A kind: whether there is any grant for it, the user's own or a group's. A grant whose
+  // criteria do not parse counts, although it fits no object.
   bool IsCalendarsAccessAllowed() const;
   bool IsPrereqCondsAccessAllowed() const;
   bool IsControlRessAccessAllowed() const;
@@ -100,7 +103,7 @@ class VQ_CLIENT_COMMON_API UserAuthorizations {
   bool IsWorkloadsAccessAllowed() const;
   bool IsServicesAccessAllowed() const;
 
-  // ---- As stored.
+  // ---- The flags and the level of the command-line interface, as loaded.
   bool IsAdministrator() const { return m_IsAdministrator; }
   bool IsJobLevelAuthExist() const { return m_JobLevelAuthExist; }
   bool CanBrowseUserOrderForce() const { return m_CanBrowseUserOrderForce; }
@@ -108,14 +111,14 @@ class VQ_CLIENT_COMMON_API UserAuthorizations {
   QCSAuthLevelEnum GetCLIAccess() const { return m_CLILevel; }
 
  private:
-  // A level that is copied from the snapshot as it is: the field and the place in "Privileges".
+  // A level that is copied from the snapshot: the field, and the index in "Privileges".
   struct LevelField {
     QCSAuthLevelEnum UserAuthorizations::*level;
     PrivilegeTypeEnum privilege;
   };
   static const LevelField kLevelFields[];
 
-  // The two lists of the snapshot that fill a holder.
+  // A holder of grants, and the two lists of the snapshot that fill it.
   struct HolderField {
     AuthLevelBySelection UserAuthorizations::*holder;
     QCSCorbaAuth2LvlSeq QCSCorbaAuthorizationStruct::*user;

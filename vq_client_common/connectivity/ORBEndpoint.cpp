@@ -20,7 +20,7 @@ constexpr std::string_view kSslPort = "ssl_port=";
 constexpr std::string_view kHostInIOR = "hostname_in_ior=";
 constexpr std::string_view kReuseAddr = "reuse_addr=";
 
-// std::string::substr with the one text that callers may know this failure by.
+// std::string::substr with the exception text that callers know.
 std::string Piece(const std::string& text, std::size_t from, std::size_t count) {
   if (from > text.size()) throw std::out_of_range("invalid string position");
   return text.substr(from, count);
@@ -40,13 +40,13 @@ bool ORBEndpoint::fromString(const std::string& text) {
   const TDiagFunc diag(diagModule, "ORBEndpoint::fromString");
   if (text.empty()) return true;
 
-  // What stands in the place of "iiop://" is meant to be dropped unseen.
+  // Intentional: the first seven characters are removed whatever they are.
   const std::size_t semicolon = text.find(';');
   std::string body = Piece(text, kProtocol.size(), semicolon);
   if (semicolon != std::string::npos) {
-    // Both positions are meant to be counted on the whole text, so that the body takes in the ";"
-    // and up to 6 characters after it and the extra part comes out empty or raises. Endpoints in
-    // use rely on what that leaves of them.
+    // Intentional: both positions are those of the whole text, so the body includes the ";" and up
+    // to six characters after it, and the extra part is empty or raises. Endpoints in use depend on
+    // the result.
     m_extra = Piece(body, semicolon, std::string::npos);
     VQ_LOG(diag, 4) << "Ignoring extra unidentified Endpoint information: " << m_extra;
   }
@@ -113,7 +113,7 @@ bool ORBEndpoint::identifyFlag(const std::string& option) {
 
 std::string ORBEndpoint::toString() const {
   std::ostringstream text;
-  text.imbue(std::locale::classic());  // a client's own locale may put separators into numbers
+  text.imbue(std::locale::classic());  // the client's locale may put separators into numbers
   text << kProtocol << m_hostname;
   if (m_portOptions.port != 0) text << ':' << m_portOptions.port;
   char separator = '/';

@@ -1,14 +1,11 @@
-// One listen-endpoint string of the ORB, the value of "-ORBListenEndpoints" in the configuration
-// domain, taken apart, changed and put together again.
+// Parses, changes and composes a listen endpoint of the ORB, the value of "-ORBListenEndpoints".
 //
 //   iiop:// hostname [ ":" port ] [ "/" option { "&" option } ] [ ";" extra ]
 //
-//   ssl_port=n          listen for TLS on that port as well
-//   portspan=n          try n ports from the port on; comes after ssl_port
-//   hostname_in_ior=h   publish h in references instead of the address listened on
-//   reuse_addr=0|1      whether a port that was in use a moment ago may be taken again
-//
-// For example:
+//   ssl_port=n          listen for TLS on that port, too
+//   portspan=n          try n ports, beginning with the port; comes after ssl_port
+//   hostname_in_ior=h   publish h in references instead of the address of the socket
+//   reuse_addr=0|1      whether a port that was just in use may be used again
 //
 //   ORBEndpoint endpoint("iiop://host:5000/ssl_port=5001");
 //   endpoint.setHostInIOR("10.0.0.1", true);
@@ -21,51 +18,52 @@
 
 #include <support/Export.h>
 
-// Thread contract: a plain value; one thread an object.
+// The parts of one listen endpoint.
 class VQ_CLIENT_COMMON_API ORBEndpoint {
  public:
-  // 0 where absent.
+  // Port numbers; 0 where absent.
   struct PortOptions {
     std::int32_t port = 0;      // for IIOP
     std::int32_t sslPort = 0;   // for TLS
-    std::int32_t portSpan = 0;  // how many ports to try from `port` on
+    std::int32_t portSpan = 0;  // how many ports to try, beginning with `port`
   };
 
   // All texts empty, all numbers 0. That is not the default endpoint: the reuse address is 0, so
-  // toString writes "iiop:///reuse_addr=0".
+  // toString returns "iiop:///reuse_addr=0".
   ORBEndpoint() = default;
 
-  // Parses a text that holds "iiop://" anywhere, as fromString does; any other text, the empty one
-  // included, is logged at level 2 and leaves the object empty. Raises as fromString.
+  // Parses a text that contains "iiop://" anywhere, as fromString does. Any other text is logged at
+  // level 2, and the object is empty. Raises as fromString.
   explicit ORBEndpoint(const std::string& text);
 
-  // Takes over what `text` says; what it does not say stays as it was. The empty text changes
-  // nothing. Returns false when a part was refused: that part is logged at level 2, the others are
-  // stored all the same. Raises std::out_of_range ("invalid string position") for a text that is
-  // shorter than "iiop://", and for one with a ";" that at most five characters follow.
+  // Sets the parts that `text` contains; other parts are unchanged. Returns false when a part is
+  // invalid: that part is logged at level 2 and unchanged, the others are set. The empty text
+  // changes nothing and returns true. Raises std::out_of_range ("invalid string position") for a
+  // text shorter than "iiop://", and for a ";" with at most five characters after it.
   bool fromString(const std::string& text);
 
-  // The endpoint as a text. A reuse address of 0 is written, any other is not; numbers that are 0
-  // and texts that are empty are left out.
+  // The endpoint as a text. Numbers that are 0 and empty texts are left out, but for the reuse
+  // address: 0 is written, any other value is left out.
   std::string toString() const;
 
-  // Whether the object says nothing that an endpoint does not do by itself: no port, no names, and
-  // a reuse address other than 0. The port span is not looked at.
+  // Whether no port and no text is set, and the reuse address is not 0. The port span is not
+  // tested.
   bool isDefault() const;
 
-  // The host to listen on; empty for every interface. Any text is taken, and written as it is.
+  // The host to listen on; empty for every interface. Any text is accepted.
   std::string getHostname() const { return m_hostname; }
   void setHostname(const std::string& hostname) { m_hostname = hostname; }
 
-  std::string getHostInIOR() const { return m_hostInIOR; }  // empty: as listened on
-  // Replaces the published host; with `clearHostname` the endpoint also listens on every interface.
+  // The host to publish in references; empty for the address of the socket.
+  std::string getHostInIOR() const { return m_hostInIOR; }
+  // Replaces the published host; with `clearHostname` the endpoint listens on every interface, too.
   void setHostInIOR(const std::string& host, bool clearHostname);
 
-  // The numbers of ports, as parsed or set; nothing is checked.
+  // The port numbers, as parsed or set; the setter checks nothing.
   PortOptions getPortOptions() const { return m_portOptions; }
   void setPortOptions(PortOptions options) { m_portOptions = options; }
 
-  // Whether a port that was in use a moment ago may be taken again: 0 for no, any other for yes.
+  // Whether a port that was just in use may be used again: 0 for no, any other number for yes.
   int getReuseAddr() const { return m_reuseAddr; }
   void setReuseAddr(int reuse) { m_reuseAddr = reuse; }
 

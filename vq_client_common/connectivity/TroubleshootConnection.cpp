@@ -13,16 +13,17 @@
 #include <support/foundations/Locations.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/ORBCommon.h>
 #include <support/orb/OrbProduct.h>
 #include <support/orb/OrbSettings.h>
 #include <support/orb/OwnAddresses.h>
-#include <support/orb/QCSOrbCommon.h>
 #include <support/orb/ReferenceAddress.h>
 #include <vq_client_common/connectivity/ORBEndpoint.h>
 #include <vq_client_common/connectivity/TestCallbackI.h>
 #include <vq_client_common/connectivity/internal/DomainTrial.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/internal/Collaborators.h>
 #include <vq_idl/CallbackRepositoryC.h>
 #include <vq_idl/UsersManagerC.h>
 
@@ -36,7 +37,7 @@ using vq::orb::kListenEndpoints;
 using vq::orb::kOwnAddressMark;
 using vq::orb::kPreferIpMask;
 
-// One callback registration on the server, withdrawn when it goes.
+// One callback registration at the server; the destructor removes it.
 class Registration {
  public:
   Registration(CrbCallbackRepository::_ptr_type repository, const std::string& userId,
@@ -131,8 +132,8 @@ std::unique_ptr<ConfigAPI> LoadDomain(const TDiagFunc& diag) {
   return domain;
 }
 
-// Gives one scope the new published host. `defaultEndpoint` is that of the scope "default", which
-// comes first.
+// Sets the published host in one scope. `defaultEndpoint`: that of the scope "default", which is
+// the first.
 void PublishInScope(ConfigAPI& domain, const std::string& scope, const std::string& publishedHost,
                     std::string& defaultEndpoint) {
   const bool isDefault = scope == kDefaultScope;
@@ -142,7 +143,7 @@ void PublishInScope(ConfigAPI& domain, const std::string& scope, const std::stri
     TroubleshootConnection::TransformEndpoint(endpoint, publishedHost);
     if (isDefault) defaultEndpoint = endpoint;
     if (endpoint.empty() || (!isDefault && endpoint == defaultEndpoint)) {
-      domain.RemoveVar(scope, kListenEndpoints);  // It inherits the value of "default".
+      domain.RemoveVar(scope, kListenEndpoints);  // the value of "default" applies
     } else {
       domain.SetVar(scope, kListenEndpoints, endpoint);
     }
@@ -206,7 +207,8 @@ bool TroubleshootConnection::ORBConfigure(const std::string& address, bool biDir
   for (const std::string& scope : domain->GetScopes()) {
     PublishInScope(*domain, scope, isMask ? kOwnAddressMark : address, defaultEndpoint);
   }
-  // A failure is meant to go unnoticed by the caller, who asks for the settings at the next start.
+  // Intentional: the caller is not informed of a failure; clients read the settings at their next
+  // start.
   if (!domain->Save()) VQ_LOG(diag, 2) << domain->Error();
   VQ_LOG(diag, 4) << "Saved configuration domain: " << GetConfigDomainName();
   return true;
@@ -249,11 +251,17 @@ bool TroubleshootConnection::GetNetworkInterface4Server(CORBA::Object_ptr server
     VQ_LOG(diagModule, 1) << vq::orb::AddressFaultText(fault);
     return false;
   }
-  // The split at the first ":" is meant, although it cuts an IPv6 address: client programs show
-  // the two pieces joined by ":" again.
+  // Intentional: the split at the first ":" cuts an IPv6 address; client programs display both
+  // parts with a ":" between them.
   const std::string text = address.host + ":" + address.port;
   const std::size_t colon = text.find(':');
   host = text.substr(0, colon);
   port = text.substr(colon + 1);
   return true;
+}
+
+bool vq::session::TestSessionCallback() {
+  std::string error;
+  long roundTripMs = 0;
+  return TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, roundTripMs, 0);
 }

@@ -1,23 +1,32 @@
-// Finds out why a server cannot call this client back, and what to do about it.
+// Tests whether the server can call this client back, and stores the settings that work.
 //
-// Terms. A *callback* is a call from the server to an object of the client. For it the server needs
-// an address that the client *publishes* in the object's reference; on a machine with several
-// networks, or behind address translation, the one that the ORB picks may be of no use.
-// *Bidirectional* means that the server calls back over the connection that the client opened, so
-// that nothing needs to reach the client. A *trial* lets the server call back once, with one choice
-// of address and of bidirectional. An *IP mask* is the text with which the wanted own address
-// begins, such as "10.1.".
+// Terms. A *callback* is a call from the server to an object of the client. The server uses the
+// address that the client *publishes* in the object's reference. On a host with several networks,
+// or behind address translation, the address that the ORB chooses may be useless. *Bidirectional
+// IIOP* means that the server calls back over the connection that the client opened. A *trial* lets
+// the server call back once, with a given address, with or without bidirectional IIOP. An *IP mask*
+// is the beginning of the client's own address, such as "10.1.".
 //
-//   std::vector<IPAddressInfo*> addresses;  // the caller deletes them
-//   unsigned int best = 0;
-//   TroubleshootConnection::IdentifyIPAddresses(addresses, best);
+//   std::string error;
 //   long milliseconds = 0;
-//   if (TroubleshootConnection::ORBInitAndTestCallback(false, addresses[best]->ipAddress,
-//                                                      milliseconds, false))
-//     TroubleshootConnection::ORBConfigure(addresses[best]->ipAddress, false, false);
+//   if (TroubleshootConnection::TestCallback(ORBCommon<1>::Get(), error, milliseconds, 5000)) {
+//     Show("The server reaches this client.");
+//   }
 //
-// A trial needs a logged-in session. docs/decisions/0004-one-orb-a-process.md tells what a trial
-// shares with the session's ORB and what it has to itself.
+//   std::vector<IPAddressInfo*> list;
+//   unsigned int first = 0;
+//   TroubleshootConnection::IdentifyIPAddresses(list, first);
+//   const std::vector<std::unique_ptr<IPAddressInfo>> addresses(list.begin(), list.end());
+//   for (const auto& info : addresses) {
+//     const std::string& address = info->ipAddress;
+//     if (TroubleshootConnection::ORBInitAndTestCallback(false, address, milliseconds, false)) {
+//       TroubleshootConnection::ORBConfigure(address, false, false);
+//       break;
+//     }
+//   }
+//
+// A trial needs a logged-in session. docs/decisions/0004-one-orb-a-process.md describes what the
+// ORB of a trial shares with that of the session.
 #ifndef VQ_CLIENT_COMMON_CONNECTIVITY_TROUBLESHOOTCONNECTION_H
 #define VQ_CLIENT_COMMON_CONNECTIVITY_TROUBLESHOOTCONNECTION_H
 
@@ -31,44 +40,49 @@
 
 class QCSOrbCommon;
 
-// Thread contract: no lock. One operation at a time, and no session operation during a trial. No
-// operation raises.
+// The operations around callbacks; none raises an exception.
+//
+// Thread safety: no lock. Only one operation may run at a time, and no operation of the session
+// during a trial.
 class VQ_CLIENT_COMMON_API TroubleshootConnection {
  public:
-  // Appends this machine's addresses, those that lead back to itself left out; the caller owns
-  // them. `defaultIndex` becomes the index of the first one appended, and stays as it is when there
-  // is none. The host names come from the resolver, which may take its time. A failure is logged at
-  // level 1 and appends nothing.
+  // Appends this host's addresses, without loopback addresses; the caller owns the objects.
+  // `defaultIndex` becomes the index of the first one, and is unchanged when there is none. The
+  // host names come from the resolver, which can take seconds. A failure is logged at level 1 and
+  // appends nothing.
   static void IdentifyIPAddresses(std::vector<IPAddressInfo*>& list, unsigned int& defaultIndex);
 
-  // One trial with a private ORB that publishes `address`; an empty address leaves the choice to
-  // the ORB, with `isMask` it is an IP mask. True when the server called back; `roundTripMs` is
-  // then the time that took. False leaves `roundTripMs` as it is; the reason is in the log. Nothing
-  // of the trial is left behind in the configuration domain or in the process. The session may call
-  // its servers before and after, not during a trial. A failure to save the trial's settings is
-  // logged at level 1; they are tried all the same.
+  // Makes one trial with its own ORB, which publishes `address`. An empty `address` lets the
+  // ORB choose; with `isMask` it is an IP mask. `biDir`: whether to use bidirectional IIOP. True
+  // when the server called back; `roundTripMs` is then the duration. False, with `roundTripMs`
+  // unchanged and the reason in the log, otherwise.
+  //
+  // The trial writes a scope to the configuration domain and removes it at the end. A failure to
+  // write is logged at level 1, and the trial uses the settings nevertheless.
   static bool ORBInitAndTestCallback(bool biDir, const std::string& address, long& roundTripMs,
                                      bool isMask);
 
-  // Lets the server of the session call back an object of `orb`, within `timeout` milliseconds.
-  // True when it did; `roundTripMs` is then set. Otherwise `error` may say why, for a user.
+  // Lets the session's server call back an object of `orb` within `timeout` milliseconds, such as
+  // that of ORBCommon<1>::Get(). True when it did; `roundTripMs` is then the duration. False
+  // otherwise, also for a null `orb`; `error` may be the reason, for the user.
   static bool TestCallback(QCSOrbCommon* orb, std::string& error, long& roundTripMs, long timeout);
 
-  // Makes an endpoint publish `hostInIOR` and listen on every interface. Refused parts of the
-  // endpoint are dropped; a text that cannot be taken apart at all stays as it is.
+  // Changes an endpoint (ORBEndpoint.h) to publish `hostInIOR` and to listen on every interface.
+  // Invalid parts of the endpoint are removed; a text that cannot be parsed at all is unchanged.
   static void TransformEndpoint(std::string& endpoint, const std::string& hostInIOR);
 
-  // Writes a choice to the configuration domain, for every scope of it; clients use it from their
-  // next start on. False when the domain cannot be loaded. A failure to save goes unnoticed.
+  // Writes these settings to every scope of the configuration domain. Clients use them after their
+  // next start. False when the domain cannot be loaded. True does not show that the settings were
+  // saved: a failure to save is only logged, at level 2.
   static bool ORBConfigure(const std::string& address, bool biDir, bool isMask);
 
-  // The milliseconds that ORBInitAndTestCallback gives the server for its call; 5000 until set.
+  // The milliseconds that the server has for its call in ORBInitAndTestCallback; 5000 until set.
   static long GetTimeout4TestCallback() { return m_lTimeout4CB; }
   static void SetTimeout4TestCallback(long timeout) { m_lTimeout4CB = timeout; }
 
-  // Where the object behind a reference listens, read from the reference: no call is made. False
-  // for null, nil and a reference without an address; the reason is logged at level 1, and `host`
-  // and `port` stay as they are.
+  // Host and port that a reference contains; no remote call is made. False, with `host` and `port`
+  // unchanged, for a nil reference and one without an address; the reason is logged at level 1. An
+  // IPv6 address is split at its first colon. `serverId` is not used.
   static bool GetNetworkInterface4Server(CORBA::Object_ptr server, std::string& host,
                                          std::string& port, SERVER_ID serverId);
 

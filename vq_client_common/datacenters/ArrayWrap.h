@@ -1,4 +1,4 @@
-// The growing array of the exported signatures that hand out lists of names.
+// The array in which exported functions return lists of names.
 //
 //   ArrayWrap<std::string> names;
 //   DataCenters.GetAsStringList(names);
@@ -10,10 +10,8 @@
 #include <utility>
 #include <vector>
 
-// Holds copies of what is appended. An index is a position from 0; references and iterators last
-// until the next Append or Clear.
-//
-// Thread contract: as a standard container, readers side by side or one writer alone.
+// An array that grows at its end. Indices begin at 0; references and iterators are valid until the
+// next Append or Clear.
 template <typename T>
 class ArrayWrap {
  public:
@@ -25,7 +23,7 @@ class ArrayWrap {
   // Removes every element.
   void Clear() { m_items.clear(); }
 
-  // Returns the index of the new element.
+  // Appends an element. Returns its index.
   std::size_t Append(T item) {
     m_items.push_back(std::move(item));
     return m_items.size() - 1;
@@ -34,7 +32,7 @@ class ArrayWrap {
   // The number of elements.
   std::size_t size() const { return m_items.size(); }
 
-  // Raises std::out_of_range for an index that is not below size().
+  // The element at `index`. Raises std::out_of_range for an index that is not below size().
   typename std::vector<T>::reference operator[](std::size_t index) { return m_items.at(index); }
   typename std::vector<T>::const_reference operator[](std::size_t index) const {
     return m_items.at(index);

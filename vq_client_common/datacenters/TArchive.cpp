@@ -17,15 +17,15 @@ constexpr char kLineEnd = '\n';
 constexpr std::size_t kMaxLine = 512;
 constexpr std::uint32_t kMaxNumber = 50;  // bytes of a number's text
 
-// Gives a stream its own formatting back.
+// Restores the formatting of a stream.
 struct FormatGuard {
   std::iostream& stream;
   std::ios_base::fmtflags flags = stream.flags();
   ~FormatGuard() { stream.flags(flags); }
 };
 
-// Extracts the number before a record's body and the one character behind it. The formatting that
-// the caller set on the stream does not count.
+// Extracts the number before a record's body and the character after it. The caller's formatting of
+// the stream has no effect.
 template <typename T>
 void ReadPrefix(std::iostream& stream, T& number) {
   const FormatGuard guard{stream};
@@ -33,7 +33,7 @@ void ReadPrefix(std::iostream& stream, T& number) {
   stream.get();
 }
 
-// Reads `count` bytes. Memory is taken as bytes arrive, so that a prefix alone cannot claim it.
+// Reads `count` bytes. Memory grows with the bytes that arrive, so that a false prefix claims none.
 void ReadBody(std::iostream& stream, std::size_t count, std::string& body) {
   constexpr std::size_t kFirstChunk = 4096;
   body.clear();
@@ -64,7 +64,7 @@ TArchive::TArchive(std::iostream* stream, unsigned int mode, int /*unused*/, voi
 TArchive::~TArchive() {
   try {
     Close();
-  } catch (...) {  // A stream that is set to raise does so with whatever its buffer raised.
+  } catch (...) {  // A stream that is set to raise raises what its buffer raised.
   }
   Abort();
 }
@@ -99,7 +99,7 @@ void TArchive::Fail() {
 
 void TArchive::WriteRecord(const std::string& text) {
   std::iostream& stream = Stream();
-  // Intentional: without the flag a text is as many zero bytes; loading programs skip it by its
+  // Intentional: without the flag a text is written as zero bytes; loading programs skip it by its
   // length.
   std::string body(text.size(), '\0');
   if (m_encrypt) StupidEncrypt(text, body);
@@ -233,7 +233,7 @@ TArchive& TArchive::operator>>(double& value) {
     return *this;
   }
   if (m_decryptType == kLines) {
-    ReadCipheredLine();  // Intentional: the value is dropped; old archives are read past it so.
+    ReadCipheredLine();  // Intentional: the value is skipped; old archives depend on it.
     return *this;
   }
   std::iostream& stream = Stream();
@@ -251,12 +251,10 @@ TArchive& TArchive::operator>>(double& value) {
     }
     if (text.empty()) stream.setstate(std::ios_base::failbit);
     RequireGood(stream);
-    // Intentional: deciphered at every decrypt type, and the line end stays; the next load skips
-    // it.
+    // Intentional: deciphered at every decrypt type. The line end stays for the next load to skip.
     StupidDecrypt(text, text);
   }
-  // Intentional: only the digits before the decimal point are read; archives in the field depend on
-  // it.
+  // Intentional: only the digits before the decimal point are read; existing archives depend on it.
   value = static_cast<double>(static_cast<std::uint32_t>(ToUnsignedLong(text)));
   return *this;
 }
@@ -272,8 +270,8 @@ TArchive& TArchive::operator>>(float& value) {
   return *this;
 }
 
-// Plain at type 1, otherwise the low bits of what a record or a line holds. Bool and long take 32
-// of them, as they do when they are stored.
+// Plain at type 1, otherwise the low bits of the number in a record or a line: 32 bits for bool and
+// long, as they are stored.
 template <typename T>
 void TArchive::LoadInteger(T& value) {
   if (m_decryptType == kRecordsAsTheyStand) {

@@ -1,22 +1,25 @@
-// Stores values in a stream, or loads them from it, one after the other.
+// Stores values in a stream one after the other, or loads them from it.
 //
-// Terms. A *record* is one stored value: the decimal digits of its text's length plus one, ";", the
-// text disguised by StupidEncrypt, and 0x0A. An empty text is "1;" and 0x0A. A stream has no header
-// and no names, so a reader must know the order of the values. The *decrypt type* says how values
-// are read; the disguise hides a text from a casual look and protects nothing.
+// Terms. A *record* is one stored value: the length of its text plus one in decimal digits, ";",
+// the text enciphered by StupidEncrypt, and 0x0A. The record of an empty text is "1;" and 0x0A. A
+// stream has no header and no names, so a reader must know the order of the values. The *decrypt
+// type* defines how values are read. The cipher hides a text from a casual reader and protects
+// nothing.
 //
 //   std::stringstream stream;
 //   {
-//     TArchive out(&stream, 0, 0, nullptr);     // stores
+//     TArchive out(&stream, 0, 0, nullptr);   // stores
 //     out << std::string("PROD1") << 8004 << true;
 //   }
-//   TArchive in(&stream, 1, 0, nullptr);        // loads
-//   std::string name; int port; bool enabled;
+//   TArchive in(&stream, 1, 0, nullptr);   // loads
+//   std::string name;
+//   int port = 0;
+//   bool enabled = false;
 //   in >> name >> port >> enabled;
 //
-// What comes back differs from what was stored in these cases, and archives in the field are read
-// so: a double or float comes back as the digits before its decimal point, 1234.5 as 1, because it
-// is stored in exponent form; a long keeps its low 32 bits.
+// Some values differ after they are loaded. Existing archives depend on this: a double or a float
+// becomes the digits before its decimal point, so 1234.5, which is stored in exponent form, becomes
+// 1; a long becomes its low 32 bits.
 #ifndef VQ_CLIENT_COMMON_DATACENTERS_TARCHIVE_H
 #define VQ_CLIENT_COMMON_DATACENTERS_TARCHIVE_H
 
@@ -26,8 +29,8 @@
 
 #include <support/Export.h>
 
-// The failure of an archive. Does not derive from std::exception: catch it by its own name. An
-// archive itself knows one failure only, code 0 without a message.
+// The failure of an archive. Does not derive from std::exception. An archive raises it with the
+// code 0 and without a message.
 class VQ_CLIENT_COMMON_API TArchiveException {
  public:
   // Copies `message`; null counts as an empty text.
@@ -37,7 +40,7 @@ class VQ_CLIENT_COMMON_API TArchiveException {
   TArchiveException& operator=(const TArchiveException&) = default;
   virtual ~TArchiveException() = default;
 
-  // What the constructor was given; the reference lasts as long as the object.
+  // What the constructor was given; the reference is valid as long as the object.
   std::int32_t GetCode() const { return m_code; }
   const std::string& GetMessage() const { return m_message; }
 
@@ -46,47 +49,52 @@ class VQ_CLIENT_COMMON_API TArchiveException {
   std::string m_message;
 };
 
-// Every operator raises TArchiveException when the stream is not good afterwards, and when there is
-// no stream any more. Nothing is rolled back: what was written stays, and the target of a failed
-// load may hold a part of a value. A stream that is set to raise exceptions raises its own instead,
-// out of every operation but the destructor.
+// An archive over a stream of the caller, which either stores or loads.
+//
+// Every operator raises TArchiveException when the stream is not good afterwards, and after Close
+// or Abort. Nothing is undone: written bytes stay, and the target of a failed load may have a part
+// of a value. A stream that is set to raise exceptions raises its own from any operation except the
+// destructor.
 class VQ_CLIENT_COMMON_API TArchive {
  public:
-  // Decrypt types. Any other number reads strings and numbers from records, not deciphered.
+  // Decrypt types. Any other number reads strings and numbers from records without deciphering.
   enum : std::int32_t {
-    kRecordsAsTheyStand = 1,  // strings: records, not deciphered; numbers: plain extraction
-    kLines = 2,               // one line of at most 512 bytes a value, deciphered
-    kRecords = 3              // records, deciphered; the default
+    kRecordsAsTheyStand = 1,  // strings: records without deciphering; numbers: plain extraction
+    kLines = 2,               // one enciphered line of at most 512 bytes for each value
+    kRecords = 3              // enciphered records; the default
   };
 
-  // Works on `stream`, which stays the caller's and must outlive the archive or its Close or Abort.
-  // A `mode` of 0 stores, any other loads. The last two arguments are not read.
+  // The caller owns `stream`, which must be valid until Close, Abort or the destructor. A `mode` of
+  // 0 stores, any other loads. The last two arguments are not used.
   TArchive(std::iostream* stream, unsigned int mode, int, void*);
-  ~TArchive();  // Close, then Abort; raises nothing
+  ~TArchive();  // calls Close, then Abort; raises nothing
   TArchive(const TArchive&) = delete;
   TArchive& operator=(const TArchive&) = delete;
 
-  // Which of the two the constructor was told.
+  // Whether the archive loads or stores.
   bool IsLoading() const { return m_loading; }
   bool IsStoring() const { return !m_loading; }
 
-  std::uint32_t GetObjectSchema() const { return m_objectSchema; }  // the caller's; not read here
-  // Stores a number for the caller.
+  // A number for the caller, which the archive does not use; 0 until set.
+  std::uint32_t GetObjectSchema() const { return m_objectSchema; }
   void SetObjectSchema(std::uint32_t schema) { m_objectSchema = schema; }
-  // How values are read: a decrypt type of the above. kRecords until set.
+  // The decrypt type; kRecords until set.
   std::int32_t GetDecryptType() const { return m_decryptType; }
   void SetDecryptType(std::int32_t type) { m_decryptType = type; }
 
-  // With the flag off, numbers are written by the stream's own formatting and 0x0A. A string then
-  // still gets its length, and as many zero bytes: a plain form of it does not exist.
+  // Whether values are enciphered; true until set. Leave it on: a stream that was written without
+  // the cipher cannot be read back, not with kRecordsAsTheyStand either. A string is written as its
+  // length and as many zero bytes, so its text is lost. Numbers are written in the stream's own
+  // format and 0x0A: a char comes back as the first digit of its number, a long as an unsigned
+  // number that may not fit it, a double with the digits of the stream's precision.
   bool GetEncrptFlag() const { return m_encrypt; }
   void SetEncrptFlag(bool encrypt) { m_encrypt = encrypt; }
 
-  void Close();   // flushes the stream and lets go of it; a second time does nothing
-  void Abort();   // lets go of the stream without flushing it
+  void Close();   // flushes the stream and releases it; a second call does nothing
+  void Abort();   // releases the stream without flushing it
   void Ignore();  // loading: skips one character of the stream; storing: does nothing
 
-  // Store one value and return this archive. A flag is stored as 1 or 0, a character as its number.
+  // Each stores one value and returns this archive. A bool is stored as 1 or 0, a char as a number.
   TArchive& operator<<(const std::string& value);
   TArchive& operator<<(bool value);
   TArchive& operator<<(char value);
@@ -101,8 +109,9 @@ class VQ_CLIENT_COMMON_API TArchive {
   TArchive& operator<<(double value);
   TArchive& operator<<(const char*) = delete;  // would be taken as a bool
 
-  // A number from a record has at most 50 bytes of text. Integers keep the low bits of what does
-  // not fit them; a text that is no number reads as 0.
+  // Each loads one value and returns this archive. The text of a number in a record has at most 50
+  // bytes. An integer that does not fit the target is reduced to its low bits; a text that is no
+  // number is 0.
   TArchive& operator>>(std::string& value);
   TArchive& operator>>(bool& value);
   TArchive& operator>>(char& value);
@@ -114,7 +123,7 @@ class VQ_CLIENT_COMMON_API TArchive {
   TArchive& operator>>(long& value);
   TArchive& operator>>(unsigned long& value);
   TArchive& operator>>(float& value);
-  TArchive& operator>>(double& value);  // decrypt type kLines reads a line and leaves `value` alone
+  TArchive& operator>>(double& value);  // with kLines it skips a line, and `value` is unchanged
 
  private:
   [[noreturn]] static void Fail();

@@ -13,7 +13,7 @@ constexpr std::int32_t kDaysOfTheWeek = 7;
 constexpr std::int32_t kRepairedStartDay = 1;
 
 template <typename Field>
-bool UpdateIfChanged(const char* label, Field& field, const Field& value) {
+bool UpdateFieldIfChanged(const char* label, Field& field, const Field& value) {
   const TDiagFunc diag(diagModule, "TDC::UpdateFieldIfChanged");
   if (field == value) return false;
   VQ_LOG(diag, 5) << "Value of " << label << " was changed from " << field << " to " << value;
@@ -21,17 +21,17 @@ bool UpdateIfChanged(const char* label, Field& field, const Field& value) {
   return true;
 }
 
-// A text member is never null on the wire; one that a caller made null counts as empty.
+// A text member is never null on the wire; one that the caller set to null counts as empty.
 std::string Text(const char* member) {
   return member != nullptr ? member : "";
 }
 
-// A flag is set by "1" and by nothing else.
+// Only "1" sets a flag.
 bool Flag(const char* member) {
   return Text(member) == "1";
 }
 
-// The server counts the days of the week from 1, the record from 0. What is below 1 stays below 0.
+// The server counts the days of the week from 1, the record from 0. A day below 1 becomes -1.
 std::int32_t StartDay(std::int32_t day) {
   return std::max(day, 0) - 1;
 }
@@ -56,18 +56,6 @@ void TDC::Set(const std::string& name, const TVltVersion& version, bool uc, bool
   m_newDayTime = newDay;
 }
 
-bool TDC::UpdateFieldIfChanged(const char* label, std::string& field, const std::string& value) {
-  return UpdateIfChanged(label, field, value);
-}
-
-bool TDC::UpdateFieldIfChanged(const char* label, bool& field, bool value) {
-  return UpdateIfChanged(label, field, value);
-}
-
-bool TDC::UpdateFieldIfChanged(const char* label, std::int32_t& field, std::int32_t value) {
-  return UpdateIfChanged(label, field, value);
-}
-
 bool TDC::UpdateFull(const std::string& name, const std::string& enabled,
                      const std::string& platform, const std::string& version,
                      const std::string& fixPack, const std::string& code,
@@ -80,8 +68,7 @@ bool TDC::UpdateFull(const std::string& name, const std::string& enabled,
   const TDiagFunc diag(diagModule, "TDC::UpdateFull");
   bool changed = false;
   if (startDay < 0 || startDay >= kDaysOfTheWeek) {
-    // Intentional: a repair counts as a change each time; callers take it as a mark of a bad
-    // record.
+    // Intentional: a repair always counts as a change; callers recognise a bad record by it.
     startDay = kRepairedStartDay;
     changed = true;
   }
@@ -90,7 +77,7 @@ bool TDC::UpdateFull(const std::string& name, const std::string& enabled,
 
   const std::string level = vq::TrimFixPackLevel(fixPack);
   const TVltType type = TVltVersion::TypeFromString(platform);
-  // Intentional: a new fix-pack level alone is no change and is not taken over; see operator==.
+  // Intentional: a new fix-pack level alone is no change and is not stored; see operator==.
   if (m_version != TVltVersion(type, version, level)) {
     VQ_LOG(diag, 5) << "Platform & Version was changed from " << m_version.TypeAsString() << ':'
                     << m_version.FullVer() << " to " << platform << ':' << version << '.' << level;
@@ -124,7 +111,7 @@ TVltVersion TDC::ConvertVLTVersionFromQCSCommAdminStruct(const QCSCommAdminStruc
 }
 
 bool TDC::ConvertQCSCommAdminStructToTDC(const QCSCommAdminStruct& record, TDC& tdc) {
-  // Intentional: the log knows this function under the list's name, and readers search for that.
+  // Intentional: the scope has the name of the list's class; readers of logs search for it.
   const TDiagFunc diag(diagModule, "TDCList::ConvertQCSCommAdminStructToTDC");
   return tdc.UpdateFull(
       Text(record.m_Name.in()), Text(record.m_Enabled.in()), Text(record.m_Platform.in()),

@@ -1,6 +1,6 @@
-// TDC's conversions between clock times and synonym times, and the checks of both.
+// The functions of TDC that convert and check clock times and synonym times.
 //
-// A time is the decimal number HHMM, unsigned: what reads as a negative number is a huge one.
+// A time is the decimal number HHMM, unsigned: a negative number becomes a very large one.
 
 #include <vq_client_common/datacenters/TDC.h>
 
@@ -26,7 +26,7 @@ constexpr std::size_t kMarkedNewDayLength = 5;  // one character before the HHMM
 constexpr std::size_t kLongNextTimeLength = 14;
 constexpr std::size_t kHhmmPosition = 8;
 constexpr std::size_t kRestPosition = kHhmmPosition + kHhmmLength;
-// Meant so: of the two closing characters a converted value keeps one; readers expect 13 in all.
+// Intentional: a converted value has one of the two last characters; readers expect 13 in all.
 constexpr std::size_t kRestLength = kLongNextTimeLength - 13;
 
 constexpr std::uint32_t kDay = 2400;  // 24 hours as HHMM
@@ -38,8 +38,8 @@ std::uint32_t ReadNumber(std::string_view text) {
   return static_cast<std::uint32_t>(vq::Atoi(text));
 }
 
-// The quotient and the remainder, each with at least two digits: HHMM of a number of that form with
-// the base 100, and of a count of minutes with the base 60.
+// Quotient and remainder, each with at least two digits. With the base 100 it prints a number HHMM,
+// with the base 60 a count of minutes as HHMM.
 std::string PrintTwoFields(std::uint32_t value, std::uint32_t base) {
   return fmt::format("{:02}{:02}", value / base, value % base);
 }
@@ -48,13 +48,12 @@ bool IsNewDayLength(std::size_t length) {
   return length == kHhmmLength || length == kMarkedNewDayLength;
 }
 
-// The HHMM part of a new-day time; a text of any length but five is taken as it is.
+// The HHMM part of a new-day time; a text of any length but five is used as it is.
 std::string_view HhmmOfNewDay(std::string_view newDay) {
   return newDay.size() == kMarkedNewDayLength ? newDay.substr(1) : newDay;
 }
 
-// The first eight characters of a long next time, that many days on; as they are when the calendar
-// has no such date.
+// The date of a long next time, moved by `days`; unchanged when there is no such date.
 std::string MoveDate(const std::string& nextTime, int days) {
   const std::string_view text = nextTime;
   try {
@@ -67,8 +66,8 @@ std::string MoveDate(const std::string& nextTime, int days) {
   }
 }
 
-// The walk that both directions share: `convertTime(source, dest)` converts the HHMM, the date
-// moves by `days` with it.
+// Converts a next time: `convertTime(source, dest)` converts its HHMM, and its date moves by
+// `days`.
 template <typename ConvertTime>
 bool ConvertNextTime(const TDiagFunc& diag, const std::string& nextTime, int days,
                      ConvertTime convertTime, std::string& dest) {
@@ -126,7 +125,7 @@ bool TDC::ConvertNextTimeToTimeSynonym(const std::string& newDay, const std::str
   const std::string day = newDay;  // A copy: `dest` may be the same text.
   dest = nextTime;
   if (nextTime.empty() || !IsNewDayLength(day.size())) return false;
-  // The scheduling day of a synonym time began on the calendar day before.
+  // The scheduling day of a synonym time began on the day before.
   return ConvertNextTime(
       diag, nextTime, -1,
       [&day](const std::string& time, std::string& converted) {
@@ -152,7 +151,7 @@ int TDC::CheckTimeHHMMTimeSynonym(const std::string& time, const std::string& ne
 
   newDayValid = first <= kDay && first % kHourOfHhmm < kMinutesOfHour;
   if (newDayValid && (value < first || value >= first + kDay)) {
-    // The last minute of the scheduling day: HHMM in minutes, and 23 hours 59 minutes more.
+    // The last minute of the scheduling day: `first` in minutes plus 23 hours 59 minutes.
     const std::uint32_t last =
         first - (kHourOfHhmm - kMinutesOfHour) * (first / kHourOfHhmm) + kLastMinuteOfDay;
     message = "Value '" + time + "' is not in time range (" + PrintTwoFields(first, kHourOfHhmm) +

@@ -7,7 +7,7 @@ namespace {
 
 constexpr int kNotFound = -1;
 
-// The part of a name that counts: what stands before its first zero byte.
+// The part of a name before its first zero byte.
 std::string_view Significant(std::string_view name) {
   return name.substr(0, name.find('\0'));
 }

@@ -1,9 +1,9 @@
-// A registry of names with the numbers they stand for, such as the enumerators of an enum.
+// A table of names and their numbers, such as those of an enum.
 //
 //   TString2Enum colours;
 //   colours.enum_register("RED", 1);
 //   colours.enum_lookup("RED");  // 1
-//   colours.enum_lookup("red");  // -1: not found
+//   colours.enum_lookup("red");  // -1, not found: names are case sensitive
 #ifndef VQ_CLIENT_COMMON_DATACENTERS_TSTRING2ENUM_H
 #define VQ_CLIENT_COMMON_DATACENTERS_TSTRING2ENUM_H
 
@@ -14,17 +14,14 @@
 
 #include <support/Export.h>
 
-// Names are compared byte by byte, case and all, up to their first zero byte. Copies are
-// independent of each other.
-//
-// Thread contract: lookups side by side, or one registration alone.
+// Maps names to numbers. Names are compared byte by byte, up to their first zero byte.
 class VQ_CLIENT_COMMON_API TString2Enum {
  public:
-  // Stores `value` under `name` in place of any value that the name had, and returns 1. The value
-  // -1 means "not found": it is refused with 0, and the name keeps what it had.
+  // Stores `value` under `name`, and replaces an earlier value. Returns 1; 0, and stores nothing,
+  // for the value -1.
   int enum_register(std::string name, int value);
 
-  // The value stored under `name`, or -1.
+  // The value of `name`; -1 when there is none.
   int enum_lookup(const std::string& name) const;
 
  private:

@@ -1,14 +1,14 @@
 #include <vq_client_common/environment/ClientProperties.h>
 
 #include <array>
-#include <charconv>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+
+#include <fmt/format.h>
 
 #include <support/configuration/SafeFile.h>
 #include <support/configuration/Xml.h>
@@ -40,15 +40,8 @@ std::string FoundLine(const std::string& key, const std::string& value) {
   return line;
 }
 
-std::string AsPointerText(const void* pointer) {
-  std::array<char, 2 * sizeof(std::uintptr_t)> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
-                                 reinterpret_cast<std::uintptr_t>(pointer), 16);
-  return "0x" + std::string(digits.data(), end.ptr);
-}
-
-// The names that the system gives its language, most particular first: "de_DE" and "de" for the
-// locale "de_DE.UTF-8". A name that does not answer is empty.
+// The names of the system's language: "de_DE" and "de" for the locale "de_DE.UTF-8". A name that is
+// too long is empty.
 std::array<std::string, 2> SystemLanguageNames() {
   constexpr std::size_t kLongestName = 9;
   const std::string locale =
@@ -61,8 +54,7 @@ std::array<std::string, 2> SystemLanguageNames() {
   return names;
 }
 
-// Files above this size are refused: far more than settings need, and parsing takes memory many
-// times as large.
+// Larger files are refused, since parsing takes many times their size in memory.
 constexpr std::size_t kLargestFile = std::size_t{64} << 20U;
 
 std::string Escaped(const std::string& value) {
@@ -92,16 +84,16 @@ std::string Escaped(const std::string& value) {
   return escaped;
 }
 
-// Intentional: a text that holds the mark catches the next replacement, and a mark stays behind in
-// the closing tag. Other programs that write the file do the same.
+// Intentional: "%s" in a text takes the next replacement, so the closing tag keeps its "%s". Other
+// programs that write the file do the same.
 std::string EntryLine(const std::string& key, const std::string& value) {
   std::string line = "\t<%s>%s</%s>\n";
   for (const std::string& by : {key, Escaped(value), key}) vq::ReplaceFirst(line, "%s", by);
   return line;
 }
 
-// In the encoding of the process's locale. Those encodings have ASCII in common, and copying it
-// saves the way through the converter, which costs more than parsing the element.
+// The text in the encoding of the process's locale. ASCII is the same in all these encodings and is
+// copied, since the converter takes more time than parsing the element.
 std::string LocalText(const XMLCh* text) {
   std::string ascii;
   for (const XMLCh* at = text; *at != 0; ++at) {
@@ -111,11 +103,11 @@ std::string LocalText(const XMLCh* text) {
   return ascii;
 }
 
-// Keeps the names of the elements beside the document, in which all elements have the same name:
-// the XML library compares each new name with a growing number of those before.
+// Stores the names of the elements outside the document, whose elements all have one name: the XML
+// library's table of names is slow with many names.
 class PropertiesParser final : public vq::SafeXmlParser {
  public:
-  // The entries of the parsed document; of a key that occurs twice, the first.
+  // The entries of the parsed document; the first one of a key that occurs twice.
   std::map<std::string, std::string> Entries() {
     std::map<std::string, std::string> entries;
     const xercesc::DOMElement* root = getDocument()->getDocumentElement();
@@ -154,7 +146,7 @@ void ClientProperties::ReleaseStaticObject() {
   g_pClientProperties = nullptr;
   try {
     vq::StopXml();
-  } catch (...) {  // Nobody is left who could do anything about it.
+  } catch (...) {  // nothing can be done at this point
   }
 }
 
@@ -169,7 +161,7 @@ ClientProperties::ClientProperties() {
   try {
     LoadProperties();
   } catch (...) {
-    vq::StopXml();  // Without an instance no release would ever undo the start.
+    vq::StopXml();  // without an instance, no release would stop it
     throw;
   }
 }
@@ -182,15 +174,15 @@ bool ClientProperties::LoadProperties() {
     VQ_LOG(diag, 1) << "File " << path << "is missing";
     return false;
   }
-  // Intentional: a bare number instead of the path; log readers know the line by this form.
-  VQ_LOG(diag, 5) << "Parsing client properties file: " << AsPointerText(&path);
+  // Intentional: a number instead of the path; readers of logs know this form.
+  VQ_LOG(diag, 5) << "Parsing client properties file: " << fmt::format("{}", fmt::ptr(&path));
   std::string content;
   std::string error;
   if (vq::ReadFile(path, kLargestFile, content, error) != vq::ReadResult::kRead) {
     VQ_LOG(diag, 1) << "Args file parsing had errors";
     return false;
   }
-  std::optional<vq::XmlSession> xml;  // a copy of the store may outlive the one that started it
+  std::optional<vq::XmlSession> xml;  // a copy may outlive the instance that started the library
   try {
     xml.emplace();
   } catch (const xercesc::XMLException&) {
@@ -276,8 +268,7 @@ bool ClientProperties::SaveProperties() {
     VQ_LOG(diag, 1) << "Parameters file failed to open for saving";
     return false;
   }
-  // Printed, not written by its length: the text ends before its first zero byte, because a reader
-  // would refuse a file with one in it.
+  // Printed, not written by its length: readers refuse a file with a zero byte.
   const bool isWritten = std::fprintf(file, "%s\n", text.c_str()) >= 0;
   if (std::fclose(file) != 0) {
     VQ_LOG(diag, 1) << "Parameters file was not closed";
@@ -294,8 +285,8 @@ bool ClientProperties::SaveProperties() {
 std::string ClientProperties::HelpFileBuilder(std::string& language) {
   const TDiagFunc diag(diagModule, "ClientProperties::HelpFileBuilder");
   std::string path = kHelpPage;
-  // Intentional: the page holds no ".chm", so the language changes nothing. Installations have the
-  // English page alone, and clients are told its path for every language.
+  // Intentional: the path has no ".chm", so the language changes nothing. Installations have only
+  // the English page.
   vq::ReplaceFirst(path, ".chm", "_" + language + ".chm");
   return path;
 }

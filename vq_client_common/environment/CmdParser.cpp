@@ -81,8 +81,8 @@ bool CmdParser::parse(std::string&) {
       m_switches.push_back(token);
       continue;
     }
-    // A bare token keeps its case. That is meant: params() shows it as it was given, and a query
-    // that folds its name does not find it unless it is in upper case.
+    // Intentional: a bare word keeps its case, for clients that read params(). So param finds it
+    // only if it is in upper case.
     if (is_param(token)) {
       trim(token);
       set_case(token);
@@ -103,7 +103,7 @@ std::string CmdParser::param(const std::string& name, const std::string& shortNa
   const TDiagFunc diag(diagModule, "CmdParser::param");
   std::string key = name;
   set_case(key);
-  // lower_bound and not find: of repeated names the one that was given first counts.
+  // lower_bound, not find: the first of several equal names counts.
   auto entry = m_params.lower_bound(key);
   if (entry != m_params.end() && entry->first == key) return entry->second;
   if (!m_acceptShortParams || shortName.empty()) return {};
@@ -116,7 +116,7 @@ std::string CmdParser::param(const std::string& name, const std::string& shortNa
 bool CmdParser::is_switch_on(const std::string& name) const {
   const TDiagFunc diag(diagModule, "CmdParser::is_switch_on");
   VQ_LOG(diag, 4) << "Testing " << name;
-  // Not folded, in contrast to param. That is meant: client programs ask in upper case.
+  // Intentional: the case of `name` matters, unlike in param; client programs ask in upper case.
   const bool isOn = std::find(m_switches.begin(), m_switches.end(), name) != m_switches.end();
   VQ_LOG(diag, 4) << name << (isOn ? " turned on" : " turned off");
   return isOn;
@@ -142,7 +142,7 @@ void CmdParser::diag_print() const {
   const TDiagFunc diag(diagModule, "CmdParser::diag_print");
   if (!diag.IsActive(5)) return;
   for (const auto& [name, value] : m_params) {
-    // Left out whole, and by the exact name: that is meant, no line tells that a secret was given.
+    // Intentional: by the exact name, and without a line that shows that a secret was given.
     if (IsSecret(name)) continue;
     VQ_LOG(diag, 5) << name << " = " << value;
   }

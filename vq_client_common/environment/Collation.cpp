@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t kAllCharacters = std::numeric_limits<std::size_t>::max();
 
-// Stands for a byte that begins no character: in the range of the surrogates, which no encoding
-// yields. To compare such texts by bytes instead would order them against the others in circles.
+// Represents a byte that begins no character, in the range of the surrogates, which no encoding
+// uses. (A comparison by bytes of such texts only would make the order inconsistent.)
 constexpr wchar_t kBadByte = 0xDC00;
 
 std::wstring Decode(const char* text, std::size_t mostCharacters) {

@@ -16,7 +16,7 @@ TDiagRegister diagModule("LanguageLocale");
 
 constexpr std::size_t kLongestLine = 254;
 
-// What get_locale returns.
+// The results of get_locale.
 enum Result {
   kFound = 1,
   kNoLanguage = 12,
@@ -44,7 +44,7 @@ std::string LowerCase(const char* text) {
   return result;
 }
 
-// Reads one line without its end, as far as it counts. False at the end of the file.
+// Reads the part of one line that counts. False at the end of the file.
 bool ReadLine(std::istream& file, std::string& line) {
   line.clear();
   char c = 0;
@@ -57,7 +57,7 @@ bool ReadLine(std::istream& file, std::string& line) {
   return true;
 }
 
-// The locale in the line of an entry; nothing when the line has none.
+// The locale in the line of an entry; empty without a "=".
 std::optional<std::string> LocaleOf(const std::string& line) {
   const std::size_t equals = line.find('=');
   if (equals == std::string::npos) return {};
@@ -80,7 +80,7 @@ int get_locale(const char* language, char* locale) {
 
   std::string line;
   while (ReadLine(file, line)) {
-    // A prefix is enough. That is meant: sites name their languages by it.
+    // Intentional: a prefix is enough; sites use it in the names of their languages.
     if (line.starts_with('#') || !line.starts_with(name)) continue;
     const std::optional<std::string> found = LocaleOf(line);
     if (!found) return kNoLocale;

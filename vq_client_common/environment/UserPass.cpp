@@ -142,7 +142,7 @@ bool UserPass::GetConsoleMissData() {
     vq::SecretString password;
     isFailed = getPasswdFromStdin(password.Text()) == 0;
     if (isFailed) {
-      // The same text as above is meant; whoever searches logs for it relies on it.
+      // Intentional: the same text as above; readers of logs search for it.
       VQ_LOG(diag, 1) << "Error receiving Username.";
     } else {
       m_password.swap(password.Text());

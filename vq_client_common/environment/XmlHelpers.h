@@ -1,6 +1,7 @@
-// Two helpers for clients that read XML with Xerces themselves. Xerces must be started for as long
-// as their objects live (ClientProperties::Get starts it).
+// Two helpers for clients that read XML with Xerces-C. Xerces-C must be initialized during the life
+// of the objects; ClientProperties::Get does that.
 //
+//   ClientProperties::Get();
 //   const XMLCh name[] = {'v', 'q', 0};
 //   std::cerr << StrX(name).localForm();
 //   const VqNodeFilter filter(xercesc::DOMNode::ELEMENT_NODE, "server", false);
@@ -15,17 +16,17 @@
 #include <xercesc/dom/DOMNodeFilter.hpp>
 #include <xercesc/util/XercesDefs.hpp>
 
-// A text of Xerces in the encoding of the process's locale.
+// A text of Xerces-C, converted to the encoding of the process's locale.
 class VQ_CLIENT_COMMON_API StrX {
  public:
-  // Converts a text that ends in a zero; null is taken for the empty text. Characters that the
-  // locale's encoding does not have come out as a substitute.
+  // Converts a text that ends with a zero; null counts as an empty text. A character that the
+  // encoding does not have is replaced by another.
   explicit StrX(const XMLCh* text);
   ~StrX();
   StrX(const StrX&) = delete;
   StrX& operator=(const StrX&) = delete;
 
-  // Both give the converted text, never null; it belongs to this object and lives as long.
+  // The converted text, owned by this object; never null.
   const char* localForm() const { return m_localForm; }
   operator char*() const { return m_localForm; }
 
@@ -33,16 +34,16 @@ class VQ_CLIENT_COMMON_API StrX {
   char* m_localForm;
 };
 
-// Picks nodes of one type and name while a client walks a document.
+// A filter that accepts the nodes of one type and name in a document.
 class VQ_CLIENT_COMMON_API VqNodeFilter : public XERCES_CPP_NAMESPACE::DOMNodeFilter {
  public:
-  // `nodeType` is one of DOMNode::NodeType, 0 for a filter that skips every node; `nodeName` is in
-  // the encoding of the process's locale. With `reject` other nodes are left out with all that
-  // stands in them, without it they are left out alone.
+  // `nodeType`: a value of DOMNode::NodeType, or 0 for a filter that skips every node. `nodeName`:
+  // in the encoding of the process's locale. `reject`: whether other nodes are left out with their
+  // descendants, or without them.
   VqNodeFilter(short nodeType, const std::string& nodeName, bool reject);
 
-  // FILTER_ACCEPT for a node of the type and name; otherwise FILTER_REJECT or FILTER_SKIP as
-  // `reject` asks. `node` is not null.
+  // FILTER_ACCEPT for a node of that type and name; otherwise FILTER_REJECT or FILTER_SKIP, by
+  // `reject`. `node` must not be null.
   FilterAction acceptNode(const XERCES_CPP_NAMESPACE::DOMNode* node) const override;
 
  private:

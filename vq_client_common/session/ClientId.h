@@ -1,8 +1,10 @@
-// The client programs of the suite.
+// The numbers of the suite's client programs.
 //
-// A client has four faces that disagree on purpose: the name it registers under at the server, the
-// short name its ORB bears, the words a user reads, and whether its ORB is that of a pure client.
-// ConnectionSettings answers the first, second and fourth for the process's own client.
+// Each client program has a name in its registration at the server, a short name for its ORB, and a
+// name for users; its ORB may be that of a pure client. No name can be derived from another.
+// ClientIDtoString returns the name for users, ConnectionSettings the others.
+//
+//   std::cout << ClientIDtoString(CLIENT_CLI) << '\n';   // VELTRA-M/VQ CLI
 #ifndef VQ_CLIENT_COMMON_SESSION_CLIENTID_H
 #define VQ_CLIENT_COMMON_SESSION_CLIENTID_H
 
@@ -10,8 +12,8 @@
 
 #include <support/Export.h>
 
-// The programs by number. A value outside of these counts as CLIENT_UNKNOWN, but for the words,
-// which it lacks.
+// The client programs. A value that is none of these counts as CLIENT_UNKNOWN, but has no name for
+// users.
 enum CLIENT_ID : int {
   CLIENT_GUI = 0,
   CLIENT_DESKTOP = 1,
@@ -27,8 +29,7 @@ enum CLIENT_ID : int {
   CLIENT_UNKNOWN = 11,
 };
 
-// The client program in words for a user; empty for a value that is no CLIENT_ID. Safe on any
-// thread.
+// The client program's name for users; empty for a value that is no CLIENT_ID.
 VQ_CLIENT_COMMON_API std::string ClientIDtoString(CLIENT_ID clientId);
 
 #endif  // VQ_CLIENT_COMMON_SESSION_CLIENTID_H

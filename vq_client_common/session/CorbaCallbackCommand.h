@@ -1,4 +1,4 @@
-// Work that arrives by a callback from a server and is carried out by the client program.
+// A piece of work that a server's callback brings and that the client program executes.
 //
 //   class RefreshJobs : public CorbaCallbackCommand {
 //     void Execute() override { Show("jobs have changed"); }
@@ -8,17 +8,17 @@
 
 #include <support/Export.h>
 
-// One piece of work. Thread contract: a command is made on the ORB's thread and belongs to whoever
-// executes it.
+// One piece of work. The callback creates it on a thread of the ORB, and the client program then
+// owns it.
 class VQ_CLIENT_COMMON_API CorbaCallbackCommand {
  public:
   virtual ~CorbaCallbackCommand();
 
-  // Does the work. Called by the client program, on a thread of its choice; what it raises goes to
-  // that caller.
+  // Does the work. The client program calls it, on any of its threads; exceptions reach that
+  // caller.
   virtual void Execute() = 0;
 
-  // Whether the command may be left out while the client changes its filter. True here.
+  // Whether the client may skip the command while it changes its filter. True here.
   virtual bool CanBeSkippedDuringChangeFilter();
 };
 

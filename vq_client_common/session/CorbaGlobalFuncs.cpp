@@ -6,13 +6,14 @@
 #include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/CorbaCallbackCommand.h>
 #include <vq_client_common/session/CorbaServerPackManager.h>
 #include <vq_idl/SystemConfigurationC.h>
 #include <vq_idl/UsersManagerC.h>
 
 namespace {
 
-// Composes a text only for a line that is written: this runs before every remote call.
+// Composes the text only if the line is written, since this runs before every remote call.
 template <class... Pieces>
 void Log(int level, const Pieces&... pieces) {
   if (!CorbaServerPackManager::IsDiagActive(level)) return;
@@ -43,7 +44,7 @@ int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID ser
       return 0;
     }
     cache->InsertItem(name, serverId, bound.in());
-    result = bound._retn();  // The cache's now.
+    result = bound._retn();  // the cache owns it
     Log(4, "GetCRBServant has succeeded");
     return 1;
   } catch (const CORBA::Exception& e) {
@@ -56,3 +57,9 @@ template VQ_CLIENT_COMMON_API int GetCRBServant<QCSCorbaUsersManager>(
     const char*, QCSCorbaUsersManager::_ptr_type&, SERVER_ID, bool);
 template VQ_CLIENT_COMMON_API int GetCRBServant<VQCorbaSystemConfiguration>(
     const char*, VQCorbaSystemConfiguration::_ptr_type&, SERVER_ID, bool);
+
+CorbaCallbackCommand::~CorbaCallbackCommand() = default;
+
+bool CorbaCallbackCommand::CanBeSkippedDuringChangeFilter() {
+  return true;
+}

@@ -1,9 +1,7 @@
-// The references to server objects that the process holds, one for each service and server kind, so
-// that the naming service is asked once a session.
+// The cache of references to server objects, one for each service and server kind.
 //
-// GetCRBServant (CorbaGlobalFuncs.h) is the way to a reference; this class is where it keeps them.
-// A reference whose server has gone away stays here and fails on use, until GL_LogOut empties the
-// cache.
+// GetCRBServant (CorbaGlobalFuncs.h) fills it and reads it. A reference to a server that has ended
+// stays in the cache, and calls through it fail, until GL_LogOut empties the cache.
 #ifndef VQ_CLIENT_COMMON_SESSION_CORBASERVERPACKMANAGER_H
 #define VQ_CLIENT_COMMON_SESSION_CORBASERVERPACKMANAGER_H
 
@@ -16,12 +14,13 @@
 #include <support/os_toolkit/os_critical_section.h>
 #include <vq_client_common/session/ServerId.h>
 
-// Thread contract: FindItem and Reset lock. InsertItem does not lock: two threads that miss the
-// same key at the same moment both bind, so the first use of a key belongs to one thread. The lock
-// is never held across a remote call.
+// Owns one counted reference for each key.
+//
+// Thread safety: FindItem, Reset and TakeAll lock; InsertItem does not, so two threads must not
+// look up a missing key at the same time. The lock is never held during a remote call.
 class CorbaServerPackManager {
  public:
-  // The one instance; made on first use, which belongs to one thread.
+  // The one instance, created by the first call, which must not run on two threads at once.
   static CorbaServerPackManager* Get();
 
   CorbaServerPackManager();
@@ -29,19 +28,19 @@ class CorbaServerPackManager {
   CorbaServerPackManager(const CorbaServerPackManager&) = delete;
   CorbaServerPackManager& operator=(const CorbaServerPackManager&) = delete;
 
-  // The reference under the key, borrowed; the nil object when there is none.
+  // The reference under the key, owned by the cache; the nil object when there is none.
   CORBA::Object_ptr FindItem(const char* name, SERVER_ID serverId);
 
-  // Takes over the caller's reference. What the key held before is overwritten, not released.
+  // Takes ownership of the reference. A reference that the key held before is not released.
   void InsertItem(const char* name, SERVER_ID serverId, CORBA::Object_ptr object);
 
   // Releases every reference, in key order, and empties the map.
   void Reset();
 
-  // Empties the map and hands its references over, for those who still borrow them.
+  // Empties the map and returns its references, for callers that still use them.
   std::vector<CORBA::Object_var> TakeAll();
 
-  // One line in this module of the log, for code that is compiled into other modules.
+  // Logs one line under this class's module, for GetCRBServant.
   static void DiagPdefWrapper(int level, const std::string& text);
   static bool IsDiagActive(int level);
 

@@ -18,7 +18,6 @@
 #include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/ServerLocale.h>
 #include <vq_client_common/session/internal/Collaborators.h>
-#include <vq_client_common/session/internal/SessionTimeOut.h>
 #include <vq_idl/SharedTypesC.h>
 
 namespace {
@@ -36,7 +35,7 @@ constexpr const char* kOrbNotUpText =
 void (*troubleshooter)(void*) = nullptr;
 void* troubleshooterData = nullptr;
 
-// Copies of the command line for the ORB, which may reorder or remove entries of its array.
+// A copy of the command line for the ORB, which may reorder or remove entries of its array.
 class ArgumentCopy {
  public:
   ArgumentCopy(int argc, char** argv) {
@@ -75,7 +74,7 @@ int GL_Login(const std::string& user, const std::string& password, const std::st
   const TDiagFunc diag(diagModule, "GL_Login");
   vq::orb::TakeCause();
   try {
-    // First of all, because the ORB is named after the client.
+    // First, because the ORB gets its name from the client ID.
     ConnectionSettings::Get()->SetClientID(clientId);
     if (!GL_InitializeCORBA(argc, argv)) throw BadOrbixCfgEx(kOrbNotUpText);
     LoginHandler* const session = LoginHandler::GetGlobal();
@@ -96,7 +95,7 @@ int GL_Login(const std::string& user, const std::string& password, const std::st
 
 std::string GL_GetFailureCause() {
   std::string cause = vq::orb::TakeCause();
-  vq::orb::NoteCause(cause);  // to be asked for again
+  vq::orb::NoteCause(cause);  // for the next call
   std::replace_if(
       cause.begin(), cause.end(), [](char c) { return c == '\n' || c == '\t'; }, ' ');
   return cause;
@@ -121,7 +120,7 @@ int GL_PostLogin(std::string& message) {
   int result = 0;
   try {
     result = LoginHandler::GetGlobal()->PostLogin();
-    vq::orb::TakeCause();  // It is done, whatever failed on the way.
+    vq::orb::TakeCause();  // of steps whose failure does not matter
   } catch (BaseLoginEx& e) {
     message = e.handle();
     return e.GetReturnCode();
@@ -133,7 +132,7 @@ int GL_PostLogin(std::string& message) {
 int GL_ClientKeepAlive() {
   const TDiagFunc diag(diagModule, "GL_ClientKeepAlive");
   try {
-    // Intentional: BaseLoginEx is no std::exception and reaches the caller.
+    // Intentional: BaseLoginEx, which is no std::exception, reaches the caller.
     return LoginHandler::GetGlobal()->ClientKeepAlive();
   } catch (const std::exception& e) {
     VQ_LOG(diag, 1) << "failed with excepion: " << e.what();
@@ -151,7 +150,7 @@ int GL_ReLogin(unsigned int timeOut) {
     std::string message;
     return LoginHandler::GetGlobal()->ReLogin(message, timeOut);
   } catch (BaseLoginEx& e) {
-    e.handle();  // Intentional: the text is lost and every failure is 0.
+    e.handle();  // Intentional: only logs the text; every failure is 0.
     return 0;
   }
 }
@@ -196,7 +195,7 @@ void (*GL_SetCallbackTroubleshooter(void (*callback)(void*), void* data))(void*)
   return std::exchange(troubleshooter, callback);
 }
 
-// The pointers are emptied, so that a call that comes too late finds no object that is gone.
+// The pointers become null, so that a later call does not use a deleted object.
 void exit_vqclient_common() {
   delete std::exchange(CorbaServerPackManager::pCorbaServerPackManager, nullptr);
   ClientProperties::ReleaseStaticObject();

@@ -41,7 +41,7 @@ std::string UserAuthText(const std::string& user) {
   return text;
 }
 
-// The address where the server's reference says that it listens; empty texts when it says nothing.
+// The address in the server's reference; empty texts without one.
 vq::orb::ReferenceAddress ServerAddress(CORBA::Object_ptr server) {
   vq::orb::ReferenceAddress address;
   const vq::orb::AddressFault fault = vq::orb::AddressOf(server, address);
@@ -51,7 +51,7 @@ vq::orb::ReferenceAddress ServerAddress(CORBA::Object_ptr server) {
   return address;
 }
 
-// The second look-up must not replace the cause of the first.
+// Keeps the cause of the failure during a second look-up.
 class CauseKeeper {
  public:
   CauseKeeper() : m_cause(vq::orb::TakeCause()) {}
@@ -67,8 +67,7 @@ std::string NoServerText() {
   const std::string server = ConnectionSettings::Get()->GetServerName();
   QCSCorbaUsersManager_ptr users;
   const CauseKeeper cause;
-  // The look-up does not ask the server whether it is there: a reference alone tells where it ought
-  // to listen, also when it does not.
+  // Without a probe: the reference has the server's address even when the server does not run.
   if (vq::session::GetUsersManager(users, vq::session::SessionServerId(), false) == 1) {
     const vq::orb::ReferenceAddress address = ServerAddress(users);
     return std::string(kCauses) + " - Server '" + server + "' is not running on '" + address.host +

@@ -16,7 +16,6 @@
 #include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/internal/Collaborators.h>
 #include <vq_client_common/session/internal/Registrant.h>
-#include <vq_client_common/session/internal/SessionTimeOut.h>
 #include <vq_client_common/session/internal/UsersManager.h>
 #include <vq_client_common/session/internal/VersionGate.h>
 #include <vq_idl/UsersManagerC.h>
@@ -27,11 +26,11 @@ TDiagRegister diagModule("LoginHandler");
 
 constexpr int kFailed = vq::CodeOf(vq::LoginResult::kFailed);
 
-// How the log words the end of a conversation: the registration's way, or that of the upkeep.
+// The two sets of log texts for the end of a conversation.
 enum class Wording { kRegistration, kUpkeep };
 
-// Called in a handler of CORBA::Exception: logs it. Returns kFailed for an exception that the suite
-// declares; raises ServerTypeEx for any other.
+// Logs the exception; called in its handler. Returns kFailed for an exception that the interface
+// definitions declare; raises ServerTypeEx for any other.
 int ConversationEnded(const TDiagFunc& diag, Wording wording, const CORBA::Exception& exception) {
   const bool registration = wording == Wording::kRegistration;
   vq::orb::NoteFailedCall(exception, CorbaServerPackManager::Get()->FindItem(
@@ -137,7 +136,7 @@ int LoginHandler::Register(unsigned int timeOut, std::string& message) {
   }
 }
 
-// The conversation with the users manager, from its reference to the verdict on the registration.
+// The conversation with the users manager: version gate, password, registration.
 int LoginHandler::Converse(const TDiagFunc& diag, unsigned int timeOut, std::string& message) {
   QCSCorbaUsersManager_ptr users;
   if (vq::session::GetUsersManager(users, m_serverId) != 1) throw NoServerEx("");
@@ -165,7 +164,7 @@ int LoginHandler::Converse(const TDiagFunc& diag, unsigned int timeOut, std::str
       registrant.Host().c_str(), registrant.Account().c_str(),
       m_connectionSettings->GetClientID4CRBRegister().c_str(), versionWithPatches.c_str(),
       loginMessages.out(), timeOut, serverMessage.out(), userId.out(), dbUser.out());
-  vq::orb::TakeCause();  // The server has answered: its message is the cause.
+  vq::orb::TakeCause();  // from here on the server's message is the cause
   message = serverMessage.in();
   if (result == vq::CodeOf(vq::LoginResult::kPasswordAboutToExpire) && message.empty()) {
     message = "Your password is about to expire.\t";
@@ -173,7 +172,7 @@ int LoginHandler::Converse(const TDiagFunc& diag, unsigned int timeOut, std::str
   try {
     m_connectionSettings->SetUserID(userId.in());
     m_connectionSettings->SetDBUserName(dbUser.in());
-  } catch (const std::bad_alloc&) {  // Whoever hears of a failure is not connected.
+  } catch (const std::bad_alloc&) {  // after a failure the client is not connected
     m_connectionSettings->SetUserID("");
     throw;
   }
@@ -215,7 +214,7 @@ int LoginHandler::RegisterTimeOut(long timeOut) {
   try {
     QCSCorbaUsersManager_ptr users;
     result = vq::session::GetUsersManager(users, m_serverId);
-    // Without a reference there is nobody to tell; the look-up's result is the answer.
+    // Without a reference nothing is sent; the result is that of the look-up.
     if (timeOut > 0 && result == 1) {
       VQ_LOG(diag, 4) << "Resetting timeout to: " << timeOut;
       result = users->CRB_ResetTimeout(GetUserID().c_str(), static_cast<CORBA::ULong>(timeOut));
@@ -253,7 +252,7 @@ int LoginHandler::ClientKeepAlive() {
 int LoginHandler::ReLogin(std::string& message, unsigned int timeOut) {
   const TDiagFunc diag(diagModule, "LoginHandler::ReLogin");
   const int result = Register(timeOut, message);
-  // Intentional: the time-out is told whatever the registration's result.
+  // Intentional: the time-out is sent whatever the registration's result.
   if (RegisterTimeOut(vq::session::ConfiguredTimeOut()) != 1) {
     VQ_LOG(diag, 2) << "RegisterTimeOut failed.";
   }
@@ -273,7 +272,7 @@ void LoginHandler::Logout() {
     users->CRB_Unregister(GetUserID().c_str());
     m_connectionSettings->SetUserID("");
   } catch (const CORBA::Exception& e) {
-    // Intentional: the line says that it will be ignored, and the caller receives it.
+    // Intentional: the line says that the exception is ignored, and yet the caller receives it.
     VQ_LOG(diag, 2) << "CORBA::Exception caught: " << e << ", will be ignored.";
     throw;
   }

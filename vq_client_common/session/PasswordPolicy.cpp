@@ -36,8 +36,8 @@ bool HasLower(const std::string& password) {
                      [](unsigned char c) { return std::islower(c) != 0; });
 }
 
-// Intentional: a digit or special character in the password does not satisfy its rule. Sites
-// that switch these rules on refuse every password, and count on it.
+// Intentional: no password satisfies the rules for digits and special characters; sites use them to
+// refuse every password.
 bool Never(const std::string&) {
   return false;
 }
@@ -80,8 +80,8 @@ std::string WithNumber(std::string text, int number) {
 
 thread_local bool passwordChanged = false;  // by the last SetUserPassword
 
-// Registers with the old password and stores the new one, in one call. `result` holds what the call
-// will leave if it raises: the outcome of GetClientVersion, normally 1.
+// Registers with the old password and stores the new one, in one remote call. Before the call,
+// `result` is that of GetClientVersion, normally 1; it stays if the call raises.
 void RegisterAndUpdate(QCSCorbaUsersManager_ptr users, const vq::SecretString& newPassword,
                        int& result, const TDiagFunc& diag) {
   ConnectionSettings* const settings = ConnectionSettings::Get();
@@ -132,7 +132,7 @@ int GetPasswordComplexityRules() {
   if (!ReadParameter(diag, "PasswordComplexityRules", value)) return AllRules();
   int rules = 0;
   for (const Rule& rule : kRules) {
-    // Intentional: any one character of the name switches the rule on, not the whole name.
+    // Intentional: any character of the name switches the rule on, not only the whole name.
     if (value.find_first_of(rule.parameterText) != std::string::npos) rules |= rule.bit;
   }
   VQ_LOG(diag, 5) << "Complexity rule is set to " << rules;
@@ -205,8 +205,8 @@ int SetUserPassword(const std::string& newPassword, bool expired) {
   } catch (...) {
     VQ_LOG(diag, 1) << "Failed with unrecognized exception";
   }
-  // Intentional: after a failed registration this is still the outcome of GetClientVersion, so 1
-  // reaches the caller although neither the user ID nor the password was stored.
+  // Intentional: after a failed registration this is the result of GetClientVersion, so the caller
+  // may get 1 although neither user ID nor password was stored.
   return result;
 }
 

@@ -1,15 +1,14 @@
-// The site's rules for passwords, and changing one.
+// Checks a new password against the site's rules, and changes the password of the user.
 //
 //   std::string message;
-//   if (CheckPasswordValidity(newPassword, message) == 1) {
-//     int result = SetUserPassword(newPassword, false);
-//   } else {
+//   if (CheckPasswordValidity(newPassword, message) != 1) {
 //     Show(message);
+//   } else if (SetUserPassword(newPassword, false) == 1) {
+//     Show("The password is changed.");
 //   }
 //
-// The rules are parameters of the central server, section "general", read anew at each check.
-//
-// Thread contract: synchronous remote calls on the caller's thread; no lock.
+// The rules are parameters of the central server, section "general". Each check reads them with
+// remote calls.
 #ifndef VQ_CLIENT_COMMON_SESSION_PASSWORDPOLICY_H
 #define VQ_CLIENT_COMMON_SESSION_PASSWORDPOLICY_H
 
@@ -17,7 +16,7 @@
 
 #include <support/Export.h>
 
-// Kinds of characters that a rule asks for, as bits of GetPasswordComplexityRules.
+// The kinds of characters that rules require, as bits of GetPasswordComplexityRules.
 enum PasswordRule {
   PWD_RULE_DIGIT = 1,
   PWD_RULE_UPPER = 2,
@@ -25,8 +24,8 @@ enum PasswordRule {
   PWD_RULE_SPECIAL = 8,
 };
 
-// Number of characters: "MinPasswordLength" and "MaxPasswordLength"; 6 and 32 when they cannot be
-// read, 0 for a value that is no number.
+// The least and the greatest length in bytes: "MinPasswordLength" and "MaxPasswordLength"; 6 and 32
+// when they cannot be read, 0 for a value that is no number.
 VQ_CLIENT_COMMON_API int GetMinPasswordLength();
 VQ_CLIENT_COMMON_API int GetMaxPasswordLength();
 
@@ -34,25 +33,30 @@ VQ_CLIENT_COMMON_API int GetMaxPasswordLength();
 VQ_CLIENT_COMMON_API bool IsPasswordComplexityON();
 
 // "PasswordComplexityRules": the sum of the PasswordRule bits; 15 when it cannot be read. A rule is
-// on when any single character of its name ("PWD_DIGIT", "PWD_UPPER", "PWD_LOW", "PWD_NON_LETDIG")
-// occurs in the value, so a value that holds one name in full switches all four on.
+// on when the value contains any single character of its name ("PWD_DIGIT", "PWD_UPPER", "PWD_LOW",
+// "PWD_NON_LETDIG"). So a value with one full name switches all four rules on; "U" is the rule for
+// upper case alone.
 VQ_CLIENT_COMMON_API int GetPasswordComplexityRules();
 
-// Returns 1 when the password meets the rules, 51 when it does not; `message` then says why, and is
-// empty otherwise. A digit or special rule that is on refuses every password.
+// Returns 1, with `message` empty, when the password meets the rules; 51, with the reason in
+// `message`, when it does not. A digit or special rule that is on refuses every password.
 VQ_CLIENT_COMMON_API int CheckPasswordValidity(const std::string& password, std::string& message);
 
-// Changes the password of the user of ConnectionSettings at the server: in the running session, or
-// with `expired` by registering and changing in one step after a login that gave 48. Returns the
-// server's result, 1 for success; 43 when the user is not authorized; 0 on a local failure, and
-// when the server cannot be reached or fails. With `expired`, a server that fails in mid call
-// leaves the result of LoginHandler::GetClientVersion, which is 1 or 20: ask WasPasswordChanged. On
-// success ConnectionSettings holds the new password, and with `expired` the user ID of the new
-// session, which GL_PostLogin then finishes.
+// Changes the password of the user of ConnectionSettings at the server. Without `expired` it does
+// so in the running session; with `expired`, after a login that returned 48, it registers and
+// changes the password in one call. The rules are not checked.
+//
+// Returns the server's result, 1 for success; 43 when the user is not authorized; 0 on a local
+// failure, and when the server cannot be reached or fails. With `expired`, a failure during the
+// call returns the result of LoginHandler::GetClientVersion instead: 1, 0 or 20. So with `expired`
+// neither 1 nor 20 shows what happened; call WasPasswordChanged.
+//
+// After a success ConnectionSettings has the new password, and with `expired` the user ID of the
+// new session. GL_PostLogin completes that login.
 VQ_CLIENT_COMMON_API int SetUserPassword(const std::string& newPassword, bool expired);
 
-// Whether the server confirmed the last SetUserPassword of this thread. After a connection that
-// broke in mid call it is false, although the server may have stored the new password.
+// Whether the server confirmed the last SetUserPassword of this thread. False after a connection
+// that broke during the call, although the server may have stored the new password.
 VQ_CLIENT_COMMON_API bool WasPasswordChanged();
 
 #endif  // VQ_CLIENT_COMMON_SESSION_PASSWORDPOLICY_H

@@ -13,7 +13,7 @@ namespace {
 
 TDiagRegister diagModule("ServerLocale");
 
-// The one line of the library with a class of its own.
+// The diagnostics class of the one line that has its own.
 constexpr std::uint32_t kCharacterHandlingClass = 0x800000;
 
 }  // namespace
@@ -21,8 +21,8 @@ constexpr std::uint32_t kCharacterHandlingClass = 0x800000;
 std::string SetLocaleBySystemParam(const std::string&) {
   const TDiagFunc diag(diagModule, "SetLocaleBySystemParam");
   std::string language;
-  // A failed read leaves the language empty and the locale is set all the same. That is meant: the
-  // empty name finds the first entry of the file, which is thus the site's default.
+  // Intentional: after a failed read the language is empty, and the locale is set by the first
+  // entry of the file, which is the site's default.
   GetSystemParameter("Language", language, "general", E_GSR);
   SetLocaleByLanguage(language);
   return language;

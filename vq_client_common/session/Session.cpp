@@ -27,7 +27,7 @@
 
 namespace vq {
 
-// Held by the Session and by the thread that keeps it alive, whose hook may destroy the Session.
+// Shared by the Session and its thread, since a hook on that thread may destroy the Session.
 struct Session::State : std::enable_shared_from_this<State> {
   explicit State(SessionOptions given) : options(std::move(given)) {}
 
@@ -48,7 +48,7 @@ struct Session::State : std::enable_shared_from_this<State> {
   }
   void SetMessage(const std::string& text) {
     const std::lock_guard lock(messageLock);
-    message = LoginError(LoginResult::kFailed, text, "").what();  // without what ends it
+    message = LoginError(LoginResult::kFailed, text, "").what();  // without tabs at the end
   }
   void SetAlive() {
     lastAlive = std::chrono::steady_clock::now();
@@ -67,17 +67,17 @@ struct Session::State : std::enable_shared_from_this<State> {
   mutable std::mutex messageLock;
   std::string message;
 
-  std::recursive_mutex calls;  // recursive, since hooks of the client may call members
+  std::recursive_mutex calls;  // recursive, since the client's hooks may call members
   std::chrono::steady_clock::time_point lastAlive;
   bool silent = false;    // the last keep-alive had no answer
-  bool refused = false;   // the last renewal was refused; trying on would lock the account
+  bool refused = false;   // the last renewal was refused; another could lock the account
   bool reported = false;  // onLost was called for this loss
   std::vector<CORBA::Object_var> oldReferences;
 };
 
 namespace {
 
-// The one session of the process. Never destroyed, since std::exit ends the session.
+// The one session of the process. The objects are never destroyed: std::exit ends the session.
 std::mutex& theOneLock = *new std::mutex;
 std::weak_ptr<void>& theOne = *new std::weak_ptr<void>;
 
@@ -109,7 +109,7 @@ void Session::State::Begin() {
     throw;
   }
   options.password = SecretString();
-  // At the end of a login, so that it runs before what a login uses is destroyed.
+  // Registered after a login, so that it runs before the objects of the login are destroyed.
   [[maybe_unused]] static const int hooked = std::atexit([] {
     std::unique_lock lock(theOneLock);
     const auto session = std::static_pointer_cast<State>(theOne.lock());
@@ -156,11 +156,11 @@ int Session::State::CallLogin(std::string& text) {
 }
 
 void Session::State::End() noexcept {
-  // A child process has neither the threads nor the connections, and the session is its parent's.
+  // A forked child has neither the threads nor the connections; the session belongs to its parent.
   if (process != ::getpid() || ended.exchange(true)) return;
   thread.request_stop();
   if (thread.get_id() == std::this_thread::get_id()) {
-    thread.detach();  // in a hook on that thread
+    thread.detach();  // called by a hook on that thread
   } else if (thread.joinable()) {
     thread.join();
   }
@@ -170,7 +170,7 @@ void Session::State::End() noexcept {
     GL_LogOut(startedOrb);
     ConnectionSettings::Get()->SetPassword("");
   } catch (...) {
-    // What could not be logged out ends by the server's time-out.
+    // The session ends by its time-out at the server.
   }
   const std::lock_guard lock(theOneLock);
   theOne.reset();
@@ -196,7 +196,7 @@ LoginResult Session::State::Renew() {
   auto answer = LoginResult::kNoServer;
   std::string text;
   try {
-    if (silent) {  // Looks the server up again. Who borrowed a reference may still use it.
+    if (silent) {  // Looks the server up again. Callers may still use the old references.
       for (auto& old : CorbaServerPackManager::Get()->TakeAll()) oldReferences.push_back(old);
     }
     answer = static_cast<LoginResult>(LoginHandler::GetGlobal()->ReLogin(text, TimeOut()));
@@ -229,7 +229,7 @@ void Session::State::StartThread() {
   sigset_t all;
   sigset_t before;
   sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);  // signals are for the client's own threads
+  pthread_sigmask(SIG_SETMASK, &all, &before);  // the client's own threads handle signals
   thread = std::jthread([self = shared_from_this()](const std::stop_token& stop) {
     std::mutex idle;
     std::condition_variable_any wake;
@@ -246,7 +246,7 @@ void Session::State::LookAfter() {
   try {
     if (KeepAlive() == LoginResult::kSuccess || !lost) return;
     if (options.renew && !refused && IsLoggedIn(Renew())) return;
-  } catch (const std::exception&) {  // no memory; the next time may do better
+  } catch (const std::exception&) {  // no memory; the next attempt may succeed
     return;
   }
   if (!std::exchange(reported, true) && options.onLost) options.onLost();

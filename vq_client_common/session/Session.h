@@ -1,4 +1,4 @@
-// A session with the central server: logged in when it is made, logged out when it goes.
+// A session with the central server: the constructor logs in, the destructor logs out.
 //
 //   try {
 //     vq::Session session({.server = "central",
@@ -11,8 +11,8 @@
 //     std::cerr << e.what() << '\n' << e.Cause() << '\n';
 //   }
 //
-// It makes the calls of GL_Login, GL_PostLogin and GL_LogOut (GlobalFuncs.h), and those functions
-// see the same session. A process has one session at a time.
+// A process has one session at a time. The functions of GlobalFuncs.h and the classes of this
+// folder work on the same session.
 #ifndef VQ_CLIENT_COMMON_SESSION_SESSION_H
 #define VQ_CLIENT_COMMON_SESSION_SESSION_H
 
@@ -34,73 +34,80 @@ class UserAuthorizations;
 
 namespace vq {
 
-// Each has an initializer, so that a program may leave out any of them without a warning.
+// The options of a login. A program may leave out any of them.
 struct SessionOptions {
-  std::string server{};                    // its name in the naming service
-  SERVER_ID kind = E_GSR;                  // its kind there
-  CLIENT_ID client = CLIENT_CLI;           // which program this is
-  std::string user{};                      // left to `credentials` if empty
-  SecretString password{};                 // likewise
+  std::string server{};                    // the server's name in the naming service
+  SERVER_ID kind = E_GSR;                  // the server's kind there
+  CLIENT_ID client = CLIENT_CLI;           // which client program this is
+  std::string user{};                      // empty: `credentials` returns it
+  SecretString password{};                 // empty: `credentials` returns it
   CredentialSource credentials = nullptr;  // called when the password is empty
-  // Called when the password has expired, with the server's message: returns the new one, or an
-  // empty one to give up.
+  // Called with the server's message when the password has expired. Returns the new password, or an
+  // empty one to end the login.
   std::function<SecretString(const std::string& message)> newPassword = nullptr;
-  // Of a session without keep-alives. The site's settings come first (GL_GetCRBRegisterTimeOut).
+  // The server ends a session without keep-alives after this time. A time-out in the site's
+  // settings replaces it (GL_GetCRBRegisterTimeOut).
   std::chrono::seconds timeOut{600};
-  std::string namingService{};              // "corbaloc:iiop:HOST:PORT/NameService"; empty: as set
-  std::vector<std::string> orbArguments{};  // the command line, or nothing; read for -ORB options
-  std::chrono::milliseconds deadline{0};    // for the whole login; 0: each call has its time-out
+  std::string namingService{};  // "corbaloc:iiop:HOST:PORT/NameService"; empty: from the settings
+  std::vector<std::string> orbArguments{};  // the command line, for its -ORB options; may be empty
+  std::chrono::milliseconds deadline{0};    // of the whole login; 0: each call has its own time-out
 
-  // Above 0: a thread of the object's own keeps the session alive in this interval.
+  // Above 0: a thread of this object sends a keep-alive in this interval.
   std::chrono::milliseconds keepAlive{0};
-  bool renew = false;  // that thread registers a lost session again
-  // Called by that thread once for each loss that is not made good at once. Must not throw.
+  bool renew = false;  // whether that thread registers a lost session again
+  // Called on that thread, once for each loss that is not repaired at once. Must not throw.
   std::function<void()> onLost = nullptr;
 };
 
-// Thread safety: every member may be called from any thread. Members that ask the server wait for
-// each other; Authorizations, Message and IsLost wait for none. The GL_ functions do not take part
-// in that. A moved-from object raises std::logic_error.
+// A session for all threads of a program. See docs/threads.md.
+//
+// Thread safety: every member may be called from any thread. Only one of the members that call the
+// server runs at a time; Authorizations, Message and IsLost never wait. The GL_ functions are not
+// part of this. Members of a moved-from object raise std::logic_error.
 class VQ_CLIENT_COMMON_API Session {
  public:
-  // Logs in, or raises LoginError. What was begun is then undone.
+  // Logs in. Raises LoginError on failure, after it has undone the steps that succeeded.
   explicit Session(SessionOptions options);
-  // The same without exceptions: nothing, with the reason in `error`.
+  // The same without exceptions: empty on failure, with the reason in `error`.
   static std::optional<Session> Open(SessionOptions options, LoginError& error);
 
-  // Logs out, and ends the ORB if this object started it. Takes at most a time-out for the logout
+  // Logs out, and ends the ORB if this object started it. Takes at most one time-out for the logout
   // and one for a call that another thread is making. Never throws. std::exit does the same.
   ~Session() = default;
   Session(Session&&) noexcept = default;
   Session& operator=(Session&&) noexcept = default;
 
   LoginResult Result() const;   // of the login: kSuccess or kPasswordAboutToExpire
-  std::string Message() const;  // the last one from the server, for the user; mostly empty
+  std::string Message() const;  // the server's last text for the user; mostly empty
 
-  // A parameter of the server. Nothing when it has none of that name, or cannot be asked.
+  // A system parameter of the server; empty when it does not exist or the server cannot be asked.
   std::optional<std::string> Parameter(const std::string& name,
                                        const std::string& section = "general") const;
 
-  // What the user may do, as it was at the login (authorizations/UserAuthorizations.h). Questions
-  // need no lock; the object may outlive the session.
+  // What the user may do, as loaded at the login (authorizations/UserAuthorizations.h). A question
+  // makes no remote call; the object may outlive the session. Never null.
   std::shared_ptr<const UserAuthorizations> Authorizations() const;
 
-  // kSuccess, kFailed when the server does not know the session, or kNoServer without an answer.
+  // Sends a keep-alive. Returns kSuccess; kFailed when the server does not know the session;
+  // kNoServer when it does not answer.
   LoginResult KeepAlive();
-  // The server does not know the session, or has answered no keep-alive for the session's time-out.
+  // Whether a keep-alive found that the server does not know the session, or the server has
+  // answered none for the length of the session's time-out.
   bool IsLost() const;
   // Registers again with the same user and password, and returns the result of that login.
   LoginResult Renew();
 
-  // Checks the site's policy and changes the password. kPasswordRefusedByPolicy: Message says why.
+  // Checks the new password against the site's rules and changes the password. Returns kSuccess;
+  // kPasswordRefusedByPolicy, with the reason in Message; or what SetUserPassword returns.
   LoginResult ChangePassword(const SecretString& newPassword);
 
-  // The time left of the client's TLS certificate, once the site's parameter
-  // WarningSSLExpirationDays asks for a warning; nothing before that and without a certificate.
+  // The days until the client's TLS certificate expires, when they are fewer than those of the
+  // server parameter "general"/"WarningSSLExpirationDays"; empty otherwise and without a
+  // certificate.
   std::optional<std::chrono::days> CertificateWarning() const;
 
-  // A server object, as GetCRBServant finds it (CorbaGlobalFuncs.h), as a reference of the caller's
-  // own; nil when it cannot be found. For the two types of GetCRBServant.
+  // A reference to a server object, owned by the caller; nil when it cannot be found. Exists for
+  // the two types of GetCRBServant (CorbaGlobalFuncs.h).
   template <class T>
   typename T::_var_type Servant(const char* name) const;
 

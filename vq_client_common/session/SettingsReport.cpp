@@ -9,13 +9,13 @@
 #include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
 #include <support/orb/OrbSettings.h>
-#include <vq_client_common/session/internal/ClientTable.h>
-#include <vq_client_common/session/internal/SessionTimeOut.h>
+#include <vq_client_common/session/ConnectionSettings.h>
+#include <vq_client_common/session/internal/Collaborators.h>
 
 namespace vq {
 namespace {
 
-// A location is chosen by the first of these variables that is set, and made up without them.
+// A location; its origin is the first of these variables that is set.
 Setting Location(const char* name, const std::string& value,
                  std::initializer_list<const char*> variables) {
   for (const char* const variable : variables) {
@@ -76,7 +76,9 @@ void AddClientProduct(std::list<Setting>& settings) {
 std::list<Setting> ReportSettings(CLIENT_ID clientId, int argc, const char* const* argv) {
   std::list<Setting> settings;
   orb::DomainScopes domain;
-  orb::ReadDomainScopes(std::string(session::ClientKindOf(clientId).orbName), domain);
+  ConnectionSettings client;
+  client.SetClientID(clientId);
+  orb::ReadDomainScopes(client.GetClientIDAsString(), domain);
   AddLocations(settings, domain.files);
   AddOrbSettings(settings, domain, argc, argv);
   settings.push_back(Variable("log", "VQ_DIAG_LEVEL"));

@@ -1,10 +1,10 @@
-// Every setting that the library reads, with its value and where that came from.
+// Lists every setting that the library reads, with its value and its origin.
 //
 //   for (const vq::Setting& setting : vq::ReportSettings(CLIENT_CLI, argc, argv)) {
 //     std::cout << setting.name << " = " << setting.value << " (" << setting.origin << ")\n";
 //   }
 //
-// docs/configuration.md tells what each of them means.
+// docs/configuration.md explains the settings.
 #ifndef VQ_CLIENT_COMMON_SESSION_SETTINGSREPORT_H
 #define VQ_CLIENT_COMMON_SESSION_SETTINGSREPORT_H
 
@@ -16,18 +16,17 @@
 
 namespace vq {
 
-// Thread contract: a plain value.
+// One setting.
 struct Setting {
   std::string group;   // "locations", "ORB", "log", "session", "client"
-  std::string name;    // as it is written where it is set
-  std::string value;   // empty when it has none
+  std::string name;    // as the user writes it
+  std::string value;   // empty when it has none; the error for a setting that cannot be read
   std::string origin;  // "environment", "command line", a file, "built in", "not set"
 };
 
-// The settings as a client of that kind would find them now, with that command line. Nothing is
-// started and no server is asked. A setting that is malformed, or a file that cannot be read,
-// stands in the list with the error as its value. Thread contract: while no thread changes the
-// environment.
+// The settings that a client of that kind would find now with that command line; `argv` may be null
+// when `argc` is 0. No ORB is started and no server is called. A malformed setting, or a file that
+// cannot be read, has the error as its value. No thread may change the environment meanwhile.
 VQ_CLIENT_COMMON_API std::list<Setting> ReportSettings(CLIENT_ID clientId, int argc,
                                                        const char* const* argv);
 

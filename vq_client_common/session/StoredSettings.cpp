@@ -22,7 +22,7 @@ std::list<StoredSetting> ReadStoredSettings(std::string& error) {
       std::map<std::string, std::string> variables;
       layer->GetScopeAndDefaultVars(scope, variables);
       for (const auto& [name, value] : variables) {
-        if (!layer->GetVar(scope, name)) continue;  // it is that of "default"
+        if (!layer->GetVar(scope, name)) continue;  // the value is that of "default"
         settings.push_back({scope, name, value, directory + domain + ".xml"});
       }
     }

@@ -1,15 +1,14 @@
-// The configuration domain as it is stored: what each scope of each layer holds, and a way to
-// change it.
+// Reads and changes the configuration domain as it is stored in files.
 //
-// A *layer* is one file of the domain: the user's, and below it the host's. A *scope* is a named
-// group of values in it; ORBs read "default" and the scope that is named like them, and other
-// scopes belong to the programs that write them. docs/configuration.md has the whole of it.
+// A *layer* is one file of the domain: the user's file, whose values override those of the host's
+// file. A *scope* is a named group of values in a file; an ORB reads "default" and the scope with
+// its own name. docs/configuration.md describes the domain.
 //
 //   const vq::StoreResult stored =
 //       vq::StoreSetting("default", "-ORBCallTimeout", "5000", vq::SettingsLayer::kOwn);
 //   if (!stored.error.empty()) std::cerr << stored.error << '\n';
 //
-// vq::ReportSettings() tells which value is in force.
+// vq::ReportSettings (SettingsReport.h) returns the values that a client would use.
 #ifndef VQ_CLIENT_COMMON_SESSION_STOREDSETTINGS_H
 #define VQ_CLIENT_COMMON_SESSION_STOREDSETTINGS_H
 
@@ -21,30 +20,30 @@
 
 namespace vq {
 
-// Thread contract of these: plain values.
+// One value of one scope.
 struct StoredSetting {
   std::string scope;  // such as "default" or "GUI"
   std::string name;   // such as "-ORBCallTimeout"
   std::string value;  // may be empty
-  std::string file;   // the layer's
+  std::string file;   // the path of the layer's file
 };
 
-// kOwn is the user's layer; for root and in set-user-ID programs it is the host's.
+// The layer to change. kOwn: the user's; for root and in set-user-ID programs the host's.
 enum class SettingsLayer { kOwn, kHost };
 
-// What StoreSetting did.
+// The result of StoreSetting.
 struct StoreResult {
-  std::string file;   // the one that was changed
-  std::string error;  // why it was not; empty after a success
+  std::string file;   // the path of the file to change
+  std::string error;  // why the file was not changed; empty after a success
 };
 
-// All values of all layers, the strongest layer first; within one by scope and name. Layers that
-// cannot be read are left out, and `error` tells of the first of them; it is empty otherwise. Safe
-// on any thread while none changes the environment, as both.
+// All values of all layers, the user's layer first, in each layer by scope and name. A layer that
+// cannot be read is left out; `error` has the reason of the first, and is empty without one. No
+// thread may change the environment during this call and the next.
 VQ_CLIENT_COMMON_API std::list<StoredSetting> ReadStoredSettings(std::string& error);
 
-// Sets a value in one layer, or without one removes it there; removing what is not there is no
-// error. Returns when the value is on disk. The file keeps all else that it holds.
+// Sets a value in one layer, or removes it there when `value` is empty; to remove a value that is
+// not there is no error. The rest of the file is unchanged. After a success the value is on disk.
 VQ_CLIENT_COMMON_API StoreResult StoreSetting(const std::string& scope, const std::string& name,
                                               const std::optional<std::string>& value,
                                               SettingsLayer layer);

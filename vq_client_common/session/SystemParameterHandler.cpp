@@ -4,10 +4,12 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Environment.h>
+#include <support/foundations/IniFile.h>
 #include <support/orb/CorbaText.h>
 #include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaGlobalFuncs.h>
+#include <vq_client_common/session/internal/Collaborators.h>
 #include <vq_idl/SystemConfigurationC.h>
 
 namespace {
@@ -17,9 +19,9 @@ TDiagRegister diagModule("SystemParameterHandler");
 constexpr const char* kService = "SystemConfiguration";
 constexpr SEC_AUTHOR_LVL kLeastRestrictive = 1;
 constexpr SEC_AUTHOR_LVL kMostRestrictive = 3;
+constexpr long kDefaultTimeOut = 600;
 
-// The mandatory fields read their value by the opposite rule of PermitManualUnlock: here everything
-// but "0" is yes, there nothing but "1". Both rules are meant.
+// Intentional: here any value but "0" is true, in PermitManualUnlock only "1"; sites use both.
 bool IsMandatory(const char* scope, const std::string& name) {
   const TDiagFunc diag(diagModule, scope);
   std::string value;
@@ -121,4 +123,24 @@ bool isAnnotationRequired(const std::string& operation) {
     VQ_LOG(diag, 1) << "CRB_isAnnotationRequired - Failed with unrecognized exception";
   }
   return false;
+}
+
+std::optional<int> vq::session::ProfileTimeOut() {
+  int value = 0;
+  if (!GetProfileIntFromCurrentUserOrLocalMachine("", "Orb Parameters", "RegisterTimeOut", value,
+                                                  true)) {
+    return std::nullopt;
+  }
+  return value;
+}
+
+long vq::session::ConfiguredTimeOut() {
+  const TDiagFunc diag(diagModule, "GL_GetCRBRegisterTimeOut");
+  if (const std::optional<int> profile = ProfileTimeOut()) return *profile;
+  // Intentional: the two keys differ in one letter; both are in use.
+  std::string text;
+  if (GetSystemParameter("RegisterTimeout", text, "gui", E_GSR) && vq::Atoi(text) > 0) {
+    return vq::Atoi(text);
+  }
+  return kDefaultTimeOut;
 }

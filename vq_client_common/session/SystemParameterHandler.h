@@ -1,13 +1,10 @@
-// Settings that the central server holds for its clients, addressed by section and name.
+// Reads the system parameters of the central server, which have a section and a name.
 //
 //   std::string value;
 //   if (GetSystemParameter("Language", value, "general", E_GSR)) Show(value);
 //
-// Every call asks the server; nothing is kept. A read that fails never fails the client's
-// operation: each function says what it then assumes.
-//
-// Thread contract of all functions here: synchronous remote calls on the caller's thread, without
-// state beyond the reference cache (CorbaServerPackManager.h).
+// Every call is a remote call; nothing is cached. No function raises an exception: where a
+// parameter cannot be read, each returns what its comment says.
 #ifndef VQ_CLIENT_COMMON_SESSION_SYSTEMPARAMETERHANDLER_H
 #define VQ_CLIENT_COMMON_SESSION_SYSTEMPARAMETERHANDLER_H
 
@@ -16,17 +13,15 @@
 #include <support/Export.h>
 #include <vq_client_common/session/ServerId.h>
 
-// How strictly the server checks the author of a change: 1 to 3, of which 3 is the most
-// restrictive.
+// How strictly the server checks the author of a change: 1 to 3, where 3 is the most restrictive.
 using SEC_AUTHOR_LVL = int;
 
-// Reads one parameter. False, with `value` as it was, on any failure; the log tells which. Raises
-// nothing.
+// Reads one parameter into `value`. False, with `value` unchanged, on any failure, which is logged.
 VQ_CLIENT_COMMON_API bool GetSystemParameter(const std::string& name, std::string& value,
                                              const std::string& section, SERVER_ID serverId);
 
-// Server parameter "gsr"/"AuthorSecurity". Returns 1; 0, with `message` saying so, when it cannot
-// be read. `level` is 3 then, and also when the value is not within 1 to 3.
+// Sets `level` to the parameter "gsr"/"AuthorSecurity", and to 3 when its value is not 1 to 3.
+// Returns 1; 0, with `level` 3 and a text in `message`, when it cannot be read.
 VQ_CLIENT_COMMON_API int GetSecurityLevel(SEC_AUTHOR_LVL& level, std::string& message);
 
 // "general"/"PermitManualUnlock": true for exactly "1"; false when it cannot be read.
@@ -37,9 +32,9 @@ VQ_CLIENT_COMMON_API bool GetPermitManualUnLock();
 VQ_CLIENT_COMMON_API bool GetApplicationFieldIsMandatoryParameter();
 VQ_CLIENT_COMMON_API bool GetSubApplicationFieldIsMandatoryParameter();
 
-// Whether the server wants a note from the user for an audited operation. The environment variable
-// AuditAnnotationRequired, when it is set, answers instead of the server: "1" is yes, everything
-// else no. False when the server cannot be asked.
+// Whether the server requires the user to annotate an audited operation. The environment variable
+// AuditAnnotationRequired replaces the server's answer when it is set: true for "1", false for any
+// other value. False when the server cannot be asked.
 VQ_CLIENT_COMMON_API bool isAnnotationRequired(const std::string& operation);
 
 #endif  // VQ_CLIENT_COMMON_SESSION_SYSTEMPARAMETERHANDLER_H

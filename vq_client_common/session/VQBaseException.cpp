@@ -9,6 +9,7 @@
 namespace {
 
 TDiagRegister diagModule("VQBaseException");
+TDiagRegister detailedModule("VQDetailedMessageException");
 
 }  // namespace
 
@@ -35,6 +36,26 @@ std::string VQBaseException::getName() {
 
 void VQBaseException::handle() {
   print();
-  // Without an exception in hand there is nothing to raise, and trying would end the process.
+  // A throw without a current exception would end the process.
   if (std::current_exception() != nullptr) throw;
+}
+
+VQDetailedMessageException::VQDetailedMessageException(const char* file, int line,
+                                                       std::string reason, int major, int minor,
+                                                       SEVERITY severity, bool shouldPrint,
+                                                       std::string detailedReason)
+    : VQBaseException(file, line, std::move(reason), major, minor, severity, shouldPrint),
+      m_detailedReason(std::move(detailedReason)) {}
+
+VQDetailedMessageException::~VQDetailedMessageException() = default;
+
+void VQDetailedMessageException::print() {
+  VQBaseException::print();
+  VQ_LOG(detailedModule, 4) << "Detailed Reason:  " << m_detailedReason;
+  std::cerr << m_detailedReason << std::endl;
+}
+
+// Intentional: handlers distinguish the two exceptions by these names.
+std::string VQDetailedMessageException::getName() {
+  return "VQSimpleMessageException";
 }

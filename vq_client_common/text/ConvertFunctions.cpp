@@ -22,7 +22,7 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// `number` with at least `digits` digits, zero-filled behind its minus sign.
+// `number` with at least `digits` digits: zeros are inserted after its minus sign.
 std::string Padded(int number, std::size_t digits) {
   std::string text = std::to_string(number);
   const std::size_t sign = number < 0 ? 1 : 0;
@@ -68,7 +68,7 @@ std::string Interval(std::string_view text) {
 std::string ShiftNum(std::string_view text) {
   if (text.empty()) return {};
   const int number = vq::Atoi(text);
-  // Intentional: a negative number keeps its own sign behind the field's; the server depends on it.
+  // Intentional: a negative number has its own sign after the field's; the server depends on it.
   return number < 0 ? "-" + Padded(number, 1) : "+" + Padded(number, 2);
 }
 
@@ -78,7 +78,7 @@ void AppendRecord(std::string_view line, std::string& buffer) {
   buffer.append(length).append(line);
 }
 
-// Intentional: a record of two or more blanks and nothing else stays; servers hold such lines.
+// Intentional: a record of two or more blanks and nothing else stays; servers store such lines.
 std::string_view Trimmed(std::string_view line) {
   const std::size_t last = line.find_last_not_of(' ');
   if (last != kNone) return line.substr(0, last + 1);
@@ -111,7 +111,7 @@ void FormatShiftNum(const std::string& in, std::string& out) {
 void FormatRetentionValues(const std::string& in, std::string& out, bool wide) {
   const TDiagFunc diag(diagModule, "FormatRetentionValues");
   if (in.empty())
-    return;  // Intentional: `out` stays; screens keep the last value of a field left empty.
+    return;  // Intentional: `out` is unchanged; screens keep the last value of an empty field.
   if (std::all_of(in.begin(), in.end(), IsDigit)) {
     out = Padded(vq::Atoi(in), wide ? 3 : 2);
   } else {
@@ -153,7 +153,7 @@ int ConvertLines2Buffer(const std::string& lines, std::string& buffer, unsigned 
     rest.remove_prefix(last ? rest.size() : end + kLineEnd.size());
     do {
       const std::string_view piece = line.substr(0, maxLine);
-      // Intentional: only a line without a line end is trimmed; the blanks of the others come back.
+      // Intentional: only a line without a line end is trimmed; others keep their blanks.
       AppendRecord(last ? Trimmed(piece) : piece, buffer);
       line.remove_prefix(piece.size());
     } while (!line.empty());
@@ -182,8 +182,7 @@ int ConvertUnixToWindows(const std::string& in, std::string& out) {
   result.reserve(in.size() + in.size() / 16);
   std::string_view rest = in;
   for (std::size_t end; (end = rest.find('\n')) != kNone;) {
-    // Intentional: a CR that stands before the LF gets a second one; only lone LFs are expected
-    // here.
+    // Intentional: a CR before the LF gets a second one; callers pass texts without CR.
     result.append(rest.substr(0, end)).append(kLineEnd);
     rest.remove_prefix(end + 1);
   }

@@ -19,7 +19,7 @@ constexpr std::int32_t kLengthOf11In640 = 4000;
 
 std::int32_t GetFieldLength(QCSFieldName field, bool shortForm) {
   if (field == QCS_FIELD_10 && shortForm) return kShortLengthOf10;
-  const auto index = static_cast<std::uint32_t>(field);  // A negative number becomes a huge one.
+  const auto index = static_cast<std::uint32_t>(field);  // a negative number becomes a large one
   return index < kLengths.size() ? kLengths[index] : 0;
 }
 

@@ -1,9 +1,7 @@
-// The maximal length of a job field, by the field's number.
+// The greatest length of each job field in bytes, for input forms.
 //
-// A client limits what a user types into a field by it. Lengths are in bytes.
-//
-//   GetFieldLength(QCS_FIELD_1, false)   255
-//   GetFieldLength640(QCS_FIELD_10)      30
+//   GetFieldLength(QCS_FIELD_1, false);   // 255
+//   GetFieldLength640(QCS_FIELD_10);      // 30
 #ifndef VQ_CLIENT_COMMON_TEXT_FIELDLENGTH_H
 #define VQ_CLIENT_COMMON_TEXT_FIELDLENGTH_H
 
@@ -11,8 +9,8 @@
 
 #include <support/Export.h>
 
-// The fields have numbers and no names of their own. The type is fixed so that a number from
-// elsewhere, too high or negative, may be cast to it and asked about.
+// The job fields, which have numbers only. The underlying type is fixed, so that any number may be
+// cast to this type.
 enum QCSFieldName : std::int32_t {
   QCS_FIELD_0,
   QCS_FIELD_1,
@@ -48,14 +46,11 @@ enum QCSFieldName : std::int32_t {
   QCS_FIELD_31,
 };
 
-// Thread contract: both functions may be called from any thread.
-
-// The length of `field`, 0 for a number that is no field. `shortForm` matters to QCS_FIELD_10 only,
-// which has 8 bytes with it and 10 without.
+// The length of a field in bytes; 0 for a number that is no field. `shortForm` changes QCS_FIELD_10
+// only: 8 bytes with it, 10 without.
 VQ_CLIENT_COMMON_API std::int32_t GetFieldLength(QCSFieldName field, bool shortForm);
 
-// The same for data centers whose scheduler is of version 640, where QCS_FIELD_10 has 30 bytes and
-// QCS_FIELD_11 has 4000.
+// The same for schedulers of version 640, where QCS_FIELD_10 has 30 bytes and QCS_FIELD_11 4000.
 VQ_CLIENT_COMMON_API std::int32_t GetFieldLength640(QCSFieldName field);
 
 #endif  // VQ_CLIENT_COMMON_TEXT_FIELDLENGTH_H

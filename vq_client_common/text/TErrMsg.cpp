@@ -31,7 +31,7 @@ void TErrMsg::ResetMessage() {
   m_trc = kSuccess;
   m_reservedCode = -1;
   m_index = 0;
-  // Intentional: small letters, unlike a new message's; a printed [unk] tells that it was reset.
+  // Intentional: lower case, unlike in a new message; "[unk]" in a log shows that it was reset.
   m_secondCodeText = "unknown";
 }
 

@@ -1,8 +1,8 @@
-// One message that a server sends about an operation on a member of a list.
+// The messages of a server about an operation on the members of a list.
 //
-// Terms. *TRC* is the message's code: 1 is success, 36 an internal error. *MemName* is the member
-// that the message is about, *Index* its place in the list. A *conversion error* is a failure to
-// bring the message itself into the client's form; it has a text of its own.
+// Terms. *TRC* is the code of a message: 1 is success, 36 an internal error. *MemName* is the name
+// of the member, *Index* its index in the list. A *conversion error* means that the message itself
+// could not be converted to the client's form; it has a text of its own.
 //
 //   TErrMsg message;
 //   message.SetTRC(36);
@@ -17,14 +17,13 @@
 #include <support/Export.h>
 #include <vq_client_common/text/BaseString.h>
 
-// Thread contract: an object belongs to its caller. Copying copies every field, the reserved ones
-// included.
+// One message of a server.
 class VQ_CLIENT_COMMON_API TErrMsg {
  public:
   // A valid message: TRC 1, no conversion error, no text.
   TErrMsg() = default;
 
-  // ---- The fields as they are stored; the banner tells what each means. Any value is taken.
+  // ---- The stored fields; the top of this file explains them. Any value is accepted.
   BaseString GetMemName() const { return m_memName; }
   void SetMemName(const BaseString& memName) { m_memName = memName; }
 
@@ -42,16 +41,16 @@ class VQ_CLIENT_COMMON_API TErrMsg {
   BaseString GetConvertMsg() const { return m_convertMsg; }
   void SetConvertMsg(const BaseString& message) { m_convertMsg = message; }
 
-  // One line of five columns parted by tabs: the first code text and, in brackets, the second, each
-  // of exactly three characters; the index in brackets with at least two digits; TRC; the message.
-  // At most 999 bytes, the rest is cut.
+  // One line with tabs between its columns: the first code text and, in brackets, the second, each
+  // of three characters; in brackets the index with at least two digits; TRC; the message. At most
+  // 999 bytes; the rest is cut.
   BaseString GetAsString() const;
 
-  bool IsValidMessage() const;  // TRC is 1 and there is no conversion error
-  bool IsInternalErr() const;   // TRC is 36
+  bool IsValidMessage() const;  // whether TRC is 1 and there is no conversion error
+  bool IsInternalErr() const;   // whether TRC is 36
 
-  // Empties the message and sets TRC to 1, the index to 0 and the code texts. The conversion error,
-  // its text and MemName stay, so a reset message is valid only without a conversion error.
+  // Empties the text, sets TRC to 1 and the index to 0, and resets the code texts. The conversion
+  // error, its text and MemName are unchanged, so a message with a conversion error stays invalid.
   void ResetMessage();
 
  private:
@@ -67,23 +66,25 @@ class VQ_CLIENT_COMMON_API TErrMsg {
   BaseString m_convertMsg;
 };
 
-// The messages of one answer of a server, in the order of adding.
+// The messages of one reply of a server, in the order in which they were added.
 //
 //   TErrMsgs messages;
-//   messages.AddMsg(message);
-//   for (std::uint32_t i = 0; i < messages.GetSize(); ++i) Show(messages.GetMsgRef(i));
+//   messages.AddMsg(TErrMsg());
+//   for (std::uint32_t i = 0; i < messages.GetSize(); ++i) {
+//     Show(messages.GetMsgRef(i).GetAsString().c_str());
+//   }
 class VQ_CLIENT_COMMON_API TErrMsgs {
  public:
-  // Appends a copy. References to elements are no longer valid then. A list at its size limit
-  // raises std::length_error "vector<T> too long".
+  // Appends a copy. References to elements become invalid. Raises std::length_error "vector<T> too
+  // long" when the list is full.
   void AddMsg(const TErrMsg& message);
-  // Makes the list empty.
+  // Removes all messages.
   void RemoveAll() { m_messages.clear(); }
   // The number of messages.
   std::uint32_t GetSize() const { return static_cast<std::uint32_t>(m_messages.size()); }
 
-  // The element at `index`, from 0: itself, a copy, itself. An index at or beyond the size raises
-  // std::out_of_range "invalid vector<T> subscript".
+  // The message at `index`, from 0 on: a reference, a copy, a reference. Raises std::out_of_range
+  // "invalid vector<T> subscript" for an index that is not below GetSize().
   TErrMsg& GetMsg(std::uint32_t index);
   TErrMsg GetMsg(std::uint32_t index) const { return GetMsgRef(index); }
   const TErrMsg& GetMsgRef(std::uint32_t index) const;

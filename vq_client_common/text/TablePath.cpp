@@ -8,7 +8,7 @@ namespace {
 using vq::kTablePathSeparator;
 constexpr std::size_t kNone = std::string_view::npos;
 
-// Sets both outputs at the end, so that either may be the text that the views look into.
+// Sets both outputs at the end, since the views may point into one of them.
 void SetBoth(std::string_view newLeft, std::string_view newRight, std::string& left,
              std::string& right) {
   std::string leftText(newLeft);
@@ -21,7 +21,7 @@ void SetBoth(std::string_view newLeft, std::string_view newRight, std::string& l
 
 bool AppendToTablePath(const std::string& path, const std::string& name, std::string& out) {
   if (path.empty()) {
-    // Meant: `out` is not cleared here; callers that collect names in it depend on that.
+    // Intentional: `out` is not cleared; callers that collect names in it depend on that.
     out += name;
     return true;
   }
@@ -56,7 +56,8 @@ bool SplitLeftMost(const std::string& path, std::string& left, std::string& righ
 bool SplitRightMost(const std::string& path, std::string& left, std::string& right) {
   const std::string_view text = path.c_str();
   const std::size_t position = text.rfind(kTablePathSeparator);
-  // Meant: without a separator both outputs are the path; callers tell an outermost table by it.
+  // Intentional: without a separator both outputs are the path; callers recognise an outermost
+  // table by that.
   const std::string_view behind =
       position == kNone ? text : text.substr(position + kTablePathSeparator.size());
   SetBoth(text.substr(0, position), behind, left, right);
@@ -68,7 +69,7 @@ bool IsOuterMostTableName(const std::string& path) {
 }
 
 bool DoesTableBelongToTable(const std::string& first, const std::string& second) {
-  // Meant: a path that holds the other does not belong to it; clients are built on that answer.
+  // Intentional: false for a path that contains the other; clients depend on that answer.
   if (second.find(first) != kNone) return false;
   if (first.size() == second.size()) return true;
   if (second.size() < first.size() + 2) return false;

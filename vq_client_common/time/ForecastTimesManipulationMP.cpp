@@ -1,13 +1,14 @@
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
 
-#include <array>
-#include <charconv>
-#include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include <support/diagnostics/TDiag.h>
 #include <support/os_toolkit/Atoi.h>
+#include <support/os_toolkit/os_toolkit_error.h>
 #include <vq_idl/AdministrationRecordsC.h>
 
 namespace {
@@ -26,17 +27,17 @@ std::string Copy(const char* text) {
   return text != nullptr ? text : "";
 }
 
-// The seconds after midnight of a new-day text; none for a text that is no such thing.
+// The seconds after midnight of a new-day text; empty for a text that Init cannot use.
 std::optional<std::int32_t> ReadNewDay(std::string_view newDay) {
   if (newDay.empty() || newDay == "0000") return 0;
-  // Meant so: "0700" is refused, as all that has not five characters; servers write "07:00".
+  // Intentional: "0700" is refused, like any other text without five characters; servers send five.
   if (newDay.size() != 5) return std::nullopt;
   const int hours = vq::Atoi(newDay.substr(0, 3));
   const int minutes = vq::Atoi(newDay.substr(3));
   return (hours * 60 + minutes) * 60;
 }
 
-// A summer mark, YYYYMMDD. Characters may be missing from the seventh on; a shorter text raises
+// A summer mark, YYYYMMDD, whose day may be missing. A text of fewer than six characters raises
 // std::out_of_range.
 struct SummerMark {
   explicit SummerMark(const std::string& text)
@@ -64,29 +65,6 @@ std::optional<DayTime> Split(std::int32_t t) {
                  t % 60};
 }
 
-// Texts of times are made for every cell of a list, so they are put together without a format
-// string. The longest is "(-24855)-23:-59:-59".
-using TimeBuffer = std::array<char, 32>;
-
-// As "%d" prints it; `out` has room for eleven characters.
-char* PutNumber(char* out, int value) {
-  return std::to_chars(out, out + 11, value).ptr;
-}
-
-// As "%02d" prints it.
-char* PutTwoDigits(char* out, int value) {
-  const auto digits = static_cast<unsigned>(value);
-  if (digits >= 100) [[unlikely]]
-    return PutNumber(out, value);
-  *out++ = static_cast<char>('0' + digits / 10);
-  *out++ = static_cast<char>('0' + digits % 10);
-  return out;
-}
-
-std::string Text(const TimeBuffer& buffer, const char* end) {
-  return std::string(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-}
-
 }  // namespace
 
 void ForecastTimesManipulationMP::Init(const os_time_and_date& now, bool convertLocally,
@@ -104,7 +82,7 @@ void ForecastTimesManipulationMP::Init(const os_time_and_date& now, bool convert
     if (!newDayOffset) {
       VQ_LOG(diag, 4) << "Invalid new day time format (" << newDay << ") for datacenter " << name
                       << ", skip it";
-      // Meant so: the record is read afresh until it is usable; a table must not lack a record.
+      // Intentional: the same record is read again; a table must not lack a record.
       continue;
     }
     const std::string timeZone = Copy(record.m_TimeZone);
@@ -132,6 +110,33 @@ void ForecastTimesManipulationMP::Init(const os_time_and_date& now, bool convert
 
 bool ForecastTimesManipulationMP::IsUsableNewDay(const std::string& newDay) {
   return ReadNewDay(newDay).has_value();
+}
+
+std::optional<std::uint32_t> ForecastTimesManipulationMP::FirstUnusableRecord(
+    const QCSCommAdminSeq& records, bool useOdat, std::string& reason) {
+  QCSCommAdminSeq one;
+  one.length(1);
+  for (CORBA::ULong i = 0; i < records.length(); ++i) {
+    const std::string newDay = Copy(records[i].m_NewDayTime);
+    if (!IsUsableNewDay(newDay)) {
+      reason = "the new-day time '" + newDay + "' has not five characters, such as '+0700'";
+      return i;
+    }
+    try {
+      one[0] = records[i];
+      ForecastTimesManipulationMP().Init({}, false, &one, useOdat);
+    } catch (const std::out_of_range&) {
+      reason = "the time zone '" + Copy(records[i].m_TimeZone) +
+               "' has no hours before its minutes, or the summer marks '" +
+               Copy(records[i].m_StartSummerTime) + "' and '" + Copy(records[i].m_EndSummerTime) +
+               "' are not two dates YYYYMMDD";
+      return i;
+    } catch (const os_toolkit_error& e) {
+      reason = e.what();
+      return i;
+    }
+  }
+  return std::nullopt;
 }
 
 const os_time_zone& ForecastTimesManipulationMP::GetOsTimeZone(
@@ -178,22 +183,10 @@ std::string ForecastTimesManipulationMP::ConvertTimeToStrWithDays(std::int32_t t
                                                                   bool withSeconds) {
   const std::optional<DayTime> parts = Split(t);
   if (!parts) return {};
-  TimeBuffer buffer;
-  char* end = buffer.data();
-  if (const int day = parts->day; day != 0) {
-    *end++ = '(';
-    *end++ = day < 0 ? '-' : '+';
-    end = PutNumber(end, day < 0 ? -day : day);
-    *end++ = ')';
-  }
-  end = PutTwoDigits(end, parts->hour);
-  *end++ = ':';
-  end = PutTwoDigits(end, parts->minute);
-  if (withSeconds) {
-    *end++ = ':';
-    end = PutTwoDigits(end, parts->second);
-  }
-  return Text(buffer, end);
+  std::string text = parts->day != 0 ? fmt::format("({:+})", parts->day) : "";
+  text += fmt::format("{:02}:{:02}", parts->hour, parts->minute);
+  if (withSeconds) text += fmt::format(":{:02}", parts->second);
+  return text;
 }
 
 std::string ForecastTimesManipulationMP::ConvertTimeToString(long long t,
@@ -206,11 +199,7 @@ std::string ForecastTimesManipulationMP::ConvertTimeToString(long long t,
                   << "',Time will be converted to NO_TIME";
   if (t > NORMAL_OFFSET_IN_SEC) return {};
   const auto low = static_cast<std::int32_t>(Low32(t));
-  TimeBuffer buffer;
-  char* end = PutTwoDigits(buffer.data(), low / 3600 % 24);
-  *end++ = ':';
-  end = PutTwoDigits(end, low / 60 % 60);
-  return Text(buffer, end);
+  return fmt::format("{:02}:{:02}", low / 3600 % 24, low / 60 % 60);
 }
 
 int ForecastTimesManipulationMP::GetUtcOffset(const std::string& timeZoneText) {
@@ -231,7 +220,7 @@ int ForecastTimesManipulationMP::GetUtcOffset(const std::string& timeZoneText) {
   const std::size_t signAt = inner.find_first_of("+-");
   const bool negative = signAt != std::string::npos && inner[signAt] == '-';
 
-  // Meant so: substr raises for fewer than two characters there; callers see a bad text by that.
+  // Intentional: substr raises for fewer than two characters; callers recognise a bad text by that.
   const int hours = vq::Atoi(inner.substr(separator - 2, 2));
   const int minutes = vq::Atoi(std::string_view(inner).substr(separator + 1));
   const std::uint32_t west = 0U - (Low32(hours) * 60U + Low32(minutes)) * 60U;
@@ -265,7 +254,8 @@ const DcTimeInfo* ForecastTimesManipulationMP::FindDcTimeInfo(const std::string&
 const QCSCommAdminStruct* ForecastTimesManipulationMP::GetCommAdminStructByDc(
     const QCSCommAdminSeq& records, const std::string& dataCenter) {
   for (CORBA::ULong i = 0; i < records.length(); ++i) {
-    // Meant so: addresses are compared, not texts; callers rely on null for a copy of the name.
+    // Intentional: addresses are compared, not texts; callers depend on null for a copy of the
+    // name.
     const char* const name = records[i].m_Name;
     if (name == dataCenter.c_str()) return &records[i];
   }
@@ -274,7 +264,7 @@ const QCSCommAdminStruct* ForecastTimesManipulationMP::GetCommAdminStructByDc(
 
 std::int64_t ForecastTimesManipulationMP::GetUtcTime_T(const os_time_and_date& instant) {
   const os_time_period since1970 = instant.utc_time_and_date() - kSecondsTo1970;
-  // Meant so: absolute times are 32-bit numbers on the wire, so this wraps as they do.
+  // Intentional: absolute times have 32 bits on the wire, so this wraps as they do.
   return static_cast<std::int32_t>(Low32(since1970.to_seconds()));
 }
 

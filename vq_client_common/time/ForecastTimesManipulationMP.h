@@ -1,26 +1,31 @@
-// Turns forecast times into what a data center's clock shows.
+// Converts forecast times to the local times of data centers.
 //
-// Terms. An *absolute* time is seconds since 1970-01-01 00:00 UTC. A *relative* time is seconds
-// since 00:00 of the third day before a data center's *working date* (its ODAT), so that it stays
-// positive for times a little before that date: NORMAL_OFFSET_IN_SEC is 00:00 of the working date,
-// which is day 0. The *new-day time* is when a data center's scheduling day begins. The *summer
-// marks* are two texts YYYYMMDD between which a data center's clock is an hour ahead. NO_TIME marks
-// a time that is absent; it passes through conversions and shows as an empty text.
+// Terms. An *absolute* time is in seconds since 1970-01-01 00:00 UTC. A *relative* time is in
+// seconds since 00:00 of the third day before a data center's *working date* (its ODAT), so that
+// times before that date are positive, too: NORMAL_OFFSET_IN_SEC is 00:00 of the working date,
+// which is day 0. The *new-day time* is the time at which a data center's scheduling day begins;
+// datacenters/TDC.h has a table of its texts. The *summer marks* are two dates YYYYMMDD between
+// which a data center's clock is one hour ahead. NO_TIME is the value for no time.
 //
-//   QCSCommAdminSeq records;   // as the server sent them
+//   QCSCommAdminSeq records;   // from the server
+//   std::string reason;
+//   if (const auto bad = ForecastTimesManipulationMP::FirstUnusableRecord(records, true, reason)) {
+//     std::cerr << records[*bad].m_Name.in() << ": " << reason << '\n';
+//     return 1;
+//   }
 //   ForecastTimesManipulationMP times;
 //   times.Init(os_time_and_date::now(), true, &records, true);
-//   times.ConvertTimeToString(1719817200, "DC1");                // "(+1)07:00:00", say
+//   Show(times.ConvertTimeToString(1719817200, "DC1"));   // such as "(+1)07:00:00"
 //
-// One zone is kept for each distinct combination of time-zone text and summer marks, for the life
-// of the object. Summer marks set a yearly rule for the years from that of the start to that of the
-// end; os_simple_time_zone_rule tells what it covers.
+// Summer marks define a rule for each year from that of the start to that of the end
+// (os_simple_time_zone_rule.h).
 #ifndef VQ_CLIENT_COMMON_TIME_FORECASTTIMESMANIPULATIONMP_H
 #define VQ_CLIENT_COMMON_TIME_FORECASTTIMESMANIPULATIONMP_H
 
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <support/Export.h>
@@ -28,113 +33,119 @@
 #include <support/os_toolkit/os_time_and_date.h>
 #include <support/os_toolkit/os_time_zone.h>
 
-// The mark for a time that is absent, in every time field of the suite. It stands just under the
-// largest value of 32 bits; conversions pass it through, and it shows as an empty text.
+// The value for no time, in every time field of the suite. Conversions return it unchanged, and its
+// text is empty.
 inline constexpr std::int32_t NO_TIME = 2147483638;
 
-// What is known of one data center's clock: one entry of the table. The *working date* is the date
-// of the scheduling day that jobs run in; it begins at the *new-day time*, which need not be
-// midnight.
+// The clock of one data center.
 struct DcTimeInfo {
-  const os_time_zone* zone;   // not owned; one of the table's zones
-  std::int32_t newDayOffset;  // seconds after midnight at which the scheduling day begins
+  const os_time_zone* zone;   // owned by the table
+  std::int32_t newDayOffset;  // the new-day time, in seconds after midnight
   os_date date;               // the working date
   std::int32_t utcOffset;     // seconds to add to local time at the new-day time to get UTC
-  std::int64_t midnight;      // 00:00 of the date in the zone, in seconds since 1970 UTC
+  std::int64_t midnight;      // the absolute time of 00:00 of the date in the zone
 };
 
 // The server's administration records: <vq_idl/AdministrationRecordsC.h>.
 struct QCSCommAdminStruct;
 class QCSCommAdminSeq;
 
-// Thread contract: one thread at a time; nothing is locked, and Init empties the table in place.
-// The static functions that convert may be called from any thread.
-//
-// The destructor is not virtual: an object is not deleted through a pointer to this base. Copies
-// share the zones, which do not change once they are made.
+// A table of the clocks of data centers, and conversions of times. Copies share the zones, which
+// never change. The destructor is not virtual: do not delete an object through a pointer to this
+// class.
 class VQ_CLIENT_COMMON_API ForecastTimesManipulationMP {
  public:
-  // Days before the working date at which relative times begin.
+  // The days from the start of relative times to the working date.
   static constexpr std::int32_t DAYS_OFFSET = 3;
-  // Seconds of a day.
+  // The seconds of a day.
   static constexpr std::int32_t SIMUL_DAY_TIME_IN_SEC = 86400;
   // The relative time of 00:00 of the working date, in seconds.
   static constexpr std::int32_t NORMAL_OFFSET_IN_SEC = DAYS_OFFSET * SIMUL_DAY_TIME_IN_SEC;
 
-  // Knows no data center; the reference time is 1970-01-01 00:00 UTC.
+  // An empty table; the reference time is 1970-01-01 00:00 UTC.
   ForecastTimesManipulationMP() = default;
 
-  // Rebuilds the table from the records, which are only read and must not be null. With `useOdat`
-  // each data center gets its own working date from its record, or today's (UTC) when the record
-  // has none; without it all get the date of `now`.
+  // Builds the table from the records, which are not changed; `records` must not be null. With
+  // `useOdat`, each data center has the working date of its record, or today's (UTC) when its ODAT
+  // has not eight characters; without it, all have the date of `now`. IsConvertTimeLocally returns
+  // `convertLocally`.
   //
-  // A record whose new-day text IsUsableNewDay refuses is logged and taken up again for as long as
-  // it stands in the sequence, so Init does not return: ask IsUsableNewDay of every record first.
-  //
-  // Raises std::out_of_range for summer marks of which one has 8 characters and the other fewer
-  // than 6, and for an offset in whose brackets fewer than two characters stand before the
-  // separator; os_toolkit_error for a working date that the calendar does not have. The records
-  // before the one that raised are then in the table.
+  // Call FirstUnusableRecord before. With a record whose new-day text is unusable, Init never
+  // returns: it logs the record and reads it again, since the table must not lack a record. Init
+  // raises std::out_of_range for unusable summer marks and UTC offsets, os_toolkit_error for an
+  // impossible working date. The records before are then in the table.
   void Init(const os_time_and_date& now, bool convertLocally, QCSCommAdminSeq* records,
             bool useOdat);
 
-  // Whether Init takes a record with this new-day text: five characters such as "07:30", "0000", or
-  // none. Clients ask this before Init, because one other text in the sequence holds Init for ever.
+  // The index of the first record that Init cannot use, with the reason, in one line, in `reason`;
+  // empty, with `reason` unchanged, when Init can use all records.
+  static std::optional<std::uint32_t> FirstUnusableRecord(const QCSCommAdminSeq& records,
+                                                          bool useOdat, std::string& reason);
+
+  // Whether Init can use this new-day text: five characters such as "+0730" or "07:30", "0000", or
+  // an empty text.
   static bool IsUsableNewDay(const std::string& newDay);
 
-  // A mark for clients; no conversion here asks it.
+  // A flag for client programs, which no conversion uses.
   void SetConvertTimeLocally(bool convertLocally) { m_convertTimeLocally = convertLocally; }
   bool IsConvertTimeLocally() const { return m_convertTimeLocally; }
 
-  // The data center's zone, valid as long as this object and not past an assignment to it.
-  // os_time_zone::greenwich() for an unknown name, which is logged.
+  // The data center's zone, owned by this object, valid until it is assigned to. For an unknown
+  // name, which is logged, os_time_zone::greenwich().
   const os_time_zone& GetOsTimeZone(const std::string& dataCenter) const;
 
-  // 00:00 of the working date in the data center's zone, as an absolute time within 32 bits. For an
-  // unknown name, which is logged, the reference time: the last one given to Init or read by it.
+  // The absolute time of 00:00 of the working date in the data center's zone, limited to 32 bits.
+  // For an unknown name, which is logged, the reference time: `now` of Init, or the last working
+  // date.
   std::int64_t GetOdatMidnightForDc(const std::string& dataCenter) const;
 
-  // Moves a time from one base to another in 32-bit arithmetic that wraps: t - oldBase + newBase.
-  // With a data center's midnight and NORMAL_OFFSET_IN_SEC it makes an absolute time relative.
+  // t - oldBase + newBase, in 32-bit arithmetic that wraps; NO_TIME for NO_TIME. With a data
+  // center's midnight as `oldBase` and NORMAL_OFFSET_IN_SEC as `newBase`, an absolute time becomes
+  // relative.
   static std::int32_t ConvertTimeT(long long t, int newBase, long long oldBase);
 
-  // The relative time of a day counted from the working date and a time on it. Nothing is checked;
-  // the arithmetic wraps in 32 bits.
+  // The relative time of a time on a day, counted from the working date. The arguments are not
+  // checked; the arithmetic wraps in 32 bits.
   static std::int32_t ConvertToTime(int day, int hour, int minute, int second);
 
-  // The reverse. False, with the outputs as they were, for a negative time and from NO_TIME on.
+  // The parts of a relative time. False, with the outputs unchanged, for a negative time and for
+  // NO_TIME and above.
   static bool ConvertTimeToDayHourMin(std::int32_t t, int& day, int& hour, int& minute,
                                       int& second);
 
-  // A relative time as "07:05", with seconds as "07:05:09"; outside day 0 the day in front, as in
-  // "(+1)07:05". Empty for what ConvertTimeToDayHourMin refuses.
+  // A relative time as "07:05", with seconds as "07:05:09", with the day before it unless that is
+  // 0:
+  // "(+1)07:05". Empty for a time that ConvertTimeToDayHourMin refuses.
   static std::string ConvertTimeToStrWithDays(std::int32_t t, bool withSeconds);
 
-  // An absolute time as the data center's clock shows it, in the form of ConvertTimeToStrWithDays
-  // with seconds. Empty for NO_TIME. For an unknown name, which is logged: a time up to
-  // NORMAL_OFFSET_IN_SEC as "HH:MM" on a clock of UTC, any other as an empty text.
+  // An absolute time as the local time of a data center, in the form of ConvertTimeToStrWithDays
+  // with seconds; empty for NO_TIME. For an unknown name, which is logged: "HH:MM" in UTC for a
+  // time up to NORMAL_OFFSET_IN_SEC, empty for any other.
   virtual std::string ConvertTimeToString(long long t, const std::string& dataCenter) const;
 
  protected:
-  // The seconds to add to local time to get UTC, from a text with an offset in brackets:
-  // "(GMT+02:00) Jerusalem" gives -7200. 0 for a text without; missing brackets are logged. Raises
-  // std::out_of_range when fewer than two characters stand between "(" and the ":" or ".".
+  // The seconds to add to local time to get UTC, from a text with an offset in brackets: -7200 for
+  // "(GMT+02:00) Jerusalem". 0 for a text without one; missing brackets are logged. Raises
+  // std::out_of_range for fewer than two characters between "(" and ":" or ".".
   int GetUtcOffset(const std::string& timeZoneText);
 
-  // The zone kept under `key`, made of the other arguments when there is none. This object owns it.
-  // Raises as Init tells of summer marks and offsets; then nothing is kept.
+  // The zone that is stored under `key`, or else a new zone from the other arguments. Owned by this
+  // object. Raises std::out_of_range when one summer mark has at least 8 characters and the other
+  // fewer than 6, and as GetUtcOffset does.
   const os_time_zone* GetOsTimeZone(const std::string& key, const std::string& timeZoneText,
                                     const std::string& summerStart, const std::string& summerEnd,
                                     int adjustmentHours);
 
-  // The entry of a data center; null for an unknown name. Valid until Init or assignment.
+  // The entry of a data center, owned by this object, valid until Init or an assignment; null for
+  // an unknown name.
   const DcTimeInfo* FindDcTimeInfo(const std::string& dataCenter) const;
 
-  // The record whose name is held in the very buffer of `dataCenter`; null when there is none.
+  // The record whose name has the same address as the characters of `dataCenter`; null without one.
+  // Equal texts are not enough.
   static const QCSCommAdminStruct* GetCommAdminStructByDc(const QCSCommAdminSeq& records,
                                                           const std::string& dataCenter);
 
-  // An instant as seconds since 1970-01-01 00:00 UTC, reduced to 32 bits.
+  // An instant as an absolute time, limited to 32 bits.
   static std::int64_t GetUtcTime_T(const os_time_and_date& instant);
 
  private:
@@ -144,7 +155,7 @@ class VQ_CLIENT_COMMON_API ForecastTimesManipulationMP {
   os_time_and_date m_referenceTime;
   bool m_convertTimeLocally = false;
   std::map<std::string, std::shared_ptr<const os_time_zone>> m_zones;
-  std::map<std::string, DcTimeInfo> m_dataCenters;  // points into m_zones, so it goes first
+  std::map<std::string, DcTimeInfo> m_dataCenters;  // points into m_zones
 };
 
 #endif  // VQ_CLIENT_COMMON_TIME_FORECASTTIMESMANIPULATIONMP_H

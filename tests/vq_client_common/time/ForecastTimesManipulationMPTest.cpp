@@ -86,8 +86,8 @@ TEST_F(ForecastTimesTest, ReadsTheOffsetInTheBrackets) {
 
 TEST_F(ForecastTimesTest, ReadsTheNewDay) {
   const std::pair<const char*, std::int32_t> usable[] = {
-      {"", 0},          {"0000", 0},       {"07:30", 27000},  {"+7:30", 27000},
-      {"-1:30", -1800}, {"07030", 253800}, {"99:99", 362340}, {"abcde", 0}};
+      {"", 0},           {"0000", 0},      {"07:30", 27000},  {"+7:30", 27000},  {"+0700", 25200},
+      {"-0700", -25200}, {"-1:30", -1800}, {"07030", 253800}, {"99:99", 362340}, {"abcde", 0}};
   for (const auto& [text, seconds] : usable) {
     EXPECT_TRUE(OpenForecastTimes::IsUsableNewDay(text)) << text;
     Init({Record("(GMT)", text)});
@@ -95,6 +95,32 @@ TEST_F(ForecastTimesTest, ReadsTheNewDay) {
   }
   for (const char* text : {"0700", "0", "0000 0", "7:00"}) {
     EXPECT_FALSE(OpenForecastTimes::IsUsableNewDay(text)) << text;
+  }
+}
+
+TEST_F(ForecastTimesTest, FindsTheFirstUnusableRecord) {
+  const struct {
+    QCSCommAdminStruct record;
+    bool useOdat;
+    const char* reason;
+  } cases[] = {
+      {Record("(GMT)", "0700"), false,
+       "the new-day time '0700' has not five characters, such as '+0700'"},
+      {Record("(1:00)"), false, "the time zone '(1:00)' has no hours before its minutes, "},
+      {Record("(GMT)", "", "", "20240331"), false, "summer marks '20240331' and '' are not"},
+      {Record("(GMT)", "", "20240230"), true, "no such date: 2024-02-30"},
+  };
+  m_records.length(3);
+  m_records[0] = m_records[2] = Record("(GMT)", "+0700", "20240701");
+  for (const auto& row : cases) {
+    std::string reason = "none";
+    m_records[1] = m_records[0];
+    EXPECT_EQ(ForecastTimesManipulationMP::FirstUnusableRecord(m_records, row.useOdat, reason),
+              std::nullopt);
+    EXPECT_EQ(reason, "none");
+    m_records[1] = row.record;
+    EXPECT_EQ(ForecastTimesManipulationMP::FirstUnusableRecord(m_records, row.useOdat, reason), 1U);
+    EXPECT_NE(reason.find(row.reason), std::string::npos) << reason;
   }
 }
 

@@ -21,7 +21,7 @@ TDiagRegister diagModule("DomainTrial");
 
 constexpr std::string_view kTrialScope = "Test";
 
-// Whether a scope's name is that of a trial whose process has ended.
+// Whether a scope belongs to a trial whose process has ended.
 bool IsLeftBehind(std::string_view scope) {
   if (!scope.starts_with(kTrialScope)) return false;
   pid_t process = 0;
@@ -51,12 +51,12 @@ TrialScope::TrialScope(ConfigAPI& domain, bool biDir, const std::string& address
   const TDiagFunc diag(diagModule, "TrialScope::TrialScope");
   std::map<std::string, std::string> inForce;
   m_domain.GetScopeAndDefaultVars(m_name, inForce);
-  // Names alone: a domain may hold variables of others, and secrets among them.
+  // Only names: the domain may contain other programs' variables, also secret ones.
   for (const auto& [name, value] : inForce) VQ_LOG(diag, 5) << "The trial inherits " << name;
   Set(orb::kBiDirPolicy, biDir ? "1" : "0");
   Set(orb::kListenEndpoints, TrialEndpoint(address, isMask));
   if (isMask) Set(orb::kPreferIpMask, address);
-  // Intentional: a failure goes unnoticed by the caller. The trial has its settings all the same.
+  // Intentional: the caller is not informed of a failure; the trial has its settings anyway.
   if (!m_domain.Save()) {
     VQ_LOG(diag, 1) << "The settings of the trial cannot be saved: " << m_domain.Error();
   }

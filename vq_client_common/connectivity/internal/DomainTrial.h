@@ -1,5 +1,5 @@
-// What one trial of a callback sets up and takes away again: a scope of settings in the
-// configuration domain, and a private ORB that uses them.
+// The resources of one callback trial: a scope in the configuration domain, and an ORB that uses
+// its settings.
 //
 //   SweepTrialScopes(domain);
 //   const TrialScope scope(domain, biDir, address, isMask);
@@ -18,12 +18,12 @@ namespace vq::connectivity {
 
 inline constexpr const char* kDefaultScope = "default";
 
-// Removes the scopes of processes that have ended, which were killed in the middle of a trial. The
-// next Save of the domain writes that.
+// Removes the scopes of processes that were killed during a trial. The next Save of the domain
+// writes the change.
 void SweepTrialScopes(ConfigAPI& domain);
 
-// The scope "Test" + process id, in the domain's file for as long as the object lives.
-// Thread contract: one thread, one object a process.
+// The scope "Test" + process id, which is in the domain's file during the life of the object. Only
+// one object may exist at a time.
 class TrialScope {
  public:
   TrialScope(ConfigAPI& domain, bool biDir, const std::string& address, bool isMask);
@@ -33,8 +33,8 @@ class TrialScope {
 
   const std::string& Name() const { return m_name; }
 
-  // The trial's settings as a command line, which wins over the domain: what is tried depends
-  // neither on whether the scope could be saved nor on what another client does to the domain.
+  // The trial's settings as a command line, which overrides the domain: the trial must not depend
+  // on whether the scope was saved, or on other clients that write the domain.
   const std::vector<std::string>& Arguments() const { return m_arguments; }
 
  private:
@@ -45,8 +45,8 @@ class TrialScope {
   std::vector<std::string> m_arguments{"trial"};
 };
 
-// ORB number 2, from its start until the object goes.
-// Thread contract: one thread, one object a process.
+// ORB number 2: the constructor starts it, the destructor ends it. Only one object may exist at a
+// time.
 class TrialOrb {
  public:
   explicit TrialOrb(const TrialScope& scope);

@@ -1,12 +1,13 @@
-// What a file of the session calls of files that are built on it, so that it includes none of them.
+// Functions of the session that are declared below the files that define them, so that no two
+// headers include each other.
 //
-// A login loads authorizations and may try a callback, and both of those need the session:
-// authorizations/ and connectivity/ define these (authorizations/Collaborators.cpp,
-// connectivity/Collaborators.cpp). Within the session the settings read a parameter, and a
-// parameter is read with the settings.
+// A login loads authorizations and may test a callback; authorizations/ and connectivity/, which
+// are built on the session, define the functions for that. Within the session, the settings read a
+// parameter, and the parameters need the settings.
 #ifndef VQ_CLIENT_COMMON_SESSION_INTERNAL_COLLABORATORS_H
 #define VQ_CLIENT_COMMON_SESSION_INTERNAL_COLLABORATORS_H
 
+#include <optional>
 #include <string>
 
 #include <support/Export.h>
@@ -21,11 +22,17 @@ VQ_CLIENT_COMMON_API bool GetSystemParameter(const std::string& name, std::strin
 
 namespace vq::session {
 
-// Defined in LoginHandler.cpp: settings and server kind of the process's session.
+// Defined in LoginHandler.cpp: the settings and the server kind of the process's session.
 ConnectionSettings* SessionSettings();
 SERVER_ID SessionServerId();
 
-// Defined in authorizations/. The caller of New owns the result and gives it to Delete.
+// Defined in SystemParameterHandler.cpp: the time-out that the client requests for its session, in
+// seconds. The first is the profile setting [Orb Parameters] RegisterTimeOut, which may be 0 or
+// negative; the second is the result of GL_GetCRBRegisterTimeOut.
+std::optional<int> ProfileTimeOut();
+long ConfiguredTimeOut();
+
+// Defined in authorizations/. The caller owns the result of New and of Copy, for Delete.
 UserAuthorizations* NewUserAuthorizations();
 void DeleteUserAuthorizations(UserAuthorizations* authorizations);
 UserAuthorizations* CopyUserAuthorizations(const UserAuthorizations& authorizations);
@@ -33,7 +40,7 @@ int LoadUserAuthorizations(UserAuthorizations& authorizations, const std::string
 void ResetUserAuthorizations(UserAuthorizations& authorizations);
 bool IsAdministrator(const UserAuthorizations& authorizations);
 
-// Defined in connectivity/: whether the session's server can call this client back.
+// Defined in connectivity/: whether the session's server can call this client back. Never raises.
 bool TestSessionCallback();
 
 }  // namespace vq::session

@@ -17,7 +17,7 @@ bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
   const bool found = AccountName(m_account, accountSize);
   VQ_LOG(diag, 5) << "GetUserName/getpwuid resulted with rc=" << found
                   << " SystemUserName=" << m_account;
-  // The name decides, not the call's result.
+  // Intentional: an empty name is the failure, not the call's result.
   if (m_account.empty()) {
     orb::NoteCause("the account of this process has no name");
     VQ_LOG(diag, 1) << "couldn't get system user name.";

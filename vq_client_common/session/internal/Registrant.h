@@ -1,4 +1,4 @@
-// Who registers: host and account of this process, and the password as a registration sends it.
+// The client's part of a registration: host, account and password as the server receives them.
 #ifndef VQ_CLIENT_COMMON_SESSION_INTERNAL_REGISTRANT_H
 #define VQ_CLIENT_COMMON_SESSION_INTERNAL_REGISTRANT_H
 
@@ -12,16 +12,16 @@
 
 namespace vq::session {
 
-// Both steps return false, with a line at level 1 in the caller's scope, when the registration
-// cannot go on.
+// Collects what a registration sends. Both steps return false, and log a line at level 1 in the
+// caller's scope, when the registration cannot continue; GL_GetFailureCause then returns the cause.
 class Registrant {
  public:
-  // Asks the host for its name and the account's. An account name of `accountSize` bytes, its
-  // closing zero byte included, still fits.
+  // Finds the names of the host and of the process's account. The account's name may have up to
+  // `accountSize` - 1 bytes.
   bool FindNames(const TDiagFunc& diag, std::size_t accountSize);
 
-  // The password of the settings: plain, encoded, or as the answer to a challenge of the server.
-  // Raises CORBA::SystemException.
+  // Takes the password of the settings: plain, encoded, or as the response to a challenge, which it
+  // gets from the server. Raises CORBA::SystemException.
   bool FindPassword(const ConnectionSettings& settings, QCSCorbaUsersManager_ptr users,
                     const TDiagFunc& diag);
 

@@ -1,4 +1,4 @@
-// The users manager of the session's server, the object behind login, keep-alive and logout.
+// Finds the server's users manager, the object for login, keep-alive and logout.
 #ifndef VQ_CLIENT_COMMON_SESSION_INTERNAL_USERSMANAGER_H
 #define VQ_CLIENT_COMMON_SESSION_INTERNAL_USERSMANAGER_H
 
@@ -7,7 +7,7 @@
 
 namespace vq::session {
 
-// GetCRBServant for the users manager: `users` is borrowed, and nil unless the result is 1.
+// GetCRBServant for the users manager. The cache owns `users`, which is nil unless the result is 1.
 inline int GetUsersManager(QCSCorbaUsersManager_ptr& users, SERVER_ID serverId, bool probe = true) {
   users = QCSCorbaUsersManager::_nil();
   return GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, serverId, probe);

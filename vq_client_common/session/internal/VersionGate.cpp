@@ -37,15 +37,15 @@ constexpr std::array<std::string_view, 5> kServerKeys{"E_GSR", "E_GAS", "E_QIMS"
                                                       "E_CMS"};
 
 // Whether the first token of a line of min-accepted-servers.txt selects the server kind, by its key
-// or by its number. Intentional: a token without leading digits reads as the number 0, so every
-// other key also selects kind 0, and a file for other kinds may override the entry of E_GSR.
+// or by its number. Intentional: a token without a number is the number 0, so every other key
+// selects kind 0, too; files in use depend on it.
 bool SelectsServer(const std::string& token, SERVER_ID serverId) {
   const auto index = static_cast<std::size_t>(serverId);
   if (index >= kServerKeys.size()) return false;
   return token == kServerKeys[index] || Atoi(token) == static_cast<int>(index);
 }
 
-// Numbers of a version have a point whatever the process's locale says.
+// Reads a number with a decimal point, whatever the process's locale is.
 double Number(const std::string& text) {
   static const locale_t kPlain = newlocale(LC_ALL_MASK, "C", nullptr);
   return strtod_l(text.c_str(), nullptr, kPlain);
@@ -58,8 +58,8 @@ std::string RefusedByServerText(const std::string& serverKind, const ConnectionS
   std::string text =
       "Connection refused by %s: '%s'.\nVersion %s of %s is not compatible with a %s of version "
       "%s.";
-  // Intentional: five values for six places. The client version is said to be of the server
-  // kind, and the last "%s" stays in the text; users know it in this form.
+  // Intentional: five values for six places, so the text names the server kind in place of the
+  // client, and the last "%s" stays; users know it in this form.
   ReplaceFirst(text, "%s", serverKind);
   ReplaceFirst(text, "%s", settings.GetServerName());
   ReplaceFirst(text, "%s", clientVersion);
@@ -90,8 +90,8 @@ int ParseVersion(const std::string& version, std::string& major, std::string& mi
     VQ_LOG(diag, 1) << "Invalid value found for version: " << version;
     return 0;
   }
-  // Intentional: without a second point both parts are the whole text, and the comparison of
-  // versions such as "8.0" rests on that.
+  // Intentional: without a second point both parts are the whole text; the comparison of versions
+  // such as "8.0" depends on that.
   const std::size_t second = version.find('.', first + 1);
   const std::string whole = version;  // the outputs may be the same object as the input
   major = whole.substr(0, second);
@@ -132,7 +132,7 @@ int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
   const TDiagFunc diag(diagModule, "LoginHandler::GetMinimumServerVersionAllowed");
   const std::string path = GetVQRootLocation() + "min-accepted-servers.txt";
   errno = 0;
-  // Mostly there is no such file, and then no stream is made.
+  // Usually there is no such file, and no stream is created.
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   std::FILE* const file = descriptor != -1 ? ::fdopen(descriptor, "r") : nullptr;
   if (file == nullptr) {
@@ -142,8 +142,8 @@ int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
   }
   VQ_LOG(diag, 4) << "Minimum Server versions file exists.";
 
-  // A longer line is read in pieces, each taken as a line. The line end stays in the last token,
-  // where the reading of numbers stops at it.
+  // A longer line is read in pieces, each as a line of its own. The line end stays in the last
+  // token, where numbers end.
   char line[kLineSize];
   while (std::fgets(line, sizeof line, file) != nullptr) {
     VQ_LOG(diag, 5) << line;
@@ -182,7 +182,7 @@ bool IsServerVersionPermitted(const std::string& clientVersion, SERVER_ID server
       ParseVersion(minimum, minimumMajor, minimumMinor) != 1) {
     return true;
   }
-  // Intentional: the majors must be equal, so a server of a newer major version is refused.
+  // Intentional: the major versions must be equal, so a newer major version is refused.
   return serverMajor == minimumMajor && minimumMinor <= serverMinor;
 }
 
@@ -211,14 +211,13 @@ bool PassVersionGate(QCSCorbaUsersManager_ptr users, const std::string& clientVe
       VQ_LOG(diag, 1) << message;
       return false;
     }
-    // A server that cannot say its version is not refused.
+    // A server that does not know its version is accepted.
     VQ_LOG(diag, 2) << "Version Verification failed with return code: " << result;
     VQ_LOG(diag, 2) << "Continue with login process...";
     return true;
   } catch (const CORBA::Exception& e) {
     orb::NoteFailedCall(e, users);
-    // Intentional: the line promises that the check is ignored, and the login fails all the
-    // same.
+    // Intentional: the line says that the check is ignored, and yet the login fails.
     VQ_LOG(diag, 1) << "CORBA::Exception was caught during versions verification (" << e
                     << "). Probably old Server version, verification is ignored";
     throw ServerTypeEx("");

@@ -1,8 +1,7 @@
-// The version gate: the step of a login in which client and server judge each other's version.
+// The version gate: the step of a login in which client and server each check the other's version.
 //
-// Here a version is a string "X.Y.Z" with the major part "X.Y" and the minor part "Z"; the
-// scheduler versions of TVltVersion are another matter. The first four are LoginHandler's members
-// of similar names, which LoginHandler.h documents.
+// A version is a string "X.Y.Z" with the major part "X.Y" and the minor part "Z". (The versions of
+// schedulers in TVltVersion.h have another form.)
 #ifndef VQ_CLIENT_COMMON_SESSION_INTERNAL_VERSIONGATE_H
 #define VQ_CLIENT_COMMON_SESSION_INTERNAL_VERSIONGATE_H
 
@@ -14,6 +13,8 @@
 
 namespace vq::session {
 
+// LoginHandler.h documents these: they are its ParseVersion, GetClientVersion,
+// GetMinimumServerVersionAllowed and IsServerVersionPermitted.
 int ParseVersion(const std::string& version, std::string& major, std::string& minor);
 int ParseVersion(const std::string& version, double& major, double& minor);
 int ClientVersion(CLIENT_ID clientId, std::string& plain, std::string& withPatches);
@@ -21,9 +22,9 @@ int MinimumServerVersion(SERVER_ID serverId, std::string& version);
 bool IsServerVersionPermitted(const std::string& clientVersion, SERVER_ID serverId,
                               const std::string& serverVersion);
 
-// Sends the client's version to the server and judges the server's. False: the login is refused,
-// and `message` tells the user why. Raises ServerTypeEx when the server does not answer the
-// question.
+// Sends the client's version to the server and checks the server's version. False when one refuses
+// the other; `message` then is the reason for the user. Raises ServerTypeEx when the remote call
+// fails.
 bool PassVersionGate(QCSCorbaUsersManager_ptr users, const std::string& clientVersion,
                      const ConnectionSettings& settings, SERVER_ID serverId, const TDiagFunc& diag,
                      std::string& message);
