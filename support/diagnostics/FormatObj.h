@@ -1,6 +1,7 @@
 // Composes one line of the log from pieces and writes it when it goes out of scope.
 //
-//   diag.Line(5) << "Restricted to " << count << " entries: " << name;
+//   const TDiagRegister module("Restrictions");
+//   VQ_LOG(module, 5) << "Restricted to " << 12 << " entries of " << user;
 //
 // A line that memory does not suffice for is cut short: composing one raises nothing, so that the
 // log never changes what a program does. Numbers print in decimal, bools as 1 and 0, floating point

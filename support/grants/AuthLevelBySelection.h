@@ -6,12 +6,13 @@
 // give. Only where none fits do the groups' grants decide, again the highest. Where none of either
 // fits, the level is DEFAULT_ACCESS, which allows nothing but itself.
 //
+//   QCSCorbaAuthorizationStruct snapshot;   // from the server
 //   AuthLevelBySelection calendars;
-//   calendars.UserAuthFromCORBA(snapshot->m_CalendarsUserAccess, true);
-//   calendars.GroupAuthFromCORBA(snapshot->m_CalendarsGroupAccess, true);
+//   calendars.UserAuthFromCORBA(snapshot.m_CalendarsUserAccess, true);
+//   calendars.GroupAuthFromCORBA(snapshot.m_CalendarsGroupAccess, true);
 //   QCSObject calendar;
-//   calendar.SetAttribute("CALENDAR", "HOLIDAYS");
-//   if (calendars.IsAuthorized(calendar, UPDATE_ACCESS)) ...
+//   calendar.SetAttribute("CALENDAR", "WORKDAYS");
+//   if (calendars.IsAuthorized(calendar, UPDATE_ACCESS)) Show("WORKDAYS");
 //
 // The grants are indexed when they are loaded; a question does not try them one by one.
 #ifndef VQ_SUPPORT_GRANTS_AUTHLEVELBYSELECTION_H

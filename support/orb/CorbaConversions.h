@@ -2,8 +2,7 @@
 //
 //   stringSeq names;
 //   StlVector2CorbaSequence(std::list<std::string>{"PROD", "TEST"}, names);
-//   const CORBA::String_var text = server->CRB_GetUserName(userId);
-//   const std::string name = CorbaString2StlString(text.in());
+//   const std::string first = CorbaString2StlString(names[0]);   // "PROD"
 #ifndef VQ_SUPPORT_ORB_CORBACONVERSIONS_H
 #define VQ_SUPPORT_ORB_CORBACONVERSIONS_H
 

@@ -1,10 +1,13 @@
 // CORBA exceptions and references in words, in one place for the whole system.
 //
-//   catch (const CORBA::SystemException& e) {
-//     VQ_LOG(diag, 1) << "CORBA::SystemException caught: " << e;
+//   try {
+//     ORBCommon<1>::Get()->Bind("central", "GSR", "UsersManager", true);
+//   } catch (const CORBA::SystemException& e) {
+//     Show(vq::orb::ExceptionText(e));
 //   }
-//   -> CORBA::SystemException caught: TRANSIENT (IDL:omg.org/CORBA/TRANSIENT:1.0), minor code
-//      0x41540002 (TRANSIENT_ConnectFailed), completed: NO
+//
+// shows "TRANSIENT (IDL:omg.org/CORBA/TRANSIENT:1.0), minor code 0x41540002
+// (TRANSIENT_ConnectFailed), completed: NO", for example.
 #ifndef VQ_SUPPORT_ORB_CORBATEXT_H
 #define VQ_SUPPORT_ORB_CORBATEXT_H
 

@@ -1,10 +1,11 @@
 // The one-line cause of the last failed remote call, for a person: what an ORB's exception cannot
 // carry ("unknown CA", "connection refused at host:port").
 //
-//   vq::orb::TakeCause();                                // forget the causes of earlier calls
-//   try { server->CRB_Ping(); } catch (const CORBA::SystemException& e) {
-//     vq::orb::NoteFailedCall(e, server);
-//     Show(vq::orb::TakeCause());
+//   vq::orb::TakeCause();   // removes the cause of an earlier call
+//   try {
+//     ORBCommon<1>::Get()->Bind("central", "GSR", "UsersManager", true);
+//   } catch (const CORBA::SystemException&) {
+//     Show(vq::orb::TakeCause());   // may be empty
 //   }
 #ifndef VQ_SUPPORT_ORB_FAILURECAUSE_H
 #define VQ_SUPPORT_ORB_FAILURECAUSE_H

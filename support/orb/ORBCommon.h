@@ -1,7 +1,7 @@
 // The ORBs of this system as types: ORBCommon<1> carries the session, ORBCommon<2> a trial of the
 // callback connection.
 //
-//   ORBCommon<1>::Get()->IsInitialized()
+//   if (ORBCommon<1>::Get()->IsInitialized()) Show("The ORB is up.");
 #ifndef VQ_SUPPORT_ORB_ORBCOMMON_H
 #define VQ_SUPPORT_ORB_ORBCOMMON_H
 

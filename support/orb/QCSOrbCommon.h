@@ -6,9 +6,14 @@
 // *services* are bound in that context as {id service, kind ""}.
 //
 //   QCSOrbCommon* orb = ORBCommon<1>::Get();
-//   if (!orb->InitCorba(argc, argv, "GUI")) ...
-//   CORBA::Object_var object = orb->Bind("central", "GSR", "UsersManager", true);
-//   orb->DestroyOrb(true);
+//   if (orb->InitCorba(argc, argv, "GUI")) {
+//     try {
+//       CORBA::Object_var object = orb->Bind("central", "GSR", "UsersManager", true);
+//     } catch (const CORBA::Exception&) {
+//       Show("The server cannot be reached.");
+//     }
+//     orb->DestroyOrb(true);
+//   }
 //
 // Settings and their precedence: OrbSettings.h.
 #ifndef VQ_SUPPORT_ORB_QCSORBCOMMON_H

@@ -1,7 +1,9 @@
 // Where the object behind a reference listens, read from the reference itself: no call is made.
 //
-//   vq::orb::ReferenceAddress address;
-//   switch (vq::orb::AddressOf(server, address)) { ... }
+//   CORBA::Object_var server;   // a reference
+//   for (const vq::orb::ReferenceEndpoint& endpoint : vq::orb::EndpointsOf(server.in())) {
+//     std::cout << endpoint.host << ' ' << endpoint.port << '\n';
+//   }
 //
 // A reference's text form ("IOR:" and hexadecimal digits) holds a byte order, a type and a list of
 // profiles; the first profile for IIOP holds the address.

@@ -3,6 +3,7 @@
 // The instant is counted from 00:00 UTC of the Julian day 0, so 1970-01-01 00:00 UTC is 2440588
 // days, or 210866803200 seconds.
 //
+//   const os_time_zone zone(os_time_period(-3600, 0), "CET", "CET");
 //   const os_time_and_date midnight(os_time(0), os_date(2024, 7, 1), zone);
 //   midnight.utc_time_and_date();                             // the instant
 //   const os_time_and_date now = os_time_and_date::now();     // in UTC

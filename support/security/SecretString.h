@@ -4,10 +4,9 @@
 // heap, and a short string leaves them in the object itself, so a secret is overwritten before its
 // memory goes back.
 //
-//   vq::SecretString response;
-//   MakeChallengeResponse(first, second, password, response.Text());
-//   Send(response.Text());
-//   // wiped here, on every way out
+//   vq::SecretString secret;
+//   if (vq::AskForPassword()(user, secret).empty()) SetUserPassword(secret.Text(), false);
+//   // The end of the scope overwrites the secret.
 #ifndef VQ_SUPPORT_SECURITY_SECRETSTRING_H
 #define VQ_SUPPORT_SECURITY_SECRETSTRING_H
 

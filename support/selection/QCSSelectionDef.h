@@ -5,12 +5,14 @@
 // must fit. A definition without terms fits nothing; a term without matchings, written `*`, fits
 // every object.
 //
+//   QCSObject job;
+//   job.SetAttribute("OWNER", "ops");
 //   QCSSelectionDef selection;
 //   vq::SelectionParseError error;
-//   if (!selection.Parse("DATACENTER = 'PROD' AND NAME LIKE 'PAY*' OR OWNER = 'ops'", error)) {
-//     Show(error.AsString());   // "at position 13: expected a value in single quotes, found PROD"
+//   if (!selection.Parse("DATACENTER = 'PROD' AND TABLE LIKE 'PAY*' OR OWNER = 'ops'", error)) {
+//     Show(error.AsString());   // such as "at position 13: expected a value in single quotes, ..."
 //   }
-//   if (selection.DoesItFit(job, false)) ...
+//   if (selection.DoesItFit(job, false)) Show("The job fits.");
 //
 // The text form is described in docs/selection-language.md.
 #ifndef VQ_SUPPORT_SELECTION_QCSSELECTIONDEF_H

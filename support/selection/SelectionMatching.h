@@ -1,6 +1,6 @@
 // One condition of a selection: a field, an operator and a value.
 //
-//   vq::SelectionMatching matching{"NAME", vq::SelectionOperator::Like, "PAY*"};
+//   vq::SelectionMatching matching{"TABLE", vq::SelectionOperator::Like, "PAY*"};
 //   vq::MatchesValue(matching.op, matching.value, "PAYROLL");   // true
 //
 // `=` and `!=` compare the texts byte by byte. LIKE and NOT LIKE take the value for a pattern with

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """check_examples.py SOURCE BUILD
 
-The examples in the comments that open the headers of the umbrella header compile as pasted, behind
-it. An example is indented by three columns and has a line that ends a statement or opens a block;
-what is indented without such a line is a table or the content of a file. What is left to the reader
-stands as /* ... */.
+The examples in the comments of the installed headers compile as pasted, with the umbrella header and
+the example's own header included. An example is indented by three columns and has a line that ends a
+statement or opens a block; what is indented without such a line is a table or the content of a file.
+/* ... */ is where a reader adds code.
 """
 
 import json
@@ -15,10 +15,11 @@ import sys
 from pathlib import Path
 
 UMBRELLA = "vq_client_common/vq_client_common.h"
-# What an example takes from the program that it is pasted into. An example that needs more declares it.
+# The variables of the program that an example is pasted into. An example that needs more declares it.
 PROGRAM = """
 #include <iostream>
 #include <list>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -33,35 +34,43 @@ void Show(const std::string&);
 """ % UMBRELLA
 
 
-def blocks(text):
-    """The examples of an opening comment: (line number, lines)."""
-    found, block = [], []
+def installed_headers(source):
+    headers = []
+    for top in ("support", "vq_client_common"):
+        for cmake in sorted(source.glob(f"{top}/*/CMakeLists.txt")):
+            listed = re.search(r"HEADERS\s(.*?)(?:LINK|\))", cmake.read_text(), re.S)
+            headers += [f"{top}/{cmake.parent.name}/{name}"
+                        for name in (listed[1].split() if listed else ())]
+    return headers
+
+
+def is_code(paragraph):
+    lines = [re.sub(r"\s*//.*", "", line) for _, line in paragraph]
+    return any(re.search(r"[^\s;]+.*[;{}]$|^#include|\) \.\.\.", line) for line in lines)
+
+
+def examples(text):
+    """The code in the indented parts of comments: [(line number, line), ...] for each part."""
+    parts, part, paragraph = [], [], []
     for number, line in enumerate(text.splitlines() + [""], 1):
-        example = re.match(r"//   ( *\S.*)", line)
-        if example:
-            block.append((number, example[1]))
-        elif block and re.fullmatch(r"//\s*", line):
-            block.append((number, ""))
-        else:
-            if block:
-                found.append(block)
-            block = []
-            if not line.startswith("//"):
-                break
-    return found
-
-
-def is_code(block):
-    lines = [re.sub(r"\s*//.*", "", line) for _, line in block]
-    return any(re.search(r"[^\s;]+.*[;{]$|\) \.\.\.", line) for line in lines)
+        if indented := re.match(r"\s*//   ( *\S.*)", line):
+            paragraph.append((number, indented[1]))
+            continue
+        if is_code(paragraph):
+            part += [*paragraph, (number, "")]
+        paragraph = []
+        if part and not re.fullmatch(r"\s*//\s*", line):
+            parts.append(part)
+            part = []
+    return parts
 
 
 def translation_unit(headers, source):
-    unit, count = [PROGRAM], 0
+    unit, count = [PROGRAM, *(f"#include <{header}>" for header in headers)], 0
     for header in headers:
-        for block in filter(is_code, blocks((source / header).read_text())):
+        for block in examples((source / header).read_text()):
             count += 1
-            # An example with a function of its own stands outside functions.
+            # An example with a function or a class of its own stands outside functions.
             outside = any(re.match(r"(namespace|void \w+\()", line) for _, line in block)
             unit += [line for _, line in block if line.startswith("#include")]
             block = [(at, "" if line.startswith("#include") else line) for at, line in block]
@@ -84,11 +93,10 @@ def command(build):
 
 def main(source, build):
     source = Path(source)
-    headers = re.findall(r"^#include <(.*)>", (source / UMBRELLA).read_text(), re.M)
-    unit, count = translation_unit(headers, source)
+    unit, count = translation_unit(installed_headers(source), source)
     done = subprocess.run(command(Path(build)) + ["-I", source], input=unit, text=True)
     print(f"{count} examples")
-    return done.returncode != 0 or count < 35
+    return done.returncode != 0 or count < 60
 
 
 if __name__ == "__main__":
