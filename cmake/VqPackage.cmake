@@ -32,9 +32,10 @@ foreach(page IN ITEMS ARCHITECTURE CONTRIBUTING README SECURITY)
   file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package-files/${page}.md CONTENT "${text}" @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/package-files/${page}.md TYPE DOC COMPONENT documentation)
 endforeach()
-install(DIRECTORY docs TYPE DOC COMPONENT documentation FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY docs TYPE DOC COMPONENT documentation
+  FILES_MATCHING PATTERN "*.md" PATTERN site EXCLUDE)
 install(DIRECTORY examples TYPE DOC COMPONENT documentation)
-# The pages of the target docs, where they were made.
+# The site of the target docs, if it was made.
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html TYPE DOC COMPONENT documentation OPTIONAL)
 
 set(CPACK_GENERATOR DEB)

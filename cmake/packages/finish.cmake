@@ -29,7 +29,7 @@ file(RENAME ${staging}/documentation/${share}/doc/vq_client_common
 
 if(EXISTS ${staging}/documentation/${share}/doc/libvq-client-common-doc/html)
   file(APPEND ${staging}/documentation/${share}/doc/libvq-client-common-doc/README.md
-    "\nThe pages of every function are [html/index.html](html/index.html).\n")
+    "\nThe same and the reference as a site: [html/index.html](html/index.html).\n")
 endif()
 
 foreach(pair IN LISTS CPACK_VQ_PACKAGES)

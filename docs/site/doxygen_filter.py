@@ -1,32 +1,38 @@
 #!/usr/bin/env python3
-"""doxygen_filter.py HEADER: prints a public header as Doxygen wants to read it.
+"""doxygen_filter.py HEADER: prints a public header with Doxygen comments.
 
-The headers are written to be read as they are, in plain comments. These rules make the same
-comments Doxygen's:
+The headers have plain comments. These rules turn them into Doxygen comments:
 
-- The comment at the top of the file is that of the file.
-- A comment that stands right before a declaration is the declaration's, and that of the
-  declarations which follow it without a blank line or another comment between them.
-- A comment that begins with "----" is that of all declarations up to the next such comment, but for
-  those that have one of their own.
-- A comment behind a declaration is the declaration's too.
-- Lines of a comment that are indented are an example.
-- Copying, assigning and destroying get one of a few standard comments where they have none of their
-  own: the comment of the class tells what is special about them.
+- The comment at the top of the file belongs to the file. Its first paragraph is also the purpose of
+  the class that has the file's name.
+- A comment directly before a declaration belongs to it, and to the declarations that follow without
+  a blank line or another comment.
+- A comment that begins with "----" belongs to all declarations up to the next such comment, except
+  those with their own.
+- A comment behind a declaration belongs to it.
+- Indented lines of a comment are an example.
+- Copying, moving, assigning and destroying get a standard comment where they have none.
 """
 
+import itertools
 import re
 import sys
+from pathlib import Path
 
 COMMENT = re.compile(r"^(\s*)//(?: (.*)|)$")
 SCOPE = re.compile(r"^\s*(?:template\s*<.*>\s*)?(?:inline\s+)?(class|struct|enum|namespace|union)\b")
 LABEL = re.compile(r"^\s*(public|protected|private)\s*:")
+# A text that ends with a backslash, which Sphinx cannot read.
+INITIALIZER = re.compile(r' = ".*\\\\"(?=;)')
+# A function that returns a pointer to a function, which Doxygen takes for a variable.
+RETURNS_POINTER = re.compile(r"(\w+) \(\*(\w+)\((.*)\)\)\((.*)\);", re.S)
 STANDARD = (
     (re.compile(r"(?:virtual )?~\w+\("), "Destroys the object."),
     (re.compile(r"(\w+)\((?:const )?\1&[^,]*\) = delete"), "An object is not copied."),
     (re.compile(r"(\w+)& operator=\((?:const )?\1&[^,]*\) = delete"), "An object is not assigned."),
-    (re.compile(r"(\w+)\((?:const )?\1&&?[^,]*\)"), "A copy."),
-    (re.compile(r"(\w+)& operator=\((?:const )?\1&&?[^,]*\)"), "Assigns what a copy takes over."),
+    (re.compile(r"(\w+)\(\1&&[^,]*\)"), "Moves the object."),
+    (re.compile(r"(\w+)\((?:const )?\1&[^,]*\)"), "Copies the object."),
+    (re.compile(r"(\w+)& operator=\((?:const )?\1&&?[^,]*\)"), "Assigns the object."),
 )
 
 
@@ -40,8 +46,8 @@ def escaped(text):
 
 
 def documented(lines, first=""):
-    """A comment's text as the lines of a Doxygen comment; the code samples in it as code."""
-    result, in_code, in_item = [], False, False
+    """A comment's text as the lines of a Doxygen comment; the samples in it as code or verbatim."""
+    result, in_code, in_item, end = [], False, False, ""
     for i, line in enumerate(lines):
         if line.startswith("- "):
             in_item = True
@@ -51,20 +57,28 @@ def documented(lines, first=""):
         if in_code and not sample and any(later.startswith("  ") for later in lines[i:]) and not line:
             following = next(later for later in lines[i:] if later)
             sample = following.startswith("  ")  # a blank line inside an example
+        if sample and not in_code:
+            block = itertools.takewhile(lambda later: later.startswith("  ") or not later, lines[i:])
+            is_code = any(re.search(r"[^\s;].*[;{]\s*(//.*)?$|^  #", later) for later in block)
+            end = "@endcode" if is_code else "@endverbatim"
         if sample != in_code:
-            result.append("@code{.cpp}" if sample else "@endcode")
+            result.append(("@code{.cpp}" if is_code else "@verbatim") if sample else end)
             in_code = sample
         result.append(line[2:] if sample else escaped(line))
     if in_code:
-        result.append("@endcode")
+        result.append(end)
     return [first] + result if first else result
 
 
 class Filter:
-    def __init__(self, lines):
+    def __init__(self, lines, name):
         self.lines = lines
+        self.purpose = {}  # the first paragraph of the file's comment, by the name of its class
+        self.name = name
+        # Another header documents a function that is declared here only to be a friend.
+        self.friends = re.findall(r"\bfriend \w+ ::(\w+)\(", "\n".join(lines))
         self.out = []
-        self.pending = None  # the comment that stands right before
+        self.pending = None  # the comment directly before
         self.shared = None  # the comment of the declarations up to the next blank line
         self.section = None  # the comment of those up to the next "----"
         self.i = 0
@@ -86,6 +100,10 @@ class Filter:
         if block is None and not own_behind:
             text = next((words for form, words in STANDARD if form.match(line.strip())), None)
             block = [text] if text else self.shared or self.section
+        scope = re.match(r"\s*(?:template\s*<.*>\s*)?(?:class|struct)\b.*?\b(\w+)\s*(?:final\s*)?(?::[^:].*)?\{", line)
+        if scope and not indent:
+            purpose = self.purpose.pop(scope[1], [])
+            block = purpose + [""] * bool(purpose and block) + (block or [])
         if block and not re.match(r"\s*(#(?!\s*define)|namespace\b|\}|extern \"C\" \{)", line):
             self.emit(indent, block)
 
@@ -119,7 +137,9 @@ class Filter:
         result, last = [], False
         for line in block:
             match = re.match(r'^((?:[^"/]|"(?:[^"\\]|\\.)*"|/(?!/))*[^\s/"](?:"[^"]*")?\s*)// (.*)$', line)
-            if match and not re.match(r"\s*[#}]", match[1]):
+            if match and re.match(r"\s*(class|struct) \w+;", match[1]):
+                result.append(match[1])
+            elif match and not re.match(r"\s*[#}]", match[1]):
                 result.append(f"{match[1]}///< {escaped(match[2])}")
             else:
                 result.append(line)
@@ -136,7 +156,9 @@ class Filter:
     def run(self):
         while self.i < len(self.lines) and not COMMENT.match(self.lines[self.i]):
             self.i += 1
-        self.out += ["/** @file"] + [line for line in documented(self.comment())] + ["*/"]
+        banner = self.comment()
+        self.purpose[self.name] = list(itertools.takewhile(bool, banner))
+        self.out += ["/** @file"] + documented(banner) + ["*/"]
         while self.i < len(self.lines):
             line = self.lines[self.i]
             if not line.strip():
@@ -156,7 +178,11 @@ class Filter:
                 self.i += 1
             else:
                 block, scope = self.declaration()
-                block = self.behind(block)
+                if any(re.search(rf"[ :]{name}\(", line) for name in self.friends):
+                    self.pending = None
+                    continue
+                block = self.behind(INITIALIZER.sub("", RETURNS_POINTER.sub(
+                    r"auto \2(\3) -> \1 (*)(\4);", "\n".join(block))).split("\n"))
                 self.document(line, any("///<" in text for text in block))
                 self.shared = None if scope else (self.pending or self.shared)
                 self.pending = None
@@ -168,4 +194,4 @@ class Filter:
 
 if __name__ == "__main__":
     with open(sys.argv[1], encoding="utf-8") as header:
-        print("\n".join(Filter(header.read().split("\n")).run()))
+        print("\n".join(Filter(header.read().split("\n"), Path(sys.argv[1]).stem).run()))
