@@ -11,6 +11,7 @@
 #include <support/foundations/ReplaceFirst.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>
+#include <tests/fixture/Rows.h>
 #include <tests/fixture/TemporaryDirectory.h>
 
 namespace {
@@ -19,50 +20,37 @@ using ::testing::ElementsAre;
 using vq::test::TemporaryDirectory;
 using vq::test::Variable;
 
-TEST(Locations, ComeFromTheEnvironmentInTheirOrder) {
-  const struct {
-    const char *home, *vqHome, *vqData, *domains, *xdgData;  // null for unset
-    const char *root, *data;
-    std::vector<std::string> config;  // the layers
-  } cases[] = {
-      {"/u",
-       nullptr,
-       nullptr,
-       nullptr,
-       nullptr,
-       "",
-       "/u/.local/share/vq/",
-       {"/u/.config/vq/", "/etc/vq/"}},
-      {"/u", "", "", "", "", "", "/u/.local/share/vq/", {"/u/.config/vq/", "/etc/vq/"}},
-      {"/u/", nullptr, nullptr, "/c", "x", "", "/u/.local/share/vq/", {"/c/"}},
-      {"/u", nullptr, nullptr, nullptr, "/x", "", "/x/vq/", {"/u/.config/vq/", "/etc/vq/"}},
-      {"/u", "/o", nullptr, nullptr, "/x", "/o/", "/o/data/", {"/u/.config/vq/", "/o/config/"}},
-      {nullptr, "/o/", "/d/", "/c/", nullptr, "/o/", "/d/", {"/c/"}},
-      {nullptr, "/o", "/d", "/c", nullptr, "/o/", "/d/", {"/c/"}}};
-  const Variable noConfigHome("XDG_CONFIG_HOME");
-  const auto optional = [](const char* text) {
-    return text != nullptr ? std::optional<std::string>(text) : std::nullopt;
+TEST(Locations, ComeFromTheEnvironment) {
+  // The variables, "-" for unset; the root, the data and the layers of the configuration. An empty
+  // path and a relative one stand for what the installation brings.
+  const auto locations = [](std::string row) {
+    vq::test::Environment environment;
+    environment.Set("XDG_CONFIG_HOME", std::nullopt);
+    for (const char* name : {"HOME", "VQ_HOME", "VQ_DATA", "VQ_CONFIG_DOMAINS", "XDG_DATA_HOME"}) {
+      const std::string value = vq::test::Take(row);
+      environment.Set(name, value == "-" ? std::nullopt : std::optional(value));
+    }
+    std::string found = GetVQRootLocation() + " " + GetVQDataLocation();
+    if (found.starts_with(VQ_TEST_SHARE)) found.erase(0, std::string(VQ_TEST_SHARE).size());
+    const std::vector<std::string> layers = vq::GetConfigDomainsDirs();
+    for (const std::string& layer : layers) found += " " + layer;
+    EXPECT_EQ(GetConfigDomainsDir(), geteuid() == 0 ? layers.back() : layers.front());
+    return found;
   };
-  // An empty path and a relative one stand for what the installation brings.
-  const auto installed = [](const std::string& path) {
-    return path.starts_with('/') ? path : VQ_TEST_SHARE + path;
-  };
-  for (const auto& c : cases) {
-    const Variable home("HOME", optional(c.home)), vqHome("VQ_HOME", optional(c.vqHome)),
-        vqData("VQ_DATA", optional(c.vqData)), domains("VQ_CONFIG_DOMAINS", optional(c.domains)),
-        xdgData("XDG_DATA_HOME", optional(c.xdgData));
-    EXPECT_EQ(GetVQRootLocation(), installed(c.root));
-    EXPECT_EQ(GetVQDataLocation(), c.data);
-    EXPECT_EQ(vq::GetConfigDomainsDirs(), c.config);
-    EXPECT_EQ(GetConfigDomainsDir(), geteuid() == 0 ? c.config.back() : c.config.front());
-  }
+  vq::test::ExpectRows(
+      locations,
+      {"/u - - - - ->  /u/.local/share/vq/ /u/.config/vq/ /etc/vq/",
+       "/u     ->  /u/.local/share/vq/ /u/.config/vq/ /etc/vq/",
+       "/u/ - - /c x ->  /u/.local/share/vq/ /c/", "/u - - - /x ->  /x/vq/ /u/.config/vq/ /etc/vq/",
+       "/u /o - - /x -> /o/ /o/data/ /u/.config/vq/ /o/config/", "- /o/ /d/ /c/ - -> /o/ /d/ /c/",
+       "- /o /d /c - -> /o/ /d/ /c/"});
   const Variable unset("VQ_CONFIG_DOMAIN");
   EXPECT_EQ(GetConfigDomainName(), "vq");
   const Variable set("VQ_CONFIG_DOMAIN", "site");
   EXPECT_EQ(GetConfigDomainName(), "site");
 }
 
-TEST(IniFile, ReadsSectionsAndLeavesBadLinesOutAlone) {
+TEST(IniFile, LeavesBadLinesOut) {
   const std::string longest(195, 'x');
   std::istringstream text("[One]\n a = 1 ; note\nb=" + longest + "\nd=" + longest +
                           "x\nno value\nc = x=y\n  more\n[two]\nA:2\n[ONE]\nlast=");
@@ -74,38 +62,33 @@ TEST(IniFile, ReadsSectionsAndLeavesBadLinesOutAlone) {
   EXPECT_EQ(file.Get("Two", "a"), "2");
   EXPECT_EQ(file.Get("One", "last"), "");
   EXPECT_EQ(file.FirstBadLine(), 4);
-  std::istringstream malformed("[s]\nno value\nb=" + longest + "x");
-  EXPECT_EQ(vq::IniFile(malformed).FirstBadLine(), 2);
 }
 
-TEST(ProductVersion, FindsTheProductOrTouchesNothing) {
+TEST(ProductVersion, FindsTheProduct) {
   const TemporaryDirectory root;
   const Variable home("VQ_HOME", root.Path());
-  std::string version = "0";
   std::list<std::string> patches{"kept"};
-  EXPECT_EQ(GetProductVersion("NFT", version, patches), 0);
-  root.Write("installed-products.ini",
-             "[NFT]\nversion = 6.4.01\npatches = P.1, P.2,,\n  P.3\n[NONE]\npatches=P.9\n"
-             "[BARE]\nversion=7\n");
-  EXPECT_EQ(GetProductVersion("NONE", version, patches), 0);
-  EXPECT_EQ(version, "0");
+  const auto version = [&](const std::string& product) {
+    std::string found = "0";
+    const int result = GetProductVersion(product.c_str(), found, patches);
+    return std::to_string(result) + found;
+  };
+  EXPECT_EQ(version("NFT"), "00");
+  const std::string path = root.Write("installed-products.ini",
+                                      "[NFT]\nversion = 6.4.01\npatches = P.1, P.2,,\n  P.3\n[NONE]"
+                                      "\npatches=P.9\n[BARE]\nversion=7\nno value\n");
+  EXPECT_EQ(version("NONE"), "00");
   EXPECT_THAT(patches, ElementsAre("kept"));
-  EXPECT_EQ(GetProductVersion("NFT", version, patches), 1);
-  EXPECT_EQ(version, "6.4.01");
-  EXPECT_THAT(patches, ElementsAre("P.1", "P.2", "P.3"));
-  EXPECT_EQ(GetProductVersion("BARE", version, patches), 1);
-  EXPECT_THAT(patches, ElementsAre());
   const vq::test::LogCapture log(1);
-  const std::string path =
-      root.Write("installed-products.ini",
-                 "[NFT]\nversion = 6.4.02\npatches = P.1\n  P." + std::string(200, '2') + "\n");
-  EXPECT_EQ(GetProductVersion("NFT", version, patches), 1);
-  EXPECT_THAT(patches, ElementsAre("P.1"));
-  EXPECT_EQ(log.Text(), "1 GetProductVersion: Line 4 of " + path +
+  EXPECT_EQ(version("NFT"), "16.4.01");
+  EXPECT_THAT(patches, ElementsAre("P.1", "P.2", "P.3"));
+  EXPECT_EQ(log.Text(), "1 GetProductVersion: Line 9 of " + path +
                             " is left out: it is no setting or has more than 197 bytes\n");
+  EXPECT_EQ(version("BARE"), "17");
+  EXPECT_THAT(patches, ElementsAre());
 }
 
-TEST(ProfileSettings, TheFlagDecidesWhoWinsAndWhatIsNoWholeNumberIsNotThere) {
+TEST(ProfileSettings, FlagDecides) {
   const struct Machine : vq::Platform {
     std::string MachineSettingsDirectory() const override { return directory.Path(); }
     TemporaryDirectory directory;
@@ -134,7 +117,7 @@ TEST(ProfileSettings, TheFlagDecidesWhoWinsAndWhatIsNoWholeNumberIsNotThere) {
   EXPECT_EQ(get(false, "Other"), 0);
 }
 
-TEST(Digest, KnownAnswersInTheirPlaceAlone) {
+TEST(Digest, KnownAnswers) {
   char buffer[34] = {};
   buffer[33] = '#';
   EXPECT_TRUE(CalcMD5("abcd", 3, 0, buffer));
@@ -144,20 +127,17 @@ TEST(Digest, KnownAnswersInTheirPlaceAlone) {
   EXPECT_EQ(buffer[33], '#');
 }
 
-TEST(ReplaceFirst, ReplacesOneMarkAndFindsOneThatWasFilledIn) {
+TEST(ReplaceFirst, FindsMarkThatWasFilledIn) {
   std::string text = "Version %s of %s";
   EXPECT_TRUE(vq::ReplaceFirst(text, "%s", "a %s") && vq::ReplaceFirst(text, "%s", "b"));
-  EXPECT_FALSE(vq::ReplaceFirst(text, "%d", "c"));
-  EXPECT_FALSE(vq::ReplaceFirst(text, "", "c"));
+  EXPECT_FALSE(vq::ReplaceFirst(text, "%d", "c") || vq::ReplaceFirst(text, "", "c"));
   EXPECT_EQ(text, "Version a b of %s");
 }
 
-TEST(Platform, AnswersFromTheSystemUnlessReplaced) {
-  char expected[256] = {};
-  ASSERT_EQ(::gethostname(expected, 255), 0);
+TEST(Platform, AnswersUnlessReplaced) {
   std::string name;
   EXPECT_TRUE(vq::HostName(name));
-  EXPECT_EQ(name, expected);
+  EXPECT_FALSE(name.empty());
   if (const passwd* account = ::getpwuid(::geteuid())) {
     const std::string own = account->pw_name;
     EXPECT_TRUE(vq::AccountName(name, own.size() + 1));

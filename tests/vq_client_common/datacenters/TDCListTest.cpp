@@ -1,17 +1,23 @@
+// Lists of data centers, and the containers of this folder.
 #include <vq_client_common/datacenters/TDCList.h>
+#include <vq_client_common/datacenters/TString2Enum.h>
 
+#include <climits>
 #include <cstdlib>
 #include <filesystem>
+#include <stdexcept>
 
 #include <gmock/gmock.h>
-#include <tests/fixture/LogCapture.h>
+#include <tests/fixture/Rows.h>
 #include <tests/fixture/TemporaryDirectory.h>
 
 namespace {
 
+using namespace std::string_literals;
+using std::string;
 using testing::ElementsAre;
 
-TDC Make(const std::string& name, const TVltVersion& version = {}, bool draft = false) {
+TDC Make(const string& name, const TVltVersion& version = {}, bool draft = false) {
   TDC dc;
   dc.SetName(name);
   dc.SetVersion(version);
@@ -30,8 +36,8 @@ TDCList Mixed() {
   return list;
 }
 
-std::string Names(const TDCList& list) {
-  std::string names;
+string Names(const TDCList& list) {
+  string names;
   list.GetChoiceList(names);
   return names;
 }
@@ -45,12 +51,11 @@ struct EarlyUser {
 };
 [[gnu::init_priority(300)]] const EarlyUser earlyUser;
 
-TEST(TDCListTest, AddRemoveUpdateAndFind) {
+TEST(TDCListTest, AddsRemovesUpdatesAndFinds) {
   TDCList list;
   EXPECT_EQ(list.GetFirstItem() + Names(list), "");
   for (const char* const name : {"b", "B", "AB", "A"}) list.Add(Make(name));
-  EXPECT_EQ(Names(list), "A\nAB\nB\nb\n");
-  EXPECT_EQ(list.GetFirstItem(), "A");
+  EXPECT_EQ(list.GetFirstItem() + Names(list), "AA\nAB\nB\nb\n");
   list.Add(Make("B", {VLT_TYPE_MAINFRAME, "620", ""}));
   EXPECT_EQ(list.GetNumItems(), 4U);
   TDC out = Make("untouched");
@@ -58,19 +63,15 @@ TEST(TDCListTest, AddRemoveUpdateAndFind) {
   EXPECT_EQ(out.GetName(), "untouched");
   EXPECT_TRUE(list.GetByName("B", out));
   EXPECT_EQ(out.GetVersion().Ver(), "620");
-  list.Remove("unknown");
-  list.Remove("AB");
+  for (const char* const name : {"unknown", "AB"}) list.Remove(name);
   TDC added = Make("D");
-  list.Update("A", added);
-  list.Update("unknown", added);
+  for (const char* const name : {"A", "unknown"}) list.Update(name, added);
   list.Update("B", const_cast<TDC&>(list.GetFirstDCPosition()->second));  // the list's own record
-  const TDCList copy = list;
-  list.Remove("D");
-  EXPECT_EQ(Names(copy), "B\nD\nb\n");
+  EXPECT_EQ(Names(list), "B\nD\nb\n");
 }
 
-TEST(TDCListTest, NamesAsArrays) {
-  ArrayWrap<std::string> names;
+TEST(TDCListTest, GivesNames) {
+  ArrayWrap<string> names;
   names.Append("before");
   EXPECT_EQ(Mixed().GetAsStringList(names), 1);
   EXPECT_THAT(names, ElementsAre("A", "B", "C", "D", "N"));
@@ -80,34 +81,33 @@ TEST(TDCListTest, NamesAsArrays) {
   EXPECT_THAT(names, ElementsAre("C", "D"));
 }
 
-TEST(TDCListTest, IsValidAndCanReplaceTell) {
-  TDCList list = Mixed();
-  std::string err = "before";
-  EXPECT_EQ(list.IsValid("A", err), 1);
+TEST(TDCListTest, SaysWhyNot) {
+  string err = "before";
+  EXPECT_EQ(Mixed().IsValid("A", err), 1);
   EXPECT_EQ(err, "before");
-  EXPECT_EQ(list.IsValid("BERLIN", err), 0);
+  EXPECT_EQ(Mixed().IsValid("BERLIN", err), 0);
   EXPECT_EQ(err, "Data-Center does not exist %s.BERLIN");
-  const std::string modify = "You cannot modify VELTRA-M type from ";
-  const std::string cases[][3] = {
-      {"A", "A", "before"},
-      {"C", "D", "before"},
-      {"A", "B", modify + "z/OS [version 620] to z/OS [version 630.2]."},
-      {"D", "A", modify + "Distributed [version 700.20] to z/OS [version 620]."},
-      {"N", "x", "VELTRA-M 'N' version is unknown!"},
-      {"A", "N", "VELTRA-M 'N' version is unknown!"},
-      {"x", "A", "VELTRA-M 'x' version is unknown!"},
-      {"A", "y", "VELTRA-M 'y' version is unknown!"}};
-  for (const auto& [oldName, newName, expected] : cases) {
-    err = "before";
-    EXPECT_EQ(list.CanReplace(oldName, newName, err), expected == "before" ? 1 : 0);
-    EXPECT_EQ(err, expected) << oldName << ' ' << newName;
-  }
+  const auto replace = [](string newName) {
+    const string oldName = vq::test::Take(newName);
+    string why = "yes";
+    const int result = Mixed().CanReplace(oldName, newName, why);
+    EXPECT_EQ(result, why == "yes" ? 1 : 0);
+    return why;
+  };
+  const string modify = "You cannot modify VELTRA-M type from ";
+  vq::test::ExpectRows(
+      replace,
+      {"A A -> yes", "C D -> yes",
+       "A B -> " + modify + "z/OS [version 620] to z/OS [version 630.2].",
+       "D A -> " + modify + "Distributed [version 700.20] to z/OS [version 620].",
+       "N x -> VELTRA-M 'N' version is unknown!", "A N -> VELTRA-M 'N' version is unknown!",
+       "x A -> VELTRA-M 'x' version is unknown!", "A y -> VELTRA-M 'y' version is unknown!"});
 }
 
-TEST(TDCListTest, TheWalkSkipsTheFirstRecord) {
+TEST(TDCListTest, WalkSkipsFirstRecord) {
   const TDCList list = Mixed();
   TDC out;
-  std::string seen;
+  string seen;
   TDCList::Position position = list.GetFirstDCPosition();
   while (position != list.GetEndDCPosition()) {
     list.GetNextDC(position, out);
@@ -118,43 +118,56 @@ TEST(TDCListTest, TheWalkSkipsTheFirstRecord) {
   EXPECT_EQ(position, list.GetEndDCPosition());
 }
 
-TEST(TDCListTest, DraftsGoSaveTheFirst) {
-  // A capital D is a draft.
-  const std::string cases[][2] = {
-      {"", ""}, {"D", "A\n"}, {"-DD", "A\n"}, {"DDDD", "A\n"}, {"D-D-", "A\nB\nD\n"}};
-  for (const auto& [drafts, left] : cases) {
+TEST(TDCListTest, RemovesDraftsButTheFirst) {
+  const auto left = [](const string& drafts) {  // A capital D is a draft.
     TDCList list;
     for (char name = 'A'; const char mark : drafts) list.Add(Make({name++}, {}, mark == 'D'));
-    vq::test::LogCapture log(6);
     list.RemoveDraftDataCenters();
-    EXPECT_EQ(Names(list), left) << drafts;
-    EXPECT_EQ(log.TakeText(), "6 TDC::UpdateFull: Enter\n");
-  }
+    return Names(list);
+  };
+  vq::test::ExpectRows(left,
+                       {" -> ", "D -> A\n", "-DD -> A\n", "DDDD -> A\n", "D-D- -> A\nB\nD\n"});
 }
 
-TEST(TDCListTest, SaveAndLoadAlwaysFail) {
+TEST(TDCListTest, RefusesFiles) {
+  const vq::test::TemporaryDirectory directory;
+  const string file = directory.Write("file", "content"), absent = directory / "absent/file";
   // What the call raises, as the plain character string that it must be, and what is left.
-  const auto raised = [](void (TDCList::*call)(const std::string&), const std::string& file) {
+  const auto raised = [](void (TDCList::*call)(const string&), const string& path) {
     TDCList list = Mixed();
     try {
-      (list.*call)(file);
+      (list.*call)(path);
     } catch (const char* text) {
       return text + (" " + std::to_string(list.GetNumItems()));
     }
-    return std::string();
+    return string();
   };
-  const vq::test::TemporaryDirectory directory;
-  const std::string file = directory.Write("file", "content");
-  const std::string absent = directory.Path() + "absent/file";
-  vq::test::LogCapture log(6);
   EXPECT_EQ(raised(&TDCList::Load, file), "not implemented 0");
   EXPECT_EQ(raised(&TDCList::Load, absent), "failed 0");
   EXPECT_EQ(directory.Read("file"), "content");
   EXPECT_EQ(raised(&TDCList::Save, absent), "Failed to save data centers file 5");
   EXPECT_EQ(raised(&TDCList::Save, file), "Failed to save data centers file 5");
   EXPECT_EQ(std::filesystem::file_size(file), 0U);
-  const std::string load = "6 TDCList::Load: Enter\n", save = "6 TDCList::Save: Enter\n";
-  EXPECT_EQ(log.TakeText(), load + load + save + save);
+}
+
+TEST(TString2EnumTest, RegistersAndCopies) {
+  TString2Enum registry;
+  EXPECT_EQ(registry.enum_register("RED", 3) + registry.enum_register("RED", 4), 2);
+  EXPECT_EQ(registry.enum_register("RED", -1), 0);
+  EXPECT_EQ(registry.enum_register("A\0B"s, INT_MIN), 1);
+  const TString2Enum copy = registry;
+  registry.enum_register("RED", 5);
+  EXPECT_EQ(copy.enum_lookup("RED"), 4);
+  EXPECT_EQ(copy.enum_lookup("red"), -1);
+  EXPECT_EQ(copy.enum_lookup("A\0C"s), INT_MIN);  // Names count up to their first zero byte.
+}
+
+TEST(ArrayWrapTest, RefusesBadIndex) {
+  ArrayWrap<string> array;
+  array.Append("a");
+  EXPECT_EQ(array.Append("b"), 1U);
+  EXPECT_EQ(array[1], "b");
+  EXPECT_THROW(array[2], std::out_of_range);
 }
 
 }  // namespace

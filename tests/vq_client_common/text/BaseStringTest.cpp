@@ -14,7 +14,7 @@ const auto kBadPosition = testing::ThrowsMessage<std::out_of_range>("invalid str
 const auto kTooLong = testing::ThrowsMessage<std::length_error>("string too long");
 const auto kRefused = testing::Throws<std::invalid_argument>();
 
-TEST(BaseStringTest, EachChangeGivesItsValue) {
+TEST(BaseStringTest, Changes) {
   const struct {
     string before;
     std::function<void(Text&)> change;
@@ -34,6 +34,11 @@ TEST(BaseStringTest, EachChangeGivesItsValue) {
       {"abc", &Text::clear, ""},
       {"aZ1\xE4", &Text::MakeUpper, "AZ1\xE4"},
       {"aZ1\xE4", &Text::MakeLower, "az1\xE4"},
+      // The two ends differ.
+      {"\n\t \r x\t \r\n", &Text::TrimLeft, "\r x\t \r\n"},
+      {"\n\t \r x\t \r\n", &Text::TrimRight, "\n\t \r x"},
+      {"\n\t \r x\t \r\n", &Text::Trim, "\r x"},
+      {" \t\r\n", &Text::Trim, ""},
       {"abc", [](Text& text) { text.GetBufferSetLength(5)[3] = 'd'; }, {"abcd\0", 5}},
       {{"ab\0c", 4}, [](Text& text) { text.ReleaseBuffer(); }, {"ab\0c", 4}},
       {"abc", [](Text& text) { text.ReleaseBuffer(2); }, "ab"},
@@ -44,8 +49,6 @@ TEST(BaseStringTest, EachChangeGivesItsValue) {
       // With as many "#" behind it as there were replacements.
       {"aXbX", [](Text& text) { text.append(text.Replace("X", "YY"), '#'); }, "aYYbYY##"},
       {"aaa", [](Text& text) { text.append(text.Replace("aa", "a"), '#'); }, "aa#"},
-      {"abc", [](Text& text) { text.append(text.Replace("b", ""), '#'); }, "ac#"},
-      {"abc", [](Text& text) { text.append(text.Replace("x", "y"), '#'); }, "abc"},
       {"abc", [](Text& text) { text.append(text.Replace("", "x"), '#'); }, "abc"},
       {"aaa", [](Text& text) { text.append(text.Replace("a", text.Std()), '#'); }, "aaaaaaaaa###"}};
   for (const auto& row : kRows) {
@@ -62,7 +65,7 @@ TEST(BaseStringTest, EachChangeGivesItsValue) {
   }
 }
 
-TEST(BaseStringTest, Searches) {
+TEST(BaseStringTest, SearchesAndCompares) {
   const Text text = "abcabc";
   using Found = std::vector<int>;
   EXPECT_EQ((Found{text.Find('b'), text.Find('b', 2), text.Find('x')}), (Found{1, 4, -1}));
@@ -70,21 +73,15 @@ TEST(BaseStringTest, Searches) {
   EXPECT_EQ((Found{text.Find('a', -1), text.Find("", 7)}), (Found{-1, -1}));
   EXPECT_EQ((Found{text.FindOneOf("xcb"), text.FindOneOf("")}), (Found{1, -1}));
   EXPECT_EQ((Found{text.ReverseFind('a'), text.ReverseFind('x')}), (Found{3, -1}));
-  EXPECT_EQ((Found{text.FindNoCase("AB"), text.FindNoCase("BC")}), (Found{1, 1})) << "not where";
-  EXPECT_EQ(text.FindNoCase("X"), 0);
-}
-
-TEST(BaseStringTest, Compares) {
+  EXPECT_EQ((Found{text.FindNoCase("BC"), text.FindNoCase("X")}), (Found{1, 0})) << "not where";
   EXPECT_TRUE(Text("a").Compare("b") < 0 && Text("b").compare("a") > 0);
-  EXPECT_NE(Text("a").Compare("A"), 0);
-  EXPECT_EQ(Text("aBc").CompareNoCase("AbC"), 0);
-  EXPECT_LT(Text("A").CompareNoCase("b"), 0);
+  EXPECT_TRUE(Text("aBc").CompareNoCase("AbC") == 0 && Text("A").CompareNoCase("b") < 0);
   EXPECT_EQ(Text("\xFF").CompareNoLS("a"), 1);  // unsigned
   EXPECT_EQ(Text("a").CompareNoLS("a"), 0);
   EXPECT_EQ(Text("a").CompareNoLS("cdef"), -1);
 }
 
-TEST(BaseStringTest, RefusesWhatNoTextCanHave) {
+TEST(BaseStringTest, RefusesBadPositionsLengthsAndNull) {
   Text text = "abc";
   EXPECT_EQ(text.GetAt(2), 'c');
   for (const int position : {3, 100, -1}) {
@@ -105,35 +102,14 @@ TEST(BaseStringTest, RefusesWhatNoTextCanHave) {
 
 TEST(BaseStringTest, GivesParts) {
   const Text text = "abc";
-  const std::pair<int, const char*> kRows[] = {{0, "||"},          {1, "a|c|b"},
-                                               {2, "ab|bc|bc"},    {5, "abc|abc|bc"},
-                                               {-1, "abc|abc|bc"}, {100, "abc|abc|bc"}};
+  const std::pair<int, string> kRows[] = {
+      {0, "||"}, {1, "a|c|b"}, {2, "ab|bc|bc"}, {5, "abc|abc|bc"}, {-1, "abc|abc|bc"}};
   for (const auto& [count, parts] : kRows) {
     EXPECT_EQ(
         text.Left(count).Std() + "|" + text.Right(count).Std() + "|" + text.Mid(1, count).Std(),
-        parts)
-        << count;
+        parts);
   }
   EXPECT_TRUE(text.Mid(3).IsEmpty() && text.Mid(9, 1).IsEmpty());
-}
-
-// Against plain loops: every text of up to six of these characters.
-TEST(BaseStringTest, TrimsTheTwoEndsDifferently) {
-  const std::tuple<void (Text::*)(), string, string> kRows[] = {{&Text::TrimLeft, "\n \t", ""},
-                                                                {&Text::TrimRight, "", " \t\r\n"},
-                                                                {&Text::Trim, "\n \t", " \t\r\n"}};
-  for (unsigned number = 0; number < 5 * 5 * 5 * 5 * 5 * 5; ++number) {
-    string value;
-    for (unsigned rest = number; rest > 0; rest /= 5) value += " \t\r\nx"[rest % 5];
-    for (const auto& [trim, left, right] : kRows) {
-      string plain = value;
-      while (!plain.empty() && left.find(plain[0]) != string::npos) plain.erase(0, 1);
-      while (!plain.empty() && right.find(plain.back()) != string::npos) plain.pop_back();
-      Text text = value;
-      (text.*trim)();
-      ASSERT_EQ(text.Std(), plain);
-    }
-  }
 }
 
 }  // namespace

@@ -1,12 +1,10 @@
 #include <vq_client_common/text/ConvertFunctions.h>
 
 #include <functional>
-#include <random>
 #include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <tests/fixture/LogCapture.h>
 
 namespace {
 
@@ -44,7 +42,7 @@ string Decoded(const string& buffer) {
   }
 }
 
-TEST(ConversionTest, EachTextGetsItsForm) {
+TEST(ConversionTest, Formats) {
   const string k9999(9999, 'x');
   const struct {
     std::function<string(const string&)> convert;
@@ -86,64 +84,8 @@ TEST(ConversionTest, EachTextGetsItsForm) {
   string out = "kept";
   FormatRetentionValues("", out, false);
   EXPECT_EQ(out, "kept");
-}
-
-TEST(ConversionTest, FormattersLogWhatTheyDid) {
-  const vq::test::LogCapture log(6);
-  string out;
-  FormatExecTime("", out);
-  FormatInterval("5", out);
-  FormatShiftNum("-3", out);
-  FormatRetentionValues("7", out, false);
-  EXPECT_EQ(log.Text(),
-            "6 FormatExecTime: Enter\n5 FormatExecTime: ExecTime: before - , after - \n"
-            "6 FormatInterval: Enter\n5 FormatInterval: Interval: before - 5, after - 00005M\n"
-            "6 FormatShiftNum: Enter\n5 FormatShiftNum: ShiftNum: before - -3, after - --3\n"
-            "6 FormatRetentionValues: Enter\n");
-}
-
-// The encoding as it is defined, step by step on a copy.
-string PlainEncoded(string copy, std::size_t maxLine) {
-  string buffer;
-  while (!copy.empty()) {
-    const std::size_t p = copy.find("\r\n");
-    string line = copy.substr(0, std::min(p, maxLine));
-    const bool cut = std::min(p, copy.size()) > maxLine;
-    copy.erase(0, cut ? maxLine : p == string::npos ? p : p + 2);
-    if (p == string::npos && (line == " " || line.find_first_not_of(' ') != string::npos)) {
-      line.erase(line.find_last_not_of(' ') + 1);
-    }
-    buffer += std::to_string(10000 + line.size()).substr(1) + line;
-    if (p != string::npos && copy.empty()) buffer += "0000";
-  }
-  return buffer;
-}
-
-TEST(LineBufferTest, AgreesWithThePlainFormAndComesBack) {
-  std::mt19937 random(53);
-  const string kPieces[] = {"a", " ", "\r", "\n", "\r\n", "0", "0000", "2", "-", "0003"};
-  for (int round = 0; round < 20000; ++round) {
-    string text;
-    for (std::size_t i = 0, size = random() % 24; i < size; ++i) text += kPieces[random() % 10];
-    if (round % 4 == 0) text.append(random() % 300, 'x').append("\r\n").append(random() % 300, 'y');
-    const unsigned maxLine = 1 + static_cast<unsigned>(random() % (round % 3 == 0 ? 9 : 200));
-    ASSERT_EQ(Encoded(text, maxLine), PlainEncoded(text, maxLine)) << text;
-    string inPlace = text += "end";  // a line that is not trimmed
-    ConvertLines2Buffer(inPlace, inPlace, 9999);
-    ASSERT_EQ(inPlace, PlainEncoded(text, 9999));
-    ASSERT_EQ(Decoded(inPlace), "1" + text);
-    ASSERT_EQ(ConvertBuffer2Lines(inPlace, inPlace), 1);
-    ASSERT_EQ(inPlace, text);
-  }
-}
-
-TEST(LineBufferTest, GrowsAndRefusesALimitOfZero) {
-  string text;
-  for (int i = 0; i < 999; ++i) text += "\r\n";
-  EXPECT_EQ(Encoded(text, 80), string(4000, '0'));
   EXPECT_EQ(Encoded("", 0), "");
-  EXPECT_THROW(ConvertLines2Buffer("abc", text, 0), std::invalid_argument);
-  EXPECT_EQ(text.size(), 2 * 999U);
+  EXPECT_THROW(Encoded("abc", 0), std::invalid_argument);
 }
 
 }  // namespace

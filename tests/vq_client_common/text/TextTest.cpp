@@ -1,14 +1,18 @@
+// Table paths, the lengths of fields, and a server's error messages.
+#include <vq_client_common/text/FieldLength.h>
+#include <vq_client_common/text/TErrMsg.h>
 #include <vq_client_common/text/TablePath.h>
 
-#include <random>
+#include <sstream>
+#include <stdexcept>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace {
 
 using List = std::list<std::string>;
 
-TEST(TablePathTest, AppendJoinsWithOneSeparator) {
+TEST(TablePathTest, Append) {
   // The path, the name, and the output before and after.
   const char* const kRows[][4] = {{"T1", "T2", "old", "T1/T2"},
                                   {"T1/", "T2", "", "T1/T2"},
@@ -22,7 +26,7 @@ TEST(TablePathTest, AppendJoinsWithOneSeparator) {
   }
 }
 
-TEST(TablePathTest, PathsComeApart) {
+TEST(TablePathTest, Split) {
   const std::tuple<std::string, List, List, List> kRows[] = {
       {"T1/T2/T3", {"T1", "T2", "T3"}, {"T1", "T2/T3"}, {"T1/T2", "T3"}},
       {"T1", {"T1"}, {"T1", ""}, {"T1", "T1"}},  // the two ends differ
@@ -45,7 +49,7 @@ TEST(TablePathTest, PathsComeApart) {
   }
 }
 
-TEST(TablePathTest, BelongingIsTheReverseOfItsName) {
+TEST(TablePathTest, BelongsByLength) {
   for (const char* second : {"CD", "CD/E"}) EXPECT_TRUE(DoesTableBelongToTable("AB", second));
   for (const char* second : {"AB", "AB/T", "T/AB", "CDE", "CD/", "CDE/F", "C/DE", "D", ""}) {
     EXPECT_FALSE(DoesTableBelongToTable("AB", second)) << second;
@@ -53,17 +57,73 @@ TEST(TablePathTest, BelongingIsTheReverseOfItsName) {
   EXPECT_FALSE(DoesTableBelongToTable("", "/a"));
 }
 
-TEST(TablePathTest, SplitAndJoinAreInverse) {
-  std::mt19937 random(5);
-  List names;
-  std::string path;
-  for (int round = 0; round < 500; ++round) {
-    names.emplace_back(1 + random() % 3, static_cast<char>('a' + random() % 26));
-    AppendToTablePath(path, names.back(), path);
-    List split;
-    SplitTablePath(path, split);
-    ASSERT_EQ(split, names);
+// By length here and by field in the code, so that one slip does not hide in the other.
+TEST(FieldLengthTest, EveryFieldHasItsLength) {
+  int count = 0;
+  for (const char* row :
+       {"64: 0 2 3 5 15 17 20", "255: 1 6 9 16", "32: 4", "6: 7", "4000: 8 30", "10: 10 13",
+        "50: 11", "20: 12 19 31", "44: 14", "5: 18 23", "3: 21 22", "200: 24 26", "400: 25 27",
+        "300: 28", "500: 29", "0: 32 33 1000 2147483647 -1 -10 -2147483648"}) {
+    std::istringstream numbers(row);
+    int length = 0;
+    numbers >> length;
+    numbers.ignore();
+    for (int number = 0; numbers >> number; ++count) {
+      const auto field = static_cast<QCSFieldName>(number);
+      EXPECT_EQ(GetFieldLength(field, false), length) << number;
+      EXPECT_EQ(GetFieldLength(field, true), number == 10 ? 8 : length) << number;
+      const int length640 = number == 10 ? 30 : number == 11 ? 4000 : length;
+      EXPECT_EQ(GetFieldLength640(field), length640) << number;
+    }
   }
+  EXPECT_EQ(count, 32 + 7);
+}
+
+TEST(TErrMsgTest, PrintsAndResets) {
+  TErrMsg message;
+  EXPECT_STREQ(message.GetAsString(), "UNK [UNK]\t[00]\t1\t");
+  EXPECT_TRUE(message.IsValidMessage() && !message.IsInternalErr());
+  message.SetMemName("MEMBER");
+  message.SetIndex(7);
+  message.SetTRC(36);
+  message.SetMsg("100%s full");
+  message.SetConvertErr(true);
+  message.SetConvertMsg("cannot convert");
+  TErrMsg copy;
+  copy = message;
+  message.ResetMessage();
+  EXPECT_STREQ(message.GetAsString(), "UNK [unk]\t[00]\t1\t");
+  EXPECT_STREQ(copy.GetAsString(), "UNK [UNK]\t[07]\t36\t100%s full");
+  EXPECT_TRUE(copy.IsInternalErr());
+  for (const TErrMsg& one : {message, copy}) {
+    EXPECT_STREQ(one.GetMemName(), "MEMBER");
+    EXPECT_STREQ(one.GetConvertMsg(), "cannot convert");
+    EXPECT_TRUE(one.IsConvertErr() && !one.IsValidMessage());
+  }
+  copy.SetConvertErr(false);
+  EXPECT_FALSE(copy.IsValidMessage()) << "the code is 36";
+  copy.SetIndex(-123);
+  copy.SetMsg(BaseString(2000, 'x'));
+  EXPECT_EQ(copy.GetAsString().Std(), "UNK [UNK]\t[-123]\t36\t" + std::string(979, 'x'));
+}
+
+TEST(TErrMsgsTest, RefusesBadIndex) {
+  TErrMsgs messages;
+  TErrMsg message;
+  for (const int index : {10, 11}) {
+    message.SetIndex(index);
+    messages.AddMsg(message);
+  }
+  const TErrMsgs& constant = messages;
+  messages.GetMsg(1).SetTRC(36);
+  constant.GetMsg(1).SetTRC(1);  // a copy
+  EXPECT_TRUE(constant.GetMsgRef(1).IsInternalErr() && constant.GetMsg(1).GetIndex() == 11);
+  const auto kRaises = testing::ThrowsMessage<std::out_of_range>("invalid vector<T> subscript");
+  EXPECT_THAT([&] { messages.GetMsg(2); }, kRaises);
+  EXPECT_THAT([&] { constant.GetMsg(4000000000U); }, kRaises);
+  EXPECT_THAT([&] { constant.GetMsgRef(2); }, kRaises);
+  messages.RemoveAll();
+  EXPECT_EQ(messages.GetSize(), 0U);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
 
+#include <array>
 #include <climits>
 #include <stdexcept>
 
@@ -53,7 +54,7 @@ class ForecastTimesTest : public ::testing::Test {
   vq::test::LogCapture m_log{5};
 };
 
-TEST_F(ForecastTimesTest, ReadsTheOffsetInTheBrackets) {
+TEST_F(ForecastTimesTest, ReadsOffset) {
   const std::pair<const char*, int> offsets[] = {{"(GMT+02:00) Jerusalem", -7200},
                                                  {"(GMT-05:00)", 18000},
                                                  {"(GMT+05.30)", -19800},
@@ -70,8 +71,8 @@ TEST_F(ForecastTimesTest, ReadsTheOffsetInTheBrackets) {
                                                  {"(:)", 0}};
   for (const auto& [text, seconds] : offsets) {
     EXPECT_EQ(m_times.GetUtcOffset(text), seconds) << text;
-    EXPECT_EQ(m_log.Take(), Lines()) << text;
   }
+  EXPECT_EQ(m_log.Take(), Lines());
   const std::pair<std::string, std::string> missing[] = {
       {"GMT+2", "left"}, {"GMT+02:00)", "left"}, {"()", "right"}, {")(GMT+02:00", "right"}};
   for (const auto& [text, side] : missing) {
@@ -84,7 +85,7 @@ TEST_F(ForecastTimesTest, ReadsTheOffsetInTheBrackets) {
   }
 }
 
-TEST_F(ForecastTimesTest, ReadsTheNewDay) {
+TEST_F(ForecastTimesTest, ReadsNewDay) {
   const std::pair<const char*, std::int32_t> usable[] = {
       {"", 0},           {"0000", 0},      {"07:30", 27000},  {"+7:30", 27000},  {"+0700", 25200},
       {"-0700", -25200}, {"-1:30", -1800}, {"07030", 253800}, {"99:99", 362340}, {"abcde", 0}};
@@ -124,7 +125,7 @@ TEST_F(ForecastTimesTest, FindsTheFirstUnusableRecord) {
   }
 }
 
-TEST_F(ForecastTimesTest, AnUnusableNewDayIsTakenUpAgainForAsLongAsItStands) {
+TEST_F(ForecastTimesTest, RetriesUnusableNewDay) {
   const auto sink = TDiag::Instance()->AddCallbackSink([this](const TDiagLine& line) {
     const std::ptrdiff_t refusals = m_log.Count(4, "");
     if (line.level == 4 && refusals == 1000) m_records[1].m_NewDayTime = "07:00";
@@ -139,7 +140,7 @@ TEST_F(ForecastTimesTest, AnUnusableNewDayIsTakenUpAgainForAsLongAsItStands) {
   EXPECT_EQ(m_times.FindDcTimeInfo("DC3"), nullptr);
 }
 
-TEST_F(ForecastTimesTest, TakesTheWorkingDateFromTheRecordOrTheClock) {
+TEST_F(ForecastTimesTest, ReadsWorkingDate) {
   os_time_and_date::set_clock(
       [] { return os_time_and_date(os_time(3, 0, 0), os_date(2031, 5, 6)).utc_time_and_date(); });
   const struct {
@@ -163,7 +164,7 @@ TEST_F(ForecastTimesTest, TakesTheWorkingDateFromTheRecordOrTheClock) {
   EXPECT_THROW(Init({Record("(GMT)", "", "20230229")}, true), os_toolkit_error);
 }
 
-TEST_F(ForecastTimesTest, SummerMarksMakeARuleOrNoneOrRaise) {
+TEST_F(ForecastTimesTest, SummerMarksMakeARule) {
   const struct {
     const char *start, *end;
     os_calendar_date from, to;
@@ -195,7 +196,7 @@ TEST_F(ForecastTimesTest, SummerMarksMakeARuleOrNoneOrRaise) {
   }
 }
 
-TEST_F(ForecastTimesTest, MidnightAndOffsetFollowTheSummerMarks) {
+TEST_F(ForecastTimesTest, MidnightAndOffsetFollowSummerMarks) {
   const struct {
     const char *zone, *newDay, *odat, *start, *end;
     std::int64_t midnight;
@@ -216,7 +217,7 @@ TEST_F(ForecastTimesTest, MidnightAndOffsetFollowTheSummerMarks) {
   }
 }
 
-TEST_F(ForecastTimesTest, ZonesAreSharedAndOutliveTheTable) {
+TEST_F(ForecastTimesTest, ZonesOutliveTheTable) {
   Init({Named("DC1", "(GMT+02:00)"), Named("DC2", "(GMT+02:00)"), Named("DC3", "(GMT+03:00)"),
         Named("DC1", "(GMT+03:00)")});
   const os_time_zone& zone = m_times.GetOsTimeZone("DC2");
@@ -233,7 +234,7 @@ TEST_F(ForecastTimesTest, ZonesAreSharedAndOutliveTheTable) {
   EXPECT_TRUE(copy.IsConvertTimeLocally());
 }
 
-TEST_F(ForecastTimesTest, ARecordIsFoundByTheBufferOfItsNameAndNotByACopy) {
+TEST_F(ForecastTimesTest, FindsRecordByBuffer) {
   const std::string name = "DC";
   Init({Record("(GMT)")});
   EXPECT_EQ(OpenForecastTimes::GetCommAdminStructByDc(m_records, name), nullptr);
@@ -242,7 +243,7 @@ TEST_F(ForecastTimesTest, ARecordIsFoundByTheBufferOfItsNameAndNotByACopy) {
   EXPECT_EQ(m_records[0].m_Name._retn(), name.c_str());
 }
 
-TEST_F(ForecastTimesTest, ConvertsWhatADataCentersClockShows) {
+TEST_F(ForecastTimesTest, ConvertsToClockTime) {
   Init({Record("(GMT+02:00)")});
   const std::int64_t midnight = kJuly1 - 7200;
   const std::pair<long long, const char*> known[] = {{midnight, "00:00:00"},
@@ -268,6 +269,51 @@ TEST_F(ForecastTimesTest, ConvertsWhatADataCentersClockShows) {
   EXPECT_EQ(OpenForecastTimes().GetOdatMidnightForDc("none"), 0);
   EXPECT_EQ(m_log.Take(), (Lines{line + "Time Zone will be considered as greenwich",
                                  line + "Gmt midnight will be used"}));
+}
+
+using Times = ForecastTimesManipulationMP;
+using Parts = std::array<int, 4>;  // day, hour, minute, second
+
+TEST(TimeConversionTest, SplitsPrintsAndJoins) {
+  constexpr Parts kUntouched{77, 77, 77, 77};  // a time that is refused
+  const struct {
+    std::int32_t t;
+    Parts parts;
+    const char *text, *minutes;
+  } cases[] = {{0, {-3, 0, 0, 0}, "(-3)00:00:00", "(-3)00:00"},
+               {259199, {-1, 23, 59, 59}, "(-1)23:59:59", "(-1)23:59"},
+               {259200, {0, 0, 0, 0}, "00:00:00", "00:00"},
+               {349261, {1, 1, 1, 1}, "(+1)01:01:01", "(+1)01:01"},
+               {NO_TIME - 1, {24852, 3, 13, 57}, "(+24852)03:13:57", "(+24852)03:13"},
+               {NO_TIME, kUntouched, "", ""},
+               {INT_MAX, kUntouched, "", ""},
+               {-1, kUntouched, "", ""}};
+  for (const auto& [t, parts, text, minutes] : cases) {
+    Parts p = kUntouched;
+    EXPECT_EQ(Times::ConvertTimeToDayHourMin(t, p[0], p[1], p[2], p[3]), *text != '\0');
+    EXPECT_EQ(p, parts) << t;
+    EXPECT_EQ(Times::ConvertTimeToStrWithDays(t, true), text);
+    EXPECT_EQ(Times::ConvertTimeToStrWithDays(t, false), minutes);
+    EXPECT_TRUE(*text == '\0' || Times::ConvertToTime(p[0], p[1], p[2], p[3]) == t);
+  }
+}
+
+TEST(TimeConversionTest, WrapsInThirtyTwoBits) {
+  EXPECT_EQ(Times::ConvertToTime(0, 25, -1, 61), 259200 + 25 * 3600 - 60 + 61);
+  EXPECT_EQ(Times::ConvertToTime(INT_MAX, INT_MAX, INT_MAX, INT_MAX),
+            static_cast<std::int32_t>((INT_MAX + 3LL) * 86400 + INT_MAX * 3661LL));
+  const struct {
+    long long t;
+    int newBase;
+    long long oldBase;
+    std::int32_t result;
+  } cases[] = {{NO_TIME, 5, 7, NO_TIME},    {100, 5, 7, 98},
+               {0x100000064, 5, 7, 98},     {100, 5, 0x300000007, 98},
+               {INT_MAX, 1, 0, INT_MIN},    {0x100000000LL + NO_TIME, 5, 7, NO_TIME - 2},
+               {LLONG_MIN, 0, LLONG_MAX, 1}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(Times::ConvertTimeT(c.t, c.newBase, c.oldBase), c.result) << c.t;
+  }
 }
 
 }  // namespace
