@@ -9,14 +9,16 @@
 #include <unistd.h>
 
 #include <tests/fixture/LogCapture.h>
+#include <tests/fixture/Rows.h>
 #include <tests/support/diagnostics/StandardInput.h>
 
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::MatchesRegex;
+using std::string_literals::operator""s;
 
-TEST(ConsoleScriptTest, ALineIsReadForEachAnswer) {
+TEST(ConsoleScriptTest, ReadsOneLineEach) {
   const std::string longest(4096, 'x');
   const struct {
     std::optional<std::string> input;
@@ -58,24 +60,20 @@ class PasswordFileTest : public ::testing::Test {
   const vq::test::TemporaryDirectory m_directory;
 };
 
-TEST_F(PasswordFileTest, LinesGiveUserAndPassword) {
+TEST_F(PasswordFileTest, ReadsLines) {
   const std::string head = "user=u\npassword=p\n#";
-  const std::pair<std::string, const char*> cases[] = {
-      {"# c\n\n \t\npassword= a = b #\r\nuser=operator", "1|operator| a = b #"},
-      {"user=operator\n", "1|operator|-"},
-      {"password=sesame", "1|-|sesame"},
-      {"user=\npassword=\n", "1||"},
-      {"", "1|-|-"},
-      {"user=operator\nUSER=x\n", "0|-|-"},
-      {" user=operator\n", "0|-|-"},
-      {"user=a\npassword=b\nuser=a\n", "0|-|-"},
-      {std::string("user=a\0b\npassword=c\n", 20), "0|-|-"},
-      {head + std::string(65536 - head.size(), 'x'), "1|u|p"},
-      {head + std::string(65537 - head.size(), 'x'), "0|-|-"}};
-  for (const auto& [text, result] : cases) EXPECT_EQ(Read(Written(text)), result) << text;
+  vq::test::ExpectRows(
+      [&](const std::string& text) { return Read(Written(text)); },
+      {"# c\n\n \t\npassword= a = b #\r\nuser=operator -> 1|operator| a = b #",
+       "user=operator\n -> 1|operator|-", "password=sesame -> 1|-|sesame",
+       "user=\npassword=\n -> 1||", " -> 1|-|-", "user=operator\nUSER=x\n -> 0|-|-",
+       " user=operator\n -> 0|-|-", "user=a\npassword=b\nuser=a\n -> 0|-|-",
+       "user=a\0b\npassword=c\n -> 0|-|-"s,
+       head + std::string(65536 - head.size(), 'x') + " -> 1|u|p",
+       head + std::string(65537 - head.size(), 'x') + " -> 0|-|-"});
 }
 
-TEST_F(PasswordFileTest, OnlyAPrivateRegularFileOfThatNameIsReadAndTheLogTellsWhyNot) {
+TEST_F(PasswordFileTest, ReadsPrivateFilesOnly) {
   for (const mode_t mode : {0400U, 0700U, 0640U, 0604U, 0620U, 0602U, 0610U, 0601U}) {
     const bool isPrivate = (mode & 077U) == 0;
     EXPECT_EQ(Read(Written("user=u", mode)), isPrivate ? "1|u|-" : "0|-|-") << std::oct << mode;
@@ -109,7 +107,7 @@ class TDiagTest : public ::testing::Test {
   vq::test::LogCapture m_log{4};
 };
 
-TEST_F(TDiagTest, LinesUpToTheLevelAreWrittenAndNoOthersEvaluated) {
+TEST_F(TDiagTest, WritesUpToTheLevel) {
   for (int level = 2; level <= 6; ++level) VQ_LOG(diagModule, level) << "at " << level;
   EXPECT_THAT(m_log.Take(), ElementsAre("2 at 2", "3 at 3", "4 at 4"));
   int evaluated = 0;
@@ -119,19 +117,24 @@ TEST_F(TDiagTest, LinesUpToTheLevelAreWrittenAndNoOthersEvaluated) {
   EXPECT_EQ(evaluated, 0);
 }
 
-TEST_F(TDiagTest, TheStandardErrorStreamIsOneSinkUntilItIsRemoved) {
+TEST_F(TDiagTest, StderrIsOneSink) {
   TDiag* const log = TDiag::Instance();
   const TDiag::SinkId first = log->AddStandardErrorSink();
+  int others = 0;  // a second sink beside it
+  const TDiag::SinkId second = log->AddCallbackSink([&](const TDiagLine&) { ++others; });
   EXPECT_EQ(log->AddStandardErrorSink(), first);
   ::testing::internal::CaptureStderr();
   VQ_LOG(diagModule, 1) << "once";
   const std::string written = ::testing::internal::GetCapturedStderr();
   EXPECT_EQ(std::ranges::count(written, '\n'), 1) << written;
+  log->RemoveSink(second);
+  EXPECT_EQ(log->AddStandardErrorSink(), first) << "still there";
   log->RemoveSink(first);
+  EXPECT_EQ(others, 1);
   EXPECT_NE(log->AddStandardErrorSink(), first);
 }
 
-TEST_F(TDiagTest, AScopeLogsItsEntryAndNamesItsLines) {
+TEST_F(TDiagTest, ScopeNamesItsLines) {
   TDiag::Instance()->SetMinimumDebugLevel(6);
   const TDiagFunc diag(diagModule, "Some::Function");
   VQ_LOG(diag, 2) << "flag " << true << ", number " << -7 << ", real " << 1.5 << '.';
@@ -139,7 +142,7 @@ TEST_F(TDiagTest, AScopeLogsItsEntryAndNamesItsLines) {
             "6 Some::Function: Enter\n2 Some::Function: flag 1, number -7, real 1.5.\n");
 }
 
-TEST_F(TDiagTest, AModuleMayHaveALevelOfItsOwnAndTheClassMaskSelects) {
+TEST_F(TDiagTest, ModuleLevelsAndClasses) {
   TDiag::Instance()->ApplyLevels("1,TDiagTest=5,nonsense,Other=x,Another=0");
   const TDiagRegister other("Other"), another("Another");
   EXPECT_TRUE(diagModule.IsActive(5) && !diagModule.IsActive(6));
@@ -153,7 +156,7 @@ TEST_F(TDiagTest, AModuleMayHaveALevelOfItsOwnAndTheClassMaskSelects) {
   EXPECT_THAT(m_log.Take(), ElementsAre("1 kept", "1 in all classes"));
 }
 
-TEST_F(TDiagTest, ACallbackThatLogsIsNotCalledForThat) {
+TEST_F(TDiagTest, CallbackMayLog) {
   EXPECT_EQ(TDiag::Instance()->AddCallbackSink(nullptr), 0U);
   int calls = 0;
   TDiag::Instance()->AddCallbackSink([&](const TDiagLine&) {
@@ -165,7 +168,7 @@ TEST_F(TDiagTest, ACallbackThatLogsIsNotCalledForThat) {
   EXPECT_THAT(m_log.Take(), ElementsAre("1 line"));
 }
 
-TEST_F(TDiagTest, AFileSinkKeepsForeignTextFromPassingForALineOrReachingATerminal) {
+TEST_F(TDiagTest, FileSinkEscapesForeignText) {
   const vq::test::TemporaryDirectory directory;
   ASSERT_NE(TDiag::Instance()->AddFileSink(directory / "log"), 0U);
   VQ_LOG(diagModule, 1) << "first\nL1 forged:\tsecond\r\x1b[2J\xc3\xa9";

@@ -136,14 +136,11 @@ TEST(ReplaceFirst, FindsMarkThatWasFilledIn) {
 
 TEST(Platform, AnswersUnlessReplaced) {
   std::string name;
-  EXPECT_TRUE(vq::HostName(name));
-  EXPECT_FALSE(name.empty());
+  EXPECT_TRUE(vq::HostName(name) && !name.empty());
   if (const passwd* account = ::getpwuid(::geteuid())) {
-    const std::string own = account->pw_name;
-    EXPECT_TRUE(vq::AccountName(name, own.size() + 1));
-    EXPECT_EQ(name, own);
-    EXPECT_FALSE(vq::AccountName(name, own.size()));
-    EXPECT_EQ(name, "");
+    const std::size_t size = std::string(account->pw_name).size();
+    EXPECT_TRUE(vq::AccountName(name, size + 1) && name == account->pw_name);
+    EXPECT_FALSE(vq::AccountName(name, size) || !name.empty());
   }
   const struct Refusing : vq::Platform {
     bool HostName(std::string&) const override { return false; }

@@ -149,11 +149,9 @@ TEST(OmniOrbOptionsTest, Translates) {
   };
   test::ExpectRows(
       value,
-      {"endPoint -> giop:tcp::", "endPointPublish -> addr", "clientConnectTimeOutPeriod -> 0",
-       "clientCallTimeOutPeriod -> 60000", "giopMaxMsgSize -> 268435456",
-       "verifyObjectExistsAndType -> 0", "nativeCharCodeSet -> VQ-BYTES",
-       "offerBiDirectionalGIOP -> 0", "clientTransportRule -> * unix,tcp,ssl,bidir", "InitRef -> ",
-       "offerBiDirectionalGIOP -BiDirPolicy=1 -> 1",
+      {"endPoint -> giop:tcp::", "endPointPublish -> addr", "InitRef -> ",
+       "clientConnectTimeOutPeriod -> 0", "verifyObjectExistsAndType -> 0",
+       "clientTransportRule -> * unix,tcp,ssl,bidir",
        "clientTransportRule -SSLCACertificate=ca.pem -> * ssl,tcp,bidir",
        "endPoint -ORBListenEndpoints=iiop://h:5000 -> giop:tcp:h:5000",
        "endPoint -ORBListenEndpoints=iiop://h:50/portspan=10 -> giop:tcp:h:50-59",

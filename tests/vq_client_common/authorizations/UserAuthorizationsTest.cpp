@@ -252,4 +252,23 @@ TEST_F(UserAuthorizationsTest, AsksForQueries) {
   EXPECT_EQ(active, nullptr);
 }
 
+// Some 4 MB on the wire, beyond what an ORB takes unless told.
+TEST_F(UserAuthorizationsTest, LoadsManyGrants) {
+  json site = vq::test::BaseSite();
+  json& grants = site["groups"]["team"]["grants"]["tables"];
+  for (int i = 0; i < 2'000; ++i) {
+    const std::string name =
+        "DATACENTER = 'PROD' AND NAME LIKE 'TABLE_" + std::to_string(i) + "_*'";
+    grants.push_back({{"criteria", name}, {"level", "UPDATE_ACCESS"}});
+  }
+  site["users"]["alice"]["groups"] = std::vector<std::string>(40, "team");
+  StartSession(site);
+  ASSERT_EQ(GL_PostLogin(m_message), 1) << m_message;
+  for (const char* name : {"TABLE_1999_X", "TABLE_2000_X"}) {
+    QCSObject table = Named(name);
+    table.SetAttribute("DATACENTER", "PROD");
+    EXPECT_EQ(May().IsSchedTblAccessAllowed(table, UPDATE_ACCESS), name[6] == '1');
+  }
+}
+
 }  // namespace

@@ -1,14 +1,18 @@
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
 
-#include <array>
 #include <climits>
+#include <sstream>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 #include <tests/fixture/LogCapture.h>
+#include <tests/fixture/Rows.h>
 #include <vq_idl/AdministrationRecordsC.h>
 
 namespace {
+
+using vq::test::ExpectRows;
+using vq::test::Take;
 
 // Opens what the class keeps for its derived classes.
 struct OpenForecastTimes : ForecastTimesManipulationMP {
@@ -17,20 +21,17 @@ struct OpenForecastTimes : ForecastTimesManipulationMP {
   using ForecastTimesManipulationMP::GetUtcOffset;
 };
 
-QCSCommAdminStruct Record(const char* timeZone, const char* newDay = "", const char* odat = "",
-                          const char* summerStart = "", const char* summerEnd = "",
-                          const char* name = "DC") {
+// Of a text such as "(GMT+02:00)|07:00|20240701|20240331|20241027|NAME": the time zone, the new-day
+// time, the working date and the marks of summer time.
+QCSCommAdminStruct Record(std::string text) {
   QCSCommAdminStruct record;
-  record.m_Name = name;
-  record.m_TimeZone = timeZone;
-  record.m_NewDayTime = newDay;
-  record.m_Odat = odat;
-  record.m_StartSummerTime = summerStart;
-  record.m_EndSummerTime = summerEnd;
+  for (auto member : {&QCSCommAdminStruct::m_TimeZone, &QCSCommAdminStruct::m_NewDayTime,
+                      &QCSCommAdminStruct::m_Odat, &QCSCommAdminStruct::m_StartSummerTime,
+                      &QCSCommAdminStruct::m_EndSummerTime, &QCSCommAdminStruct::m_Name}) {
+    record.*member = Take(text, '|').c_str();
+  }
+  if (*record.m_Name.in() == '\0') record.m_Name = "DC";
   return record;
-}
-QCSCommAdminStruct Named(const char* name, const char* timeZone, const char* newDay = "") {
-  return Record(timeZone, newDay, "", "", "", name);
 }
 
 const os_time_and_date kNow(os_time(12, 0, 0), os_date(2024, 7, 1));
@@ -40,12 +41,9 @@ using Lines = std::vector<std::string>;
 class ForecastTimesTest : public ::testing::Test {
  protected:
   ~ForecastTimesTest() override { os_time_and_date::set_clock(nullptr); }
-  void Init(const std::vector<QCSCommAdminStruct>& records, bool useOdat = false) {
-    m_records.length(0);
-    for (const QCSCommAdminStruct& record : records) {
-      m_records.length(m_records.length() + 1);
-      m_records[m_records.length() - 1] = record;
-    }
+  void Init(const Lines& records, bool useOdat = false) {
+    m_records.length(static_cast<CORBA::ULong>(records.size()));
+    for (CORBA::ULong i = 0; i < m_records.length(); ++i) m_records[i] = Record(records[i]);
     m_times.Init(kNow, false, &m_records, useOdat);
   }
 
@@ -55,74 +53,55 @@ class ForecastTimesTest : public ::testing::Test {
 };
 
 TEST_F(ForecastTimesTest, ReadsOffset) {
-  const std::pair<const char*, int> offsets[] = {{"(GMT+02:00) Jerusalem", -7200},
-                                                 {"(GMT-05:00)", 18000},
-                                                 {"(GMT+05.30)", -19800},
-                                                 {"a (GMT+1:30) (+9:00)", -5400},
-                                                 {"(GMT-00:30)", 1800},
-                                                 {"(GMT-1:30)", -1800},
-                                                 {"(a-b+05:30)", 19800},
-                                                 {"(05:30+-)", -19800},
-                                                 {"(ab:x)", 0},
-                                                 {"(ab:99999999999)", 60},
-                                                 {"(GMT)", 0},
-                                                 {"(GMT+02:)", 0},
-                                                 {"x(GMT) 05:30", 0},
-                                                 {"(:)", 0}};
-  for (const auto& [text, seconds] : offsets) {
-    EXPECT_EQ(m_times.GetUtcOffset(text), seconds) << text;
-  }
+  const auto offset = [&](const std::string& text) -> std::string {
+    try {
+      return std::to_string(m_times.GetUtcOffset(text));
+    } catch (const std::out_of_range&) {
+      return "raised";
+    }
+  };
+  ExpectRows(offset,
+             {"(GMT+02:00) Jerusalem -> -7200", "(GMT-05:00) -> 18000", "(GMT+05.30) -> -19800",
+              "a (GMT+1:30) (+9:00) -> -5400", "(GMT-00:30) -> 1800", "(GMT-1:30) -> -1800",
+              "(a-b+05:30) -> 19800", "(05:30+-) -> -19800", "(ab:x) -> 0",
+              "(ab:99999999999) -> 60", "(GMT) -> 0", "(GMT+02:) -> 0", "x(GMT) 05:30 -> 0",
+              "(:) -> 0", "(1:00) -> raised", "(:00) -> raised", "x(.5) -> raised"});
   EXPECT_EQ(m_log.Take(), Lines());
-  const std::pair<std::string, std::string> missing[] = {
-      {"GMT+2", "left"}, {"GMT+02:00)", "left"}, {"()", "right"}, {")(GMT+02:00", "right"}};
-  for (const auto& [text, side] : missing) {
+  const auto missing = [&](const std::string& text) {
     EXPECT_EQ(m_times.GetUtcOffset(text), 0) << text;
-    EXPECT_EQ(m_log.Take(),
-              Lines{"1 Unsupported GMT string '" + text + "', missing " + side + " bracket"});
-  }
-  for (const char* text : {"(1:00)", "(:00)", "x(.5)"}) {
-    EXPECT_THROW(m_times.GetUtcOffset(text), std::out_of_range) << text;
-  }
+    const bool left = m_log.Has(1, "Unsupported GMT string '" + text + "', missing left bracket");
+    const bool right = m_log.Has(1, "Unsupported GMT string '" + text + "', missing right bracket");
+    return std::string(left ? "left" : "") + (right ? "right" : "");
+  };
+  ExpectRows(missing,
+             {"GMT+2 -> left", "GMT+02:00) -> left", "() -> right", ")(GMT+02:00 -> right"});
 }
 
 TEST_F(ForecastTimesTest, ReadsNewDay) {
-  const std::pair<const char*, std::int32_t> usable[] = {
-      {"", 0},           {"0000", 0},      {"07:30", 27000},  {"+7:30", 27000},  {"+0700", 25200},
-      {"-0700", -25200}, {"-1:30", -1800}, {"07030", 253800}, {"99:99", 362340}, {"abcde", 0}};
-  for (const auto& [text, seconds] : usable) {
-    EXPECT_TRUE(OpenForecastTimes::IsUsableNewDay(text)) << text;
-    Init({Record("(GMT)", text)});
-    EXPECT_EQ(m_times.FindDcTimeInfo("DC")->newDayOffset, seconds) << text;
-  }
-  for (const char* text : {"0700", "0", "0000 0", "7:00"}) {
-    EXPECT_FALSE(OpenForecastTimes::IsUsableNewDay(text)) << text;
-  }
+  const auto seconds = [&](const std::string& text) -> std::string {
+    if (!OpenForecastTimes::IsUsableNewDay(text)) return "no";
+    Init({"(GMT)|" + text});
+    return std::to_string(m_times.FindDcTimeInfo("DC")->newDayOffset);
+  };
+  ExpectRows(seconds, {" -> 0", "0000 -> 0", "07:30 -> 27000", "+7:30 -> 27000", "-1:30 -> -1800",
+                       "07030 -> 253800", "99:99 -> 362340", "abcde -> 0", "0700 -> no", "0 -> no",
+                       "0000 0 -> no", "7:00 -> no"});
 }
 
-TEST_F(ForecastTimesTest, FindsTheFirstUnusableRecord) {
-  const struct {
-    QCSCommAdminStruct record;
-    bool useOdat;
-    const char* reason;
-  } cases[] = {
-      {Record("(GMT)", "0700"), false,
-       "the new-day time '0700' has not five characters, such as '+0700'"},
-      {Record("(1:00)"), false, "the time zone '(1:00)' has no hours before its minutes, "},
-      {Record("(GMT)", "", "", "20240331"), false, "summer marks '20240331' and '' are not"},
-      {Record("(GMT)", "", "20240230"), true, "no such date: 2024-02-30"},
-  };
-  m_records.length(3);
-  m_records[0] = m_records[2] = Record("(GMT)", "+0700", "20240701");
-  for (const auto& row : cases) {
+TEST_F(ForecastTimesTest, FindsFirstUnusableRecord) {
+  const auto find = [&](const std::string& text) {
+    m_records.length(3);
+    m_records[0] = m_records[2] = Record("(GMT)|+0700|20240701");
+    m_records[1] = Record(text);
     std::string reason = "none";
-    m_records[1] = m_records[0];
-    EXPECT_EQ(ForecastTimesManipulationMP::FirstUnusableRecord(m_records, row.useOdat, reason),
-              std::nullopt);
-    EXPECT_EQ(reason, "none");
-    m_records[1] = row.record;
-    EXPECT_EQ(ForecastTimesManipulationMP::FirstUnusableRecord(m_records, row.useOdat, reason), 1U);
-    EXPECT_NE(reason.find(row.reason), std::string::npos) << reason;
-  }
+    const auto found = OpenForecastTimes::FirstUnusableRecord(m_records, true, reason);
+    return (found ? std::to_string(*found) + ": " : "") + reason.substr(0, 41);
+  };
+  ExpectRows(find, {"(GMT)|+0700|20240701 -> none",
+                    "(GMT)|0700 -> 1: the new-day time '0700' has not five char",
+                    "(1:00) -> 1: the time zone '(1:00)' has no hours befor",
+                    "(GMT)|||20240331 -> 1: the time zone '(GMT)' has no hours before",
+                    "(GMT)||20240230 -> 1: no such date: 2024-02-30"});
 }
 
 TEST_F(ForecastTimesTest, RetriesUnusableNewDay) {
@@ -131,7 +110,7 @@ TEST_F(ForecastTimesTest, RetriesUnusableNewDay) {
     if (line.level == 4 && refusals == 1000) m_records[1].m_NewDayTime = "07:00";
     if (line.level == 4 && refusals == 1003) m_records.length(2);
   });
-  Init({Named("DC1", "(GMT)"), Named("DC2", "(GMT)", "0700"), Named("DC3", "(GMT)", "x")});
+  Init({"(GMT)|||||DC1", "(GMT)|0700||||DC2", "(GMT)|x||||DC3"});
   TDiag::Instance()->RemoveSink(sink);
   Lines lines(1000, "4 Invalid new day time format (0700) for datacenter DC2, skip it");
   lines.resize(1003, "4 Invalid new day time format (x) for datacenter DC3, skip it");
@@ -143,83 +122,70 @@ TEST_F(ForecastTimesTest, RetriesUnusableNewDay) {
 TEST_F(ForecastTimesTest, ReadsWorkingDate) {
   os_time_and_date::set_clock(
       [] { return os_time_and_date(os_time(3, 0, 0), os_date(2031, 5, 6)).utc_time_and_date(); });
-  const struct {
-    const char* odat;
-    bool useOdat;
-    os_date date;
-    std::size_t lines;
-    std::int64_t reference;  // what an unknown data center gets
-  } cases[] = {{"20240229", true, {2024, 2, 29}, 0, 1709164800},
-               {"", true, {2031, 5, 6}, 1, 1935802800},
-               {"2024229", true, {2031, 5, 6}, 1, 1935802800},
-               {"202402290", true, {2031, 5, 6}, 1, 1935802800},
-               {"20240229", false, {2024, 7, 1}, 0, kJuly1 + 43200}};
-  for (const auto& c : cases) {
-    Init({Record("(GMT)", "", c.odat)}, c.useOdat);
-    EXPECT_EQ(m_times.FindDcTimeInfo("DC")->date, c.date) << c.odat;
-    EXPECT_EQ(m_log.Take(), Lines(c.lines, "5 VLT: DC ODAT is empty - using Current Time"));
-    EXPECT_EQ(m_times.GetOdatMidnightForDc("none"), c.reference) << c.odat;
+  const auto expect = [&](const std::string& odat, bool useOdat, os_date date, bool logs,
+                          std::int64_t reference) {  // what an unknown data center gets
+    Init({"(GMT)||" + odat}, useOdat);
+    EXPECT_EQ(m_times.FindDcTimeInfo("DC")->date, date) << odat;
+    EXPECT_EQ(m_log.Take(), Lines(logs ? 1 : 0, "5 VLT: DC ODAT is empty - using Current Time"));
+    EXPECT_EQ(m_times.GetOdatMidnightForDc("none"), reference) << odat;
     m_log.Clear();
-  }
-  EXPECT_THROW(Init({Record("(GMT)", "", "20230229")}, true), os_toolkit_error);
+  };
+  expect("20240229", true, {2024, 2, 29}, false, 1709164800);
+  expect("20240229", false, {2024, 7, 1}, false, kJuly1 + 43200);
+  for (const char* odat : {"", "2024229", "202402290"})
+    expect(odat, true, {2031, 5, 6}, true, 1935802800);
+  EXPECT_THROW(Init({"(GMT)||20230229"}, true), os_toolkit_error);
 }
 
 TEST_F(ForecastTimesTest, SummerMarksMakeARule) {
   const struct {
-    const char *start, *end;
+    const char* marks;
     os_calendar_date from, to;
     int firstYear, lastYear;
-  } cases[] = {{"20240331", "20241027", {3, 31}, {10, 27}, 2024, 2024},
-               {"20240331", "202410", {3, 31}, {10, 0}, 2024, 2024},
-               {"2024 3", "2025102799", {3, 0}, {10, 27}, 2024, 2025},
-               {"abcdefgh", "-123-4-5", {0, 0}, {-4, -5}, 0, -123}};
+  } cases[] = {{"20240331|20241027", {3, 31}, {10, 27}, 2024, 2024},
+               {"20240331|202410", {3, 31}, {10, 0}, 2024, 2024},
+               {"2024 3|2025102799", {3, 0}, {10, 27}, 2024, 2025},
+               {"abcdefgh|-123-4-5", {0, 0}, {-4, -5}, 0, -123}};
   for (const auto& c : cases) {
-    Init({Record("(GMT)", "", "", c.start, c.end)});
+    Init({std::string("(GMT)|||") + c.marks});
     const os_time_zone& zone = m_times.GetOsTimeZone("DC");
     EXPECT_EQ(zone.name() + zone.abbreviation(), "UTCUTC");
-    ASSERT_EQ(zone.rules().size(), 1U) << c.start;
+    ASSERT_EQ(zone.rules().size(), 1U) << c.marks;
     const os_simple_time_zone_rule& rule = zone.rules().front();
-    EXPECT_TRUE(rule.start() == c.from && rule.end() == c.to) << c.start << ' ' << c.end;
-    EXPECT_EQ(rule.first_year(), c.firstYear);
-    EXPECT_EQ(rule.last_year(), c.lastYear);
+    EXPECT_TRUE(rule.start() == c.from && rule.end() == c.to) << c.marks;
+    EXPECT_TRUE(rule.first_year() == c.firstYear && rule.last_year() == c.lastYear) << c.marks;
     EXPECT_EQ(rule.adjustment(), os_time_period(3600));
   }
-  Init({Record("(GMT)", "", "", "2024033", "2024102")});
+  Init({"(GMT)|||2024033|2024102"});
   EXPECT_TRUE(m_times.GetOsTimeZone("DC").rules().empty());
   // The first twice: nothing half-made is kept under the key of the marks that raised.
-  const char* const raising[][3] = {{"(GMT)", "20240331", ""},
-                                    {"(GMT)", "20240331", ""},
-                                    {"(GMT)", "20241", "20241027"},
-                                    {"(1:00)", "", ""}};
-  for (const auto& [zone, start, end] : raising) {
-    EXPECT_THROW(Init({Record(zone, "", "", start, end)}), std::out_of_range) << zone << start;
+  for (const char* raising :
+       {"(GMT)|||20240331|", "(GMT)|||20240331|", "(GMT)|||20241|20241027", "(1:00)"}) {
+    EXPECT_THROW(Init({raising}), std::out_of_range) << raising;
   }
 }
 
 TEST_F(ForecastTimesTest, MidnightAndOffsetFollowSummerMarks) {
-  const struct {
-    const char *zone, *newDay, *odat, *start, *end;
-    std::int64_t midnight;
-    std::int32_t utcOffset;
-  } cases[] = {{"(GMT+02:00)", "", "20240701", "", "", kJuly1 - 7200, -7200},
-               {"(GMT+02:00)", "", "20240701", "20240331", "20241027", kJuly1 - 10800, -10800},
-               {"(GMT-05:00)", "", "20240701", "20231001", "20240401", kJuly1 + 18000, 18000},
-               // The offset is that at the new-day time, which may lie beyond the day.
-               {"(GMT)", "24:00", "20240630", "20240701", "20241027", kJuly1 - 86400, -3600},
-               {"(GMT)", "-1:00", "20240701", "20240701", "20241027", kJuly1 - 3600, 0},
-               {"(GMT)", "-1:00", "20240701", "20240331", "20240701", kJuly1, -3600},
-               // Beyond 32 bits the midnight wraps.
-               {"(GMT)", "", "20400101", "", "", 2208988800 - 4294967296, 0}};
-  for (const auto& c : cases) {
-    Init({Record(c.zone, c.newDay, c.odat, c.start, c.end)}, true);
-    EXPECT_EQ(m_times.GetOdatMidnightForDc("DC"), c.midnight) << "case " << &c - cases;
-    EXPECT_EQ(m_times.FindDcTimeInfo("DC")->utcOffset, c.utcOffset) << "case " << &c - cases;
-  }
+  const auto times = [&](const std::string& record) {  // midnight, counted from July 1, and offset
+    Init({record}, true);
+    return std::to_string(m_times.GetOdatMidnightForDc("DC") - kJuly1) + " " +
+           std::to_string(m_times.FindDcTimeInfo("DC")->utcOffset);
+  };
+  ExpectRows(times,
+             {"(GMT+02:00)||20240701 -> -7200 -7200",
+              "(GMT+02:00)||20240701|20240331|20241027 -> -10800 -10800",
+              "(GMT-05:00)||20240701|20231001|20240401 -> 18000 18000",
+              // The offset is that at the new-day time, which may lie beyond the day.
+              "(GMT)|24:00|20240630|20240701|20241027 -> -86400 -3600",
+              "(GMT)|-1:00|20240701|20240701|20241027 -> -3600 0",
+              "(GMT)|-1:00|20240701|20240331|20240701 -> 0 -3600",
+              // Beyond 32 bits the midnight wraps.
+              "(GMT)||20400101 -> " + std::to_string(2208988800 - 4294967296 - kJuly1) + " 0"});
 }
 
 TEST_F(ForecastTimesTest, ZonesOutliveTheTable) {
-  Init({Named("DC1", "(GMT+02:00)"), Named("DC2", "(GMT+02:00)"), Named("DC3", "(GMT+03:00)"),
-        Named("DC1", "(GMT+03:00)")});
+  Init(
+      {"(GMT+02:00)|||||DC1", "(GMT+02:00)|||||DC2", "(GMT+03:00)|||||DC3", "(GMT+03:00)|||||DC1"});
   const os_time_zone& zone = m_times.GetOsTimeZone("DC2");
   EXPECT_EQ(&m_times.GetOsTimeZone("DC1"), &m_times.GetOsTimeZone("DC3")) << "the last record";
   OpenForecastTimes copy = m_times;
@@ -236,7 +202,7 @@ TEST_F(ForecastTimesTest, ZonesOutliveTheTable) {
 
 TEST_F(ForecastTimesTest, FindsRecordByBuffer) {
   const std::string name = "DC";
-  Init({Record("(GMT)")});
+  Init({"(GMT)"});
   EXPECT_EQ(OpenForecastTimes::GetCommAdminStructByDc(m_records, name), nullptr);
   m_records[0].m_Name = const_cast<char*>(name.c_str());  // lent, and taken back below
   EXPECT_EQ(OpenForecastTimes::GetCommAdminStructByDc(m_records, name), &m_records[0]);
@@ -244,27 +210,23 @@ TEST_F(ForecastTimesTest, FindsRecordByBuffer) {
 }
 
 TEST_F(ForecastTimesTest, ConvertsToClockTime) {
-  Init({Record("(GMT+02:00)")});
-  const std::int64_t midnight = kJuly1 - 7200;
-  const std::pair<long long, const char*> known[] = {{midnight, "00:00:00"},
-                                                     {midnight + 86400 + 25509, "(+1)07:05:09"},
-                                                     {NO_TIME, ""},
-                                                     {midnight - 1, "(-1)23:59:59"},
-                                                     {midnight - 259201, ""},
-                                                     {midnight - 259200, "(-3)00:00:00"},
-                                                     {midnight + (1LL << 32), "00:00:00"}};
-  for (const auto& [t, text] : known) EXPECT_EQ(m_times.ConvertTimeToString(t, "DC"), text) << t;
+  Init({"(GMT+02:00)"});
+  const auto known = [&](const std::string& t) {
+    return m_times.ConvertTimeToString(kJuly1 - 7200 + std::stoll(t), "DC");
+  };
+  ExpectRows(known, {"0 -> 00:00:00", "111909 -> (+1)07:05:09", "-1 -> (-1)23:59:59", "-259201 -> ",
+                     "-259200 -> (-3)00:00:00", "4294967296 -> 00:00:00"});
+  EXPECT_EQ(m_times.ConvertTimeToString(NO_TIME, "DC"), "");
   EXPECT_EQ(m_log.Take(), Lines());
   // An unknown one is logged and taken as UTC, up to the start of day 0.
-  const std::pair<long long, const char*> unknown[] = {
-      {3660, "01:01"},         {259200, "00:00"},  {259201, ""},
-      {NO_TIME, ""},           {-60, "00:-1"},     {-43200, "-12:00"},
-      {-(1LL << 32), "00:00"}, {INT_MIN, "-3:-14"}};
   const std::string line = "1 Failed to get DC Time Info for 'none',";
-  for (const auto& [t, text] : unknown) {
-    EXPECT_EQ(m_times.ConvertTimeToString(t, "none"), text) << t;
+  const auto unknown = [&](const std::string& t) {
+    const std::string text = m_times.ConvertTimeToString(std::stoll(t), "none");
     EXPECT_EQ(m_log.Take(), Lines{line + "Time will be converted to NO_TIME"});
-  }
+    return text;
+  };
+  ExpectRows(unknown, {"3660 -> 01:01", "259200 -> 00:00", "259201 -> ", "-60 -> 00:-1",
+                       "-43200 -> -12:00", "-4294967296 -> 00:00", "-2147483648 -> -3:-14"});
   EXPECT_EQ(&m_times.GetOsTimeZone("none"), &os_time_zone::greenwich());
   EXPECT_EQ(OpenForecastTimes().GetOdatMidnightForDc("none"), 0);
   EXPECT_EQ(m_log.Take(), (Lines{line + "Time Zone will be considered as greenwich",
@@ -272,30 +234,27 @@ TEST_F(ForecastTimesTest, ConvertsToClockTime) {
 }
 
 using Times = ForecastTimesManipulationMP;
-using Parts = std::array<int, 4>;  // day, hour, minute, second
 
 TEST(TimeConversionTest, SplitsPrintsAndJoins) {
-  constexpr Parts kUntouched{77, 77, 77, 77};  // a time that is refused
-  const struct {
-    std::int32_t t;
-    Parts parts;
-    const char *text, *minutes;
-  } cases[] = {{0, {-3, 0, 0, 0}, "(-3)00:00:00", "(-3)00:00"},
-               {259199, {-1, 23, 59, 59}, "(-1)23:59:59", "(-1)23:59"},
-               {259200, {0, 0, 0, 0}, "00:00:00", "00:00"},
-               {349261, {1, 1, 1, 1}, "(+1)01:01:01", "(+1)01:01"},
-               {NO_TIME - 1, {24852, 3, 13, 57}, "(+24852)03:13:57", "(+24852)03:13"},
-               {NO_TIME, kUntouched, "", ""},
-               {INT_MAX, kUntouched, "", ""},
-               {-1, kUntouched, "", ""}};
-  for (const auto& [t, parts, text, minutes] : cases) {
-    Parts p = kUntouched;
-    EXPECT_EQ(Times::ConvertTimeToDayHourMin(t, p[0], p[1], p[2], p[3]), *text != '\0');
-    EXPECT_EQ(p, parts) << t;
-    EXPECT_EQ(Times::ConvertTimeToStrWithDays(t, true), text);
-    EXPECT_EQ(Times::ConvertTimeToStrWithDays(t, false), minutes);
-    EXPECT_TRUE(*text == '\0' || Times::ConvertToTime(p[0], p[1], p[2], p[3]) == t);
-  }
+  const auto split = [](const std::string& text) -> std::string {
+    const auto t = static_cast<std::int32_t>(std::stoll(text));
+    int day = 77, hour = 77, minute = 77, second = 77;
+    const bool converted = Times::ConvertTimeToDayHourMin(t, day, hour, minute, second);
+    EXPECT_TRUE(converted ? Times::ConvertToTime(day, hour, minute, second) == t
+                          : day + hour + minute + second == 4 * 77);
+    EXPECT_EQ(converted, !Times::ConvertTimeToStrWithDays(t, true).empty());
+    if (!converted) return "refused";
+    return (std::ostringstream() << day << ' ' << hour << ' ' << minute << ' ' << second << ' '
+                                 << Times::ConvertTimeToStrWithDays(t, true) << ' '
+                                 << Times::ConvertTimeToStrWithDays(t, false))
+        .str();
+  };
+  ExpectRows(
+      split,
+      {"0 -> -3 0 0 0 (-3)00:00:00 (-3)00:00", "259199 -> -1 23 59 59 (-1)23:59:59 (-1)23:59",
+       "259200 -> 0 0 0 0 00:00:00 00:00", "349261 -> 1 1 1 1 (+1)01:01:01 (+1)01:01",
+       std::to_string(NO_TIME - 1) + " -> 24852 3 13 57 (+24852)03:13:57 (+24852)03:13",
+       std::to_string(NO_TIME) + " -> refused", "2147483647 -> refused", "-1 -> refused"});
 }
 
 TEST(TimeConversionTest, WrapsInThirtyTwoBits) {
