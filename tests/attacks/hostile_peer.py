@@ -227,14 +227,15 @@ def drip(call, data, pause, piece, most):
     return True
 
 
-def fragments(pause=0.05, most=10):
-    """The beginning of a long text, and fragments of it without end."""
+def fragments(pause=0.05, most=10, numbered=True):
+    """The beginning of a long text, and fragments of it without end, or without their request's id."""
     def act(call):
         begin = call.reply(NO_EXCEPTION, Out().long(1).long(0).long(1 << 27).data)
         call.send(begin[:6] + bytes((begin[6] | 2,)) + begin[7:])
         end = time.monotonic() + most
         while time.monotonic() < end:
-            call.send(message(FRAGMENT, struct.pack("<I", call.id) + b"frag" * 2, call.version, 3))
+            piece = struct.pack("<I", call.id) + b"frag" * 2 if numbered else b""
+            call.send(message(FRAGMENT, piece, call.version, 3))
             call.peer.wait(pause)
         return False
     return act

@@ -152,10 +152,10 @@ ROWS = [
         profiles=("server", "second")),
 
     # Connections that died while idle.
-    *(Row(f"{word} while idle", {ALIVE: [h.then(h.answered, act, 0.2)]}, results=(1, 1, 1, 1),
-          keep_alives=2)
-      for word, act in (("closed", h.closed), ("reset", h.reset),
-                        ("CloseConnection", h.close_orderly))),
+    *(Row(name, {ALIVE: [h.then(h.answered, act, wait)]}, results=(1, 1, 1, 1), keep_alives=2)
+      for name, act, wait in (("closed while idle", h.closed, 0.2), ("reset while idle", h.reset, 0.2),
+                              ("CloseConnection while idle", h.close_orderly, 0.2),
+                              ("closed right behind the reply", h.closed, 0))),
     Row("CloseConnection after each answer", {op: h.then(h.answered, h.close_orderly) for op in (
         "_non_existent", "CRB_GetSystemParameterValue", CHALLENGE, REGISTER)}, results=(1,),
         tao="with TAO a CloseConnection right behind a reply costs the next call"),
@@ -184,7 +184,9 @@ ROWS = [
     Row("MessageError", {REGISTER: lambda call: call.send(h.message(h.ERROR, b"")) and False},
         logged="COMM_FAILURE|MARSHAL"),
     *(lost(f"a reply that announces {size} bytes", {REGISTER: h.announcing(size)})
-      for size in (0, 1 << 20, 0x7FFFFFFF, 0xFFFFFFFF)),
+      for size in (0, 1 << 20, 0x7FFFFFFF, 0xFFFFFFF4, 0xFFFFFFFF)),
+    Row("a fragment without its request's id", {REGISTER: h.fragments(numbered=False)},
+        logged="is refused", tao={"logged": ""}),
     Row("a text of 4 GiB", {REGISTER: h.giving(1, 0, -1)}, logged="MARSHAL"),
     Row("a list of 4 GiB", {REGISTER: h.giving(1, -1)}, logged="MARSHAL"),
     Row("a challenge that does not end", {CHALLENGE: h.giving(1, 4)}, logged="MARSHAL"),
@@ -242,13 +244,12 @@ ROWS += [dataclasses.replace(row, name=f"{row.name}, bidirectional",
          for row in ROWS if row.name in {
              "undisturbed", "no reply", "a reply byte by byte", "fragments without end",
              "forwarded to itself", "closed after the request", "half a reply",
-             "CloseConnection for each request", "closed while idle", "reset while idle",
-             "CloseConnection while idle", "TLS, closed while idle",
+             "CloseConnection for the first request", "CloseConnection for each request",
+             "CloseConnection after each answer", "closed right behind the reply",
+             "closed while idle", "reset while idle", "CloseConnection while idle",
+             "TLS, closed while idle",
              "another form of address, for ever", "another form of address, of no known kind",
              "the first address is hole, the second is not"}]
-# That thread does not tell the caller that the server closed in order.
-ROWS += [Row("CloseConnection for the first request, bidirectional", {REGISTER: [h.close_orderly]},
-             logged="COMM_FAILURE", arguments=("-BiDirPolicy", "1"))]
 
 
 class Identities:

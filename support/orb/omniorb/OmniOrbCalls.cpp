@@ -1,11 +1,14 @@
 #include <support/orb/omniorb/OmniOrbCalls.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstring>
 #include <mutex>
 #include <type_traits>
 #include <utility>
+
+#include <sys/socket.h>
 
 // These build on each other in this order.
 // clang-format off
@@ -16,18 +19,17 @@
 #include <omniORB4/omniORB.h>
 #include <omniORB4/internal/orbParameters.h>
 #include <omniORB4/internal/giopStream.h>
+#include <omniORB4/internal/giopStreamImpl.h>
 #include <omniORB4/internal/giopStrand.h>
 #include <omniORB4/internal/giopRope.h>
 #include <omniORB4/internal/giopBiDir.h>
 #include <omniORB4/internal/GIOP_C.h>
-#include <omniORB4/tcpConnection.h>
-#include <omniORB4/unixConnection.h>
-#include <omniORB4/sslContext.h>
-#include <omniORB4/sslConnection.h>
 // clang-format on
 
+#include <support/diagnostics/TDiag.h>
 #include <support/orb/CallDeadline.h>
 #include <support/orb/PeerSocket.h>
+#include <support/orb/omniorb/OmniOrbConnection.h>
 
 namespace vq::orb {
 namespace {
@@ -36,8 +38,12 @@ using omni::BiDirClientRope;
 using omni::GIOP_C;
 using omni::giopRope;
 using omni::giopStrand;
+using omni::giopStream;
+using omni::giopStreamImpl;
 using omni::omniInterceptors;
 using CommFailure = omni::giopStream::CommFailure;
+
+TDiagRegister diagModule("ORB");
 
 // Bounds for one call, against a peer that closes each connection or forwards in circles.
 constexpr int kMostConnections = 16;
@@ -103,13 +109,6 @@ void Begin(omniCallDescriptor& descriptor) {
   descriptor.setDeadline(call.end);
 }
 
-int Socket(omni::giopConnection& connection) {
-  if (const auto* tcp = dynamic_cast<omni::tcpConnection*>(&connection)) return tcp->handle();
-  if (const auto* tls = dynamic_cast<omni::sslConnection*>(&connection)) return tls->handle();
-  if (const auto* local = dynamic_cast<omni::unixConnection*>(&connection)) return local->handle();
-  return -1;
-}
-
 bool IsTls(const giopStrand& strand) {
   return std::strcmp(strand.address->type(), "giop:ssl") == 0;
 }
@@ -117,18 +116,23 @@ bool IsTls(const giopStrand& strand) {
 // Whether the peer has closed an idle connection or lost it. On one that takes no calls nothing is
 // due to arrive, so whatever has arrived announces its end or is of no use.
 bool IsDead(const giopStrand& strand, bool takesCalls) {
-  const int socket = Socket(*strand.connection);
-  if (socket < 0) return false;
-  if (!takesCalls && strand.head != nullptr) return true;
-  return vq::orb::IsDead(socket, IsTls(strand), takesCalls);
+  const CheckedConnection& connection = CheckedConnection::Of(strand);
+  if (connection.Socket() < 0) return false;
+  if (!takesCalls && connection.HasRest()) return true;
+  return vq::orb::IsDead(connection.Socket(), IsTls(strand), takesCalls);
 }
 
 // Whether the server closed the connection in order. omniORB does not read the message that says so
 // when a reset follows it, as it does when the request arrived in the meantime.
 bool WasClosedInOrder(const giopStrand& strand) {
-  if (strand.orderly_closed) return true;
-  return strand.connection != nullptr && !IsTls(strand) &&
-         BeginsWithClose(Socket(*strand.connection), false);
+  if (strand.connection == nullptr) return false;
+  const CheckedConnection& connection = CheckedConnection::Of(strand);
+  return connection.WasClosedInOrder() ||
+         (!IsTls(strand) && BeginsWithClose(connection.Socket(), false));
+}
+
+bool HasReplyTo(GIOP_C& attempt) {
+  return CheckedConnection::Of(attempt.strand()).HasReplyTo(attempt);
 }
 
 // What a finished or failed attempt means for the next one.
@@ -145,7 +149,8 @@ void NoteEnd(GIOP_C& attempt) {
       return;
     case omni::IOP_C::RequestInProgress:
     case omni::IOP_C::WaitingForReply:
-      if (WasClosedInOrder(strand) && !std::exchange(call.closedInOrder, true)) {
+      if (WasClosedInOrder(strand) && !HasReplyTo(attempt) &&
+          !std::exchange(call.closedInOrder, true)) {
         call.repeat = true;
         return;
       }
@@ -157,25 +162,68 @@ void NoteEnd(GIOP_C& attempt) {
 }
 
 CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T& info) {
-  WatchPeer(Socket(*info.giop_c.strand().connection), limits.keepAlive, limits.unacknowledged);
+  giopStrand& strand = info.giop_c.strand();
+  CheckedConnection& connection = CheckedConnection::Of(strand);
+  connection.ServeStrand(strand);
+  WatchPeer(connection.Socket(), limits.keepAlive, limits.unacknowledged);
   return true;
 }
 
-// A server may ask once for the same request with another form of address. Where the ORB's thread
-// reads, omniORB ends the process rather than wait for a second reply.
+// A server may ask once for the same request with another form of address.
 CORBA::Boolean RefuseOtherForm(omniInterceptors::clientReceiveReply_T::info_T& info) {
   if (info.giop_c.replyStatus() != GIOP::NEEDS_ADDRESSING_MODE) return true;
-  if (info.giop_c.strand().isBiDir() || std::exchange(call.otherForm, true)) {
+  if (std::exchange(call.otherForm, true)) {
     Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
   }
   return true;
+}
+
+// omniORB raises this, which is no CORBA exception and would end the process, where it meets what
+// it holds for impossible. It may while it reads: the functions that do so are replaced by these.
+template <auto Member>
+struct Guarded;
+template <class... Arguments, void (*giopStreamImpl::*Member)(giopStream*, Arguments...)>
+struct Guarded<Member> {
+  static void Call(giopStream* stream, Arguments... arguments) {
+    try {
+      original.at(stream->version().minor)(stream, arguments...);
+    } catch (const omniORB::fatalException& exception) {
+      VQ_LOG(diagModule, 1) << "omniORB gives up on what arrived: " << exception.errmsg() << " ("
+                            << exception.file() << ":" << exception.line() << ")";
+      throw CORBA::INTERNAL(0, CORBA::COMPLETED_MAYBE);
+    }
+  }
+
+  static void Replace(giopStreamImpl& version) {
+    if (version.*Member != Call) {
+      original.at(version.version().minor) = std::exchange(version.*Member, Call);
+    }
+  }
+
+  static inline std::array<void (*)(giopStream*, Arguments...), 3>
+      original{};  // for GIOP 1.0 to 1.2
+};
+
+void GuardReading() {
+  for (CORBA::Octet minor = 0; minor < 3; ++minor) {
+    giopStreamImpl* const version = giopStreamImpl::matchVersion({1, minor});
+    if (version == nullptr) continue;
+    Guarded<&giopStreamImpl::inputMessageBegin>::Replace(*version);
+    Guarded<&giopStreamImpl::inputMessageEnd>::Replace(*version);
+    Guarded<&giopStreamImpl::getInputData>::Replace(*version);
+    Guarded<&giopStreamImpl::skipInputData>::Replace(*version);
+    Guarded<&giopStreamImpl::copyInputData>::Replace(*version);
+  }
 }
 
 // The connections to one server; Base is omniORB's class for them.
 template <class Base>
 class CheckedRope : public Base {
  public:
-  using Base::Base;
+  CheckedRope(const omni::giopAddressList& addresses, omniIOR::IORInfo* info)
+      : Base(addresses, info) {
+    for (omni::giopAddress*& address : this->pd_addresses) address = new CheckedAddress(address);
+  }
 
   omni::IOP_C* acquireClient(const omniIOR* ior, const CORBA::Octet* key, CORBA::ULong keySize,
                              omniCallDescriptor* descriptor) override {
@@ -207,6 +255,7 @@ class CheckedRope : public Base {
   void releaseClient(omni::IOP_C* client) override {
     auto& attempt = *static_cast<GIOP_C*>(client);
     if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
+    if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt.strand());
     Base::releaseClient(client);
   }
 
@@ -276,6 +325,19 @@ class CheckedRope : public Base {
     }
   }
 
+  // The reply goes with the attempt, and the ORB's thread may still be adding to it.
+  void EndReading(giopStrand& strand) {
+    if (strand.connection == nullptr || !strand.isBiDir()) return;
+    ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
+    while (IsBeingRead(strand)) omni_thread::sleep(0, 1'000'000);
+  }
+
+  bool IsBeingRead(giopStrand& strand) {
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    strand.state(giopStrand::DYING);
+    return strand.rd_nwaiting < 0;
+  }
+
   // False when the connection was idle and is dead, and has been discarded.
   bool IsUsable(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
@@ -342,6 +404,7 @@ void OmniOrbCalls::Install(const OrbSettings& settings) {
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);
   interceptors.clientReceiveReply.add(RefuseOtherForm);
+  GuardReading();
 }
 
 }  // namespace vq::orb

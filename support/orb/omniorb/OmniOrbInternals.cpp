@@ -18,6 +18,8 @@
 #include <omniORB4/internal/orbParameters.h>
 // clang-format on
 
+#include <support/orb/omniorb/OmniOrbConnection.h>
+
 namespace vq::orb {
 namespace {
 
@@ -69,10 +71,12 @@ void Close(omni::StrandList& list, const std::set<std::string>& names) {
   }
 }
 
-// A server takes itself out of its place when it goes, whoever is there.
+// A server takes itself out of its place when it goes, whoever is there. One that was stopped first
+// stays in memory where a thread of it does not end in time.
 void Remove(giopServer* server) {
   giopServer*& place = giopServer::singleton();
   giopServer* const host = place;
+  server->stop();
   server->remove();
   place = host;
 }
@@ -121,7 +125,7 @@ ListeningServer::ListeningServer(const std::vector<std::string>& endpoints) {
   omni::orbServer::EndpointList addresses;
   try {
     for (const std::string& endpoint : endpoints) {
-      if (!m_server->instantiate(endpoint.c_str(), false, addresses)) {
+      if (!m_server->instantiate(CheckedEndpoint(endpoint).c_str(), false, addresses)) {
         throw CORBA::INITIALIZE(omni::INITIALIZE_TransportError, CORBA::COMPLETED_NO);
       }
     }

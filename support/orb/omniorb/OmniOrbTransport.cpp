@@ -11,6 +11,7 @@
 #include <support/orb/CorbaText.h>
 #include <support/orb/omniorb/OmniOrbCalls.h>
 #include <support/orb/omniorb/OmniOrbCodeSet.h>
+#include <support/orb/omniorb/OmniOrbConnection.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
@@ -100,7 +101,10 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
   // The log has the time itself, and omniORB asks for it in a way that is not safe with threads.
   Trace(omniORB::traceTime, false);
 
-  const std::vector<OmniOrbOption> options = OmniOrbOptions(settings);
+  std::vector<OmniOrbOption> options = OmniOrbOptions(settings);
+  for (auto& [name, value] : options) {
+    if (name == "endPoint") value = CheckedEndpoint(value);
+  }
   const std::unique_ptr<const char*[][2]> table(new const char*[options.size() + 1][2]);
   for (std::size_t i = 0; i < options.size(); ++i) {
     table[i][0] = options[i].first.c_str();

@@ -1,0 +1,316 @@
+#include <support/orb/omniorb/OmniOrbConnection.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <map>
+#include <mutex>
+#include <utility>
+
+// These build on each other in this order.
+// clang-format off
+#include <omniORB4/omniORB.h>
+#include <omniORB4/internal/orbParameters.h>
+#include <omniORB4/internal/giopStream.h>
+#include <omniORB4/internal/giopStrand.h>
+#include <omniORB4/internal/giopRope.h>
+#include <omniORB4/internal/GIOP_C.h>
+#include <omniORB4/tcpConnection.h>
+#include <omniORB4/unixConnection.h>
+#include <omniORB4/sslContext.h>
+#include <omniORB4/sslConnection.h>
+// clang-format on
+
+#include <support/diagnostics/TDiag.h>
+
+namespace vq::orb {
+namespace {
+
+TDiagRegister diagModule("ORB");
+
+using omni::giopConnection;
+
+// omniORB's threads watch connections, and know them by its own ones.
+class Watcher {
+ public:
+  static void Add(giopConnection& known, CheckedConnection& connection) {
+    const std::lock_guard lock(mutex);
+    connections[&known] = &connection;
+  }
+  static void Remove(giopConnection& known) {
+    const std::lock_guard lock(mutex);
+    connections.erase(&known);
+  }
+
+ protected:
+  void TellTo(giopConnection::notifyReadable_t tell, void* cookie) {
+    m_tell = tell;
+    m_cookie = cookie;
+  }
+
+  // Under omniORB's lock on what it watches, which the end of a connection waits for.
+  static void Tell(void* watcher, giopConnection* known) {
+    CheckedConnection* connection = nullptr;
+    {
+      const std::lock_guard lock(mutex);
+      const auto found = connections.find(known);
+      if (found == connections.end()) return;
+      connection = found->second;
+    }
+    const Watcher& self = *static_cast<Watcher*>(watcher);
+    self.m_tell(self.m_cookie, connection);
+  }
+
+ private:
+  static inline std::mutex mutex;
+  static inline std::map<giopConnection*, CheckedConnection*> connections;
+
+  giopConnection::notifyReadable_t m_tell = nullptr;
+  void* m_cookie = nullptr;
+};
+
+// The connections of one transport that were opened here and take calls.
+class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
+ public:
+  static OpenedWatcher& Of(omni::giopActiveCollection& opened) {
+    static std::mutex mutex;
+    static std::map<omni::giopActiveCollection*, OpenedWatcher> watchers;
+    const std::lock_guard lock(mutex);
+    return watchers.try_emplace(&opened, opened).first->second;
+  }
+
+  explicit OpenedWatcher(omni::giopActiveCollection& opened) : m_opened(opened) {}
+
+  const char* type() const override { return m_opened.type(); }
+  CORBA::Boolean isEmpty() const override { return m_opened.isEmpty(); }
+  void deactivate() override { m_opened.deactivate(); }
+  void Monitor(giopConnection::notifyReadable_t tell, void* cookie) override {
+    TellTo(tell, cookie);
+    m_opened.Monitor(Tell, static_cast<Watcher*>(this));
+  }
+
+ private:
+  omni::giopActiveCollection& m_opened;
+};
+
+// Listens as one of omniORB's endpoints does.
+class Endpoint : public Watcher, public omni::giopEndpoint {
+ public:
+  explicit Endpoint(omni::giopEndpoint* endpoint) : m_endpoint(endpoint) {}
+
+  const char* type() const override { return m_endpoint->type(); }
+  const char* address() const override { return m_endpoint->address(); }
+  const omni::orbServer::EndpointList* addresses() const override {
+    return m_endpoint->addresses();
+  }
+  CORBA::Boolean publish(const omni::orbServer::PublishSpecs& specs, CORBA::Boolean allSpecs,
+                         CORBA::Boolean allEndpoints,
+                         omni::orbServer::EndpointList& published) override {
+    return m_endpoint->publish(specs, allSpecs, allEndpoints, published);
+  }
+  CORBA::Boolean Bind() override { return m_endpoint->Bind(); }
+  void Poke() override { m_endpoint->Poke(); }
+  giopConnection* AcceptAndMonitor(giopConnection::notifyReadable_t tell, void* cookie) override {
+    TellTo(tell, cookie);
+    giopConnection* const accepted =
+        m_endpoint->AcceptAndMonitor(Tell, static_cast<Watcher*>(this));
+    return accepted != nullptr ? new CheckedConnection(*accepted) : nullptr;
+  }
+  void Shutdown() override {
+    m_endpoint.release()->Shutdown();  // It deletes itself.
+    delete this;
+  }
+
+ private:
+  std::unique_ptr<omni::giopEndpoint> m_endpoint;
+};
+
+constexpr const char* kTransport = "checked";
+
+// Makes such endpoints of names that begin with kTransport.
+class Transport : public omni::giopTransportImpl {
+ public:
+  Transport() : giopTransportImpl(kTransport) {}
+
+  omni::giopEndpoint* toEndpoint(const char* name) override {
+    omni::giopEndpoint* const endpoint = omni::giopEndpoint::str2Endpoint(name);
+    return endpoint != nullptr ? new Endpoint(endpoint) : nullptr;
+  }
+  omni::giopAddress* toAddress(const char* name) override {
+    return omni::giopAddress::str2Address(name);
+  }
+  CORBA::Boolean isValid(const char* name) override {
+    return omni::giopEndpoint::strIsValidEndpoint(name);
+  }
+  CORBA::Boolean addToIOR(const char* name, omni::IORPublish* published) override {
+    return omni::giopEndpoint::addToIOR(name, published);
+  }
+  const omnivector<const char*>* getInterfaceAddress() override { return nullptr; }
+};
+
+int SocketOf(giopConnection& connection) {
+  if (const auto* tcp = dynamic_cast<omni::tcpConnection*>(&connection)) return tcp->handle();
+  if (const auto* tls = dynamic_cast<omni::sslConnection*>(&connection)) return tls->handle();
+  if (const auto* local = dynamic_cast<omni::unixConnection*>(&connection)) return local->handle();
+  return -1;
+}
+
+std::uint32_t NumberIn(const unsigned char* data, bool littleEndian) {
+  std::array<unsigned char, 4> bytes{data[0], data[1], data[2], data[3]};
+  if (!littleEndian) std::reverse(bytes.begin(), bytes.end());
+  return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
+}
+
+// omniORB shows it to derived classes alone.
+struct RequestId : omni::GIOP_C {
+  static std::uint32_t Of(omni::GIOP_C& call) {
+    CORBA::ULong (omni::giopStream::*const id)() const = &RequestId::requestId;
+    return (call.*id)();
+  }
+};
+
+}  // namespace
+
+std::string CheckedEndpoint(const std::string& endpoint) {
+  static auto* const transport = new Transport;  // omniORB's, and never taken back
+  return std::string(transport->type) + ":" + endpoint;
+}
+
+CheckedConnection::CheckedConnection(omni::giopActiveConnection& opened)
+    : m_opened(&opened), m_connection(opened.getConnection()), m_socket(SocketOf(m_connection)) {}
+
+CheckedConnection::CheckedConnection(giopConnection& accepted)
+    : m_opened(nullptr), m_connection(accepted), m_socket(SocketOf(m_connection)) {
+  Watcher::Add(m_connection, *this);
+}
+
+CheckedConnection::~CheckedConnection() {
+  Watcher::Remove(m_connection);
+  m_connection.decrRefCount(true);
+}
+
+CheckedConnection& CheckedConnection::Of(const omni::giopStrand& strand) {
+  return dynamic_cast<CheckedConnection&>(*strand.connection);
+}
+
+omni::giopActiveCollection* CheckedConnection::registerMonitor() {
+  Watcher::Add(m_connection, *this);
+  return &OpenedWatcher::Of(*m_opened->registerMonitor());
+}
+
+int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& deadline) {
+  auto* const bytes = static_cast<unsigned char*>(data);
+  const int received = Receive(bytes, size, deadline);
+  if (received <= 0) {
+    AwaitTakenReplies();
+    return received;
+  }
+  const auto length = static_cast<std::size_t>(received);
+  std::size_t used = 0;
+  if (m_toCome == 0) {
+    used = std::min(length, m_header.size() - m_headerSize);
+    std::memcpy(m_header.data() + m_headerSize, bytes, used);
+    m_headerSize += used;
+    if (m_headerSize < m_header.size()) return received;
+    m_headerSize = 0;
+    if (!BeginMessage()) return -1;
+  }
+  const std::size_t body = std::min(length - used, m_toCome);
+  m_toCome -= body;
+  NoteReply(bytes + used, body);
+  used += body;
+  m_rest.insert(m_rest.begin(), bytes + used, bytes + length);
+  m_hasRest = !m_rest.empty();
+  return static_cast<int>(used);
+}
+
+int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline) {
+  if (!m_hasRest) return m_connection.Recv(data, size, deadline);
+  const std::size_t length = std::min(size, m_rest.size());
+  std::memcpy(data, m_rest.data(), length);
+  m_rest.erase(m_rest.begin(), m_rest.begin() + static_cast<std::ptrdiff_t>(length));
+  m_hasRest = !m_rest.empty();
+  return static_cast<int>(length);
+}
+
+// Whether omniORB may have the message that the header begins.
+bool CheckedConnection::BeginMessage() {
+  m_idSize = 0;
+  if (std::memcmp(m_header.data(), "GIOP", 4) != 0) return true;  // omniORB closes the connection.
+  const std::uint32_t size = NumberIn(&m_header[8], (m_header[6] & 1) != 0);
+  const int kind = m_header[7];
+  const bool isBare = kind == GIOP::CloseConnection || kind == GIOP::MessageError ||
+                      (kind == GIOP::Fragment && m_header[5] < 2);
+  if ((!isBare && size < m_id.size()) || !IsWithinLimit(size)) {
+    VQ_LOG(diagModule, 2) << peeraddress() << " sent a message of " << size
+                          << " bytes, which is refused";
+    return false;
+  }
+  if (kind == GIOP::CloseConnection) {
+    m_closedInOrder = true;
+    AwaitTakenReplies();
+  }
+  m_toCome = size;
+  return true;
+}
+
+// Where the caller reads, omniORB compares with the limit of the settings itself.
+bool CheckedConnection::IsWithinLimit(std::uint32_t size) {
+  if (size > std::numeric_limits<std::uint32_t>::max() - m_header.size()) return false;
+  if (m_strand != nullptr && !m_strand->isBiDir()) return true;
+  if (MoreFollows() || m_header[7] == GIOP::Fragment) m_inFragments += size;
+  const std::uint64_t whole = std::max<std::uint64_t>(size, m_inFragments);
+  if (!MoreFollows()) m_inFragments = 0;
+  return whole <= omni::orbParameters::giopMaxMsgSize;
+}
+
+void CheckedConnection::NoteReply(const unsigned char* body, std::size_t size) {
+  const int kind = m_header[7];
+  if (m_header[5] < 2 || (kind != GIOP::Reply && kind != GIOP::Fragment)) return;
+  const std::size_t part = std::min(size, m_id.size() - m_idSize);
+  std::memcpy(m_id.data() + m_idSize, body, part);
+  m_idSize += part;
+  if (m_idSize < m_id.size()) return;
+  const std::uint32_t id = NumberIn(m_id.data(), (m_header[6] & 1) != 0);
+  const std::lock_guard lock(m_mutex);
+  auto* reply = std::find_if(m_replies.begin(), m_replies.end(),
+                             [&](const Reply& known) { return known.id == id; });
+  if (reply == m_replies.end()) {
+    reply = &m_replies.at(m_nextReply++ % m_replies.size());
+    *reply = {id, false};
+  }
+  if (m_toCome == 0 && !MoreFollows()) reply->whole = true;
+}
+
+bool CheckedConnection::HasReplyTo(omni::GIOP_C& call) const {
+  const std::lock_guard lock(m_mutex);
+  return std::any_of(m_replies.begin(), m_replies.end(),
+                     [&](const Reply& reply) { return reply.id == RequestId::Of(call); });
+}
+
+bool CheckedConnection::HasUntakenReply() const {
+  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+  if (m_strand->state() == omni::giopStrand::DYING) return false;
+  const std::lock_guard lock(m_mutex);
+  const auto isTaken = [](omni::GIOP_C& call) {
+    return call.state() != omni::IOP_C::RequestInProgress &&
+           call.state() != omni::IOP_C::WaitingForReply;
+  };
+  for (auto* link = m_strand->clients.next; link != &m_strand->clients; link = link->next) {
+    auto& call = *static_cast<omni::GIOP_C*>(link);
+    if (!isTaken(call) && std::any_of(m_replies.begin(), m_replies.end(), [&](const Reply& reply) {
+          return reply.whole && reply.id == RequestId::Of(call);
+        })) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// omniORB lets a caller see the end of a connection before the reply that has come for it.
+void CheckedConnection::AwaitTakenReplies() const {
+  while (m_strand != nullptr && m_strand->isBiDir() && HasUntakenReply())
+    omni_thread::sleep(0, 1'000'000);
+}
+
+}  // namespace vq::orb

@@ -1,0 +1,143 @@
+// Connections of omniORB's that look at what arrives before omniORB reads it.
+//
+// omniORB 4.2 trusts the header of a message: one that announces nearly 4 GiB makes it take all of
+// the memory, one without room for its request id makes it read beyond its buffers. Where another
+// thread reads, which is so on connections that take calls, omniORB also buffers messages without
+// limit, loses a reply that is followed by the end of the connection, and tells no caller that the
+// server closed in order.
+//
+//   pd_addresses[i] = new CheckedAddress(pd_addresses[i]);          // of a rope
+//   ...
+//   CheckedConnection& connection = CheckedConnection::Of(strand);
+//   connection.ServeStrand(strand);                                 // once, before anything is
+//   read if (connection.WasClosedInOrder()) ...
+#ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBCONNECTION_H
+#define VQ_SUPPORT_ORB_OMNIORB_OMNIORBCONNECTION_H
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <omniORB4/CORBA.h>
+#include <omniORB4/giopEndpoint.h>
+
+namespace omni {
+class GIOP_C;
+class giopStrand;
+}  // namespace omni
+
+namespace vq::orb {
+
+class CheckedConnection : public omni::giopActiveConnection, public omni::giopConnection {
+ public:
+  explicit CheckedConnection(omni::giopActiveConnection& opened);
+  explicit CheckedConnection(omni::giopConnection& accepted);
+
+  // That of a strand whose address is a CheckedAddress, once it is open.
+  static CheckedConnection& Of(const omni::giopStrand& strand);
+
+  int Socket() const { return m_socket; }  // -1 for an unknown transport
+  void ServeStrand(omni::giopStrand& strand) { m_strand = &strand; }
+
+  // Whether a reply to a recent call has come, at least in part.
+  bool HasReplyTo(omni::GIOP_C& call) const;
+  // Whether the peer has sent a CloseConnection, and omniORB has got it.
+  bool WasClosedInOrder() const { return m_closedInOrder; }
+  // Whether something has arrived that omniORB has not got.
+  bool HasRest() const { return m_hasRest; }
+
+  omni::giopActiveCollection* registerMonitor() override;
+  omni::giopConnection& getConnection() override { return *this; }
+
+  int Send(void* data, std::size_t size, const omni_time_t& deadline) override {
+    return m_connection.Send(data, size, deadline);
+  }
+  // At most one message, so that each can be looked at before omniORB has the next.
+  int Recv(void* data, std::size_t size, const omni_time_t& deadline) override;
+  void Shutdown() override { m_connection.Shutdown(); }
+  const char* myaddress() override { return m_connection.myaddress(); }
+  const char* peeraddress() override { return m_connection.peeraddress(); }
+  const char* peeridentity() override { return m_connection.peeridentity(); }
+  void* peerdetails() override { return m_connection.peerdetails(); }
+  CORBA::Boolean gatekeeperCheckSpecific(omni::giopStrand* strand) override {
+    return m_connection.gatekeeperCheckSpecific(strand);
+  }
+  void setSelectable(int now, CORBA::Boolean dataInBuffer) override {
+    m_connection.setSelectable(now, dataInBuffer || m_hasRest);
+  }
+  void clearSelectable() override { m_connection.clearSelectable(); }
+  CORBA::Boolean isSelectable() override { return m_connection.isSelectable(); }
+  CORBA::Boolean Peek() override { return m_hasRest || m_connection.Peek(); }
+
+ private:
+  ~CheckedConnection() override;  // omniORB counts references.
+
+  // What has come for one call.
+  struct Reply {
+    std::uint32_t id = 0;
+    bool whole = false;
+  };
+
+  int Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline);
+  bool BeginMessage();
+  bool IsWithinLimit(std::uint32_t size);
+  void NoteReply(const unsigned char* body, std::size_t size);
+  bool MoreFollows() const { return (m_header[6] & 2) != 0; }
+  bool HasUntakenReply() const;
+  void AwaitTakenReplies() const;
+
+  omni::giopActiveConnection* const m_opened;  // null for an accepted one
+  omni::giopConnection& m_connection;
+  const int m_socket;
+  omni::giopStrand* m_strand = nullptr;
+
+  std::array<unsigned char, 12> m_header{};  // of the latest message
+  std::size_t m_headerSize = 0;              // what has come of the next one
+  std::size_t m_toCome = 0;                  // of the latest message
+  std::array<unsigned char, 4> m_id{};
+  std::size_t m_idSize = 0;
+  std::uint64_t m_inFragments = 0;
+  std::vector<unsigned char> m_rest;
+  std::atomic<bool> m_hasRest = false;
+  std::atomic<bool> m_closedInOrder = false;
+
+  mutable std::mutex m_mutex;
+  std::array<Reply, 16> m_replies;  // the latest
+  std::size_t m_nextReply = 0;
+};
+
+// The name of an endpoint that accepts checked connections at one of omniORB's ("giop:tcp::").
+std::string CheckedEndpoint(const std::string& endpoint);
+
+// An address whose connections are checked.
+class CheckedAddress : public omni::giopAddress {
+ public:
+  explicit CheckedAddress(omni::giopAddress* address) : m_address(address) {}
+
+  const char* type() const override { return m_address->type(); }
+  const char* address() const override { return m_address->address(); }
+  const char* host() const override { return m_address->host(); }
+  omni::giopAddress* duplicate() const override {
+    return new CheckedAddress(m_address->duplicate());
+  }
+  omni::giopAddress* duplicate(const char* host) const override {
+    return new CheckedAddress(m_address->duplicate(host));
+  }
+  omni::giopActiveConnection* Connect(const omni_time_t& deadline, CORBA::ULong flags,
+                                      CORBA::Boolean& timedOut) const override {
+    omni::giopActiveConnection* const opened = m_address->Connect(deadline, flags, timedOut);
+    return opened != nullptr ? new CheckedConnection(*opened) : nullptr;
+  }
+
+ private:
+  const std::unique_ptr<omni::giopAddress> m_address;
+};
+
+}  // namespace vq::orb
+
+#endif  // VQ_SUPPORT_ORB_OMNIORB_OMNIORBCONNECTION_H
