@@ -53,12 +53,7 @@ class Row:
     user: bytes = b"alice"
     offered: tuple = ()  # components of the server's reference
     code_set: object = None  # that the user's name has to arrive in
-    tao: object = dataclasses.field(default_factory=dict)  # with TAO, the fields that differ; or
-                                                           # a text, why it does not hold
-
-
-# A difference that docs/orb-products.md states.
-ANEW = "TAO counts the time anew with each piece of a reply"
+    tao: dict = dataclasses.field(default_factory=dict)  # the fields that differ with TAO
 
 
 def lost(name, script, **keywords):
@@ -89,12 +84,10 @@ ROWS = [
 
     # It ends.
     lost("no reply", {REGISTER: h.silent}, logged="TIMEOUT"),
-    lost("a reply byte by byte", {REGISTER: h.trickle(0.3)}, logged="TIMEOUT", tao=ANEW),
-    lost("a reply byte by byte, fast", {REGISTER: h.trickle(0.05)}, logged="TIMEOUT",
-         tao=ANEW),
-    lost("fragments without end", {REGISTER: h.fragments()}, logged="TIMEOUT", tao=ANEW),
-    lost("many fragments without end", {REGISTER: h.fragments(0.001)}, logged="TIMEOUT",
-         tao=ANEW),
+    lost("a reply byte by byte", {REGISTER: h.trickle(0.3)}, logged="TIMEOUT"),
+    lost("a reply byte by byte, fast", {REGISTER: h.trickle(0.05)}, logged="TIMEOUT"),
+    lost("fragments without end", {REGISTER: h.fragments()}, logged="TIMEOUT"),
+    lost("many fragments without end", {REGISTER: h.fragments(0.001)}, logged="TIMEOUT"),
     lost("a late reply", {REGISTER: h.late(3)}, logged="TIMEOUT"),
     lost("a reply to another request", {REGISTER: lambda call: call.send(
         call.answer()[:12] + b"\x99\x99\x99\x09" + call.answer()[16:])}),
@@ -133,7 +126,7 @@ ROWS = [
     Row("half a header", {REGISTER: lambda call: call.send(call.answer()[:7]) and False},
         logged="COMM_FAILURE"),
     Row("CloseConnection for the first request", {REGISTER: [h.close_orderly]}, results=(1,),
-        more={REGISTER: 1}, tao={"results": (0,), "more": {}}),
+        more={REGISTER: 1}),
     Row("CloseConnection for each request", {REGISTER: h.close_orderly}, more={REGISTER: 1}),
     Row("CloseConnection, then closed", {REGISTER: [h.close_orderly, h.closed]},
         more={REGISTER: 1}),
@@ -157,8 +150,7 @@ ROWS = [
                               ("CloseConnection while idle", h.close_orderly, 0.2),
                               ("closed right behind the reply", h.closed, 0))),
     Row("CloseConnection after each answer", {op: h.then(h.answered, h.close_orderly) for op in (
-        "_non_existent", "CRB_GetSystemParameterValue", CHALLENGE, REGISTER)}, results=(1,),
-        tao="with TAO a CloseConnection right behind a reply costs the next call"),
+        "_non_existent", "CRB_GetSystemParameterValue", CHALLENGE, REGISTER)}, results=(1,)),
     Row("the naming service closes after each answer",
         naming={op: h.then(h.answered, h.close_orderly) for op in LOOK_UPS}, results=(1,)),
 
@@ -176,7 +168,7 @@ ROWS = [
     Row("the alternates do not resolve", alternates=["unknown"] * 50, results=(1,)),
 
     # Replies that make no sense.
-    *(lost(f"{word} without end", {REGISTER: h.flood(kind)}, tao=ANEW) for word, kind in (
+    *(lost(f"{word} without end", {REGISTER: h.flood(kind)}) for word, kind in (
         ("replies to other requests", h.REPLY), ("LocateReplies", h.LOCATE_REPLY),
         ("fragments of nothing", h.FRAGMENT))),
     Row("text in place of a reply", {REGISTER: h.raw(b"HTTP/1.1 400 Bad Request\r\n\r\n")},
@@ -239,8 +231,7 @@ ROWS = [
 ]
 # With bidirectional connections a thread of the ORB's reads.
 ROWS += [dataclasses.replace(row, name=f"{row.name}, bidirectional",
-                             arguments=("-BiDirPolicy", "1"),
-                             tao={} if row.tao == ANEW else row.tao)
+                             arguments=("-BiDirPolicy", "1"))
          for row in ROWS if row.name in {
              "undisturbed", "no reply", "a reply byte by byte", "fragments without end",
              "forwarded to itself", "closed after the request", "half a reply",
@@ -387,10 +378,7 @@ USUAL = {"login": LOGIN, "session": LOGIN | {
 def main(product, client, *names):
     rows = [row for row in ROWS if not names or any(name in row.name for name in names)]
     if product == "TAO":
-        for row in rows:
-            if isinstance(row.tao, str):
-                print(f"differs {row.name}: {row.tao}")
-        rows = [dataclasses.replace(row, **row.tao) for row in rows if isinstance(row.tao, dict)]
+        rows = [dataclasses.replace(row, **row.tao) for row in rows]
     with tempfile.TemporaryDirectory(prefix="vq-attacks-") as directory:
         work = Path(directory)
         (work / "config").mkdir()

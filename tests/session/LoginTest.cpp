@@ -1,7 +1,6 @@
 // A login against a real server through a real naming service, and what becomes of it when the
 // server refuses.
 
-#include <tests/fixture/Product.h>
 #include <tests/fixture/SessionFixture.h>
 
 #include <vq_client_common/session/ConnectionSettings.h>
@@ -158,10 +157,6 @@ TEST_F(LoginTest, AReplyBeyondTheSizeLimitNamesTheSetting) {
   nlohmann::json site = BaseSite();
   site["parameters"]["general"]["Long"] = std::string(30000, 'x');
   StartSession(site);
-  if (!ThisProduct().limitsMessages) {
-    EXPECT_TRUE(m_log.Has(2, "The setting -ORBMaxMessageSize has no effect")) << m_log.Text();
-    GTEST_SKIP() << "this ORB product takes messages of any size";
-  }
   std::string value = "kept";
   EXPECT_FALSE(GetSystemParameter("Long", value, "general", E_GSR));
   EXPECT_EQ(value, "kept");

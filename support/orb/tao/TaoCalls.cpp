@@ -2,20 +2,32 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <ratio>
 #include <string_view>
 
+#include <poll.h>
+
+#include <tao/IIOP_Transport.h>
 #include <tao/LocalObject.h>
 #include <tao/Messaging/Messaging.h>
 #include <tao/ORB_Core.h>
 #include <tao/PI/PI.h>
+#include <tao/Resume_Handle.h>
 #include <tao/Stub.h>
+#include <tao/Synch_Reply_Dispatcher.h>
+#include <tao/Transport.h>
+#include <tao/Wait_Strategy.h>
+#include <tao/default_client.h>
 
 #include <support/orb/CallDeadline.h>
+#include <support/orb/PeerSocket.h>
 #include <support/orb/TlsVerdict.h>
+#include <support/orb/tao/TaoConnector.h>
 
 namespace vq::orb {
 namespace {
@@ -27,11 +39,19 @@ using Clock = CallDeadline::Clock;
 constexpr int kMostForwards = 8;
 constexpr int kMostRepetitions = 1;
 
+// The minor code of MARSHAL for a reply beyond the limit.
+constexpr CORBA::ULong kTooLarge = 0x56510001;
+
+// What a message takes beside its content, so that empty ones count, too.
+constexpr std::uint64_t kMessageCost = 256;
+
 // The call under way on a thread.
 struct Call {
   Clock::time_point end = Clock::time_point::max();
   int forwards = 0;
   int repetitions = 0;
+  bool isReading = false;      // the thread reads the reply
+  bool closedInOrder = false;  // the server closed the connection instead of a reply
   std::string unencrypted;
 };
 thread_local Call call;
@@ -64,6 +84,69 @@ void Begin(TAO_ORB_Core*, TAO_Stub* stub, bool& isLimited, ACE_Time_Value& time)
   const auto rest = std::chrono::ceil<std::chrono::microseconds>(*limit - seconds);
   time.set(seconds.count(), static_cast<suseconds_t>(rest.count()));
 }
+
+// Reads the reply on the thread of the call. A connection that fails or is late is closed.
+class ReplyReader : public TAO_Wait_Strategy {
+ public:
+  ReplyReader(TAO_Transport* transport, std::uint64_t limit)
+      : TAO_Wait_Strategy(transport), m_limit(limit) {}
+
+  int wait(ACE_Time_Value*, TAO_Synch_Reply_Dispatcher& reply) override {
+    reply.state_changed(TAO_LF_Event::LFS_ACTIVE, transport_->orb_core()->leader_follower());
+    const Call own = call;  // a call that arrives here may make calls
+    const int error = Read(reply);
+    call = own;
+    call.closedInOrder = error == ESHUTDOWN;
+    if (error != 0) transport_->close_connection();
+    if (error == EMSGSIZE) throw CORBA::MARSHAL(kTooLarge, CORBA::COMPLETED_MAYBE);
+    errno = error;
+    return error != 0 || reply.error_detected() ? -1 : 0;
+  }
+
+  int register_handler() override { return 0; }  // the ORB's threads do not read
+  bool non_blocking() const override { return false; }
+  bool can_process_upcalls() const override { return true; }
+
+ private:
+  // Returns 0 or the cause as an error number.
+  int Read(TAO_Synch_Reply_Dispatcher& reply) {
+    const int socket = transport_->event_handler_i()->get_handle();
+    const bool isTls = dynamic_cast<TAO_IIOP_Transport*>(transport_) == nullptr;
+    const Clock::time_point end = call.end;
+    TAO_Resume_Handle resume;
+    std::uint64_t announced = 0;
+    std::size_t last = 0;
+    for (bool isFirst = true; reply.keep_waiting(); isFirst = false) {
+      call.end = end;
+      call.isReading = true;
+      // TLS waits within a record (TaoTls.cpp), and hides what a message is.
+      if (!isTls && !AwaitReplyBytes(socket)) return ETIME;
+      if (!isTls && isFirst && BeginsWithClose(socket, isTls)) return ESHUTDOWN;
+      if (transport_->handle_input(resume, nullptr) == -1 && reply.keep_waiting()) {
+        return end <= Clock::now() ? ETIME : ECONNRESET;
+      }
+      // What was asked for: a header, all of a message's content, or what is still missing of it.
+      const std::size_t asked = transport_->recv_buffer_size();
+      if (asked >= last) announced += asked - last + kMessageCost;
+      last = asked;
+      if (m_limit != 0 && announced > m_limit + 2 * kMessageCost) return EMSGSIZE;
+    }
+    return 0;
+  }
+
+  const std::uint64_t m_limit;
+};
+
+class ReplyReaders : public TAO_Default_Client_Strategy_Factory {
+ public:
+  explicit ReplyReaders(const OrbSettings& settings) : m_limit(settings.maxMessageSize) {}
+  TAO_Wait_Strategy* create_wait_strategy(TAO_Transport* transport) override {
+    return new ReplyReader(transport, m_limit);
+  }
+
+ private:
+  const std::uint64_t m_limit;
+};
 
 bool IsLookUp(std::string_view operation) {
   constexpr std::array<std::string_view, 3> kLookUps{"resolve", "_non_existent", "_is_a"};
@@ -102,7 +185,14 @@ class CallCheck : public virtual PortableInterceptor::ClientRequestInterceptor,
   void receive_reply(ClientRequestInfo_ptr request) override {
     if (!IsUnderstood(request)) throw CORBA::MARSHAL(0, CORBA::COMPLETED_MAYBE);
   }
-  void receive_exception(ClientRequestInfo_ptr) override {}
+  // A server that closes in order has not processed the request: it is sent once more.
+  void receive_exception(ClientRequestInfo_ptr request) override {
+    if (!call.closedInOrder) return;
+    call.closedInOrder = false;
+    if (++call.repetitions > kMostRepetitions) return;
+    const CORBA::Object_var target = request->effective_target();
+    throw PortableInterceptor::ForwardRequest(target.in());
+  }
   void receive_other(ClientRequestInfo_ptr request) override {
     const bool isForward = request->reply_status() == PortableInterceptor::LOCATION_FORWARD;
     ++(isForward ? call.forwards : call.repetitions);
@@ -114,6 +204,10 @@ class CallCheck : public virtual PortableInterceptor::ClientRequestInterceptor,
 
 }  // namespace
 
+void AddReplyReader(ACE_Service_Gestalt& services, const OrbSettings& settings) {
+  AddService<ReplyReaders>(services, "Client_Strategy_Factory", settings);
+}
+
 void CheckCalls(CORBA::ORB_ptr orb, Unencrypted allowed) {
   orb->orb_core()->set_timeout_hook(Begin);
   const PortableInterceptor::ClientRequestInterceptor_var check = new CallCheck(allowed);
@@ -122,6 +216,23 @@ void CheckCalls(CORBA::ORB_ptr orb, Unencrypted allowed) {
 
 void NoteUnencrypted(const std::string& place) {
   call.unencrypted = place;
+}
+
+bool AwaitReplyBytes(int socket) {
+  while (call.isReading) {
+    const auto rest = call.end - Clock::now();
+    if (rest <= Clock::duration::zero()) return false;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(rest);
+    const timespec time{seconds.count(), std::chrono::nanoseconds(rest - seconds).count()};
+    pollfd events{socket, POLLIN, 0};
+    // A failed connection counts as ready: the read reports it.
+    if (::ppoll(&events, 1, &time, nullptr) > 0) return true;
+  }
+  return true;
+}
+
+bool IsTooLarge(const CORBA::SystemException& exception) {
+  return exception.minor() == kTooLarge;
 }
 
 }  // namespace vq::orb

@@ -1,23 +1,31 @@
-// What this library holds each call of TAO's to: its time, how often it is sent, that it does not
-// go unencrypted, and that its reply has been read.
+// The rules for each call through TAO: its deadline, how often it is sent, whether it may go
+// unencrypted, and how its reply is read.
 //
+//   AddReplyReader(services, settings);                      // before ORB_init
 //   CORBA::ORB_var orb = CORBA::ORB_init(argc, argv);
 //   CheckCalls(orb.in(), Unencrypted::kLookUps);
 //
-// TAO reads nothing of a reply whose status is none of the known ones, and returns as if all were
-// well: results are 0, texts and sequences are null pointers. Whoever sends such a reply would
-// crash the client.
+// TAO by itself counts the time anew with each piece of a reply. It ignores a reply of unknown
+// status and returns as if the call had succeeded: results are 0, strings and sequences are null
+// pointers, and the client would crash.
 #ifndef VQ_SUPPORT_ORB_TAO_TAOCALLS_H
 #define VQ_SUPPORT_ORB_TAO_TAOCALLS_H
 
 #include <string>
 
 #include <support/orb/Corba.h>
+#include <support/orb/OrbSettings.h>
+
+class ACE_Service_Gestalt;
 
 namespace vq::orb {
 
 // What an ORB may call at the naming service unencrypted, though TLS is on.
 enum class Unencrypted { kLookUps, kAnyCall };
+
+// Makes the thread of a call read the reply until the call's deadline, up to -ORBMaxMessageSize.
+// Not for bidirectional IIOP, where the ORB's threads read.
+void AddReplyReader(ACE_Service_Gestalt& services, const OrbSettings& settings);
 
 // Called once, before the ORB's first call. Raises CORBA::SystemException.
 void CheckCalls(CORBA::ORB_ptr orb, Unencrypted allowed);
@@ -25,6 +33,13 @@ void CheckCalls(CORBA::ORB_ptr orb, Unencrypted allowed);
 // For the connector, on the thread of the call: its request goes to `place` ("host:port")
 // unencrypted, though TLS is on; empty when it does not.
 void NoteUnencrypted(const std::string& place);
+
+// Where this thread is reading a reply: waits until bytes of it arrive or the call's deadline has
+// passed, which it returns as false. Elsewhere it returns true at once.
+bool AwaitReplyBytes(int socket);
+
+// The call's reply, or what came in its place, was larger than -ORBMaxMessageSize.
+bool IsTooLarge(const CORBA::SystemException& exception);
 
 }  // namespace vq::orb
 

@@ -1,15 +1,18 @@
-// Connections as this library wants them of TAO: one that died while it was idle is replaced before
-// anything is sent, and a peer that vanished is noticed.
+// TAO's connections with two additions: one that died while idle is replaced before anything is
+// sent, and a peer that vanished is detected (-ORBTcpKeepAlive, -ORBTcpUserTimeout).
 //
-//   RegisterProtocol();   // before ORB_init with "static VQ_IIOP_Factory ..."
-//   const ConnectionSettings scope(settings);
-//   CORBA::ORB_var orb = ORB_init(...);
+//   using Protocol = CheckedProtocol<TAO_IIOP_Protocol_Factory, CheckedConnector>;
+//   AddService<Protocol>(services, kProtocol, settings);
 #ifndef VQ_SUPPORT_ORB_TAO_TAOCONNECTOR_H
 #define VQ_SUPPORT_ORB_TAO_TAOCONNECTOR_H
 
 #include <chrono>
 #include <memory>
+#include <utility>
 
+#include <ace/Service_Config.h>
+#include <ace/Service_Gestalt.h>
+#include <ace/Service_Object.h>
 #include <tao/SystemException.h>
 #include <tao/Transport_Connector.h>
 
@@ -17,20 +20,28 @@
 
 namespace vq::orb {
 
-// The connectors that this thread makes meanwhile, as it starts an ORB, are for that ORB.
-class ConnectionSettings {
- public:
-  explicit ConnectionSettings(const OrbSettings& settings);
-  ~ConnectionSettings();
-  ConnectionSettings(const ConnectionSettings&) = delete;
-  ConnectionSettings& operator=(const ConnectionSettings&) = delete;
-};
+// Puts a service of ours among those of one ORB, under a name that TAO's directives use.
+template <class Service>
+void AddService(ACE_Service_Gestalt& services, const char* name, const OrbSettings& settings) {
+  static thread_local const OrbSettings* current = nullptr;
+  static const ACE_Static_Svc_Descriptor descriptor{
+      name, ACE_SVC_OBJ_T,
+      [](ACE_Service_Object_Exterminator* exterminator) -> ACE_Service_Object* {
+        if (exterminator != nullptr) {
+          *exterminator = [](void* service) { delete static_cast<ACE_Service_Object*>(service); };
+        }
+        return new Service(*current);
+      },
+      ACE_Service_Type::DELETE_THIS | ACE_Service_Type::DELETE_OBJ, 0};
+  current = &settings;
+  services.process_directive(descriptor);
+}
 
-// A connector of TAO's, which does everything, with the checks around it. Thread safety: as TAO has
-// it, any thread.
+// A connector of TAO's, which does all the work, with checks around it. Thread safety: any thread,
+// as in TAO.
 class CheckedConnector : public TAO_Connector {
  public:
-  explicit CheckedConnector(std::unique_ptr<TAO_Connector> connector);
+  CheckedConnector(std::unique_ptr<TAO_Connector> connector, const OrbSettings& settings);
 
   int open(TAO_ORB_Core* core) override { return m_connector->open(core); }
   int close() override { return m_connector->close(); }
@@ -47,8 +58,8 @@ class CheckedConnector : public TAO_Connector {
   char object_key_delimiter() const override { return m_connector->object_key_delimiter(); }
 
  protected:
-  // The connector within calls its own; those that remain are of reference forms from before
-  // corbaloc.
+  // Only the connector within is asked for these, by itself; what remains are calls for reference
+  // forms from before corbaloc.
   TAO_Profile* make_profile() override { throw CORBA::NO_IMPLEMENT(); }
   int set_validate_endpoint(TAO_Endpoint*) override { return -1; }
   TAO_Transport* make_connection(TAO::Profile_Transport_Resolver*,
@@ -59,14 +70,25 @@ class CheckedConnector : public TAO_Connector {
 
  private:
   const std::unique_ptr<TAO_Connector> m_connector;
-  bool m_takesCalls = false;
-  std::chrono::milliseconds m_keepAlive{0};
-  std::chrono::milliseconds m_unacknowledged{0};
+  const bool m_takesCalls;
+  const std::chrono::milliseconds m_keepAlive;
+  const std::chrono::milliseconds m_unacknowledged;
 };
 
-// Makes IIOP with these connections known to TAO under the name of kProtocol (TaoOptions.h). By the
-// thread that starts an ORB; again does nothing.
-void RegisterProtocol();
+// TAO's factory of a protocol, whose connectors are `Connector`s.
+template <class Factory, class Connector>
+class CheckedProtocol : public Factory {
+ public:
+  explicit CheckedProtocol(const OrbSettings& settings) : m_settings(settings) {}
+  TAO_Connector* make_connector() override {
+    std::unique_ptr<TAO_Connector> connector(Factory::make_connector());
+    if (connector == nullptr) return nullptr;
+    return new Connector(std::move(connector), m_settings);
+  }
+
+ private:
+  const OrbSettings m_settings;
+};
 
 }  // namespace vq::orb
 

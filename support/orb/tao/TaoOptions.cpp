@@ -1,32 +1,9 @@
 #include <support/orb/tao/TaoOptions.h>
 
-#include <algorithm>
-
 namespace vq::orb {
 namespace {
 
-// Lines of the service configuration's language.
-std::vector<std::string> LoadProtocol(const TlsSettings& tls) {
-  if (!tls.IsOn()) {
-    const std::string protocol = kProtocol;
-    return {"static " + protocol + " \"\"",
-            "static Resource_Factory \"-ORBProtocolFactory " + protocol + "\""};
-  }
-  const std::string protocol = kTlsProtocol;
-  const std::string mode = tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE";
-  return {
-      // SSLIOP gives this ORB a list of initializers of its own, which hides the process's list:
-      // the
-      // policies of time-outs and of bidirectional use would be unknown.
-      R"(static Messaging_Loader "")",
-      R"(static BiDirGIOP_Loader "")",
-      "static " + protocol + " \"-SSLAuthenticate " + mode + "\"",
-      "static Resource_Factory \"-ORBProtocolFactory " + protocol + "\"",
-  };
-}
-
-}  // namespace
-
+// A listen endpoint in TAO's form: that of the setting, with the protocol's own name for TLS.
 std::string TaoEndpoint(const ListenEndpoint& endpoint, bool tls) {
   std::string text = (tls ? "ssliop://" : "iiop://") + UriHost(endpoint.host);
   if (endpoint.port != 0) text += ":" + std::to_string(endpoint.port);
@@ -41,27 +18,32 @@ std::string TaoEndpoint(const ListenEndpoint& endpoint, bool tls) {
   return text;
 }
 
+// What is between the first `before` and the last `after`; empty where one of them is missing.
+std::string Between(std::string_view text, std::string_view before, std::string_view after) {
+  const std::size_t start = text.find(before);
+  if (start == std::string_view::npos) return {};
+  text.remove_prefix(start + before.size());
+  const std::size_t end = text.rfind(after);
+  return end == std::string_view::npos ? std::string() : std::string(text.substr(0, end));
+}
+
+}  // namespace
+
 std::vector<std::string> TaoArguments(const OrbSettings& settings) {
   std::vector<std::string> arguments{
       "-ORBListenEndpoints",
       TaoEndpoint(settings.listenEndpoint, settings.tls.IsOn()),
-      // A reference names addresses, which a server can use without resolving the client's name.
+      // References contain addresses, which a server can use without resolving the client's name.
       "-ORBDottedDecimalAddresses",
       "1",
-      // Texts pass as the bytes that they are.
+      // Strings pass as the bytes that they are.
       "-ORBNegotiateCodesets",
       "0",
   };
   if (!settings.biDirectional) {
-    // Who waits for an answer reads it, and closes a connection where none comes in time; else
-    // every later call would wait behind it. Calls that come back over the connection exclude this.
-    arguments.insert(arguments.end(),
-                     {"-ORBSvcConfDirective",
-                      "static Client_Strategy_Factory \"-ORBClientConnectionHandler RW "
-                      "-ORBTransportMuxStrategy EXCLUSIVE\""});
-  }
-  for (const std::string& directive : LoadProtocol(settings.tls)) {
-    arguments.insert(arguments.end(), {"-ORBSvcConfDirective", directive});
+    // Read no further than the end of a message, so that what follows a reply is seen before the
+    // connection is used again.
+    arguments.insert(arguments.end(), {"-ORBSingleReadOptimization", "0"});
   }
   for (const std::string& ref : settings.initialRefs) {
     arguments.insert(arguments.end(), {"-ORBInitRef", ref});
@@ -69,13 +51,26 @@ std::vector<std::string> TaoArguments(const OrbSettings& settings) {
   return arguments;
 }
 
-std::vector<std::string> TaoConfigurationArguments(const std::vector<std::string>& given) {
-  // Each ORB has a configuration of its own.
-  std::vector<std::string> arguments{"-ORBGestalt", "LOCAL"};
-  if (std::find(given.begin(), given.end(), "-ORBSvcConf") == given.end()) {
-    arguments.insert(arguments.end(), {"-ORBSvcConf", "/dev/null"});
+std::vector<std::string> TaoDirectives(const OrbSettings& settings) {
+  std::vector<std::string> directives;
+  if (!settings.biDirectional) {
+    // The thread of a call reads the reply (TaoCalls.h), so each call under way needs a connection.
+    directives.emplace_back(
+        R"(static Client_Strategy_Factory "-ORBTransportMuxStrategy EXCLUSIVE")");
   }
-  return arguments;
+  std::string protocol = kProtocol, options;
+  if (settings.tls.IsOn()) {
+    // SSLIOP gives this ORB a list of initializers of its own, which hides that of the process: the
+    // policies of time-outs and of bidirectional IIOP would be unknown.
+    directives.insert(directives.end(),
+                      {R"(static Messaging_Loader "")", R"(static BiDirGIOP_Loader "")"});
+    protocol = kTlsProtocol;
+    options =
+        std::string("-SSLAuthenticate ") + (settings.tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE");
+  }
+  directives.push_back("static " + protocol + " \"" + options + "\"");
+  directives.push_back("static Resource_Factory \"-ORBProtocolFactory " + protocol + "\"");
+  return directives;
 }
 
 std::uint64_t TaoTime(std::chrono::milliseconds time) {
@@ -84,19 +79,9 @@ std::uint64_t TaoTime(std::chrono::milliseconds time) {
 
 std::string TaoMinorText(std::string_view information) {
   // OMG's own codes: described as 'No usable profile in IOR.', where the descriptions are built in.
-  constexpr std::string_view kDescribed = "described as '";
-  if (const std::size_t at = information.find(kDescribed); at != std::string_view::npos) {
-    const std::size_t start = at + kDescribed.size();
-    const std::size_t end = information.rfind("', completed");
-    if (end == std::string_view::npos || end < start || information[start] == '*') return {};
-    return std::string(information.substr(start, end - start));
-  }
-  const std::size_t minor = information.find("minor code = ");
-  if (minor == std::string_view::npos) return {};
-  const std::size_t open = information.find('(', minor);
-  const std::size_t close = information.rfind("), completed");
-  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return {};
-  return std::string(information.substr(open + 1, close - open - 1));
+  const std::string described = Between(information, "described as '", "', completed");
+  if (described.starts_with('*')) return {};
+  return described.empty() ? Between(information, " (", "), completed") : described;
 }
 
 }  // namespace vq::orb

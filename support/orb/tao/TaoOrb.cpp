@@ -12,25 +12,30 @@
 #include <ace/Log_Msg.h>
 #include <ace/Log_Msg_Backend.h>
 #include <ace/Log_Record.h>
+#include <ace/Service_Config.h>
+#include <ace/Service_Gestalt.h>
+#include <tao/IIOP_Factory.h>
 #include <tao/Messaging/Messaging.h>
 #include <tao/ORB_Core.h>
 #include <tao/Service_Context_Handler.h>
 #include <tao/Service_Context_Handler_Registry.h>
+#include <tao/TAO_Singleton_Manager.h>
 #include <tao/TimeBaseC.h>
 #include <tao/debug.h>
+#include <tao/default_resource.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/tao/TaoConnector.h>
 #include <support/orb/tao/TaoOptions.h>
+#include <support/orb/tao/TaoTls.h>
 
 namespace vq::orb {
 namespace {
 
 TDiagRegister diagModule("ORB");
 
-// Enough to follow connections; from 5 on TAO prints what the messages hold, which includes
-// passwords.
+// Shows connections. From 5 on TAO prints the content of messages, with passwords.
 constexpr unsigned kTraceOn = 2;
 
 // Takes ACE's lines in place of stderr.
@@ -47,19 +52,27 @@ class LogLines : public ACE_Log_Msg_Backend {
   }
 };
 
-// ACE's log while ORBs of ours are up, and as it was found when the last of them has ended.
+// ACE's log while ORBs of ours are up; as it was found when the last of them has ended.
 class AceLog {
  public:
   static void Take() {
     AceLog& log = Instance();
     const std::lock_guard lock(log.m_mutex);
     if (log.m_users++ > 0) return;
-    log.m_isTraced = diagModule.IsActive(TDiag::kTrace);
     log.m_debugLevel = TAO_debug_level;
+    log.m_isTraced = diagModule.IsActive(TDiag::kTrace);
     if (log.m_isTraced) {
-      log.Redirect();
-    } else if (TAO_debug_level == 0) {  // Otherwise the application wants to see what TAO does.
-      log.Silence();
+      static auto* const lines = new LogLines;
+      TAO_debug_level = kTraceOn;
+      ACE_Log_Msg* const ace = ACE_Log_Msg::instance();
+      log.m_flags = ace->flags();
+      log.m_backend = ACE_Log_Msg::msg_backend(lines);
+      ace->clr_flags(ACE_Log_Msg::STDERR | ACE_Log_Msg::LOGGER);
+      ace->set_flags(ACE_Log_Msg::CUSTOM);
+    } else if (TAO_debug_level == 0) {  // Otherwise the application traces TAO.
+      for (ACE_Log_Category* category : {&ACE_Log_Category::ace_lib(), &TAO_log_category}) {
+        log.m_masks.emplace_back(category, category->priority_mask(0));
+      }
     }
   }
 
@@ -67,8 +80,8 @@ class AceLog {
     AceLog& log = Instance();
     const std::lock_guard lock(log.m_mutex);
     if (--log.m_users > 0) return;
+    TAO_debug_level = log.m_debugLevel;
     if (log.m_isTraced) {
-      TAO_debug_level = log.m_debugLevel;
       ACE_Log_Msg* const ace = ACE_Log_Msg::instance();
       ace->clr_flags(ACE_Log_Msg::CUSTOM);
       ace->set_flags(log.m_flags);
@@ -84,22 +97,6 @@ class AceLog {
     return *log;
   }
 
-  void Redirect() {
-    static auto* const lines = new LogLines;
-    TAO_debug_level = kTraceOn;
-    ACE_Log_Msg* const ace = ACE_Log_Msg::instance();
-    m_flags = ace->flags();
-    m_backend = ACE_Log_Msg::msg_backend(lines);
-    ace->clr_flags(ACE_Log_Msg::STDERR | ACE_Log_Msg::LOGGER);
-    ace->set_flags(ACE_Log_Msg::CUSTOM);
-  }
-
-  void Silence() {
-    for (ACE_Log_Category* category : {&ACE_Log_Category::ace_lib(), &TAO_log_category}) {
-      m_masks.emplace_back(category, category->priority_mask(0));
-    }
-  }
-
   std::mutex m_mutex;
   int m_users = 0;
   bool m_isTraced = false;
@@ -108,6 +105,24 @@ class AceLog {
   ACE_Log_Msg_Backend* m_backend = nullptr;
   std::vector<std::pair<ACE_Log_Category*, u_long>> m_masks;
 };
+
+// The services of one ORB. TAO reads no configuration file, and by that leaves ACE's log alone,
+// unless an argument names one.
+ACE_Intrusive_Auto_Ptr<ACE_Service_Gestalt> MakeServices(const OrbSettings& settings) {
+  ACE_Intrusive_Auto_Ptr<ACE_Service_Gestalt> services(
+      new ACE_Service_Gestalt(ACE_Service_Gestalt::MAX_SERVICES / 4, true));
+  const ACE_Service_Config_Guard guard(services.get());
+  TAO_Singleton_Manager::instance()->init();  // which the services use; ORB_init is still to come
+  services->process_directive(ace_svc_desc_TAO_Default_Resource_Factory);
+  AddService<CheckedProtocol<TAO_IIOP_Protocol_Factory, CheckedConnector>>(*services, kProtocol,
+                                                                           settings);
+  PrepareTls(settings, *services);
+  if (!settings.biDirectional) AddReplyReader(*services, settings);
+  for (const std::string& directive : TaoDirectives(settings)) {
+    services->process_directive(directive.c_str());
+  }
+  return services;
+}
 
 void Release(CORBA::PolicyList& policies) {
   for (CORBA::ULong i = 0; i < policies.length(); ++i) policies[i]->destroy();
@@ -129,45 +144,76 @@ class SignalsBlocked {
   sigset_t m_former{};
 };
 
+// Without this an ORB of TAO's uses connections that others opened to it for calls, to whichever
+// server they name, once the process has the library for bidirectional IIOP.
+void IgnoreOfferedConnections(CORBA::ORB_ptr orb) {
+  // The only handler in there is that of the service context with which a connection is offered.
+  TAO_Service_Context_Registry& handlers = orb->orb_core()->service_context_registry();
+  delete handlers[IOP::BI_DIR_IIOP];
+  handlers = TAO_Service_Context_Registry();
+}
+
+// Limits on connecting and on a whole call, for everything that this ORB sends.
+void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
+                std::chrono::milliseconds call) {
+  CORBA::PolicyList policies;
+  policies.length(2);
+  policies[0] = TimePolicy(orb, TAO::CONNECTION_TIMEOUT_POLICY_TYPE, connect);
+  policies[1] = TimePolicy(orb, Messaging::RELATIVE_RT_TIMEOUT_POLICY_TYPE, call);
+  const CORBA::Object_var object = orb->resolve_initial_references("ORBPolicyManager");
+  const CORBA::PolicyManager_var manager = CORBA::PolicyManager::_narrow(object.in());
+  manager->set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
+  Release(policies);
+}
+
+void EndTao(CORBA::ORB_ptr orb) {
+  struct LogReturned {
+    ~LogReturned() { AceLog::Return(); }
+  } const after;
+  orb->destroy();
+}
+
 }  // namespace
 
 CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
-                        std::vector<std::string> arguments) {
-  RegisterProtocol();
+                        const std::vector<std::string>& arguments, Unencrypted allowed) {
+  std::vector<std::string> all{"vq", "-ORBGestalt", "CURRENT", "-ORBIgnoreDefaultSvcConfFile"};
+  if (std::none_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
+        return argument.starts_with("-ORBSvcConf");
+      })) {
+    all.emplace_back("-ORBSkipServiceConfigOpen");
+  }
+  const std::vector<std::string> own = TaoArguments(settings);
+  all.insert(all.end(), own.begin(), own.end());
+  all.insert(all.end(), arguments.begin(), arguments.end());
   // ORB_init takes what it knows out of its argument vector.
-  arguments.insert(arguments.begin(), "vq");
   std::vector<char*> pointers;
-  for (std::string& argument : arguments) pointers.push_back(argument.data());
+  for (std::string& argument : all) pointers.push_back(argument.data());
   int count = static_cast<int>(pointers.size());
   pointers.push_back(nullptr);
   // An ORB of the same name may still be ending, and would be returned.
   static std::atomic<int> number = 0;
   const std::string id = name + "/" + std::to_string(++number);
-  const ConnectionSettings scope(settings);
   AceLog::Take();
+  CORBA::ORB_var orb;
   try {
-    return CORBA::ORB_init(count, pointers.data(), id.c_str());
-  } catch (const CORBA::Exception&) {
+    const auto services = MakeServices(settings);
+    const ACE_Service_Config_Guard guard(services.get());
+    orb = CORBA::ORB_init(count, pointers.data(), id.c_str());
+  } catch (...) {
     AceLog::Return();
     throw;
   }
-}
-
-void EndTao(CORBA::ORB_ptr orb) {
   try {
-    orb->destroy();
+    CheckCalls(orb.in(), allowed);
+    if (!settings.biDirectional) IgnoreOfferedConnections(orb.in());
+    LimitCalls(orb.in(), settings.connectTimeout, settings.callTimeout);
+    AllowNaming(orb.in(), settings);
   } catch (const CORBA::Exception&) {
-    AceLog::Return();
+    EndTao(orb.in());
     throw;
   }
-  AceLog::Return();
-}
-
-void IgnoreOfferedConnections(CORBA::ORB_ptr orb) {
-  // What handles the service context with which a connection is offered; nothing else is in there.
-  TAO_Service_Context_Registry& handlers = orb->orb_core()->service_context_registry();
-  delete handlers[IOP::BI_DIR_IIOP];
-  handlers = TAO_Service_Context_Registry();
+  return orb._retn();
 }
 
 CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
@@ -184,18 +230,6 @@ CORBA::Object_ptr WithPolicy(CORBA::Object_ptr object, CORBA::Policy_ptr policy)
   CORBA::Object_var result = object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
   policy->destroy();
   return result._retn();
-}
-
-void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
-                std::chrono::milliseconds call) {
-  CORBA::PolicyList policies;
-  policies.length(2);
-  policies[0] = TimePolicy(orb, TAO::CONNECTION_TIMEOUT_POLICY_TYPE, connect);
-  policies[1] = TimePolicy(orb, Messaging::RELATIVE_RT_TIMEOUT_POLICY_TYPE, call);
-  const CORBA::Object_var object = orb->resolve_initial_references("ORBPolicyManager");
-  const CORBA::PolicyManager_var manager = CORBA::PolicyManager::_narrow(object.in());
-  manager->set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
-  Release(policies);
 }
 
 // The last that leaves destroys an ORB that nobody waits for: one of its threads, or who shuts it

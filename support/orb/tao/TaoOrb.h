@@ -1,7 +1,6 @@
-// What a client's ORB and a server's have in common in TAO: their start, the threads that serve
-// them, and limits on calls.
+// The start of an ORB of TAO's, for clients and servers, and the threads that serve it.
 //
-//   CORBA::ORB_var orb = StartTao("GUI:1", arguments);
+//   CORBA::ORB_var orb = StartTao("GUI:1", settings, arguments, Unencrypted::kLookUps);
 //   TaoThreads threads;
 //   threads.Start(orb.in(), 1);
 //   threads.End(orb.in(), true);
@@ -16,45 +15,36 @@
 
 #include <support/orb/Corba.h>
 #include <support/orb/OrbSettings.h>
+#include <support/orb/tao/TaoCalls.h>
 
 namespace vq::orb {
 
-// Initialises an ORB, whatever others of that name the process has. Raises CORBA::SystemException.
-// Until the last of them ends, TAO and ACE write no log of their own: it would go to stderr. The
-// application's ACE log is not touched, unless this system's own trace is on, which takes over all
-// of ACE's log meanwhile.
+// Starts a new ORB, also where the process has one of that name. `arguments` are those for TAO.
+// Raises CORBA::SystemException, and std::invalid_argument for TLS settings that cannot be used.
+//
+// Until the last of these ORBs ends, TAO and ACE write no log of their own, which would go to
+// stderr. The application's ACE log is not touched, unless this library's log is at level 6: then
+// all of ACE's log goes there meanwhile.
 CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
-                        std::vector<std::string> arguments);
+                        const std::vector<std::string>& arguments, Unencrypted allowed);
 
-// Destroys it. Raises CORBA::SystemException.
-void EndTao(CORBA::ORB_ptr orb);
-
-// Keeps this ORB from calls over connections that others opened to it. Without that an ORB of TAO's
-// believes whoever connects to it which server is at the other end, once the process has the
-// library for bidirectional use.
-void IgnoreOfferedConnections(CORBA::ORB_ptr orb);
-
-// Limits on connecting and on a whole call, of everything that goes out from this ORB.
-void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
-                std::chrono::milliseconds call);
-
-// A policy that holds a time. The caller owns it.
+// A policy that contains a time. The caller owns it.
 CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
                              std::chrono::milliseconds time);
 
-// The same object under that policy, which ends here. The caller owns the result.
+// The same object under that policy, which is destroyed. The caller owns the result.
 CORBA::Object_ptr WithPolicy(CORBA::Object_ptr object, CORBA::Policy_ptr policy);
 
 // The threads that take calls for one ORB.
 //
-// Thread contract: one thread at a time, which may be one of these threads.
+// Thread safety: one thread at a time, which may be one of these threads.
 class TaoThreads {
  public:
   void Start(CORBA::ORB_ptr orb, int count);
   bool AreRunning() const { return !m_threads.empty(); }
 
-  // Ends and destroys the ORB, and returns when the threads have ended. When it is called by one of
-  // them, in a call that it serves, or without `wait`, they end later and destroy the ORB then.
+  // Destroys the ORB and returns when the threads have ended. Called by one of them, in a call that
+  // it serves, or without `wait`, it returns at once, and the last thread destroys the ORB.
   void End(CORBA::ORB_ptr orb, bool wait);
 
  private:

@@ -1,8 +1,8 @@
 // TAO behind the seam of OrbProduct.h.
 //
-// Each instance is an ORB of its own, with its own connections, endpoints and threads, which go
-// with it. Time-outs, TLS and initial references are those of the ORB that was there before, as
-// with every product: a trial in the course of a session is made with the session's own.
+// Each instance is an ORB of its own, with its own connections, endpoints and threads. Time-outs,
+// TLS and initial references are those of the ORB that was there before, as with every product: a
+// trial during a session uses the session's own.
 
 #include <support/orb/OrbProduct.h>
 
@@ -25,34 +25,13 @@ TDiagRegister diagModule("ORB");
 // Threads that take calls where SetUseThreadPool asks for a pool; otherwise there is one.
 constexpr int kPool = 4;
 
-// TAO takes messages of any size.
+// With bidirectional IIOP the ORB's threads read messages of any size.
 void WarnOfMessageSize(const OrbSettings& settings) {
   for (const ResolvedSetting& setting : settings.table) {
-    if (setting.name != "-ORBMaxMessageSize" || setting.origin == "built in") continue;
-    VQ_LOG(diagModule, 2) << "The setting -ORBMaxMessageSize has no effect with TAO, which takes "
-                          << "messages of any size";
+    if (setting.name != kMaxMessageSize || setting.origin == "built in") continue;
+    VQ_LOG(diagModule, 2) << "The setting " << kMaxMessageSize << " has no effect with TAO and "
+                          << kBiDirPolicy << " 1";
   }
-}
-
-CORBA::ORB_ptr Start(const std::string& name, const OrbSettings& settings,
-                     const std::vector<std::string>& arguments) {
-  std::vector<std::string> all = TaoConfigurationArguments(arguments);
-  const std::vector<std::string> own = TaoArguments(settings);
-  all.insert(all.end(), own.begin(), own.end());
-  all.insert(all.end(), arguments.begin(), arguments.end());
-  TaoTls::Prepare(settings);
-  WarnOfMessageSize(settings);
-  CORBA::ORB_var orb = StartTao(name, settings, all);
-  CheckCalls(orb.in(), Unencrypted::kLookUps);
-  if (!settings.biDirectional) IgnoreOfferedConnections(orb.in());
-  try {
-    LimitCalls(orb.in(), settings.connectTimeout, settings.callTimeout);
-    TaoTls::AllowNaming(orb.in(), settings);
-  } catch (const CORBA::Exception&) {
-    EndTao(orb.in());
-    throw;
-  }
-  return orb._retn();
 }
 
 bool IsNamingConfigured(const OrbSettings& settings) {
@@ -68,7 +47,7 @@ class Running {
     return *running;
   }
 
-  // What an ORB is to be started with, which counts as up from here on.
+  // The settings to start an ORB with, which counts as up from here on.
   OrbSettings Enter(const void* orb, const std::string& name, OrbSettings settings) {
     const std::lock_guard lock(m_mutex);
     if (!m_all.empty()) {
@@ -102,7 +81,8 @@ class TaoInstance : public OrbInstance {
         m_useThreadPool(useThreadPool),
         m_namingIsConfigured(IsNamingConfigured(m_settings)) {
     try {
-      m_orb = Start(m_name, m_settings, arguments);
+      m_orb = StartTao(m_name, m_settings, arguments, Unencrypted::kLookUps);
+      if (m_settings.biDirectional) WarnOfMessageSize(m_settings);
     } catch (...) {
       Running::Instance().Leave(this);
       throw;
@@ -119,7 +99,7 @@ class TaoInstance : public OrbInstance {
   CORBA::ORB_ptr Orb() override { return m_orb.in(); }
 
   CORBA::Object_ptr NamingService() override {
-    // TAO would ask by multicast who is one.
+    // TAO would search for one by multicast.
     if (!m_namingIsConfigured) throw CORBA::ORB::InvalidName();
     return m_orb->resolve_initial_references("NameService");
   }
@@ -127,7 +107,7 @@ class TaoInstance : public OrbInstance {
   CORBA::Object_ptr NamingServiceAt(const std::string& reference) override {
     CORBA::Object_var naming = m_orb->string_to_object(reference.c_str());
     if (m_settings.tls.encryptLookups) return naming._retn();
-    return TaoTls::ForLookUps(naming.in());
+    return ForLookUps(naming.in());
   }
 
   PortableServer::POA_ptr ChildPoa() override {
@@ -140,7 +120,7 @@ class TaoInstance : public OrbInstance {
   }
 
   std::optional<std::chrono::sys_seconds> CertificateExpiry() const override {
-    return TaoTls::CertificateExpiry(m_settings);
+    return vq::orb::CertificateExpiry(m_settings);
   }
 
   void Stop(bool wait) override {
@@ -188,22 +168,22 @@ std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, boo
                                       const OrbSettings& settings,
                                       const std::vector<std::string>& arguments) {
   auto instance = std::make_unique<TaoInstance>(name, settings, arguments, useThreadPool);
-  // The endpoints open with the first POA. A bidirectional client needs one for the calls that come
-  // back over its own connections, whatever its role.
+  // The endpoints open with the first POA. A client with bidirectional IIOP needs one for the calls
+  // over its own connections, whatever its role.
   if (role == OrbRole::kClient || settings.biDirectional) instance->ChildPoa();
   return instance;
 }
 
 std::string MinorCodeName(const CORBA::SystemException& exception) {
-  // TAO raises it, without words, before it would call in clear what must be called over TLS.
+  // Raised before a call that would be unencrypted, though TLS is on.
   if (dynamic_cast<const CORBA::INV_POLICY*>(&exception) != nullptr) {
     return "TLS is on, and the server offers none";
   }
   return TaoMinorText(exception._info().c_str());
 }
 
-bool IsMessageTooLarge(const CORBA::SystemException&) {
-  return false;
+bool IsMessageTooLarge(const CORBA::SystemException& exception) {
+  return IsTooLarge(exception);
 }
 
 std::string StringifyReference(CORBA::Object_ptr object) {
@@ -213,7 +193,7 @@ std::string StringifyReference(CORBA::Object_ptr object) {
 }
 
 bool CameOverOwnConnection() {
-  return true;  // TAO does not tell a servant
+  return true;  // unknown to a servant in TAO
 }
 
 std::string_view ProductName() {

@@ -1,7 +1,6 @@
 #include <support/orb/OrbServer.h>
 
 #include <support/orb/tao/TaoCalls.h>
-#include <support/orb/tao/TaoOptions.h>
 #include <support/orb/tao/TaoOrb.h>
 #include <support/orb/tao/TaoTls.h>
 
@@ -42,18 +41,11 @@ class TaoServer : public ServerOrb {
 }  // namespace
 
 std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
-  const OrbSettings settings = ServerSettings(options);
-  TaoTls::Prepare(settings);
-  std::vector<std::string> arguments = TaoConfigurationArguments(options.rest);
-  const std::vector<std::string> own = TaoArguments(settings);
-  arguments.insert(arguments.end(), own.begin(), own.end());
-  arguments.insert(arguments.end(), options.rest.begin(), options.rest.end());
-  auto server = std::make_unique<TaoServer>(StartTao("server", settings, std::move(arguments)));
-  CheckCalls(server->Orb(), Unencrypted::kAnyCall);  // it enters its names
-  if (!settings.biDirectional) IgnoreOfferedConnections(server->Orb());
-  LimitCalls(server->Orb(), kUsualLimit, kUsualLimit);
-  TaoTls::AllowNaming(server->Orb(), settings);
-  return server;
+  OrbSettings settings = ServerSettings(options);
+  settings.connectTimeout = settings.callTimeout = kUsualLimit;
+  // It enters its names unencrypted.
+  return std::make_unique<TaoServer>(
+      StartTao("server", settings, options.rest, Unencrypted::kAnyCall));
 }
 
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {
@@ -64,7 +56,7 @@ CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseco
 }
 
 CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time) {
-  const CORBA::Object_var asked = TaoTls::ForLookUps(context);
+  const CORBA::Object_var asked = ForLookUps(context);
   return WithCallLimit(asked.in(), time);
 }
 

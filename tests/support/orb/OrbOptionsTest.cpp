@@ -168,26 +168,28 @@ TEST(OmniOrbOptionsTest, Translates) {
 }
 
 TEST(TaoOptionsTest, Translates) {
-  const auto value = [](std::string settings) {
-    const std::string option = test::Take(settings);
-    return ValuesOf(Pairs(TaoArguments(ResolveSettings({}, {Scope(settings)}))), option);
+  const std::string directive = "svc.conf", listen = "-ORBListenEndpoints";
+  const auto value = [&](std::string text) {
+    const std::string option = test::Take(text);
+    const OrbSettings settings = ResolveSettings({}, {Scope(text)});
+    auto options = Pairs(TaoArguments(settings));
+    for (const std::string& line : TaoDirectives(settings)) options.emplace_back(directive, line);
+    return ValuesOf(options, option);
   };
-  const std::string read =
-      "static Client_Strategy_Factory \"-ORBClientConnectionHandler RW "
-      "-ORBTransportMuxStrategy EXCLUSIVE\" ";
+  const std::string read = "static Client_Strategy_Factory \"-ORBTransportMuxStrategy EXCLUSIVE\" ";
   const std::string tls = " -> " + read +
                           "static Messaging_Loader \"\" static BiDirGIOP_Loader \"\" "
                           "static VQ_SSLIOP_Factory \"-SSLAuthenticate ";
   const std::string tlsEnd = "\" static Resource_Factory \"-ORBProtocolFactory VQ_SSLIOP_Factory\"";
   const std::string plain =
       "static VQ_IIOP_Factory \"\" static Resource_Factory \"-ORBProtocolFactory VQ_IIOP_Factory\"";
-  const std::string directive = "-ORBSvcConfDirective", listen = "-ORBListenEndpoints";
   const auto endpoint = [&](const std::string& text) {
     return listen + " " + listen + "=" + text + " -> " + text;
   };
   test::ExpectRows(
       value,
       {listen + " -> iiop://", "-ORBDottedDecimalAddresses -> 1", "-ORBInitRef -> ",
+       "-ORBSingleReadOptimization -> 0", "-ORBSingleReadOptimization -BiDirPolicy=1 -> ",
        directive + " -> " + read + plain, directive + " -BiDirPolicy=1 -> " + plain,
        endpoint("iiop://h:50/portspan=10&hostname_in_ior=gui.site"),
        endpoint("iiop://[::1]:50/ssl_port=51"), endpoint("iiop:///hostname_in_ior=fe80::1"),
@@ -198,9 +200,6 @@ TEST(TaoOptionsTest, Translates) {
        directive + " -SSLCACertificate=ca.pem -SSLVerifyPeer=0" + tls + "NONE" + tlsEnd,
        // The message size has no counterpart, and TAO's option of that name is another thing.
        "-ORBMaxMessageSize -ORBMaxMessageSize=8192 -> "});
-  // No configuration file is read that nobody named.
-  EXPECT_EQ(ValuesOf(Pairs(TaoConfigurationArguments({})), "-ORBSvcConf"), "/dev/null");
-  EXPECT_EQ(ValuesOf(Pairs(TaoConfigurationArguments({"-ORBSvcConf", "a"})), "-ORBSvcConf"), "");
 }
 
 TEST(TaoOptionsTest, UnitsAndWords) {
