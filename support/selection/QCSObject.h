@@ -6,8 +6,8 @@
 //   QCSObject table;
 //   table.SetAttribute("TABLE", "PAYROLL_DAILY");
 //   table.SetAttribute("DATACENTER", "PROD");
-//   if (UserAuthorizations::Get()->IsSchedTblAccessAllowed(table, UPDATE_ACCESS))
-//   Show("PAYROLL_DAILY");
+//   const UserAuthorizations* user = UserAuthorizations::Get();
+//   if (user->IsSchedTblAccessAllowed(table, UPDATE_ACCESS)) Show("PAYROLL_DAILY");
 //
 // Names are case sensitive. An attribute that was never set is missing, which is not the same as an
 // attribute whose value is the empty text.

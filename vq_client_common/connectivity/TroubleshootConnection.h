@@ -63,7 +63,7 @@ class VQ_CLIENT_COMMON_API TroubleshootConnection {
                                      bool isMask);
 
   // Lets the session's server call back an object of `orb` within `timeout` milliseconds, such as
-  // ORBCommon<1>'s. True when it did; `roundTripMs` is then the duration. False
+  // that of `ORBCommon<1>::Get()`. True when it did; `roundTripMs` is then the duration. False
   // otherwise, also for a null `orb`; `error` may be the reason, for the user.
   static bool TestCallback(QCSOrbCommon* orb, std::string& error, long& roundTripMs, long timeout);
 

@@ -84,9 +84,9 @@ class VQ_CLIENT_COMMON_API TArchive {
 
   // Whether values are enciphered; true until set. Leave it on: a stream that was written without
   // the cipher cannot be read back, not with kRecordsAsTheyStand either. A string is written as its
-  // length and as many zero bytes, so its text is lost. Numbers are written in the stream's own
-  // format and 0x0A: a char comes back as the first digit of its number, a long as an unsigned
-  // number that may not fit it, a double with the digits of the stream's precision.
+  // length and as many zero bytes, so its text is lost. A number is written in the stream's own
+  // format: a char comes back as the first digit of its number, a negative int fails, since it was
+  // written without its sign, and a double has the digits of the stream's precision.
   bool GetEncrptFlag() const { return m_encrypt; }
   void SetEncrptFlag(bool encrypt) { m_encrypt = encrypt; }
 

@@ -41,7 +41,7 @@
 //
 // `message` receives the text for the user. It is unchanged, with the code 0, when the host or the
 // account has no name, when the server gives no challenge for the password (CRB_AquireChallenge),
-// and on a failure inside the library. GL_GetFailureCause returns the cause then, too.
+// and after an unexpected exception. GL_GetFailureCause returns the cause then, too.
 //
 // After a failure the ORB stays up, and the next call uses it as it is. Call GL_LogOut(false)
 // between a failure and the next login.
