@@ -105,12 +105,12 @@ TEST(ProfileSettings, FlagDecides) {
   };
   EXPECT_EQ(get(true), -77);
   machine.directory.Write("profile.ini", "[S]\nK=5\n");
-  for (const char* value : {"", "x", "12abc", "1.5", "0x10", "2147483648", "- 1"}) {
-    user.Write("vq/profile.ini", std::string("[S]\nK=") + value);
-    EXPECT_EQ(get(true), 5) << value;
-  }
-  user.Write("vq/profile.ini", "[S]\nK=-2147483648\n");
-  EXPECT_EQ(get(true), -2147483648);
+  const auto ofUser = [&](const std::string& value) {
+    user.Write("vq/profile.ini", "[S]\nK=" + value);
+    return std::to_string(get(true));
+  };
+  vq::test::ExpectRows(ofUser, {" -> 5", "x -> 5", "12abc -> 5", "1.5 -> 5", "0x10 -> 5",
+                                "2147483648 -> 5", "- 1 -> 5", "-2147483648 -> -2147483648"});
   EXPECT_EQ(get(false), 5);
   EXPECT_EQ(get(true, "Other"), -77);
   user.Write("vq/Other/profile.ini", "[S]\nK=0\n");

@@ -5,10 +5,13 @@
 #include <gmock/gmock.h>
 
 #include <tests/fixture/LogCapture.h>
+#include <tests/support/grants/Asking.h>
 
 namespace {
 
 using ::testing::ElementsAre;
+using vq::test::Highest;
+using vq::test::Named;
 using Pair = std::pair<const char*, QCSAuthLevelEnum>;
 
 QCSCorbaAuth2LvlSeq Wire(const std::vector<Pair>& grants) {
@@ -21,27 +24,8 @@ QCSCorbaAuth2LvlSeq Wire(const std::vector<Pair>& grants) {
   return wire;
 }
 
-QCSObject Named(const std::string& name) {
-  QCSObject object;
-  object.SetAttribute("NAME", name);
-  return object;
-}
-
-// The highest level that the holder gives over the object.
-template <class Ask>
-int Given(Ask ask) {
-  int given = -1;
-  for (int level = DEFAULT_ACCESS; level <= MAX_ACCESS; ++level) {
-    if (ask(static_cast<QCSAuthLevelEnum>(level))) {
-      EXPECT_EQ(given, level - 1) << "a higher level without the lower ones";
-      given = level;
-    }
-  }
-  return given;
-}
-
 int Given(const AuthLevelBySelection& holder, const std::string& name) {
-  return Given([&](QCSAuthLevelEnum level) { return holder.IsAuthorized(Named(name), level); });
+  return Highest([&](QCSAuthLevelEnum level) { return holder.IsAuthorized(Named(name), level); });
 }
 
 TEST(AuthLevelBySelection, UsersGrantsGoBeforeGroups) {
@@ -126,7 +110,8 @@ TEST(VQServiceUserAuth, DecidingListGivesLevelsAndActions) {
       {"A", BROWSE_ACCESS, {1, 2}}, {"AB", UPDATE_ACCESS, {1, 2, 3}}, {"B", FULL_ACCESS, {-4, 5}}};
   for (const auto& [name, given, actions] : kRows) {
     const QCSObject service = Named(name);
-    EXPECT_EQ(Given([&](auto level) { return holder.IsDefAccessAllowed(service, level); }), given);
+    EXPECT_EQ(Highest([&](auto level) { return holder.IsDefAccessAllowed(service, level); }),
+              given);
     std::vector<int> allowed;
     for (int action = -10; action < 10; ++action) {
       if (holder.IsActionAllowed(service, action)) allowed.push_back(action);
@@ -150,7 +135,7 @@ TEST(VQServiceUserAuth, AddsListsAndClears) {
   sum.Clear();
   EXPECT_TRUE(sum.IsEmpty() && sum.UserAuth().empty());
   EXPECT_FALSE(sum.IsActionAllowed(Named("A"), 1));
-  EXPECT_EQ(Given([&](auto level) { return sum.IsDefAccessAllowed(Named("A"), level); }), 0);
+  EXPECT_EQ(Highest([&](auto level) { return sum.IsDefAccessAllowed(Named("A"), level); }), 0);
 }
 
 TEST(CorbaConversions, Texts) {

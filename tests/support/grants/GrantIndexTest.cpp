@@ -7,13 +7,45 @@
 
 #include <benchmarks/GrantGenerator.h>
 #include <tests/fixture/LogCapture.h>
-#include <tests/support/selection/RandomSelection.h>
 
 namespace {
 
 using vq::GeneratedGrant;
 
 TDiagRegister diagModule("GrantIndexTest");
+
+// Definitions and objects over a few short texts, so that fits, near misses and equal keys are all
+// common.
+struct RandomSelection : vq::GrantRandom {
+  using GrantRandom::GrantRandom;
+
+  QCSSelectionDef Definition() {
+    QCSSelectionDef definition;
+    for (std::size_t terms = Below(4); terms > 0; --terms) {
+      QCSSelectionDef::Term term;
+      for (std::size_t i = Below(8) == 0 ? 0 : 1 + Below(3); i > 0; --i) {
+        term.push_back({Field(), static_cast<vq::SelectionOperator>(Below(8)), Letters(12)});
+      }
+      definition.AddTerm(term);
+    }
+    return definition;
+  }
+  QCSObject Object() {
+    QCSObject object;
+    for (std::size_t i = Below(4); i > 0; --i) object.SetAttribute(Field(), Letters(20));
+    return object;
+  }
+  std::string Field() {
+    constexpr const char* kFields[] = {"A", "B", "long.name_1", "or", "with \"quotes\"", ""};
+    return kFields[Below(std::size(kFields))];
+  }
+  std::string Letters(std::size_t longest) {
+    const std::size_t kinds = 2 + Below(11);
+    std::string text(Below(longest), ' ');
+    for (char& c : text) c = "aaabb**?'\"1 "[Below(kinds)];
+    return text;
+  }
+};
 
 // Asks the index and every grant by itself. Returns how many of the objects some grant fits.
 int Compare(const std::vector<GeneratedGrant>& grants, const std::vector<QCSObject>& objects) {
@@ -50,7 +82,7 @@ int Compare(const std::vector<GeneratedGrant>& grants, const std::vector<QCSObje
 }
 
 TEST(GrantIndex, AgreesWithScanOnRandomGrants) {
-  vq::test::RandomSelection random(3);
+  RandomSelection random(3);
   int fits = 0;
   for (int round = 0; round < 3000 && !HasFailure(); ++round) {
     std::vector<GeneratedGrant> grants(random.Below(12));

@@ -4,6 +4,7 @@
 #include <support/orb/omniorb/OmniOrbOptions.h>
 #include <support/orb/tao/TaoOptions.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -24,50 +25,37 @@ SettingScope Scope(const std::string& text, const std::string& origin = "") {
   return scope;
 }
 
-// The values of an option among (name, value) pairs, with a blank between two of them.
-std::string ValuesOf(const std::vector<std::pair<std::string, std::string>>& options,
-                     const std::string& name) {
+// The values of omniORB's option, with a blank between two of them.
+std::string OmniOrbValues(const OrbSettings& settings, const std::string& name) {
   std::string values;
-  for (const auto& [option, value] : options) {
-    if (option == name) values += (values.empty() ? "" : " ") + value;
+  for (const auto& [option, value] : OmniOrbOptions(settings)) {
+    if (option == name) values += (values.empty() ? "" : " ") + std::string(value);
   }
   return values;
 }
 
-std::vector<std::pair<std::string, std::string>> Pairs(const std::vector<std::string>& arguments) {
-  std::vector<std::pair<std::string, std::string>> pairs;
-  for (std::size_t i = 0; i + 1 < arguments.size(); i += 2) {
-    pairs.emplace_back(arguments[i], arguments[i + 1]);
-  }
-  return pairs;
-}
-
 TEST(ListenEndpointTest, Parses) {
-  // Host, port, span, TLS port and published host, or why not.
+  // Host, port, span, TLS port and published host, or the piece that is refused.
   const auto parsed = [](const std::string& text) {
     std::string error;
     const auto endpoint = ParseListenEndpoint(text, error);
-    if (!endpoint) return error;
+    test::Take(error, '\'');
+    if (!endpoint) return "refused " + test::Take(error, '\'');
     return (std::ostringstream() << endpoint->host << ' ' << endpoint->port << ' '
                                  << endpoint->portSpan << ' ' << endpoint->tlsPort << ' '
                                  << endpoint->publishedHost)
         .str();
   };
-  test::ExpectRows(
-      parsed,
-      {" ->  0 0 0 ", "iiop:// ->  0 0 0 ", "iiop://:5000 ->  5000 0 0 ",
-       "iiop://[::1]:5000 -> [::1] 5000 0 0 ", "iiop://[::1] -> [::1] 0 0 0 ",
-       "iiop://h:5000/portspan=10&ssl_port=5001 -> h 5000 10 5001 ",
-       "iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0 ->  0 0 0 10.0.0.1",
-       "tcp://h:1 -> the listen endpoint 'tcp://h:1' does not begin with 'iiop://'",
-       "iiop://h:port -> 'port' in 'iiop://h:port' is not a port number",
-       "iiop://h:70000 -> '70000' in 'iiop://h:70000' is not a port number",
-       "iiop://h:-1 -> '-1' in 'iiop://h:-1' is not a port number",
-       "iiop://h:1/foo=1 -> 'foo=1' in 'iiop://h:1/foo=1' is not a listen endpoint option",
-       "iiop://h:1/ssl_port -> 'ssl_port' in 'iiop://h:1/ssl_port' is not a listen endpoint option",
-       "iiop://h/portspan=3 -> 'iiop://h/portspan=3' has a port span and no port to start from",
-       "iiop://h/hostname_in_ior= -> 'hostname_in_ior=' in 'iiop://h/hostname_in_ior=' is not a "
-       "listen endpoint option"});
+  test::ExpectRows(parsed,
+                   {" ->  0 0 0 ", "iiop:// ->  0 0 0 ", "iiop://:5000 ->  5000 0 0 ",
+                    "iiop://[::1]:5000 -> [::1] 5000 0 0 ", "iiop://[::1] -> [::1] 0 0 0 ",
+                    "iiop://h:5000/portspan=10&ssl_port=5001 -> h 5000 10 5001 ",
+                    "iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0 ->  0 0 0 10.0.0.1",
+                    "tcp://h:1 -> refused tcp://h:1", "iiop://h:port -> refused port",
+                    "iiop://h:70000 -> refused 70000", "iiop://h:-1 -> refused -1",
+                    "iiop://h:1/foo=1 -> refused foo=1", "iiop://h:1/ssl_port -> refused ssl_port",
+                    "iiop://h/portspan=3 -> refused iiop://h/portspan=3",
+                    "iiop://h/hostname_in_ior= -> refused hostname_in_ior="});
 }
 
 TEST(OrbSettingsTest, FirstSourceWins) {
@@ -90,35 +78,31 @@ TEST(OrbSettingsTest, FirstSourceWins) {
 }
 
 TEST(OrbSettingsTest, RefusesMalformedValues) {
-  // What is said to be missing behind the name, the value and the origin.
+  // What the value is not.
   const auto refusal = [](const std::string& setting) -> std::string {
+    const std::size_t sign = setting.find('=');
     try {
       ResolveSettings({}, {Scope(setting, "own")});
     } catch (const std::invalid_argument& error) {
-      const std::size_t sign = setting.find('=');
       const std::string start = "the value '" + setting.substr(sign + 1) + "' of " +
                                 setting.substr(0, sign) + " (own) is not ";
       const std::string text = error.what();
-      return text.starts_with(start) ? text.substr(start.size()) : text;
+      return text.starts_with(start) ? text.substr(start.size(), 18) : text;
     }
     return "";
   };
-  const std::string time = " -> a number of milliseconds from 1 to 86400000";
-  const std::string names =
-      " -> a list of host names, *.DOMAIN and addresses, such as *.site.example,10.0.0.1";
   test::ExpectRows(
       refusal,
-      {"-ORBCallTimeout=0" + time, "-ORBCallTimeout=soon" + time, "-ORBConnectTimeout=-5" + time,
-       "-ORBConnectTimeout=" + time,
-       "-ORBTcpKeepAlive=-1 -> a number of milliseconds from 0 to 86400000",
-       "-ORBTcpUserTimeout=86400001 -> a number of milliseconds from 0 to 86400000",
-       "-ORBMaxMessageSize=4294967296 -> a number of bytes from 8192 to 2147483647",
-       "-BiDirPolicy=yes -> 0 or 1",
-       "-ORBListenEndpoints=iiop://h:x -> a listen endpoint: 'x' in 'iiop://h:x' is not a port "
-       "number",
-       "-ORBInitRef=NameService -> of the form NAME=REFERENCE", "-SSLVerifyHost=off -> 0 or 1",
-       "-SSLServerNames=a.site,,b.site" + names, "-SSLServerNames=a*.site" + names,
-       "-SSLServerNames=*" + names, "-SSLServerNames=*.site,10.0.0.1 -> "});
+      {"-ORBCallTimeout=0 -> a number of millis", "-ORBCallTimeout=soon -> a number of millis",
+       "-ORBConnectTimeout=-5 -> a number of millis", "-ORBConnectTimeout= -> a number of millis",
+       "-ORBTcpKeepAlive=-1 -> a number of millis",
+       "-ORBMaxMessageSize=4294967296 -> a number of bytes ",
+       "-ORBTcpUserTimeout=86400001 -> a number of millis", "-ORBCallTimeout=86400000 -> ",
+       "-BiDirPolicy=yes -> 0 or 1", "-ORBListenEndpoints=iiop://h:x -> a listen endpoint:",
+       "-ORBInitRef=NameService -> of the form NAME=R", "-SSLVerifyHost=off -> 0 or 1",
+       "-SSLServerNames=a.site,,b.site -> a list of host nam",
+       "-SSLServerNames=* -> a list of host nam", "-SSLServerNames=a*.site -> a list of host nam",
+       "-SSLServerNames=*.site,10.0.0.1 -> "});
   const char* const argv[] = {"client", "-ORBCallTimeout"};
   EXPECT_THROW(SplitArguments(2, argv), std::invalid_argument);
   EXPECT_TRUE(SplitArguments(0, nullptr).rest.empty());
@@ -144,8 +128,7 @@ TEST(OrbSettingsTest, SplitsNamingAddresses) {
 TEST(OmniOrbOptionsTest, Translates) {
   const auto value = [](std::string settings) {
     const std::string option = test::Take(settings);
-    const auto options = OmniOrbOptions(ResolveSettings({}, {Scope(settings)}));
-    return ValuesOf({options.begin(), options.end()}, option);
+    return OmniOrbValues(ResolveSettings({}, {Scope(settings)}), option);
   };
   test::ExpectRows(
       value,
@@ -162,59 +145,45 @@ TEST(OmniOrbOptionsTest, Translates) {
   // The last one of a name counts.
   const char* const argv[] = {"client",          "-ORBInitRef", "B=corbaloc::c/B", "-ORBInitRef",
                               "A=corbaloc::a/A", "-ORBInitRef", "B=corbaloc::b/B"};
-  const auto several = OmniOrbOptions(ResolveSettings(SplitArguments(7, argv), {}));
-  EXPECT_EQ(ValuesOf({several.begin(), several.end()}, "InitRef"),
+  EXPECT_EQ(OmniOrbValues(ResolveSettings(SplitArguments(7, argv), {}), "InitRef"),
             "A=corbaloc::a/A B=corbaloc::b/B");
 }
 
+// What the directives do is tested with TAO itself.
 TEST(TaoOptionsTest, Translates) {
-  const std::string directive = "svc.conf", listen = "-ORBListenEndpoints";
-  const auto value = [&](std::string text) {
-    const std::string option = test::Take(text);
-    const OrbSettings settings = ResolveSettings({}, {Scope(text)});
-    auto options = Pairs(TaoArguments(settings));
-    for (const std::string& line : TaoDirectives(settings)) options.emplace_back(directive, line);
-    return ValuesOf(options, option);
+  const auto value = [](std::string settings) {
+    const std::string option = test::Take(settings);
+    const auto arguments = TaoArguments(ResolveSettings({}, {Scope(settings)}));
+    const auto found = std::find(arguments.begin(), arguments.end(), option);
+    return found == arguments.end() ? "none" : found[1];
   };
-  const std::string read = "static Client_Strategy_Factory \"-ORBTransportMuxStrategy EXCLUSIVE\" ";
-  const std::string tls = " -> " + read +
-                          "static Messaging_Loader \"\" static BiDirGIOP_Loader \"\" "
-                          "static VQ_SSLIOP_Factory \"-SSLAuthenticate ";
-  const std::string tlsEnd = "\" static Resource_Factory \"-ORBProtocolFactory VQ_SSLIOP_Factory\"";
-  const std::string plain =
-      "static VQ_IIOP_Factory \"\" static Resource_Factory \"-ORBProtocolFactory VQ_IIOP_Factory\"";
+  const std::string listen = "-ORBListenEndpoints";
   const auto endpoint = [&](const std::string& text) {
     return listen + " " + listen + "=" + text + " -> " + text;
   };
   test::ExpectRows(
       value,
-      {listen + " -> iiop://", "-ORBDottedDecimalAddresses -> 1", "-ORBInitRef -> ",
-       "-ORBSingleReadOptimization -> 0", "-ORBSingleReadOptimization -BiDirPolicy=1 -> ",
-       directive + " -> " + read + plain, directive + " -BiDirPolicy=1 -> " + plain,
+      {listen + " -> iiop://", "-ORBDottedDecimalAddresses -> 1", "-ORBSingleReadOptimization -> 0",
+       "-ORBSingleReadOptimization -BiDirPolicy=1 -> none",
        endpoint("iiop://h:50/portspan=10&hostname_in_ior=gui.site"),
        endpoint("iiop://[::1]:50/ssl_port=51"), endpoint("iiop:///hostname_in_ior=fe80::1"),
        "-ORBInitRef -ORBInitRef=Name=corbaloc::h/Name -> Name=corbaloc::h/Name",
        listen + " -SSLCertificate=own.pem " + listen +
            "=iiop://h/ssl_port=51 -> ssliop://h/ssl_port=51",
-       directive + " -SSLCACertificate=ca.pem" + tls + "SERVER_AND_CLIENT" + tlsEnd,
-       directive + " -SSLCACertificate=ca.pem -SSLVerifyPeer=0" + tls + "NONE" + tlsEnd,
-       // The message size has no counterpart, and TAO's option of that name is another thing.
-       "-ORBMaxMessageSize -ORBMaxMessageSize=8192 -> "});
+       // TAO's option of that name is another thing.
+       "-ORBMaxMessageSize -ORBMaxMessageSize=8192 -> none"});
 }
 
 TEST(TaoOptionsTest, UnitsAndWords) {
   EXPECT_EQ(TaoTime(std::chrono::milliseconds(86'400'000)), 864'000'000'000U);
-  const char* const kRows[][2] = {
-      {"system exception, ID 'IDL:omg.org/CORBA/TRANSIENT:1.0'\nTAO exception, minor code = 2 "
-       "(failed to connect; ECONNREFUSED), completed = NO\n",
-       "failed to connect; ECONNREFUSED"},
-      {"OMG minor code (2), described as 'No usable profile in IOR.', completed = NO\n",
-       "No usable profile in IOR."},
-      {"OMG minor code (2), described as '*unknown description*', completed = NO\n", ""},
-      {"Unknown vendor minor code id (0), minor code = 7, completed = NO\n", ""},
-      {"minor code = 1 (", ""},
-      {"", ""}};
-  for (const auto& [information, words] : kRows) EXPECT_EQ(TaoMinorText(information), words);
+  test::ExpectRows(
+      TaoMinorText,
+      {"exception, minor code = 2 (failed to connect; ECONNREFUSED), completed = NO\n -> "
+       "failed to connect; ECONNREFUSED",
+       "minor code (2), described as 'No usable profile.', completed = NO\n -> No usable profile.",
+       "minor code (2), described as '*unknown description*', completed = NO\n -> ",
+       "vendor minor code id (0), minor code = 7, completed = NO\n -> ", "minor code = 1 ( -> ",
+       " -> "});
 }
 
 // References of type IDL:T:1.0 with one profile, its host and the port 0x1388.

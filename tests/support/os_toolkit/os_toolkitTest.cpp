@@ -5,6 +5,7 @@
 #include <support/os_toolkit/os_time.h>
 #include <support/os_toolkit/os_tokenizer.h>
 
+#include <array>
 #include <climits>
 #include <mutex>
 #include <thread>
@@ -70,14 +71,20 @@ constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
 
 TEST(OsDateTest, RefusesBadDates) {
-  const struct {
-    int year, month, day;
-  } cases[] = {{2023, 2, 29},  {1900, 2, 29},        {2024, 13, 1},      {2024, 0, 1},
-               {2024, 4, 31},  {2024, 1, 0},         {2024, 1, 257},     {2024, 257, 1},
-               {-32768, 1, 1}, {65536 + 2024, 1, 1}, {2024, 1, INT_MAX}, {2024, INT_MIN, 1}};
-  for (const auto& c : cases) {
-    EXPECT_FALSE(os_date::is_valid(c.year, c.month, c.day)) << c.year << ' ' << c.month;
-    EXPECT_THROW(os_date(c.year, c.month, c.day), os_toolkit_error);
+  using Date = std::array<int, 3>;
+  for (const auto& [year, month, day] : {Date{2023, 2, 29},
+                                         {1900, 2, 29},
+                                         {2024, 13, 1},
+                                         {2024, 0, 1},
+                                         {2024, 4, 31},
+                                         {2024, 1, 0},
+                                         {2024, 1, 257},
+                                         {2024, 257, 1},
+                                         {-32768, 1, 1},
+                                         {65536 + 2024, 1, 1},
+                                         {2024, INT_MIN, 1}}) {
+    EXPECT_FALSE(os_date::is_valid(year, month, day)) << year << ' ' << month;
+    EXPECT_THROW(os_date(year, month, day), os_toolkit_error);
   }
   EXPECT_THAT([] { os_date(2023, 2, 29); },
               testing::ThrowsMessage<os_toolkit_error>("no such date: 2023-02-29"));

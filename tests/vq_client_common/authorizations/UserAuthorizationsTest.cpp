@@ -2,6 +2,7 @@
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 
 #include <tests/fixture/SessionFixture.h>
+#include <tests/support/grants/Asking.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
 
@@ -9,6 +10,8 @@ namespace {
 
 using nlohmann::json;
 using UA = UserAuthorizations;
+using vq::test::Highest;
+using vq::test::Named;
 
 constexpr const char* kLevelNames[] = {"DEFAULT_ACCESS", "ACCESS_NONE", "BROWSE_ACCESS",
                                        "UPDATE_ACCESS",  "FULL_ACCESS", "MAX_ACCESS"};
@@ -46,12 +49,6 @@ constexpr struct {
               {"owners", &UA::IsOwnerAccessAllowed, &UA::IsOwnersAccessAllowed},
               {"workloads", &UA::IsWorkloadAccessAllowed, &UA::IsWorkloadsAccessAllowed}};
 
-QCSObject Named(const std::string& name) {
-  QCSObject object;
-  object.SetAttribute("NAME", name);
-  return object;
-}
-
 json Privilege(const std::string& name, const char* level) {
   return {{"privileges", {{name + "_PRIV_TYPE", level}}}};
 }
@@ -82,17 +79,10 @@ class UserAuthorizationsTest : public vq::test::SessionFixture {
   vq::test::Server* m_server = nullptr;
 };
 
-template <class Ask>
-std::string Highest(Ask ask) {  // level that is allowed; "-1" when not even the lowest is
-  int level = MAX_ACCESS;
-  while (level >= DEFAULT_ACCESS && !ask(static_cast<QCSAuthLevelEnum>(level))) --level;
-  return std::to_string(level);
-}
-
 std::string Answers(const UA& may) {
   std::string text;
   for (const auto& [privilege, question] : kPrivileges) {
-    text += Highest([&, ask = question](auto level) { return (may.*ask)(level); });
+    text += std::to_string(Highest([&, ask = question](auto level) { return (may.*ask)(level); }));
   }
   return text + " " + std::to_string(may.GetCLIAccess()) +
          (may.IsAdministrator() ? " administrator" : "") +
@@ -107,7 +97,8 @@ std::string Granted(const UA& may, const std::string& name) {
   std::string text;
   for (const auto& [kind, onObject, onKind] : kKinds) {
     text += (may.*onKind)() ? " any " : " ";
-    text += Highest([&, ask = onObject](auto level) { return (may.*ask)(Named(name), level); });
+    text += std::to_string(
+        Highest([&, ask = onObject](auto level) { return (may.*ask)(Named(name), level); }));
   }
   for (const int action : {3, 4, 5})
     text += may.IsServiceActionAccessAllowed(Named(name), action) ? " action" : " -";
@@ -250,25 +241,6 @@ TEST_F(UserAuthorizationsTest, AsksForQueries) {
   UA unloaded;
   EXPECT_EQ(ask(unloaded), 0);
   EXPECT_EQ(active, nullptr);
-}
-
-// Some 4 MB on the wire, beyond what an ORB takes unless told.
-TEST_F(UserAuthorizationsTest, LoadsManyGrants) {
-  json site = vq::test::BaseSite();
-  json& grants = site["groups"]["team"]["grants"]["tables"];
-  for (int i = 0; i < 2'000; ++i) {
-    const std::string name =
-        "DATACENTER = 'PROD' AND NAME LIKE 'TABLE_" + std::to_string(i) + "_*'";
-    grants.push_back({{"criteria", name}, {"level", "UPDATE_ACCESS"}});
-  }
-  site["users"]["alice"]["groups"] = std::vector<std::string>(40, "team");
-  StartSession(site);
-  ASSERT_EQ(GL_PostLogin(m_message), 1) << m_message;
-  for (const char* name : {"TABLE_1999_X", "TABLE_2000_X"}) {
-    QCSObject table = Named(name);
-    table.SetAttribute("DATACENTER", "PROD");
-    EXPECT_EQ(May().IsSchedTblAccessAllowed(table, UPDATE_ACCESS), name[6] == '1');
-  }
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <support/configuration/ConfigAPI.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>
+#include <tests/fixture/Rows.h>
 #include <tests/fixture/TemporaryDirectory.h>
 
 namespace vq::test {
@@ -50,18 +51,17 @@ class TroubleshootConnectionTest : public ::testing::Test {
 };
 
 TEST_F(TroubleshootConnectionTest, TransformsEndpoint) {
-  const char* const rows[][3] = {
-      {"", "10.0.0.1", "iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0"},
-      {"iiop://h:5000", "10.0.0.1", "iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0"},
-      {"iiop://h:0/foo", "a", "iiop:///hostname_in_ior=a&reuse_addr=0"},
-      {"iiop://h/hostname_in_ior=b&reuse_addr=1", "", "iiop://"},
-      {"iiop://h;", "a", "iiop://h;"},  // cannot be taken apart
-      {"x", "a", "x"}};
-  for (const auto& [before, host, after] : rows) {
-    std::string endpoint = before;
+  const auto transformed = [](std::string host) {
+    std::string endpoint = Take(host);
     Troubleshoot::TransformEndpoint(endpoint, host);
-    EXPECT_EQ(endpoint, after) << before;
-  }
+    return endpoint;
+  };
+  ExpectRows(transformed,
+             {" 10.0.0.1 -> iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0",
+              "iiop://h:5000 10.0.0.1 -> iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0",
+              "iiop://h:0/foo a -> iiop:///hostname_in_ior=a&reuse_addr=0",
+              "iiop://h/hostname_in_ior=b&reuse_addr=1  -> iiop://", "iiop://h; a -> iiop://h;",
+              "x a -> x"});  // these two cannot be taken apart
 }
 
 TEST_F(TroubleshootConnectionTest, ConfiguresEveryScope) {

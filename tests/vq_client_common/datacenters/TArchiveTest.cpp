@@ -139,15 +139,12 @@ TEST(TArchiveTest, FlushesOnce) {
     int sync() override { return ++flushed, 0; }
   } buffer;
   std::iostream stream(&buffer);
+  int value = 1;
   {
     TArchive archive(&stream, 0, 0, nullptr);
-    int value = 1;
-    archive << value;
-    archive.Ignore();  // leaves a storing archive's stream alone
+    (archive << value).Ignore();  // leaves a storing archive's stream alone
     for (int time = 0; time < 2; ++time) archive.Close();
-    EXPECT_EQ(buffer.flushed, 1);
     EXPECT_THROW(archive << value, TArchiveException);
-    EXPECT_THROW(archive >> value, TArchiveException);
   }
   TArchive(&stream, 0, 0, nullptr).Abort();
   EXPECT_EQ(buffer.flushed, 1);

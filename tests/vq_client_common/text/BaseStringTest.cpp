@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <tests/fixture/Rows.h>
+
 namespace {
 
 using std::string;
@@ -102,13 +104,12 @@ TEST(BaseStringTest, RefusesBadPositionsLengthsAndNull) {
 
 TEST(BaseStringTest, GivesParts) {
   const Text text = "abc";
-  const std::pair<int, string> kRows[] = {
-      {0, "||"}, {1, "a|c|b"}, {2, "ab|bc|bc"}, {5, "abc|abc|bc"}, {-1, "abc|abc|bc"}};
-  for (const auto& [count, parts] : kRows) {
-    EXPECT_EQ(
-        text.Left(count).Std() + "|" + text.Right(count).Std() + "|" + text.Mid(1, count).Std(),
-        parts);
-  }
+  const auto parts = [&](const string& number) {
+    const int count = std::stoi(number);
+    return text.Left(count).Std() + "|" + text.Right(count).Std() + "|" + text.Mid(1, count).Std();
+  };
+  vq::test::ExpectRows(
+      parts, {"0 -> ||", "1 -> a|c|b", "2 -> ab|bc|bc", "5 -> abc|abc|bc", "-1 -> abc|abc|bc"});
   EXPECT_TRUE(text.Mid(3).IsEmpty() && text.Mid(9, 1).IsEmpty());
 }
 
