@@ -1,4 +1,3 @@
-#include <climits>
 #include <clocale>
 
 #include <gtest/gtest.h>
@@ -12,6 +11,7 @@
 
 namespace {
 
+using std::string_literals::operator""s;
 using vq::test::Variable;
 
 int Sign(int value) {
@@ -40,24 +40,21 @@ class LocaleTest : public ::testing::Test {
 
 TEST_F(LocaleTest, ReadsTheFile) {
   const std::string longest(254 - 2, 'n');
-  const std::tuple<std::string, std::string, std::string> cases[] = {
-      {"#french=no\nfrench= fr FR\t \v\r\n", "FRENCH", "1  fr FR"},
-      {" french=x\nFrench=x\n", "French", "12 before"},
-      {"french\nfrench=x\n", "french", "22 before"},
-      {"english=e\nen=x\n", "en", "1 e"},
-      {"a=b=c=d\n", "a=b", "1 b=c=d"},
-      {"german= \t\n", "german", "1 "},
-      {"# c\n\nfirst=f\n", "", "22 before"},
-      {"#", "#", "12 before"},
-      // A line counts up to its 254th character, and its rest is not another line.
-      {longest + "=xyz\nx=1\n", longest, "1 x"},
-      {std::string(254, '#') + "french=x\nfrench=y\n", "french", "1 y"},
-      {"french=" + std::string(300, 'x'), "french", "1 " + std::string(247, 'x')},
-      {std::string("french=a\0b\n", 11), "french", "1 a"}};
-  for (const auto& [file, language, result] : cases) {
+  const auto found = [&](std::string file) {
+    const std::string language = vq::test::Take(file, '|');
     Write(file);
-    EXPECT_EQ(Lookup(language.c_str()), result) << file;
-  }
+    return Lookup(language.c_str());
+  };
+  vq::test::ExpectRows(
+      found, {"FRENCH|#french=no\nfrench= fr FR\t \v\r\n -> 1  fr FR",
+              "French| french=x\nFrench=x\n -> 12 before", "french|french\nfrench=x\n -> 22 before",
+              "en|english=e\nen=x\n -> 1 e", "a=b|a=b=c=d\n -> 1 b=c=d",
+              "german|german= \t\n -> 1 ", "|# c\n\nfirst=f\n -> 22 before", "#|# -> 12 before",
+              // A line counts up to its 254th character, and its rest is not another line.
+              longest + "|" + longest + "=xyz\nx=1\n -> 1 x",
+              "french|" + std::string(254, '#') + "french=x\nfrench=y\n -> 1 y",
+              "french|french=" + std::string(300, 'x') + " -> 1 " + std::string(247, 'x'),
+              "french|french=a\0b\n -> 1 a"s});
   Write("# c\nfrench=fr_FR\n");
   EXPECT_EQ(Lookup(nullptr), "1 fr_FR");
   EXPECT_EQ(get_locale("french", nullptr), 1);
@@ -94,34 +91,35 @@ TEST_F(LocaleTest, Trims) {
               "   -> [][][][]", "null -> [][][][]"});
 }
 
-TEST_F(LocaleTest, CaseCountsInCJKMode) {
-  const std::tuple<const char*, const char*, int, int> cases[] = {
-      {"abc", "ABC", 0, 1},       {"a", "B", -1, 1},   {"\xc3\xa9", "\xc3\x89", 0, 1},
-      {"a", "aa", -1, -1},        {nullptr, "", 0, 0}, {"a\xff", "A\xff", 0, 1},
-      {"\xc3", "\xc3\xa9", 1, -1}};
-  for (const auto& [a, b, folded, exact] : cases) {
+TEST_F(LocaleTest, Orders) {
+  // Two texts: their order without case, in CJK mode and without case in CJK mode.
+  const auto order = [](std::string b) {
+    const std::string a = vq::test::Take(b);
+    std::string signs;
     for (const bool isCJK : {false, true}) {
       Osl_UnicodeConfiguration::SetCJKMode(isCJK);
-      EXPECT_EQ(Sign(stricoll(a, b, false)), isCJK ? exact : folded) << b;
-      EXPECT_EQ(Sign(stricoll(a, b, true)), folded) << b;
+      signs += "<=>"[1 + Sign(stricoll(a.c_str(), b.c_str(), false))];
+      signs += "<=>"[1 + Sign(stricoll(a.c_str(), b.c_str(), true))];
     }
-  }
-  Osl_UnicodeConfiguration::SetCJKMode(false);
+    Osl_UnicodeConfiguration::SetCJKMode(false);
+    return signs;
+  };
+  vq::test::ExpectRows(
+      order, {"abc ABC -> ==>=", "a B -> <<><", "\xc3\xa9 \xc3\x89 -> ==>=", "a aa -> <<<<",
+              "a\xff A\xff -> ==>=", "\xc3 \xc3\xa9 -> >><>", "\xe2\x82\xa9 \xe2\x82 -> <<><"});
+  EXPECT_EQ(stricoll(nullptr, "", false), 0);
 }
 
 TEST_F(LocaleTest, CountsCharacters) {
-  // "\xc3\xa9" is a character of two bytes.
-  const std::tuple<const char*, const char*, unsigned, int> cases[] = {
-      {"abc", "abd", 2, 0},
-      {"abc", "abd", UINT_MAX, -1},
-      {"a", "A", 1, 1},
-      {"a", "b", 0, 0},
-      {"ab", "a", 1, 0},
-      {nullptr, "a", 5, -1},
-      {"\xc3\xa9x", "\xc3\xa9y", 1, 0},
-      {"\xc3\xa9x", "\xc3\xa9y", 2, -1},
-      {"\xffx", "\xffy", 1, 0}};
-  for (const auto& [a, b, most, order] : cases) EXPECT_EQ(Sign(strncoll(a, b, most)), order) << b;
+  const auto order = [](std::string most) {  // "\xc3\xa9" is a character of two bytes
+    const std::string a = vq::test::Take(most), b = vq::test::Take(most);
+    const auto count = static_cast<unsigned>(std::stoul(most));
+    return std::to_string(Sign(strncoll(a.c_str(), b.c_str(), count)));
+  };
+  vq::test::ExpectRows(order, {"abc abd 2 -> 0", "abc abd 4294967295 -> -1", "a A 1 -> 1",
+                               "a b 0 -> 0", "ab a 1 -> 0", "\xc3\xa9x \xc3\xa9y 1 -> 0",
+                               "\xc3\xa9x \xc3\xa9y 2 -> -1", "\xffx \xffy 1 -> 0"});
+  EXPECT_LT(strncoll(nullptr, "a", 5), 0);
 }
 
 }  // namespace
