@@ -41,7 +41,7 @@ def escaped(text):
     parts = re.split(r'("[^"]*"|`[^`]*`)', text)
     for i in range(0, len(parts), 2):
         parts[i] = re.sub(r"[\\@#%&]", lambda m: "\\" + m[0], parts[i])
-        parts[i] = parts[i].replace("<", "&lt;").replace(">", "&gt;")
+        parts[i] = parts[i].replace("<", "&lt;").replace(">::", "&gt;\\::").replace(">", "&gt;")
     return "".join(parts)
 
 
@@ -134,23 +134,22 @@ class Filter:
 
     def behind(self, block):
         """Makes comments behind code Doxygen's."""
-        result, last = [], False
+        result = []
         for line in block:
             match = re.match(r'^((?:[^"/]|"(?:[^"\\]|\\.)*"|/(?!/))*[^\s/"](?:"[^"]*")?\s*)// (.*)$', line)
             if match and re.match(r"\s*(class|struct) \w+;", match[1]):
-                result.append(match[1])
+                result.append(match[1].rstrip())
             elif match and not re.match(r"\s*[#}]", match[1]):
-                result.append(f"{match[1]}///< {escaped(match[2])}")
+                result.append(f"{match[1]}/**< {escaped(match[2])}")
+                while line is block[-1] and self.i < len(self.lines):  # what continues below
+                    more = COMMENT.match(self.lines[self.i])
+                    if not more or len(more[1]) != len(match[1]):
+                        break
+                    result.append(f"{more[1]}{escaped(more[2] or '')}")
+                    self.i += 1
+                result[-1] += " */"
             else:
                 result.append(line)
-        # a comment behind code that goes on in the lines below
-        while self.i < len(self.lines) and result and "///< " in result[-1]:
-            column = result[-1].index("///< ")
-            more = COMMENT.match(self.lines[self.i])
-            if not more or len(more[1]) != column:
-                break
-            result.append(f"{more[1]}///< {escaped(more[2] or '')}")
-            self.i += 1
         return result
 
     def run(self):
@@ -181,9 +180,11 @@ class Filter:
                 if any(re.search(rf"[ :]{name}\(", line) for name in self.friends):
                     self.pending = None
                     continue
+                # Doxygen 1.9.8 takes a member of this name for a C++20 module.
+                block = [re.sub(r"\bmodule;", "module{};", text) for text in block]
                 block = self.behind(INITIALIZER.sub("", RETURNS_POINTER.sub(
                     r"auto \2(\3) -> \1 (*)(\4);", "\n".join(block))).split("\n"))
-                self.document(line, any("///<" in text for text in block))
+                self.document(line, any("/**<" in text for text in block))
                 self.shared = None if scope else (self.pending or self.shared)
                 self.pending = None
                 if re.match(r"\s*\}", line):

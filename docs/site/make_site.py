@@ -51,6 +51,17 @@ def read_headers(xml):
     return headers
 
 
+def name_enums(xml):
+    """Gives enumerations without a name one that Sphinx shows as anonymous."""
+    for path in xml.glob("class*.xml"):
+        tree = ElementTree.parse(path)
+        nameless = [enum for enum in tree.iterfind(".//memberdef[@kind='enum']") if not enum.findtext("name")]
+        for enum in nameless:
+            enum.find("name").text = "@" + enum.findtext("enumvalue/name")
+        if nameless:
+            tree.write(path)
+
+
 def entries(header, xml):
     """(role and name, purpose) of the classes and functions of a header."""
     for inner in header.findall("innerclass"):
@@ -84,6 +95,7 @@ def write_source(source, folder, xml):
         (folder / path).write_text(text)
 
     headers = read_headers(xml)
+    name_enums(xml)
     for path in headers:
         put(path, titled(Path(path).name, f".. code-block:: cpp\n\n   #include <{path}>",
                          f".. doxygenfile:: {path}"))
