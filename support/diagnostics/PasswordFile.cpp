@@ -109,6 +109,12 @@ const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std:
   return nullptr;
 }
 
+std::string vq::WhyPasswordFileIsRefused(const std::string& path) {
+  std::string user;
+  SecretString password;
+  return ReadFile(path, user, password.Text());
+}
+
 int getUsrAndPasswdFromFile(const std::string& path, std::string& user, std::string& password) {
   const TDiagFunc diag(diagModule, "getUsrAndPasswdFromFile");
   const std::string reason = ReadFile(path, user, password);

@@ -32,6 +32,9 @@ int getUsrAndPasswdFromFile(const std::string& path, std::string& user, std::str
 
 namespace vq {
 
+// Why the function above refuses a file; empty when it does not.
+std::string WhyPasswordFileIsRefused(const std::string& path);
+
 // The same for the text of such a file. Returns nullptr when it was read, and otherwise what is
 // wrong with it, with both strings untouched.
 const char* ParsePasswordFile(std::string_view text, std::string& user, std::string& password);

@@ -156,7 +156,12 @@ namespace vq {
 namespace {
 
 std::string Complete(UserPass found, std::string& user, SecretString& password) {
-  if (!found.Init()) return found.GetStatStr();
+  if (!found.Init()) {
+    const std::string file = found.GetPassFile();
+    const std::string refusal = file.empty() ? "" : WhyPasswordFileIsRefused(file);
+    if (refusal.empty()) return found.GetStatStr();
+    return std::string(found.GetStatStr()) + "\nPassword file " + file + " refused: " + refusal;
+  }
   user = found.GetUsername();
   std::string text = found.GetPassword();
   password = SecretString(text);

@@ -109,7 +109,8 @@ using CredentialSource = std::function<std::string(std::string& user, SecretStri
 
 // A source that asks on the console for what is missing, as UserPass does.
 VQ_CLIENT_COMMON_API CredentialSource AskForPassword();
-// A source that reads a password file, as UserPass does.
+// A source that reads a password file, as UserPass does. When the file is refused, the reason is a
+// second line.
 VQ_CLIENT_COMMON_API CredentialSource ReadPasswordFile(const std::string& path);
 
 }  // namespace vq
