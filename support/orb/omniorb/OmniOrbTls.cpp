@@ -73,13 +73,22 @@ std::string ProfileOf(omniObjRef* object) {
   return {};
 }
 
-// Whether a request asks the naming service's own object where a server is. A question without an
-// operation (LocateRequest) is none: this library sends none.
+template <std::size_t count>
+bool IsOneOf(const std::array<std::string_view, count>& operations, const char* operation) {
+  return std::find(operations.begin(), operations.end(), operation) != operations.end();
+}
+
+// Whether a request reads the naming service. A question without an operation (LocateRequest) does
+// not: this library sends none. The last three operations are those of an iterator over a list.
+// Iterators and contexts are objects of which the naming service's reference says nothing, so these
+// may be any object at its address: such a request carries nothing but a count.
 bool IsLookUp(const CallTarget& target) {
-  constexpr std::array<std::string_view, 3> kLookUps{"resolve", "_non_existent", "_is_a"};
-  return target.operation != nullptr &&
-         std::find(kLookUps.begin(), kLookUps.end(), target.operation) != kLookUps.end() &&
-         namingProfiles.contains(ProfileOf(target.object));
+  constexpr std::array<std::string_view, 4> kLookUps{"resolve", "resolve_str", "_non_existent",
+                                                     "_is_a"};
+  constexpr std::array<std::string_view, 4> kLists{"list", "next_one", "next_n", "destroy"};
+  if (target.operation == nullptr) return false;
+  return IsOneOf(kLists, target.operation) ||
+         (IsOneOf(kLookUps, target.operation) && namingProfiles.contains(ProfileOf(target.object)));
 }
 
 // The naming service may forward to another reference of its own, but not to another place. Where a
