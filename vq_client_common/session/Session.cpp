@@ -35,7 +35,6 @@ struct Session::State : std::enable_shared_from_this<State> {
   void LogIn();
   int CallLogin(std::string& text);
   void End() noexcept;
-
   LoginResult KeepAlive();
   LoginResult Renew();
   LoginResult ChangePassword(const std::string& newPassword, bool expired);
@@ -128,17 +127,18 @@ void Session::State::LogIn() {
     if (!newPassword.Text().empty()) result = ChangePassword(newPassword.Text(), true);
   }
   LoginResult finished = result;
-  if (IsLoggedIn(result)) {
+  if (IsLoggedIn(result) && options.postLogin) {
     finished = static_cast<LoginResult>(GL_PostLogin(text));
     if (finished != LoginResult::kSuccess) SetMessage(text);
+    authorizations.reset(
+        session::CopyUserAuthorizations(*LoginHandler::GetGlobal()->GetUserAuthorizations()),
+        session::DeleteUserAuthorizations);
   }
-  if (finished != LoginResult::kSuccess) {
-    if (Message().empty()) SetMessage("The login failed.");
+  if (!IsLoggedIn(finished)) {
+    const std::string code = std::to_string(CodeOf(finished));
+    if (Message().empty()) SetMessage("The login failed with code " + code + ".");
     throw LoginError(finished, Message(), GL_GetFailureCause());
   }
-  authorizations.reset(
-      session::CopyUserAuthorizations(*LoginHandler::GetGlobal()->GetUserAuthorizations()),
-      session::DeleteUserAuthorizations);
   SetAlive();
 }
 

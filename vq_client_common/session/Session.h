@@ -51,6 +51,7 @@ struct SessionOptions {
   std::string namingService{};  // "corbaloc:iiop:HOST:PORT/NameService"; empty: from the settings
   std::vector<std::string> orbArguments{};  // the command line, for its -ORB options; may be empty
   std::chrono::milliseconds deadline{0};    // of the whole login; 0: each call has its own time-out
+  bool postLogin = true;  // false: no GL_PostLogin, for clients that need no authorizations
 
   // Above 0: a thread of this object sends a keep-alive in this interval.
   std::chrono::milliseconds keepAlive{0};
@@ -85,7 +86,7 @@ class VQ_CLIENT_COMMON_API Session {
                                        const std::string& section = "general") const;
 
   // What the user may do, as loaded at the login (authorizations/UserAuthorizations.h). A question
-  // makes no remote call; the object may outlive the session. Never null.
+  // makes no remote call; the object may outlive the session. Null without `postLogin`.
   std::shared_ptr<const UserAuthorizations> Authorizations() const;
 
   // Sends a keep-alive. Returns kSuccess; kFailed when the server does not know the session;
@@ -114,7 +115,6 @@ class VQ_CLIENT_COMMON_API Session {
  private:
   struct State;
   State& Get() const;
-
   std::shared_ptr<State> m_state;  // ends the session when it goes
 };
 
