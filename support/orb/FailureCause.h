@@ -17,7 +17,8 @@
 namespace vq::orb {
 
 // Keeps the cause for the calling thread, which is the one that makes the call. The latest wins.
-// One line without a closing full stop; no secret in it.
+// One line without a closing full stop; no secret in it. What to do next, if it is known, stands
+// behind a semicolon.
 void NoteCause(std::string cause) noexcept;
 
 // The cause noted last on this thread, which is forgotten; empty when none was noted since.

@@ -117,7 +117,8 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
     vq::orb::NoteCause(e.what());
     VQ_LOG(diag, 1) << "The ORB " << orbName << " is not started: " << e.what();
   } catch (const CORBA::Exception& e) {
-    vq::orb::NoteCause("the ORB does not start: " + vq::orb::ExceptionText(e));
+    vq::orb::NoteCause("the ORB does not start: " + vq::orb::ExceptionText(e) +
+                       "; check its -ORB options and -ORBListenEndpoints");
     VQ_LOG(diag, 1) << "The ORB " << orbName << " does not start. Check its -ORB options and that "
                     << "it may listen on " << m_settings->table.front().value << ": " << e;
   }
@@ -161,7 +162,8 @@ bool QCSOrbCommon::ReachNamingService() {
     m_naming->Reach();
     return true;
   } catch (const CORBA::OBJECT_NOT_EXIST&) {
-    vq::orb::NoteCause("the reference of the naming service is of no object that exists");
+    vq::orb::NoteCause(
+        "the reference of the naming service is of no object that exists; correct -ORBInitRef");
     VQ_LOG(diag, 1) << "The naming service's reference is of no object that exists. Correct "
                     << "-ORBInitRef NameService=corbaloc:iiop:HOST:PORT/NameService";
   } catch (const CORBA::ORB::InvalidName& e) {

@@ -13,6 +13,7 @@
 #include <support/foundations/Locations.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
 #include <support/orb/OrbProduct.h>
 #include <support/orb/OrbSettings.h>
@@ -36,6 +37,10 @@ using vq::orb::kBiDirPolicy;
 using vq::orb::kListenEndpoints;
 using vq::orb::kOwnAddressMark;
 using vq::orb::kPreferIpMask;
+
+constexpr const char* kOwnConnection =
+    "the server opened a connection of its own to call back: it does not accept calls back over "
+    "the client's";
 
 // One callback registration at the server; the destructor removes it.
 class Registration {
@@ -108,12 +113,14 @@ bool TryCallback(const TDiagFunc& diag, QCSOrbCommon& orb, std::string& error, l
     roundTripMs = static_cast<long>(taken);
     VQ_LOG(diag, 4) << "GSR called me back, round-trip time: " << roundTripMs;
     if (OffersOwnConnection(orb) && !servant->WasOverOwnConnection()) {
+      vq::orb::NoteCause(kOwnConnection);
       VQ_LOG(diag, 1) << "GSR opened a connection of its own to call me back: it does not accept "
                       << "calls back over the client's";
     }
     return true;
   }
   error = message.in();
+  vq::orb::NoteCause("the server did not call back: " + error);
   VQ_LOG(diag, 1) << "GSR failed to call me back - " << error;
   return false;
 }
@@ -125,6 +132,7 @@ std::unique_ptr<ConfigAPI> LoadDomain(const TDiagFunc& diag) {
   if (!domain->Load()) {
     VQ_LOG(diag, 1) << "Failed to load configuration domain: " << name;
     VQ_LOG(diag, 2) << domain->Error();
+    vq::orb::NoteCause(domain->Error());
     return nullptr;
   }
   VQ_LOG(diag, 4) << "Loaded configuration domain: " << name;
@@ -217,6 +225,7 @@ bool TroubleshootConnection::ORBConfigure(const std::string& address, bool biDir
 bool TroubleshootConnection::ORBInitAndTestCallback(bool biDir, const std::string& address,
                                                     long& roundTripMs, bool isMask) {
   const TDiagFunc diag(diagModule, "TroubleshootConnection::ORBInitAndTestCallback");
+  vq::orb::TakeCause();
   const std::unique_ptr<ConfigAPI> domain = LoadDomain(diag);
   if (domain == nullptr) return false;
   const vq::connectivity::TrialScope scope(*domain, biDir, address, isMask);
@@ -237,8 +246,10 @@ bool TroubleshootConnection::TestCallback(QCSOrbCommon* orb, std::string& error,
   } catch (const CORBA::SystemException& e) {
     VQ_LOG(diag, 1) << "Failed with CORBA exception: " << e;
     error = SendFailure(e);
+    vq::orb::NoteFailedCall(e, nullptr);
   } catch (const CORBA::Exception& e) {
     VQ_LOG(diag, 1) << "CORBA::Exception: " << e;
+    vq::orb::NoteFailedCall(e, nullptr);
   }
   return false;
 }

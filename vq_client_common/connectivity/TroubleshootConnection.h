@@ -55,7 +55,8 @@ class VQ_CLIENT_COMMON_API TroubleshootConnection {
   // Makes one trial with its own ORB, which publishes `address`. An empty `address` lets the
   // ORB choose; with `isMask` it is an IP mask. `biDir`: whether to use bidirectional IIOP. True
   // when the server called back; `roundTripMs` is then the duration. False, with `roundTripMs`
-  // unchanged and the reason in the log, otherwise.
+  // unchanged, otherwise; GL_GetFailureCause (GlobalFuncs.h) returns the reason, also when with
+  // `biDir` the server opened its own connection to call back.
   //
   // The trial writes a scope to the configuration domain and removes it at the end. A failure to
   // write is logged at level 1, and the trial uses the settings nevertheless.

@@ -120,12 +120,12 @@ int GL_PostLogin(std::string& message) {
   int result = 0;
   try {
     result = LoginHandler::GetGlobal()->PostLogin();
-    vq::orb::TakeCause();  // of steps whose failure does not matter
   } catch (BaseLoginEx& e) {
     message = e.handle();
     return e.GetReturnCode();
   }
   if (result == 1) TestCallbackIfAsked(diag);
+  vq::orb::TakeCause();  // of steps whose failure does not matter
   return result;
 }
 
