@@ -1,15 +1,41 @@
 #include <support/orb/ReferenceAddress.h>
 
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
+#include <memory>
 #include <system_error>
 #include <vector>
 
+#include <netdb.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <support/orb/ListenEndpoint.h>
 #include <support/orb/OrbProduct.h>
+#include <support/os_toolkit/os_file_system.h>
 
 namespace vq::orb {
 namespace {
+
+// The error number of one attempt to connect; 0 when it succeeds.
+int TryToConnect(const addrinfo& address, std::chrono::milliseconds limit) {
+  const Descriptor probe(
+      ::socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  if (!probe.IsOpen()) return errno;
+  int error = ::connect(probe.Get(), address.ai_addr, address.ai_addrlen) == -1 ? errno : 0;
+  if (error == EINPROGRESS) {
+    pollfd waiting{probe.Get(), POLLOUT, 0};
+    socklen_t length = sizeof error;
+    if (::poll(&waiting, 1, static_cast<int>(limit.count())) != 1) {
+      error = ETIMEDOUT;
+    } else if (::getsockopt(probe.Get(), SOL_SOCKET, SO_ERROR, &error, &length) == -1) {
+      error = errno;
+    }
+  }
+  return error;
+}
 
 constexpr std::uint32_t kIiopProfile = 0;
 constexpr std::uint32_t kAlternateAddress = 3;  // a component with a further host and port
@@ -221,6 +247,39 @@ std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior) {
     return true;
   });
   return endpoints;
+}
+
+std::string PlaceText(const ReferenceEndpoint& place) {
+  return UriHost(place.host) + ":" + std::to_string(place.port);
+}
+
+Reach TryToReach(const ReferenceEndpoint& place, std::chrono::milliseconds limit,
+                 std::string& why) {
+  addrinfo hints{};
+  hints.ai_socktype = SOCK_STREAM;
+  addrinfo* found = nullptr;
+  const int unresolved =
+      ::getaddrinfo(place.host.c_str(), std::to_string(place.port).c_str(), &hints, &found);
+  if (unresolved != 0) {
+    why = "the host " + place.host + " cannot be resolved: " + ::gai_strerror(unresolved);
+    return Reach::kNotResolvable;
+  }
+  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> addresses(found, ::freeaddrinfo);
+  const auto end = std::chrono::steady_clock::now() + limit;
+  int error = ETIMEDOUT;
+  for (const addrinfo* next = found; next != nullptr; next = next->ai_next) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        end - std::chrono::steady_clock::now());
+    if (left.count() <= 0) break;
+    error = TryToConnect(*next, left);
+    if (error == 0) return Reach::kReached;
+  }
+  if (error == ECONNREFUSED) {
+    why = "connection refused at " + PlaceText(place);
+    return Reach::kRefused;
+  }
+  why = "no connection to " + PlaceText(place) + ": " + std::generic_category().message(error);
+  return Reach::kFailed;
 }
 
 }  // namespace vq::orb

@@ -1,4 +1,5 @@
-// Where the object behind a reference listens, read from the reference itself: no call is made.
+// Where the object behind a reference listens, read from the reference itself: no call is made; and
+// whether it can be reached there.
 //
 //   CORBA::Object_var server;   // a reference
 //   for (const vq::orb::ReferenceEndpoint& endpoint : vq::orb::EndpointsOf(server.in())) {
@@ -10,6 +11,7 @@
 #ifndef VQ_SUPPORT_ORB_REFERENCEADDRESS_H
 #define VQ_SUPPORT_ORB_REFERENCEADDRESS_H
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +51,15 @@ VQ_CLIENT_COMMON_API std::vector<ReferenceEndpoint> EndpointsOf(CORBA::Object_pt
 
 // The same for a reference as text; any text is accepted.
 std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior);
+
+// "host:port", for a person.
+std::string PlaceText(const ReferenceEndpoint& place);
+
+// Whether a TCP connection comes about. Every address of the host is tried, all within `limit`.
+// `why` receives the reason in one line where none does, and stays as it is otherwise.
+enum class Reach { kReached, kNotResolvable, kRefused, kFailed };
+VQ_CLIENT_COMMON_API Reach TryToReach(const ReferenceEndpoint& place,
+                                      std::chrono::milliseconds limit, std::string& why);
 
 }  // namespace vq::orb
 
