@@ -11,9 +11,9 @@
 
 #include <vq_idl/UsersManagerC.h>
 
-#include "ClientSession.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "Login.h"
 
 namespace vqclient {
 namespace {
@@ -34,40 +34,35 @@ constexpr std::array<std::string_view, MAX_PRIV_TYPE> kPrivileges{
     "SLS_LOGIN",     "WCM_LOGIN",     "OTHER_LOGIN",
     "AI_ACCESS"};
 
+using Snapshot = QCSCorbaAuthorizationStruct;
+using User = UserAuthorizations;
+
 struct Kind {
   const char* name;
-  Grants QCSCorbaAuthorizationStruct::*own;
-  Grants QCSCorbaAuthorizationStruct::*group;
-  bool (UserAuthorizations::*question)(const QCSObject&, QCSAuthLevelEnum) const;
+  Grants Snapshot::*own;
+  Grants Snapshot::*group;
+  bool (User::*question)(const QCSObject&, QCSAuthLevelEnum) const;
 };
 
 // Services have grants of another form and stand beside the table.
 constexpr const char* kService = "service";
 constexpr std::array kKinds{
-    Kind{"table", &QCSCorbaAuthorizationStruct::m_TablesUserAccess,
-         &QCSCorbaAuthorizationStruct::m_TablesGroupAccess,
-         &UserAuthorizations::IsSchedTblAccessAllowed},
-    Kind{"calendar", &QCSCorbaAuthorizationStruct::m_CalendarsUserAccess,
-         &QCSCorbaAuthorizationStruct::m_CalendarsGroupAccess,
-         &UserAuthorizations::IsCalendarAccessAllowed},
-    Kind{"quantitative", &QCSCorbaAuthorizationStruct::m_QuantResUserAccess,
-         &QCSCorbaAuthorizationStruct::m_QuantResGroupAccess,
-         &UserAuthorizations::IsQuantResAccessAllowed},
-    Kind{"control", &QCSCorbaAuthorizationStruct::m_ControlResUserAccess,
-         &QCSCorbaAuthorizationStruct::m_ControlResGroupAccess,
-         &UserAuthorizations::IsControlResAccessAllowed},
-    Kind{"condition", &QCSCorbaAuthorizationStruct::m_PrereqCondsUserAccess,
-         &QCSCorbaAuthorizationStruct::m_PrereqCondsGroupAccess,
-         &UserAuthorizations::IsPrereqCondAccessAllowed},
-    Kind{"global", &QCSCorbaAuthorizationStruct::m_GlobalPrefixUserAccess,
-         &QCSCorbaAuthorizationStruct::m_GlobalPrefixGroupAccess,
-         &UserAuthorizations::IsGlobalCondAccessAllowed},
-    Kind{"owner", &QCSCorbaAuthorizationStruct::m_OwnerUserAccess,
-         &QCSCorbaAuthorizationStruct::m_OwnerGroupAccess,
-         &UserAuthorizations::IsOwnerAccessAllowed},
-    Kind{"workload", &QCSCorbaAuthorizationStruct::m_WorkloadsUserAccess,
-         &QCSCorbaAuthorizationStruct::m_WorkloadsGroupAccess,
-         &UserAuthorizations::IsWorkloadAccessAllowed},
+    Kind{"table", &Snapshot::m_TablesUserAccess, &Snapshot::m_TablesGroupAccess,
+         &User::IsSchedTblAccessAllowed},
+    Kind{"calendar", &Snapshot::m_CalendarsUserAccess, &Snapshot::m_CalendarsGroupAccess,
+         &User::IsCalendarAccessAllowed},
+    Kind{"quantitative", &Snapshot::m_QuantResUserAccess, &Snapshot::m_QuantResGroupAccess,
+         &User::IsQuantResAccessAllowed},
+    Kind{"control", &Snapshot::m_ControlResUserAccess, &Snapshot::m_ControlResGroupAccess,
+         &User::IsControlResAccessAllowed},
+    Kind{"condition", &Snapshot::m_PrereqCondsUserAccess, &Snapshot::m_PrereqCondsGroupAccess,
+         &User::IsPrereqCondAccessAllowed},
+    Kind{"global", &Snapshot::m_GlobalPrefixUserAccess, &Snapshot::m_GlobalPrefixGroupAccess,
+         &User::IsGlobalCondAccessAllowed},
+    Kind{"owner", &Snapshot::m_OwnerUserAccess, &Snapshot::m_OwnerGroupAccess,
+         &User::IsOwnerAccessAllowed},
+    Kind{"workload", &Snapshot::m_WorkloadsUserAccess, &Snapshot::m_WorkloadsGroupAccess,
+         &User::IsWorkloadAccessAllowed},
 };
 
 std::string_view LevelName(QCSAuthLevelEnum level) {
@@ -98,9 +93,9 @@ nlohmann::json ToJson(const QCSCorbaAuth2LvlSeq2& grants) {
   return list;
 }
 
-nlohmann::json Describe(const QCSCorbaAuthorizationStruct& snapshot) {
+nlohmann::json Describe(const Snapshot& snapshot, bool isAdministrator) {
   nlohmann::json all{{"user", ConnectionSettings::Get()->getUserName()},
-                     {"administrator", UserAuthorizations::Get()->IsAdministrator()}};
+                     {"administrator", isAdministrator}};
   for (CORBA::ULong i = 0; i < snapshot.Privileges.length() && i < kPrivileges.size(); ++i) {
     all["privileges"][std::string(kPrivileges[i])] = LevelName(snapshot.Privileges[i]);
   }
@@ -136,55 +131,55 @@ void PrintTable(const nlohmann::json& all) {
 }
 
 int Show(CommandLine& line) {
-  ClientSession session(line);
-  const int result = session.LoginAndFinish();
-  if (!IsIn(result)) return ExitCodeOfSession(result);
-  QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
-  if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, line.kind, true) != 1) {
-    return kNoServer;
-  }
+  const vq::Session session = LogIn(line, OptionsOf(line, true));
+  QCSCorbaAuthorization_var object;
+  QCSCorbaAuthorizationStruct_var snapshot;
   try {
-    QCSCorbaAuthorization_var object;
-    QCSCorbaAuthorizationStruct_var snapshot;
-    users->CRB_GetMyAuthorizationsFromMemory(LoginHandler::GetGlobal()->GetUserID().c_str(),
+    const auto users = session.Servant<QCSCorbaUsersManager>("UsersManager");
+    if (CORBA::is_nil(users.in())) throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
+    users->CRB_GetMyAuthorizationsFromMemory(ConnectionSettings::Get()->GetUserID().c_str(),
                                              object.out(), snapshot.out());
-    const nlohmann::json all = Describe(snapshot.in());
-    if (Form().json) {
-      PrintJson(all);
-    } else {
-      PrintTable(all);
-    }
-    return kSuccess;
   } catch (const CORBA::Exception&) {
-    Tell("The server does not tell what the user may do.");
-    return kNoAnswer;
+    throw Failure(kNoAnswer, "The server does not return the user's authorizations.");
   }
+  const nlohmann::json all = Describe(snapshot.in(), session.Authorizations()->IsAdministrator());
+  if (Form().json) {
+    PrintJson(all);
+  } else {
+    PrintTable(all);
+  }
+  return kSuccess;
 }
 
-struct Question {
-  std::string kind;
-  std::vector<std::string> attributes;  // NAME=VALUE
-  int level = BROWSE_ACCESS;
-};
-
-int Check(CommandLine& line, const Question& question) {
-  QCSObject object;
-  for (const std::string& attribute : question.attributes) {
-    const std::size_t equals = attribute.find('=');
-    object.SetAttribute(attribute.substr(0, equals), attribute.substr(equals + 1));
+// words: KIND NAME=VALUE... LEVEL
+int Check(CommandLine& line, const std::vector<std::string>& words) {
+  const std::string& name = words.front();
+  const auto kind =
+      std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& row) { return row.name == name; });
+  if (kind == kKinds.end() && name != kService) {
+    throw CLI::ValidationError("question", "no kind '" + name + "'");
   }
-  ClientSession session(line);
-  const int result = session.LoginAndFinish();
-  if (!IsIn(result)) return ExitCodeOfSession(result);
+  const auto found = std::find(kLevels.begin(), kLevels.end(), words.back());
+  if (found == kLevels.end()) {
+    throw CLI::ValidationError("question", "no level '" + words.back() + "'");
+  }
+  const auto level = static_cast<QCSAuthLevelEnum>(found - kLevels.begin());
+  QCSObject object;
+  for (auto word = words.begin() + 1; word != words.end() - 1; ++word) {
+    const std::size_t equals = word->find('=');
+    if (equals == std::string::npos || equals == 0) {
+      throw CLI::ValidationError("question", "'" + *word + "' is not NAME=VALUE");
+    }
+    object.SetAttribute(word->substr(0, equals), word->substr(equals + 1));
+  }
+  line.Apply(true);
 
-  const UserAuthorizations& user = *UserAuthorizations::Get();
-  const auto level = static_cast<QCSAuthLevelEnum>(question.level);
-  const auto kind = std::find_if(kKinds.begin(), kKinds.end(),
-                                 [&](const Kind& row) { return row.name == question.kind; });
+  const vq::Session session = LogIn(line, OptionsOf(line, true));
+  const User& user = *session.Authorizations();
   const bool allowed = kind != kKinds.end() ? (user.*kind->question)(object, level)
                                             : user.IsServiceAccessAllowed(object, level);
   if (Form().json) {
-    PrintJson({{"kind", question.kind}, {"level", LevelName(level)}, {"allowed", allowed}}, -1);
+    PrintJson({{"kind", name}, {"level", *found}, {"allowed", allowed}}, -1);
   } else {
     Say(allowed ? "yes" : "no");
   }
@@ -198,11 +193,10 @@ std::string KindsAndLevels() {
   return words;
 }
 
-void AddCheck(CLI::App& parent, CommandLine& line, int& exitCode) {
+void AddCheck(CLI::App& parent, CommandLine& line) {
   CLI::App* const command =
       parent.add_subcommand("check", "Ask one question; yes is exit code 0, no is 7");
   command->fallthrough();  // the connection's options belong to auth itself
-  auto question = std::make_shared<Question>();
   auto words = std::make_shared<std::vector<std::string>>();
   command
       ->add_option("question", *words,
@@ -210,41 +204,16 @@ void AddCheck(CLI::App& parent, CommandLine& line, int& exitCode) {
       ->required()
       ->type_name(KindsAndLevels())
       ->expected(2, 1000);
-  command->callback([&line, &exitCode, question, words] {
-    const auto level = std::find(kLevels.begin(), kLevels.end(), words->back());
-    question->kind = words->front();
-    question->attributes.assign(words->begin() + 1, words->end() - 1);
-    const bool known = question->kind == kService ||
-                       std::any_of(kKinds.begin(), kKinds.end(),
-                                   [&](const Kind& kind) { return kind.name == question->kind; });
-    if (!known) throw CLI::ValidationError("question", "no kind '" + question->kind + "'");
-    if (level == kLevels.end()) {
-      throw CLI::ValidationError("question", "no level '" + words->back() + "'");
-    }
-    for (const std::string& attribute : question->attributes) {
-      if (attribute.find('=') == std::string::npos || attribute.front() == '=') {
-        throw CLI::ValidationError("question", "'" + attribute + "' is not NAME=VALUE");
-      }
-    }
-    question->level = static_cast<int>(level - kLevels.begin());
-    line.ApplyWithServer();
-    exitCode = Check(line, *question);
-  });
+  command->callback([&line, words] { line.exitCode = Check(line, *words); });
 }
 
 }  // namespace
 
-void AddAuthCommand(CLI::App& program, CommandLine& line, int& exitCode) {
-  CLI::App* const command =
-      program.add_subcommand("auth", "Show what the user may do, or ask one question about it");
-  line.AddConnectionOptions(*command);
+void AddAuthCommand(CLI::App& program, CommandLine& line) {
+  CLI::App* const command = line.AddCommand(
+      program, "auth", "Show what the user may do, or ask one question about it", true, Show);
   command->require_subcommand(0, 1);
-  AddCheck(*command, line, exitCode);
-  command->callback([&line, &exitCode, command] {
-    if (!command->get_subcommands().empty()) return;
-    line.ApplyWithServer();
-    exitCode = Show(line);
-  });
+  AddCheck(*command, line);
 }
 
 }  // namespace vqclient

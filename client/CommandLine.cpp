@@ -16,6 +16,7 @@ constexpr const char* kOwnScope = "vqclient";
 constexpr const char* kDefaultScope = "default";
 constexpr const char* kInitRef = "-ORBInitRef";
 constexpr const char* kSeconds = "SECONDS";
+constexpr const char* kMilliseconds = "MILLISECONDS";
 constexpr unsigned int kDay = 86400;
 
 // In the order of the help.
@@ -66,20 +67,30 @@ const std::vector<SharedOption>& SharedOptions() {
       {"user", "u", "VQ_USER", "", "NAME", "User; asked for when neither name nor file is given"},
       {"password-file", "f", "VQ_PASSWORD_FILE", "", "FILE",
        "File with user= and password= lines, readable by nobody else. Without it the password is "
-       "asked for, or read from standard input"},
+       "asked for, or read from stdin"},
       {"max-time", "m", "", "", kSeconds,
-       "End what takes longer in all (1 to 86400); without it each call has its own limit"},
+       "Limit of the whole command (1 to 86400); without it each call has its own limit"},
       {"lifetime", "t", "", "", kSeconds,
        "After how long without a keep-alive the server drops the session (1 to 86400); without it "
-       "600. Called --timeout before"},
-      {"connect-timeout", "", "", "-ORBConnectTimeout", "MILLISECONDS",
+       "600. Formerly --timeout"},
+      {"connect-timeout", "", "", "-ORBConnectTimeout", kMilliseconds,
        "How long to wait for a connection"},
-      {"call-timeout", "", "", "-ORBCallTimeout", "MILLISECONDS", "How long to wait for an answer"},
+      {"call-timeout", "", "", "-ORBCallTimeout", kMilliseconds, "How long to wait for an answer"},
+      {"tcp-keep-alive", "", "", "-ORBTcpKeepAlive", kMilliseconds,
+       "Probe a connection that is silent for so long; 0: never"},
+      {"tcp-user-timeout", "", "", "-ORBTcpUserTimeout", kMilliseconds,
+       "How long sent data may stay unacknowledged; 0: as the system has it"},
       {"ca", "", "", "-SSLCACertificate", "FILE", "Trusted CA certificates; switches TLS on"},
       {"certificate", "", "", "-SSLCertificate", "FILE", "Own certificate for TLS"},
       {"key", "", "", "-SSLPrivateKey", "FILE", "Its private key"},
       {"verify-peer", "", "", "-SSLVerifyPeer", "0|1", "0: accept a certificate of any CA"},
       {"verify-host", "", "", "-SSLVerifyHost", "0|1", "0: accept a certificate of another host"},
+      {"server-names", "", "", "-SSLServerNames", "NAME,...",
+       "Accept certificates of these hosts alone; *.DOMAIN for all of a domain"},
+      {"revocation-list", "", "", "-SSLRevocationList", "FILE",
+       "Revocation lists of all trusted CAs; refuse revoked certificates"},
+      {"encrypt-lookups", "", "", "-SSLEncryptLookups", "0|1",
+       "1: the naming service must offer TLS, too"},
       {"bidir", "", "", "-BiDirPolicy", "0|1",
        "1: the server calls back over the client's own connection"},
       {"listen", "", "", "-ORBListenEndpoints", "ENDPOINT", "Where to listen for calls back"},
@@ -148,9 +159,10 @@ CommandLine CommandLine::Split(int argc, char** argv) {
 
 void CommandLine::AddGlobalOptions(CLI::App& program) {
   program.add_flag("-v,--verbose", verbosity,
-                   "Write the log to standard error; repeat for more (-v 4, -vv 5, -vvv 6)");
-  program.add_flag("--json", Form().json, "Print data as JSON, those of a failure too");
-  program.add_flag("-q,--quiet", Form().quiet, "Print errors, and data that were asked for, alone");
+                   "Write the log to stderr; repeat for more (-v 4, -vv 5, -vvv 6)");
+  program.add_flag("--json", Form().json, "Print data as JSON, also those of a failure");
+  program.add_flag("-q,--quiet", Form().quiet,
+                   "Print nothing but errors and the data that were asked for");
   program
       .add_option("--site", given["site"],
                   "Take the settings of this site (vqclient --site NAME config set ...)")
@@ -169,6 +181,18 @@ void CommandLine::AddConnectionOptions(CLI::App& command) {
     // The former name; a group without a name is not shown.
     if (name == "lifetime") command.add_option("--timeout", given[name])->group("");
   }
+}
+
+CLI::App* CommandLine::AddCommand(CLI::App& parent, const char* name, const char* text,
+                                  bool needsServer, const std::function<int(CommandLine&)>& run) {
+  CLI::App* const command = parent.add_subcommand(name, text);
+  AddConnectionOptions(*command);
+  command->callback([this, command, needsServer, run] {
+    if (!command->get_subcommands().empty()) return;
+    Apply(needsServer);
+    exitCode = run(*this);
+  });
+  return command;
 }
 
 void CommandLine::FindValues() {
@@ -221,7 +245,7 @@ void CommandLine::SettleUserOrFile() {
   values.erase(name->second.source < file->second.source ? file : name);
 }
 
-void CommandLine::Apply() {
+void CommandLine::Apply(bool needsServer) {
   if (verbosity > 0) {
     TDiag::Instance()->SetMinimumDebugLevel(std::min(verbosity + 3, TDiag::kTrace));
     TDiag::Instance()->AddStandardErrorSink();
@@ -252,13 +276,9 @@ void CommandLine::Apply() {
     if (text("kind") == name) kind = number;
   }
   GiveOrbItsArguments();
-}
-
-void CommandLine::ApplyWithServer() {
-  Apply();
-  if (!server.empty()) return;
-  throw CLI::ValidationError("--server is required",
-                             "or set VQ_SERVER, or: vqclient config set server NAME");
+  if (!needsServer || !server.empty()) return;
+  throw CLI::ValidationError(
+      "--server NAME is required, or VQ_SERVER, or once: vqclient config set server NAME");
 }
 
 void CommandLine::StartClock() {

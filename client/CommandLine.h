@@ -1,13 +1,14 @@
-// What every command shares: options that need not be typed, and what belongs to the ORB.
+// The options that commands share, and those of the ORB.
 //
 // The value of a shared option comes from, first wins: the command line, the environment, the
 // settings of the site in use, the general settings. Settings are variables of the configuration
-// domain, in the scope "site NAME" or "vqclient"; those of the ORB lie in "default" instead of
+// domain, in the scope "site NAME" or "vqclient"; those of the ORB are in "default" instead of
 // "vqclient", where every client of the library finds them. In each scope the user's layer comes
 // before the host's.
 #ifndef VQ_CLIENT_COMMANDLINE_H
 #define VQ_CLIENT_COMMANDLINE_H
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -50,7 +51,6 @@ std::string ScopeOf(const SharedOption& option, const std::string& site);
 // What the ORB takes for a value of the option: an address of a naming service as a reference.
 std::string OrbValue(const SharedOption& option, const std::string& text);
 
-// Thread contract: one thread.
 struct CommandLine {
   // After Apply.
   std::string site;
@@ -65,29 +65,33 @@ struct CommandLine {
   int verbosity = 0;
   std::map<std::string, std::string> given;  // on the command line, by name
 
+  int exitCode = 0;  // of the command that ran
+
   std::vector<std::string> own;  // the arguments that are not the ORB's, program name first
   std::vector<std::string> orb;  // the ORB's, program name first
 
-  // Options with one dash and a long name belong to the ORB ("-ORBInitRef X", "-BiDirPolicy 1");
-  // they are taken out before the rest is parsed.
+  // Options with one dash and a long name belong to the ORB ("-ORBInitRef X", "-BiDirPolicy 1") and
+  // are taken out before the rest is parsed.
   static CommandLine Split(int argc, char** argv);
 
-  // Adds the shared options to the program, and those of a connection to one command.
+  // Adds the options that stand before a command.
   void AddGlobalOptions(CLI::App& program);
-  void AddConnectionOptions(CLI::App& command);
+
+  // Adds a command with the options of a connection. When it is given, and none below it, Apply and
+  // `run` are called at the end of parsing, and the result of `run` is the exit code.
+  CLI::App* AddCommand(CLI::App& parent, const char* name, const char* text, bool needsServer,
+                       const std::function<int(CommandLine&)>& run);
 
   // After parsing: switches the log on as far as asked for, finds the value of each shared option
   // and gives the ORB its arguments. Raises CLI::ValidationError for a value that is not of its
-  // form.
-  void Apply();
-  // Apply, and the server must be known.
-  void ApplyWithServer();
+  // form, and for a server that is needed and not named.
+  void Apply(bool needsServer);
 
-  // From here on the time of --max-time runs, for the calls of this thread, until EndClock.
+  // Starts the time of --max-time, for the calls of this thread until EndClock.
   void StartClock();
   void EndClock() { m_deadline.reset(); }
 
-  // The ORB's arguments as C has them; valid as long as `orb` stays as it is.
+  // The ORB's arguments for a function in the style of C; valid as long as `orb` stays as it is.
   std::vector<char*> OrbArguments();
   // What the library reports of the settings with these arguments.
   std::list<vq::Setting> Report() const;
@@ -95,6 +99,7 @@ struct CommandLine {
  private:
   std::unique_ptr<vq::CallDeadline> m_deadline;
 
+  void AddConnectionOptions(CLI::App& command);
   void FindValues();
   void GiveOrbItsArguments();
   void SettleUserOrFile();

@@ -1,7 +1,9 @@
-// The commands of vqclient. Each function adds one command to the program; when the command is
-// given, it runs after parsing and stores its exit code.
+// The command line of vqclient, which the program parses and from which the manual page and the
+// completions are made.
 #ifndef VQ_CLIENT_COMMANDS_H
 #define VQ_CLIENT_COMMANDS_H
+
+#include <memory>
 
 #include <CLI/App.hpp>
 
@@ -9,16 +11,21 @@
 
 namespace vqclient {
 
-void AddAuthCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddConfigCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddDoctorCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddLoginCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddParameterCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddPasswordCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddPingCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddServersCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode);
-void AddVersionCommand(CLI::App& program, CommandLine& line, int& exitCode);
+// All of it. A command that is given runs at the end of parsing. `line` outlives the program that
+// is returned.
+std::unique_ptr<CLI::App> MakeProgram(CommandLine& line);
+
+// Each adds one command (CommandLine::AddCommand).
+void AddAuthCommand(CLI::App& program, CommandLine& line);
+void AddConfigCommand(CLI::App& program, CommandLine& line);
+void AddDoctorCommand(CLI::App& program, CommandLine& line);
+void AddLoginCommand(CLI::App& program, CommandLine& line);
+void AddParameterCommand(CLI::App& program, CommandLine& line);
+void AddPasswordCommand(CLI::App& program, CommandLine& line);
+void AddPingCommand(CLI::App& program, CommandLine& line);
+void AddServersCommand(CLI::App& program, CommandLine& line);
+void AddSessionCommand(CLI::App& program, CommandLine& line);
+void AddVersionCommand(CLI::App& program, CommandLine& line);
 
 }  // namespace vqclient
 

@@ -2,7 +2,6 @@
 // that are stored.
 
 #include <filesystem>
-#include <iomanip>
 #include <iostream>
 #include <set>
 #include <string_view>
@@ -17,17 +16,10 @@
 namespace vqclient {
 namespace {
 
-// No setting of the library is a secret; one that is added some day does not slip out here.
-bool HoldsSecret(const vq::Setting& setting) {
-  return setting.name.find("assword") != std::string::npos ||
-         setting.name.find("ecret") != std::string::npos;
-}
-
 std::list<vq::Setting> Settings(const CommandLine& line) {
   std::list<vq::Setting> settings = line.Report();
   for (vq::Setting& setting : settings) {
-    if (HoldsSecret(setting)) setting.value = "(hidden)";
-    // The library takes for the command line's what comes from elsewhere by this program.
+    // The library gets on the command line what this program has from elsewhere.
     const SharedOption* const option = FindSharedOption(setting.name);
     if (option == nullptr || setting.origin != "command line") continue;
     if (const auto found = line.values.find(option->name); found != line.values.end()) {
@@ -51,30 +43,23 @@ std::list<vq::Setting> Settings(const CommandLine& line) {
   return settings;
 }
 
-int Show(const CommandLine& line) {
-  const std::list<vq::Setting> settings = Settings(line);
-  if (Form().json) {
-    nlohmann::json list = nlohmann::json::array();
-    for (const vq::Setting& setting : settings) {
-      list.push_back({{"group", setting.group},
-                      {"name", setting.name},
-                      {"value", setting.value},
-                      {"origin", setting.origin}});
-    }
-    PrintJson(list);
-  } else {
-    for (const vq::Setting& setting : settings) {
-      std::cout << std::left << std::setw(10) << setting.group << std::setw(33) << setting.name
-                << (setting.value.empty() ? "-" : setting.value) << "  (" << setting.origin
-                << ")\n";
-    }
-  }
+int Show(CommandLine& line) {
+  nlohmann::json rows = nlohmann::json::array();
   int exitCode = kSuccess;
-  for (const vq::Setting& setting : settings) {
+  for (const vq::Setting& setting : Settings(line)) {
+    rows.push_back({{"group", setting.group},
+                    {"name", setting.name},
+                    {"value", setting.value},
+                    {"origin", setting.origin}});
+    if (!Form().json) {
+      if (setting.value.empty()) rows.back()["value"] = "-";
+      rows.back()["origin"] = "  (" + setting.origin + ")";
+    }
     if (setting.group != "ORB" || setting.name.starts_with('-')) continue;
     Tell("The settings cannot be used: " + setting.value);
     exitCode = kRefused;
   }
+  PrintRows(rows, {{"group", 10}, {"name", 33}, {"value", 0}, {"origin", 0}});
   return exitCode;
 }
 
@@ -110,10 +95,7 @@ int Store(const CommandLine& line, const Change& change) {
   }
   const vq::StoreResult stored = vq::StoreSetting(
       scope, name, value, change.system ? vq::SettingsLayer::kHost : vq::SettingsLayer::kOwn);
-  if (!stored.error.empty()) {
-    Tell("Nothing is changed: " + stored.error);
-    return kRefused;
-  }
+  if (!stored.error.empty()) throw Failure(kRefused, "Nothing is changed: " + stored.error);
   if (Form().json) {
     PrintJson({{"file", stored.file},
                {"scope", scope},
@@ -147,7 +129,7 @@ std::string SettingNames() {
   return names;
 }
 
-void AddChange(CLI::App& config, CommandLine& line, int& exitCode, bool set) {
+void AddChange(CLI::App& config, CommandLine& line, bool set) {
   CLI::App* const command = config.add_subcommand(
       set ? "set" : "unset", set ? "Store a setting, for the user or with --site for one site"
                                  : "Take a setting out of what is stored");
@@ -162,26 +144,21 @@ void AddChange(CLI::App& config, CommandLine& line, int& exitCode, bool set) {
     command->add_option("value", *change->value, "Its value")->required();
   }
   command->add_flag("--system", change->system, "For all users of this host");
-  command->callback([&line, &exitCode, change] { exitCode = Store(line, *change); });
+  command->callback([&line, change] { line.exitCode = Store(line, *change); });
 }
 
 }  // namespace
 
-void AddConfigCommand(CLI::App& program, CommandLine& line, int& exitCode) {
+void AddConfigCommand(CLI::App& program, CommandLine& line) {
   CLI::App* const config = program.add_subcommand("config", "Settings of this client");
   config->require_subcommand(1);
-  CLI::App* const show =
-      config->add_subcommand("show", "Every setting with its value and where it came from");
-  line.AddConnectionOptions(*show);
-  show->callback([&] {
-    line.Apply();
-    exitCode = Show(line);
+  line.AddCommand(*config, "show", "Every setting with its value and where it came from", false,
+                  Show);
+  config->add_subcommand("sites", "The names for --site")->callback([&line] {
+    line.exitCode = ShowSites();
   });
-  config->add_subcommand("sites", "The names for --site")->callback([&exitCode] {
-    exitCode = ShowSites();
-  });
-  AddChange(*config, line, exitCode, true);
-  AddChange(*config, line, exitCode, false);
+  AddChange(*config, line, true);
+  AddChange(*config, line, false);
 }
 
 }  // namespace vqclient

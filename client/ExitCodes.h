@@ -1,44 +1,53 @@
-// What vqclient tells its caller by its exit code: 0 for success, 2 for a command line that is not
-// understood, and one code a cause otherwise. The suite's own codes are kept where there is one.
+// What vqclient tells its caller by its exit code: 0 for success, 2 for a usage error, and one code
+// a cause otherwise. The codes of vq::LoginResult are kept.
 #ifndef VQ_CLIENT_EXITCODES_H
 #define VQ_CLIENT_EXITCODES_H
 
-#include <array>
+#include <stdexcept>
+#include <string>
 #include <string_view>
+
+#include <vq_client_common/session/LoginResult.h>
 
 namespace vqclient {
 
 enum ExitCode : int {
   kSuccess = 0,
-  kRefused = 1,  // refused, or failed during the conversation
+  kRefused = 1,  // refused, or failed on the way
   kUsage = 2,
   kServerCode = 3,     // a code of the server's own; it is printed
-  kNoCredentials = 4,  // no user name or password to be had
+  kNoCredentials = 4,  // no user name or password
   kNoAnswer = 5,       // a value that the server does not give
-  kSessionLost = 6,    // the server no longer knows the session, or no longer answers
+  kSessionLost = 6,    // the server does not know the session, or does not answer
   kDenied = 7,         // the answer to a question of authorization is no
   kNoCallback = 8,     // the server reaches this client in no way
-  kNotAuthorized = 43,
-  kPasswordExpired = 48,
-  kAccountLocked = 49,
-  kPasswordRefused = 51,  // by the password policy
-  kNoServer = 54,
-  kOrbNotUp = 55,
 };
 
-// The exit code for a result of GL_Login, GL_PostLogin or SetUserPassword.
-constexpr ExitCode ExitCodeOf(int result) {
-  if (result == 1 || result == 50) return kSuccess;
-  if (result == 0) return kRefused;
-  constexpr std::array kKept{kNotAuthorized,   kPasswordExpired, kAccountLocked,
-                             kPasswordRefused, kNoServer,        kOrbNotUp};
-  for (const ExitCode code : kKept) {
-    if (result == code) return code;
+constexpr int ExitCodeOf(vq::LoginResult result) {
+  switch (result) {
+    case vq::LoginResult::kSuccess:
+    case vq::LoginResult::kPasswordAboutToExpire:
+      return kSuccess;
+    case vq::LoginResult::kFailed:
+      return kRefused;
+    case vq::LoginResult::kNotAuthorized:
+    case vq::LoginResult::kPasswordExpired:
+    case vq::LoginResult::kAccountLocked:
+    case vq::LoginResult::kPasswordRefusedByPolicy:
+    case vq::LoginResult::kNoServer:
+    case vq::LoginResult::kOrbNotUp:
+      return vq::CodeOf(result);
   }
   return kServerCode;
 }
 
-// One line a code, for the help text.
+// Ends a command with this exit code. what() is for the user; empty when the user knows.
+struct Failure : std::runtime_error {
+  Failure(int code, const std::string& text) : std::runtime_error(text), exitCode(code) {}
+  int exitCode;
+};
+
+// For the help text.
 inline constexpr std::string_view kExitCodeHelp =
     "Exit codes: 0 success, 1 refused or failed, 2 usage, 3 a code of the server's own,\n"
     "4 no credentials, 5 value not available, 6 session lost, 7 denied, 8 no callback,\n"

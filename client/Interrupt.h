@@ -6,14 +6,13 @@
 
 namespace vqclient {
 
-// From construction on, the first SIGINT or SIGTERM is only noted, whatever the program does at
-// that moment; the next one ends it at once. Thread contract: one object a process, one thread.
+// From construction on, the first SIGINT or SIGTERM is only noted, whatever the program is doing;
+// the next one ends it at once. One object a process, in one thread.
 class Interrupt {
  public:
   Interrupt();
 
-  // Waits for the time, or less when one of the two signals has arrived or arrives. True when one
-  // has.
+  // Waits for the time, or until one of the two signals arrives. True when one has arrived.
   bool Wait(std::chrono::milliseconds time);
 };
 

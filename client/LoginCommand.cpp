@@ -3,35 +3,31 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "ClientSession.h"
 #include "Commands.h"
+#include "ExitCodes.h"
+#include "Login.h"
 
 namespace vqclient {
 namespace {
 
 int Login(CommandLine& line) {
-  ClientSession session(line);
-  const int result = session.Login();
-  if (Form().json && result != ClientSession::kCredentialsMissing) {
-    PrintJson({{"result", result},
-               {"connected", LoginHandler::GetGlobal()->IsConnected()},
-               {"message", session.Message()}});
-  } else if (LoginHandler::GetGlobal()->IsConnected() && IsIn(result)) {
+  vq::LoginError error;
+  const std::optional<vq::Session> session = LogIn(line, OptionsOf(line), error);
+  const vq::LoginResult result = session ? session->Result() : error.Result();
+  if (Form().json) {
+    PrintJson({{"result", vq::CodeOf(result)},
+               {"connected", session.has_value()},
+               {"message", session ? session->Message() : error.what()}});
+  } else if (session) {
     Say("Logged in as " + ConnectionSettings::Get()->getUserName() + " to " + line.server + ".");
   }
-  return ExitCodeOfSession(result);
+  return ExitCodeOf(result);
 }
 
 }  // namespace
 
-void AddLoginCommand(CLI::App& program, CommandLine& line, int& exitCode) {
-  CLI::App* const command =
-      program.add_subcommand("login", "Log in, tell the result and log out again");
-  line.AddConnectionOptions(*command);
-  command->callback([&] {
-    line.ApplyWithServer();
-    exitCode = Login(line);
-  });
+void AddLoginCommand(CLI::App& program, CommandLine& line) {
+  line.AddCommand(program, "login", "Log in, print the result and log out again", true, Login);
 }
 
 }  // namespace vqclient

@@ -8,28 +8,20 @@
 
 namespace vqclient {
 
-// Brings the session's ORB up, and ends it when it goes out of scope. Thread contract: one thread.
+// The session's ORB, which reaches the naming service when it starts. Ends it when it goes.
 class NamingConnection {
  public:
-  // Calls that the settings do not limit are limited to `limit` milliseconds each.
-  NamingConnection(CommandLine& line, int limit);
+  // Calls that no setting limits are limited to `limit` milliseconds. Raises Failure with the exit
+  // code and the cause.
+  NamingConnection(CommandLine& line, int limit, int exitCode);
   ~NamingConnection();
   NamingConnection(const NamingConnection&) = delete;
   NamingConnection& operator=(const NamingConnection&) = delete;
-
-  bool IsUp() const { return m_up; }
-  const std::string& Error() const { return m_error; }  // why it is not up
-
- private:
-  bool m_up = false;
-  std::string m_error;
 };
 
-// Limits each call to that many milliseconds where nobody has set a limit.
-void LimitCalls(CommandLine& line, int limit);
-
-// What failed, for a person.
-std::string FailureOf(const CORBA::Exception& exception);
+// Why a call failed, for a person; CauseOf after a call that leaves its cause (GL_GetFailureCause).
+std::string InWords(const CORBA::Exception& exception);
+std::string CauseOf(const CORBA::Exception& exception);
 
 }  // namespace vqclient
 

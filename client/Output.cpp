@@ -1,5 +1,6 @@
 #include "Output.h"
 
+#include <iomanip>
 #include <iostream>
 
 #include <nlohmann/json.hpp>
@@ -33,6 +34,22 @@ void Say(const std::string& line) {
 void PrintJson(const nlohmann::json& data, int indent) {
   printed = true;
   std::cout << data.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+void PrintRows(const nlohmann::json& rows,
+               const std::vector<std::pair<const char*, int>>& columns) {
+  if (Form().json) return PrintJson(rows);
+  for (const nlohmann::json& row : rows) {
+    for (const auto& [name, width] : columns) {
+      const nlohmann::json& value = row[name];
+      const std::string text = value.is_string()    ? value.get<std::string>()
+                               : value.is_null()    ? "-"
+                               : value.is_boolean() ? (value.get<bool>() ? "yes" : "no")
+                                                    : value.dump();
+      std::cout << std::left << std::setw(width) << text;
+    }
+    std::cout << '\n';
+  }
 }
 
 int FinishOutput(int exitCode) {

@@ -1,11 +1,13 @@
-// What vqclient prints: data on the standard output stream, words on the standard error stream.
+// What vqclient prints: data on stdout, messages on stderr.
 //
-// With --json the data are JSON, also those of a failure; with --quiet there are no words but
-// errors and no lines but those that were asked for. Thread contract: one thread.
+// With --json the data are JSON, also those of a failure; with --quiet there are no messages but
+// errors, and no data but those that were asked for.
 #ifndef VQ_CLIENT_OUTPUT_H
 #define VQ_CLIENT_OUTPUT_H
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -16,21 +18,23 @@ struct OutputForm {
   bool quiet = false;
 };
 
-// The form in force, for the program's options to set.
+// The form in force; the options of the program set it.
 OutputForm& Form();
 
-// An error, to standard error, without the tab that may end it.
+// An error, to stderr, without the tab that may end it.
 void Tell(const std::string& message);
 
-// A line of news on standard output; nothing with --quiet or --json.
+// A line on stdout; nothing with --quiet or --json.
 void Say(const std::string& line);
 
-// Data as JSON on standard output; `indent` -1 for one line. Bytes that are no UTF-8 are replaced.
+// Data as JSON on stdout; `indent` -1 for one line. Bytes that are not UTF-8 are replaced.
 void PrintJson(const nlohmann::json& data, int indent = 2);
 
-// Closes the output of a run. With --json, a failure that printed no data gets
-// {"error": what was told, "exitCode": ...}. Returns the exit code: the given one, or that of a
-// failure when standard output could not be written.
+// A list of objects as JSON, or as text with a line each: for each name its value, that wide.
+void PrintRows(const nlohmann::json& rows, const std::vector<std::pair<const char*, int>>& columns);
+
+// Ends the output. With --json, a failure without data prints {"error": the errors, "exitCode":
+// ...}. Returns the exit code: the given one, or that of a failure when stdout cannot be written.
 int FinishOutput(int exitCode);
 
 }  // namespace vqclient

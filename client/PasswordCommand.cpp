@@ -1,63 +1,72 @@
 // vqclient passwd: changes the user's password, also an expired one.
 
+#include <utility>
+
 #include <CLI/CLI.hpp>
 
-#include "ClientSession.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "Login.h"
 
 namespace vqclient {
 namespace {
 
-// Asks without echo; false when nobody answers.
-bool Ask(const std::string& question, std::string& password) {
+// Asks without echo; empty when nobody answers.
+vq::SecretString Ask(const std::string& question) {
   Tell(question);
-  UserPass answer(ConnectionSettings::Get()->getUserName(), "", "");
-  const bool answered = answer.GetConsoleMissData();
-  password = answer.GetPassword();
-  return answered;
+  std::string user = ConnectionSettings::Get()->getUserName();
+  vq::SecretString password;
+  vq::AskForPassword()(user, password);
+  return password;
+}
+
+// Empty when there is none, after telling the user why.
+vq::SecretString AskForNewPassword() {
+  vq::SecretString password = Ask("The new password:");
+  const vq::SecretString repeated =
+      password.Text().empty() ? vq::SecretString() : Ask("The new password again:");
+  if (repeated.Text().empty()) {
+    Tell("No new password was given.");
+  } else if (password.Text() != repeated.Text()) {
+    Tell("The two new passwords differ; nothing is changed.");
+  } else {
+    return password;
+  }
+  return {};
 }
 
 int Change(CommandLine& line) {
-  ClientSession session(line);
-  const int login = session.Login();
-  const bool expired = login == kPasswordExpired;
-  if (!IsIn(login) && !expired) return ExitCodeOfSession(login);
-
-  std::string password;
-  std::string repeated;
-  int result = kNoCredentials;
-  if (!Ask("The new password:", password) || !Ask("The new password again:", repeated)) {
-    Tell("No new password was given.");
-  } else if (password != repeated) {
-    Tell("The two new passwords differ; nothing is changed.");
-  } else if (std::string message; CheckPasswordValidity(password, message) != 1) {
+  vq::SecretString password;
+  bool expired = false;
+  vq::SessionOptions options = OptionsOf(line);
+  options.newPassword = [&](const std::string& message) {
     Tell(message);
-    result = kPasswordRefused;
-  } else {
-    const int changed = SetUserPassword(password, expired);
-    const bool done = changed == 1 && WasPasswordChanged();
-    result = done ? kSuccess : changed == 1 ? kRefused : ExitCodeOf(changed);
-    if (done) {
-      Say("The password is changed.");
-    } else {
-      Tell("The server did not change the password (code " + std::to_string(changed) + ").");
-    }
+    expired = true;
+    return password = AskForNewPassword();
+  };
+  vq::LoginError error;
+  std::optional<vq::Session> session = LogIn(line, std::move(options), error);
+  vq::LoginResult result = session ? session->Result() : error.Result();
+  if (!session && !expired) return ExitCodeOf(result);
+  if (!expired) password = AskForNewPassword();
+  if (password.Text().empty()) return kNoCredentials;
+  if (!expired) {
+    result = session->ChangePassword(password);
+    if (result == vq::LoginResult::kPasswordRefusedByPolicy) Tell(session->Message());
   }
-  Wipe(password);
-  Wipe(repeated);
-  return result;
+  if (vq::IsLoggedIn(result)) {
+    Say("The password is changed.");
+  } else if (result != vq::LoginResult::kPasswordRefusedByPolicy) {
+    Tell("The server did not change the password (code " + std::to_string(vq::CodeOf(result)) +
+         ").");
+  }
+  return ExitCodeOf(result);
 }
 
 }  // namespace
 
-void AddPasswordCommand(CLI::App& program, CommandLine& line, int& exitCode) {
-  CLI::App* const command = program.add_subcommand("passwd", "Change the password");
-  line.AddConnectionOptions(*command);
-  command->callback([&] {
-    line.ApplyWithServer();
-    exitCode = Change(line);
-  });
+void AddPasswordCommand(CLI::App& program, CommandLine& line) {
+  line.AddCommand(program, "passwd", "Change the password", true, Change);
 }
 
 }  // namespace vqclient

@@ -34,8 +34,9 @@ class Target {
   template <class Find>
   void Ask(Find find) {
     ++m_asked;
+    CORBA::Object_var object;
     try {
-      const CORBA::Object_var object = find();
+      object = find();
       const auto start = std::chrono::steady_clock::now();
       if (object->_non_existent()) throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
       const std::chrono::duration<double, std::milli> taken =
@@ -44,35 +45,31 @@ class Target {
     } catch (const CosNaming::NamingContext::NotFound&) {
       m_error = "the naming service does not know it";
     } catch (const CORBA::Exception& e) {
-      m_error = FailureOf(e);
+      m_error = CORBA::is_nil(object.in()) ? CauseOf(e) : InWords(e);
     }
   }
 
   bool Answers() const { return !m_times.empty(); }
 
+  // Prints it as text, or returns it for --json.
   nlohmann::json Describe() {
     nlohmann::json data{{"asked", m_asked}, {"answers", m_times.size()}};
+    std::string line = std::to_string(m_times.size()) + " of " + std::to_string(m_asked);
+    line += " answers";
     if (Answers()) {
       std::sort(m_times.begin(), m_times.end());
       data.update({{"minMs", m_times.front()}, {"medianMs", Median()}, {"maxMs", m_times.back()}});
-    }
-    if (!m_error.empty()) data["error"] = m_error;
-    return data;
-  }
-
-  void Print() {
-    std::sort(m_times.begin(), m_times.end());
-    std::string line =
-        m_name + ": " + std::to_string(m_times.size()) + " of " + std::to_string(m_asked);
-    line += " answers";
-    if (Answers()) {
       char times[100];
       std::snprintf(times, sizeof times, ", min/median/max %.3f/%.3f/%.3f ms", m_times.front(),
                     Median(), m_times.back());
       line += times;
     }
-    Say(line);
-    if (!m_error.empty()) Tell(m_name + ": " + m_error);
+    Say(m_name + ": " + line);
+    if (!m_error.empty()) {
+      data["error"] = m_error;
+      Tell(m_name + ": " + m_error);
+    }
+    return data;
   }
 
  private:
@@ -88,11 +85,7 @@ class Target {
 };
 
 int Ping(CommandLine& line, const Rounds& rounds) {
-  const NamingConnection connection(line, kCallLimit);
-  if (!connection.IsUp()) {
-    Tell(connection.Error());
-    return kRefused;
-  }
+  const NamingConnection connection(line, kCallLimit, kRefused);
   const std::string kind = GL_ResolveServerID(line.kind);
   Target naming("naming service");
   Target server("server " + line.server + " (" + kind + ")");
@@ -102,27 +95,23 @@ int Ping(CommandLine& line, const Rounds& rounds) {
     if (round > 0 && interrupt.Wait(pause)) break;
     naming.Ask([] { return CORBA::Object::_duplicate(ORBCommon<1>::Get()->GetNamingRoot()); });
     if (line.server.empty()) continue;
-    server.Ask([&] { return ORBCommon<1>::Get()->Bind(line.server, kind, "UsersManager", false); });
+    // Connected before the time is taken.
+    server.Ask([&] { return ORBCommon<1>::Get()->Bind(line.server, kind, "UsersManager", true); });
   }
-  if (Form().json) {
-    nlohmann::json data{{"naming", naming.Describe()}};
-    if (!line.server.empty()) data["server"] = server.Describe();
-    PrintJson(data);
-  } else {
-    naming.Print();
-    if (!line.server.empty()) server.Print();
-  }
+  nlohmann::json data{{"naming", naming.Describe()}};
+  if (!line.server.empty()) data["server"] = server.Describe();
+  if (Form().json) PrintJson(data);
   return naming.Answers() && (line.server.empty() || server.Answers()) ? kSuccess : kRefused;
 }
 
 }  // namespace
 
-void AddPingCommand(CLI::App& program, CommandLine& line, int& exitCode) {
-  CLI::App* const command = program.add_subcommand(
-      "ping",
-      "Ask naming service and server whether they answer, without a login; 1 when one does not");
-  line.AddConnectionOptions(*command);
+void AddPingCommand(CLI::App& program, CommandLine& line) {
   auto rounds = std::make_shared<Rounds>();
+  CLI::App* const command = line.AddCommand(
+      program, "ping",
+      "Ask naming service and server whether they answer, without a login; 1 when one does not",
+      false, [rounds](CommandLine& given) { return Ping(given, *rounds); });
   command->add_option("-c,--count", rounds->count, "How often to ask; 0 for until Ctrl-C")
       ->check(CLI::Range(0, INT_MAX).description(""))
       ->capture_default_str()
@@ -131,10 +120,6 @@ void AddPingCommand(CLI::App& program, CommandLine& line, int& exitCode) {
       ->check(CLI::Range(0.0, 86400.0).description(""))
       ->capture_default_str()
       ->type_name("SECONDS");
-  command->callback([&line, &exitCode, rounds] {
-    line.Apply();
-    exitCode = Ping(line, *rounds);
-  });
 }
 
 }  // namespace vqclient

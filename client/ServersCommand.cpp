@@ -1,7 +1,6 @@
 // vqclient servers: what the naming service knows, and what of it is alive.
 
-#include <iomanip>
-#include <iostream>
+#include <algorithm>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -18,119 +17,99 @@ namespace {
 
 constexpr int kCallLimit = 3000;  // milliseconds
 
-struct Server {
-  std::string name;
-  std::string kind;
-  std::string host;
-  int port = 0;
-  bool tls = false;
-  bool alive = false;
-};
-
 using Bindings = std::vector<CosNaming::Binding>;
 
-// Everything that a context holds.
+// Everything that a context holds. Raises Failure for more than any naming service has.
 Bindings List(CosNaming::NamingContext_ptr context) {
   constexpr CORBA::ULong kAtOnce = 500;
+  constexpr std::size_t kMost = 100'000;
   CosNaming::BindingList_var list;
   CosNaming::BindingIterator_var more;
   context->list(kAtOnce, list.out(), more.out());
   Bindings all;
   for (bool isMore = true; isMore;) {
+    if (all.size() > kMost) throw Failure(kRefused, "The naming service does not end its list.");
     for (CORBA::ULong i = 0; i < list->length(); ++i) all.push_back(list[i]);
-    isMore = !CORBA::is_nil(more.in()) && more->next_n(kAtOnce, list.out());
+    isMore = !CORBA::is_nil(more.in()) && more->next_n(kAtOnce, list.out()) && list->length() > 0;
   }
   if (!CORBA::is_nil(more.in())) more->destroy();
   return all;
 }
 
-// A server is a context with services in it; its first service stands for it.
-std::vector<Server> Examine(const CosNaming::Binding& binding, CosNaming::NamingContext_ptr root) {
-  const CORBA::Object_var object = root->resolve(binding.binding_name);
-  const CosNaming::NamingContext_var context = CosNaming::NamingContext::_narrow(object.in());
-  if (CORBA::is_nil(context.in())) return {};
-  for (const CosNaming::Binding& service : List(context.in())) {
-    if (service.binding_type != CosNaming::nobject) continue;
-    const CORBA::Object_var found = context->resolve(service.binding_name);
-    const auto& name = binding.binding_name[0];
-    Server server;
-    server.name = name.id.in();
-    server.kind = name.kind.in();
-    try {
-      server.alive = !found->_non_existent();
-    } catch (const CORBA::Exception&) {  // It is not.
-    }
-    std::vector<Server> servers;
-    for (const vq::orb::ReferenceEndpoint& endpoint : vq::orb::EndpointsOf(found.in())) {
-      server.host = endpoint.host;
-      server.port = endpoint.port;
-      server.tls = endpoint.tls;
-      servers.push_back(server);
-    }
-    return servers.empty() ? std::vector{server} : servers;
-  }
-  return {};
-}
-
-void Print(const std::vector<Server>& servers) {
-  if (Form().json) {
-    nlohmann::json list = nlohmann::json::array();
-    for (const Server& server : servers) {
-      list.push_back({{"name", server.name},
-                      {"kind", server.kind},
-                      {"host", server.host},
-                      {"port", server.port},
-                      {"tls", server.tls},
-                      {"alive", server.alive}});
-    }
-    PrintJson(list);
+// Adds a row for each address of a server. A server is a context with services in it; its first
+// service stands for it. The root is asked for the service, too: with TLS on, no other object of
+// the naming service may be.
+void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNaming::Name name) {
+  nlohmann::json row{{"name", name[0].id.in()},
+                     {"kind", name[0].kind.in()},
+                     {"host", ""},
+                     {"port", 0},
+                     {"tls", false},
+                     {"alive", false}};
+  const CORBA::Object_var object = root->resolve(name);
+  // Makes no call: the naming service has said what it is.
+  const CosNaming::NamingContext_var context =
+      CosNaming::NamingContext::_unchecked_narrow(object.in());
+  Bindings services;
+  try {
+    if (!CORBA::is_nil(context.in())) services = List(context.in());
+  } catch (const CORBA::SystemException&) {  // a context elsewhere, which does not answer
+    rows.push_back(row);
     return;
   }
-  const auto print = [](const auto&... cells) {
-    std::size_t column = 0;
-    constexpr int kWidths[] = {20, 9, 26, 6, 4, 0};
-    ((std::cout << std::left << std::setw(kWidths[column++]) << cells << ' '), ...);
-    std::cout << '\n';
-  };
-  if (!Form().quiet) print("NAME", "KIND", "HOST", "PORT", "TLS", "ALIVE");
-  for (const Server& server : servers) {
-    print(server.name, server.kind, server.host, server.port, server.tls ? "yes" : "no",
-          server.alive ? "yes" : "no");
+  const auto service =
+      std::find_if(services.begin(), services.end(), [](const CosNaming::Binding& binding) {
+        return binding.binding_type == CosNaming::nobject && binding.binding_name.length() == 1;
+      });
+  if (service == services.end()) return;
+  name.length(2);
+  name[1] = service->binding_name[0];
+  const CORBA::Object_var found = root->resolve(name);
+  try {
+    row["alive"] = !CORBA::is_nil(found.in()) && !found->_non_existent();
+  } catch (const CORBA::Exception&) {  // It is not.
+  }
+  const auto endpoints = vq::orb::EndpointsOf(found.in());
+  if (endpoints.empty()) rows.push_back(row);
+  for (const vq::orb::ReferenceEndpoint& endpoint : endpoints) {
+    row.update({{"host", endpoint.host}, {"port", endpoint.port}, {"tls", endpoint.tls}});
+    rows.push_back(row);
   }
 }
 
 int Show(CommandLine& line) {
-  const NamingConnection connection(line, kCallLimit);
-  if (!connection.IsUp()) {
-    Tell(connection.Error());
-    return kOrbNotUp;
-  }
+  constexpr int kOrbNotUp = ExitCodeOf(vq::LoginResult::kOrbNotUp);
+  const NamingConnection connection(line, kCallLimit, kOrbNotUp);
+  nlohmann::json rows = nlohmann::json::array();
   try {
     CosNaming::NamingContext_ptr root = ORBCommon<1>::Get()->GetNamingRoot();
-    std::vector<Server> servers;
     for (const CosNaming::Binding& binding : List(root)) {
       if (binding.binding_type != CosNaming::ncontext || binding.binding_name.length() != 1)
         continue;
-      for (const Server& server : Examine(binding, root)) servers.push_back(server);
+      try {
+        AddServer(rows, root, binding.binding_name);
+      } catch (const CosNaming::NamingContext::NotFound&) {  // It has gone meanwhile.
+      }
     }
-    Print(servers);
-    return kSuccess;
   } catch (const CORBA::Exception& e) {
-    Tell("The naming service fails: " + FailureOf(e));
-    return kOrbNotUp;
+    throw Failure(kOrbNotUp, "The naming service fails: " + CauseOf(e));
   }
+  if (!Form().json && !Form().quiet) {
+    const nlohmann::json header{{"name", "NAME"}, {"kind", "KIND"}, {"host", "HOST"},
+                                {"port", "PORT"}, {"tls", "TLS"},   {"alive", "ALIVE"}};
+    rows.insert(rows.begin(), header);
+  }
+  PrintRows(rows,
+            {{"name", 21}, {"kind", 10}, {"host", 27}, {"port", 7}, {"tls", 5}, {"alive", 0}});
+  return kSuccess;
 }
 
 }  // namespace
 
-void AddServersCommand(CLI::App& program, CommandLine& line, int& exitCode) {
-  CLI::App* const command = program.add_subcommand(
-      "servers", "List the servers that the naming service knows, and whether each is alive");
-  line.AddConnectionOptions(*command);
-  command->callback([&] {
-    line.Apply();
-    exitCode = Show(line);
-  });
+void AddServersCommand(CLI::App& program, CommandLine& line) {
+  line.AddCommand(program, "servers",
+                  "List the servers that the naming service knows, and whether each is alive",
+                  false, Show);
 }
 
 }  // namespace vqclient

@@ -9,10 +9,10 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "ClientSession.h"
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "Interrupt.h"
+#include "Login.h"
 
 namespace vqclient {
 namespace {
@@ -42,38 +42,30 @@ void Report(const char* event, int result) {
   std::cout.flush();
 }
 
-// One keep-alive. A server that does not answer counts as 0.
-int KeepAlive() {
-  try {
-    return GL_ClientKeepAlive();
-  } catch (BaseLoginEx& e) {
-    Tell(e.handle());
-    return 0;
-  }
-}
-
 // Returns true as long as the session is there.
-bool KeepUp(const CommandLine& line, const Upkeep& upkeep) {
-  const int result = KeepAlive();
-  Report("keep-alive", result);
-  if (result == 1) return true;
+bool KeepUp(vq::Session& session, const Upkeep& upkeep) {
+  const vq::LoginResult result = session.KeepAlive();
+  const bool silent = result == vq::LoginResult::kNoServer;
+  if (silent) Tell(session.Message());
+  Report("keep-alive", silent ? 0 : vq::CodeOf(result));
+  if (result == vq::LoginResult::kSuccess) return true;
   if (!upkeep.again) return false;
-  GL_LogOut(false);  // the references of a server that has gone away would fail again
-  const int again = GL_ReLogin(line.lifetime);
-  Report("login again", again);
-  return IsIn(again);
+  const vq::LoginResult again = session.Renew();
+  if (!vq::IsLoggedIn(again)) Tell(session.Message());
+  Report("login again", vq::CodeOf(again));
+  return vq::IsLoggedIn(again);
 }
 
 int Run(CommandLine& line, const Upkeep& upkeep) {
-  ClientSession session(line);
-  if (!session.FindCredentials()) return kNoCredentials;
+  vq::SessionOptions options = OptionsOf(line, true);
   using Clock = std::chrono::steady_clock;
   const auto end = line.maxTime > 0 ? Clock::now() + std::chrono::seconds(line.maxTime)
                                     : Clock::time_point::max();
   Interrupt interrupt;
-  const int result = session.LoginAndFinish();
-  Report("login", result);
-  if (!IsIn(result)) return ExitCodeOfSession(result);
+  vq::LoginError error;
+  std::optional<vq::Session> session = LogIn(line, std::move(options), error);
+  Report("login", session ? vq::CodeOf(session->Result()) : error.Code());
+  if (!session) return ExitCodeOf(error.Result());
 
   // The time of all is that of the login first; later the session ends in order when it is over.
   line.EndClock();
@@ -86,20 +78,20 @@ int Run(CommandLine& line, const Upkeep& upkeep) {
         Clock::now() >= end) {
       break;
     }
-    alive = KeepUp(line, upkeep);
+    alive = KeepUp(*session, upkeep);
     ++kept;
   }
-  Report("logout", session.Logout());
+  Report("logout", GL_LogOut(false));
   return alive ? kSuccess : kSessionLost;
 }
 
 }  // namespace
 
-void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode) {
-  CLI::App* const command = program.add_subcommand(
-      "session", "Log in, load what the user may do, keep the session alive and log out");
-  line.AddConnectionOptions(*command);
+void AddSessionCommand(CLI::App& program, CommandLine& line) {
   auto upkeep = std::make_shared<Upkeep>();
+  CLI::App* const command = line.AddCommand(
+      program, "session", "Log in, load what the user may do, keep the session alive and log out",
+      true, [upkeep](CommandLine& given) { return Run(given, *upkeep); });
   command
       ->add_option("-i,--interval", upkeep->interval,
                    "Time between keep-alives, until Ctrl-C (at most 86400); 0 logs out at once")
@@ -110,10 +102,6 @@ void AddSessionCommand(CLI::App& program, CommandLine& line, int& exitCode) {
       ->check(CLI::Range(0, INT_MAX).description(""))
       ->type_name("NUMBER");
   command->add_flag("--again", upkeep->again, "Log in again when the session is lost");
-  command->callback([&line, &exitCode, upkeep] {
-    line.ApplyWithServer();
-    exitCode = Run(line, *upkeep);
-  });
 }
 
 }  // namespace vqclient

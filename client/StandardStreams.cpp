@@ -1,6 +1,6 @@
-// A program that is started with standard input, output or error closed must not have an ordinary
-// file in their place: an ORB product opens a pipe as soon as it is loaded, which is before main.
-// The entry below runs before the initialization of every shared library.
+// A program that is started with stdin, stdout or stderr closed must not have another file in their
+// place: an ORB product opens a pipe as soon as it is loaded, which is before main. The entry below
+// runs before the initialization of every shared library.
 
 #include <initializer_list>
 
@@ -10,8 +10,8 @@
 
 namespace {
 
-// No function of the C library but the bare system call: nothing is initialized yet. What stands in
-// fails at once when it is used, as the closed descriptor would have.
+// No function of the C library but the bare system call: nothing is initialized yet. The
+// replacement fails at once when it is used, as the closed descriptor would.
 __attribute__((no_sanitize("address", "thread", "undefined"))) void OpenStandardStreams(int, char**,
                                                                                         char**) {
   constexpr int kWrongWay[] = {O_WRONLY, O_RDONLY, O_RDONLY};

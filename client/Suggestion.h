@@ -1,4 +1,4 @@
-// What a command line that was not understood should perhaps have been.
+// Suggestions for a wrong command line.
 #ifndef VQ_CLIENT_SUGGESTION_H
 #define VQ_CLIENT_SUGGESTION_H
 

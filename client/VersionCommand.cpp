@@ -7,18 +7,22 @@
 
 #include <vq_idl/UsersManagerC.h>
 
-#include "ClientSession.h"
 #include "Commands.h"
+#include "ExitCodes.h"
+#include "Login.h"
+#include "NamingConnection.h"
 
 namespace vqclient {
 namespace {
+
+constexpr int kCallLimit = 10000;  // milliseconds
 
 struct Verdict {
   std::string serverVersion;
   std::string words;
 };
 
-// Asks the server itself: a login that is refused does not tell the version in a form of its own.
+// Asks the server itself: a refused login has the version in its text alone.
 Verdict AskServer(const CommandLine& line, const std::string& clientVersion) {
   QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
   if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, line.kind, true) != 1) {
@@ -36,8 +40,12 @@ Verdict AskServer(const CommandLine& line, const std::string& clientVersion) {
 }
 
 int Show(CommandLine& line) {
-  ClientSession session(line);
-  const int result = session.Login();
+  vq::LoginError error;
+  const std::optional<vq::Session> session = LogIn(line, OptionsOf(line), error);
+  const vq::LoginResult result = session ? session->Result() : error.Result();
+  std::optional<NamingConnection> naming;  // the ORB has ended with a failed login
+  if (!session && result != vq::LoginResult::kOrbNotUp)
+    naming.emplace(line, kCallLimit, ExitCodeOf(result));
   std::string plain;
   std::string withPatches;
   const bool known = LoginHandler::GetGlobal()->GetClientVersion(plain, withPatches) == 1;
@@ -47,26 +55,21 @@ int Show(CommandLine& line) {
     PrintJson({{"client", known ? withPatches : ""},
                {"server", verdict.serverVersion},
                {"verdict", verdict.words},
-               {"result", result}});
+               {"result", vq::CodeOf(result)}});
   } else {
     std::cout << "client:  " << (known ? withPatches : "unknown") << '\n'
               << "server:  " << (verdict.serverVersion.empty() ? "unknown" : verdict.serverVersion)
               << '\n'
               << "verdict: " << verdict.words << '\n';
   }
-  return ExitCodeOfSession(result);
+  return ExitCodeOf(result);
 }
 
 }  // namespace
 
-void AddVersionCommand(CLI::App& program, CommandLine& line, int& exitCode) {
-  CLI::App* const command =
-      program.add_subcommand("version", "Show the versions of client and server and the verdict");
-  line.AddConnectionOptions(*command);
-  command->callback([&] {
-    line.ApplyWithServer();
-    exitCode = Show(line);
-  });
+void AddVersionCommand(CLI::App& program, CommandLine& line) {
+  line.AddCommand(program, "version", "Show the versions of client and server and the verdict",
+                  true, Show);
 }
 
 }  // namespace vqclient

@@ -1,5 +1,5 @@
-// What a program's command line offers, as the manual page and the shell's completion need it: read
-// from the program's own CLI::App, so that neither can tell anything else than the program does.
+// What a program's command line offers, as the manual page and the completions need it: read from
+// the program's own CLI::App, so that they cannot differ from it.
 //
 //   for (const Command& command : CommandsOf(app)) ...   // the program first, then every command
 #ifndef VQ_MANUAL_OPTIONTABLE_H
@@ -12,12 +12,12 @@
 
 namespace vq::manual {
 
-// An option, or with `positional` a plain argument. Thread contract of both: a plain value.
+// An option, or with `positional` a plain argument.
 struct Option {
   std::vector<std::string> names;  // as they are typed: "-s", "--server"; "section"
-  std::string value;               // what its value is, "A|B" for a choice; empty for a flag
+  std::string value;               // the name of its value, "A|B" for a choice; empty for a flag
   std::string description;
-  std::string standard;  // the value without the option; may be empty
+  std::string standard;  // the default; may be empty
   std::string group;     // a heading that several commands share; empty for a command's own
   bool positional = false;
   bool required = false;

@@ -5,11 +5,11 @@
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/Server.h>
 
+#include <sstream>
+
 #include <gmock/gmock.h>
 
 namespace vq::test {
-
-using Words = std::vector<std::string>;
 
 struct Outcome {
   int code = -1;
@@ -21,45 +21,58 @@ class ClientFixture : public ::testing::Test {
   ClientFixture() {
     m_environment.Isolate(m_directory.Path());
     m_environment.Set("VQ_CONFIG_DOMAINS", m_directory / "domains");
+    m_directory.Write("root/installed-products.ini", "[NFT]\nversion = 8.0.05\npatches = P1\n");
   }
 
-  Server& StartServer(const nlohmann::json& site = BaseSite(), const Words& more = {},
+  Server& StartServer(const nlohmann::json& site = BaseSite(),
+                      const std::vector<std::string>& more = {},
                       Server::Place place = Server::kDirect) {
     m_server.reset();
-    m_server = std::make_unique<Server>(m_directory, m_naming.Reference(), site, Words{"GSR"},
-                                        "central", 0, place, more);
+    m_server = std::make_unique<Server>(m_directory, m_naming.Reference(), site,
+                                        std::vector<std::string>{"GSR"}, "central", 0, place, more);
     return *m_server;
   }
-  ChildProcess Start(Words arguments, const std::string& input = "secret\n",
+
+  // Where the naming service is.
+  std::string At() const { return "127.0.0.1:" + std::to_string(m_naming.Port()); }
+
+  // A command line. "@USER" stands for the options of a connection to the server "central" as that
+  // user, "NAMING" for the address of the naming service, and "DIR/" for the test's directory.
+  std::vector<std::string> Words(const std::string& command) const {
+    std::vector<std::string> words;
+    std::istringstream text(command);
+    for (std::string word; text >> word;) {
+      if (word.starts_with('@')) {
+        words.insert(words.end(), {"-s", "central", "-u", word.substr(1), "--naming"});
+        word = "NAMING";
+      }
+      if (word == "NAMING") word = At();
+      if (word.starts_with("DIR/")) word = m_directory / word.substr(4);
+      words.push_back(word);
+    }
+    return words;
+  }
+  ChildProcess Start(const std::string& command, const std::string& input = "secret\n",
                      const std::string& output = "") {
-    arguments.insert(arguments.begin(), VQ_CLIENT);
+    std::vector<std::string> words = Words(command);
+    words.insert(words.begin(), VQ_CLIENT);
     ChildProcess::Options options;
     options.standardInput = m_directory.Write("in", input);
     options.standardOutput = output.empty() ? m_directory.Write("out", "") : output;
     options.standardError = m_directory.Write("err", "");
-    return ChildProcess::Start(arguments, options);
+    return ChildProcess::Start(words, options);
   }
-  Outcome Run(const Words& arguments, const std::string& input = "secret\n",
+  Outcome Run(const std::string& command, const std::string& input = "secret\n",
               const std::string& output = "") {
-    ChildProcess client = Start(arguments, input, output);
+    ChildProcess client = Start(command, input, output);
     const int code = client.Wait(std::chrono::seconds(120)).value_or(-1);
     return {code, m_directory.Read("out"), m_directory.Read("err")};
-  }
-  // The arguments of a command that connects, with the connection's options behind them.
-  Words Connected(Words command, const std::string& user = "alice",
-                  const std::string& server = "central") const {
-    for (const std::string& word :
-         {std::string("-s"), server, std::string("-u"), user, std::string("--naming"), m_address}) {
-      command.push_back(word);
-    }
-    return command;
   }
 
   TemporaryDirectory m_directory;
   Environment m_environment;
   NamingService m_naming{m_directory};
   std::unique_ptr<Server> m_server;
-  std::string m_address = "127.0.0.1:" + std::to_string(m_naming.Port());
 };
 
 }  // namespace vq::test

@@ -5,7 +5,6 @@
 #include <csignal>
 #include <functional>
 
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <support/orb/ORBCommon.h>
@@ -18,83 +17,33 @@ using nlohmann::json;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-// A port that takes connections and never says a word.
-class SilentPort {
- public:
-  SilentPort() {
-    const sockaddr_in address = Loopback(0);
-    bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    listen(m_socket, 10);
-  }
-  ~SilentPort() { close(m_socket); }
-  SilentPort(const SilentPort&) = delete;
-  SilentPort& operator=(const SilentPort&) = delete;
-  int Number() const {
-    sockaddr_in address{};
-    socklen_t size = sizeof address;
-    getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &size);
-    return ntohs(address.sin_port);
-  }
-
- private:
-  int m_socket = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-};
-
-// The text of a reference, one profile an address.
-std::string Reference(const std::vector<std::pair<std::string, int>>& addresses) {
-  const auto number = [](std::string& bytes, std::size_t value) {
-    bytes.resize((bytes.size() + 3) / 4 * 4);
-    for (const int shift : {24, 16, 8, 0}) bytes += static_cast<char>(value >> shift);
-  };
-  const auto text = [&](std::string& bytes, const std::string& value) {
-    number(bytes, value.size());
-    bytes += value;
-  };
-  std::string whole(1, '\0');  // the byte order
-  text(whole, std::string("IDL:QCSCorbaUsersManager:1.0") + '\0');
-  number(whole, addresses.size());
-  for (const auto& [host, port] : addresses) {
-    std::string profile("\0\1\0", 3);
-    text(profile, host + '\0');
-    profile.resize((profile.size() + 1) / 2 * 2);
-    profile += static_cast<char>(port >> 8);
-    profile += static_cast<char>(port);
-    text(profile, "key");
-    number(whole, 0);
-    text(whole, profile);
-  }
-  std::string ior = "IOR:";
-  for (const char byte : whole) {
-    char digits[3];
-    std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned char>(byte));
-    ior += digits;
-  }
-  return ior;
-}
-
 class DoctorTest : public ClientFixture {
  protected:
-  // Puts a reference into the naming service under the server's name.
-  void Register(const std::vector<std::pair<std::string, int>>& addresses) {
-    m_server.reset();
+  // Puts a reference into the naming service under the server's name, and others under names of
+  // their own.
+  void Register(const std::string& addresses, int others = 0) {
     std::string program = "test", option = "-ORBInitRef";
     std::string reference = "NameService=" + m_naming.Reference();
     char* arguments[] = {program.data(), option.data(), reference.data()};
     ASSERT_TRUE(ORBCommon<1>::Get()->InitCorba4Client(3, arguments, "Test"));
-    CosNaming::Name name(1);
+    CosNaming::NamingContext_ptr root = ORBCommon<1>::Get()->GetNamingRoot();
+    int count = 0;
+    CORBA::ORB_var orb = CORBA::ORB_init(count, nullptr);
+    CORBA::Object_var object = orb->string_to_object(("corbaloc:" + addresses + "/key").c_str());
+    CosNaming::Name name(2);
     name.length(1);
+    for (int i = 0; i < others; ++i) {
+      name[0].id = std::to_string(i).c_str();
+      root->rebind(name, object.in());
+    }
     name[0].id = "central";
     name[0].kind = "GSR";
-    CosNaming::NamingContext_ptr root = ORBCommon<1>::Get()->GetNamingRoot();
     try {
       CosNaming::NamingContext_var made = root->bind_new_context(name);
     } catch (const CosNaming::NamingContext::AlreadyBound&) {
     }
     name.length(2);
     name[1].id = "UsersManager";
-    int count = 0;
-    CORBA::ORB_var orb = CORBA::ORB_init(count, nullptr);
-    CORBA::Object_var object = orb->string_to_object(Reference(addresses).c_str());
     root->rebind(name, object.in());
     ORBCommon<1>::Get()->DestroyOrb(true);
   }
@@ -113,111 +62,106 @@ class DoctorTest : public ClientFixture {
 
 TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
   const Authority other(m_directory, "other");
-  const SilentPort silent;
-  const std::string silentPort = std::to_string(silent.Number());
+  NamingService silent(m_directory);  // takes connections, and never says a word
+  silent.Stop();
+  const std::string place = "127.0.0.1:" + std::to_string(silent.Port());
+  const std::string toSilent = "doctor -s central -u alice --call-timeout 1000 -n " + place;
+  const std::string silentText = "127.0.0.1 port " + std::to_string(silent.Port());
+  const std::string tls = "doctor @alice --call-timeout 3000 --ca " + m_authority.File();
   const auto start = [this] { StartServer(); };
-  const Words central{"-s", "central", "-u", "alice"};
-  const auto naming = [](const std::string& address) {
-    return Words{"-s", "central", "-u", "alice", "-n", address, "--call-timeout", "1000"};
+  const auto at = [this](const std::string& addresses) {
+    return [this, addresses] { Register(addresses); };
   };
-  const auto usual = [this](Words more = {}, const std::string& user = "alice") {
-    return Connected(std::move(more), user);
-  };
-  const auto tls = [&] { return usual({"--ca", m_authority.File(), "--call-timeout", "3000"}); };
   const struct {
     const char* name;
     std::function<void()> prepare;
-    Words arguments;
+    std::string command;
     int code;
     std::string finding, advice;
     std::string input = "secret\n";
   } rows[] = {
-      {"no naming service is configured", start, central, 55, "naming service: No naming service",
-       "vqclient config set naming HOST:PORT"},
-      {"its host is unknown", start, naming("no.such.host.invalid:2809"), 55,
-       "naming service: no.such.host.invalid port 2809 cannot be reached",
+      {"no naming service is configured", start, "doctor -s central -u alice", 55,
+       "naming service: no naming service", "vqclient config set naming HOST:PORT"},
+      {"its host is unknown", start, "doctor -s central -n no.such.host.invalid:2809", 55,
+       "naming service: the host no.such.host.invalid cannot be resolved",
        "This host does not know the name 'no.such.host.invalid'"},
-      {"it is down", start, naming("127.0.0.1:1"), 55, "naming service: 127.0.0.1 port 1",
+      {"it is down", start, "doctor -s central -n 127.0.0.1:1", 55,
+       "naming service: connection refused at 127.0.0.1:1",
        "Nobody listens there: start the naming service"},
-      {"it is down, on IPv6", start, naming("[::1]:1"), 55, "naming service: ::1 port 1",
+      {"it is down, on IPv6", start, "doctor -s central -n [::1]:1", 55,
+       "naming service: connection refused at [::1]:1",
        "Nobody listens there: start the naming service"},
-      {"it is silent", start, naming("127.0.0.1:" + silentPort), 55,
-       "port " + silentPort + " does not answer", "takes connections, but gives no answer"},
-      {"a setting is malformed", start, usual({"-ORBCallTimeout", "soon"}), 55,
-       "settings: the value", "Correct it where it is set"},
-      {"there is no such CA file", start, usual({"--ca", "/no/such.pem"}), 55,
+      {"it is silent", start, toSilent, 55, "naming service: " + silentText + " does not answer",
+       "takes connections, but gives no answer"},
+      {"it is something else", start,
+       "doctor @ -ORBInitRef NameService=corbaloc::" + At() + "/Other", 55,
+       "is of no object that exists", "Correct --naming"},
+      {"a setting is malformed", start, "doctor @ -ORBCallTimeout soon", 55, "settings: the value",
+       "Correct it where it is set"},
+      {"there is no such CA file", start, "doctor @ --ca /no/such.pem", 55,
        "settings: ", "Correct that setting"},
-      {"the server is unknown", start, Connected({}, "alice", "nowhere"), 54,
+      {"the listen port is taken", start, "doctor @ --listen iiop://" + place, 55,
+       "naming service: the ORB does not start", "and --listen; vqclient config set listen"},
+      {"the server is unknown", start, "doctor -s nowhere -n " + At(), 54,
        "knows no server 'nowhere' of kind GSR", "vqclient servers"},
-      {"the server is dead", [&] { StartServer().Kill(); }, usual(), 54,
-       "cannot be reached: Connection refused", "Nobody listens there: start the server"},
-      {"the server is silent",
-       [&] {
-         Register({{"127.0.0.1", silent.Number()}});
-       },
-       usual({"--call-timeout", "1000"}), 54, "server: it does not answer",
+      {"the server is dead", [&] { StartServer().Kill(); }, "doctor @", 54,
+       "address: connection refused at 127.0.0.1", "Nobody listens there: start the server"},
+      {"the server is silent", at("iiop:127.0.0.1:1,iiop:" + place), "doctor @ --call-timeout 1000",
+       54, "server: it does not answer: no answer from",
        "takes connections, but gives no answer: the server hangs"},
-      {"the server's host is unknown",
-       [&] {
-         Register({{"no.such.host.invalid", 1}});
-       },
-       usual(), 54, "no.such.host.invalid port 1 cannot be reached", "does not know the name"},
-      {"the server is down, on IPv6",
-       [&] {
-         Register({{"::1", 1}});
-       },
-       usual(), 54, "::1 port 1 cannot be reached", "start the server"},
-      {"a link-local address",
-       [&] {
-         Register({{"fe80::1", 1}});
-       },
-       usual(), 54, "fe80::1 port 1 is a link-local address", "publish another address"},
-      {"only a later profile is reached",
-       [&] {
-         Register({{"127.0.0.1", 1}, {"127.0.0.1", silent.Number()}});
-       },
-       usual(), 54, "stands in a later profile", "the first profile of a reference alone"},
-      {"the server offers no TLS", start, tls(), 54, "TLS is on here, and the server offers none",
+      {"the server's host is unknown", at(":no.such.host.invalid:1"), "doctor @", 54,
+       "the host no.such.host.invalid cannot be resolved", "does not know the name"},
+      {"the server is down, on IPv6", at(":[::1]:1"), "doctor @", 54,
+       "connection refused at [::1]:1", "start the server"},
+      {"a link-local address", at(":[fe80::1]:1"), "doctor @", 54,
+       "fe80::1 port 1 is a link-local address", "publish another address"},
+      {"the server offers no TLS", start, tls, 54, "TLS is on here, and the server offers none",
        "Give the server a TLS endpoint"},
       {"the server hangs in TLS",
        [&] {
          StartTls(m_authority.Issue());
          m_server->Stop();
        },
-       tls(), 54, "server: it does not answer", "The TLS handshake does not come to an end"},
-      {"the CA is another one", [&] { StartTls(other.Issue()); }, tls(), 54,
-       "server: it does not answer", "Give the file with the CA"},
+       tls, 54, "server: it does not answer", "The TLS handshake does not come to an end"},
+      {"the CA is another one", [&] { StartTls(other.Issue()); }, tls, 54,
+       "server: it does not answer", "file of --ca"},
       {"the certificate has expired",
-       [&] { StartTls(m_authority.Issue({.fromDays = -20, .toDays = -10})); }, tls(), 54,
-       "server: it does not answer", "Have the server's certificate renewed."},
+       [&] { StartTls(m_authority.Issue({.fromDays = -20, .toDays = -10})); }, tls, 54,
+       "server: it does not answer", "Have it renewed."},
       {"the certificate is for another host",
-       [&] { StartTls(m_authority.Issue({.names = "DNS:other.site"})); }, tls(), 54,
-       "server: it does not answer", "names the server's host"},
-      {"wrong password", start, usual(), 1, "login: code 0", "Check user and password", "wrong\n"},
-      {"no password", start, usual(), 4, "login: no user name or password", "--password-file FILE",
-       ""},
-      {"expired", start, usual({}, "expired"), 48, "login: code 48", "vqclient passwd"},
-      {"locked", start, usual({}, "locked"), 49, "login: code 49", "administrator"},
+       [&] { StartTls(m_authority.Issue({.names = "DNS:other.site"})); }, tls, 54,
+       "server: it does not answer", "names this host"},
+      {"wrong password", start, "doctor @alice", 1, "login: code 0", "Check user and password",
+       "wrong\n"},
+      {"no password", start, "doctor @alice", 4, "login: no user name or password",
+       "--password-file FILE", ""},
+      {"expired", start, "doctor @expired", 48, "login: code 48", "vqclient passwd"},
+      {"locked", start, "doctor @locked", 49, "login: code 49", "administrator"},
+      {"the versions differ",
+       [&] {
+         json site = BaseSite();
+         site["server"]["version"] = "7.0.00";
+         StartServer(site);
+       },
+       "doctor @alice", 1, "version gate: code 0", "min-accepted-servers.txt"},
       {"no callback works",
        [&] {
          json site = BaseSite();
          site["callback"] = {{"refuse", true}, {"message", "Not today."}};
          StartServer(site);
        },
-       usual(), 8, "callbacks: the server reaches this client in no way", "bidirectional"},
+       "doctor @alice", 8, "callbacks: the server reaches this client in no way", "bidirectional"},
       {"the domain cannot be written",
        [&] {
          StartServer();
          m_environment.Set("VQ_CONFIG_DOMAINS", "/proc/no-such-directory");
        },
-       usual(), 8, "callbacks: not tried, for the settings cannot be stored: /proc",
+       "doctor @alice", 8, "callbacks: not tried, for the settings cannot be stored: /proc",
        "or set VQ_CONFIG_DOMAINS"}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     row.prepare();
-    Words arguments = row.arguments;
-    arguments.insert(arguments.begin(), "doctor");
-    const Outcome outcome = Run(arguments, row.input);
+    const Outcome outcome = Run(row.command, row.input);
     EXPECT_EQ(outcome.code, row.code) << outcome.words;
     const std::size_t bad = outcome.output.find("[BAD]  ");
     ASSERT_NE(bad, std::string::npos) << outcome.output << outcome.words;
@@ -230,10 +174,8 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
 
 TEST_F(DoctorTest, FindsNothingBadOnAHealthyHostAndNoConnectionThatIsNotThere) {
   StartTls(m_authority.Issue());
-  for (const Words& more : {Words{}, Words{"--ca", m_authority.File(), "--bidir", "1"}}) {
-    Words arguments = Connected({"doctor"});
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    const Outcome outcome = Run(arguments);
+  for (const std::string& more : {std::string(), " --bidir 1 --ca " + m_authority.File()}) {
+    const Outcome outcome = Run("doctor @alice" + more);
     EXPECT_EQ(outcome.code, 0) << outcome.words;
     EXPECT_THAT(outcome.output, Not(HasSubstr("[BAD]")));
     if (more.empty()) {
@@ -242,18 +184,35 @@ TEST_F(DoctorTest, FindsNothingBadOnAHealthyHostAndNoConnectionThatIsNotThere) {
     EXPECT_THAT(outcome.output, Not(HasSubstr("\033["))) << "colours are for terminals";
   }
   StartServer(BaseSite(), {"--no-bidir"});
-  const Outcome outcome = Run(Connected({"doctor"}));
+  const Outcome outcome = Run("doctor @alice");
   EXPECT_EQ(outcome.code, 0);
-  EXPECT_THAT(outcome.output, HasSubstr("[note] callback over the client's own connection"));
+  EXPECT_THAT(outcome.output,
+              HasSubstr("[note] callback over the client's own connection: the server opened"));
   EXPECT_THAT(outcome.output, Not(HasSubstr("[BAD]")));
+}
+
+// While TLS is on: a list, and one so long that an iterator has the rest.
+TEST_F(DoctorTest, ServersAreListedByAnUnencryptedNamingService) {
+  StartTls(m_authority.Issue());
+  const std::string command = "servers -n " + At() + " --ca " + m_authority.File();
+  for (const int others : {0, 600}) {
+    if (others > 0) Register("iiop:127.0.0.1:1", others);
+    const Outcome outcome = Run("--json " + command);
+    EXPECT_EQ(outcome.code, 0) << outcome.words;
+    const json servers = json::parse(outcome.output);
+    ASSERT_FALSE(servers.empty());
+    EXPECT_EQ(servers.back()["tls"], others == 0);
+    EXPECT_EQ(servers.back()["alive"], others == 0) << "another one is not called unencrypted";
+  }
+  EXPECT_EQ(Run(command + " --encrypt-lookups 1").code, 55);
 }
 
 TEST_F(DoctorTest, WritesWhatTheNextLoginNeedsOnlyAfterAYesAndOnlyWhereItCan) {
   StartServer();
-  const Words login{"login", "-s", "central", "-u", "alice"};
-  EXPECT_EQ(Run(Connected({"doctor", "--fix"}), "secret\nn\n").code, 0);
+  const std::string login = "login -s central -u alice";
+  EXPECT_EQ(Run("doctor @alice --fix", "secret\nn\n").code, 0);
   EXPECT_EQ(Run(login).code, 55);
-  const Outcome written = Run(Connected({"doctor", "--fix"}), "secret\ny\n");
+  const Outcome written = Run("doctor @alice --fix", "secret\ny\n");
   EXPECT_EQ(written.code, 0) << written.words;
   EXPECT_THAT(written.output, HasSubstr("Written;"));
   EXPECT_EQ(Run(login).code, 0);
@@ -263,7 +222,7 @@ TEST_F(DoctorTest, WritesWhatTheNextLoginNeedsOnlyAfterAYesAndOnlyWhereItCan) {
     m_directory.Write(".config/vq/vq.xml",
                       "<domain><scope name=\"default\"><var name=\"-ORBListenEndpoints\">iiop://"
                       "</var></scope></domain>");
-    const Outcome hidden = Run(Connected({"doctor", "--fix"}), "secret\ny\n");
+    const Outcome hidden = Run("doctor @alice --fix", "secret\ny\n");
     EXPECT_EQ(hidden.code, 1) << hidden.output;
     EXPECT_THAT(hidden.words, HasSubstr("-ORBListenEndpoints is still 'iiop://'"));
     EXPECT_THAT(hidden.output, Not(HasSubstr("Written;")));

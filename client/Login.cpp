@@ -1,0 +1,49 @@
+#include "Login.h"
+
+#include <utility>
+
+#include "ExitCodes.h"
+
+namespace vqclient {
+
+vq::SessionOptions OptionsOf(const CommandLine& line, bool postLogin) {
+  vq::SessionOptions options{.server = line.server,
+                             .kind = line.kind,
+                             .user = line.user,
+                             .timeOut = std::chrono::seconds(line.lifetime),
+                             .orbArguments = line.orb,
+                             .postLogin = postLogin};
+  const bool hasFile = !line.passwordFile.empty();
+  if (hasFile && !line.user.empty()) {
+    throw Failure(kNoCredentials, "Conflict, Have a Username and password file");
+  }
+  const auto find = hasFile ? vq::ReadPasswordFile(line.passwordFile) : vq::AskForPassword();
+  const std::string failure = find(options.user, options.password);
+  if (!failure.empty()) throw Failure(kNoCredentials, failure);
+  return options;
+}
+
+std::optional<vq::Session> LogIn(CommandLine& line, vq::SessionOptions options,
+                                 vq::LoginError& error) {
+  line.StartClock();
+  std::optional<vq::Session> session = vq::Session::Open(std::move(options), error);
+  if (!session) {
+    Tell(error);
+  } else if (!Form().quiet && !session->Message().empty()) {
+    Tell(session->Message());
+  }
+  return session;
+}
+
+vq::Session LogIn(CommandLine& line, vq::SessionOptions options) {
+  vq::LoginError error;
+  std::optional<vq::Session> session = LogIn(line, std::move(options), error);
+  if (!session) throw Failure(ExitCodeOf(error.Result()), "");
+  return *std::move(session);
+}
+
+void Tell(const vq::LoginError& error) {
+  Tell(error.what() + (error.Cause().empty() ? "" : "\nCause: " + error.Cause()));
+}
+
+}  // namespace vqclient
