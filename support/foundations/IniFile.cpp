@@ -15,7 +15,6 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Locations.h>
-#include <support/foundations/Platform.h>
 #include <support/os_toolkit/os_tokenizer.h>
 
 namespace vq {
@@ -36,8 +35,8 @@ struct Lines {
   int firstTooLong = 0;
 };
 
-// Hands the parser one whole line. Its own reader cuts a long line in two and takes the first half
-// for the value, so a line that does not fit is handed over as an empty one.
+// Passes the parser one complete line. Its own reader splits a long line and uses the first half as
+// the value, so a line that does not fit is passed as an empty one.
 char* NextLine(char* buffer, int size, void* context) {
   auto& lines = *static_cast<Lines*>(context);
   std::string line;
@@ -165,8 +164,7 @@ int GetProductVersion(const std::string& product, std::string& version,
 bool GetProfileIntFromCurrentUserOrLocalMachine(const std::string& location,
                                                 const std::string& section, const std::string& key,
                                                 int& value, bool userFirst) {
-  std::array directories{vq::GetUserSettingsDirectory(),
-                         vq::Platform::Current().MachineSettingsDirectory()};
+  std::array directories{vq::GetUserSettingsDirectory(), vq::HostSettingsDirectory()};
   if (!userFirst) std::swap(directories[0], directories[1]);
   const std::string inside = location.empty() ? "" : location + "/";
   for (const std::string& directory : directories) {

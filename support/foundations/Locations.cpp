@@ -1,10 +1,9 @@
 #include <support/foundations/Locations.h>
 
-#include <support/foundations/Environment.h>
-#include <support/foundations/Platform.h>
-
 #include <sys/auxv.h>
 #include <unistd.h>
+
+#include <support/foundations/Environment.h>
 
 namespace {
 
@@ -13,12 +12,12 @@ std::string AsDirectory(std::string path) {
   return path;
 }
 
-// A directory of the user as desktops on this system agree on them: `variable` when it holds an
-// absolute path (a relative one is void), otherwise `inHome` under the home directory.
+// A directory of the user by the XDG rules: `variable` when it is an absolute path (a relative one
+// is invalid), otherwise `inHome` under the home directory.
 std::string UserDirectory(const char* variable, const char* inHome) {
   std::string base = vq::GetEnvOr(variable, "");
   if (!base.starts_with('/')) {
-    base = AsDirectory(vq::GetEnvOr("HOME", vq::Platform::Current().AccountHome())) + inHome;
+    base = AsDirectory(vq::GetEnvOr("HOME", vq::AccountHome())) + inHome;
   }
   return AsDirectory(base) + "vq/";
 }
@@ -48,9 +47,14 @@ std::string GetConfigDomainName() {
 
 namespace vq {
 
+std::string& HostSettingsDirectory() {
+  static auto* const directory = new std::string("/etc/vq/");  // never destroyed
+  return *directory;
+}
+
 std::string GetUserSettingsDirectory() {
   // Intentional: a set-user-ID program takes no settings from its caller, and none from the home of
-  // the user that it runs as either: whoever has those rights has the host's settings, too.
+  // the user that it runs as either: a user with those rights can change the host's settings.
   if (::getauxval(AT_SECURE) != 0) return {};
   return UserDirectory("XDG_CONFIG_HOME", ".config");
 }
@@ -60,8 +64,7 @@ std::vector<std::string> GetConfigDomainsDirs() {
     return {AsDirectory(only)};
   }
   const std::string home = GetEnvOr("VQ_HOME", "");
-  const std::string host =
-      home.empty() ? Platform::Current().MachineSettingsDirectory() : AsDirectory(home) + "config/";
+  const std::string host = home.empty() ? HostSettingsDirectory() : AsDirectory(home) + "config/";
   const std::string user = GetUserSettingsDirectory();
   return user.empty() ? std::vector{host} : std::vector{user, host};
 }

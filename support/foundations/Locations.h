@@ -1,14 +1,15 @@
 // Where the library finds its files.
 //
-// The *root* holds what an installation brings and a client only reads: product versions, accepted
-// servers, locales, help. The *data* location holds what a client keeps: its properties, archives.
-// A *configuration domain* is a named set of settings of the ORB. It lies in two layers: the
-// host's, and over it the user's.
+// The *root* has the installed files that a client only reads: product versions, accepted servers,
+// locales, help. The *data* location has the files that a client writes: its properties, archives.
+// A *configuration domain* is a named set of settings of the ORB. It has two layers: the host's,
+// and over it the user's.
 //
 //   path = GetVQDataLocation() + "CommonClientConf.xml";   // the location ends in "/"
 //
-// The environment is read at every call, an empty variable counts as unset. Nothing here looks
-// whether a directory exists or makes one. Safe on any thread while none changes the environment.
+// The environment is read at every call; an empty variable counts as unset. Nothing here checks
+// whether a directory exists, or creates one. Thread safety: no thread may change the environment
+// at the same time.
 #ifndef VQ_SUPPORT_FOUNDATIONS_LOCATIONS_H
 #define VQ_SUPPORT_FOUNDATIONS_LOCATIONS_H
 
@@ -31,6 +32,10 @@ std::string GetConfigDomainName();
 
 namespace vq {
 
+// The directory of the settings that apply to the whole host, with a closing "/": "/etc/vq/". A
+// test may replace it while no other thread reads it.
+std::string& HostSettingsDirectory();
+
 // The directory "vq" in the user's settings directory ($XDG_CONFIG_HOME, or ".config" in the home).
 // Ends in "/". Empty in a set-user-ID program.
 std::string GetUserSettingsDirectory();
@@ -38,8 +43,7 @@ std::string GetUserSettingsDirectory();
 // The directories of the configuration domains, the strongest layer first: the user's
 // (GetUserSettingsDirectory), which a set-user-ID program does not have, and the host's:
 // "/etc/vq/", or $VQ_HOME + "/config/" where that is set. $VQ_CONFIG_DOMAINS replaces both by one.
-// Each ends in
-// "/".
+// Each ends in "/".
 std::vector<std::string> GetConfigDomainsDirs();
 
 }  // namespace vq

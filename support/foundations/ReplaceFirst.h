@@ -1,7 +1,7 @@
 // Fills a message template, one mark at a time.
 //
-// Message templates are never format strings: a text that is filled in may itself hold a mark, and
-// the next call then finds that one. Several messages depend on exactly this.
+// Message templates are never format strings. Intentional: a string that is filled in may itself
+// contain a mark, and the next call then replaces that one. Several messages depend on it.
 //
 //   std::string text = "Version %s of %s";
 //   vq::ReplaceFirst(text, "%s", "6.4");    // "Version 6.4 of %s"
@@ -14,9 +14,9 @@
 
 namespace vq {
 
-// Replaces the first occurrence of `pattern` in `text`, searched from its start, and tells whether
-// there was one. Without one, and for an empty pattern, `text` stays as it is. `pattern` and `by`
-// must not be views into `text`.
+// Replaces the first occurrence of `pattern` in `text`, searched from its start, and returns
+// whether there was one. Without one, and for an empty pattern, `text` is unchanged. `pattern` and
+// `by` must not be views into `text`.
 inline bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view by) {
   if (pattern.empty()) return false;
   const std::size_t at = text.find(pattern);

@@ -5,9 +5,9 @@
 #include <unistd.h>
 
 #include <support/foundations/Digest.h>
+#include <support/foundations/Environment.h>
 #include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
-#include <support/foundations/Platform.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>
@@ -89,13 +89,10 @@ TEST(ProductVersion, FindsTheProduct) {
 }
 
 TEST(ProfileSettings, FlagDecides) {
-  const struct Machine : vq::Platform {
-    std::string MachineSettingsDirectory() const override { return directory.Path(); }
-    TemporaryDirectory directory;
-  } machine;
+  const TemporaryDirectory host;
+  const std::string former = std::exchange(vq::HostSettingsDirectory(), host.Path());
   const TemporaryDirectory user;
   const Variable config("XDG_CONFIG_HOME", user.Path());
-  const vq::PlatformReplacement replaced(machine);
   const auto get = [](bool userFirst, const std::string& location = "") {
     int value = 77;
     const bool found =
@@ -104,7 +101,7 @@ TEST(ProfileSettings, FlagDecides) {
     return found ? value : -77;
   };
   EXPECT_EQ(get(true), -77);
-  machine.directory.Write("profile.ini", "[S]\nK=5\n");
+  host.Write("profile.ini", "[S]\nK=5\n");
   const auto ofUser = [&](const std::string& value) {
     user.Write("vq/profile.ini", "[S]\nK=" + value);
     return std::to_string(get(true));
@@ -115,6 +112,7 @@ TEST(ProfileSettings, FlagDecides) {
   EXPECT_EQ(get(true, "Other"), -77);
   user.Write("vq/Other/profile.ini", "[S]\nK=0\n");
   EXPECT_EQ(get(false, "Other"), 0);
+  vq::HostSettingsDirectory() = former;
 }
 
 TEST(Digest, KnownAnswers) {
@@ -134,7 +132,7 @@ TEST(ReplaceFirst, FindsMarkThatWasFilledIn) {
   EXPECT_EQ(text, "Version a b of %s");
 }
 
-TEST(Platform, AnswersUnlessReplaced) {
+TEST(Environment, AnswersFromTheSystem) {
   std::string name;
   EXPECT_TRUE(vq::HostName(name) && !name.empty());
   if (const passwd* account = ::getpwuid(::geteuid())) {
@@ -142,14 +140,6 @@ TEST(Platform, AnswersUnlessReplaced) {
     EXPECT_TRUE(vq::AccountName(name, size + 1) && name == account->pw_name);
     EXPECT_FALSE(vq::AccountName(name, size) || !name.empty());
   }
-  const struct Refusing : vq::Platform {
-    bool HostName(std::string&) const override { return false; }
-  } machine;
-  {
-    const vq::PlatformReplacement replaced(machine);
-    EXPECT_FALSE(vq::HostName(name));
-  }
-  EXPECT_TRUE(vq::HostName(name));
 }
 
 }  // namespace

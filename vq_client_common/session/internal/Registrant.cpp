@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include <support/foundations/Platform.h>
+#include <support/foundations/Environment.h>
 #include <support/orb/FailureCause.h>
 #include <support/security/ChallengeResponse.h>
 

@@ -1,7 +1,6 @@
-#include <support/foundations/Platform.h>
+#include <support/foundations/Environment.h>
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <mutex>
 #include <optional>
@@ -14,8 +13,6 @@
 namespace vq {
 
 namespace {
-
-std::atomic<const Platform*> current{nullptr};
 
 // Calls `use` with the account of the process's effective user; false when there is none.
 template <class Use>
@@ -35,7 +32,7 @@ bool WithAccount(Use use) {
 
 }  // namespace
 
-bool Platform::HostName(std::string& name) const {
+bool HostName(std::string& name) {
   std::array<char, 256> buffer{};  // One byte more than offered, so that a closing zero is sure.
   name.clear();
   if (::gethostname(buffer.data(), buffer.size() - 1) == -1) return false;
@@ -43,9 +40,9 @@ bool Platform::HostName(std::string& name) const {
   return true;
 }
 
-bool Platform::AccountName(std::string& name, std::size_t size) const {
-  // The account data base is a file or a server, and an account keeps its name: it is asked once
-  // for each effective user that the process has in turn. Never destroyed.
+bool AccountName(std::string& name, std::size_t size) {
+  // The account database is a file or a server, and an account keeps its name: it is read once for
+  // each effective user that the process has in turn. Never destroyed.
   static std::mutex mutex;
   static auto* const known = new std::optional<std::pair<uid_t, std::string>>;
   name.clear();
@@ -61,27 +58,10 @@ bool Platform::AccountName(std::string& name, std::size_t size) const {
   return true;
 }
 
-std::string Platform::AccountHome() const {
+std::string AccountHome() {
   std::string home;
   WithAccount([&](const passwd& account) { home = account.pw_dir; });
   return home;
-}
-
-std::string Platform::MachineSettingsDirectory() const {
-  return "/etc/vq/";
-}
-
-const Platform& Platform::Current() {
-  static const Platform machine;
-  const Platform* replaced = current.load();
-  return replaced != nullptr ? *replaced : machine;
-}
-
-PlatformReplacement::PlatformReplacement(const Platform& platform)
-    : m_former(current.exchange(&platform)) {}
-
-PlatformReplacement::~PlatformReplacement() {
-  current = m_former;
 }
 
 }  // namespace vq
