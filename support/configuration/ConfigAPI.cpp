@@ -31,7 +31,7 @@ std::string PathOf(const std::string& directory, const std::string& name) {
 }
 
 // The scopes of a file over those of a weaker layer. A value in "default" hides those of the weaker
-// layer in every scope, because the layer counts before the scope.
+// layer in every scope, because layers take precedence over scopes.
 ConfigScopes Over(const ConfigScopes& own, ConfigScopes weaker) {
   const auto common = own.find(kDefaultScope);
   for (auto& [scope, variables] : weaker) {

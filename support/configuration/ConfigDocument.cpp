@@ -13,7 +13,7 @@ namespace {
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 
-// Keeps the first complaint of a parse.
+// Keeps the first error of a parse.
 class FirstError : public xercesc::HandlerBase {
  public:
   void error(const xercesc::SAXParseException& found) override { Keep(found); }
@@ -51,8 +51,8 @@ bool IsElement(const DOMNode* node, const char16_t* tag) {
          xercesc::XMLString::equals(node->getNodeName(), tag);
 }
 
-// True when elements stand in one another more than `limit` deep. The XML library walks down by
-// recursion when it collects text and when it writes, so a document must not be any deeper.
+// True when elements are nested more than `limit` deep. The XML library recurses when it collects
+// text and when it writes, so a document must not be any deeper.
 bool IsDeeperThan(int limit, const DOMNode* root) {
   int depth = 0;
   for (const DOMNode* node = root; node != nullptr && depth <= limit;) {
@@ -106,7 +106,7 @@ bool IsBlank(const DOMNode* node) {
              std::u16string_view::npos;
 }
 
-// Appends an element on a line of its own, in a parent that stands `depth` levels deep.
+// Appends an element on a line of its own, in a parent at this depth.
 DOMElement* Append(DOMElement* parent, std::size_t depth, const char16_t* tag,
                    const std::u16string& name) {
   xercesc::DOMDocument* document = parent->getOwnerDocument();
@@ -121,7 +121,7 @@ DOMElement* Append(DOMElement* parent, std::size_t depth, const char16_t* tag,
   return element;
 }
 
-// Removes every element of this tag and name, with the line that it stood on.
+// Removes every element of this tag and name, with its line.
 void RemoveAll(DOMElement* parent, const char16_t* tag, const std::u16string& name) {
   while (DOMElement* element = Find(parent->getFirstChild(), tag, name)) {
     if (IsBlank(element->getPreviousSibling())) {
@@ -203,7 +203,7 @@ std::optional<std::string> ConfigDocument::Text() const {
   serializer->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMXMLDeclaration, false);
   serializer->setNewLine(u"\n");
   std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-  // One by one, because line ends between comments and the root are no part of the document.
+  // One by one, because line ends between comments and the root are not part of the document.
   for (DOMNode* node = m_document->getFirstChild(); node != nullptr;
        node = node->getNextSibling()) {
     const auto output = Released(Implementation()->createLSOutput());

@@ -2,8 +2,8 @@
 //
 // What counts: <scope name="..."> elements directly in the root <domain>, and <var name="...">
 // elements directly in them, whose text is the value. Everything else - comments, other elements
-// and attributes, a scope or variable without a name - means nothing and is kept where it stands.
-// Of two with the same name the first counts.
+// and attributes, a scope or variable without a name - is ignored and kept in its place. Of two
+// with the same name the first counts.
 //
 //   vq::ConfigDocument document;
 //   if (document.Parse(text, error)) {
@@ -29,7 +29,6 @@ XERCES_CPP_NAMESPACE_END
 
 namespace vq {
 
-// Thread contract: one thread an object.
 class ConfigDocument {
  public:
   ConfigDocument();  // an empty domain
@@ -37,17 +36,17 @@ class ConfigDocument {
   ConfigDocument(const ConfigDocument&) = delete;
   ConfigDocument& operator=(const ConfigDocument&) = delete;
 
-  // Replaces the document by the one in `text`. Returns false, says why in `error` and leaves the
-  // document as it is when the text is not well-formed, has a document type declaration, nests
+  // Replaces the document by the one in `text`. Returns false, with the reason in `error` and the
+  // document unchanged, when the text is not well-formed, has a document type declaration, nests
   // elements more than 100 deep, or its root is no <domain>. Nothing outside `text` is ever read.
   bool Parse(std::string_view text, std::string& error);
 
   ConfigScopes Scopes() const;
 
-  // Makes the change. The texts must be such as XmlFromUtf8 takes.
+  // Applies the change. XmlFromUtf8 must accept its strings.
   void Apply(const ConfigChange& change);
 
-  // The document as UTF-8, closed by a line end; nothing when it can't be written.
+  // The document as UTF-8 with a closing line end; nothing when it can't be written.
   std::optional<std::string> Text() const;
 
  private:

@@ -30,7 +30,7 @@ bool WriteAll(int file, std::string_view text) {
 }
 
 // Writes the new content under its temporary name, with the permissions of `former` if there is
-// such a file, and brings it to the disk.
+// such a file, and flushes it to the disk.
 bool WriteDurably(const std::string& path, std::string_view text, const struct stat* former) {
   ::unlink(path.c_str());  // What a writer left that was killed; O_EXCL follows no link.
   Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
@@ -90,8 +90,8 @@ bool ReplaceFile(const std::string& path, std::string_view text, std::string& er
     ::unlink(temporary.c_str());
     return false;
   }
-  // The rename itself reaches the disk with its directory. A file system that can't do this on
-  // demand does it in its own time; the file is whole in either case.
+  // The rename reaches the disk with its directory. A file system that can't flush that on demand
+  // does it later; the file is complete in either case.
   const std::string inDirectory = path.substr(0, path.rfind('/') + 1) + ".";
   const Descriptor directory(::open(inDirectory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (directory.IsOpen()) ::fsync(directory.Get());

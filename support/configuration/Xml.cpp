@@ -19,7 +19,7 @@ std::mutex& Mutex() {
   return mutex;
 }
 
-bool EveryCharacterMayStand(std::u16string_view text) {
+bool IsAllowedInXml(std::u16string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (xercesc::XMLChar1_0::isXMLChar(text[i])) continue;
     if (i + 1 == text.size() || !xercesc::XMLChar1_0::isXMLChar(text[i], text[i + 1])) return false;
@@ -53,7 +53,7 @@ void SafeXmlParser::doctypeDecl(const xercesc::DTDElementDecl& root, const XMLCh
                                 bool hasExternalSubset) {
   if (hasInternalSubset) {
     m_hasRefusedSubset = true;
-    // The scanner takes it for a fatal error of the document and stops.
+    // The scanner treats it as a fatal error of the document and stops.
     ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_NoDTDValidator,
                        getMemoryManager());
   }
@@ -66,7 +66,7 @@ std::optional<std::u16string> XmlFromUtf8(std::string_view text) {
     const xercesc::TranscodeFromStr wide(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
                                          "UTF-8");
     std::u16string result(wide.str(), wide.length());
-    if (!EveryCharacterMayStand(result)) return std::nullopt;
+    if (!IsAllowedInXml(result)) return std::nullopt;
     return result;
   } catch (const xercesc::XMLException&) {
     return std::nullopt;

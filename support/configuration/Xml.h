@@ -1,5 +1,5 @@
 // The XML library (Xerces), as this library uses it: started and stopped under a lock, a parser for
-// documents that may come from anywhere, and texts in UTF-8.
+// untrusted documents, and strings in UTF-8.
 //
 //   const vq::XmlSession xml;
 //   vq::SafeXmlParser parser;
@@ -19,13 +19,12 @@
 
 namespace vq {
 
-// Starts Xerces with its default locale. Throws the XMLException of a start that fails. Safe on any
-// thread: Xerces counts how often it was started, but without a lock, so everything in this library
-// starts and stops it here.
+// Starts Xerces with its default locale. Throws the XMLException of a start that fails. Xerces
+// counts how often it was started, but without a lock, so everything in this library starts and
+// stops it here.
 void StartXml();
 
-// Undoes one StartXml. Every object of Xerces that the caller made must be gone. Safe on any
-// thread.
+// Undoes one StartXml. Every object of Xerces that the caller made must be destroyed.
 void StopXml();
 
 // Started for the life of the object.
@@ -37,11 +36,11 @@ class XmlSession {
   XmlSession& operator=(const XmlSession&) = delete;
 };
 
-// Reads what is well-formed, without validation, namespaces or schemas, and opens nothing that a
+// Reads well-formed documents, without validation, namespaces or schemas, and opens nothing that a
 // document names. A document type declaration with declarations of its own (its *internal subset*)
-// counts as an error at its "[": the declarations could define entities that swell, and attributes
-// that appear in every element, and the library's own limit of expansions does not count all of
-// them. Without one, the only entities are those of XML itself. Xerces must be started.
+// is an error at its "[": the declarations could define entities that expand without end, and
+// attributes that appear in every element, and the library's own limit of expansions does not count
+// all of them. Without one, the only entities are those of XML itself. Xerces must be started.
 class SafeXmlParser : public xercesc::XercesDOMParser {
  public:
   SafeXmlParser();
@@ -56,14 +55,14 @@ class SafeXmlParser : public xercesc::XercesDOMParser {
   bool m_hasRefusedSubset = false;
 };
 
-// Texts between this library (UTF-8) and Xerces (UTF-16), whatever the process's locale. Xerces
-// must be started. Safe on any thread.
+// Convert strings between this library (UTF-8) and Xerces (UTF-16), whatever the process's locale.
+// Xerces must be started.
 
-// Nothing when the text is no UTF-8 or holds a character that no XML document can hold, such as a
+// Nothing when the string is not UTF-8 or contains a character that XML does not allow, such as a
 // zero byte.
 std::optional<std::u16string> XmlFromUtf8(std::string_view text);
 
-// Null gives the empty text.
+// Null gives the empty string.
 std::string Utf8FromXml(const char16_t* text);
 
 // Runs `step`, which returns a bool. Returns false, with the text of the exception in `error`, when

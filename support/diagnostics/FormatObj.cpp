@@ -18,7 +18,7 @@ void Append(const T& piece, std::string& text) noexcept {
     } else {
       fmt::format_to(std::back_inserter(text), "{}", piece);
     }
-  } catch (const std::bad_alloc&) {  // The line goes on without it.
+  } catch (const std::bad_alloc&) {  // The line continues without it.
   }
 }
 
@@ -33,7 +33,7 @@ FormatObj::~FormatObj() {
     TDiag::Instance()->Write({m_level, m_class, m_module.Name(),
                               m_scope != nullptr ? std::string_view(m_scope) : std::string_view(),
                               m_text});
-  } catch (...) {  // A line that cannot be written must not end the work that it tells of.
+  } catch (...) {  // A line that cannot be written must not end the work that it reports.
   }
 }
 

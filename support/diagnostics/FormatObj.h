@@ -3,10 +3,10 @@
 //   const TDiagRegister module("Restrictions");
 //   VQ_LOG(module, 5) << "Restricted to " << 12 << " entries of " << user;
 //
-// A line that memory does not suffice for is cut short: composing one raises nothing, so that the
-// log never changes what a program does. Numbers print in decimal, bools as 1 and 0, floating point
-// values in the shortest form that reads back the same. VQ_LOG (TDiag.h) is the way to get one. A
-// type of another layer joins by its own operator<< (FormatObj&, const T&) beside that type.
+// Without enough memory a line is cut short: composing one never throws, so that the log does not
+// change a program's behaviour. Numbers print in decimal, bools as 1 and 0, floating point values
+// in the shortest form that reads back the same. VQ_LOG (TDiag.h) makes one. A type of another
+// layer defines its own operator<< (FormatObj&, const T&) beside that type.
 #ifndef VQ_SUPPORT_DIAGNOSTICS_FORMATOBJ_H
 #define VQ_SUPPORT_DIAGNOSTICS_FORMATOBJ_H
 
@@ -19,7 +19,6 @@
 
 class TDiagRegister;
 
-// Thread contract: an object belongs to the thread that composes the line.
 class VQ_CLIENT_COMMON_API FormatObj {
  public:
   // Begins a line of that level and class. `scope`: the function's qualified name, which must
@@ -29,7 +28,7 @@ class VQ_CLIENT_COMMON_API FormatObj {
   FormatObj(const FormatObj&) = delete;
   FormatObj& operator=(const FormatObj&) = delete;
 
-  // Append to the line: a text, a character, 1 or 0 for a flag, a number in decimal. Return the
+  // Append to the line: a string, a character, 1 or 0 for a bool, a number in decimal. Return the
   // line.
   FormatObj& operator<<(std::string_view text);
   FormatObj& operator<<(const std::string& text) { return *this << std::string_view(text); }

@@ -11,7 +11,7 @@ struct ModeEncoding {
   std::string_view encoding;
 };
 constexpr ModeEncoding kEncodings[] = {
-    {"latin1", "ISO-8859-1"},  // also stands for every mode that is not listed
+    {"latin1", "ISO-8859-1"},  // also for every mode that is not listed
     {"cjk", "UTF-8"},
     {"utf8", "UTF-8"},
 };
@@ -22,7 +22,7 @@ struct Configuration {
 };
 
 Configuration& TheConfiguration() {
-  // Never destroyed: texts are compared by destructors that run after any static object here.
+  // Never destroyed: strings are compared by destructors that run after any static object here.
   static Configuration* const configuration = new Configuration;
   return *configuration;
 }

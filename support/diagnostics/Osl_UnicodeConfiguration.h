@@ -1,8 +1,8 @@
-// How the process treats text: the language mode, the directory of its tables, the encoding.
+// How the process handles text: the language mode, the directory of its tables, the encoding.
 //
 // Terms. The *mode* is the language mode that the site's server names: "latin1" for the languages
-// of western Europe, "cjk" for Chinese, Japanese and Korean. *CJK mode* is a flag of its own, set
-// by whoever sets up character handling; it decides how texts are compared.
+// of western Europe, "cjk" for Chinese, Japanese and Korean. *CJK mode* is a separate flag, set
+// when character handling is set up; it decides how strings are compared.
 //
 //   Osl_UnicodeConfiguration::Init({.mode = "cjk", .directory = "/opt/vq/locale"});
 //   Osl_UnicodeConfiguration::SetCJKMode(true);
@@ -13,16 +13,15 @@
 
 #include <string>
 
-// The process's one configuration; all operations are static.
-// Thread contract: every operation may be called from any thread at any time.
+// The process's one configuration. Thread safety: every operation may be called from any thread.
 class Osl_UnicodeConfiguration {
  public:
   struct InitParameters {
-    std::string mode;       // "latin1", "cjk" or "utf8"; any other text counts as "latin1"
+    std::string mode;       // "latin1", "cjk" or "utf8"; any other string counts as "latin1"
     std::string directory;  // kept as given; nothing is read from it
   };
 
-  // May be called again; the last call holds. Leaves the CJK mode as it is. Before the first call
+  // May be called again; the last call applies. Leaves the CJK mode as it is. Before the first call
   // the mode is "latin1" and the directory empty.
   static void Init(const InitParameters& parameters);
 

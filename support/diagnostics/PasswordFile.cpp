@@ -22,7 +22,7 @@ TDiagRegister diagModule("PasswordFile");
 
 constexpr std::size_t kLongestFile = 64U * 1024U;
 
-// What speaks against the open file; empty for nothing.
+// Why the open file is not private; empty when it is.
 std::string WhyNotPrivate(int file) {
   struct stat status {};
   if (fstat(file, &status) != 0) return "its owner and mode cannot be read";
@@ -56,7 +56,7 @@ const char* ReadAll(int file, std::string& text) {
 // Why the file is refused; empty when it was read.
 std::string ReadFile(const std::string& path, std::string& user, std::string& password) {
   if (path.find('\0') != std::string::npos) return "its name holds a zero byte";
-  // Without O_NONBLOCK a named pipe would wait here for somebody to write to it.
+  // Without O_NONBLOCK, opening a named pipe would wait for a writer.
   const vq::Descriptor file(
       open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
   if (!file.IsOpen()) {
@@ -71,7 +71,7 @@ std::string ReadFile(const std::string& path, std::string& user, std::string& pa
   return reason != nullptr ? reason : "";
 }
 
-// Puts a value in the place of what was there, of which nothing stays in memory.
+// Replaces a value and wipes the former one from memory.
 void Replace(std::string& place, std::string_view value) {
   vq::Wipe(place);
   place.assign(value);
@@ -92,7 +92,7 @@ const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std:
     const std::size_t end = text.find('\n');
     std::string_view line = text.substr(0, end);
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (line.ends_with('\r')) line.remove_suffix(1);  // written on a system that ends lines so
+    if (line.ends_with('\r')) line.remove_suffix(1);  // a line end of other systems
     if (line.starts_with('#') || line.find_first_not_of(" \t") == std::string_view::npos) continue;
 
     Entry* match = nullptr;

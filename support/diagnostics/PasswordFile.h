@@ -1,7 +1,7 @@
 // Reads a user name and a password from a file.
 //
 // The file is text. A line is `user=` or `password=` and then the value: every character up to the
-// line end, blanks and further "=" included. Blank lines and lines that begin with "#" say nothing.
+// line end, blanks and further "=" included. Blank lines and lines that begin with "#" are ignored.
 //
 //   # credentials of the nightly run
 //   user=operator
@@ -15,19 +15,19 @@
 #include <string>
 #include <string_view>
 
-// Returns 1 when the file was read. `user` and `password` then have what the file gives; one that
-// it does not name stays as it was, so a file may give one of them, or neither.
-// Returns 0, with both untouched, when the file
-// - does not open, or is no regular file. A symbolic link in the last place of the path is refused
-//   too, since the rights that are looked at must be those of the file that the user named;
+// Returns 1 when the file was read. `user` and `password` then have the values of the file; one
+// that the file does not contain is unchanged, so a file may contain one of them, or neither.
+// Returns 0, with both unchanged, when the file
+// - does not open, or is not a regular file. A symbolic link as the last part of the path is
+// refused
+//   too, since the rights that are checked must be those of the file that the user named;
 //   directories above it may be links;
 // - belongs to another user than the process's effective one;
 // - gives group or others any right at all. A right to write would let them choose the credentials,
-//   and the group's bits also stand for whatever an access control list grants;
-// - is longer than 64 KiB, has a line of another form, names a value twice, or holds a zero byte.
-// The reason goes to the log at level 1, without any of the file's contents.
+//   and the group's bits also cover the rights that an access control list grants;
+// - is longer than 64 KiB, has a line of another form, has a value twice, or contains a zero byte.
+// The reason goes to the log at level 1, without any of the file's content.
 // Owner and rights are those of the open file, so it cannot be exchanged between check and reading.
-// Thread contract: may be called from any thread.
 int getUsrAndPasswdFromFile(const std::string& path, std::string& user, std::string& password);
 
 namespace vq {
@@ -35,8 +35,8 @@ namespace vq {
 // Why the function above refuses a file; empty when it does not.
 std::string WhyPasswordFileIsRefused(const std::string& path);
 
-// The same for the text of such a file. Returns nullptr when it was read, and otherwise what is
-// wrong with it, with both strings untouched.
+// The same for the text of such a file. Returns nullptr when it was read, and otherwise the reason
+// why not, with both strings unchanged.
 const char* ParsePasswordFile(std::string_view text, std::string& user, std::string& password);
 
 }  // namespace vq

@@ -22,9 +22,9 @@ int ClampLevel(int level) {
   return std::clamp(level, TDiag::kAlways, TDiag::kTrace);
 }
 
-// Text sinks keep one line of the log apart from the next: what follows a line end is indented, so
-// that no text from outside can pass for a line of its own. Other control characters but the tab
-// are written as their numbers, because a terminal would obey them.
+// Text sinks indent the text after a line end, so that text from outside cannot imitate a line of
+// the log. Other control characters but the tab are written as their numbers, because a terminal
+// would execute them.
 std::string Indented(std::string_view text) {
   std::string result;
   result.reserve(text.size() + 8);
@@ -69,7 +69,7 @@ struct TDiag::State {
   std::vector<TDiagRegister*> modules;
   std::map<SinkId, Sink> sinks;
   SinkId lastSink = 0;
-  SinkId standardError = 0;  // what it was last, if ever
+  SinkId standardError = 0;  // its last number; 0: never added
 
   int EffectiveLevel(const char* module) const {
     if (sinks.empty()) return -1;
@@ -77,7 +77,7 @@ struct TDiag::State {
     return own != moduleLevels.end() ? own->second : level;
   }
 
-  // Called with the mutex held, after anything that decides about activity has changed.
+  // Called with the mutex held, after a change of levels or sinks.
   void Spread() {
     for (TDiagRegister* module : modules) module->m_level = EffectiveLevel(module->m_name);
   }
@@ -206,7 +206,7 @@ void TDiag::ApplyLevels(std::string_view text) {
 
 void TDiag::Write(const TDiagLine& line) {
   if ((line.lineClass & m_state->classMask.load(std::memory_order_relaxed)) == 0) return;
-  // What a callback calls may log in its turn; it would wait for itself.
+  // A function that a callback calls may log as well; it would wait for itself.
   thread_local bool isWriting = false;
   if (isWriting) return;
   struct Writing {

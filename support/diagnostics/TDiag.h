@@ -2,15 +2,15 @@
 //
 // Terms. A *line* has a level from 0 (always) to 6 (trace) and a class, one or more bits of 32. A
 // *module* is one source file that writes lines; it may have a level of its own. A *sink* is where
-// lines go: the standard error stream, a rotating file, or a callback of the application. There is
-// no sink until somebody adds one, and without a sink no line is active, whatever its level.
+// lines go: stderr, a rotating file, or a callback of the application. There is no sink until one
+// is added, and without a sink every log statement is disabled, whatever its level.
 //
-// Switched on without code by the environment, read once when the library loads, and not at all by
-// a program that runs with more rights than its caller:
+// The environment switches it on without code. It is read once when the library loads, and not at
+// all by a program that runs with more rights than its caller:
 //   VQ_DIAG_LEVEL=4                    lines up to level 4
 //   VQ_DIAG_LEVEL=1,LoginHandler=6     1 in general, 6 for one module
-//   VQ_DIAG_FILE=/var/log/client.log   to this file (10 MB, three older files kept) instead of the
-//                                      standard error stream
+//   VQ_DIAG_FILE=/var/log/client.log   to this file (10 MB, three older files kept) instead of
+//                                      stderr
 //
 // Writing lines:
 //
@@ -21,7 +21,7 @@
 //     VQ_LOG(diag, 4) << "Resetting timeout to: " << timeOut;
 //   }
 //
-// A line that is not active costs one load and one branch, and nothing to the right of VQ_LOG is
+// A disabled log statement costs one load and one branch, and nothing to the right of VQ_LOG is
 // evaluated.
 #ifndef VQ_SUPPORT_DIAGNOSTICS_TDIAG_H
 #define VQ_SUPPORT_DIAGNOSTICS_TDIAG_H
@@ -47,9 +47,9 @@ struct TDiagLine {
   std::string_view text;    // as logged, line ends included
 };
 
-// Thread contract: every operation may be called from any thread at any time. A callback sink is
-// called under the log's lock, one line at a time: what it logs itself is dropped, and it must not
-// call any other operation.
+// Thread safety: every operation may be called from any thread. A callback sink is called under the
+// log's lock, one line at a time: lines that it logs itself are dropped, and it must not call any
+// other operation.
 class VQ_CLIENT_COMMON_API TDiag {
  public:
   // The lowest and the highest level, and the class of a line that names none.
@@ -79,20 +79,20 @@ class VQ_CLIENT_COMMON_API TDiag {
   std::uint32_t GetClassMask() const;
 
   // Each returns a number for RemoveSink. A text sink writes "L1 LoginHandler::Login: text", or
-  // "L1 [GlobalFuncs] GL_Login: text" where the scope does not begin with the module; what follows
-  // a line end is indented, and control characters become numbers. A callback gets the text as
-  // logged. AddFileSink appends to `path`, starts a new file when it reaches `maxBytes` and keeps
-  // `olderFiles` old ones. 0 when the file does not open or the callback is empty. The standard
-  // error stream is one sink however often it is added.
+  // "L1 [GlobalFuncs] GL_Login: text" where the scope does not begin with the module; it indents
+  // the text after a line end and writes control characters as their numbers. A callback gets the
+  // text as logged. AddFileSink appends to `path`, starts a new file when it reaches `maxBytes` and
+  // keeps `olderFiles` old ones. 0 when the file does not open or the callback is empty. stderr is
+  // one sink however often it is added.
   SinkId AddStandardErrorSink();
   SinkId AddFileSink(const std::string& path, std::size_t maxBytes = 10U << 20U,
                      std::size_t olderFiles = 3);
   SinkId AddCallbackSink(Callback callback);
-  void RemoveSink(SinkId id);  // an unknown number is no fault
-  // No line is active then.
+  void RemoveSink(SinkId id);  // an unknown number is ignored
+  // Every log statement is disabled then.
   void RemoveAllSinks();
 
-  // Applies a text of the form of VQ_DIAG_LEVEL; what is not of that form is left out.
+  // Applies a string of the form of VQ_DIAG_LEVEL; parts of another form are ignored.
   void ApplyLevels(std::string_view text);
 
   // Used by TDiagRegister and the macros.
@@ -157,8 +157,8 @@ class TDiagFunc {
 };
 
 // VQ_LOG(where, level) << ...; writes one line. `where` is a TDiagFunc or a TDiagRegister.
-// VQ_LOG_CLASS does the same in a diagnostics class of its own. Each is one expression, so that it
-// may stand wherever a statement may.
+// VQ_LOG_CLASS does the same in a class of its own. Each is one expression, so that it can be used
+// wherever a statement can.
 #define VQ_LOG_IF(where, level, line) \
   !(where).IsActive(level) ? (void)0 : vq::EndOfLine() & (where).line
 

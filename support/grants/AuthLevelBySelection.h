@@ -1,10 +1,11 @@
-// The grants of one kind of object, calendars say: the user's own and those of the user's groups.
+// The grants of one kind of object, such as calendars: the user's own and those of the user's
+// groups.
 //
 // A *grant* is a level of access over the objects that a criteria text selects
 // (docs/selection-language.md). The user's own grants decide wherever one of them fits the object,
-// and the highest level that fits wins; so a grant of the user's own may lower what a group would
-// give. Only where none fits do the groups' grants decide, again the highest. Where none of either
-// fits, the level is DEFAULT_ACCESS, which allows nothing but itself.
+// and the highest level that fits wins; so a grant of the user's own may lower the level of a
+// group. Only where none fits do the groups' grants decide, again the highest. Where none of either
+// fits, the level is DEFAULT_ACCESS, which allows only itself.
 //
 //   QCSCorbaAuthorizationStruct snapshot;   // from the server
 //   AuthLevelBySelection calendars;
@@ -14,7 +15,7 @@
 //   calendar.SetAttribute("CALENDAR", "WORKDAYS");
 //   if (calendars.IsAuthorized(calendar, UPDATE_ACCESS)) Show("WORKDAYS");
 //
-// The grants are indexed when they are loaded; a question does not try them one by one.
+// The grants are indexed when they are loaded; a query does not try them one by one.
 #ifndef VQ_SUPPORT_GRANTS_AUTHLEVELBYSELECTION_H
 #define VQ_SUPPORT_GRANTS_AUTHLEVELBYSELECTION_H
 
@@ -37,11 +38,10 @@ class VQ_CLIENT_COMMON_API AuthLevelBySelection {
   AuthLevelBySelection& operator=(const AuthLevelBySelection&);
   virtual ~AuthLevelBySelection();
 
-  // Loads the user's or the groups' grants. With `replace` they take the place of those that were
-  // there, so a second load leaves nothing of the first; without it they come in addition. A grant
-  // whose criteria do not parse fits no object, and a line at level 1 says why.
-  // UserAuthFromCORBA returns whether all criteria parsed. Should memory run out, std::bad_alloc
-  // passes through and the holder is as it was.
+  // Loads the user's or the groups' grants. With `replace` they replace the former ones, so a
+  // second load leaves nothing of the first; without it they are added. A grant whose criteria do
+  // not parse fits no object, and a line at level 1 gives the reason. UserAuthFromCORBA returns
+  // whether all criteria parsed. On std::bad_alloc the object is unchanged.
   bool UserAuthFromCORBA(const QCSCorbaAuth2LvlSeq& grants, bool replace);
   void GroupAuthFromCORBA(const QCSCorbaAuth2LvlSeq& grants, bool replace);
 

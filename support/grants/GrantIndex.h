@@ -1,4 +1,4 @@
-// Tells which of thousands of grants fit an object, without trying each of them.
+// Finds the grants that fit an object, among thousands, without trying each of them.
 //
 // A *grant* is a criteria text (a selection, see QCSSelectionDef.h) with a level. The answers are
 // those of trying QCSSelectionDef::DoesItFit(object, false) on every grant; only the time differs.
@@ -12,11 +12,11 @@
 //   index.HighestFitting(table);   // UPDATE_ACCESS
 //
 // How. Each term of a grant is filed once: under a field and a text that a fitting value of that
-// field begins with, ends with or contains. `=` gives the whole value as such a text, LIKE the text
+// field begins with, ends with or contains. For `=` that is the whole value; for LIKE the text
 // before its first wildcard, the text after its last one, and the longest text between two. Where a
-// term offers several, it goes where the fewest terms are. A question looks up the beginnings, ends
+// term has several, it is filed where the fewest terms are. A query looks up the beginnings, ends
 // and parts of the object's values that have a length in use, and evaluates the terms found there.
-// Terms without such a text (only !=, NOT LIKE, <, > and their like) are tried one by one when the
+// Terms without such a text (only !=, NOT LIKE, <, > and the like) are tried one by one when the
 // object has the field.
 #ifndef VQ_SUPPORT_GRANTS_GRANTINDEX_H
 #define VQ_SUPPORT_GRANTS_GRANTINDEX_H
@@ -39,7 +39,6 @@
 
 namespace vq {
 
-// A value, like a standard container: several threads may ask it while nobody adds a grant.
 class GrantIndex {
  public:
   // Adds a grant; the first one has the number 0. Returns false when the criteria do not parse.

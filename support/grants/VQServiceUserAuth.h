@@ -28,8 +28,8 @@ struct VQServiceAuth {
   std::vector<int> Actions;                 // the numbers of the actions that it allows
 };
 
-// Turns a wire list into the list, which takes its place: what `grants` held before is gone. For
-// the library itself: it is not exported, and programs fill the list by hand.
+// Converts a wire list; the former content of `grants` is replaced. For the library itself: it is
+// not exported, and programs fill the list by hand.
 void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& grants);
 
 // Copies share their grants, so that copying takes no time, and do not affect each other.

@@ -5,9 +5,9 @@
 //   const int code = GL_Login(user, password, "central", 600, message, CLIENT_GUI, E_GSR, argc,
 //                             argv);
 //
-// Every remote call that the thread makes inside the scope ends by then at the latest: what is left
-// of the time replaces a longer -ORBCallTimeout. A call that begins when the time is over is not
-// sent. Both fail as any call that timed out, by the codes that each function documents.
+// Every remote call that the thread makes inside the scope ends by then at the latest: the
+// remaining time replaces a longer -ORBCallTimeout. A call that begins after the deadline is not
+// sent. Both fail like any call that timed out, with the codes that each function documents.
 #ifndef VQ_SUPPORT_ORB_CALLDEADLINE_H
 #define VQ_SUPPORT_ORB_CALLDEADLINE_H
 
@@ -18,9 +18,9 @@
 
 namespace vq {
 
-// The calls of the thread that made the object are limited, until it is destroyed, by the same
-// thread. Scopes nest: the earliest deadline applies. Work between the calls is not interrupted,
-// and neither is a look-up of a host name, for which the system has its own limit.
+// Limits the calls of the thread that made the object, until the same thread destroys it. Scopes
+// nest: the earliest deadline applies. Work between the calls is not interrupted, and neither is a
+// look-up of a host name, for which the system has its own limit.
 class VQ_CLIENT_COMMON_API CallDeadline {
  public:
   using Clock = std::chrono::steady_clock;  // setting the system's time does not move it

@@ -9,7 +9,7 @@
 #include <omniORB4/CORBA.h>
 #include <omniORB4/Naming.hh>
 #else
-// In TAO each of these also brings its library to life.
+// In TAO each of these also initializes its library.
 #include <orbsvcs/CosNamingC.h>
 #include <tao/AnyTypeCode/Any.h>
 #include <tao/AnyTypeCode/TypeCode.h>

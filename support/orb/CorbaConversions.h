@@ -1,4 +1,4 @@
-// Texts between the wire's types and the standard library's.
+// Converts strings between the wire's types and the standard library's.
 //
 //   stringSeq names;
 //   StlVector2CorbaSequence(std::list<std::string>{"PROD", "TEST"}, names);
@@ -12,8 +12,8 @@
 #include <support/orb/Corba.h>
 #include <vq_idl/SharedTypesC.h>
 
-// Makes the sequence of the texts of a vector, a list or another container with size(), in order;
-// what the sequence held before is gone. The wire's strings end at the first zero byte.
+// Sets the sequence to the strings of a vector, a list or another container with size(), in order.
+// The wire's strings end at the first zero byte.
 template <class Container>
 void StlVector2CorbaSequence(const Container& texts, stringSeq& sequence) {
   sequence.length(static_cast<CORBA::ULong>(texts.size()));
@@ -21,14 +21,14 @@ void StlVector2CorbaSequence(const Container& texts, stringSeq& sequence) {
   for (const std::string& text : texts) sequence[i++] = text.c_str();
 }
 
-// The text as a string; null counts as the empty text. Takes no ownership.
+// The string; null counts as the empty one. Takes no ownership.
 inline std::string CorbaString2StlString(const char* text) {
   return text == nullptr ? "" : text;
 }
 
-// The length of a list of numbers that came in a message. An ORB that works out the list's size in
-// 32 bits lets a longer one pass, which then holds whatever was in memory; for that one it raises
-// CORBA::MARSHAL.
+// The length of a list of numbers from a message. An ORB that computes the list's size in 32 bits
+// accepts a list that is too long, and its content is then uninitialized memory; for such a list
+// this raises CORBA::MARSHAL.
 template <class Numbers>
 CORBA::ULong LengthOnTheWire(const Numbers& numbers) {
   constexpr CORBA::ULong kMost = std::numeric_limits<CORBA::ULong>::max() / sizeof(CORBA::Long);

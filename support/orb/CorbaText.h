@@ -1,4 +1,4 @@
-// CORBA exceptions and references in words, in one place for the whole system.
+// Describes CORBA exceptions, in one place for the whole system.
 //
 //   try {
 //     ORBCommon<1>::Get()->Bind("central", "GSR", "UsersManager", true);
@@ -19,7 +19,8 @@
 namespace vq::orb {
 
 // Name and repository id; for a system exception also the minor code with its name and whether the
-// call was completed. A message beyond the size limit adds which setting raises the limit.
+// call was completed. For a message beyond the size limit it adds the setting that raises the
+// limit.
 std::string ExceptionText(const CORBA::Exception& exception);
 
 // "Failed with CORBA::SystemException [name = ...] [minor = ...]", the minor code in decimal.

@@ -2,7 +2,7 @@
 //
 //   iiop://[host][:port][/option{&option}]
 //
-//   portspan=n          try n ports from `port` on
+//   portspan=n          try n ports, beginning at `port`
 //   ssl_port=n          listen for TLS on that port as well
 //   hostname_in_ior=h   publish h in references instead of the address listened on
 //   reuse_addr=0|1      accepted; ORB products here always set the socket option as they see fit
@@ -18,9 +18,9 @@
 
 namespace vq::orb {
 
-// An endpoint in its parts. Thread contract: a plain value.
+// An endpoint in its parts.
 struct ListenEndpoint {
-  std::string host;           // empty: every interface of the machine
+  std::string host;           // empty: every interface of the host
   int port = 0;               // 0: any free port
   int portSpan = 0;           // 0: just `port`
   int tlsPort = 0;            // 0: no TLS
@@ -30,11 +30,11 @@ struct ListenEndpoint {
   bool operator==(const ListenEndpoint&) const = default;
 };
 
-// Nothing for a text of another form; `error` then says what is wrong with which piece. An empty
-// text is the endpoint "iiop://".
+// Nothing for a string of another form; `error` then names the part that is wrong. An empty string
+// is the endpoint "iiop://".
 std::optional<ListenEndpoint> ParseListenEndpoint(std::string_view text, std::string& error);
 
-// A host as it stands in an address: an IPv6 address in brackets.
+// A host as it is written in an address: an IPv6 address in brackets.
 std::string UriHost(const std::string& host);
 
 }  // namespace vq::orb

@@ -1,12 +1,12 @@
-// The naming service of one ORB: one reference, or one for each address where it can be asked.
+// The naming service of one ORB: one reference, or one for each of its addresses.
 //
 //   NamingService naming(instance, settings);
 //   naming.Reach();
 //   CORBA::Object_var object = naming.Resolve(name);
 //
-// A call goes to the address that answered last. Where that one does not answer, be it refused,
-// unreachable or silent, the others are asked in turn; all of it takes one call time-out at most.
-// Look-ups may be asked of several, because they change nothing.
+// A call goes to the address that answered last. Where that one does not answer (it refuses, is
+// unreachable or silent), the others are tried in turn, within one call time-out in all. A look-up
+// may be sent to several addresses, because it changes nothing.
 #ifndef VQ_SUPPORT_ORB_NAMINGSERVICE_H
 #define VQ_SUPPORT_ORB_NAMINGSERVICE_H
 
@@ -23,7 +23,7 @@ namespace vq::orb {
 
 class OrbInstance;
 
-// Safe on any thread once made.
+// Thread safety: every operation may be called from any thread.
 class NamingService {
  public:
   // Makes no call. Raises as OrbInstance::NamingService, and CORBA::SystemException for a malformed

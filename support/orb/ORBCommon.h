@@ -9,7 +9,6 @@
 
 #include <support/orb/QCSOrbCommon.h>
 
-// Thread contract: as QCSOrbCommon.
 template <int N>
 class ORBCommon : public QCSOrbCommon {
  public:
@@ -21,8 +20,8 @@ class ORBCommon : public QCSOrbCommon {
   ~ORBCommon() override = default;
 
  protected:
-  // False without starting anything when the ORB is up. Its name is made of the caller's and the
-  // number: the session ORB of a GUI client is called GUI:1.
+  // False without starting anything when the ORB is up. Its name is the caller's and the number:
+  // the session ORB of a GUI client is called GUI:1.
   bool InitAlways(int argc, char** argv, const char* name) override {
     if (IsInitialized()) return false;
     const std::string fullName = std::string(name) + ":" + std::to_string(N);

@@ -1,9 +1,9 @@
 // The seam between this system and the ORB product it was built with.
 //
 // One implementation file a product (OmniOrbProduct.cpp, TaoProduct.cpp) defines what is declared
-// here; nothing else in the tree knows which product it is. The translation of our settings into
-// the product's options is a pure function beside it (OmniOrbOptions.h, TaoOptions.h), so that a
-// table can test it.
+// here; nothing else in the tree depends on the product. The translation of our settings into the
+// product's options is a pure function beside it (OmniOrbOptions.h, TaoOptions.h), so that a table
+// can test it.
 #ifndef VQ_SUPPORT_ORB_ORBPRODUCT_H
 #define VQ_SUPPORT_ORB_ORBPRODUCT_H
 
@@ -23,10 +23,11 @@ namespace vq::orb {
 // its POA.
 enum class OrbRole { kClient, kPureClient };
 
-// One running ORB of the process, as its number sees it. Where a product has a single ORB a
-// process, several of these share it and each has its own POA.
+// One running ORB of the process. Where a product has a single ORB a process, several of these
+// share it and each has its own POA.
 //
-// Thread contract: ChildPoa and Orb from any thread; Stop once, when no call is under way.
+// Thread safety: ChildPoa and Orb may be called from any thread; Stop once, when no call is in
+// progress.
 class OrbInstance {
  public:
   virtual ~OrbInstance() = default;
@@ -34,8 +35,8 @@ class OrbInstance {
   virtual CORBA::ORB_ptr Orb() = 0;  // borrowed
 
   // The naming service's reference; no call is made. The caller owns it. Raises
-  // CORBA::ORB::InvalidName or CORBA::NO_RESOURCES when none is configured: none is searched for,
-  // since whoever answered would be believed.
+  // CORBA::ORB::InvalidName or CORBA::NO_RESOURCES when none is configured: it is not searched for
+  // in the network, since any host could answer.
   virtual CORBA::Object_ptr NamingService() = 0;
 
   // The same at one of several references. Raises CORBA::BAD_PARAM for one that is malformed.
@@ -55,27 +56,27 @@ class OrbInstance {
   virtual void Stop(bool wait) = 0;
 };
 
-// Starts an ORB. `arguments` is what the command line holds beyond our own options; the product
-// refuses an -ORB option that it does not know. `useThreadPool` asks for several threads that take
-// calls, where the product leaves the choice. Raises CORBA::SystemException, and
-// std::invalid_argument for settings that do not go together or name files that cannot be used.
+// Starts an ORB. `arguments` is the command line without our own options; the product refuses an
+// unknown -ORB option. `useThreadPool` requests several threads that take calls, where the product
+// has that choice. Raises CORBA::SystemException, and std::invalid_argument for settings that
+// contradict each other or name files that cannot be used.
 std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, bool useThreadPool,
                                       const OrbSettings& settings,
                                       const std::vector<std::string>& arguments);
 
-// What the product calls a minor code; empty when it has no name for it.
+// The product's name for a minor code; empty when it has none.
 std::string MinorCodeName(const CORBA::SystemException& exception);
 
 // True for the exception that the product raises when a message is larger than the setting
-// -ORBMaxMessageSize allows.
+// -ORBMaxMessageSize.
 bool IsMessageTooLarge(const CORBA::SystemException& exception);
 
-// The reference as "IOR:..." text. The reference is neither null nor nil. Raises
+// The reference as an "IOR:..." string. The reference is neither null nor nil. Raises
 // CORBA::BAD_INV_ORDER when the ORB that it belongs to has ended.
 std::string StringifyReference(CORBA::Object_ptr object);
 
-// Within a call that this process takes, on its thread: whether it came over a connection that this
-// process opened. True as well where the product does not tell.
+// On the thread of an incoming call: whether it arrived over a connection that this process opened.
+// True as well where the product does not report it.
 bool CameOverOwnConnection();
 
 std::string_view ProductName();

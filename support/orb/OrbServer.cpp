@@ -10,7 +10,7 @@ OrbSettings ServerSettings(const ServerOptions& options) {
   const auto endpoint = ParseListenEndpoint(options.endpoint, error);
   if (!endpoint) throw std::invalid_argument("endpoint " + options.endpoint + ": " + error);
   if (options.tls.IsOn() && options.tls.certificate.empty()) {
-    throw std::invalid_argument("a server with TLS needs -SSLCertificate");
+    throw std::invalid_argument(std::string("a server with TLS needs ") + kTlsCertificate);
   }
   settings.listenEndpoint = *endpoint;
   settings.biDirectional = options.bidirectional;

@@ -1,5 +1,5 @@
 // The ORB of a server process, behind the same seam as the client's (OrbProduct.h): one
-// implementation file a product. The library does not hold it; the simulator and tests link it.
+// implementation file a product. It is not part of the library; the simulator and tests link it.
 //
 //   const auto server = vq::orb::StartServerOrb({.endpoint = "iiop://127.0.0.1:5000"});
 //   ... make POAs with server->Orb(), activate servants ...
@@ -21,12 +21,12 @@ namespace vq::orb {
 struct ServerOptions {
   std::string endpoint = "iiop://127.0.0.1:";  // iiop://[host][:port]; no port: any free one
   std::string naming;                          // the naming service's reference; may be empty
-  bool bidirectional = true;                   // accept calls back over a client's own connection
+  bool bidirectional = true;                   // accept bidirectional IIOP
   TlsSettings tls;                // the certificate to show, and whether to ask for one
   std::vector<std::string> rest;  // -ORB arguments, passed on as they are
 };
 
-// Thread contract: Orb from any thread; the rest by the thread that started it.
+// Thread safety: Orb may be called from any thread; the rest by the thread that started it.
 class ServerOrb {
  public:
   virtual ~ServerOrb() = default;  // stops it
@@ -36,7 +36,7 @@ class ServerOrb {
   // Lets the ORB's threads take calls, several at a time, and returns. A second call does nothing.
   virtual void Serve() = 0;
 
-  // Returns when calls under way and the ORB's threads have ended. A second call does nothing.
+  // Returns when calls in progress and the ORB's threads have ended. A second call does nothing.
   virtual void Stop() = 0;
 };
 
@@ -48,15 +48,15 @@ OrbSettings ServerSettings(const ServerOptions& options);
 // argument that the product refuses, std::invalid_argument as ServerSettings and for TLS settings
 // that cannot be used.
 //
-// With TLS the server listens for it too, at the endpoint's ssl_port or at any free port. Calls in
-// clear are taken or refused as the product has it.
+// With TLS the server listens for it too, at the endpoint's ssl_port or at any free port. Whether
+// unencrypted calls are accepted depends on the product.
 std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options);
 
 // The same object; calls through the result raise TIMEOUT or TRANSIENT after that time. The caller
 // owns it.
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time);
 
-// The same for a naming context, which is asked in clear also where calls go over TLS alone.
+// The same for a naming context, which may be asked unencrypted even where other calls require TLS.
 CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time);
 
 }  // namespace vq::orb

@@ -21,8 +21,8 @@ struct KnownSetting {
 
 constexpr const char* kCommandLine = "command line";
 
-// A dead network must never hang a client for ever, so both time-outs are finite. The message size
-// leaves room for an authorization snapshot of some hundred thousand grants.
+// A dead network must never block a client for ever, so both time-outs are finite. The message size
+// has room for an authorization snapshot of some hundred thousand grants.
 constexpr std::array kKnown{
     KnownSetting{kListenEndpoints, "iiop://"},
     KnownSetting{kBiDirPolicy, "0"},
@@ -64,7 +64,7 @@ bool Flag(const ResolvedSetting& setting) {
   return setting.value == "1";
 }
 
-// Host names and addresses between commas. A wildcard stands for the whole first part of a name.
+// Host names and addresses, separated by commas. A wildcard is the whole first part of a name.
 std::vector<std::string> HostPatterns(const ResolvedSetting& setting) {
   std::vector<std::string> patterns;
   std::istringstream list(setting.value);
@@ -100,8 +100,8 @@ ResolvedSetting Resolve(const KnownSetting& known, const OrbArguments& arguments
   return {name, std::string(known.builtIn), "built in"};
 }
 
-// The command line may name several initial references, of which the last of a name counts; every
-// other source holds one.
+// The command line may name several initial references, and the last one of a name applies; every
+// other source has one.
 std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
                                      const OrbArguments& arguments) {
   std::vector<std::string> refs;

@@ -42,36 +42,36 @@ inline constexpr const char* kTlsServerNames = "-SSLServerNames";
 inline constexpr const char* kTlsEncryptLookups = "-SSLEncryptLookups";
 inline constexpr const char* kTlsRevocationList = "-SSLRevocationList";
 
-// Stands in a published endpoint for the own address that begins with the IP mask.
+// In a published endpoint: replaced by the own address that begins with the IP mask.
 inline constexpr const char* kOwnAddressMark = "$IP";
 
-// One setting with the value in force. Thread contract of all that follow: plain values.
+// One setting with the value that applies.
 struct ResolvedSetting {
   std::string name;    // as on the command line and in the domain, with its dash
   std::string value;   // empty where the setting has none
   std::string origin;  // "command line", "built in", or file and scope: "/etc/vq/vq.xml, GUI"
 };
 
-// What the command line says to the ORB: our own options by name, and everything else, which the
-// ORB product gets to see.
+// The ORB's part of the command line: our own options by name, and everything else, which is passed
+// to the ORB product.
 struct OrbArguments {
   std::multimap<std::string, std::string> options;  // ours: value by name, repeats in order
   std::vector<std::string> rest;                    // everything else, program name first
 };
 
-// TLS trust and identity. An empty path is a setting that is not there.
+// TLS trust and identity. An empty path is a setting that is not set.
 struct TlsSettings {
-  std::string caCertificate;   // file of the authorities that are believed
-  std::string certificate;     // file of the own certificate
-  std::string privateKey;      // file of its key
-  bool verifyPeer = true;      // refuse a certificate of an authority that is not believed
-  bool verifyHost = true;      // refuse a certificate of another host
-  std::string revocationList;  // file of the revocation lists of all trusted CAs
+  std::string caCertificate;             // file of the trusted CA certificates
+  std::string certificate;               // file of the own certificate
+  std::string privateKey;                // file of its key
+  bool verifyPeer = true;                // refuse a certificate of another CA
+  bool verifyHost = true;                // refuse a certificate of another host
+  std::string revocationList;            // file of the revocation lists of all trusted CAs
   std::vector<std::string> serverNames;  // "*.site", "host.site" or an address; empty: any
   bool encryptLookups = false;           // the naming service must offer TLS, too
 
-  // Whether TLS is used at all.
-  // A key alone counts, so that it is refused and nobody believes that TLS is on.
+  // Whether TLS is used at all. A key alone counts, so that it is refused as incomplete instead of
+  // ignored.
   bool IsOn() const {
     return !caCertificate.empty() || !certificate.empty() || !privateKey.empty();
   }
@@ -85,9 +85,9 @@ struct OrbSettings {
   std::vector<std::string> initialRefs;         // NAME=REFERENCE
   std::chrono::milliseconds connectTimeout{0};  // how long to connect, over all addresses
   std::chrono::milliseconds callTimeout{0};     // how long a call may take, connecting included
-  std::chrono::milliseconds tcpKeepAlive{0};    // probe a peer silent for so long; 0 does not
-  std::chrono::milliseconds tcpUserTimeout{0};  // how long sent data may stay unacknowledged; 0: as
-                                                // the system has it
+  std::chrono::milliseconds tcpKeepAlive{0};    // probe a peer silent for so long; 0: never
+  std::chrono::milliseconds tcpUserTimeout{0};  // how long sent data may stay unacknowledged; 0:
+                                                // the system's default
   std::uint64_t maxMessageSize = 0;             // bytes
   TlsSettings tls;                              // trust and identity
   std::vector<ResolvedSetting> table;  // all of it as text, in the order of the known names
@@ -118,8 +118,8 @@ struct DomainScopes {
 // read.
 bool ReadDomainScopes(const std::string& scope, DomainScopes& domain);
 
-// Applies the order above. A value that is not of its setting's form raises std::invalid_argument
-// with a text that names the setting, the value and the form. `scopes` are those of the domain that
+// Applies the order above. A value of another form raises std::invalid_argument with a text that
+// names the setting, the value and the form. `scopes` are those of the domain that
 // apply, the strongest first.
 OrbSettings ResolveSettings(const OrbArguments& arguments, const std::vector<SettingScope>& scopes);
 

@@ -12,7 +12,7 @@
 namespace vq::orb {
 namespace {
 
-// The system has no such call or no such interface; what was found until then counts.
+// The system lacks such a call or interface; the addresses found until then are valid.
 constexpr int kPartialResult = 129;
 constexpr unsigned kLoopback = 0x7F000001;
 

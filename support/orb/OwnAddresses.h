@@ -1,4 +1,4 @@
-// The addresses of this machine's network interfaces.
+// The addresses of this host's network interfaces.
 //
 //   std::vector<vq::orb::OwnAddress> addresses;
 //   if (const int error = vq::orb::FindOwnAddresses(addresses)) ...
@@ -11,17 +11,16 @@
 
 namespace vq::orb {
 
-// Thread contract: a plain value.
 struct OwnAddress {
   std::string text;         // "10.1.2.3"
   bool isLoopback = false;  // 127.0.0.1, or ::1
 };
 
 // Appends the addresses in the system's order. Returns 0, or the errno of a failure, which appends
-// nothing. Safe on any thread, as everything here.
+// nothing.
 int FindOwnAddresses(std::vector<OwnAddress>& addresses);
 
-// What the resolver calls the address; the address itself when it has no name for it.
+// The resolver's name for the address; the address itself when it has none.
 std::string HostNameOf(const std::string& address);
 
 // The first address that begins with `mask`; empty when there is none. An empty mask fits every

@@ -17,7 +17,7 @@ bool BeginsWithClose(int socket, bool tls) {
   if (length < static_cast<ssize_t>(next.size())) return false;
   constexpr int kCloseConnection = 5;
   if (!tls) return std::memcmp(next.data(), "GIOP", 4) == 0 && next[7] == kCloseConnection;
-  // TLS 1.3 hides an alert among the data: its size tells, since no message is so short.
+  // TLS 1.3 encrypts an alert as data: its size identifies it, since no message is so short.
   constexpr int kAlert = 21;
   constexpr int kData = 23;
   constexpr int kHiddenAlertSize = 19;

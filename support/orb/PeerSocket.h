@@ -1,4 +1,4 @@
-// What a socket tells about its peer without a byte of it being taken.
+// Checks the state of a connection without reading from its socket.
 //
 //   vq::orb::WatchPeer(socket, settings);                      // once, when it is open
 //   if (vq::orb::IsDead(socket, tls, false)) OpenAnother();   // before an idle one is used again
@@ -9,16 +9,16 @@
 
 namespace vq::orb {
 
-// Whether the next bytes of a connection announce its end: a GIOP CloseConnection or an alert of
-// TLS. They may as well be a call.
+// Whether the next bytes of a connection announce its end: a GIOP CloseConnection or a TLS alert.
+// Otherwise they may be a call.
 bool BeginsWithClose(int socket, bool tls);
 
-// Whether the peer has closed an idle connection or lost it. On one that takes no calls nothing is
-// due to arrive, so whatever has arrived announces its end or is of no use.
+// Whether the peer has closed an idle connection or lost it. On one that takes no calls no data is
+// expected, so any data announces its end or is of no use.
 bool IsDead(int socket, bool tls, bool takesCalls);
 
-// Lets the system probe a peer that is silent for `keepAlive`, and give it up after three probes;
-// likewise a peer that leaves sent data unacknowledged. 0 leaves either as the system has it.
+// Has the system probe a peer that is silent for `keepAlive`, and drop the connection after three
+// probes; likewise for a peer that leaves sent data unacknowledged. 0 keeps the system's default.
 void WatchPeer(int socket, std::chrono::milliseconds keepAlive,
                std::chrono::milliseconds unacknowledged);
 

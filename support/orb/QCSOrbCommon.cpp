@@ -19,8 +19,8 @@ namespace {
 
 TDiagRegister diagModule("QCSOrbCommon");
 
-// The ORB objects by number. Never destroyed as a whole: an ORB may be asked for until the very end
-// of the process.
+// The ORB objects by number. Never destroyed as a whole: an ORB may be used until the very end of
+// the process.
 struct Registry {
   std::mutex mutex;
   std::map<int, std::unique_ptr<QCSOrbCommon>> orbs;
@@ -36,7 +36,7 @@ std::string ScopeOf(const std::string& orbName) {
   return orbName.substr(0, orbName.rfind(':'));
 }
 
-// Puts the own address that begins with the IP mask in place of its mark.
+// Replaces the mark of the own address by the address that begins with the IP mask.
 void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
   std::string& host = settings.listenEndpoint.publishedHost;
   if (host != vq::orb::kOwnAddressMark) return;
@@ -46,8 +46,15 @@ void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
   if (!host.empty()) return;
   std::string known;
   for (const vq::orb::OwnAddress& address : addresses) known += " " + address.text;
-  throw std::invalid_argument("no address of this machine begins with '" + settings.preferIpMask +
-                              "', the value of -PreferIPMask; there are:" + known);
+  throw std::invalid_argument("no address of this host begins with '" + settings.preferIpMask +
+                              "', the value of " + vq::orb::kPreferIpMask + "; there are:" + known);
+}
+
+void ReportNoNamingService(const TDiagFunc& diag, const CORBA::Exception& exception) {
+  vq::orb::NoteCause(std::string("no naming service is configured; set ") + vq::orb::kInitRef);
+  VQ_LOG(diag, 1) << "No naming service is configured. Set " << vq::orb::kInitRef
+                  << " NameService=corbaloc:iiop:HOST:PORT/NameService on the command line or in "
+                  << "the configuration domain: " << exception;
 }
 
 CosNaming::Name ServiceName(const std::string& server, const std::string& kind,
@@ -152,30 +159,23 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
   return true;
 }
 
-// Asks the naming service once whether it is there: without it no server can be found, and this is
-// the place where the reason can still be told apart from a server that is not running.
+// Asks the naming service once whether it exists. Without it no server can be found, and here that
+// can still be distinguished from a server that is not running.
 bool QCSOrbCommon::ReachNamingService() {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReachNamingService");
-  constexpr const char* kNoNamingService = "no naming service is configured; set -ORBInitRef";
   try {
     m_naming = std::make_unique<vq::orb::NamingService>(*m_instance, *m_settings);
     m_naming->Reach();
     return true;
   } catch (const CORBA::OBJECT_NOT_EXIST&) {
     vq::orb::NoteCause(
-        "the reference of the naming service is of no object that exists; correct -ORBInitRef");
-    VQ_LOG(diag, 1) << "The naming service's reference is of no object that exists. Correct "
-                    << "-ORBInitRef NameService=corbaloc:iiop:HOST:PORT/NameService";
+        "the reference of the naming service refers to no existing object; correct -ORBInitRef");
+    VQ_LOG(diag, 1) << "The naming service's reference refers to no existing object. Correct "
+                    << vq::orb::kInitRef << " NameService=corbaloc:iiop:HOST:PORT/NameService";
   } catch (const CORBA::ORB::InvalidName& e) {
-    vq::orb::NoteCause(kNoNamingService);
-    VQ_LOG(diag, 1) << "No naming service is configured. Set -ORBInitRef "
-                    << "NameService=corbaloc:iiop:HOST:PORT/NameService on the command line or in "
-                    << "the configuration domain: " << e;
+    ReportNoNamingService(diag, e);
   } catch (const CORBA::NO_RESOURCES& e) {
-    vq::orb::NoteCause(kNoNamingService);
-    VQ_LOG(diag, 1) << "No naming service is configured. Set -ORBInitRef "
-                    << "NameService=corbaloc:iiop:HOST:PORT/NameService on the command line or in "
-                    << "the configuration domain: " << e;
+    ReportNoNamingService(diag, e);
   } catch (const CORBA::Exception& e) {
     vq::orb::NoteFailedCall(e, m_naming != nullptr ? m_naming->Root() : nullptr);
     VQ_LOG(diag, 1) << "The naming service does not answer. Check that it runs and that a firewall "
@@ -196,7 +196,7 @@ CORBA::Object_ptr QCSOrbCommon::Bind(const std::string& server, const std::strin
       throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
     }
   } catch (const CosNaming::NamingContext::NotFound&) {
-    vq::orb::NoteCause("the naming service knows no " + service + " of a server '" + server +
+    vq::orb::NoteCause("the naming service has no " + service + " of a server '" + server +
                        "' of the kind " + kind);
     throw;
   } catch (const CORBA::Exception& e) {

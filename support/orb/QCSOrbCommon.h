@@ -36,9 +36,9 @@ struct ResolvedSetting;
 enum class OrbRole;
 }  // namespace vq::orb
 
-// Thread contract: the start-up and the shut-down operations belong to one thread at a time, and no
-// other call may be under way during them. Bind, GetChildPoa and the reads may be called from any
-// thread in between.
+// Thread safety: only one thread at a time may call the start-up and shut-down operations, with no
+// other call in progress. In between, Bind, GetChildPoa and the getters may be called from any
+// thread.
 class VQ_CLIENT_COMMON_API QCSOrbCommon {
  public:
   // The number of this ORB, from 1.
@@ -49,17 +49,17 @@ class VQ_CLIENT_COMMON_API QCSOrbCommon {
 
   // Start the ORB of a client that is called back, or of a pure client, which opens no port until
   // it asks for a POA. `argv` may be null when `argc` is 0; its strings are copied. The naming
-  // service must answer, or the ORB is not brought up. False when a setting is malformed, the
+  // service must answer, or the ORB is not started. False when a setting is malformed, the
   // configuration domain cannot be read, a port cannot be opened or the naming service does not
   // answer; the reason is logged at level 1. Never raises.
   bool InitCorba(int argc, char** argv, const char* name);
   bool InitCorba4Client(int argc, char** argv, const char* name);
 
-  // The object of a service, by way of the naming service: one look-up. With `probe` the server is
-  // asked at once whether the object exists, and a server that does not answer raises here; without
-  // it the reference is returned as the naming service has it. The caller owns the reference.
-  // Raises CosNaming::NamingContext exceptions and CORBA::SystemException, and
-  // CORBA::BAD_INV_ORDER while the ORB is not initialized.
+  // The object of a service, by one look-up in the naming service. With `probe` the server is asked
+  // at once whether the object exists, and a server that does not answer raises here; without it
+  // the naming service's reference is returned as it is. The caller owns the reference. Raises
+  // CosNaming::NamingContext exceptions and CORBA::SystemException, and CORBA::BAD_INV_ORDER while
+  // the ORB is not initialized.
   CORBA::Object_ptr Bind(const std::string& server, const std::string& kind,
                          const std::string& service, bool probe);
 
@@ -67,8 +67,8 @@ class VQ_CLIENT_COMMON_API QCSOrbCommon {
   // the ORB is not initialized.
   CosNaming::NamingContext_ptr GetNamingRoot();
 
-  // Ends the ORB; does nothing when it is not up. With `wait` it returns when calls in progress and
-  // the ORB's threads have ended. A later start brings up a new ORB.
+  // Ends the ORB; does nothing when it is not running. With `wait` it returns when calls in
+  // progress and the ORB's threads have ended. A later start makes a new ORB.
   void DestroyOrb(bool wait);
 
   // -1 when the certificate in use expires within `days` days, 0 otherwise, also when no
@@ -81,15 +81,15 @@ class VQ_CLIENT_COMMON_API QCSOrbCommon {
   // The POA for this ORB's servants, activated. Borrowed. Raises CORBA::SystemException.
   PortableServer::POA_ptr GetChildPoa();
 
-  // Asks for calls from servers to be served by a pool of threads. Takes effect at the next start,
-  // in ORB products that leave the choice.
+  // Requests a pool of threads for calls from servers. Takes effect at the next start, in ORB
+  // products that have that choice.
   void SetUseThreadPool(bool use) { m_useThreadPool = use; }
   bool GetUseThreadPool() const { return m_useThreadPool; }
 
-  // The settings in force, in a fixed order; empty while the ORB is not initialized.
+  // The settings that apply, in a fixed order; empty while the ORB is not initialized.
   const std::vector<vq::orb::ResolvedSetting>& GetSettings() const;
 
-  // Destroys the ORB object of that number, ending its ORB first. An unknown number is no fault.
+  // Destroys the ORB object of that number, ending its ORB first. An unknown number is ignored.
   static void DeleteOrbById(int id);
 
   QCSOrbCommon(const QCSOrbCommon&) = delete;

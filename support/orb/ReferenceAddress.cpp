@@ -40,7 +40,7 @@ int TryToConnect(const addrinfo& address, std::chrono::milliseconds limit) {
 constexpr std::uint32_t kIiopProfile = 0;
 constexpr std::uint32_t kAlternateAddress = 3;  // a component with a further host and port
 constexpr std::uint32_t kTlsPort = 20;          // a component with the port for TLS
-// An address is written as host:port into 255 characters; a longer one is no address.
+// host:port has room for 255 characters; a longer one is not an address.
 constexpr std::size_t kLongestAddress = 255;
 
 // Reads a CDR encapsulation: a byte order, then numbers aligned to their size, counted from the
@@ -117,7 +117,7 @@ bool DecodeHex(std::string_view text, std::vector<std::uint8_t>& bytes) {
   return true;
 }
 
-// The begin of a profile for IIOP.
+// The first part of a profile for IIOP.
 struct ProfileHead {
   std::uint8_t minor = 0;  // of the version
   std::string host;
@@ -142,13 +142,14 @@ AddressFault ReadProfile(const std::uint8_t* data, std::size_t size, ReferenceAd
   return AddressFault::kNone;
 }
 
-// What a profile says behind its first address.
+// The components of a profile, after its first address.
 void ReadComponents(CdrReader& profile, std::vector<ReferenceEndpoint>& endpoints,
                     const ReferenceEndpoint& first) {
   const std::uint8_t* data = nullptr;
   std::uint32_t length = 0;
   std::uint32_t count = 0;
-  if (!profile.Bytes(data, length) || !profile.Long(count)) return;  // the object's key, then they
+  if (!profile.Bytes(data, length) || !profile.Long(count))
+    return;  // the object's key, then the components
   for (std::uint32_t i = 0; i < count; ++i) {
     std::uint32_t tag = 0;
     if (!profile.Long(tag) || !profile.Bytes(data, length)) return;
@@ -178,8 +179,7 @@ void ReadEndpoints(const std::uint8_t* data, std::size_t size, int number,
   if (head.minor > 0) ReadComponents(profile, endpoints, first);
 }
 
-// The profiles of a reference as text, by way of `take`, which is told the tag and the contents of
-// each until it says false.
+// Passes the content of each IIOP profile of a reference to `take`, until that returns false.
 template <class Take>
 AddressFault ForEachProfile(std::string_view ior, Take take) {
   constexpr std::string_view kPrefix = "IOR:";

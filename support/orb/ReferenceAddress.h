@@ -1,4 +1,4 @@
-// Where the object behind a reference listens, read from the reference itself: no call is made; and
+// The address of the object behind a reference, read from the reference itself without a call; and
 // whether it can be reached there.
 //
 //   CORBA::Object_var server;   // a reference
@@ -6,8 +6,8 @@
 //     std::cout << endpoint.host << ' ' << endpoint.port << '\n';
 //   }
 //
-// A reference's text form ("IOR:" and hexadecimal digits) holds a byte order, a type and a list of
-// profiles; the first profile for IIOP holds the address.
+// A reference's string form ("IOR:" and hexadecimal digits) contains a byte order, a type and a
+// list of profiles; the first profile for IIOP contains the address.
 #ifndef VQ_SUPPORT_ORB_REFERENCEADDRESS_H
 #define VQ_SUPPORT_ORB_REFERENCEADDRESS_H
 
@@ -21,23 +21,22 @@
 
 namespace vq::orb {
 
-// Thread contract: a plain value.
 struct ReferenceAddress {
   std::string host;  // as the reference has it: a name or a number
   std::string port;  // decimal; "0" for an object that listens for TLS only
 };
 
-// Why a reference gives no address. The texts are what the diagnostics print.
+// Why a reference has no address. The diagnostics print the texts.
 enum class AddressFault { kNone, kNil, kInvalidStub, kInvalidProfile, kNoAddress };
 std::string_view AddressFaultText(AddressFault fault);  // empty for kNone
 
 // `address` is set only when the result is kNone. `object` may be null or nil.
 AddressFault AddressOf(CORBA::Object_ptr object, ReferenceAddress& address);
 
-// The same for a reference as text; any text is accepted and judged.
+// The same for a reference as a string; any string is accepted.
 AddressFault AddressOfText(std::string_view ior, ReferenceAddress& address);
 
-// One place where an object listens. Thread contract: a plain value.
+// One address at which an object listens.
 struct ReferenceEndpoint {
   std::string host;  // a name, or an address without brackets
   int port = 0;      // 0 to 65535
@@ -45,11 +44,11 @@ struct ReferenceEndpoint {
   int profile = 0;   // counted from 0
 };
 
-// All endpoints that a reference names, in its order; empty when it names none that can be read.
+// All endpoints in a reference, in its order; empty when none can be read.
 // IPv6 addresses are without brackets. No call is made.
 VQ_CLIENT_COMMON_API std::vector<ReferenceEndpoint> EndpointsOf(CORBA::Object_ptr object);
 
-// The same for a reference as text; any text is accepted.
+// The same for a reference as a string; any string is accepted.
 std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior);
 
 // "host:port", for a person.

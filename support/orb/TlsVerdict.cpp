@@ -153,8 +153,8 @@ bool NamesHost(X509* certificate, const SSL* connection) {
   return !address.empty() && X509_check_ip_asc(certificate, address.c_str(), 0) == 1;
 }
 
-// Whether the certificate is for a host that a server may be. OpenSSL takes a name that begins with
-// a dot for every name that ends so.
+// Whether the certificate is for an allowed server. For OpenSSL a name that begins with a dot
+// matches every name with that ending.
 bool IsAllowedServer(X509* certificate, const TlsSettings& settings) {
   if (certificate == nullptr) return false;
   const auto matches = [&](const std::string& pattern) {
@@ -181,14 +181,14 @@ std::string PeerText(const SSL* connection) {
   return (name.empty() ? peer.address : name) + ":" + peer.port;
 }
 
-// What is known of one connection of a client.
+// The state of one connection of a client.
 struct Handshake {
   std::string peer;
   bool asksForCertificate = false;  // and there is none
   bool done = false;
   bool reported = false;  // as failed
 
-  // Null for a server's connection, and where the handshake was not followed.
+  // Null for a server's connection, and before FollowHandshake saw its start.
   static Handshake* Of(const SSL* connection) {
     return static_cast<Handshake*>(SSL_get_ex_data(connection, Index()));
   }
@@ -207,8 +207,8 @@ struct Handshake {
   }
 
  private:
-  // A connection that is given up in the middle of the handshake got no answer. OpenSSL's errors of
-  // a handshake must not pass for those of the thread's next connection.
+  // A connection that is closed in the middle of the handshake got no answer. OpenSSL's errors of a
+  // handshake must not be reported for the thread's next connection.
   static void Free(void*, void* handshake, CRYPTO_EX_DATA*, int, long, void*) {
     const std::unique_ptr<Handshake> owner(static_cast<Handshake*>(handshake));
     if (owner == nullptr || owner->done) return;
@@ -376,7 +376,7 @@ void FollowHandshake(const SSL* connection, int where, int result) {
   if ((where & SSL_CB_HANDSHAKE_START) != 0 && Handshake::Of(connection) == nullptr) {
     auto handshake = std::make_unique<Handshake>();
     handshake->peer = PeerText(connection);
-    // The callback's type has a const that the connection has not.
+    // The callback's parameter is const, the connection is not.
     if (SSL_set_ex_data(const_cast<SSL*>(connection), Handshake::Index(), handshake.get()) == 1) {
       handshake.release();
     }
@@ -393,7 +393,7 @@ void FollowHandshake(const SSL* connection, int where, int result) {
     handshake->Report(ReasonText(kErrors, ERR_GET_REASON(error), ERR_reason_error_string(error)));
   } else if ((SSL_get_shutdown(connection) & SSL_RECEIVED_SHUTDOWN) != 0) {
     handshake->Report("it closed the connection");
-    // omniORB 4.2 knows no such end of a handshake, and would end the process.
+    // omniORB 4.2 does not handle such an end of a handshake, and would end the process.
     ERR_raise(ERR_LIB_SSL, SSL_R_UNEXPECTED_EOF_WHILE_READING);
   } else if (BIO_should_retry(SSL_get_rbio(connection)) == 0) {
     handshake->Report(std::strerror(errno));

@@ -1,8 +1,8 @@
-// Why a TLS certificate is refused, in words for an administrator, and what a TLS context is made
-// of. OpenSSL alone: the same for every ORB product.
+// Configures TLS contexts, and reports to an administrator why a TLS certificate is refused. Uses
+// OpenSSL alone, so it is the same for every ORB product.
 //
 //   std::unique_ptr<SSL_CTX, ...> context(SSL_CTX_new(TLS_method()));
-//   vq::orb::ConfigureTls(*context, settings);   // raises with a text that names file and setting
+//   vq::orb::ConfigureTls(*context, settings);   // an exception names the file and the setting
 #ifndef VQ_SUPPORT_ORB_TLSVERDICT_H
 #define VQ_SUPPORT_ORB_TLSVERDICT_H
 
@@ -16,35 +16,35 @@
 
 namespace vq::orb {
 
-// Raises std::invalid_argument for a listen endpoint with TLS and no certificate to show there, and
-// for settings that ask for more than TLS does while it is off.
+// Raises std::invalid_argument for a listen endpoint with TLS and no certificate, and for settings
+// that restrict TLS while it is off.
 void CheckTls(const OrbSettings& settings);
 
-// Loads authorities, certificate and key, and allows TLS 1.2 and later only. Without a file of
-// authorities those of the system are believed. The key may lie in a file of its own or in the
+// Loads CA certificates, own certificate and key, and allows only TLS 1.2 and later. Without a file
+// of CA certificates the system's are trusted. The key may be in a file of its own or in the
 // certificate's. Raises std::invalid_argument for a file that cannot be read, a key that needs a
-// pass phrase, and a key that is not the certificate's. Safe on any thread, as everything here.
+// pass phrase, and a key that does not belong to the certificate.
 void ConfigureTls(SSL_CTX& context, const TlsSettings& settings);
 
-// Allows TLS 1.2 only. TLS 1.3 has messages of its own after the handshake. A thread of the ORB's
-// would read them while the caller's writes the first request, which OpenSSL does not allow: such
-// requests got lost.
+// Allows only TLS 1.2. TLS 1.3 has messages of its own after the handshake. A thread of the ORB
+// would read them while the caller's thread writes the first request, which OpenSSL does not allow:
+// such requests were lost.
 void ForbidMessagesAfterHandshake(SSL_CTX& context);
 
-// Logs at level 1 what the settings leave unverified, and who may pose as whom then.
+// Logs at level 1 what the settings leave unverified, and which impersonation that allows.
 void WarnOfWeakVerification(const TlsSettings& settings);
 
 // Logs at level 1 why something is not sent unencrypted, and keeps it as the call's cause.
 void ReportUnencrypted(const std::string& cause);
-void ReportNoTls(const std::string& server);  // a server that offers none
+void ReportNoTls(const std::string& server);  // a server without TLS
 
 // The mode for SSL_CTX_set_verify.
 int TlsVerifyMode(const TlsSettings& settings);
 
-// The judgement on one certificate of a chain during a handshake, for OpenSSL's verify callback:
-// `verified` as OpenSSL has it, and for a server's own certificate also whether it names the host
-// that was asked for. A refusal is logged at level 1, and a server's is kept as the call's cause.
-// Returns 1 to go on, 0 to refuse.
+// Verifies one certificate of a chain during a handshake, for OpenSSL's verify callback: `verified`
+// is OpenSSL's own result; for a server's own certificate, the host that was asked for is compared
+// as well. A refusal is logged at level 1, and a server's is kept as the call's cause. Returns 1 to
+// accept, 0 to refuse.
 int JudgeCertificate(int verified, X509_STORE_CTX& context, const TlsSettings& settings);
 
 // For SSL_CTX_set_info_callback: logs at level 1 why a client's handshake failed, and keeps it as

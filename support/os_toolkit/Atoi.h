@@ -1,8 +1,8 @@
-// Reads a whole number from the start of a text, as the C library's atoi does.
+// Reads a whole number from the start of a string, like the C library's atoi.
 //
 // atoi is undefined for a number that does not fit an int. vq::Atoi gives the same result for every
-// text that fits, the nearest int for the rest, and takes a view, so that no copy is needed to read
-// a part of a text.
+// number that fits, the nearest int for the rest, and takes a view, so that a part of a string
+// needs no copy.
 //
 //   vq::Atoi("0730")        730
 //   vq::Atoi(" -5 days")    -5
@@ -19,8 +19,7 @@
 namespace vq {
 
 // Skips white space (blank, \t, \n, \v, \f, \r, whatever the locale), takes one optional sign, then
-// the digits up to the first character that is none, a zero byte included. 0 when there is no
-// digit.
+// the digits up to the first other character. 0 when there is no digit.
 constexpr int Atoi(std::string_view text) noexcept {
   constexpr std::int64_t kMin = std::numeric_limits<int>::min();
   constexpr std::int64_t kMax = std::numeric_limits<int>::max();

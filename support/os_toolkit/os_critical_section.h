@@ -9,8 +9,8 @@
 
 #include <support/Export.h>
 
-// Thread contract: any thread may call anything. Each lock or successful try_lock is undone by one
-// unlock of the same thread; the object outlives every holder.
+// Each lock or successful try_lock is undone by one unlock of the same thread; the object outlives
+// every holder.
 class VQ_CLIENT_COMMON_API os_critical_section {
  public:
   // With true the calling thread holds it from the start.
@@ -23,7 +23,7 @@ class VQ_CLIENT_COMMON_API os_critical_section {
   // Waits until no other thread holds it; the thread that holds it may take it again.
   void lock() { m_mutex.lock(); }
   bool try_lock() { return m_mutex.try_lock(); }  // false when another thread holds it
-  // Gives back one lock of the calling thread.
+  // Releases one lock of the calling thread.
   void unlock() { m_mutex.unlock(); }
 
  private:

@@ -1,4 +1,4 @@
-// A day of the Gregorian calendar, carried back before its introduction.
+// A day of the Gregorian calendar, extended to the years before its introduction.
 //
 // The *Julian day number* counts days: 0 is the day -4713-11-24, and 1970-01-01 is day 2440588.
 // Years run from -32767 to 32767, as those of std::chrono do, and there is a year 0. A date outside
@@ -19,7 +19,6 @@
 #include <support/Export.h>
 #include <support/os_toolkit/os_time_period.h>
 
-// Thread contract: a value; distinct objects are independent.
 class VQ_CLIENT_COMMON_API os_date {
  public:
   // The Julian day number of 1970-01-01, and the years that a date may have.
@@ -29,7 +28,8 @@ class VQ_CLIENT_COMMON_API os_date {
 
   // 1970-01-01.
   constexpr os_date() noexcept = default;
-  // Month 1 to 12, day 1 to the month's last. Raises os_toolkit_error for a date that is not.
+  // Month 1 to 12, day 1 to the month's last. Raises os_toolkit_error for a date that does not
+  // exist.
   constexpr os_date(int year, int month, int day) {
     if (!is_valid(year, month, day)) os_toolkit_error::raise_no_such_date(year, month, day);
     m_days = std::chrono::sys_days(Compose(year, month, day)).time_since_epoch().count();
@@ -68,8 +68,8 @@ class VQ_CLIENT_COMMON_API os_date {
     return static_cast<int>(std::chrono::weekday(Days()).c_encoding());
   }
 
-  // The day on which the moment lies that is the period after (or before) 00:00 of this day. Raises
-  // os_toolkit_error when that leaves the years of this class.
+  // The day of the moment that is the period after (or before) 00:00 of this day. Raises
+  // os_toolkit_error when that is outside the years of this class.
   friend constexpr os_date operator+(os_date date, os_time_period period) {
     return from_julian_day((date.start() + period).to_days());
   }

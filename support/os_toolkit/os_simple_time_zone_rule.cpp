@@ -6,7 +6,7 @@
 
 namespace {
 
-// One year is left free on either side, for the periods that reach over the turn of the year.
+// One year is kept free on either side, for the periods that cover the turn of the year.
 int NearestYear(int year) {
   return std::clamp(year, os_date::kMinYear + 1, os_date::kMaxYear - 1);
 }
@@ -17,7 +17,7 @@ os_time_period os_calendar_date::in_year(int year) const {
   if (os_date::is_valid(year, m_month, m_day)) {
     return os_date(year, m_month, m_day).start() + m_timeOfDay;
   }
-  // The first day after it that the year has. A day under 1 stands for the first of its month.
+  // The first day after it that the year has. A day below 1 counts as the first of its month.
   constexpr os_time_period kOneDay(1, 0, 0, 0, 0);
   if (m_month < 1) return os_date(year, 1, 1).start();
   if (m_month > 12 || (m_month == 12 && m_day > 31)) {

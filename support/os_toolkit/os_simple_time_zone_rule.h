@@ -1,9 +1,9 @@
 // A yearly rule that sets clocks forward: summer time.
 //
-// The rule covers [start, end) of every year from the first to the last of its range, read on the
-// clock on the wall. A start after its end covers the turn of the year, as summer does in the
-// south: in every year of the range, both the days before the end and those from the start on. A
-// start that equals its end covers nothing, as does a range whose last year lies before its first.
+// The rule covers [start, end) of every year from the first to the last of its range, by the wall
+// clock. A start after its end covers the turn of the year, as summer in the southern hemisphere:
+// in every year of the range, both the days before the end and those from the start on. A start
+// that equals its end covers nothing, as does a range whose last year is before its first.
 //
 //   // From 31 March to 27 October of 2024 and 2025, an hour.
 //   const os_simple_time_zone_rule summer(os_calendar_date(3, 31), os_calendar_date(10, 27), 2024,
@@ -18,7 +18,6 @@
 #include <support/os_toolkit/os_calendar_date.h>
 #include <support/os_toolkit/os_time_period.h>
 
-// Thread contract: a value that does not change after construction.
 class VQ_CLIENT_COMMON_API os_simple_time_zone_rule {
  public:
   // Years up to os_date's first or from its last on are taken as the nearest between them.
@@ -26,18 +25,18 @@ class VQ_CLIENT_COMMON_API os_simple_time_zone_rule {
   os_simple_time_zone_rule(os_calendar_date start, os_calendar_date end, int firstYear,
                            int lastYear, os_time_period adjustment);
 
-  // As given to the constructor, the years moved into those of os_date.
+  // As given to the constructor, the years limited to those of os_date.
   os_calendar_date start() const { return m_start; }
   os_calendar_date end() const { return m_end; }
   int first_year() const { return m_firstYear; }
   int last_year() const { return m_lastYear; }
   os_time_period adjustment() const { return m_adjustment; }
 
-  // Whether the rule is in effect when the clock on the wall shows this. In the hour that is left
-  // out at the start and in the one that comes twice at the end it is.
+  // Whether the rule is in effect when the wall clock shows this. It is in the hour that is skipped
+  // at the start and in the one that is repeated at the end.
   bool covers_wall_clock(os_time_period moment) const;
-  // Whether the rule is in effect when the standard clock would show this. Unlike a reading of the
-  // wall, this is never in doubt: the rule starts when the standard clock reaches the start, and
+  // Whether the rule is in effect when the standard clock would show this. Unlike for the wall
+  // clock, this is never ambiguous: the rule starts when the standard clock reaches the start, and
   // ends when the adjusted clock reaches the end.
   bool covers_standard_clock(os_time_period moment) const;
 

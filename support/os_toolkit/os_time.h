@@ -1,7 +1,7 @@
-// A time of the day: what a clock on the wall shows, without a date and without a zone.
+// A time of the day, as a wall clock shows it, without a date and without a zone.
 //
-// A number of seconds outside the day is kept as it is: joined with a date it counts on into the
-// days around it, and hour(), minute() and second() read the clock at that moment.
+// A number of seconds outside the day is kept as it is: with a date it leads to the days around it,
+// and hour(), minute() and second() return the clock's reading at that moment.
 //
 //   os_time(7, 30, 0).since_midnight().to_seconds();  // 27000
 //   os_time(-3600).hour();                            // 23, of the day before
@@ -15,7 +15,6 @@
 #include <support/Export.h>
 #include <support/os_toolkit/os_time_period.h>
 
-// Thread contract: a value; distinct objects are independent.
 class VQ_CLIENT_COMMON_API os_time {
  public:
   // Midnight.
@@ -35,7 +34,7 @@ class VQ_CLIENT_COMMON_API os_time {
 
   // The period since midnight, as given.
   constexpr os_time_period since_midnight() const noexcept { return m_sinceMidnight; }
-  // What a clock shows: 0 to 23, 0 to 59, 0 to 59, whole days left out.
+  // The clock's reading: 0 to 23, 0 to 59, 0 to 59, without whole days.
   constexpr int hour() const noexcept { return static_cast<int>(SecondOfDay() / 3600); }
   constexpr int minute() const noexcept { return static_cast<int>(SecondOfDay() / 60 % 60); }
   constexpr int second() const noexcept { return static_cast<int>(SecondOfDay() % 60); }

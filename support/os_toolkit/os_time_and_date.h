@@ -1,4 +1,4 @@
-// An instant, with the date and time that the clock of one zone shows at it.
+// An instant, with the date and time of one zone's clock.
 //
 // The instant is counted from 00:00 UTC of the Julian day 0, so 1970-01-01 00:00 UTC is 2440588
 // days, or 210866803200 seconds.
@@ -18,8 +18,7 @@
 #include <support/os_toolkit/os_time_period.h>
 #include <support/os_toolkit/os_time_zone.h>
 
-// Thread contract: a value; distinct objects are independent. now and set_clock may be called from
-// any thread at any time.
+// Thread safety: now and set_clock may be called from any thread at any time.
 class VQ_CLIENT_COMMON_API os_time_and_date {
  public:
   // The instant, counted as above.
@@ -27,20 +26,20 @@ class VQ_CLIENT_COMMON_API os_time_and_date {
 
   // 1970-01-01 00:00 UTC.
   os_time_and_date() : os_time_and_date(os_time(), os_date()) {}
-  // What the clock in the zone shows; without one, what a clock of UTC shows. The zone is read here
-  // and not kept. Raises os_toolkit_error when the time leads out of the years of os_date.
+  // From the reading of the zone's clock; without a zone, of UTC's. The zone is read here and not
+  // kept. Raises os_toolkit_error when the time is outside the years of os_date.
   os_time_and_date(os_time time, os_date date);
   os_time_and_date(os_time time, os_date date, const os_time_zone& zone);
-  // An instant, seen in the zone. Raises as above.
+  // An instant, with the zone's clock. Raises as above.
   os_time_and_date(os_time_period utc, const os_time_zone& zone);
 
-  // The present instant in UTC, from the system's clock or the one that set_clock put in its place.
+  // The present instant in UTC, from the system's clock or its replacement.
   static os_time_and_date now();
-  // Puts another clock in place, or with null the system's again. Returns the one before, null for
-  // the system's. The function must be callable from any thread that asks for now.
+  // Replaces the clock, or with null restores the system's. Returns the former one, null for the
+  // system's. The function must be callable from any thread that calls now.
   static clock_function set_clock(clock_function clock) noexcept;
 
-  // What the clock of the zone shows.
+  // The reading of the zone's clock.
   os_date date() const noexcept { return m_date; }
   os_time time() const noexcept { return m_time; }  // within the day
   // The instant, counted from 00:00 UTC of the Julian day 0.

@@ -16,11 +16,10 @@
 #include <support/Export.h>
 #include <support/os_toolkit/os_toolkit_error.h>
 
-// Thread contract: a value; distinct objects are independent.
-// What leaves 64 bits of seconds raises os_toolkit_error.
+// A result that does not fit 64 bits of seconds raises os_toolkit_error.
 class VQ_CLIENT_COMMON_API os_time_period {
  public:
-  // How many of the one make the other.
+  // Conversion factors.
   static constexpr std::int64_t kSecondsOfDay = 86400;
   static constexpr std::int64_t kNanosecondsOfSecond = 1'000'000'000;
 
@@ -45,7 +44,7 @@ class VQ_CLIENT_COMMON_API os_time_period {
   constexpr std::int64_t to_days() const noexcept {
     return m_seconds / kSecondsOfDay - (m_seconds % kSecondsOfDay < 0 ? 1 : 0);
   }
-  // What to_seconds leaves out, 0 to 999,999,999.
+  // The part that to_seconds omits, 0 to 999,999,999.
   constexpr std::int32_t nanoseconds() const noexcept { return m_nanoseconds; }
 
   // Arithmetic to the nanosecond.
@@ -58,7 +57,7 @@ class VQ_CLIENT_COMMON_API os_time_period {
     return os_time_period(Subtract(left.m_seconds, right.m_seconds),
                           std::int64_t{left.m_nanoseconds} - right.m_nanoseconds);
   }
-  // By length; negative periods come before none.
+  // By length; negative periods are less than none.
   friend constexpr auto operator<=>(const os_time_period&, const os_time_period&) = default;
 
  private:

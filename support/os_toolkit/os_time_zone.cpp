@@ -18,7 +18,7 @@ os_time_zone::os_time_zone(os_time_period offset, std::string name, std::string 
     : m_offset(offset), m_name(std::move(name)), m_abbreviation(std::move(abbreviation)) {}
 
 const os_time_zone& os_time_zone::greenwich() {
-  // Never destroyed, so that code that runs at the end of the process may still ask it.
+  // Never destroyed, so that code that runs at the end of the process can still use it.
   static const os_time_zone* const zone = new os_time_zone(os_time_period(), "UTC", "UTC");
   return *zone;
 }

@@ -1,5 +1,5 @@
-// The tokens of a text: what stands between delimiters, each a single character. Empty tokens are
-// dropped, so delimiters in a row count as one, and those at either end as none.
+// Splits a string into tokens at delimiters, each a single character. Empty tokens are dropped, so
+// adjacent delimiters count as one, and those at either end as none.
 //
 //   const os_tokenizer tokens("E_GAS \t 8.0.00", " \t");
 //   tokens.size();   // 2
@@ -25,7 +25,7 @@ class os_tokenizer {
 
   std::size_t size() const { return m_tokens.size(); }
   bool empty() const { return m_tokens.empty(); }
-  // From 0; raises std::out_of_range for a token that is not there.
+  // From 0; raises std::out_of_range for a token that does not exist.
   const std::string& operator[](std::size_t index) const { return m_tokens.at(index); }
   std::vector<std::string>::const_iterator begin() const { return m_tokens.begin(); }
   std::vector<std::string>::const_iterator end() const { return m_tokens.end(); }

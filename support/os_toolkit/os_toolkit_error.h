@@ -1,5 +1,5 @@
-// The failure of the os_ toolkit: a date that the calendar does not have, a period or an instant
-// that leaves the range of its type.
+// The error of the os_ toolkit: a date that does not exist, a period or an instant outside the
+// range of its type.
 //
 //   try {
 //     const os_date date(2023, 2, 29);
@@ -14,7 +14,7 @@
 
 #include <support/Export.h>
 
-// A date, time or period that is not. Thread contract: as a standard exception.
+// A date, time or period that does not exist.
 class VQ_CLIENT_COMMON_API os_toolkit_error : public std::runtime_error {
  public:
   // `what`: why, in English, for the log.
@@ -23,7 +23,7 @@ class VQ_CLIENT_COMMON_API os_toolkit_error : public std::runtime_error {
   os_toolkit_error(const os_toolkit_error&) = default;
   os_toolkit_error& operator=(const os_toolkit_error&) = default;
 
-  // Throw from inline code without the text's construction in it.
+  // Throw from inline code without constructing the text there.
   [[noreturn]] static void raise_overflow();
   [[noreturn]] static void raise_no_such_date(long long year, long long month, long long day);
   [[noreturn]] static void raise_no_such_time(long long hour, long long minute, long long second);

@@ -13,7 +13,7 @@ void Wipe(std::string& text) noexcept {
 }
 
 SecretString::SecretString(SecretString&& other) noexcept : m_text(std::move(other.m_text)) {
-  Wipe(other.m_text);  // A short text was copied, not moved.
+  Wipe(other.m_text);  // A short string was copied, not moved.
 }
 
 SecretString& SecretString::operator=(const SecretString& other) {
@@ -21,7 +21,7 @@ SecretString& SecretString::operator=(const SecretString& other) {
   std::string copy(other.m_text);
   Wipe(m_text);
   m_text.swap(copy);
-  Wipe(copy);  // Exchanging short texts leaves the secret's bytes in it.
+  Wipe(copy);  // Swapping short strings leaves the secret's bytes in it.
   return *this;
 }
 
@@ -29,7 +29,7 @@ SecretString& SecretString::operator=(SecretString&& other) noexcept {
   if (this == &other) return *this;
   Wipe(m_text);
   m_text.swap(other.m_text);
-  Wipe(other.m_text);  // Exchanging short texts goes through both buffers.
+  Wipe(other.m_text);  // Swapping short strings goes through both buffers.
   return *this;
 }
 

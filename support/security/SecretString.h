@@ -1,8 +1,8 @@
-// Wiping texts that must not stay in memory once they are done with.
+// Wipes strings that must not stay in memory after their use.
 //
-// A *secret* is a password or what is computed from one. Freeing a string leaves its bytes in the
+// A *secret* is a password or a value computed from one. Freeing a string leaves its bytes in the
 // heap, and a short string leaves them in the object itself, so a secret is overwritten before its
-// memory goes back.
+// memory is freed.
 //
 //   vq::SecretString secret;
 //   if (vq::AskForPassword()(user, secret).empty()) SetUserPassword(secret.Text(), false);
@@ -17,14 +17,12 @@
 
 namespace vq {
 
-// Overwrites the whole buffer of `text`, what lies between its length and its capacity included,
-// and leaves it empty. The compiler does not optimise the overwriting away. Buffers that the string
-// gave up earlier, when it grew, are out of reach.
+// Overwrites the whole buffer of `text`, up to its capacity, and leaves it empty. The compiler does
+// not optimise the overwriting away. Buffers that the string freed earlier, when it grew, are out
+// of reach.
 VQ_CLIENT_COMMON_API void Wipe(std::string& text) noexcept;
 
-// Owns one text and wipes it when it is destroyed, assigned to or moved from.
-//
-// Thread contract: as a std::string; an object belongs to one thread at a time.
+// Owns one string and wipes it when it is destroyed, assigned to or moved from.
 class VQ_CLIENT_COMMON_API SecretString {
  public:
   SecretString() = default;
@@ -37,8 +35,8 @@ class VQ_CLIENT_COMMON_API SecretString {
   SecretString& operator=(const SecretString& other);
   SecretString& operator=(SecretString&& other) noexcept;
 
-  // The text itself, for functions that read or fill a std::string. A caller that makes it longer
-  // step by step leaves copies behind; assign it whole.
+  // The string itself, for functions that read or fill a std::string. Growing it step by step
+  // leaves copies behind; assign it at once.
   std::string& Text() noexcept { return m_text; }
   const std::string& Text() const noexcept { return m_text; }
 

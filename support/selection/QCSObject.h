@@ -1,7 +1,7 @@
 // An object as a selection sees it: named text attributes.
 //
 // A calendar, a table, a resource or a job is described to a selection (QCSSelectionDef.h) by the
-// texts that its criteria speak of:
+// attributes that its criteria name:
 //
 //   QCSObject table;
 //   table.SetAttribute("TABLE", "PAYROLL_DAILY");
@@ -9,8 +9,8 @@
 //   const UserAuthorizations* user = UserAuthorizations::Get();
 //   if (user->IsSchedTblAccessAllowed(table, UPDATE_ACCESS)) Show("PAYROLL_DAILY");
 //
-// Names are case sensitive. An attribute that was never set is missing, which is not the same as an
-// attribute whose value is the empty text.
+// Names are case sensitive. An attribute that was never set is missing, which differs from an
+// attribute whose value is the empty string.
 #ifndef VQ_SUPPORT_SELECTION_QCSOBJECT_H
 #define VQ_SUPPORT_SELECTION_QCSOBJECT_H
 
@@ -21,8 +21,6 @@
 
 #include <support/Export.h>
 
-// Thread contract: like a standard container. Several threads may read one object, nobody may write
-// meanwhile.
 class VQ_CLIENT_COMMON_API QCSObject {
  public:
   using Attribute = std::pair<std::string, std::string>;  // name, value
@@ -35,8 +33,8 @@ class VQ_CLIENT_COMMON_API QCSObject {
   // Makes the attribute missing. Returns whether it was there.
   bool RemoveAttribute(std::string_view name);
 
-  // The attribute's value, or null when it is missing. The object owns the text, and any change of
-  // the object ends its life.
+  // The attribute's value, or null when it is missing. The object owns the string; any change of
+  // the object invalidates it.
   const std::string* FindAttribute(std::string_view name) const;
 
   // All attributes in the order of their names.

@@ -29,8 +29,8 @@ bool IsLanguageWord(std::string_view name) {
   return std::ranges::any_of(kWords, [&](std::string_view word) { return IsWord(name, word); });
 }
 
-// The cursor over one text. Each Take function moves it past what it takes, and leaves it where it
-// was when that does not come next.
+// The cursor over one text. Each Take function moves it past the token that it takes, and leaves it
+// in place when another token comes next.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : m_text(text) {}
@@ -104,7 +104,7 @@ class Scanner {
     }
   }
 
-  // Tells what was expected where the cursor stands. Returns false, for the parser to return.
+  // Reports what was expected at the cursor. Returns false, for the parser to return.
   bool Fail(std::string_view expected, vq::SelectionParseError& error) {
     constexpr std::size_t kExcerpt = 20;
     error.expected = expected;

@@ -1,4 +1,4 @@
-// A selection: says of an object whether it is one of those meant.
+// A selection: a condition that decides which objects it selects.
 //
 // Terms. A *matching* is a field, an operator and a value (SelectionMatching.h). A *term* is
 // matchings joined by AND: all of them must fit. A *definition* is terms joined by OR: one of them
@@ -36,8 +36,8 @@ namespace vq {
 //             ^ position 10: expected a value in single quotes, found PAY*
 struct VQ_CLIENT_COMMON_API SelectionParseError {
   std::size_t position = 0;  // bytes before the fault, from 0
-  std::string expected;      // what may stand there, in words
-  std::string found;         // what stands there, at most 20 bytes of it, or "the end of the text"
+  std::string expected;      // a description of what is allowed there
+  std::string found;         // the text there, at most 20 bytes of it, or "the end of the text"
 
   // "at position 10: expected a value in single quotes, found PAY*"
   std::string AsString() const;
@@ -45,8 +45,6 @@ struct VQ_CLIENT_COMMON_API SelectionParseError {
 
 }  // namespace vq
 
-// Thread contract: like a standard container. The five virtual operations only read, so several
-// threads may ask one definition, as long as nobody changes it meanwhile.
 class VQ_CLIENT_COMMON_API QCSSelectionDef {
  public:
   // Matchings that are joined by AND.
@@ -62,10 +60,10 @@ class VQ_CLIENT_COMMON_API QCSSelectionDef {
   // The text form. Parses back to an equal definition. Empty for a definition without terms.
   virtual std::string AsString() const;
 
-  // Tells how a matching counts whose attribute is missing: `fits` for the operators that say what
-  // the attribute is (=, <, <=, >, >=, LIKE), `negatedFits` for those that say what it is not (!=,
-  // NOT LIKE). Both false here: nothing is known of the attribute, so nothing is claimed of it. A
-  // derived class may answer otherwise, and must not change the object: DoesItFit asks it, on
+  // Sets whether a matching fits whose attribute is missing: `fits` for the positive operators (=,
+  // <,
+  // <=, >, >=, LIKE), `negatedFits` for the negative ones (!=, NOT LIKE). Both are false here. A
+  // derived class may override this, and must not change the object: DoesItFit calls it, on
   // constant objects too.
   virtual void HowToEvaluateMissingAttrsMatches(bool& fits, bool& negatedFits);
 
@@ -84,9 +82,9 @@ class VQ_CLIENT_COMMON_API QCSSelectionDef {
   QCSSelectionDef& operator=(const QCSSelectionDef&);
   QCSSelectionDef& operator=(QCSSelectionDef&&) noexcept;
 
-  // Replaces the terms by those of the text. Returns false when the text does not parse: `error`
-  // then tells why, and the definition is as it was. The empty text gives no terms. Takes time and
-  // memory in proportion to the text.
+  // Replaces the terms by those of the text. Returns false when the text does not parse, with the
+  // reason in `error` and the definition unchanged. The empty text has no terms. Time and memory
+  // are proportional to the text.
   bool Parse(std::string_view text, vq::SelectionParseError& error);
 
   // The terms in order; valid until the definition changes.

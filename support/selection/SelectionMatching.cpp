@@ -56,8 +56,8 @@ bool MatchesWildcard(std::string_view pattern, std::string_view text) {
       ++p;
       ++t;
     } else if (star != kNone) {
-      // What lies between two stars is best taken as early as possible: an earlier star never has
-      // to take more, so only the last one is widened.
+      // The part between two stars is best matched as early as possible: an earlier star never has
+      // to match more, so only the last one is extended.
       p = star + 1;
       t = ++resume;
     } else {

@@ -3,9 +3,9 @@
 //   vq::SelectionMatching matching{"TABLE", vq::SelectionOperator::Like, "PAY*"};
 //   vq::MatchesValue(matching.op, matching.value, "PAYROLL");   // true
 //
-// `=` and `!=` compare the texts byte by byte. LIKE and NOT LIKE take the value for a pattern with
-// `*` and `?`. The four order operators compare as whole numbers where both texts are whole numbers
-// of any length ("9" < "10", "-3" < "2"), and byte by byte otherwise.
+// `=` and `!=` compare the strings byte by byte. For LIKE and NOT LIKE the value is a pattern with
+// `*` and `?`. The four order operators compare as whole numbers where both strings are whole
+// numbers of any length ("9" < "10", "-3" < "2"), and byte by byte otherwise.
 #ifndef VQ_SUPPORT_SELECTION_SELECTIONMATCHING_H
 #define VQ_SUPPORT_SELECTION_SELECTIONMATCHING_H
 
@@ -16,7 +16,7 @@
 
 namespace vq {
 
-// How the attribute and the value are compared; the banner tells what each means.
+// How the attribute and the value are compared; see above.
 enum class SelectionOperator : std::uint8_t {
   Equal,
   NotEqual,
@@ -37,12 +37,12 @@ constexpr std::string_view AsText(SelectionOperator op) {
   return kSelectionOperatorTexts[static_cast<std::size_t>(op)];
 }
 
-// Whether the operator says what the attribute must not be.
+// Whether the operator is a negative one.
 constexpr bool IsNegated(SelectionOperator op) {
   return op == SelectionOperator::NotEqual || op == SelectionOperator::NotLike;
 }
 
-// A field, an operator and a value. Thread contract: a plain value.
+// A field, an operator and a value.
 struct SelectionMatching {
   std::string field;                                // the attribute's name
   SelectionOperator op = SelectionOperator::Equal;  // how to compare
@@ -52,17 +52,16 @@ struct SelectionMatching {
   friend bool operator==(const SelectionMatching&, const SelectionMatching&) = default;
 };
 
-// The wildcards of the LIKE operators: `*` stands for any text, the empty one too, and `?` for
-// exactly one byte. Every other byte stands for itself; there is no escape character.
+// The wildcards of the LIKE operators: `*` matches any string, the empty one too, and `?` exactly
+// one byte. Every other byte matches itself; there is no escape character.
 inline constexpr std::string_view kWildcards = "*?";
 
-// Whether the whole text matches the whole pattern. Takes no memory. The time is proportional to
-// the text for patterns as people write them, and never more than pattern length times text length,
-// since a `*` that has been passed is not tried again. May be called from any thread.
+// Whether the whole text matches the whole pattern. Allocates no memory. The time is proportional
+// to the text for usual patterns, and never more than pattern length times text length.
 bool MatchesWildcard(std::string_view pattern, std::string_view text);
 
-// Whether an attribute with the text `attribute` fits the operator and the value. May be called
-// from any thread. For the library itself: it is not exported, and programs ask a definition.
+// Whether an attribute with the value `attribute` fits the operator and the value. For the library
+// itself: it is not exported, and programs use a definition.
 bool MatchesValue(SelectionOperator op, std::string_view value, std::string_view attribute);
 
 }  // namespace vq

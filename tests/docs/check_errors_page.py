@@ -51,7 +51,7 @@ def read_sources(root):
                             (root / "support/orb/OrbSettings.h").read_text()))
 
     def with_settings(text):  # a text may hold the name of a setting
-        return re.sub(r"\bk\w+", lambda m: names.get(m[0], m[0]), text)
+        return re.sub(r"(?:\w+::)*\b(k\w+)", lambda m: names.get(m[1], m[0]), text)
 
     return {p.relative_to(root).as_posix(): with_settings(without_comments(p.read_text()))
             for p in sorted(paths) if p.suffix in (".h", ".cpp")}

@@ -29,7 +29,7 @@ TEST_F(FailureCauseTest, StandsBesideResultAndText) {
       {[](O& o) { o.password.Text() = "x"; }, none, 0, "This error may be caused", ""},
       {[](O& o) { o.user = ""; }, none, 0, "This error", "the user, the password or the server"},
       {[](O& o) { o.server = "no"; }, none, 54, "This error",
-       "the naming service knows no UsersManager of a server 'no' of the kind GSR"},
+       "the naming service has no UsersManager of a server 'no' of the kind GSR"},
       {[](O& o) { o.namingService = "corbaloc:iiop:127.0.0.1:1/NameService"; }, none, 55, "CORBA",
        "connection refused at 127.0.0.1:1"},
       {[](O& o) { o.namingService = "corbaloc:iiop:none.invalid:1/NameService"; }, none, 55,
@@ -63,7 +63,7 @@ TEST_F(FailureCauseTest, StandsBesideResultAndText) {
     EXPECT_EQ(error.Cause().substr(0, cause.empty() ? 99 : cause.size()), cause) << m_log.Text();
   }
   EXPECT_EQ(Login("alice", "secret", "no"), 54);
-  EXPECT_TRUE(GL_GetFailureCause().starts_with("the naming service knows no")) << "as before";
+  EXPECT_TRUE(GL_GetFailureCause().starts_with("the naming service has no")) << "as before";
   EXPECT_EQ(Login("locked"), 49);
   EXPECT_EQ(GL_GetFailureCause(), "") << "the message says it all";
 }
