@@ -24,40 +24,33 @@ function(vq_precompile target)
   endif()
 endfunction()
 
-# vq_add_support_library(<folder> SOURCES ... [HEADERS public...] [LINK targets...])
-# One static library a support folder, named vq_support_<folder>. HEADERS are installed because a
-# public header of the library needs them.
-function(vq_add_support_library folder)
+# vq_add_part(<target> <type> <property> SOURCES ... [HEADERS public...] [LINK targets...])
+# One library of this tree, whose name joins the list in the global property. HEADERS are installed.
+function(vq_add_part target type property)
   cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;LINK" ${ARGN})
-  set(target vq_support_${folder})
-  add_library(${target} STATIC ${ARG_SOURCES})
+  add_library(${target} ${type} ${ARG_SOURCES})
   target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE vq_warnings)
   foreach(header IN LISTS ARG_HEADERS)
     set_property(GLOBAL APPEND PROPERTY VQ_PUBLIC_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/${header})
   endforeach()
-  if(folder MATCHES "^(orb|grants)$")
+  if(ARG_LINK MATCHES "vq_idl|vq_support_orb")
     vq_precompile(${target})
   endif()
-  set_property(GLOBAL APPEND PROPERTY VQ_SUPPORT_LIBRARIES ${target})
+  set_property(GLOBAL APPEND PROPERTY ${property} ${target})
 endfunction()
 
-# vq_add_library_folder(<folder> SOURCES ... HEADERS public... [LINK targets...])
+# vq_add_support_library(<folder> ...), as vq_add_part
+# One static library a support folder, named vq_support_<folder>.
+function(vq_add_support_library folder)
+  vq_add_part(vq_support_${folder} STATIC VQ_SUPPORT_LIBRARIES ${ARGN})
+endfunction()
+
+# vq_add_library_folder(<folder> ...), as vq_add_part
 # One object library a folder of vq_client_common, named vq_common_<folder>; the shared library and
 # its static twin are made of all of them.
 function(vq_add_library_folder folder)
-  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;LINK" ${ARGN})
-  set(target vq_common_${folder})
-  add_library(${target} OBJECT ${ARG_SOURCES})
-  target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
-  target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE vq_warnings)
-  foreach(header IN LISTS ARG_HEADERS)
-    set_property(GLOBAL APPEND PROPERTY VQ_PUBLIC_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/${header})
-  endforeach()
-  if(ARG_LINK MATCHES "vq_idl")
-    vq_precompile(${target})
-  endif()
-  set_property(GLOBAL APPEND PROPERTY VQ_FOLDER_TARGETS ${target})
+  vq_add_part(vq_common_${folder} OBJECT VQ_FOLDER_TARGETS ${ARGN})
 endfunction()
 
 # vq_add_test(<name> SOURCES ... LINK targets... [LABELS ...] [TIMEOUT seconds] [ARGS ...])
