@@ -95,7 +95,7 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
        "takes connections, but gives no answer"},
       {"it is something else", start,
        "doctor @ -ORBInitRef NameService=corbaloc::" + At() + "/Other", 55,
-       "is of no object that exists", "Correct --naming"},
+       "refers to no existing object", "Correct --naming"},
       {"a setting is malformed", start, "doctor @ -ORBCallTimeout soon", 55, "settings: the value",
        "Correct it where it is set"},
       {"there is no such CA file", start, "doctor @ --ca /no/such.pem", 55,
