@@ -102,7 +102,7 @@ TEST(OrbSettingsTest, RefusesMalformedValues) {
        "-ORBInitRef=NameService -> of the form NAME=R", "-SSLVerifyHost=off -> 0 or 1",
        "-SSLServerNames=a.site,,b.site -> a list of host nam",
        "-SSLServerNames=* -> a list of host nam", "-SSLServerNames=a*.site -> a list of host nam",
-       "-SSLServerNames=*.site,10.0.0.1 -> "});
+       "-SSLServerNames=*..site -> a list of host nam", "-SSLServerNames=*.site,10.0.0.1 -> "});
   const char* const argv[] = {"client", "-ORBCallTimeout"};
   EXPECT_THROW(SplitArguments(2, argv), std::invalid_argument);
   EXPECT_TRUE(SplitArguments(0, nullptr).rest.empty());

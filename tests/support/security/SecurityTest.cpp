@@ -98,11 +98,14 @@ TEST(SecretStringTest, Wipes) {
   third = same;
   third = std::move(same);
   EXPECT_EQ(third.Text(), "secret7");
-  const vq::SecretString shorter("ab");  // leaves the end of a longer one in its place
-  third = vq::SecretString("-secret7");
-  third = shorter;
-  EXPECT_EQ(third.Text(), "ab");
-  EXPECT_FALSE(Shows(third));
+  // A shorter one leaves the end of a longer one in its place, one on the heap the whole.
+  for (const std::string text : {"ab", "a text that does not fit into the object"}) {
+    const vq::SecretString other(text);
+    third = vq::SecretString("-- --- -secret7");
+    third = other;
+    EXPECT_EQ(third.Text(), text);
+    EXPECT_FALSE(Shows(third));
+  }
 
   alignas(vq::SecretString) unsigned char storage[sizeof(vq::SecretString)];
   std::destroy_at(std::construct_at(reinterpret_cast<vq::SecretString*>(storage), "secret7"));
