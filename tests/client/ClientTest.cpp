@@ -3,11 +3,14 @@
 #include "ClientFixture.h"
 
 #include <csignal>
+#include <iostream>
 #include <regex>
 #include <set>
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <vq_client_common/session/StoredSettings.h>
 
 namespace vq::test {
 namespace {
@@ -293,26 +296,33 @@ TEST_F(ClientTest, EverySettingOfTheOrbHasALongOption) {
   EXPECT_EQ(count, 17);
 }
 
-// With the rights of its owner a program that anybody starts must not take settings from him.
+// What the next test runs as a program of its own. vqclient would do but for its shared library,
+// which a set-user-ID program takes from trusted directories alone.
+TEST(StoredSettings, DISABLED_Print) {
+  std::string error;
+  for (const StoredSetting& setting : ReadStoredSettings(error)) std::cout << setting.value << '\n';
+}
+
+// With the rights of its owner a program must not take settings from whoever starts it.
 TEST_F(ClientTest, ASetUserIdProgramDoesNotReadTheUsersLayer) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can make such a program";
   m_environment.Set("VQ_CONFIG_DOMAINS", std::nullopt);
   m_directory.Write(".config/vq/vq.xml",
                     "<domain><scope name=\"vqclient\"><var name=\"server\">of-user</var></scope>"
                     "</domain>");
-  const std::string program = m_directory / "vqclient";
-  std::filesystem::copy_file(VQ_CLIENT, program);
+  const std::string program = m_directory / "program";
+  std::filesystem::copy_file("/proc/self/exe", program);
   ASSERT_EQ(::chmod(m_directory.Path().c_str(), 0755) + ::chown(program.c_str(), 54321, 54321), 0);
   ChildProcess::Options options;
   options.standardOutput = m_directory / "out";
-  for (const int mode : {0755, 04755}) {
+  for (const mode_t mode : {0755U, 04755U}) {
     std::filesystem::remove(options.standardOutput);
-    ASSERT_EQ(::chmod(program.c_str(), static_cast<mode_t>(mode)), 0);
-    ChildProcess client = ChildProcess::Start(
-        {"setpriv", "--reuid=12345", "--clear-groups", program, "config", "show"}, options);
-    const int code = client.Wait(std::chrono::seconds(60)).value_or(-1);
-    if (mode == 0755 && code == 127) GTEST_SKIP() << "others cannot read this build tree";
-    ASSERT_EQ(code, 0) << m_directory.Read("out");
+    ASSERT_EQ(::chmod(program.c_str(), mode), 0);
+    ChildProcess client =
+        ChildProcess::Start({"setpriv", "--reuid=12345", "--clear-groups", program,
+                             "--gtest_also_run_disabled_tests", "--gtest_filter=*DISABLED_Print"},
+                            options);
+    ASSERT_EQ(client.Wait(std::chrono::seconds(60)), 0) << m_directory.Read("out");
     EXPECT_EQ(m_directory.Read("out").find("of-user") != std::string::npos, mode == 0755)
         << m_directory.Read("out");
   }

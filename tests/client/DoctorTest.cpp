@@ -22,6 +22,7 @@ class DoctorTest : public ClientFixture {
   // Puts a reference into the naming service under the server's name, and others under names of
   // their own.
   void Register(const std::string& addresses, int others = 0) {
+    m_server.reset();
     std::string program = "test", option = "-ORBInitRef";
     std::string reference = "NameService=" + m_naming.Reference();
     char* arguments[] = {program.data(), option.data(), reference.data()};
@@ -106,8 +107,8 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
        "knows no server 'nowhere' of kind GSR", "vqclient servers"},
       {"the server is dead", [&] { StartServer().Kill(); }, "doctor @", 54,
        "address: connection refused at 127.0.0.1", "Nobody listens there: start the server"},
-      {"the server is silent", at("iiop:127.0.0.1:1,iiop:" + place), "doctor @ --call-timeout 1000",
-       54, "server: it does not answer: no answer from",
+      {"the server is silent", at("iiop:" + place), "doctor @ --call-timeout 1000", 54,
+       "server: it does not answer: no answer from",
        "takes connections, but gives no answer: the server hangs"},
       {"the server's host is unknown", at(":no.such.host.invalid:1"), "doctor @", 54,
        "the host no.such.host.invalid cannot be resolved", "does not know the name"},
@@ -167,7 +168,7 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
     ASSERT_NE(bad, std::string::npos) << outcome.output << outcome.words;
     EXPECT_THAT(outcome.output.substr(bad), HasSubstr(row.finding));
     EXPECT_THAT(outcome.output.substr(bad), HasSubstr(row.advice));
-    EXPECT_EQ(outcome.output.find("[BAD]", bad + 1), std::string::npos) << outcome.output;
+    EXPECT_EQ(outcome.output.find("[BAD]", bad + 1), std::string::npos);
     if (m_server) m_server->Kill();
   }
 }
@@ -201,7 +202,7 @@ TEST_F(DoctorTest, ServersAreListedByAnUnencryptedNamingService) {
     EXPECT_EQ(outcome.code, 0) << outcome.words;
     const json servers = json::parse(outcome.output);
     ASSERT_FALSE(servers.empty());
-    EXPECT_EQ(servers.back()["tls"], others == 0);
+    EXPECT_EQ(servers.back()["tls"], others == 0) << outcome.output;
     EXPECT_EQ(servers.back()["alive"], others == 0) << "another one is not called unencrypted";
   }
   EXPECT_EQ(Run(command + " --encrypt-lookups 1").code, 55);
