@@ -65,7 +65,6 @@ struct Session::State : std::enable_shared_from_this<State> {
   std::jthread thread;
   mutable std::mutex messageLock;
   std::string message;
-
   std::recursive_mutex calls;  // recursive, since the client's hooks may call members
   std::chrono::steady_clock::time_point lastAlive;
   bool silent = false;    // the last keep-alive had no answer

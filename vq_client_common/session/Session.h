@@ -45,14 +45,12 @@ struct SessionOptions {
   // Called with the server's message when the password has expired. Returns the new password, or an
   // empty one to end the login.
   std::function<SecretString(const std::string& message)> newPassword = nullptr;
-  // The server ends a session without keep-alives after this time. A time-out in the site's
-  // settings replaces it (GL_GetCRBRegisterTimeOut).
+  // Of a session without keep-alives. The site's settings replace it (GL_GetCRBRegisterTimeOut).
   std::chrono::seconds timeOut{600};
   std::string namingService{};  // "corbaloc:iiop:HOST:PORT/NameService"; empty: from the settings
   std::vector<std::string> orbArguments{};  // the command line, for its -ORB options; may be empty
   std::chrono::milliseconds deadline{0};    // of the whole login; 0: each call has its own time-out
   bool postLogin = true;  // false: no GL_PostLogin, for clients that need no authorizations
-
   // Above 0: a thread of this object sends a keep-alive in this interval.
   std::chrono::milliseconds keepAlive{0};
   bool renew = false;  // whether that thread registers a lost session again
@@ -60,11 +58,9 @@ struct SessionOptions {
   std::function<void()> onLost = nullptr;
 };
 
-// A session for all threads of a program. See docs/threads.md.
-//
-// Thread safety: every member may be called from any thread. Only one of the members that call the
-// server runs at a time; Authorizations, Message and IsLost never wait. The GL_ functions are not
-// part of this. Members of a moved-from object raise std::logic_error.
+// Thread safety (docs/threads.md): every member may be called from any thread. Only one of those
+// that call the server runs at a time; Authorizations, Message and IsLost never wait. The GL_
+// functions are not part of this. Members of a moved-from object raise std::logic_error.
 class VQ_CLIENT_COMMON_API Session {
  public:
   // Logs in. Raises LoginError on failure, after it has undone the steps that succeeded.
@@ -89,11 +85,9 @@ class VQ_CLIENT_COMMON_API Session {
   // makes no remote call; the object may outlive the session. Null without `postLogin`.
   std::shared_ptr<const UserAuthorizations> Authorizations() const;
 
-  // Sends a keep-alive. Returns kSuccess; kFailed when the server does not know the session;
-  // kNoServer when it does not answer.
+  // Returns kSuccess; kFailed when the server does not know the session; kNoServer without answer.
   LoginResult KeepAlive();
-  // Whether a keep-alive found that the server does not know the session, or the server has
-  // answered none for the length of the session's time-out.
+  // The server does not know the session, or has answered no keep-alive for the time-out.
   bool IsLost() const;
   // Registers again with the same user and password, and returns the result of that login.
   LoginResult Renew();
@@ -102,9 +96,8 @@ class VQ_CLIENT_COMMON_API Session {
   // kPasswordRefusedByPolicy, with the reason in Message; or what SetUserPassword returns.
   LoginResult ChangePassword(const SecretString& newPassword);
 
-  // The days until the client's TLS certificate expires, when they are fewer than those of the
-  // server parameter "general"/"WarningSSLExpirationDays"; empty otherwise and without a
-  // certificate.
+  // The days until the client's TLS certificate expires, when they are fewer than the server
+  // parameter "general"/"WarningSSLExpirationDays"; empty otherwise and without a certificate.
   std::optional<std::chrono::days> CertificateWarning() const;
 
   // A reference to a server object, owned by the caller; nil when it cannot be found. Exists for
