@@ -230,7 +230,7 @@ def drip(call, data, pause, piece, most):
 def fragments(pause=0.05, most=10, numbered=True):
     """The beginning of a long text, and fragments of it without end, or without their request's id."""
     def act(call):
-        begin = call.reply(NO_EXCEPTION, Out().long(1).long(0).long(1 << 27).data)
+        begin = call.reply(NO_EXCEPTION, Out().long(1).long(0).long(1 << 24).data)
         call.send(begin[:6] + bytes((begin[6] | 2,)) + begin[7:])
         end = time.monotonic() + most
         while time.monotonic() < end:
