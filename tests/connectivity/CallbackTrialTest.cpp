@@ -1,7 +1,11 @@
 // Callbacks between processes: the server calls the client over a connection of its own, over the
 // client's connection, or not at all; and what a trial leaves behind, which is nothing.
 
+#include <tests/fixture/Product.h>
 #include <tests/fixture/SessionFixture.h>
+
+#include <algorithm>
+#include <set>
 
 #include <gmock/gmock.h>
 
@@ -11,50 +15,76 @@
 #include <vq_client_common/connectivity/TestCallbackI.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 #include <vq_client_common/connectivity/internal/DomainTrial.h>
-#include <vq_client_common/session/GlobalFuncs.h>
-
-#include <tests/fixture/Product.h>
-
-#include "ProcessTraces.h"
 
 namespace vq::test {
 namespace {
 
-using Troubleshoot = TroubleshootConnection;
 using nlohmann::json;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using Troubleshoot = TroubleshootConnection;
 
 // An address of a network that documents reserve for examples: nobody answers.
 constexpr const char* kNowhere = "192.0.2.1";
 
-class CallbackTrialTest : public SessionFixture {
- protected:
+// What this process holds that a trial must not leave behind.
+struct Traces {
+  std::ptrdiff_t threads = 0;
+  std::set<std::string> sockets;  // "socket:[inode]"
+  std::set<std::string> ports;    // on which it listens
+
+  Traces() {
+    namespace fs = std::filesystem;
+    threads = std::distance(fs::directory_iterator("/proc/self/task"), {});
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+      std::error_code gone;
+      const std::string target = fs::read_symlink(entry.path(), gone);
+      if (gone || !target.starts_with("socket:")) continue;
+      sockets.insert(target);
+      const int file = std::stoi(entry.path().filename());
+      int listens = 0;
+      sockaddr_in address{};
+      socklen_t size = sizeof listens, addressSize = sizeof address;
+      ::getsockopt(file, SOL_SOCKET, SO_ACCEPTCONN, &listens, &size);
+      ::getsockname(file, reinterpret_cast<sockaddr*>(&address), &addressSize);
+      if (listens != 0) ports.insert(std::to_string(ntohs(address.sin_port)));
+    }
+  }
+  // Nothing beyond what was there before; an idle thread or a connection may have ended meanwhile.
+  bool AreWithin(const Traces& before) const {
+    return threads <= before.threads && ports == before.ports &&
+           std::ranges::includes(before.sockets, sockets);
+  }
+};
+
+struct CallbackTrialTest : SessionFixture {
   CallbackTrialTest() { Troubleshoot::SetTimeout4TestCallback(1000); }
   void SetUp() override {
     SessionFixture::SetUp();
     m_directory.Write("root/config/vq.xml", "<domain/>");
+  }
+  int LogIn(const std::vector<std::string>& arguments, CLIENT_ID client = CLIENT_CLI) {
+    m_orbArguments = arguments;
+    return Login("alice", "secret", "central", client);
   }
   bool Try(bool biDir, const std::string& address, bool isMask = false) {
     m_roundTrip = -1;
     return Troubleshoot::ORBInitAndTestCallback(biDir, address, m_roundTrip, isMask);
   }
   bool TrySession(int timeOut) {
-    m_roundTrip = -1;
     return Troubleshoot::TestCallback(ORBCommon<1>::Get(), m_error, m_roundTrip, timeOut);
   }
-  void ExpectNoTraceSince(const ProcessTraces& before) const {
-    EXPECT_TRUE(
-        WaitUntil([&] { return ProcessTraces::Now().AreWithin(before); }, std::chrono::seconds(10)))
-        << before.Text() << "\nnow " << ProcessTraces::Now().Text();
-    const auto domain = ConfigAPIFactoryXML::Create(GetConfigDomainsDir(), GetConfigDomainName());
-    EXPECT_TRUE(domain->Load());
-    EXPECT_TRUE(domain->GetScopes().empty());
+  static void ExpectNoTraceSince(const Traces& before) {
+    EXPECT_TRUE(WaitUntil([&] { return Traces().AreWithin(before); }, std::chrono::seconds(10)));
+    const auto domain = ConfigAPIFactoryXML::CreateInForce();
+    EXPECT_TRUE(domain->Load() && domain->GetScopes().empty());
   }
 
   long m_roundTrip = -1;
-  std::string m_error;
+  std::string m_error, m_host, m_port;
 };
 
-TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
+TEST_F(CallbackTrialTest, TellsWhatWorksAndLeavesNoTrace) {
   // Whether over the client's connection, the address, whether it is a mask, and the outcome.
   const std::tuple<bool, std::string, bool, bool> trials[] = {
       {false, "", false, true},         {false, "127.0.0.1", false, true},
@@ -64,13 +94,12 @@ TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
   // A pure client, which does not listen, and one that does; each with and without bidirectional.
   for (const CLIENT_ID client : {CLIENT_VCM, CLIENT_GUI}) {
     for (const char* sessionBiDir : {"0", "1"}) {
-      m_orbArguments = {"-BiDirPolicy", sessionBiDir, "-ORBCallTimeout", "5000"};
       Server& server = StartServer();
-      ASSERT_EQ(Login("alice", "secret", "central", client), 1) << m_log.Text();
-      const ProcessTraces before = ProcessTraces::Now();
+      ASSERT_EQ(LogIn({"-BiDirPolicy", sessionBiDir, "-ORBCallTimeout", "5000"}, client), 1);
+      const Traces before;
       for (const auto& [biDir, address, isMask, reached] : trials) {
-        SCOPED_TRACE(std::string(client == CLIENT_VCM ? "pure " : "listening ") + sessionBiDir +
-                     (biDir ? " bidirectional '" : " '") + address + "'");
+        SCOPED_TRACE(std::to_string(client) + sessionBiDir + (biDir ? " bidirectional " : " ") +
+                     address);
         m_log.Clear();
         EXPECT_EQ(Try(biDir, address, isMask), reached) << m_log.Text();
         EXPECT_EQ(m_roundTrip >= 0, reached);
@@ -88,55 +117,53 @@ TEST_F(CallbackTrialTest, ATrialTellsWhatWorksAndLeavesNoTrace) {
 }
 
 // A server may go by the first address alone: it has to be one that the client's connection offers.
-TEST_F(CallbackTrialTest, BidirectionalReferenceNamesTheClientsConnectionFirst) {
+TEST_F(CallbackTrialTest, NamesTheClientsConnectionFirst) {
   if (ThisProduct().manyOrbs) GTEST_SKIP() << "a trial has a connection of its own";
   StartServer();
-  m_orbArguments = {"-ORBListenEndpoints", "iiop://127.0.0.1:"};
-  ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1) << m_log.Text();
-  const std::set<int> offered = ProcessTraces::Now().ports;
+  ASSERT_EQ(LogIn({"-ORBListenEndpoints", "iiop://127.0.0.1:"}, CLIENT_GUI), 1) << m_log.Text();
+  const Traces before;
   const auto domain = ConfigAPIFactoryXML::CreateInForce();
   const vq::connectivity::TrialScope scope(*domain, true, kNowhere, false);
   const vq::connectivity::TrialOrb orb(scope);
   ASSERT_TRUE(orb.IsUp()) << m_log.Text();
   const ServantPtr<TestCallbackI> servant(new TestCallbackI(orb.Get()->GetChildPoa()));
-  std::string host, port;
-  EXPECT_TRUE(Troubleshoot::GetNetworkInterface4Server(servant->GetReference(), host, port, E_GSR));
-  EXPECT_EQ(host, "127.0.0.1");
-  EXPECT_TRUE(offered.contains(std::stoi(port))) << port;
+  EXPECT_TRUE(
+      Troubleshoot::GetNetworkInterface4Server(servant->GetReference(), m_host, m_port, E_GSR));
+  EXPECT_EQ(m_host, "127.0.0.1");
+  EXPECT_TRUE(before.ports.contains(m_port)) << m_port;
 }
 
 // A client that is killed in the middle of a trial cannot take its scope away.
-TEST_F(CallbackTrialTest, ScopesOfEndedProcessesAreSwept) {
-  const std::string alive = "Test" + std::to_string(::getppid());
-  const std::string ended = "Test4194305";  // above the highest process id
+TEST_F(CallbackTrialTest, SweepsScopesOfEndedProcesses) {
+  const std::string alive = "\"Test" + std::to_string(::getppid()) + '"';
+  const std::string ended = "\"Test4194305\"";  // above the highest process id
   StartSession();
   for (const bool configure : {false, true}) {
-    m_directory.Write("root/config/vq.xml", "<domain><scope name=\"" + alive +
-                                                "\"/><scope name=\"" + ended +
-                                                "\"/><scope name=\"Test4194305b\"/></domain>");
+    m_directory.Write("root/config/vq.xml", "<domain><scope name=" + alive +
+                                                "/><scope name=" + ended +
+                                                "/><scope name=\"Test4194305b\"/></domain>");
     EXPECT_TRUE(configure ? Troubleshoot::ORBConfigure("127.0.0.1", false, false)
                           : Try(false, "127.0.0.1"));
-    const std::string domain = ReadFile(m_directory / "root/config/vq.xml");
-    EXPECT_THAT(domain, ::testing::HasSubstr('"' + alive + '"'));
-    EXPECT_THAT(domain, ::testing::HasSubstr("\"Test4194305b\""));
-    EXPECT_THAT(domain, ::testing::Not(::testing::HasSubstr('"' + ended + '"')));
+    const std::string domain = m_directory.Read("root/config/vq.xml");
+    EXPECT_THAT(domain, HasSubstr(alive));
+    EXPECT_THAT(domain, HasSubstr("\"Test4194305b\""));
+    EXPECT_THAT(domain, Not(HasSubstr(ended)));
   }
 }
 
 // More in a second than omniORB keeps connections to one server.
-TEST_F(CallbackTrialTest, TrialsInARowDoNotWaitForEachOther) {
+TEST_F(CallbackTrialTest, TriesManyInARow) {
   StartServer();
-  for (const char* sessionBiDir : {"0", "1"}) {
-    m_orbArguments = {"-BiDirPolicy", sessionBiDir, "-ORBCallTimeout", "5000"};
-    ASSERT_EQ(Login(), 1) << m_log.Text();
+  for (const bool biDir : {false, true}) {
+    ASSERT_EQ(LogIn({"-BiDirPolicy", biDir ? "1" : "0", "-ORBCallTimeout", "5000"}), 1);
     for (int trial = 0; trial < 14; ++trial) {
-      EXPECT_TRUE(Try(trial % 2 == 0 && *sessionBiDir == '0', "")) << sessionBiDir << trial;
+      EXPECT_TRUE(Try(trial % 2 == 0 && !biDir, "")) << biDir << trial;
     }
     GL_LogOut(true);
   }
 }
 
-TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWorks) {
+TEST_F(CallbackTrialTest, ReachesAnAddressWithoutBidirectionalOnTheServer) {
   StartServer(BaseSite(), {"GSR"}, {"--no-bidir"});
   ASSERT_EQ(Login(), 1);
   EXPECT_FALSE(Try(false, kNowhere));
@@ -145,32 +172,31 @@ TEST_F(CallbackTrialTest, WithoutBidirectionalOnTheServerOnlyAReachableAddressWo
   m_environment.Set("VQ_CONFIG_DOMAINS", "/proc/no-such-directory");
   EXPECT_FALSE(Try(false, kNowhere));
   EXPECT_TRUE(Try(false, "127.0.0.1"));
-  EXPECT_TRUE(m_log.Has(4,
-                        "The trial goes by -ORBListenEndpoints "
-                        "'iiop:///hostname_in_ior=127.0.0.1' -BiDirPolicy '0'"))
-      << m_log.Text();
-  EXPECT_TRUE(m_log.Has(1, "The settings of the trial cannot be saved: ")) << m_log.Text();
+  EXPECT_TRUE(m_log.Contains("'iiop:///hostname_in_ior=127.0.0.1' -BiDirPolicy '0'"));
 }
 
-TEST_F(CallbackTrialTest, ACallbackThatCannotWorkIsReportedWithinItsTime) {
+TEST_F(CallbackTrialTest, SaysWhyACallbackFailsInItsTime) {
   Server& server = StartSession();
-  const ProcessTraces before = ProcessTraces::Now();
-  const std::pair<json, const char*> rows[] = {
-      {{{"delayMs", 60000}}, "The callback was not answered in time."},
-      {{{"refuse", true}, {"delayMs", 0}, {"message", "Not today."}}, "Not today."}};
-  for (const auto& [callback, reason] : rows) {
+  // The session has lost its connection, so that a trial opens one.
+  server.SetFaults({{{"operation", "CRB_ClientKeepAlive"}, {"action", "drop"}}});
+  EXPECT_ANY_THROW(GL_ClientKeepAlive());
+  const Traces before;
+  const json claim = Return("CRB_TryCallback", 1);  // without calling
+  const std::tuple<json, json, const char*> rows[] = {
+      {{{"delayMs", 60000}}, json::array(), "The callback was not answered in time."},
+      {{{"refuse", true}, {"delayMs", 0}, {"message", "Not today."}}, json::array(), "Not today."},
+      {{{"refuse", false}}, claim, ""}};
+  for (const auto& [callback, faults, reason] : rows) {
     server.Patch({{"callback", callback}});
+    server.SetFaults(faults);
+    m_log.Clear();
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(Try(false, "127.0.0.1"));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
-    EXPECT_TRUE(m_log.Has(1, std::string("GSR failed to call me back - ") + reason))
-        << m_log.Text();
+    EXPECT_TRUE(m_log.Has(1, std::string("GSR failed to call me back - ") + reason));
   }
   ExpectNoTraceSince(before);
-}
-
-TEST_F(CallbackTrialTest, WhoSendsTheObjectIsToldWhyThatFails) {
-  StartSession().Kill();
+  server.Kill();
   EXPECT_FALSE(TrySession(500));
   EXPECT_THAT(m_error, ::testing::MatchesRegex("Failed to send test callback object to GSR - "
                                                "(COMM_FAILURE|TRANSIENT) [(].+[)]"));
@@ -179,23 +205,23 @@ TEST_F(CallbackTrialTest, WhoSendsTheObjectIsToldWhyThatFails) {
 }
 
 // The client listens on one address and names another; the server goes by the name.
-TEST_F(CallbackTrialTest, ThePublishedHostMayDifferFromTheOneListenedOn) {
+TEST_F(CallbackTrialTest, PublishesAnotherHostThanItListensOn) {
   StartServer();
-  m_orbArguments = {"-ORBListenEndpoints", "iiop://127.0.0.1/hostname_in_ior=localhost"};
-  ASSERT_EQ(Login("alice", "secret", "central", CLIENT_GUI), 1);
-  std::string host, port;
-  CORBA::Object_var kept;
-  {
-    const ServantPtr<TestCallbackI> servant(new TestCallbackI(ORBCommon<1>::Get()->GetChildPoa()));
-    kept = CORBA::Object::_duplicate(servant->GetReference());
-    EXPECT_TRUE(Troubleshoot::GetNetworkInterface4Server(kept.in(), host, port, E_GSR));
-  }
-  EXPECT_EQ(host, "localhost");
-  EXPECT_TRUE(ProcessTraces::Now().ports.contains(std::stoi(port))) << port;
+  ASSERT_EQ(
+      LogIn({"-ORBListenEndpoints", "iiop://127.0.0.1/hostname_in_ior=localhost"}, CLIENT_GUI), 1);
+  const ServantPtr<TestCallbackI> servant(new TestCallbackI(ORBCommon<1>::Get()->GetChildPoa()));
+  const TestCallback_var kept = TestCallback::_narrow(servant->GetReference());
+  EXPECT_TRUE(Troubleshoot::GetNetworkInterface4Server(kept.in(), m_host, m_port, E_GSR));
+  EXPECT_EQ(m_host, "localhost");
+  EXPECT_TRUE(Traces().ports.contains(m_port)) << m_port;
   EXPECT_TRUE(TrySession(1000)) << m_error;
+  kept->CRB_Ping();
+  servant->Deactivate();
+  EXPECT_THROW(kept->CRB_Ping(), CORBA::OBJECT_NOT_EXIST);
+  EXPECT_FALSE(kept->_is_equivalent(servant->GetReference())) << "activated anew";
   // A reference that outlives its ORB leads nowhere, and asking starts no other ORB.
   GL_LogOut(true);
-  EXPECT_FALSE(Troubleshoot::GetNetworkInterface4Server(kept.in(), host, port, E_GSR));
+  EXPECT_FALSE(Troubleshoot::GetNetworkInterface4Server(kept.in(), m_host, m_port, E_GSR));
   EXPECT_TRUE(m_log.Has(1, "Invalid stub"));
   EXPECT_EQ(Login(), 1) << m_log.Text();
 }

@@ -33,24 +33,22 @@ class Authority {
     directory.Write(name + "/index.txt", "");
     directory.Write(name + "/ca.cnf",
                     "[ca]\ndefault_ca=d\n[p]\ncommonName=supplied\n[d]\ndatabase=index.txt\n"
-                    "new_certs_dir=.\nrand_serial=yes\nunique_subject=no\ndefault_md=sha256\n"
-                    "policy=p\ncopy_extensions=copy\n");
+                    "certificate=ca.pem\nprivate_key=ca.key\nnew_certs_dir=.\nrand_serial=yes\n"
+                    "unique_subject=no\ndefault_md=sha256\npolicy=p\ncopy_extensions=copy\n");
     Run(kNew + "-x509 -days 365 -subj /CN=" + name + " -keyout ca.key -out ca.pem");
   }
 
   std::string File() const { return m_path + "ca.pem"; }
-  Identity Issue(const CertificateOptions& options = {}) const {
-    return Sign(options, "-cert ca.pem -keyfile ca.key");
-  }
+  Identity Issue(const CertificateOptions& options = {}) const { return Sign(options, ""); }
+  Identity SelfSigned() const { return Sign({}, " -selfsign -keyfile own.key"); }
   void Revoke(const Identity& identity) const {
     std::ofstream(m_path + "revoked.pem") << identity.certificate;
-    Run("openssl ca -config ca.cnf -cert ca.pem -keyfile ca.key -revoke revoked.pem");
+    Run("openssl ca -config ca.cnf -revoke revoked.pem");
   }
   std::string RevocationList() const {  // PEM
-    Run("openssl ca -config ca.cnf -cert ca.pem -keyfile ca.key -gencrl -crldays 2 -out crl.pem");
+    Run("openssl ca -config ca.cnf -gencrl -crldays 2 -out crl.pem");
     return ReadFile(m_path + "crl.pem");
   }
-  Identity SelfSigned() const { return Sign({}, "-selfsign -keyfile own.key"); }
 
  private:
   inline static const std::string kNew =
@@ -66,7 +64,7 @@ class Authority {
     Run(kNew + "-subj '/CN=vq server' -addext basicConstraints=critical,CA:FALSE " +
         (options.names.empty() ? "" : "-addext subjectAltName=" + options.names) +
         " -keyout own.key -out own.csr");
-    Run("openssl ca -batch -config ca.cnf -notext -in own.csr -out own.pem " + signer +
+    Run("openssl ca -batch -config ca.cnf -notext -in own.csr -out own.pem" + signer +
         " -startdate " + inDays(options.fromDays) + " -enddate " + inDays(options.toDays));
     return {ReadFile(m_path + "own.pem"), ReadFile(m_path + "own.key")};
   }

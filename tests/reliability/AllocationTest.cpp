@@ -1,8 +1,8 @@
-// The n-th allocation fails, for every n that an operation has: it ends with std::bad_alloc or with
-// one of its documented failures, leaves what it works on whole, and works afterwards.
+// Any one allocation of an operation fails: the operation ends with std::bad_alloc or with one of
+// its documented failures, leaves what it works on whole, and works afterwards.
 //
-// What fails are allocations of the calling thread. Those that the ORB product and Xerces-C make,
-// or have made while they work, do not: they are not made to go on after one.
+// Allocations of the calling thread fail, but none that the ORB product or Xerces-C makes: those do
+// not survive it.
 
 #include <tests/fixture/SessionFixture.h>
 
@@ -10,9 +10,6 @@
 #include <execinfo.h>
 #include <link.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <new>
@@ -22,268 +19,130 @@
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 #include <vq_client_common/datacenters/TArchive.h>
 #include <vq_client_common/environment/ClientProperties.h>
-#include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/LoginHandler.h>
 
 namespace {
 
-thread_local bool counts = false;
-thread_local bool goesOn = false;  // those behind it fail as well
-thread_local long failing = 0, made = 0, failed = 0;
+thread_local long untilFailure = 0;  // 0: none fails
 
 bool IsForeign(void* code) {
   dl_find_object found;
   if (_dl_find_object(code, &found) != 0) return false;
   const std::string_view name = found.dlfo_link_map->l_name;
-  constexpr std::string_view kForeign[] = {"libomni", "libTAO", "libACE", "libxerces"};
-  return std::any_of(std::begin(kForeign), std::end(kForeign),
-                     [&](std::string_view part) { return name.find(part) != name.npos; });
+  for (const char* part : {"libomni", "libTAO", "libACE", "libxerces"}) {
+    if (name.find(part) != name.npos) return true;
+  }
+  return false;
 }
 
 bool Fails(void* caller) {
-  if (!counts || IsForeign(caller)) return false;  // the first frame is cheaper to have than all
+  if (untilFailure == 0 || IsForeign(caller)) return false;  // cheaper than all frames
   void* frames[64];
   const int depth = backtrace(frames, std::size(frames));
-  if (std::any_of(frames, frames + depth, IsForeign)) return false;
-  ++made;
-  if (made < failing || (made > failing && !goesOn)) return false;
-  ++failed;
-  return true;
+  return std::none_of(frames, frames + depth, IsForeign) && --untilFailure == 0;
 }
-
-void* Allocate(std::size_t size, std::size_t alignment, void* caller) {
-  if (Fails(caller)) return nullptr;
-  return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
-}
-
-void* AllocateOrRaise(std::size_t size, std::size_t alignment, void* caller) {
-  void* const memory = Allocate(size == 0 ? 1 : size, alignment, caller);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
-constexpr std::size_t kUsual = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
 }  // namespace
 
-#define VQ_CALLER __builtin_return_address(0)
-// clang-format off
-void* operator new(std::size_t size) { return AllocateOrRaise(size, kUsual, VQ_CALLER); }
-void* operator new[](std::size_t size) { return AllocateOrRaise(size, kUsual, VQ_CALLER); }
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  return AllocateOrRaise(size, static_cast<std::size_t>(alignment), VQ_CALLER);
-}
-void* operator new[](std::size_t size, std::align_val_t alignment) {
-  return AllocateOrRaise(size, static_cast<std::size_t>(alignment), VQ_CALLER);
+// The forms for arrays call this one.
+void* operator new(std::size_t size) {
+  void* const memory =
+      Fails(__builtin_return_address(0)) ? nullptr : std::malloc(size == 0 ? 1 : size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return Allocate(size == 0 ? 1 : size, kUsual, VQ_CALLER);
+  return std::malloc(size == 0 ? 1 : size);
 }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return Allocate(size == 0 ? 1 : size, kUsual, VQ_CALLER);
-}
+// clang-format off
 void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 // clang-format on
 
 namespace vq::test {
 namespace {
 
 using std::string;
+using Action = std::function<void()>;
+using Outcome = std::function<string()>;
 
-struct Operation {
-  const char* name;
-  std::function<void()> prepare;                     // brings about the state in which it is called
-  std::function<string()> run;                       // its outcome
-  std::function<void(const string& outcome)> check;  // what it left behind, when it failed or not
-  string success;
-  string failures;  // outcomes that are documented, beside success and bad_alloc
-};
+using AllocationTest = SessionFixture;
 
-class AllocationTest : public SessionFixture {
- protected:
-  // Runs it with the n-th allocation failing. The outcome, and whether there was an n-th.
-  static std::pair<string, bool> RunFailing(const Operation& operation, long n, bool allBehindIt) {
-    string outcome;
-    failing = n;
-    made = failed = 0;
-    goesOn = allBehindIt;
-    counts = true;
+// Fails each allocation of `run` in turn. `prepare` brings about the state in which it is called;
+// `outcomes` are its own, success first; `isWhole` tells whether what it left fits the outcome.
+void Sweep(const string& name, const Action& prepare, const Outcome& run, const string& outcomes,
+           const std::function<bool(const string&)>& isWhole = nullptr) {
+  const string success = outcomes.substr(0, outcomes.find(' '));
+  long n = 1;
+  for (long left = 0; left == 0 && !::testing::Test::HasFailure(); ++n) {
+    SCOPED_TRACE(name + " " + std::to_string(n));
+    prepare();
+    string outcome = "bad_alloc";
+    untilFailure = n;
     try {
-      outcome = operation.run();
-      counts = false;
+      outcome = run();
     } catch (const std::bad_alloc&) {
-      counts = false;
-      outcome = "bad_alloc";
     }
-    return {outcome, failed > 0};
+    left = std::exchange(untilFailure, 0);
+    const string allowed = left > 0 ? success : outcomes + " bad_alloc";
+    EXPECT_NE((" " + allowed + " ").find(" " + outcome + " "), string::npos) << outcome;
+    EXPECT_TRUE(!isWhole || isWhole(outcome)) << outcome;
+    prepare();
+    EXPECT_EQ(run(), success) << "afterwards";
   }
+  EXPECT_GT(n, 2) << name << " allocates nothing";
+  std::cout << name << ": " << n - 2 << " allocations\n";
+}
 
-  static void Sweep(const Operation& operation) {
-    for (const bool allBehindIt : {false, true}) {
-      long n = 1;
-      for (;; ++n) {
-        SCOPED_TRACE(operation.name + string(" ") + std::to_string(n) + (allBehindIt ? "+" : ""));
-        operation.prepare();
-        const auto [outcome, hasFailed] = RunFailing(operation, n, allBehindIt);
-        operation.check(outcome);
-        if (!hasFailed) {
-          EXPECT_EQ(outcome, operation.success);
-          break;
-        }
-        const bool isKnown =
-            outcome == operation.success || outcome == "bad_alloc" ||
-            (" " + operation.failures + " ").find(" " + outcome + " ") != string::npos;
-        EXPECT_TRUE(isKnown) << outcome;
-        operation.prepare();
-        EXPECT_EQ(operation.run(), operation.success) << "afterwards";
-        if (HasFailure()) return;
-      }
-      EXPECT_GT(n, 1) << "nothing is allocated";
-      std::cout << operation.name << ": " << n - 1 << " allocations"
-                << (allBehindIt ? ", and all behind the n-th\n" : "\n");
-    }
-  }
-};
-
-TEST_F(AllocationTest, Sessions) {
+TEST_F(AllocationTest, LoginsEndWithAResult) {
   nlohmann::json site = BaseSite();
-  site["users"]["alice"].merge_patch(nlohmann::json::parse(R"({
-    "privileges": {"ALERT_PRIV_TYPE": "FULL_ACCESS"},
-    "grants": {"calendars": [{"criteria": "NAME LIKE 'A*'", "level": "FULL_ACCESS"}],
-               "services": [{"criteria": "NAME = 'S'", "level": "BROWSE_ACCESS", "actions": [1, 2]}]}
-  })"));
+  site["users"]["alice"]["privileges"] = {{"ALERT_PRIV_TYPE", "FULL_ACCESS"}};
   StartServer(site);
   InstallClient("8.0.05", "P1");
   TDiag::Instance()->SetMinimumDebugLevel(5);  // at 6 omniORB tells of every byte
-  QCSObject calendar;
-  calendar.SetAttribute("NAME", "ANY");
-
+  const auto logOut = [] { GL_LogOut(true); };
+  const auto logIn = [&] { EXPECT_EQ(Login(), 1) << m_log.TakeText(); };
   const auto login = [&] { return std::to_string(Login()); };
-  const auto connectedAsTold = [&](const string& outcome) {
-    EXPECT_EQ(LoginHandler::GetGlobal()->IsConnected(), outcome == "1") << m_log.Text();
-  };
-  const auto loggedIn = [&] {
-    GL_LogOut(false);
-    m_log.Clear();
-    ASSERT_EQ(Login(), 1) << m_log.Text();
-  };
-  const auto nothing = [](const string&) {};
-
-  Sweep({"login with a new ORB", [] { GL_LogOut(true); }, login, connectedAsTold, "1", "0 54 55"});
-  Sweep({"login", [] { GL_LogOut(false); }, login, connectedAsTold, "1", "0 54"});
-  Sweep({"second login", loggedIn, login, nothing, "1", "0 54"});
-  const auto postLogin = [] {
-    string message;
-    return std::to_string(GL_PostLogin(message));
-  };
-  Sweep({"post-login", loggedIn, postLogin, nothing, "1", "0"});
-  Sweep({"authorizations", loggedIn,
-         [&] {
-           const string userId = LoginHandler::GetGlobal()->GetUserID();
-           return std::to_string(UserAuthorizations::Get()->LoadAuthorizations(userId));
-         },
-         [&](const string& outcome) {
-           const UserAuthorizations& may = *UserAuthorizations::Get();
-           const bool mayUse = may.IsCalendarAccessAllowed(calendar, BROWSE_ACCESS);
-           const bool loaded = mayUse && may.IsAlertsAccessAllowed(FULL_ACCESS);
-           EXPECT_TRUE(loaded || outcome != "1");
-         },
-         "1", "0 23"});
-  Sweep({"log-out", loggedIn, [] { return std::to_string(GL_LogOut(false)); }, nothing, "1", ""});
+  const auto postLogin = [&] { return std::to_string(GL_PostLogin(m_message)); };
+  Sweep("login", logOut, login, "1 0 54 55");
+  Sweep("post-login", logIn, postLogin, "1 0", [](const string& outcome) {
+    return outcome != "1" || UserAuthorizations::Get()->IsAlertsAccessAllowed(FULL_ACCESS);
+  });
 }
 
-TEST_F(AllocationTest, Properties) {
-  const string path = m_directory / "data/CommonClientConf.xml";
+TEST_F(AllocationTest, FilesAndArchivesStayWhole) {
+  const string before = "<Properties>\n\t<First>one</First>\n</Properties>\n";
   m_environment.Set("VQ_DATA", m_directory / "data");
-  const string is = "two & more than fits";
-  const string before =
-      "<Properties>\n\t<First>one</First>\n\t<Second>two &amp; more than fits</Second>\n"
-      "</Properties>\n";
-  const auto fresh = [&] {
+  const auto prepare = [&] {
     m_directory.Write("data/CommonClientConf.xml", before);
     exit_vqclient_common();
-  };
-  const auto loaded = [&] {
-    fresh();
     ClientProperties::Get();
   };
+  const auto save = [&] {
+    ClientProperties::Get()->SetStringValue("First", "two", true);
+    ClientProperties::Get()->Reload();
+    return ClientProperties::Get()->GetStringValue("First", "-");
+  };
   StartXml();  // for the length of the test
-  const auto second = [] { return ClientProperties::Get()->GetStringValue("Second", "none"); };
-  const auto unchanged = [&](const string&) { EXPECT_EQ(second(), is); };
-
-  Sweep({"properties: first use", fresh, second, unchanged, is, ""});
-  Sweep({"properties: read", loaded, second, unchanged, is, ""});
-  Sweep({"properties: reload", loaded,
-         [&] {
-           ClientProperties::Get()->Reload();
-           return second();
-         },
-         [&](const string& outcome) {  // empty when it failed
-           const string first = ClientProperties::Get()->GetStringValue("First", "none");
-           EXPECT_EQ(first == "one", second() == is) << outcome;
-         },
-         is, "none"});
-  Sweep({"properties: set and save", loaded,
-         [&] {
-           ClientProperties::Get()->SetStringValue("Second", "three", true);
-           return second();
-         },
-         [&](const string& outcome) {
-           EXPECT_TRUE(second() == is || second() == "three") << outcome;
-           const string after = ReadFile(path);
-           EXPECT_TRUE(after == before || after.find("three") != string::npos) << after;
-         },
-         "three", ""});
+  Sweep("properties", prepare, save, "two one -", [&](const string&) {
+    const string after = m_directory.Read("data/CommonClientConf.xml");
+    return after == before || after.find("two") != string::npos;
+  });
   StopXml();
-}
 
-TEST_F(AllocationTest, Archives) {
-  const auto unlessRefused = [](const std::function<string()>& run) {
-    return [run]() -> string {
-      try {
-        return run();
-      } catch (const TArchiveException&) {
-        return "refused";
-      }
-    };
-  };
-  std::stringstream stored;
-  const string longText(100, 'x');
-  const auto store = [&] {
-    TArchive archive(&stored, 0, 0, nullptr);
-    archive << longText << 8004 << true << 1.5;
-    return "stored";
-  };
-  const auto emptied = [&] {
-    stored.str("");
-    stored.clear();
-  };
-  Sweep(
-      {"archive: store", emptied, unlessRefused(store), [](const string&) {}, "stored", "refused"});
-  string text;
   std::stringstream stream;
-  const auto load = [&] {
-    TArchive archive(&stream, 1, 0, nullptr);
-    int port = 0;
-    bool enabled = false;
-    archive >> text >> port >> enabled;
-    return std::to_string(port) + std::to_string(enabled);
+  string text;
+  const auto archive = [&]() -> string {
+    try {
+      TArchive(&stream, 0, 0, nullptr) << string(100, 'x') << 8004;
+      int port = 0;
+      TArchive(&stream, 1, 0, nullptr) >> text >> port;
+      return text.substr(0, 1) + std::to_string(port);
+    } catch (const TArchiveException&) {
+      return "refused";
+    }
   };
-  Sweep({"archive: load",
-         [&] {
-           std::stringstream(stored.str()).swap(stream);
-           string().swap(text);
-         },
-         unlessRefused(load),
-         [&](const string& outcome) { EXPECT_EQ(text, outcome == "80041" ? longText : text); },
-         "80041", "refused"});
+  const auto emptied = [&] { stream = {}, text = ""; };
+  Sweep("archive", emptied, archive, "x8004 refused");
 }
 
 }  // namespace

@@ -5,16 +5,17 @@
 #include <support/orb/CallDeadline.h>
 #include <tests/fixture/Product.h>
 #include <vq_client_common/session/LoginExceptions.h>
+#include <vq_client_common/session/SystemParameterHandler.h>
 
 namespace vq::test {
 namespace {
 
 using Operations = std::vector<std::string>;
 
-class LongSessionTest : public ProxiedFixture {};
+using LongSessionTest = ProxiedFixture;
 
 // That the first one probes either object as well, the matrix of faults pins.
-TEST_F(LongSessionTest, OneLoginCallsOverTheWireWhatItHasToAndNothingElse) {
+TEST_F(LongSessionTest, LoginMakesTheseCallsAlone) {
   ASSERT_EQ(Login(), 1) << m_log.Text();
   // The naming service is reached for once when the ORB starts, and asked once for each of the two.
   Operations names{kProbe, "resolve", "resolve"};
@@ -27,7 +28,7 @@ TEST_F(LongSessionTest, OneLoginCallsOverTheWireWhatItHasToAndNothingElse) {
   EXPECT_EQ(m_namingProxy->TakeOperations(), Operations());
 }
 
-TEST_F(LongSessionTest, ASessionOfManyHoursReportsEachLossOnceAndLogsInAgain) {
+TEST_F(LongSessionTest, ReportsEachLossOnce) {
   ASSERT_EQ(Login(), 1) << m_log.Text();
   for (int hour = 0; hour < 24; ++hour) {
     const bool restarted = hour % 8 == 7;
@@ -36,7 +37,7 @@ TEST_F(LongSessionTest, ASessionOfManyHoursReportsEachLossOnceAndLogsInAgain) {
       m_server->Advance(std::chrono::minutes(5));
       m_log.Clear();
       const bool closed = minute == 30;
-      if (closed) m_proxy->CloseConnections();
+      if (closed) m_proxy->Refuse(false);
       const bool costsACall = closed && !ThisProduct().checksIdle;
       if (costsACall || (restarted && minute == 0)) {
         EXPECT_THROW(GL_ClientKeepAlive(), ServerTypeEx);
@@ -58,7 +59,7 @@ TEST_F(LongSessionTest, ASessionOfManyHoursReportsEachLossOnceAndLogsInAgain) {
   EXPECT_EQ(GL_ClientKeepAlive(), 1);
 }
 
-TEST_F(LongSessionTest, ALoginEndsByItsDeadline) {
+TEST_F(LongSessionTest, LoginEndsByItsDeadline) {
   ASSERT_EQ(Login(), 1) << m_log.Text();
   GL_LogOut(false);
   m_proxy->TakeOperations();
@@ -72,6 +73,26 @@ TEST_F(LongSessionTest, ALoginEndsByItsDeadline) {
     EXPECT_EQ(m_proxy->TakeOperations().size(), 1) << "nothing is sent after the deadline";
   }
   EXPECT_EQ(Login(), 1) << m_log.Text();
+}
+
+// Whatever code set the server's ORB has, and whether they are of any.
+TEST_F(LongSessionTest, TakesTextsAsTheirBytes) {
+  std::vector<std::vector<std::string>> servers{{}};
+  if (vq::orb::ProductName() == "omniORB") servers.push_back({"-ORBnativeCharCodeSet", "UTF-8"});
+  for (const auto& arguments : servers) {
+    Restart(arguments);
+    ASSERT_EQ(Login(), 1) << m_log.Text();
+    for (const std::string bytes : {"\xC5\x82\xC3\xA9 ok", "\xE9\xFF\x80\xC3 ok"}) {
+      m_proxy->ChangeNext([&](std::string reply) -> FaultProxy::Changed {
+        if (const auto at = reply.find("english"); at != reply.npos) reply.replace(at, 7, bytes);
+        return {reply};
+      });
+      std::string value;
+      EXPECT_TRUE(GetSystemParameter("Language", value, "general", E_GSR));
+      EXPECT_EQ(value, bytes);
+    }
+    GL_LogOut(true);
+  }
 }
 
 }  // namespace

@@ -28,31 +28,27 @@ class ProxiedFixture : public SessionFixture {
   void SetTimeOut(std::chrono::milliseconds timeOut) {
     GL_LogOut(true);
     const std::string limit = std::to_string(timeOut.count());
-    const std::string naming = "127.0.0.2:" + std::to_string(m_naming->Port());
-    m_orbArguments = {"-ORBConnectTimeout", limit,
-                      "-ORBCallTimeout",    limit,
-                      "-ORBInitRef",        "NameService=corbaloc:iiop:" + naming + "/NameService"};
+    m_orbArguments = {
+        "-ORBConnectTimeout",
+        limit,
+        "-ORBCallTimeout",
+        limit,
+        "-ORBInitRef",
+        "NameService=corbaloc:iiop:127.0.0.2:" + std::to_string(m_naming->Port()) + "/NameService"};
   }
 
   // The server, started anew on the same port; the first time on any.
-  void Restart() {
+  void Restart(const std::vector<std::string>& arguments = {}) {
     nlohmann::json site = BaseSite();
     site.merge_patch(nlohmann::json::parse(R"({
-      "annotationRequired": ["job.delete"],
-      "lockout": {"tries": 0},
-      "parameters": {
+      "annotationRequired": ["job.delete"], "lockout": {"tries": 0},
+      "parameters": {"gui": {"RegisterTimeout": "300"}, "gsr": {"AuthorSecurity": "2"},
         "general": {"I18N": "cjk", "PermitManualUnlock": "1", "ApplicationFieldIsMandatory": "1",
-          "SubApplicationFieldIsMandatory": "1", "MinPasswordLength": "3",
-          "MaxPasswordLength": "40", "PasswordComplexityOnOff": "1",
-          "PasswordComplexityRules": "U"},
-        "gui": {"RegisterTimeout": "300"},
-        "gsr": {"AuthorSecurity": "2"}
-      }
-    })"));
+          "SubApplicationFieldIsMandatory": "1", "MinPasswordLength": "3", "MaxPasswordLength": "40",
+          "PasswordComplexityOnOff": "1", "PasswordComplexityRules": "U"}}})"));
     m_server.reset();  // before the next one listens in its place
-    m_server = std::make_unique<Server>(m_directory, m_naming->Reference(), site,
-                                        std::vector<std::string>{"GSR"}, "central", m_port,
-                                        Server::kBehindProxy);
+    m_server.reset(new Server(m_directory, m_naming->Reference(), site, {"GSR"}, "central", m_port,
+                              Server::kBehindProxy, arguments));
   }
 
   // Brings the process to where the function is called, whatever was before.

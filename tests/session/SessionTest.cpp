@@ -7,7 +7,6 @@
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/PasswordPolicy.h>
-#include <vq_client_common/session/Session.h>
 #include <vq_idl/UsersManagerC.h>
 
 namespace vq::test {
@@ -20,25 +19,13 @@ using Clock = std::chrono::steady_clock;
 struct SessionTest : SessionFixture {
   using SessionFixture::m_naming;
   using SessionFixture::m_servers;
-  SessionOptions Options(const std::string& user = "alice") {
-    return {.server = "central",
-            .user = user,
-            .password = SecretString("secret"),
-            .namingService = m_naming->Reference(),
-            .orbArguments = m_orbArguments};
-  }
+  using SessionFixture::Options;
   static std::size_t Sessions(Server& server) {
     return server.Control({{"command", "state"}})["sessions"].size();
   }
-  template <class Condition>
-  static bool Soon(Condition condition) {
-    const auto end = Clock::now() + 20s;
-    while (!condition() && Clock::now() < end) std::this_thread::sleep_for(10ms);
-    return condition();
-  }
 };
 
-TEST_F(SessionTest, MakesTheCallsOfTheOldFunctions) {
+TEST_F(SessionTest, CallsWhatTheFunctionsCall) {
   Server& server = StartServer();
   ASSERT_EQ(Login(), 1);
   ASSERT_EQ(GL_PostLogin(m_message), 1);
@@ -66,7 +53,7 @@ TEST_F(SessionTest, MakesTheCallsOfTheOldFunctions) {
   EXPECT_FALSE(kept->IsAdministrator()) << "a copy outlives its session";
 }
 
-TEST_F(SessionTest, EndsWhateverTheClientDoes) {
+TEST_F(SessionTest, AlwaysEnds) {
   Server& server = StartServer();
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   static SessionTest* test = this;
@@ -100,7 +87,7 @@ TEST_F(SessionTest, EndsWhateverTheClientDoes) {
   EXPECT_LT(Clock::now() - start, 4s) << "a logout without an answer ends by the call's time-out";
 }
 
-TEST_F(SessionTest, KeepsItselfAliveAndIsUsedFromManyThreads) {
+TEST_F(SessionTest, KeepsItselfAlive) {
   Server* server = &StartServer();
   std::atomic<int> losses = 0;
   SessionOptions options = Options();
@@ -119,13 +106,14 @@ TEST_F(SessionTest, KeepsItselfAliveAndIsUsedFromManyThreads) {
     }
     threads.clear();
     server->SetFaults({{{"operation", "CRB_ClientKeepAlive"}, {"action", "delay"}, {"ms", 3000}}});
-    ASSERT_TRUE(Soon([&] { return server->Calls().back()["operation"] == "CRB_ClientKeepAlive"; }));
+    ASSERT_TRUE(
+        WaitUntil([&] { return server->Calls().back()["operation"] == "CRB_ClientKeepAlive"; }));
     const auto start = Clock::now();
     EXPECT_FALSE(session.Authorizations()->IsAdministrator());
     EXPECT_LT(Clock::now() - start, 1s) << "a question waits for no call";
     server->SetFaults(json::array());
     server->Control({{"command", "end-sessions"}});
-    EXPECT_TRUE(Soon([&] { return losses == 1; })) << m_log.Text();
+    EXPECT_TRUE(WaitUntil([&] { return losses == 1; })) << m_log.Text();
     EXPECT_TRUE(session.IsLost());
     EXPECT_TRUE(IsLoggedIn(session.Renew()));
     EXPECT_FALSE(session.IsLost());
@@ -133,13 +121,13 @@ TEST_F(SessionTest, KeepsItselfAliveAndIsUsedFromManyThreads) {
   options.renew = true;
   const Session session(options);
   server->Control({{"command", "end-sessions"}});
-  EXPECT_TRUE(Soon([&] { return Sessions(*server) == 1; })) << m_log.Text();
+  EXPECT_TRUE(WaitUntil([&] { return Sessions(*server) == 1; })) << m_log.Text();
   EXPECT_EQ(losses, 1) << "made good at once";
   server->Kill();
-  EXPECT_TRUE(Soon([&] { return losses == 2; })) << "reported once";
+  EXPECT_TRUE(WaitUntil([&] { return losses == 2; })) << "reported once";
   server = &StartServer();
-  EXPECT_TRUE(Soon([&] { return Sessions(*server) == 1; })) << m_log.Text();
-  EXPECT_TRUE(Soon([&] { return !session.IsLost(); }));
+  EXPECT_TRUE(WaitUntil([&] { return Sessions(*server) == 1; })) << m_log.Text();
+  EXPECT_TRUE(WaitUntil([&] { return !session.IsLost(); }));
   EXPECT_EQ(losses, 2);
 }
 
