@@ -1,6 +1,6 @@
 // Makes the grants and the objects that the tests and the benchmark of the grant index use.
 //
-// The same seed gives the same grants on every machine. The mix is that of a large installation:
+// The same seed gives the same grants on every host. The mix is that of a large installation:
 //
 //   45 %  one name          NAME = 'PAYROLL_EU_0004711'
 //   25 %  a range of names  NAME LIKE 'PAYROLL_EU_00047*'

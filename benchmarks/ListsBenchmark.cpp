@@ -15,7 +15,7 @@
 
 namespace {
 
-// Records in an order that tells the list nothing, the same in each run.
+// Records in a random order, the same in each run.
 std::vector<TDC> Records() {
   std::vector<TDC> records(100'000);
   for (std::size_t i = 0; i < records.size(); ++i) {

@@ -1,8 +1,8 @@
-// Lines of the log that are not active, beside the one load and one branch that each is meant to
-// cost. A loop around nothing tells what the measuring itself takes.
+// Disabled log statements, beside one load and one branch, which is their goal. An empty loop shows
+// the cost of the measurement itself.
 //
-// What is asked: at most 2 ns for a line, no allocation and no argument evaluated. Measured in the
-// two states in which programs run: without a sink, and with one that takes errors alone.
+// Goals: at most 2 ns for a statement, no allocation and no argument evaluated. Measured in the two
+// usual states of a program: without a sink, and with one that takes only errors.
 
 #include <atomic>
 #include <cstddef>
@@ -39,7 +39,7 @@ TDiagRegister diagModule("LogBenchmark");
 std::atomic<int> bareLevel{-1};
 std::size_t evaluated = 0;
 
-// Long enough for a text that lives on the heap.
+// Long enough to need the heap.
 std::string Evaluated() {
   ++evaluated;
   return "an argument that is built when the line is written";

@@ -5,7 +5,7 @@
 // that makes the same calls through the stubs and loads the same libraries.
 //
 // Both sides use the same references and the same connection and take turns call by call, so that
-// whatever the machine does meanwhile hits both. The answer to the challenge and the password's
+// other load on the host affects both. The answer to the challenge and the password's
 // checksum belong to a login, so both sides compute them. The server writes no log.
 
 #include <chrono>
@@ -147,8 +147,8 @@ void ColdLogin(benchmark::State& state) {
 }
 BENCHMARK(ColdLogin)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(40);
 
-// Last, when the file that tells the client's version has not just been written: from then on it
-// is looked at and not read.
+// Last, when the file with the client's version is old enough: from then on it is read only when it
+// changes.
 void Login(benchmark::State& state) {
   Compare(
       state, [] { Require(world->Login(kShort) == 1, "a login fails"); },

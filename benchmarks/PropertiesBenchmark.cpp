@@ -6,11 +6,11 @@
 #include <string>
 
 #include <benchmark/benchmark.h>
+#include <xercesc/parsers/XercesDOMParser.hpp>
 
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/environment/ClientProperties.h>
-#include <xercesc/parsers/XercesDOMParser.hpp>
 
 namespace {
 

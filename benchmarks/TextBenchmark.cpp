@@ -1,7 +1,7 @@
 // Job text and the archive: that the time of the line codecs grows as the text does, and that an
 // archive loads no slower than the stream's own operators would.
 //
-// Each measurement runs both sides in turn, so that both see the machine in the same state, and
+// Each measurement runs both sides in turn, so that other load on the host affects both, and
 // compares their medians. Results are compared before anything is timed.
 //
 // Line buffers hold job text: lines of 0 to 132 bytes, 66 on average.
@@ -37,7 +37,7 @@ void Require(bool condition, const char* what) {
   std::exit(2);
 }
 
-// The processor time of this thread, so that a busy machine does not count.
+// The processor time of this thread, so that other load on the host does not count.
 double Now() {
   std::timespec now{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);

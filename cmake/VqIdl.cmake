@@ -3,7 +3,7 @@
 # Generates stubs and skeletons into the build tree and compiles them into one static library.
 # Everything that differs between ORB products in how stubs are made is here. Stubs are included as
 # <vq_idl/NameC.h>, skeletons as <vq_idl/NameS.h>, whatever the product. The generated headers are
-# SYSTEM for whoever links the target: they answer to no warning of ours.
+# SYSTEM headers for the targets that link this one: our warnings do not apply to them.
 function(vq_add_idl_library target)
   set(out ${CMAKE_CURRENT_BINARY_DIR}/generated)
   set(stubs ${out}/vq_idl)
@@ -24,7 +24,7 @@ function(vq_add_idl_library target)
   target_compile_options(${target} PRIVATE -w)
   if(VQ_SANITIZE MATCHES "undefined")
     # omniORB's templates multiply lengths as signed numbers; support/orb/CorbaConversions.h refuses
-    # what comes of an overflow.
+    # the lengths that overflow.
     target_compile_options(${target} PRIVATE -fno-sanitize=signed-integer-overflow)
   endif()
   # The generated header directory is reached as <vq_idl/NameC.h>, and bare by the stubs themselves.

@@ -15,7 +15,7 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_BUILD_RPATH_USE_ORIGIN ON) # what is built does not tell where
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON) # no build path in what is built
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 if(NOT CMAKE_BUILD_TYPE)
@@ -51,7 +51,7 @@ else()
   endif()
   if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
-    # What is built does not tell where. In a Debug build a debugger is to find the sources.
+    # No build path in what is built. In a Debug build a debugger needs the path of the sources.
     add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
       -ffile-prefix-map=${PROJECT_BINARY_DIR}=./build)
   endif()

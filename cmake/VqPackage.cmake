@@ -10,7 +10,7 @@
 # and, of those with code, the debug symbols (-dbgsym, .ddeb). Files are sorted into packages by the
 # component of their install rule: runtime, development, tools, simulator, documentation. What only
 # Debian asks for (copyright, changelog, packed manual pages, the symbols file) is made by
-# packages/finish.cmake when everything else stands in its place. Two builds of one commit give the
+# packages/finish.cmake when everything else is in its place. Two builds of one commit give the
 # same bytes, in whichever directory and whenever they are made: ./dev reproduce.
 
 set(VQ_PACKAGE_REVISION 1 CACHE STRING "Debian revision of the packages")

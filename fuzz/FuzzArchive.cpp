@@ -5,15 +5,12 @@
 // stream.
 
 #include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <iostream>
 #include <streambuf>
-#include <string>
 #include <type_traits>
 #include <utility>
 
+#include <fuzz/Require.h>
 #include <vq_client_common/datacenters/TArchive.h>
 
 namespace {
@@ -75,7 +72,7 @@ std::string Seen(std::string bytes, bool byteWise, int type, unsigned order) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2) return 0;
   const int type = data[0] % 5;
-  const std::string bytes(reinterpret_cast<const char*>(data) + 2, size - 2);
+  const std::string bytes = vq::Text(data + 2, size - 2);
   if (Seen(bytes, false, type, data[1]) != Seen(bytes, true, type, data[1])) std::abort();
   return 0;
 }

@@ -2,20 +2,13 @@
 // what is asked for is what is stored. Input: a byte of flags, then the arguments, each ended by a
 // zero byte.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <iostream>
-#include <string>
 #include <vector>
 
+#include <fuzz/Require.h>
 #include <vq_client_common/environment/CmdParser.h>
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 class Parser : public CmdParser {
  public:
@@ -47,12 +40,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Parser parser(caseSensitive);
   parser.SetCmdLineArgs(static_cast<int>(vector.size()), vector.data());
   std::string unused;
-  Require(parser.parse(unused));
-  Require(parser.params().size() < arguments.size());
+  vq::Require(parser.parse(unused));
+  vq::Require(parser.params().size() < arguments.size());
   for (const auto& [name, value] : parser.params()) {
     const std::string first = parser.param(name, "");
-    Require(first == parser.params().lower_bound(name)->second || !caseSensitive);
-    Require(!value.starts_with('-'));
+    vq::Require(first == parser.params().lower_bound(name)->second || !caseSensitive);
+    vq::Require(!value.starts_with('-'));
   }
   for (const std::string& argument : arguments) parser.is_switch_on(argument);
   parser.diag_print();

@@ -1,12 +1,9 @@
 // Listen endpoint strings, which administrators write: the class that rewrites them and the parser
 // of the ORB's settings take any text, and what they accept they understand again.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <stdexcept>
-#include <string>
 
+#include <fuzz/Require.h>
 #include <support/orb/ListenEndpoint.h>
 #include <vq_client_common/connectivity/ORBEndpoint.h>
 
@@ -37,7 +34,7 @@ void Parse(const std::string& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text = vq::Text(data, size);
   Rewrite(text);
   Parse(text);
   return 0;

@@ -2,29 +2,18 @@
 // end, or with the buffer untouched. Input: the language, a zero byte, the file.
 
 #include <cctype>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <string>
 
+#include <fuzz/Require.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/environment/LanguageLocale.h>
 
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const vq::test::TemporaryDirectory directory;
   static const vq::test::Variable home("VQ_HOME", directory.Path());
-  const std::string input(reinterpret_cast<const char*>(data), size);
+  const std::string input = vq::Text(data, size);
   const std::string language = input.c_str();
   directory.Write("ini/locale.ini",
                   language.size() < input.size() ? input.substr(language.size() + 1) : "");
@@ -36,10 +25,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const bool isUntouched = std::string(255, '~') == std::string(locale.get(), 255);
   if (result == 1 && !isUntouched) {
     const std::string text = locale.get();
-    Require(text.empty() || std::isspace(static_cast<unsigned char>(text.back())) == 0);
-    Require(text.find('\n') == std::string::npos);
+    vq::Require(text.empty() || std::isspace(static_cast<unsigned char>(text.back())) == 0);
+    vq::Require(text.find('\n') == std::string::npos);
   } else {
-    Require(isUntouched && (result == 1 || result == 12 || result == 22));
+    vq::Require(isUntouched && (result == 1 || result == 12 || result == 22));
   }
   return 0;
 }

@@ -1,11 +1,8 @@
 // The text of a time zone, whose bracketed offset a server wrote.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <stdexcept>
-#include <string>
 
+#include <fuzz/Require.h>
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
 
 namespace {
@@ -17,11 +14,11 @@ struct Opened : ForecastTimesManipulationMP {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text = vq::Text(data, size);
   Opened times;
   try {
     const int offset = times.GetUtcOffset(text);
-    // What stands around the first pair of brackets does not count.
+    // The text around the first pair of brackets does not count.
     if (times.GetUtcOffset("+9:99)" + text + "(-9:99)") != offset &&
         text.find('(') != std::string::npos &&
         text.find(')', text.find('(')) != std::string::npos) {

@@ -1,21 +1,10 @@
 // Any text is read or refused. What is refused changes nothing; what is read gives values that,
 // written to a file again, read as the same.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 #include <string_view>
 
+#include <fuzz/Require.h>
 #include <support/diagnostics/PasswordFile.h>
-
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
@@ -23,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::string user = untouched;
   std::string password = untouched;
   if (vq::ParsePasswordFile(text, user, password) != nullptr) {
-    Require(user == untouched && password == untouched);
+    vq::Require(user == untouched && password == untouched);
     return 0;
   }
   std::string again;
@@ -31,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (password != untouched) again += "password=" + password + "\r\n";
   std::string sameUser = untouched;
   std::string samePassword = untouched;
-  Require(vq::ParsePasswordFile(again, sameUser, samePassword) == nullptr);
-  Require(sameUser == user && samePassword == password);
+  vq::Require(vq::ParsePasswordFile(again, sameUser, samePassword) == nullptr);
+  vq::Require(sameUser == user && samePassword == password);
   return 0;
 }

@@ -1,11 +1,7 @@
 // The client properties file: whatever it holds, reading it is safe. What is saved after a load
 // loads again, and saves to the same text, unless it holds what a save does not keep.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
+#include <fuzz/Require.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/environment/ClientProperties.h>
@@ -24,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const vq::test::TemporaryDirectory directory;
   static const vq::test::Variable location("VQ_DATA", directory.Path());
   constexpr char kFile[] = "CommonClientConf.xml";
-  directory.Write(kFile, std::string(reinterpret_cast<const char*>(data), size));
+  directory.Write(kFile, vq::Text(data, size));
   ClientProperties* properties = ClientProperties::Get();
   properties->Reload();
   if (!properties->SaveProperties()) std::abort();

@@ -1,11 +1,7 @@
 // Object references, which come from the naming service: the address is read from any bytes, or
 // none is.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
+#include <fuzz/Require.h>
 #include <support/orb/ReferenceAddress.h>
 
 namespace {
@@ -25,9 +21,9 @@ void Read(const std::string& text) {
 
 }  // namespace
 
-// The bytes as the reference's text, and as what the digits of such a text stand for.
+// The bytes as the reference's string, and as the content of such a string.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  Read(std::string(reinterpret_cast<const char*>(data), size));
+  Read(vq::Text(data, size));
   constexpr char kDigits[] = "0123456789abcdef";
   std::string text = "IOR:";
   for (std::size_t i = 0; i < size; ++i) {

@@ -2,22 +2,16 @@
 // definition. The lines of the text are grants, and the index answers for all of them as trying
 // each does.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include <fuzz/Require.h>
 #include <support/grants/GrantIndex.h>
 #include <support/selection/QCSSelectionDef.h>
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 // Objects whose attributes come from the definition itself, so that some of them fit.
 std::vector<QCSObject> ObjectsFor(const QCSSelectionDef& definition) {
@@ -49,13 +43,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     vq::SelectionParseError error;
     QCSSelectionDef& definition = definitions.emplace_back();
     const bool parses = definition.Parse(line, error);
-    Require(index.Add(line, levelOf(index.size()), diag) == parses);
+    vq::Require(index.Add(line, levelOf(index.size()), diag) == parses);
     if (!parses) {
-      Require(error.position <= line.size() && !error.expected.empty() && !error.found.empty());
+      vq::Require(error.position <= line.size() && !error.expected.empty() && !error.found.empty());
       continue;  // the definition has no terms and fits nothing
     }
     QCSSelectionDef again;
-    Require(again.Parse(definition.AsString(), error) && again == definition);
+    vq::Require(again.Parse(definition.AsString(), error) && again == definition);
     for (QCSObject& object : ObjectsFor(definition)) objects.push_back(std::move(object));
   }
 
@@ -65,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       if (!definitions[i].DoesItFit(object, false)) continue;
       if (!highest || levelOf(i) > *highest) highest = levelOf(i);
     }
-    Require(index.HighestFitting(object) == highest);
+    vq::Require(index.HighestFitting(object) == highest);
   }
   return 0;
 }

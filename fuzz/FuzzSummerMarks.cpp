@@ -1,11 +1,8 @@
 // Two summer marks, parted by a line end, and the zone that they make.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <stdexcept>
-#include <string>
 
+#include <fuzz/Require.h>
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
 
 namespace {
@@ -29,7 +26,7 @@ void CheckDay(const os_time_zone& zone, os_date date) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text = vq::Text(data, size);
   const std::size_t line = text.find('\n');
   const std::string start = text.substr(0, line);
   const std::string end = line == std::string::npos ? "" : text.substr(line + 1);

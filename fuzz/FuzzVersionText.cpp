@@ -3,21 +3,14 @@
 // An input is two lines: a version with its fix-pack level, and a new-day time; then, behind the
 // second line end, a time.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 #include <string_view>
 
+#include <fuzz/Require.h>
 #include <vq_client_common/datacenters/TDC.h>
 #include <vq_client_common/datacenters/TString2Enum.h>
 #include <vq_client_common/datacenters/TVltVersion.h>
 
 namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 // Takes the text up to the first line end off `rest`.
 std::string TakeLine(std::string_view& rest) {
@@ -40,38 +33,39 @@ void TryVersion(const std::string& full) {
   if (full.find('.') != std::string::npos && !level.empty()) {
     std::string composed;
     TVltVersion::ComposeFullVersionStr(version, level, composed);
-    Require(composed == full);
+    vq::Require(composed == full);
   }
   const TVltVersion first(TVltVersion::TypeFromString(version), version, level);
   const TVltVersion again(first.Type(), first.Ver(), first.FPLevel());
-  Require(again == first && again.FPLevel() == first.FPLevel());
-  Require(!first.Version700FP2Plus() || (first.Version700Plus() && first.Version610Plus()));
-  Require(!first.SupportsActiveSubTables() || first.SupportsActiveTables());
+  vq::Require(again == first && again.FPLevel() == first.FPLevel());
+  vq::Require(!first.Version700FP2Plus() || (first.Version700Plus() && first.Version610Plus()));
+  vq::Require(!first.SupportsActiveSubTables() || first.SupportsActiveTables());
 
   TString2Enum registry;
-  Require(registry.enum_register(full, 7) == 1 && registry.enum_lookup(full) == 7);
+  vq::Require(registry.enum_register(full, 7) == 1 && registry.enum_lookup(full) == 7);
 }
 
 void TryTimes(const std::string& newDay, const std::string& time) {
   std::string synonym;
   std::string back;
   if (TDC::ConvertToTimeSynonymStatic(newDay, time, synonym) && IsClockTime(time)) {
-    Require(TDC::ConvertFromTimeSynonym(synonym, back) && back == time);
+    vq::Require(TDC::ConvertFromTimeSynonym(synonym, back) && back == time);
   }
   std::string next;
-  if (!TDC::ConvertNextTimeToTimeSynonym(newDay, time, next)) Require(next == time);
-  if (!TDC::ConvertNextTimeFromTimeSynonym(time, next)) Require(next == time);
+  if (!TDC::ConvertNextTimeToTimeSynonym(newDay, time, next)) vq::Require(next == time);
+  if (!TDC::ConvertNextTimeFromTimeSynonym(time, next)) vq::Require(next == time);
 
   bool newDayValid = false;
   std::string err;
   const int inDay = TDC::CheckTimeHHMMTimeSynonym(time, newDay, newDayValid, err);
-  Require(inDay == (err.empty() ? 1 : 0) && (inDay == 1 || err.back() == '\t'));
+  vq::Require(inDay == (err.empty() ? 1 : 0) && (inDay == 1 || err.back() == '\t'));
   const int inClock = TDC::CheckTimeHHMMNoTimeSynonym(time, err);
-  Require(inClock == (err.empty() ? 1 : 0) && (inClock == 1 || err.back() == '\t'));
+  vq::Require(inClock == (err.empty() ? 1 : 0) && (inClock == 1 || err.back() == '\t'));
   // Whatever is a synonym of a sound clock time passes the check of its scheduling day.
   if (IsClockTime(time) && IsClockTime(newDay)) {
     TDC::ConvertToTimeSynonymStatic(newDay, time, synonym);
-    Require(TDC::CheckTimeHHMMTimeSynonym(synonym, newDay, newDayValid, err) == 1 && newDayValid);
+    vq::Require(TDC::CheckTimeHHMMTimeSynonym(synonym, newDay, newDayValid, err) == 1 &&
+                newDayValid);
   }
 }
 

@@ -1,7 +1,7 @@
-// How the users stand while the simulator runs: failed tries, locks, passwords that were changed.
-// What the site says of a user is where each starts from.
+// The state of the users' accounts while the simulator runs: failed tries, locks, changed
+// passwords. Each begins with the site's data for the user.
 //
-// Thread contract: any thread.
+// Thread safety: any thread.
 #ifndef VQ_SIMULATOR_ACCOUNTS_H
 #define VQ_SIMULATOR_ACCOUNTS_H
 
@@ -19,7 +19,7 @@ class Accounts {
  public:
   enum class Verdict { kUnknownUser, kLocked, kWrong, kRight };
 
-  // How one user stands. Users that nothing happened to have none.
+  // The state of one account. A user without a login has none.
   struct Standing {
     int failedTries = 0;
     bool locked = false;
@@ -28,22 +28,22 @@ class Accounts {
 
   explicit Accounts(Challenges& challenges) : m_challenges(challenges) {}
 
-  // Judges what a client showed at a registration: the response to an open challenge while the site
-  // encodes passwords, else the plain password. The right one clears the failed tries; the wrong
-  // one counts as one, and the site's number of them locks the account for every later try.
+  // Checks the proof of a client at a registration: the response to an open challenge while the
+  // site encodes passwords, else the plain password. The right one clears the failed tries; a wrong
+  // one counts, and the site's number of them locks the account for every later try.
   Verdict LogIn(const Site& site, const std::string& user, std::string_view shown);
-  // Judges a password without a challenge and without counting: encoded or plain as the site says.
+  // Checks a password without a challenge and without counting; encoded while the site encodes.
   Verdict Check(const Site& site, const std::string& user, std::string_view shown);
   // Whether the account is locked, by the site or after wrong passwords.
   bool IsLocked(const Site& site, const std::string& user);
-  // The password that is right at present, encoded; empty when there is no such user.
+  // The current password, encoded; empty when there is no such user.
   std::string Encoded(const Site& site, const std::string& user);
-  // Changes the password to what a client sent: encoded already while the site encodes passwords.
-  // An expired password is fresh again.
+  // Changes the password to the one that a client sent, which is encoded while the site encodes
+  // passwords. It is no longer expired.
   void ChangePassword(const Site& site, const std::string& user, std::string_view sent);
-  // Whether the password has expired or is about to: as the site says, until it is changed.
+  // Whether the password has expired or is about to, by the site until it is changed.
   Expiry ExpiryOf(const Site& site, const std::string& user);
-  // Back to what the site says.
+  // Back to the site's data.
   void Forget(const std::string& user);
   void Clear();
   [[nodiscard]] std::map<std::string, Standing> List();

@@ -1,7 +1,5 @@
 // The authorization objects of all users, in one servant: the object id of a reference is the name
-// of its user, so that a reference costs nothing to give out and needs no cleaning up.
-//
-// Thread contract: any thread; the ORB calls it from one thread a connection.
+// of its user, so that references need no bookkeeping.
 #ifndef VQ_SIMULATOR_AUTHORIZATIONSERVANT_H
 #define VQ_SIMULATOR_AUTHORIZATIONSERVANT_H
 
@@ -17,7 +15,7 @@ namespace vq::sim {
 
 class AuthorizationServant : public Servant<POA_QCSCorbaAuthorization> {
  public:
-  // `current` tells which object a call is for.
+  // `current` has the object of a call.
   AuthorizationServant(World& world, std::string kind, PortableServer::Current_ptr current);
 
   char* CRB_GetUserName(const char* userId) override;
@@ -111,7 +109,7 @@ class AuthorizationServant : public Servant<POA_QCSCorbaAuthorization> {
   VQ_NOT_OFFERED(void, CRB_SetFuture3, const char*, const char*)
   VQ_NOT_OFFERED(char*, CRB_GetFuture3, const char*)
 
-  // The site, and the user that the object of this call stands for.
+  // The site, and the user of the object of this call.
   struct Subject {
     std::shared_ptr<const Site> site;
     std::string name;

@@ -1,5 +1,4 @@
-// One remote call, from its arrival to its answer: written to the log, and hit by the faults that
-// are set for it.
+// One remote call, from its arrival to its answer: it is logged, and the faults set for it apply.
 //
 //   CORBA::Long CRB_Unregister(const char* userId) override {
 //     Call call(m_world, m_kind, "UsersManager", "CRB_Unregister", {{"userId", userId}});
@@ -8,8 +7,6 @@
 //
 // The body returns results and out values as values of its own: they are dropped when a fault
 // answers instead.
-//
-// Thread contract: one thread, the one that serves the call.
 #ifndef VQ_SIMULATOR_CALL_H
 #define VQ_SIMULATOR_CALL_H
 
@@ -21,9 +18,10 @@
 #include <utility>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include <simulator/World.h>
 #include <support/orb/Corba.h>
-#include <nlohmann/json.hpp>
 
 namespace vq::sim {
 
@@ -38,17 +36,17 @@ class Call {
   Call& Add(Arguments arguments);
   // A password or response: the log gets its length only, and "passwordForm" (FormOf).
   Call& Secret(const char* name, const char* value, std::string_view form);
-  // Something more for the answer's line.
+  // Adds a member to the answer's line.
   void Note(const char* name, nlohmann::ordered_json value);
 
-  // Serves the call. `text` is where the answer's message is, if it has one: a fault may put its
-  // own there. Raises what the body raises, or a fault; a standard exception becomes INTERNAL.
+  // Serves the call. `text` is the answer's message, if it has one: a fault may replace it. Raises
+  // the exceptions of the body or of a fault; a standard exception becomes INTERNAL.
   template <typename Body>
   auto Run(Body body, std::string* text = nullptr) -> decltype(body());
 
  private:
   void Arrive();
-  // Lets the faults of one moment act. Returns the one that gives the answer, if any.
+  // Applies the faults of one moment. Returns the one that determines the answer, if any.
   std::optional<Fault> Act(bool after);
   // Writes the answer's line, with that member unless it is null.
   void Answer(const char* member, nlohmann::ordered_json value);

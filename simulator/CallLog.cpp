@@ -2,27 +2,22 @@
 
 #include <cerrno>
 #include <chrono>
-#include <ctime>
 #include <system_error>
 #include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <fmt/chrono.h>
+
 namespace vq::sim {
 namespace {
 
 // "2024-03-01T12:00:00.123Z"
 std::string Now() {
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
-  const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
-  const std::time_t seconds = milliseconds / 1000;
-  std::tm utc{};
-  gmtime_r(&seconds, &utc);
-  std::string text(32, '\0');
-  text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc));
-  const std::string fraction = std::to_string(1000 + milliseconds % 1000);
-  return text + "." + fraction.substr(1) + "Z";
+  using std::chrono::milliseconds;
+  const auto now = std::chrono::floor<milliseconds>(std::chrono::system_clock::now());
+  return fmt::format("{:%FT%T}.{:03}Z", now, now.time_since_epoch().count() % 1000);
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
-// Writes down what the simulator was asked and what it answered, one JSON object a line, so that a
-// test can count remote calls and see their arguments. docs/simulator.md describes the lines.
+// Logs calls and answers, one JSON object a line, so that a test can count remote calls and see
+// their arguments. docs/simulator.md describes the lines.
 //
-// No password and no response to a challenge gets here: see Call::Secret.
+// No password and no response to a challenge is logged: see Call::Secret.
 //
-// Thread contract: any thread; a line is written whole.
+// Thread safety: any thread; lines are not interleaved.
 #ifndef VQ_SIMULATOR_CALLLOG_H
 #define VQ_SIMULATOR_CALLLOG_H
 
@@ -13,17 +13,18 @@
 #include <mutex>
 #include <string>
 
-#include <support/os_toolkit/os_file_system.h>
 #include <nlohmann/json.hpp>
+
+#include <support/os_toolkit/os_file_system.h>
 
 namespace vq::sim {
 
-// So much of what a client sends gets into a line, since that may be hundreds of megabytes.
+// Bytes of a client's string that are logged, since it may have hundreds of megabytes.
 inline constexpr std::size_t kLongestLogged = 65'536;
 
 class CallLog {
  public:
-  // Appends to this file from now on, readable by its owner only. Without it lines go nowhere.
+  // Appends to this file from now on, readable by its owner only. Without it nothing is logged.
   // Raises std::system_error when the file does not open.
   void Open(const std::filesystem::path& path);
   // Writes one line; puts a number and the time before its members. Returns the number.

@@ -1,6 +1,4 @@
-// The repository of the objects that clients left to be called back.
-//
-// Thread contract: any thread; the ORB calls it from one thread a connection.
+// The repository of the clients' callback objects.
 #ifndef VQ_SIMULATOR_CALLBACKREPOSITORYSERVANT_H
 #define VQ_SIMULATOR_CALLBACKREPOSITORYSERVANT_H
 

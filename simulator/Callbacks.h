@@ -1,6 +1,6 @@
-// The objects that clients left to be called back.
+// The clients' callback objects.
 //
-// Thread contract: any thread.
+// Thread safety: any thread.
 #ifndef VQ_SIMULATOR_CALLBACKS_H
 #define VQ_SIMULATOR_CALLBACKS_H
 
@@ -28,9 +28,9 @@ class Callbacks {
   bool RemoveOf(const std::string& userId);
   // The caller owns the reference; nil when the id is not known.
   CORBA::Object_ptr Find(CORBA::Long id);
-  // Calls CRB_Ping of the object, as the site lets it: at once, late or not at all. True when the
-  // object answered within the time (0 or less: 5 seconds; 30 at most); else `message` says why
-  // not.
+  // Calls CRB_Ping of the object: at once, late or not at all, as the site configures. True when
+  // the object answered within the time (0 or less: 5 seconds; 30 at most); else `message` has the
+  // reason.
   bool Ping(CORBA::Long id, std::chrono::milliseconds time, std::string& message);
 
  private:
@@ -38,15 +38,15 @@ class Callbacks {
     std::string userId;
     CORBA::Object_var object;
   };
-  // The right to call one object, which one thread has at a time: the ORB keeps the limit of a call
-  // with the reference.
+  // The right to call one object, which one thread has at a time: the ORB stores the limit of a
+  // call in the reference.
   class Turn;
 
   World& m_world;
   std::mutex m_mutex;
   CORBA::Long m_last = 0;
   std::map<CORBA::Long, Entry> m_entries;
-  std::set<CORBA::Long> m_called;  // whose turn somebody has
+  std::set<CORBA::Long> m_called;  // objects that are being called
   std::condition_variable m_turnOver;
 };
 

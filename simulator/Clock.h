@@ -1,7 +1,7 @@
-// The time that sessions, challenges and locks go by. It can be put forward, so that a test of a
-// time-out takes no time.
+// The clock of sessions, challenges and locks. It can be advanced, so that a test of a time-out
+// need not wait.
 //
-// Thread contract: any thread.
+// Thread safety: any thread.
 #ifndef VQ_SIMULATOR_CLOCK_H
 #define VQ_SIMULATOR_CLOCK_H
 
@@ -18,7 +18,7 @@ class Clock {
   [[nodiscard]] Time Now() const {
     return std::chrono::steady_clock::now() + std::chrono::milliseconds(m_ahead.load());
   }
-  // From now on it is later by `step`.
+  // Advances the clock by `step`.
   void Advance(std::chrono::milliseconds step) {
     if (m_ahead.load() < kFarthest) m_ahead += std::min(step.count(), kFarthest);
   }

@@ -1,12 +1,12 @@
-// The control channel: a UNIX socket by which a test or a demonstration changes the site, moves the
-// clock and asks how things stand, while the simulator runs.
+// The control channel: a UNIX socket by which a test or a demonstration changes the site, advances
+// the clock and reads the state, while the simulator runs.
 //
 // One JSON object a line in, one JSON object a line out: {"ok": true, ...} or {"ok": false,
 // "error": TEXT}. A command has taken effect when its answer is there. docs/simulator.md lists the
 // commands.
 //
-// Thread contract: Start and Stop by one thread; the channel has a thread of its own and serves one
-// connection after the other. Execute may be called from any thread.
+// Thread safety: one thread calls Start and Stop; Execute may be called from any thread. The
+// channel has a thread of its own and serves one connection after the other.
 #ifndef VQ_SIMULATOR_CONTROL_H
 #define VQ_SIMULATOR_CONTROL_H
 
@@ -14,9 +14,10 @@
 #include <string>
 #include <thread>
 
+#include <nlohmann/json.hpp>
+
 #include <simulator/World.h>
 #include <support/os_toolkit/os_file_system.h>
-#include <nlohmann/json.hpp>
 
 namespace vq::sim {
 
@@ -33,7 +34,7 @@ class Control {
   void Start(const std::filesystem::path& path);
   void Stop();
 
-  // Executes one line. Never raises: what is wrong stands in the answer.
+  // Executes one line. Never raises: an error is reported in the answer.
   std::string Execute(const std::string& line);
 
  private:

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <stdexcept>
 #include <vector>
 
+#include <fmt/format.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
@@ -21,14 +23,8 @@ const unsigned char* Bytes(std::string_view text) {
   return reinterpret_cast<const unsigned char*>(text.data());
 }
 
-std::string Hex(const unsigned char* bytes, std::size_t digits) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text(digits, '0');
-  for (std::size_t i = 0; i < digits; ++i) {
-    const unsigned byte = bytes[i / 2];
-    text[i] = kDigits[i % 2 == 0 ? byte >> 4U : byte & 15U];
-  }
-  return text;
+std::string Hex(std::span<const unsigned char> bytes) {
+  return fmt::format("{:02x}", fmt::join(bytes, ""));
 }
 
 std::string Measured(const std::string& text) {
@@ -42,8 +38,8 @@ std::string Measured(const std::string& text) {
 }  // namespace
 
 void PrepareCredentials() {
-  // The ORB's threads leave OpenSSL only after the ORB has counted them out, so the process does
-  // not wait for them; without its exit handler OpenSSL keeps what they still use.
+  // The ORB's threads may still be in OpenSSL when the process ends; without its exit handler
+  // OpenSSL keeps the objects that they use.
   OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
   Respond({RandomHex(2), ""}, Encode(""));
 }
@@ -66,7 +62,7 @@ std::string Respond(const Challenge& challenge, std::string_view encoded) {
            message.size(), mac.data(), nullptr) == nullptr) {
     throw std::runtime_error("no HMAC-SHA-256");
   }
-  return Hex(mac.data(), kResponseLength);
+  return Hex(mac);
 }
 
 std::string RandomHex(std::size_t digits) {
@@ -74,7 +70,7 @@ std::string RandomHex(std::size_t digits) {
   if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
     throw std::runtime_error("no random numbers");
   }
-  return Hex(bytes.data(), digits);
+  return Hex(bytes).substr(0, digits);
 }
 
 bool SameSecret(std::string_view left, std::string_view right) {

@@ -1,6 +1,6 @@
-// The faults that are set, and which of them hit a call.
+// The faults that are set, and the selection of those that apply to a call.
 //
-// Thread contract: any thread.
+// Thread safety: any thread.
 #ifndef VQ_SIMULATOR_FAULTS_H
 #define VQ_SIMULATOR_FAULTS_H
 

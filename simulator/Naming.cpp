@@ -48,23 +48,19 @@ void Naming::Register(const std::string& server, const std::string& kind,
   }
 }
 
-void Naming::Unbind(const Entry& entry) {
+void Naming::Remove(const Entry& entry) {
   for (const auto& [service, object] : entry.services) {
     const CosNaming::Name name = NameOf(service, "");
     try {
       CORBA::Object_var bound = entry.context->resolve(name);
       if (bound->_is_equivalent(object.in())) entry.context->unbind(name);
-    } catch (const CORBA::UserException&) {  // not there any more
+    } catch (const CORBA::UserException&) {  // it has been removed already
     }
   }
-}
-
-void Naming::Remove(const Entry& entry) {
-  Unbind(entry);
   try {
     entry.context->destroy();
     m_root->unbind(entry.contextName);
-  } catch (const CORBA::UserException&) {  // not empty: somebody else's names are in it
+  } catch (const CORBA::UserException&) {  // not empty: it holds names of other servers
   }
 }
 

@@ -1,4 +1,4 @@
-// Puts a server into the naming service and takes it out again.
+// Registers a server in the naming service and removes it again.
 //
 // A server is the context {id server name, kind server kind} below the root; its services are bound
 // in it as {id service, kind ""}.
@@ -6,8 +6,6 @@
 //   Naming naming(orb);
 //   naming.Register("central", "GSR", {{"UsersManager", users}});
 //   naming.Unregister();
-//
-// Thread contract: one thread at a time.
 #ifndef VQ_SIMULATOR_NAMING_H
 #define VQ_SIMULATOR_NAMING_H
 
@@ -21,15 +19,15 @@ namespace vq::sim {
 
 class Naming {
  public:
-  // Asks the ORB for the naming service. Raises CORBA exceptions when it is not there.
+  // Gets the naming service from the ORB. Raises CORBA exceptions when it does not answer.
   explicit Naming(CORBA::ORB_ptr orb);
 
-  // Binds services of one server. A name that is there already, left by a process that died, is
-  // taken over. Raises CORBA exceptions.
+  // Binds services of one server. An existing name, of a process that died, is replaced. Raises
+  // CORBA exceptions.
   void Register(const std::string& server, const std::string& kind,
                 const std::map<std::string, CORBA::Object_var>& services);
-  // Takes out what Register put in, unless another process has taken a name over since; then the
-  // contexts that are empty. Raises nothing: a naming service that is gone has forgotten already.
+  // Removes the names of Register, unless another process has replaced one since; then the contexts
+  // that are empty. Raises nothing: a naming service that has ended has no names left.
   void Unregister() noexcept;
 
  private:
@@ -38,7 +36,6 @@ class Naming {
     CosNaming::NamingContext_var context;
     std::map<std::string, CORBA::Object_var> services;
   };
-  static void Unbind(const Entry& entry);
   void Remove(const Entry& entry);
 
   CosNaming::NamingContext_var m_root;

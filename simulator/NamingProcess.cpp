@@ -54,7 +54,7 @@ bool Listens(int port) {
 [[noreturn]] void RunService(const char* port, const char* directory, pid_t parent) {
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (getppid() != parent) _exit(1);
-  setpgid(0, 0);  // Ctrl-C is for the simulator, which takes its names out first
+  setpgid(0, 0);  // Ctrl-C is for the simulator, which removes its names first
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);

@@ -12,8 +12,8 @@
 
 namespace vq::sim {
 
-// Made before the process has a second thread. The child ends with this object, and with the
-// process however that ends. Thread contract: one thread.
+// To be made before the process has a second thread. The child ends with this object, and with the
+// process however that ends.
 class NamingProcess {
  public:
   NamingProcess();

@@ -30,8 +30,7 @@ std::unique_ptr<CLI::App> MakeProgram(Arguments& arguments) {
       ->type_name("GSR|GAS|QIMS|Forecast|CMS|SLS");
   program
       ->add_option("--endpoint", arguments.orb.endpoint,
-                   "Where to listen: iiop://[HOST][:PORT]. Without it a free port of this machine "
-                   "alone")
+                   "Where to listen: iiop://[HOST][:PORT]. Without it a free port of 127.0.0.1")
       ->type_name("ENDPOINT");
   program->add_flag("!--no-bidir", arguments.orb.bidirectional,
                     "Do not accept calls back over a client's own connection");
@@ -46,8 +45,7 @@ std::unique_ptr<CLI::App> MakeProgram(Arguments& arguments) {
   program->footer(
       "Exit codes: 0 stopped by SIGTERM or SIGINT, 2 usage or site file, 3 the naming service "
       "does\n"
-      "not answer, 4 the ORB does not start, 5 a file cannot be opened, 86 died as a fault told "
-      "it.\n");
+      "not answer, 4 the ORB does not start, 5 a file cannot be opened, 86 ended by a fault.\n");
   return program;
 }
 

@@ -1,7 +1,5 @@
 // The command line of vq_simulator, which the program parses and from which the manual page and the
 // shell's completion are made.
-//
-// Thread contract: one thread.
 #ifndef VQ_SIMULATOR_OPTIONS_H
 #define VQ_SIMULATOR_OPTIONS_H
 
@@ -9,8 +7,9 @@
 #include <string>
 #include <vector>
 
-#include <simulator/Orb.h>
 #include <CLI/App.hpp>
+
+#include <simulator/Orb.h>
 
 namespace vq::sim {
 

@@ -46,14 +46,9 @@ std::vector<Socket> Sockets() {
     int listening = 0;
     size = sizeof(listening);
     if (getsockopt(file, SOL_SOCKET, SO_ACCEPTCONN, &listening, &size) != 0) continue;
-    in_port_t port = 0;
-    if (address.ss_family == AF_INET) {
-      port = reinterpret_cast<const sockaddr_in&>(address).sin_port;
-    } else if (address.ss_family == AF_INET6) {
-      port = reinterpret_cast<const sockaddr_in6&>(address).sin6_port;
-    } else {
-      continue;
-    }
+    if (address.ss_family != AF_INET && address.ss_family != AF_INET6) continue;
+    // The port is at the same place in both kinds of address.
+    const in_port_t port = reinterpret_cast<const sockaddr_in&>(address).sin_port;
     sockets.push_back({file, ntohs(port), listening != 0});
   }
   return sockets;

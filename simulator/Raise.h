@@ -1,6 +1,4 @@
 // Raises CORBA exceptions by name: every system exception, and the wire's user exceptions.
-//
-// Thread contract: no state; any thread.
 #ifndef VQ_SIMULATOR_RAISE_H
 #define VQ_SIMULATOR_RAISE_H
 
@@ -11,11 +9,11 @@ namespace vq::sim {
 
 struct Fault;
 
-// The names that RaiseNamed knows, such as "TRANSIENT" and "USER_NOT_FOUND".
+// The names that RaiseNamed accepts, such as "TRANSIENT" and "USER_NOT_FOUND".
 std::vector<std::string_view> ExceptionNames();
 
-// Raises the exception that the fault names, with the minor code and completion, or the message,
-// reason and number that it holds. A name that is not known raises UNKNOWN.
+// Raises the exception that the fault names, with its minor code and completion, or its message,
+// reason and number. An unknown name raises UNKNOWN.
 [[noreturn]] void RaiseNamed(const Fault& fault);
 
 }  // namespace vq::sim

@@ -1,9 +1,6 @@
-// What every servant of the simulator has: the world it serves, the server kind it belongs to, and
-// a name for the log.
+// The base of every servant of the simulator: its world, its server kind, and its name in the log.
 //
 //   class X : public Servant<POA_CrbCallbackRepository> { ... Begin("CRB_GetCallbackById") ... };
-//
-// Thread contract: any thread; the ORB calls it from one thread a connection.
 #ifndef VQ_SIMULATOR_SERVANT_H
 #define VQ_SIMULATOR_SERVANT_H
 

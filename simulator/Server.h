@@ -1,6 +1,4 @@
 // One server kind of the simulator: its POAs, its servants, and the references to its services.
-//
-// Thread contract: made and destroyed by one thread; its servants are called by the ORB's threads.
 #ifndef VQ_SIMULATOR_SERVER_H
 #define VQ_SIMULATOR_SERVER_H
 

@@ -1,7 +1,7 @@
-// The sessions that are open, by user id. A session ends by itself when it was not kept alive for
-// its time-out; a time-out of 0 is none.
+// The open sessions, by user id. A session ends when it was not kept alive for its time-out; a
+// time-out of 0 is none.
 //
-// Thread contract: any thread.
+// Thread safety: any thread.
 #ifndef VQ_SIMULATOR_SESSIONS_H
 #define VQ_SIMULATOR_SESSIONS_H
 
@@ -18,7 +18,7 @@ namespace vq::sim {
 
 class Sessions {
  public:
-  // What is told about one session.
+  // One session of List.
   struct Info {
     std::string userId;
     std::string user;
@@ -30,7 +30,7 @@ class Sessions {
   // Opens a session under this id; one that is open under it already is replaced. False when there
   // are as many as a server takes.
   bool Open(const std::string& userId, const std::string& user, std::chrono::seconds timeOut);
-  // The name of the session's user; nothing when there is no such session, or no more.
+  // The name of the session's user; nothing when there is no such session.
   std::optional<std::string> UserOf(const std::string& userId);
   // Starts the session's time anew. False when there is no such session.
   bool KeepAlive(const std::string& userId);

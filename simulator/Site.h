@@ -1,14 +1,11 @@
-// What a simulated server is like: its users, parameters, rules and the faults it is told to have.
+// The configuration of a simulated server: its users, parameters, rules and faults.
 //
 // A site is one JSON file (site.json beside this file is a sample, docs/simulator.md the
-// reference). Its form is checked: an unknown key, a value of the wrong type, a name that
-// does not exist are errors that tell their place, so that a test never runs against a site that it
-// did not mean.
+// reference). Its form is checked: an unknown key, a value of the wrong type, a name that does not
+// exist are errors with their place in the file, so that a test never runs against a mistyped site.
 //
 //   const Site site = ReadSiteFile("site.json");       // raises SiteError
 //   const User* ann = site.FindUser("ann");            // null: no such user
-//
-// Thread contract: a Site is a value and is not changed after it was read; any thread may read it.
 #ifndef VQ_SIMULATOR_SITE_H
 #define VQ_SIMULATOR_SITE_H
 
@@ -28,10 +25,10 @@
 
 namespace vq::sim {
 
-// A site that cannot be used. what() names the file, the place in it and what is wrong.
-class SiteError : public std::runtime_error {
+// A site that cannot be used. what() has the file, the place in it and the error.
+class SiteError : public std::invalid_argument {
  public:
-  using std::runtime_error::runtime_error;
+  using std::invalid_argument::invalid_argument;
 };
 
 // The names of the wire's levels and privileges; a value is the index of its name.
@@ -71,7 +68,7 @@ struct Grant {
   bool operator==(const Grant&) const = default;
 };
 
-// What a user or a group may do.
+// The rights of a user or a group.
 struct Rights {
   std::map<int, int> privileges;  // privilege -> level; one that is missing is not given here
   std::array<std::vector<Grant>, kGrantKindNames.size()> grants;
@@ -81,14 +78,14 @@ struct Rights {
 enum class Expiry { kNever, kSoon, kExpired };
 
 struct User {
-  std::string password;  // as a person types it
+  std::string password;  // as typed
   std::string fullName;
   std::string description;
   std::string dbUser;  // empty: the site's
   Expiry expiry = Expiry::kNever;
   bool locked = false;
-  std::optional<int> result;  // what a registration with the right password answers instead
-  std::string message;        // said with an expiry, a lock or such a result; empty: the site's
+  std::optional<int> result;  // the answer to a registration with the right password
+  std::string message;        // with an expiry, a lock or such a result; empty: the site's
   std::string replyUserId;    // the user id in an answer that opens no session
   bool jobLevelAuthorization = false;
   std::vector<std::string> groups;
@@ -96,7 +93,7 @@ struct User {
   bool operator==(const User&) const = default;
 };
 
-// What the user is granted beside the groups.
+// The user's own grants.
 inline const std::vector<Grant>& OwnGrants(const User& user, GrantKind kind) {
   return user.rights.grants[static_cast<std::size_t>(kind)];
 }
@@ -106,19 +103,19 @@ struct Group {
   Rights rights;
 };
 
-// A system parameter: a value, or a refusal to tell it.
+// A system parameter: a value, or an exception instead.
 struct Parameter {
   std::string value;
   std::optional<std::int32_t> fail;         // raises FAIL with this reason
   std::optional<std::string> userNotFound;  // raises USER_NOT_FOUND with this message
 };
 
-// What the version check answers to clients whose version begins with `client`.
+// The answer of the version check to clients whose version begins with `client`.
 struct VersionRule {
   std::string client;
   std::int32_t result = 1;
   std::string server;
-  bool missing = false;  // the operation does not exist, as on a server of old
+  bool missing = false;  // the operation does not exist, as on an old server
 };
 
 struct LoginMessage {
@@ -126,9 +123,8 @@ struct LoginMessage {
   std::string message;
 };
 
-// A misbehaviour on demand. Which calls it hits: those of `operation` ("*": all) on a server of
-// `kind` (empty: all), counted from 1 since the fault was set: from the call `nth` on, `times`
-// calls.
+// A misbehaviour on demand. It applies to calls of `operation` ("*": all) on a server of `kind`
+// (empty: all), counted from 1 since the fault was set: from the call `nth` on, `times` calls.
 struct Fault {
   enum class Action { kDelay, kDrop, kDie, kRaise, kReturn, kRefuse };
   std::string operation;
@@ -136,17 +132,17 @@ struct Fault {
   std::uint64_t nth = 1;
   std::uint64_t times = 0;  // 0: no end
   Action action = Action::kDelay;
-  bool after = false;  // act when the work is done, before the answer goes out
+  bool after = false;  // after the work, before the answer is sent
   std::chrono::milliseconds delay{0};
   std::string exception;  // its name
   std::uint32_t minor = 0;
   std::string completed = "NO";
-  std::int32_t result = 0;  // of Return; also the reason of FAIL
-  std::string message;      // said by Return, Refuse and the exceptions that have one
+  std::int32_t result = 0;  // of kReturn; also the reason of FAIL
+  std::string message;      // of kReturn, kRefuse and the exceptions that have one
   std::string reason;
 };
 
-// The texts that go with an answer. Empty leaves it to the client to find words.
+// The messages of answers. For an empty one the client uses its own.
 struct Messages {
   std::string registered, refused, expired, locked, aboutToExpire;
 };
@@ -161,7 +157,7 @@ struct Site {
   int triesBeforeLock = 3;  // 0: never locks
   Messages messages;
   std::map<std::string, std::map<std::string, Parameter>> parameters;  // section -> name
-  std::vector<VersionRule> versions;                                   // the first that fits holds
+  std::vector<VersionRule> versions;  // the first that fits applies
   std::vector<LoginMessage> loginMessages;
   std::set<std::string> annotationRequired;
   std::map<std::string, User> users;
@@ -181,14 +177,14 @@ struct Site {
   [[nodiscard]] bool EncodesPasswords() const;
   // The user's own level; without one the highest of the user's groups; without any 0.
   [[nodiscard]] int PrivilegeLevel(const User& user, int privilege) const;
-  // What the user's groups grant, group after group.
+  // The grants of the user's groups, group after group.
   [[nodiscard]] std::vector<Grant> GroupGrants(const User& user, GrantKind kind) const;
 };
 
-// Makes a site of a JSON value. `name` stands in the errors' texts. Raises SiteError.
+// Makes a site from a JSON value. `name` is used in the errors' texts. Raises SiteError.
 Site ReadSite(const nlohmann::json& json, const std::string& name);
 
-// Parses a text as JSON. A syntax error is a SiteError with line and column.
+// Parses JSON. A syntax error is a SiteError with line and column.
 nlohmann::json ParseSite(const std::string& text, const std::string& name);
 
 // Reads and parses a file. Raises SiteError.

@@ -11,9 +11,10 @@
 #include <limits>
 #include <utility>
 
+#include <nlohmann/json.hpp>
+
 #include <simulator/Raise.h>
 #include <simulator/Site.h>
-#include <nlohmann/json.hpp>
 
 namespace vq::sim {
 

@@ -31,7 +31,7 @@ CORBA::ULong Size(std::size_t size) {
   return static_cast<CORBA::ULong>(size);
 }
 
-// Whether it is a selection of the selection language that fits something.
+// Whether it parses as a selection that can fit an object.
 bool IsSelection(const std::string& criteria) {
   QCSSelectionDef selection;
   SelectionParseError ignored;

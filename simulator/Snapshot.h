@@ -1,6 +1,4 @@
-// What the site says a user may do, in the forms of the wire.
-//
-// Thread contract: pure functions.
+// The rights of a user, in the forms of the wire.
 #ifndef VQ_SIMULATOR_SNAPSHOT_H
 #define VQ_SIMULATOR_SNAPSHOT_H
 
@@ -20,9 +18,9 @@ stringSeq ToWire(const std::vector<std::string>& texts);
 // and the spare ones.
 QCSCorbaAuthorizationStruct MakeSnapshot(const Site& site, const User& user);
 
-// The criteria of all grants of a kind that let the user browse at least, joined by " OR ": the
-// user's own grants, or the groups' where the user has none. A selection always (AND binds closer
-// than OR): criteria that are none grant nothing and are left out. Empty without any.
+// The criteria of all grants of a kind with at least BROWSE_ACCESS, joined by " OR ": the user's
+// own grants, or the groups' where the user has none. The result is always a selection (AND binds
+// closer than OR): criteria that do not parse are left out. Empty without any.
 std::string MakeQuery(const Site& site, const User& user, GrantKind kind);
 
 }  // namespace vq::sim

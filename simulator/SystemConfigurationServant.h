@@ -1,6 +1,4 @@
 // The system configuration: parameters, and whether an operation has to be annotated.
-//
-// Thread contract: any thread; the ORB calls it from one thread a connection.
 #ifndef VQ_SIMULATOR_SYSTEMCONFIGURATIONSERVANT_H
 #define VQ_SIMULATOR_SYSTEMCONFIGURATIONSERVANT_H
 
@@ -13,7 +11,7 @@ namespace vq::sim {
 
 class SystemConfigurationServant : public Servant<POA_VQCorbaSystemConfiguration> {
  public:
-  // `server` is the name under which the simulator stands in the naming service.
+  // `server` is the simulator's name in the naming service.
   SystemConfigurationServant(World& world, std::string kind, std::string server);
 
   void CRB_GetSystemParameterValue(const char* section, const char* name, CORBA::String_out value,

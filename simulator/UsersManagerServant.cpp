@@ -33,7 +33,7 @@ QCSCorbaLMInfoSeq* ToWire(const std::vector<LoginMessage>& messages) {
   return wire;
 }
 
-// The arguments in which a client tells what it is.
+// The arguments that describe the client.
 void AddClient(Call& call, const char* hostName, const char* systemUserName, const char* clientName,
                const char* clientVersion, CORBA::ULong timeOut) {
   call.Add({{"hostName", hostName},

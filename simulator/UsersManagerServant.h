@@ -1,6 +1,4 @@
-// The users manager: sessions, passwords, the version check, and what a user may do.
-//
-// Thread contract: any thread; the ORB calls it from one thread a connection.
+// The users manager: sessions, passwords, the version check, and the users' rights.
 #ifndef VQ_SIMULATOR_USERSMANAGERSERVANT_H
 #define VQ_SIMULATOR_USERSMANAGERSERVANT_H
 
@@ -17,7 +15,7 @@ namespace vq::sim {
 
 class UsersManagerServant : public Servant<POA_QCSCorbaUsersManager> {
  public:
-  // Gives out the authorization object of a user; the caller owns the reference.
+  // Returns the authorization object of a user; the caller owns the reference.
   using AuthorizationOf = std::function<QCSCorbaAuthorization_ptr(const std::string& user)>;
 
   UsersManagerServant(World& world, std::string kind, Callbacks& callbacks,
@@ -91,10 +89,10 @@ class UsersManagerServant : public Servant<POA_QCSCorbaUsersManager> {
   VQ_NOT_OFFERED(void, CRB_UpdateClientPlayerControl, const char*, CORBA::Long)
   VQ_NOT_OFFERED(CORBA::Long, CRB_GetClientPlayerControl, const char*, const char*)
 
-  // A password's form for the log, judged by the password that is right at present.
+  // A password's form for the log, compared with the current password.
   std::string_view Form(const char* userName, const char* shown);
 
-  // What a registration answers.
+  // The answer to a registration.
   struct Reply {
     std::string message, userId, dbUserName;
     std::vector<LoginMessage> loginMessages;
@@ -102,7 +100,7 @@ class UsersManagerServant : public Servant<POA_QCSCorbaUsersManager> {
   // `newPassword` is null for a registration that changes none.
   CORBA::Long Register(Call& call, const char* userName, const char* password,
                        const char* newPassword, CORBA::ULong timeOut, Reply& reply);
-  // A session for a user who may have one.
+  // Opens a session for a user.
   CORBA::Long OpenSession(const Site& site, const std::string& name, CORBA::ULong timeOut,
                           Reply& reply);
 

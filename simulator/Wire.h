@@ -1,16 +1,15 @@
-// Small steps between the wire's forms and the standard library's.
-//
-// Thread contract: no state; any thread.
+// Converts between the wire's types and the standard library's.
 #ifndef VQ_SIMULATOR_WIRE_H
 #define VQ_SIMULATOR_WIRE_H
 
 #include <string>
 #include <string_view>
 
+#include <nlohmann/json.hpp>
+
 #include <simulator/World.h>
 #include <support/orb/Corba.h>
 #include <vq_idl/SharedTypesC.h>
-#include <nlohmann/json.hpp>
 
 namespace vq::sim {
 
@@ -19,7 +18,7 @@ inline char* Dup(const std::string& text) {
   return CORBA::string_dup(text.c_str());
 }
 
-// A list of texts for the log; one that is too long ends in how many there are.
+// A list of strings for the log; one that is too long ends with their number.
 inline nlohmann::ordered_json ToJson(const stringSeq& texts) {
   auto json = nlohmann::ordered_json::array();
   std::size_t left = kLongestLogged;

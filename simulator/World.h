@@ -1,13 +1,16 @@
-// Everything that the servants of one simulator process share: the site in force and what happened
-// since. All server kinds of a process share it, as the servers of a suite share their database.
+// The state that all servants of one simulator process share: the current site and the sessions,
+// accounts and faults. All server kinds of a process share it, like the servers of a suite their
+// database.
 //
-// Thread contract: any thread.
+// Thread safety: any thread.
 #ifndef VQ_SIMULATOR_WORLD_H
 #define VQ_SIMULATOR_WORLD_H
 
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+
+#include <nlohmann/json.hpp>
 
 #include <simulator/Accounts.h>
 #include <simulator/CallLog.h>
@@ -16,20 +19,19 @@
 #include <simulator/Faults.h>
 #include <simulator/Sessions.h>
 #include <simulator/Site.h>
-#include <nlohmann/json.hpp>
 
 namespace vq::sim {
 
 class World {
  public:
-  // Puts a site into force. Raises SiteError and changes nothing when it cannot be used. Users that
-  // differ from before stand anew, and faults that differ count anew; sessions stay.
+  // Replaces the site. Raises SiteError and changes nothing when it cannot be used. The accounts of
+  // changed users start anew, and changed faults count anew; sessions stay.
   void Load(const nlohmann::json& document, const std::string& name);
-  // Load of the present site with a JSON merge patch over it: a member that is null is taken away.
+  // Load of the current site with a JSON merge patch: a member that is null is removed.
   void Patch(const nlohmann::json& patch);
-  // Puts other faults into the present site. All count anew, also where they are the same.
+  // Replaces the faults of the current site. All count anew, also unchanged ones.
   void SetFaults(const nlohmann::json& list);
-  // The site in force; it stays valid for its holder.
+  // The current site; it stays valid for its holder.
   [[nodiscard]] std::shared_ptr<const Site> GetSite();
   // Forgets sessions, challenges, failed tries, changed passwords and counts. The site stays.
   void Reset();

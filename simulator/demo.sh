@@ -10,7 +10,7 @@ client=$build/client/vqclient
 work=$(mktemp -d -t vq-demo-XXXXXX)
 naming_pid='' server_pid=''
 
-# Nothing of the account or the machine is read, and nothing is left behind.
+# It reads no files of the account or the host, and leaves none behind.
 export HOME=$work VQ_HOME=$work/root OMNIORB_CONFIG=/dev/null
 unset VQ_DATA VQ_CONFIG_DOMAINS VQ_CONFIG_DOMAIN XDG_DATA_HOME XDG_CONFIG_HOME
 
@@ -88,7 +88,7 @@ PYTHON
 
 kill -9 "$server_pid" && wait "$server_pid" 2>/dev/null || true
 rm -f "$work/ready.json"
-expect 54 'The server dies; the client says where it was' ann-secret login --user ann
+expect 54 'The server dies; the client reports its address' ann-secret login --user ann
 start_server
 expect 0 'It is back' ann-secret login --user ann
 

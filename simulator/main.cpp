@@ -1,4 +1,4 @@
-// vq_simulator: a server to try, demonstrate and test clients against. docs/simulator.md tells how.
+// vq_simulator: a server to try, demonstrate and test clients against (docs/simulator.md).
 
 #include <algorithm>
 #include <chrono>
@@ -17,6 +17,9 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
 #include <simulator/Callbacks.h>
 #include <simulator/Control.h>
 #include <simulator/Credentials.h>
@@ -27,14 +30,12 @@
 #include <simulator/Server.h>
 #include <simulator/World.h>
 #include <support/orb/ReferenceAddress.h>
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 namespace {
 
 using namespace vq::sim;
 
-// Takes the ORB's arguments out, which are no options of this program.
+// Extracts the options of the ORB, which are not options of this program.
 std::vector<std::string> Take(std::string_view prefix, std::vector<std::string>& arguments) {
   std::vector<std::string> taken;
   std::vector<std::string> rest;
@@ -60,7 +61,7 @@ vq::orb::TlsSettings ParseTls(const std::vector<std::string>& arguments) {
   return vq::orb::ResolveSettings(split, {}).tls;
 }
 
-// Written beside its place and moved there, so that whoever waits for it finds it whole.
+// Written under another name and renamed, so that a waiting program finds it complete.
 void WriteReadyFile(const std::string& path, const Arguments& arguments, CORBA::ORB_ptr orb,
                     const std::vector<std::unique_ptr<Server>>& servers) {
   const auto endpoints = vq::orb::EndpointsOf(servers.front()->Services().begin()->second.in());
@@ -88,7 +89,7 @@ bool MayLogIn(const User& user) {
   return !user.locked && user.expiry != Expiry::kExpired && (result == 1 || result == 50);
 }
 
-// What a person at the terminal needs for a login.
+// Prints what a person needs for a login.
 void SayReady(const Arguments& arguments, const Site& site) {
   constexpr int kNamed = 8;
   std::string users;
@@ -111,7 +112,7 @@ void RemoveReadyFile(const Arguments& arguments) {
   if (!arguments.readyFile.empty()) std::filesystem::remove(arguments.readyFile, ignored);
 }
 
-// Serves until a signal says to stop. A hang-up makes it read the site anew.
+// Serves until SIGTERM or SIGINT. SIGHUP reloads the site.
 void ServeUntilTold(const sigset_t& signals, Control& control) {
   for (int signal = 0; sigwait(&signals, &signal) == 0;) {
     if (signal != SIGHUP) return;
@@ -214,11 +215,8 @@ int main(int argc, char** argv) {
       arguments.orb.naming = naming->Reference();
     }
     return Run(arguments, signals);
-  } catch (const SiteError& error) {
-    std::cerr << "vq_simulator: " << error.what() << '\n';
-    return kBadUse;
   } catch (const std::invalid_argument& error) {
-    // A malformed endpoint, or TLS settings that cannot be used.
+    // An unusable site (SiteError), a malformed endpoint, or unusable TLS settings.
     std::cerr << "vq_simulator: " << error.what() << '\n';
     return kBadUse;
   } catch (const CORBA::Exception& exception) {

@@ -1,4 +1,4 @@
-# cpack runs this when the files of every component stand in ${CPACK_TEMPORARY_DIRECTORY}/<component>
+# cpack runs this when the files of every component are in ${CPACK_TEMPORARY_DIRECTORY}/<component>
 # and before it makes packages of them: adds to each what Debian asks for.
 
 function(vq_run)  # vq_run(COMMAND...) : a step that must not fail
@@ -13,7 +13,7 @@ set(packages ${CPACK_VQ_SOURCE}/cmake/packages)
 set(staging ${CPACK_TEMPORARY_DIRECTORY})
 set(share usr/share)
 
-# The time of everything in the packages, unless the caller says another.
+# The time of all files in the packages, unless the caller sets another.
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
   execute_process(COMMAND git -C ${CPACK_VQ_SOURCE} log -1 --format=%ct
     OUTPUT_VARIABLE time OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE status)
@@ -23,7 +23,7 @@ if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
   set(ENV{SOURCE_DATE_EPOCH} ${time})
 endif()
 
-# The documents lie where the package's name says.
+# The documents are in the directory of the package's name.
 file(RENAME ${staging}/documentation/${share}/doc/vq_client_common
   ${staging}/documentation/${share}/doc/libvq-client-common-doc)
 

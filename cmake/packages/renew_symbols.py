@@ -2,7 +2,7 @@
 """renew_symbols.py LIBRARY PACKAGE SYMBOLS-FILE VERSION
 
 Brings the symbols file that dpkg reads up to the library: a symbol that it has keeps the version that
-it came with, a new one gets VERSION, one that is gone is told of and left out. Symbols that each
+it came with, a new one gets VERSION, one that is gone is reported and left out. Symbols that each
 program carries itself (weak, of inline functions) depend on the optimiser and stay out.
 """
 
