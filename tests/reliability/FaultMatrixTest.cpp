@@ -6,7 +6,6 @@
 
 #include <functional>
 
-#include <tests/fixture/Product.h>
 #include <vq_client_common/session/CorbaServerPackManager.h>
 
 namespace vq::test {
@@ -122,12 +121,6 @@ TEST_P(FaultMatrixTest, FailsAtEachCall) {
 TEST_P(FaultMatrixTest, ServerOrNamingServiceIsGone) {
   const RemoteFunction& function = GetParam();
   const bool loggedOut = function.state == kLoggedOut;
-  const bool hasOwnOrb =
-      ThisProduct().manyOrbs &&
-      function.name == std::string_view("TroubleshootConnection_ORBInitAndTestCallback");
-  // What is said of a connection that turns out to be closed.
-  const bool replaced = function.Calls().empty() || hasOwnOrb || ThisProduct().checksIdle;
-  const char* const lost = replaced ? function.success : function.Calls()[0].failed;
   const auto noticeTheLoss = [&] {
     if (loggedOut) return;
     EXPECT_ANY_THROW(GL_ClientKeepAlive());
@@ -144,7 +137,7 @@ TEST_P(FaultMatrixTest, ServerOrNamingServiceIsGone) {
   Restart();
   noticeTheLoss();
   Forget();
-  Expect(loggedOut ? lost : function.down);
+  Expect(loggedOut ? function.success : function.down);
   ExpectRecovery(false);
 
   Prepare(function);

@@ -53,7 +53,7 @@ TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolv
     if (transport == nullptr && timeout == &share && errno == ETIME) errno = EHOSTUNREACH;
     if (transport == nullptr || !transport->is_connected()) return transport;
     const int socket = transport->event_handler_i()->get_handle();
-    WatchPeer(socket, m_keepAlive, m_unacknowledged);
+    if (transport->first_request()) WatchPeer(socket, m_keepAlive, m_unacknowledged);
     if (!HasEnded(*transport, socket, m_takesCalls)) return transport;
     transport->close_connection();
     transport->purge_entry();

@@ -1,5 +1,7 @@
 #include <support/orb/tao/TaoOptions.h>
 
+#include <algorithm>
+
 namespace vq::orb {
 namespace {
 
@@ -47,6 +49,16 @@ std::vector<std::string> TaoArguments(const OrbSettings& settings) {
   }
   for (const std::string& ref : settings.initialRefs) {
     arguments.insert(arguments.end(), {"-ORBInitRef", ref});
+  }
+  return arguments;
+}
+
+std::vector<std::string> TaoConfigurationArguments(const std::vector<std::string>& given) {
+  std::vector<std::string> arguments{"-ORBGestalt", "CURRENT", "-ORBIgnoreDefaultSvcConfFile"};
+  if (std::none_of(given.begin(), given.end(), [](const std::string& argument) {
+        return argument.starts_with("-ORBSvcConf");
+      })) {
+    arguments.emplace_back("-ORBSkipServiceConfigOpen");
   }
   return arguments;
 }

@@ -25,6 +25,11 @@ inline constexpr char kTlsProtocol[] = "VQ_SSLIOP_Factory";
 // What ORB_init gets, each option before its value.
 std::vector<std::string> TaoArguments(const OrbSettings& settings);
 
+// The arguments that have TAO take its services from TaoDirectives alone, and open no ACE log,
+// unless `given`, the arguments of the command line, configure services. By itself TAO loads what a
+// file svc.conf in the current directory contains.
+std::vector<std::string> TaoConfigurationArguments(const std::vector<std::string>& given);
+
 // The configuration of the ORB's services, in the language of TAO's svc.conf.
 std::vector<std::string> TaoDirectives(const OrbSettings& settings);
 

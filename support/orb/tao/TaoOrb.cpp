@@ -124,10 +124,6 @@ ACE_Intrusive_Auto_Ptr<ACE_Service_Gestalt> MakeServices(const OrbSettings& sett
   return services;
 }
 
-void Release(CORBA::PolicyList& policies) {
-  for (CORBA::ULong i = 0; i < policies.length(); ++i) policies[i]->destroy();
-}
-
 // New threads leave signals to those of the application.
 class SignalsBlocked {
  public:
@@ -163,7 +159,6 @@ void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
   const CORBA::Object_var object = orb->resolve_initial_references("ORBPolicyManager");
   const CORBA::PolicyManager_var manager = CORBA::PolicyManager::_narrow(object.in());
   manager->set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
-  Release(policies);
 }
 
 void EndTao(CORBA::ORB_ptr orb) {
@@ -177,15 +172,11 @@ void EndTao(CORBA::ORB_ptr orb) {
 
 CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
                         const std::vector<std::string>& arguments, Unencrypted allowed) {
-  std::vector<std::string> all{"vq", "-ORBGestalt", "CURRENT", "-ORBIgnoreDefaultSvcConfFile"};
-  if (std::none_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
-        return argument.starts_with("-ORBSvcConf");
-      })) {
-    all.emplace_back("-ORBSkipServiceConfigOpen");
+  std::vector<std::string> all{"vq"};
+  for (const auto& some :
+       {TaoConfigurationArguments(arguments), TaoArguments(settings), arguments}) {
+    all.insert(all.end(), some.begin(), some.end());
   }
-  const std::vector<std::string> own = TaoArguments(settings);
-  all.insert(all.end(), own.begin(), own.end());
-  all.insert(all.end(), arguments.begin(), arguments.end());
   // ORB_init takes what it knows out of its argument vector.
   std::vector<char*> pointers;
   for (std::string& argument : all) pointers.push_back(argument.data());
@@ -227,13 +218,11 @@ CORBA::Object_ptr WithPolicy(CORBA::Object_ptr object, CORBA::Policy_ptr policy)
   CORBA::PolicyList policies;
   policies.length(1);
   policies[0] = CORBA::Policy::_duplicate(policy);
-  CORBA::Object_var result = object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
-  policy->destroy();
-  return result._retn();
+  return object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
 }
 
-// The last that leaves destroys an ORB that nobody waits for: one of its threads, or who shuts it
-// down, which must have ended before.
+// The last to leave destroys an ORB that nobody waits for: one of its threads, or the thread that
+// shuts it down.
 struct TaoThreads::Shared {
   std::atomic<int> users = 0;
   std::atomic<bool> destroys = false;

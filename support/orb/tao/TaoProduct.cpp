@@ -6,7 +6,6 @@
 
 #include <support/orb/OrbProduct.h>
 
-#include <algorithm>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -29,14 +28,9 @@ constexpr int kPool = 4;
 void WarnOfMessageSize(const OrbSettings& settings) {
   for (const ResolvedSetting& setting : settings.table) {
     if (setting.name != kMaxMessageSize || setting.origin == "built in") continue;
-    VQ_LOG(diagModule, 2) << "The setting " << kMaxMessageSize << " has no effect with TAO and "
-                          << kBiDirPolicy << " 1";
+    VQ_LOG(diagModule, 2)
+        << "The setting -ORBMaxMessageSize has no effect with TAO and -BiDirPolicy 1";
   }
-}
-
-bool IsNamingConfigured(const OrbSettings& settings) {
-  return std::any_of(settings.initialRefs.begin(), settings.initialRefs.end(),
-                     [](const std::string& ref) { return ref.starts_with("NameService="); });
 }
 
 // The settings of the ORBs that are up, the oldest first.
@@ -78,8 +72,7 @@ class TaoInstance : public OrbInstance {
               bool useThreadPool)
       : m_name(std::move(name)),
         m_settings(Running::Instance().Enter(this, m_name, std::move(settings))),
-        m_useThreadPool(useThreadPool),
-        m_namingIsConfigured(IsNamingConfigured(m_settings)) {
+        m_useThreadPool(useThreadPool) {
     try {
       m_orb = StartTao(m_name, m_settings, arguments, Unencrypted::kLookUps);
       if (m_settings.biDirectional) WarnOfMessageSize(m_settings);
@@ -100,7 +93,7 @@ class TaoInstance : public OrbInstance {
 
   CORBA::Object_ptr NamingService() override {
     // TAO would search for one by multicast.
-    if (!m_namingIsConfigured) throw CORBA::ORB::InvalidName();
+    if (NamingReferences(m_settings).empty()) throw CORBA::ORB::InvalidName();
     return m_orb->resolve_initial_references("NameService");
   }
 
@@ -146,7 +139,6 @@ class TaoInstance : public OrbInstance {
     }
     PortableServer::POA_var poa =
         root->create_POA(m_name.c_str(), PortableServer::POAManager::_nil(), policies);
-    for (CORBA::ULong i = 0; i < policies.length(); ++i) policies[i]->destroy();
     const PortableServer::POAManager_var manager = poa->the_POAManager();
     manager->activate();
     return poa._retn();
@@ -155,7 +147,6 @@ class TaoInstance : public OrbInstance {
   const std::string m_name;
   const OrbSettings m_settings;
   const bool m_useThreadPool;
-  const bool m_namingIsConfigured;
   CORBA::ORB_var m_orb;
   std::mutex m_mutex;
   PortableServer::POA_var m_poa;

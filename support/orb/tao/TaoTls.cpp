@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <mutex>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <arpa/inet.h>
@@ -113,7 +115,9 @@ bool AsksForNoProtection(TAO::Profile_Transport_Resolver& resolver) {
 // SSLIOP's connector, and no request unencrypted save to the naming service.
 class Connector : public CheckedConnector {
  public:
-  using CheckedConnector::CheckedConnector;
+  Connector(std::unique_ptr<TAO_Connector> connector, const OrbSettings& settings)
+      : CheckedConnector(std::move(connector), settings),
+        m_encryptLookups(settings.tls.encryptLookups) {}
 
   TAO_Transport* connect(TAO::Profile_Transport_Resolver* resolver,
                          TAO_Transport_Descriptor_Interface* descriptor,
@@ -125,14 +129,28 @@ class Connector : public CheckedConnector {
     const bool offersTls = endpoint->ssl_component().port != 0;
     const std::string place = Place(address->host(), address->port());
     const bool isLookUp = AsksForNoProtection(*resolver);
-    if ((!offersTls && !isLookUp) || (isLookUp && !NamingPlaces::Instance().Contains(*address))) {
-      ReportNoTls(place);
-      throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
-    }
+    if (isLookUp || !offersTls) CheckUnencrypted(*address, place, isLookUp);
     NoteUnencrypted(isLookUp ? place : std::string());
     const HostNoted noted(address->host());
     return CheckedConnector::connect(resolver, descriptor, timeout);
   }
+
+ private:
+  void CheckUnencrypted(const TAO_IIOP_Endpoint& address, const std::string& place,
+                        bool isLookUp) const {
+    const bool isNaming = NamingPlaces::Instance().Contains(address);
+    if (isNaming && m_encryptLookups) {
+      ReportUnencrypted("The look-up at " + place + " is refused: it would be unencrypted, since " +
+                        "that naming service offers no TLS, and -SSLEncryptLookups is 1");
+    } else if (isNaming && isLookUp) {
+      return;
+    } else {
+      ReportNoTls(place);
+    }
+    throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
+  }
+
+  const bool m_encryptLookups;
 };
 
 // Whether the first profile of a reference contains a port for TLS.
@@ -210,14 +228,13 @@ void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services) {
 void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
   if (!settings.tls.IsOn()) return;
   NamingPlaces::Instance().Forget();
-  if (settings.tls.encryptLookups) return;
   try {
     const std::vector<std::string> references = NamingReferences(settings);
     for (const std::string& reference : references) {
       const CORBA::Object_var naming = orb->string_to_object(reference.c_str());
       if (!OffersTls(naming.in())) NamingPlaces::Instance().Add(naming.in());
     }
-    if (references.size() != 1) return;
+    if (settings.tls.encryptLookups || references.size() != 1) return;
     const CORBA::Object_var naming = orb->resolve_initial_references("NameService");
     const CORBA::Object_var asked = ForLookUps(naming.in());
     orb->register_initial_reference("NameService", asked.in());
