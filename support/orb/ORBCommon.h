@@ -9,6 +9,7 @@
 
 #include <support/orb/QCSOrbCommon.h>
 
+// The ORB with the number N.
 template <int N>
 class ORBCommon : public QCSOrbCommon {
  public:

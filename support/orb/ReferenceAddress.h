@@ -54,9 +54,11 @@ std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior);
 // "host:port", for a person.
 std::string PlaceText(const ReferenceEndpoint& place);
 
-// Whether a TCP connection comes about. Every address of the host is tried, all within `limit`.
-// `why` receives the reason in one line where none does, and stays as it is otherwise.
+// The result of TryToReach.
 enum class Reach { kReached, kNotResolvable, kRefused, kFailed };
+
+// Tries to open a TCP connection to any address of the host, all within `limit`. `why` becomes the
+// reason in one line on failure, and is unchanged otherwise.
 VQ_CLIENT_COMMON_API Reach TryToReach(const ReferenceEndpoint& place,
                                       std::chrono::milliseconds limit, std::string& why);
 
