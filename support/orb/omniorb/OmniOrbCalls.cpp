@@ -178,8 +178,8 @@ CORBA::Boolean RefuseOtherForm(omniInterceptors::clientReceiveReply_T::info_T& i
   return true;
 }
 
-// omniORB raises this, which is no CORBA exception and would end the process, where it meets what
-// it holds for impossible. It may while it reads: the functions that do so are replaced by these.
+// omniORB raises fatalException when one of its assertions fails. It is no CORBA exception and
+// would end the process, so the functions that read are replaced by these.
 template <auto Member>
 struct Guarded;
 template <class... Arguments, void (*giopStreamImpl::*Member)(giopStream*, Arguments...)>
@@ -325,7 +325,7 @@ class CheckedRope : public Base {
     }
   }
 
-  // The reply goes with the attempt, and the ORB's thread may still be adding to it.
+  // The reply is deleted with the attempt, while the ORB's thread may still add to it.
   void EndReading(giopStrand& strand) {
     if (strand.connection == nullptr || !strand.isBiDir()) return;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);

@@ -30,7 +30,7 @@ TDiagRegister diagModule("ORB");
 
 using omni::giopConnection;
 
-// omniORB's threads watch connections, and know them by its own ones.
+// omniORB's threads watch its own connection objects; these translate to the checked ones.
 class Watcher {
  public:
   static void Add(giopConnection& known, CheckedConnection& connection) {
@@ -48,7 +48,7 @@ class Watcher {
     m_cookie = cookie;
   }
 
-  // Under omniORB's lock on what it watches, which the end of a connection waits for.
+  // Runs under omniORB's lock, for which the destructor of a connection waits.
   static void Tell(void* watcher, giopConnection* known) {
     CheckedConnection* connection = nullptr;
     {
@@ -69,7 +69,7 @@ class Watcher {
   void* m_cookie = nullptr;
 };
 
-// The connections of one transport that were opened here and take calls.
+// Watches the bidirectional connections of one transport that this process opened.
 class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
  public:
   static OpenedWatcher& Of(omni::giopActiveCollection& opened) {
@@ -93,7 +93,7 @@ class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
   omni::giopActiveCollection& m_opened;
 };
 
-// Listens as one of omniORB's endpoints does.
+// An omniORB endpoint whose connections are checked.
 class Endpoint : public Watcher, public omni::giopEndpoint {
  public:
   explicit Endpoint(omni::giopEndpoint* endpoint) : m_endpoint(endpoint) {}
@@ -127,7 +127,7 @@ class Endpoint : public Watcher, public omni::giopEndpoint {
 
 constexpr const char* kTransport = "checked";
 
-// Makes such endpoints of names that begin with kTransport.
+// Creates such endpoints for names that begin with kTransport.
 class Transport : public omni::giopTransportImpl {
  public:
   Transport() : giopTransportImpl(kTransport) {}
@@ -161,7 +161,7 @@ std::uint32_t NumberIn(const unsigned char* data, bool littleEndian) {
   return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
 }
 
-// omniORB shows it to derived classes alone.
+// The request id is protected.
 struct RequestId : omni::GIOP_C {
   static std::uint32_t Of(omni::GIOP_C& call) {
     CORBA::ULong (omni::giopStream::*const id)() const = &RequestId::requestId;
@@ -172,7 +172,7 @@ struct RequestId : omni::GIOP_C {
 }  // namespace
 
 std::string CheckedEndpoint(const std::string& endpoint) {
-  static auto* const transport = new Transport;  // omniORB's, and never taken back
+  static auto* const transport = new Transport;  // registered with omniORB for good
   return std::string(transport->type) + ":" + endpoint;
 }
 
@@ -233,7 +233,7 @@ int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni
   return static_cast<int>(length);
 }
 
-// Whether omniORB may have the message that the header begins.
+// Whether omniORB may receive the message of this header.
 bool CheckedConnection::BeginMessage() {
   m_idSize = 0;
   if (std::memcmp(m_header.data(), "GIOP", 4) != 0) return true;  // omniORB closes the connection.
@@ -254,7 +254,7 @@ bool CheckedConnection::BeginMessage() {
   return true;
 }
 
-// Where the caller reads, omniORB compares with the limit of the settings itself.
+// When the caller reads, omniORB itself checks the limit of the settings.
 bool CheckedConnection::IsWithinLimit(std::uint32_t size) {
   if (size > std::numeric_limits<std::uint32_t>::max() - m_header.size()) return false;
   if (m_strand != nullptr && !m_strand->isBiDir()) return true;
@@ -307,7 +307,7 @@ bool CheckedConnection::HasUntakenReply() const {
   return false;
 }
 
-// omniORB lets a caller see the end of a connection before the reply that has come for it.
+// omniORB tells a caller of the end of the connection before the reply that has arrived.
 void CheckedConnection::AwaitTakenReplies() const {
   while (m_strand != nullptr && m_strand->isBiDir() && HasUntakenReply())
     omni_thread::sleep(0, 1'000'000);

@@ -1,16 +1,17 @@
-// Connections of omniORB's that look at what arrives before omniORB reads it.
+// omniORB connections that check each incoming message before omniORB reads it.
 //
-// omniORB 4.2 trusts the header of a message: one that announces nearly 4 GiB makes it take all of
-// the memory, one without room for its request id makes it read beyond its buffers. Where another
-// thread reads, which is so on connections that take calls, omniORB also buffers messages without
-// limit, loses a reply that is followed by the end of the connection, and tells no caller that the
-// server closed in order.
+// omniORB 4.2 trusts the header of a message. A header that announces nearly 4 GiB makes it
+// allocate memory without end, and a message without its request id makes it read beyond its
+// buffers. On a bidirectional connection a thread of the ORB reads, and three more things fail:
+// messages are buffered without limit, a reply is lost when the connection ends right behind it,
+// and the caller does not learn that the server closed the connection in order. omniORB 4.3 checks
+// the sizes itself. Tried with omniORB 4.2.5, compiled with 4.3.3.
 //
-//   pd_addresses[i] = new CheckedAddress(pd_addresses[i]);          // of a rope
-//   ...
+//   pd_addresses[i] = new CheckedAddress(pd_addresses[i]);  // of a rope
+//
+//   // Once, before anything is read:
 //   CheckedConnection& connection = CheckedConnection::Of(strand);
-//   connection.ServeStrand(strand);                                 // once, before anything is
-//   read if (connection.WasClosedInOrder()) ...
+//   connection.ServeStrand(strand);
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBCONNECTION_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBCONNECTION_H
 
@@ -44,11 +45,11 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   int Socket() const { return m_socket; }  // -1 for an unknown transport
   void ServeStrand(omni::giopStrand& strand) { m_strand = &strand; }
 
-  // Whether a reply to a recent call has come, at least in part.
+  // Whether at least a part of the reply to a recent call has arrived.
   bool HasReplyTo(omni::GIOP_C& call) const;
-  // Whether the peer has sent a CloseConnection, and omniORB has got it.
+  // Whether omniORB has received a CloseConnection.
   bool WasClosedInOrder() const { return m_closedInOrder; }
-  // Whether something has arrived that omniORB has not got.
+  // Whether data has arrived that omniORB has not received yet.
   bool HasRest() const { return m_hasRest; }
 
   omni::giopActiveCollection* registerMonitor() override;
@@ -57,7 +58,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   int Send(void* data, std::size_t size, const omni_time_t& deadline) override {
     return m_connection.Send(data, size, deadline);
   }
-  // At most one message, so that each can be looked at before omniORB has the next.
+  // Returns at most one message, so that each is checked before omniORB receives it.
   int Recv(void* data, std::size_t size, const omni_time_t& deadline) override;
   void Shutdown() override { m_connection.Shutdown(); }
   const char* myaddress() override { return m_connection.myaddress(); }
@@ -77,7 +78,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
  private:
   ~CheckedConnection() override;  // omniORB counts references.
 
-  // What has come for one call.
+  // What has arrived for one call.
   struct Reply {
     std::uint32_t id = 0;
     bool whole = false;
@@ -97,8 +98,8 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   omni::giopStrand* m_strand = nullptr;
 
   std::array<unsigned char, 12> m_header{};  // of the latest message
-  std::size_t m_headerSize = 0;              // what has come of the next one
-  std::size_t m_toCome = 0;                  // of the latest message
+  std::size_t m_headerSize = 0;              // received so far of the next one
+  std::size_t m_toCome = 0;                  // bytes of the latest message still to arrive
   std::array<unsigned char, 4> m_id{};
   std::size_t m_idSize = 0;
   std::uint64_t m_inFragments = 0;
