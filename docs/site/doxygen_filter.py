@@ -94,13 +94,13 @@ class Filter:
     def emit(self, indent, block):
         self.out += [f"{indent}/// {line}".rstrip() for line in documented(block)]
 
-    def document(self, line, own_behind):
+    def document(self, line, code, own_behind):
         indent = re.match(r"\s*", line)[0]
         block = self.pending
         if block is None and not own_behind:
             text = next((words for form, words in STANDARD if form.match(line.strip())), None)
             block = [text] if text else self.shared or self.section
-        scope = re.match(r"\s*(?:template\s*<.*>\s*)?(?:class|struct)\b.*?\b(\w+)\s*(?:final\s*)?(?::[^:].*)?\{", line)
+        scope = re.match(r"(?:template\s*<.*>\s*)?(?:class|struct)\b.*?\b(\w+)\s*(?:final\s*)?(?::[^:].*)?\{", code)
         if scope and not indent:
             purpose = self.purpose.pop(scope[1], [])
             block = purpose + [""] * bool(purpose and block) + (block or [])
@@ -184,8 +184,10 @@ class Filter:
                 block = [re.sub(r"\bmodule;", "module{};", text) for text in block]
                 block = self.behind(INITIALIZER.sub("", RETURNS_POINTER.sub(
                     r"auto \2(\3) -> \1 (*)(\4);", "\n".join(block))).split("\n"))
-                self.document(line, any("/**<" in text for text in block))
-                self.shared = None if scope else (self.pending or self.shared)
+                self.document(line, " ".join(block), any("/**<" in text for text in block))
+                # A scope on one line is like any other declaration.
+                is_open = scope and not block[-1].rstrip().endswith(";")
+                self.shared = None if is_open else (self.pending or self.shared)
                 self.pending = None
                 if re.match(r"\s*\}", line):
                     self.section = self.shared = None
