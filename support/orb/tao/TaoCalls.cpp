@@ -5,12 +5,14 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <ratio>
 #include <string_view>
 
 #include <poll.h>
+#include <sys/socket.h>
 
 #include <tao/IIOP_Transport.h>
 #include <tao/LocalObject.h>
@@ -85,6 +87,19 @@ void Begin(TAO_ORB_Core*, TAO_Stub* stub, bool& isLimited, ACE_Time_Value& time)
   time.set(seconds.count(), static_cast<suseconds_t>(rest.count()));
 }
 
+// The size in the message header that is next to be read; 0 where none is. TAO makes room for it.
+std::uint64_t AnnouncedSize(int socket) {
+  std::array<unsigned char, 12> next{};
+  const ssize_t length = ::recv(socket, next.data(), next.size(), MSG_PEEK | MSG_DONTWAIT);
+  if (length < static_cast<ssize_t>(next.size()) || std::memcmp(next.data(), "GIOP", 4) != 0) {
+    return 0;
+  }
+  const bool isLittle = (next[6] & 1) != 0;
+  std::uint64_t size = 0;
+  for (int i = 0; i < 4; ++i) size = size << 8 | next[isLittle ? 11 - i : 8 + i];
+  return size;
+}
+
 // Reads the reply on the thread of the call. A connection that fails or is late is closed.
 class ReplyReader : public TAO_Wait_Strategy {
  public:
@@ -122,6 +137,7 @@ class ReplyReader : public TAO_Wait_Strategy {
       // TLS waits within a record (TaoTls.cpp), and hides what a message is.
       if (!isTls && !AwaitReplyBytes(socket)) return ETIME;
       if (!isTls && isFirst && BeginsWithClose(socket, isTls)) return ESHUTDOWN;
+      if (!isTls && m_limit != 0 && AnnouncedSize(socket) > m_limit) return EMSGSIZE;
       if (transport_->handle_input(resume, nullptr) == -1 && reply.keep_waiting()) {
         return end <= Clock::now() ? ETIME : ECONNRESET;
       }
