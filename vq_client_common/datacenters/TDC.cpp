@@ -13,7 +13,7 @@ constexpr std::int32_t kDaysOfTheWeek = 7;
 constexpr std::int32_t kRepairedStartDay = 1;
 
 template <typename Field>
-bool UpdateFieldIfChanged(const char* label, Field& field, const Field& value) {
+bool UpdateIfChanged(const char* label, Field& field, const Field& value) {
   const TDiagFunc diag(diagModule, "TDC::UpdateFieldIfChanged");
   if (field == value) return false;
   VQ_LOG(diag, 5) << "Value of " << label << " was changed from " << field << " to " << value;
@@ -54,6 +54,18 @@ void TDC::Set(const std::string& name, const TVltVersion& version, bool uc, bool
   m_veltB = veltB;
   m_startDayOfTheWeek = startDay;
   m_newDayTime = newDay;
+}
+
+bool TDC::UpdateFieldIfChanged(const char* label, std::string& field, const std::string& value) {
+  return UpdateIfChanged(label, field, value);
+}
+
+bool TDC::UpdateFieldIfChanged(const char* label, bool& field, bool value) {
+  return UpdateIfChanged(label, field, value);
+}
+
+bool TDC::UpdateFieldIfChanged(const char* label, std::int32_t& field, std::int32_t value) {
+  return UpdateIfChanged(label, field, value);
 }
 
 bool TDC::UpdateFull(const std::string& name, const std::string& enabled,

@@ -174,6 +174,10 @@ class VQ_CLIENT_COMMON_API TDC {
   static int CheckTimeHHMMNoTimeSynonym(const std::string& time, std::string& err);
 
  private:
+  static bool UpdateFieldIfChanged(const char* label, std::string& field, const std::string& value);
+  static bool UpdateFieldIfChanged(const char* label, bool& field, bool value);
+  static bool UpdateFieldIfChanged(const char* label, std::int32_t& field, std::int32_t value);
+
   std::string m_name;
   TVltVersion m_version;
   bool m_uc = false;
