@@ -156,9 +156,9 @@ int SocketOf(giopConnection& connection) {
 }
 
 std::uint32_t NumberIn(const unsigned char* data, bool littleEndian) {
-  std::array<unsigned char, 4> bytes{data[0], data[1], data[2], data[3]};
-  if (!littleEndian) std::reverse(bytes.begin(), bytes.end());
-  return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
+  std::uint32_t number = 0;
+  for (int i = 0; i < 4; ++i) number = number << 8U | data[littleEndian ? 3 - i : i];
+  return number;
 }
 
 // The request id is protected.
