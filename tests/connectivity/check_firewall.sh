@@ -7,6 +7,9 @@
 # allowed.
 set -euo pipefail
 
+for tool in ip nft; do
+  command -v $tool >/dev/null || { echo "$tool is missing"; exit 77; }
+done
 if [ -z "${VQ_OWN_NETWORK:-}" ]; then
   unshare --net true || { echo "network namespaces are not allowed here"; exit 77; }
   VQ_OWN_NETWORK=1 exec unshare --net "$0" "$@"
