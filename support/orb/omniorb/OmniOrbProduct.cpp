@@ -90,7 +90,9 @@ class OmniOrbInstance : public OrbInstance {
 
   ~OmniOrbInstance() override {
     try {
-      OmniOrbInstance::Stop(false);
+      // Without a POA no call runs here that a wait could last for, such as after a failed start. A
+      // shutdown that is not waited for runs in a thread that may still run when the process exits.
+      OmniOrbInstance::Stop(CORBA::is_nil(m_poa.in()));
     } catch (const CORBA::Exception&) {  // Nobody is left to tell.
     }
   }
