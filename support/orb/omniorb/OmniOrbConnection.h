@@ -5,7 +5,7 @@
 // buffers. On a bidirectional connection a thread of the ORB reads, and three more things fail:
 // messages are buffered without limit, a reply is lost when the connection ends right behind it,
 // and the caller does not learn that the server closed the connection in order. omniORB 4.3 checks
-// the sizes itself. Tried with omniORB 4.2.5, compiled with 4.3.3.
+// the sizes itself. Tried with omniORB 4.2.5 and 4.3.3.
 //
 //   pd_addresses[i] = new CheckedAddress(pd_addresses[i]);  // of a rope
 //
