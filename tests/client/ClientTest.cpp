@@ -1,6 +1,6 @@
 // vqclient as a script sees it: exit code, data on stdout, words on stderr.
 
-#include "ClientFixture.h"
+#include <tests/client/ClientFixture.h>
 
 #include <csignal>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // The doctor: for each broken set-up the first thing that is wrong, and what it says to do.
 
-#include "ClientFixture.h"
+#include <tests/client/ClientFixture.h>
 
 #include <csignal>
 #include <functional>

@@ -6,7 +6,7 @@
 #include <support/orb/OrbProduct.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 
-#include "Certificates.h"
+#include <tests/connectivity/Certificates.h>
 
 namespace vq::test {
 namespace {

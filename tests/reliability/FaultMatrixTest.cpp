@@ -2,7 +2,7 @@
 // an exception: the result is the documented one, and the next call works. What makes a call fail,
 // and when it ends then, is tried in tests/attacks.
 
-#include "ProxiedFixture.h"
+#include <tests/reliability/ProxiedFixture.h>
 
 #include <functional>
 

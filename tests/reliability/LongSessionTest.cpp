@@ -1,6 +1,6 @@
 // What a session sends over the wire, and one that lasts for a day.
 
-#include "ProxiedFixture.h"
+#include <tests/reliability/ProxiedFixture.h>
 
 #include <support/orb/CallDeadline.h>
 #include <tests/fixture/Product.h>

@@ -4,7 +4,7 @@
 // Each change is made of the seed and its own number, so that a run can be repeated:
 //   VQ_MUTATE_SECONDS=600 VQ_MUTATE_SEED=7 test_mutated_replies     (./dev mutate 600 7)
 
-#include "ProxiedFixture.h"
+#include <tests/reliability/ProxiedFixture.h>
 
 #include <sys/resource.h>
 

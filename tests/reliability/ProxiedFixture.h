@@ -6,7 +6,7 @@
 #include <tests/fixture/FaultProxy.h>
 #include <tests/fixture/SessionFixture.h>
 
-#include "RemoteFunctions.h"
+#include <tests/reliability/RemoteFunctions.h>
 
 namespace vq::test {
 

@@ -1,4 +1,4 @@
-#include "RemoteFunctions.h"
+#include <tests/reliability/RemoteFunctions.h>
 
 #include <functional>
 #include <new>
