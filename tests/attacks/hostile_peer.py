@@ -281,10 +281,12 @@ def raw(data):
     return act
 
 
-def announcing(size):
-    """A reply whose header announces more than comes."""
+def announcing(size, *values):
+    """A reply whose header announces more than comes: a good one, or these numbers."""
     def act(call):
         answer = call.answer()
+        if values:
+            answer = call.reply(NO_EXCEPTION, struct.pack(f"<{len(values)}I", *values))
         return call.send(answer[:8] + struct.pack("<I", size) + answer[12:])
     return act
 

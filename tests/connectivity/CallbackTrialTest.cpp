@@ -5,6 +5,7 @@
 #include <tests/fixture/SessionFixture.h>
 
 #include <algorithm>
+#include <list>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -55,6 +56,29 @@ struct Traces {
     return threads <= before.threads && ports == before.ports &&
            std::ranges::includes(before.sockets, sockets);
   }
+};
+
+// A connection to a port of this process that is no server's.
+class Intruder {
+ public:
+  Intruder(int port, std::string_view data) {
+    const sockaddr_in address = Loopback(port);
+    const timeval limit{5, 0};
+    ::setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    EXPECT_EQ(::connect(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(::send(m_socket, data.data(), data.size(), 0), std::ssize(data));
+  }
+  ~Intruder() { ::close(m_socket); }
+  Intruder(const Intruder&) = delete;
+  Intruder& operator=(const Intruder&) = delete;
+
+  bool WasClosed() const {
+    char data = 0;
+    return ::recv(m_socket, &data, 1, 0) == 0;
+  }
+
+ private:
+  const int m_socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
 };
 
 struct CallbackTrialTest : SessionFixture {
@@ -202,6 +226,47 @@ TEST_F(CallbackTrialTest, SaysWhyACallbackFailsInItsTime) {
                                                "(COMM_FAILURE|TRANSIENT) [(].+[)]"));
   EXPECT_EQ(m_roundTrip, -1);
   EXPECT_FALSE(Troubleshoot::TestCallback(nullptr, m_error, m_roundTrip, 500));
+}
+
+// Whoever reaches the client's port: messages that do not end, and one that announces nearly 4 GiB.
+TEST_F(CallbackTrialTest, IsCalledBackDespiteIntruders) {
+  StartServer();
+  const int port = FreePort();
+  ASSERT_EQ(LogIn({"-ORBListenEndpoints", "iiop://127.0.0.1:" + std::to_string(port)}, CLIENT_GUI),
+            1);
+  std::list<Intruder> intruders;
+  for (int i = 0; i < 150; ++i) intruders.emplace_back(port, "GIOP");
+  const std::string_view huge("GIOP\1\2\1\0\xF4\xFF\xFF\xFF", 12);
+  EXPECT_TRUE(intruders.emplace_back(port, huge).WasClosed());
+  EXPECT_TRUE(TrySession(1000)) << m_error;
+}
+
+// The intruders have all threads, so that the trial's connections do not end with it.
+TEST_F(CallbackTrialTest, EndsWhileNoThreadIsLeft) {
+  if (ThisProduct().manyOrbs) GTEST_SKIP() << "it has threads of its own";
+  StartServer();
+  const int port = FreePort();
+  ASSERT_EQ(LogIn({"-ORBListenEndpoints", "iiop://127.0.0.1:" + std::to_string(port),
+                   "-ORBmaxServerThreadPoolSize", "2"},
+                  CLIENT_GUI),
+            1);
+  std::list<Intruder> intruders;
+  {
+    const auto domain = ConfigAPIFactoryXML::CreateInForce();
+    const vq::connectivity::TrialScope scope(*domain, false, "127.0.0.1", false);
+    const vq::connectivity::TrialOrb orb(scope);
+    const ServantPtr<TestCallbackI> servant(new TestCallbackI(orb.Get()->GetChildPoa()));
+    Troubleshoot::GetNetworkInterface4Server(servant->GetReference(), m_host, m_port, E_GSR);
+    const std::size_t before = Traces().sockets.size();
+    for (const int at : {port, port, port, std::stoi(m_port), std::stoi(m_port)}) {
+      intruders.emplace_back(at, "GIOP");
+      EXPECT_TRUE(
+          WaitUntil([&] { return Traces().sockets.size() == before + 2 * intruders.size(); }));
+    }
+  }
+  intruders.clear();
+  EXPECT_TRUE(Try(false, "127.0.0.1")) << m_log.Text();
+  EXPECT_EQ(GL_ClientKeepAlive(), 1);
 }
 
 // The client listens on one address and names another; the server goes by the name.

@@ -49,6 +49,10 @@ TDiagRegister diagModule("ORB");
 constexpr int kMostConnections = 16;
 constexpr int kMostForwards = 8;
 
+// Elements of a list or characters of a string in one message. omniORB allocates all that a message
+// announces before it has arrived, up to 40 bytes for each.
+constexpr std::size_t kMostElements = std::size_t{16} << 20U;
+
 // Written before the ORB starts, read by calls.
 struct Limits {
   std::chrono::milliseconds connect{0};
@@ -204,10 +208,20 @@ struct Guarded<Member> {
       original{};  // for GIOP 1.0 to 1.2
 };
 
+std::array<std::size_t (*)(giopStream*), 3> remainingInput{};  // for GIOP 1.0 to 1.2
+
+// omniORB compares it with the number of elements that a list announces.
+std::size_t LimitedRemainingInput(giopStream* stream) {
+  return std::min(remainingInput.at(stream->version().minor)(stream), kMostElements);
+}
+
 void GuardReading() {
   for (CORBA::Octet minor = 0; minor < 3; ++minor) {
     giopStreamImpl* const version = giopStreamImpl::matchVersion({1, minor});
     if (version == nullptr) continue;
+    if (version->inputRemaining != LimitedRemainingInput) {
+      remainingInput.at(minor) = std::exchange(version->inputRemaining, LimitedRemainingInput);
+    }
     Guarded<&giopStreamImpl::inputMessageBegin>::Replace(*version);
     Guarded<&giopStreamImpl::inputMessageEnd>::Replace(*version);
     Guarded<&giopStreamImpl::getInputData>::Replace(*version);

@@ -7,6 +7,8 @@
 #include <mutex>
 #include <utility>
 
+#include <poll.h>
+
 // These build on each other in this order.
 // clang-format off
 #include <omniORB4/omniORB.h>
@@ -155,6 +157,11 @@ int SocketOf(giopConnection& connection) {
   return -1;
 }
 
+bool WasReset(int socket) {
+  pollfd events{socket, 0, 0};
+  return ::poll(&events, 1, 0) == 1 && (events.revents & POLLERR) != 0;
+}
+
 std::uint32_t NumberIn(const unsigned char* data, bool littleEndian) {
   std::uint32_t number = 0;
   for (int i = 0; i < 4; ++i) number = number << 8U | data[littleEndian ? 3 - i : i];
@@ -225,7 +232,12 @@ int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& dea
 }
 
 int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline) {
-  if (!m_hasRest) return m_connection.Recv(data, size, deadline);
+  if (!m_hasRest) {
+    const int received = m_connection.Recv(data, size, deadline);
+    if (received >= 0 || !WasReset(m_socket)) return received;
+    // omniORB gives up, and what arrived before the reset can still be read, without waiting.
+    return m_connection.Recv(data, size, omni_time_t());
+  }
   const std::size_t length = std::min(size, m_rest.size());
   std::memcpy(data, m_rest.data(), length);
   m_rest.erase(m_rest.begin(), m_rest.begin() + static_cast<std::ptrdiff_t>(length));

@@ -70,6 +70,11 @@ std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
   options.emplace_back("threadPerConnectionPolicy", "0");
   options.emplace_back("idleThreadTimeout", "1");
   options.emplace_back("scanGranularity", "1");
+  // Others that reach the client's port may keep threads busy with messages that do not end, so
+  // there are more threads than a process usually has descriptors, each for a limited time.
+  options.emplace_back("maxServerThreadPoolSize", "1000");
+  options.emplace_back("inConScanPeriod", "30");
+  options.emplace_back("serverCallTimeOutPeriod", std::to_string(settings.callTimeout.count()));
   for (const std::string& ref : settings.initialRefs) options.emplace_back("InitRef", ref);
   return options;
 }
