@@ -10,6 +10,8 @@ namespace {
 
 // Limits what a question costs: every part of a value with a length in use is looked up.
 constexpr std::size_t kLongestPart = 8;
+// A query looks up many texts that no grant has. Most of these look-ups end at an empty bucket.
+constexpr float kTextsInBucket = 0.125F;
 constexpr std::size_t kRefusedLines = 20;  // a list that is wrong throughout must not fill the log
 constexpr std::size_t kExcerptBytes = 200;
 
@@ -91,7 +93,9 @@ GrantIndex::Terms& GrantIndex::TermsFor(const QCSSelectionDef::Term& matchings) 
     return terms == nullptr ? 0 : terms->size();
   });
   Field& field = m_fields[std::string(key.field)];
-  return field.places[key.place][key.text.size()][TextHash(key.text)];
+  TermsByText& texts = field.places[key.place][key.text.size()];
+  texts.max_load_factor(kTextsInBucket);
+  return texts[TextHash(key.text)];
 }
 
 // All terms that fit are among these.
