@@ -135,10 +135,6 @@ bool WasClosedInOrder(const giopStrand& strand) {
          (!IsTls(strand) && BeginsWithClose(connection.Socket(), false));
 }
 
-bool HasReplyTo(GIOP_C& attempt) {
-  return CheckedConnection::Of(attempt.strand()).HasReplyTo(attempt);
-}
-
 // What a finished or failed attempt means for the next one.
 void NoteEnd(GIOP_C& attempt) {
   const giopStrand& strand = attempt.strand();
@@ -153,7 +149,7 @@ void NoteEnd(GIOP_C& attempt) {
       return;
     case omni::IOP_C::RequestInProgress:
     case omni::IOP_C::WaitingForReply:
-      if (WasClosedInOrder(strand) && !HasReplyTo(attempt) &&
+      if (WasClosedInOrder(strand) && !CheckedConnection::Of(strand).HasReplyTo(attempt) &&
           !std::exchange(call.closedInOrder, true)) {
         call.repeat = true;
         return;

@@ -10,9 +10,8 @@ using omni::omniCodeSet;
 
 constexpr CORBA::ULong kUtf8 = 0x05010001;
 
-// Intentional: in place of a conversion, omniORB's native code set of the same name as the
-// transmission code set marshals, and finds nothing to convert. The references of this process
-// offer UTF-8.
+// Intentional: strings are marshalled by the native code set that has the name of the transmission
+// code set, so there is nothing to convert. The references of this process offer UTF-8.
 class Bytes : public omniCodeSet::NCS_C {
  public:
   Bytes(const Bytes&) = delete;
@@ -35,7 +34,7 @@ class Bytes : public omniCodeSet::NCS_C {
   }
 
  private:
-  // Without a transmission code set the default raises what has to be raised.
+  // Without a transmission code set the default one raises the exception.
   static NCS_C* Same(omniCodeSet::TCS_C* sent) {
     NCS_C* const same = sent != nullptr ? omniCodeSet::getNCS_C(sent->name()) : nullptr;
     return same != nullptr ? same : omniCodeSet::getNCS_C("ISO-8859-1");
@@ -45,7 +44,7 @@ class Bytes : public omniCodeSet::NCS_C {
 }  // namespace
 
 void OmniOrbCodeSet::Install() {
-  // omniORB uses it for as long as the process lasts.
+  // omniORB uses it until the process ends.
   [[maybe_unused]] static const bool installed = (omniCodeSet::registerNCS_C(new Bytes), true);
 }
 

@@ -1,11 +1,12 @@
-// The code set of this system's strings for omniORB: they travel as the bytes that they are.
+// A code set for omniORB that sends the bytes of a string unchanged.
 //
-//   OmniOrbCodeSet::Install();  // before ORB_init, with {"nativeCharCodeSet",
-//   OmniOrbCodeSet::kName}
+//   // Before ORB_init, with the option {"nativeCharCodeSet", OmniOrbCodeSet::kName}:
+//   OmniOrbCodeSet::Install();
 //
-// omniORB would convert them. From its default, ISO 8859-1, a server that takes UTF-8 would get
-// each byte of a UTF-8 name as a character of its own; from UTF-8, a call to a server that takes
-// ISO 8859-1 alone would fail with DATA_CONVERSION for each character that is not in it.
+// omniORB converts strings from the native code set to that of the server. With its default,
+// ISO 8859-1, a server with UTF-8 receives each byte of a UTF-8 name as a separate character. With
+// UTF-8, a call to a server that has only ISO 8859-1 fails with DATA_CONVERSION for every character
+// outside of it.
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBCODESET_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBCODESET_H
 
@@ -15,7 +16,7 @@ class OmniOrbCodeSet {
  public:
   static constexpr const char* kName = "VQ-BYTES";
 
-  // Makes the name known to omniORB, once a process.
+  // Registers the code set with omniORB; only the first call has an effect.
   static void Install();
 };
 

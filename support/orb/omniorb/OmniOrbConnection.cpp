@@ -32,7 +32,7 @@ TDiagRegister diagModule("ORB");
 
 using omni::giopConnection;
 
-// omniORB's threads watch its own connection objects; these translate to the checked ones.
+// omniORB's threads watch its own connection objects; a Watcher finds the checked ones for them.
 class Watcher {
  public:
   static void Add(giopConnection& known, CheckedConnection& connection) {

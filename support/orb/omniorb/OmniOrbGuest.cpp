@@ -14,7 +14,7 @@ namespace {
 
 using omni::omniInterceptors;
 
-// Each connection by its name.
+// The names of the connections that were opened while a guest existed.
 struct Notes {
   std::atomic<bool> taken = false;
   std::mutex mutex;

@@ -1,11 +1,11 @@
-// What a user of the shared omniORB has to itself when another one was there before: the endpoints
-// on which it listens, and the connections that are opened while it is there.
+// The part of the shared omniORB that belongs to its second user, such as a callback trial: the
+// endpoints on which it listens, and the connections that the process opens during its life.
 //
-// omniORB keeps a connection until it was idle for minutes, or, bidirectional, for good, and opens
-// its endpoints once for the whole process. A trial is to leave nothing behind. So it gets a
-// listening server of its own inside omniORB, which takes its ports, its incoming connections and
-// its threads with it; and notes are taken of the connections that this process opens meanwhile,
-// which are then closed.
+// omniORB closes a connection minutes after its last use, and a bidirectional one only when the ORB
+// ends; it opens its endpoints once for the whole process. A trial must leave nothing behind. So it
+// has its own listening server inside omniORB, whose end closes its ports and its incoming
+// connections and ends its threads. The connections that the process opens meanwhile are recorded,
+// and closed at the end.
 //
 //   OmniOrbGuest::Install();  // once after each ORB_init
 //   OmniOrbGuest guest;
@@ -22,22 +22,21 @@
 
 namespace vq::orb {
 
-// Thread contract: one guest at a time, on one thread, and no other call of the process under way
-// during Listen and during the destructor. Outside of its life each new connection costs one load
-// and one branch.
+// Thread safety: one guest at a time, on one thread. No other call of the process may be in
+// progress during Listen and during the destructor.
 class OmniOrbGuest {
  public:
   static void Install();
 
   OmniOrbGuest();
-  ~OmniOrbGuest();  // no call of the guest is under way
+  ~OmniOrbGuest();  // no call of the guest may be in progress
   OmniOrbGuest(const OmniOrbGuest&) = delete;
   OmniOrbGuest& operator=(const OmniOrbGuest&) = delete;
 
-  // Opens endpoints in omniORB's own form. The root POA is there. Raises CORBA::INITIALIZE when one
-  // cannot be opened.
+  // Opens endpoints, given in omniORB's form. The root POA must exist. Raises CORBA::INITIALIZE
+  // when one cannot be opened.
   void Listen(const std::vector<std::string>& endpoints);
-  // After Listen.
+  // Call it after Listen only.
   const std::vector<std::string>& ListenAddresses() const { return m_server->Addresses(); }
 
  private:

@@ -32,7 +32,7 @@ std::vector<std::string> Texts(const omni::orbServer::EndpointList& endpoints) {
   return texts;
 }
 
-// Tells the server that the connection ends in order.
+// Announces the orderly end of the connection to the server.
 void SendCloseConnection(giopStrand& strand) {
   std::array<unsigned char, 12> message{'G',
                                         'I',
@@ -47,10 +47,10 @@ void SendCloseConnection(giopStrand& strand) {
   strand.connection->Send(message.data(), message.size(), deadline);
 }
 
-// Shuts the named connections of one list of omniORB's, whose lock is held. An idle one goes at
-// once: a handful that is only marked would keep the next call waiting, as omniORB opens no further
-// connection then, and wakes nobody when its scan for idle connections removes them. That scan is
-// for those that calls come back on.
+// Closes the named connections in one of omniORB's lists, whose lock is held. An idle one is
+// deleted at once: omniORB counts marked connections against its limit, so some of them would make
+// the next call wait, and the scan that deletes them wakes no waiting call. Only connections that
+// take calls are left to that scan.
 void Close(omni::StrandList& list, const std::set<std::string>& names) {
   for (omni::StrandList* link = list.next; link != &list;) {
     auto* const strand = static_cast<giopStrand*>(link);
@@ -71,8 +71,8 @@ void Close(omni::StrandList& list, const std::set<std::string>& names) {
   }
 }
 
-// A server takes itself out of its place when it goes, whoever is there. One that was stopped first
-// stays in memory where a thread of it does not end in time.
+// A server clears the place of omniORB's own server when it ends. One that is stopped first stays
+// in memory if one of its threads does not end in time.
 void Remove(giopServer* server) {
   giopServer*& place = giopServer::singleton();
   giopServer* const host = place;
@@ -116,7 +116,7 @@ bool IsOverOwnConnection(omni::GIOP_S& request) {
 }
 
 ListeningServer::ListeningServer(const std::vector<std::string>& endpoints) {
-  // omniORB makes a server when it finds the place of its own one empty.
+  // omniORB creates a server when the place of its own one is empty.
   giopServer*& place = giopServer::singleton();
   giopServer* const host = std::exchange(place, nullptr);
   m_server = giopServer::singleton();

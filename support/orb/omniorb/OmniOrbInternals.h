@@ -1,6 +1,6 @@
-// What this library needs of omniORB and omniORB offers no public way to.
+// Operations on omniORB for which it has no public interface.
 //
-// Everything in it uses headers of omniORB4/internal, which may change with any version. Tried with
+// They use headers of omniORB4/internal, which may change with any version. Tried with
 // omniORB 4.2.5 and 4.3.3. The TLS context is in OmniOrbSslContext.h.
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBINTERNALS_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBINTERNALS_H
@@ -21,47 +21,48 @@ class giopServer;
 
 namespace vq::orb {
 
-// Whether references made from here on offer bidirectional use of their connections. omniORB
-// compares this with what it was when a connection was made, and makes a connection of its own for
-// a reference that asks for the other kind. Its option is read by ORB_init alone.
+// Sets whether references that are made from now on offer bidirectional IIOP. A connection keeps
+// the value that applied when it was opened; omniORB opens another one for a reference with the
+// other value. Only ORB_init reads the option for this.
 void OfferBiDirectional(bool offer);
 
-// How this process can be reached on the endpoints that are open ("giop:tcp:10.0.0.1:5000"), and
-// the addresses that it publishes.
+// The addresses of the open endpoints ("giop:tcp:10.0.0.1:5000"), and those that the process
+// publishes.
 std::vector<std::string> OpenEndpoints();
 
-// Closes them, which omniORB itself does only when the ORB ends. No POA is there. The next root POA
-// opens them anew.
+// Closes the open endpoints, which omniORB does only when the ORB ends. There must be no POA. The
+// next root POA opens them again.
 void CloseEndpoints();
 
-// The two ends of a connection, which no other open connection of the process has. For what an
-// interceptor or omniORB itself has of it.
+// The two ends of a connection, as a name that no other open connection of the process has. `Ends`
+// is a connection of omniORB, or what an interceptor gets of it.
 template <class Ends>
 std::string ConnectionName(Ends& connection) {
   return std::string(connection.myaddress()) + " " + connection.peeraddress();
 }
 
-// Closes the outgoing connections with these names in order. No call is under way on them.
+// Closes the outgoing connections with these names, with a CloseConnection message. No call may be
+// in progress on them.
 void CloseConnections(const std::set<std::string>& names);
 
-// Where one request goes. All of it is borrowed from the request.
+// The destination of one request. All members are borrowed from the request.
 struct CallTarget {
   const char* address;    // as the reference has it: "giop:tcp:host.site:5000"
-  const char* peer;       // of the connection: "giop:tcp:10.0.0.1:5000"; null before there is one
-  const char* operation;  // null for a question where the object is
-  omniObjRef* object;     // that the call was made on, before it was forwarded
+  const char* peer;       // of the connection: "giop:tcp:10.0.0.1:5000"; null without one
+  const char* operation;  // null for a LocateRequest
+  omniObjRef* object;     // the target of the call before any forward
 };
 CallTarget TargetOf(omni::GIOP_C& call);
 
-// Whether the caller of this process's object uses a connection that this process opened.
+// Whether an incoming call arrived over a connection that this process opened.
 bool IsOverOwnConnection(omni::GIOP_S& request);
 
-// A listening server beside omniORB's own, which takes its ports, its incoming connections and its
-// threads with it when it goes. The root POA is there. No call of the process is under way while it
-// starts and while it ends.
+// A listening server beside omniORB's own. Its end closes its ports and its incoming connections
+// and ends its threads. The root POA must exist, and no call of the process may be in progress
+// while it starts and while it ends.
 class ListeningServer {
  public:
-  // Opens endpoints in omniORB's own form. Raises CORBA::INITIALIZE when one cannot be opened.
+  // Opens endpoints, given in omniORB's form. Raises CORBA::INITIALIZE when one cannot be opened.
   explicit ListeningServer(const std::vector<std::string>& endpoints);
   ~ListeningServer();
   ListeningServer(const ListeningServer&) = delete;

@@ -14,7 +14,7 @@ std::string PortRange(const ListenEndpoint& endpoint) {
   return range;
 }
 
-// With a certificate of its own a client is called over TLS alone.
+// A client with its own certificate is called back over TLS only.
 bool IsTlsListener(const OrbSettings& settings) {
   return !settings.tls.certificate.empty();
 }
@@ -24,11 +24,11 @@ void AddEndpoints(const OrbSettings& settings, std::vector<OmniOrbOption>& optio
     options.emplace_back("endPoint", address);
   }
   const ListenEndpoint& endpoint = settings.listenEndpoint;
-  // The published addresses count as the process's own as well; omniORB fills in the port.
+  // omniORB treats a published address as one of the process, too, and adds the port.
   std::string publish = "addr";
   if (!endpoint.publishedHost.empty()) {
     const std::string host = UriHost(endpoint.publishedHost) + ":";
-    publish = IsTlsListener(settings) ? "giop:ssl:" + host : "giop:tcp:" + host;
+    publish = (IsTlsListener(settings) ? kTls : kTcp) + host;
   }
   options.emplace_back("endPointPublish", publish);
 }
@@ -38,35 +38,35 @@ void AddEndpoints(const OrbSettings& settings, std::vector<OmniOrbOption>& optio
 std::vector<std::string> OmniOrbEndpoints(const OrbSettings& settings) {
   const ListenEndpoint& endpoint = settings.listenEndpoint;
   const std::string host = UriHost(endpoint.host) + ":";
-  if (!IsTlsListener(settings)) return {"giop:tcp:" + host + PortRange(endpoint)};
-  return {"giop:ssl:" + host +
+  if (!IsTlsListener(settings)) return {kTcp + host + PortRange(endpoint)};
+  return {kTls + host +
           (endpoint.tlsPort != 0 ? std::to_string(endpoint.tlsPort) : PortRange(endpoint))};
 }
 
 std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
   std::vector<OmniOrbOption> options{
-      // A limit of omniORB's on connecting would prolong the call; see OmniOrbCalls.
+      // omniORB's own limit for connecting would extend the call's; see OmniOrbCalls.h.
       {"clientConnectTimeOutPeriod", "0"},
       {"clientCallTimeOutPeriod", std::to_string(settings.callTimeout.count())},
       // The address that answered last is tried first. Releases differ in their default.
       {"retainAddressOrder", "1"},
       {"giopMaxMsgSize", std::to_string(settings.maxMessageSize)},
-      // A first call goes out as it is, without a message that asks whether the object is there.
+      // Without a message before the first call that asks whether the object exists.
       {"verifyObjectExistsAndType", "0"},
       {"nativeCharCodeSet", OmniOrbCodeSet::kName},
   };
   AddEndpoints(settings, options);
-  // Whether connections are offered for calls back decides for each reference when it is made, so
-  // the rules allow it always. Without the immediate watch such a call waits up to 50 ms.
+  // Each reference decides for itself whether it offers bidirectional IIOP, so the rules always
+  // allow it. Without the immediate watch a callback waits up to 50 ms.
   options.emplace_back("offerBiDirectionalGIOP", settings.biDirectional ? "1" : "0");
   options.emplace_back("clientTransportRule",
                        settings.tls.IsOn() ? "* ssl,tcp,bidir" : "* unix,tcp,ssl,bidir");
-  // Each name is resolved when it is its turn to be connected to: a certificate is compared with
-  // the name that was asked for, and a name that does not resolve costs no other address.
+  // A host name is resolved only when its address is tried: the certificate is compared with the
+  // name, and a name that cannot be resolved does not affect the other addresses.
   options.emplace_back("resolveNamesForTransportRules", "0");
   options.emplace_back("connectionWatchImmediate", "1");
-  // A client is called back rarely: a connection that is idle has no thread of its own, an idle
-  // thread ends after a second, and connections that are to be closed are looked for every second.
+  // A client is called back rarely: an idle connection has no thread, an idle thread ends after a
+  // second, and connections to close are searched for every second.
   options.emplace_back("threadPerConnectionPolicy", "0");
   options.emplace_back("idleThreadTimeout", "1");
   options.emplace_back("scanGranularity", "1");

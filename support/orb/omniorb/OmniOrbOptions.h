@@ -1,4 +1,4 @@
-// Our settings in omniORB's words: a pure function, without omniORB.
+// The settings as options of omniORB: a pure function, which does not need omniORB.
 //
 //   OmniOrbOptions(settings) -> {{"clientCallTimeOutPeriod", "60000"}, ...}
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBOPTIONS_H
@@ -14,7 +14,11 @@ namespace vq::orb {
 
 using OmniOrbOption = std::pair<std::string, std::string>;
 
-// Always the complete list: omniORB keeps the old value of a number that a later start leaves out.
+// The beginnings of an address.
+inline constexpr const char* kTcp = "giop:tcp:";
+inline constexpr const char* kTls = "giop:ssl:";
+
+// Always the complete list: omniORB keeps the old value of a number that a later start omits.
 std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings);
 
 // Where to listen: "giop:tcp:host:port", or with a certificate "giop:ssl:host:port".

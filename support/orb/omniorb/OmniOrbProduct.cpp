@@ -1,8 +1,8 @@
 // omniORB behind the seam of OrbProduct.h.
 //
-// omniORB has one ORB a process, which the instances given out here share (OmniOrbTransport.h).
-// Each of them has a POA, a POA manager and a published address of its own, and references that
-// connect in its own way.
+// omniORB has one ORB a process, which all instances share (OmniOrbTransport.h). Each instance has
+// its own POA, POA manager and published address, and decides whether its references offer
+// bidirectional IIOP.
 
 #include <support/orb/OrbProduct.h>
 
@@ -33,12 +33,9 @@ namespace {
 
 TDiagRegister diagModule("ORB");
 
-constexpr std::string_view kTcp = "giop:tcp:";
-constexpr std::string_view kTls = "giop:ssl:";
-
 // The address at the same port and of the same transport, with another host.
 std::string WithHost(const std::string& address, const std::string& host) {
-  const std::string scheme = address.substr(0, kTcp.size());
+  const std::string scheme = address.substr(0, std::string_view(kTcp).size());
   return scheme + UriHost(host) + address.substr(address.rfind(':'));
 }
 
@@ -46,8 +43,8 @@ bool IsLoopback(const std::string& address) {
   return address.find(":127.") != std::string::npos || address.find(":[::1]:") != std::string::npos;
 }
 
-// What references to an ORB's objects say about where to call them: the first of the `open`
-// addresses for each transport, or the published host in its place. Loopback is the last choice.
+// The addresses in references to an ORB's objects: for each transport the first of the `open`
+// addresses, with the published host if there is one. Loopback is the last choice.
 std::vector<std::string> PublishedAddresses(std::vector<std::string> open,
                                             const std::string& publishedHost) {
   std::stable_partition(open.begin(), open.end(),
@@ -63,9 +60,9 @@ std::vector<std::string> PublishedAddresses(std::vector<std::string> open,
   return published;
 }
 
-// An address of the process that a server learns when a connection is offered to it for calls back,
-// and that leads nowhere else if the server is on another machine. A reference that names it is
-// called over that connection.
+// An address of the process that a server receives when a connection offers bidirectional IIOP, and
+// that reaches nothing from another host. The server calls a reference with this address over that
+// connection.
 std::string ConnectionMark() {
   const std::vector<std::string> own = OpenEndpoints();
   const auto found = std::find_if(own.begin(), own.end(), IsLoopback);
@@ -82,7 +79,7 @@ class OmniOrbInstance : public OrbInstance {
             OmniOrbTransport::Instance().Acquire(this, settings, arguments))) {
     if (!OmniOrbTransport::Instance().HasOtherUsers(this)) return;
     VQ_LOG(diagModule, 4) << "The ORB " << m_name << " shares the time-outs, the message size, TLS "
-                          << "and the initial references of the one that was there before";
+                          << "and the initial references of the ORB that is up already";
     m_guest.emplace();
     settings.tls = OmniOrbTransport::Instance().Tls();
     m_guestEndpoints = OmniOrbEndpoints(settings);
@@ -90,10 +87,10 @@ class OmniOrbInstance : public OrbInstance {
 
   ~OmniOrbInstance() override {
     try {
-      // Without a POA no call runs here that a wait could last for, such as after a failed start. A
-      // shutdown that is not waited for runs in a thread that may still run when the process exits.
+      // Without a POA, such as after a failed start, no incoming call can delay the wait. A
+      // shutdown without waiting runs in a thread that may still run when the process exits.
       OmniOrbInstance::Stop(CORBA::is_nil(m_poa.in()));
-    } catch (const CORBA::Exception&) {  // Nobody is left to tell.
+    } catch (const CORBA::Exception&) {  // There is nothing left to do.
     }
   }
 
@@ -129,7 +126,7 @@ class OmniOrbInstance : public OrbInstance {
   void DestroyPoa(bool wait) {
     try {
       m_poa->destroy(true, wait);
-    } catch (const CORBA::BAD_INV_ORDER&) {  // A servant of this POA ends its own ORB.
+    } catch (const CORBA::BAD_INV_ORDER&) {  // Called by a servant of this POA.
       m_poa->destroy(true, false);
     }
   }
@@ -148,7 +145,7 @@ class OmniOrbInstance : public OrbInstance {
     if (m_guest) m_guest->Listen(m_guestEndpoints);
     std::vector<std::string> addresses =
         PublishedAddresses(m_guest ? m_guest->ListenAddresses() : OpenEndpoints(), m_publishedHost);
-    // First, since a server may go by the first address alone.
+    // First, since a server may use only the first address.
     if (m_guest && m_biDirectional) addresses.insert(addresses.begin(), ConnectionMark());
     omniPolicy::EndPointPublishPolicyValue published;
     published.length(static_cast<CORBA::ULong>(addresses.size()));
@@ -174,7 +171,7 @@ class OmniOrbInstance : public OrbInstance {
   const bool m_biDirectional;
   const std::string m_publishedHost;
   CORBA::ORB_var m_orb;
-  std::optional<OmniOrbGuest> m_guest;  // where the transport was there before
+  std::optional<OmniOrbGuest> m_guest;  // if the ORB was up already
   std::vector<std::string> m_guestEndpoints;
   std::mutex m_mutex;
   PortableServer::POA_var m_poa;
@@ -183,13 +180,13 @@ class OmniOrbInstance : public OrbInstance {
 
 }  // namespace
 
-// omniORB has its own way with threads.
+// omniORB has its own rules for threads.
 std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, bool /*useThreadPool*/,
                                       const OrbSettings& settings,
                                       const std::vector<std::string>& arguments) {
   auto instance = std::make_unique<OmniOrbInstance>(name, settings, arguments);
-  // The endpoints open with the first POA. A bidirectional client needs one for the calls that come
-  // back over its own connections, whatever its role.
+  // The first POA opens the endpoints. A bidirectional client needs a POA in either role, for the
+  // calls that arrive over its own connections.
   if (role == OrbRole::kClient || settings.biDirectional) instance->ChildPoa();
   return instance;
 }
@@ -207,7 +204,8 @@ bool IsMessageTooLarge(const CORBA::SystemException& exception) {
 }
 
 std::string StringifyReference(CORBA::Object_ptr object) {
-  // ORB_init would start an ORB where there is none, and the session's would find its options set.
+  // ORB_init would start an ORB if there is none, and the session's ORB would then have its
+  // options.
   CORBA::String_var text = omni::omniURI::objectToString(object);
   return text.in();
 }

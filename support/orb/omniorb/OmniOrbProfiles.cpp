@@ -15,11 +15,11 @@ namespace {
 using omni::giopAddress;
 using omni::giopAddressList;
 
-// A reference that names more addresses than calls try.
+// Further addresses of a reference are ignored.
 constexpr std::size_t kMostAddresses = 32;
 
 void Add(giopAddress* address, giopAddressList& addresses) {
-  if (address == nullptr) return;  // without port, or of a transport that is not there
+  if (address == nullptr) return;  // without port, or of an unknown transport
   const auto isSame = [&](const giopAddress* known) {
     return std::string_view(known->address()) == address->address();
   };
@@ -60,17 +60,10 @@ bool IsSameObject(const IIOP::ProfileBody& one, const IIOP::ProfileBody& other) 
                      one.object_key.length()) == 0;
 }
 
-// An object that listens for TLS alone has port 0 in its profile; trying that would take a share of
-// the time for connecting.
-void DropAddressesWithoutPort(giopAddressList& addresses) {
-  for (auto at = addresses.begin(); at != addresses.end();) {
-    if (std::string_view((*at)->address()).ends_with(":0")) {
-      delete *at;
-      at = addresses.erase(at);
-    } else {
-      ++at;
-    }
-  }
+// An object that listens for TLS only has port 0 in its profile. An attempt to connect to it would
+// take a share of the time for connecting.
+bool IsWithoutPort(std::string_view address) {
+  return address.ends_with(":0");
 }
 
 CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& info) {
@@ -88,14 +81,25 @@ CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& i
       if (IsSameObject(further, info.iiop)) {
         AddProfile(further, addresses);
       }
-    } catch (const CORBA::Exception&) {  // malformed: the others are as good as before
+    } catch (const CORBA::Exception&) {  // malformed; the other profiles still count
     }
   }
-  DropAddressesWithoutPort(addresses);
+  OmniOrbProfiles::Remove(addresses, IsWithoutPort);
   return true;
 }
 
 }  // namespace
+
+void OmniOrbProfiles::Remove(giopAddressList& addresses, bool (*isUnwanted)(std::string_view)) {
+  for (auto* at = addresses.begin(); at != addresses.end();) {
+    if (isUnwanted((*at)->address())) {
+      delete *at;
+      at = addresses.erase(at);
+    } else {
+      ++at;
+    }
+  }
+}
 
 void OmniOrbProfiles::Install() {
   omniORB::getInterceptors()->decodeIOR.add(AddFurtherProfiles);

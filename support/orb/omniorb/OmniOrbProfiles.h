@@ -1,21 +1,30 @@
-// All addresses of a reference, where omniORB goes by its first IIOP profile alone.
+// Makes omniORB use all addresses of a reference, not only those of its first IIOP profile.
 //
-// A server on a host with two network cards may put each address into a profile of its own. Here
-// the addresses of the further profiles are added to those of the first, as long as they lead to
-// the same object. It applies to every reference that the process gets: from a text, in a reply, in
-// a forward. The interceptor is omniORB's internal interface. Tried with omniORB 4.2.5 and 4.3.3.
+// A server on a host with two network cards may put each address into its own profile. The
+// addresses of further profiles are added to those of the first if they belong to the same object.
+// This applies to every reference that the process receives: as text, in a reply, in a forward. The
+// interceptor is an internal interface of omniORB. Tried with omniORB 4.2.5 and 4.3.3.
 //
 //   CORBA::ORB_init(...);
 //   OmniOrbProfiles::Install();
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBPROFILES_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBPROFILES_H
 
+#include <string_view>
+
+#include <omniORB4/CORBA.h>
+#include <omniORB4/giopEndpoint.h>
+
 namespace vq::orb {
 
 class OmniOrbProfiles {
  public:
-  // After each ORB_init, before the first reference is made, by the thread that starts the ORB.
+  // Call it after each ORB_init and before the first reference is made, on the thread that starts
+  // the ORB.
   static void Install();
+
+  // Removes the addresses ("giop:tcp:host.site:5000") for which `isUnwanted` returns true.
+  static void Remove(omni::giopAddressList& addresses, bool (*isUnwanted)(std::string_view));
 };
 
 }  // namespace vq::orb

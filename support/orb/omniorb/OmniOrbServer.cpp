@@ -2,16 +2,15 @@
 
 #include <cstdio>
 #include <string_view>
-#include <utility>
 
 #include <omniORB4/omniORB.h>
 
-#include <support/orb/omniorb/OmniOrbTls.h>
+#include <support/orb/omniorb/OmniOrbTransport.h>
 
 namespace vq::orb {
 namespace {
 
-using Options = std::vector<std::pair<std::string, std::string>>;
+using Options = std::vector<OmniOrbOption>;
 
 std::string Port(int port) {
   return port == 0 ? "" : std::to_string(port);
@@ -20,25 +19,25 @@ std::string Port(int port) {
 Options ProductOptions(const ServerOptions& options, const OrbSettings& settings) {
   const ListenEndpoint& endpoint = settings.listenEndpoint;
   Options product = {
-      {"endPoint", "giop:tcp:" + endpoint.host + ":" + Port(endpoint.port)},
+      {"endPoint", kTcp + endpoint.host + ":" + Port(endpoint.port)},
       {"giopMaxMsgSize", "268435456"},  // a snapshot of 200,000 grants passes
-      // A limit on connecting would take the place of a call's own, also where that is shorter.
+      // A limit for connecting would replace that of a call, even a shorter one.
       {"clientConnectTimeOutPeriod", "0"},
       {"clientCallTimeOutPeriod", "60000"},  // of calls back to clients that are gone
       {"acceptBiDirectionalGIOP", options.bidirectional ? "1" : "0"},
       {"serverTransportRule", options.bidirectional ? "* unix,tcp,ssl,bidir" : "* unix,tcp,ssl"},
       {"connectionWatchImmediate", options.bidirectional ? "1" : "0"}};
-  std::string publish = "giop:tcp:" + endpoint.publishedHost + ":";
+  std::string publish = kTcp + endpoint.publishedHost + ":";
   if (settings.tls.IsOn()) {
-    product.emplace_back("endPoint", "giop:ssl:" + endpoint.host + ":" + Port(endpoint.tlsPort));
-    publish += ",giop:ssl:" + endpoint.publishedHost + ":";
+    product.emplace_back("endPoint", kTls + endpoint.host + ":" + Port(endpoint.tlsPort));
+    publish += std::string(",") + kTls + endpoint.publishedHost + ":";
   }
   if (!endpoint.publishedHost.empty()) product.emplace_back("endPointPublish", publish);
   for (const std::string& ref : settings.initialRefs) product.emplace_back("InitRef", ref);
   return product;
 }
 
-// The product says at each start without certificates that TLS is off; that is no news.
+// Without the line about TLS that omniORB prints at each start without certificates.
 void Print(const char* message) {
   if (std::string_view(message).find("SSL transport disabled") == std::string_view::npos) {
     std::fputs(message, stderr);
@@ -52,7 +51,7 @@ class OmniOrbServer : public ServerOrb {
   ~OmniOrbServer() override {
     try {
       OmniOrbServer::Stop();
-    } catch (const CORBA::Exception&) {  // Nobody is left to tell.
+    } catch (const CORBA::Exception&) {  // There is nothing left to do.
     }
   }
 
@@ -73,29 +72,12 @@ class OmniOrbServer : public ServerOrb {
 
 std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
   omniORB::setLogFunction(Print);
-  omniORB::traceTime = false;  // asked for in a way that is not safe with threads
+  omniORB::traceTime = false;  // omniORB reads the time in a way that is not thread-safe
   const OrbSettings settings = ServerSettings(options);
-  OmniOrbTls::Prepare(settings);
-  const Options product = ProductOptions(options, settings);
-  const std::unique_ptr<const char*[][2]> table(new const char*[product.size() + 1][2]);
-  table[product.size()][0] = table[product.size()][1] = nullptr;
-  for (std::size_t i = 0; i < product.size(); ++i) {
-    table[i][0] = product[i].first.c_str();
-    table[i][1] = product[i].second.c_str();
-  }
-  std::vector<std::string> copies = {"server"};
-  copies.insert(copies.end(), options.rest.begin(), options.rest.end());
-  std::vector<char*> arguments;
-  for (std::string& copy : copies) arguments.push_back(copy.data());
-  int count = static_cast<int>(arguments.size());
-  arguments.push_back(nullptr);
-  try {
-    return std::make_unique<OmniOrbServer>(
-        CORBA::ORB_init(count, arguments.data(), "omniORB4", table.get()));
-  } catch (const CORBA::Exception&) {
-    OmniOrbTls::Abandon();  // Only an ORB that started lets go of it.
-    throw;
-  }
+  std::vector<std::string> arguments = {"server"};
+  arguments.insert(arguments.end(), options.rest.begin(), options.rest.end());
+  return std::make_unique<OmniOrbServer>(
+      InitOmniOrb(settings, ProductOptions(options, settings), arguments));
 }
 
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {

@@ -18,14 +18,14 @@ using omni::sslContext;
 
 TDiagRegister diagModule("TLS");
 
-// What the callbacks look at; written before the ORB starts, read by its threads after that.
+// For the callbacks: written before the ORB starts, read by its threads afterwards.
 TlsSettings tlsInForce;
 
 int Judge(int verified, X509_STORE_CTX* context) {
   return JudgeCertificate(verified, *context, tlsInForce);
 }
 
-// omniORB asks for each piece; everything is done where it asks for the first one.
+// omniORB calls one function for each part of the configuration; one of them does everything.
 class Context : public sslContext {
  public:
 #ifdef VQ_OMNIORB_4_3

@@ -18,6 +18,8 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/TlsVerdict.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
+#include <support/orb/omniorb/OmniOrbOptions.h>
+#include <support/orb/omniorb/OmniOrbProfiles.h>
 #include <support/orb/omniorb/OmniOrbSslContext.h>
 
 namespace vq::orb {
@@ -25,10 +27,10 @@ namespace {
 
 TDiagRegister diagModule("TLS");
 
-// What the interceptors look at; written before the ORB starts, read by its threads after that.
+// For the interceptors: written before the ORB starts, read by its threads afterwards.
 bool encryptLookups = false;
 std::set<std::string> namingProfiles;   // those of the naming service's references
-std::set<std::string> namingAddresses;  // where it is: "giop:tcp:127.0.0.1:2809"
+std::set<std::string> namingAddresses;  // its addresses: "giop:tcp:127.0.0.1:2809"
 
 void CheckFiles(const TlsSettings& settings) {
   const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_method()),
@@ -37,30 +39,21 @@ void CheckFiles(const TlsSettings& settings) {
   ConfigureTls(*context, settings);
 }
 
-constexpr std::string_view kTcp = "giop:tcp:";
-
 bool IsTls(std::string_view address) {
-  return address.starts_with("giop:ssl:");
+  return address.starts_with(kTls);
 }
 
-// A reference that offers TLS is called over TLS alone: its other addresses are forgotten.
+// A reference that offers TLS is called over TLS only: its other addresses are removed.
 CORBA::Boolean KeepTlsAddresses(omni::omniInterceptors::decodeIOR_T::info_T& info) {
   omni::giopAddressList& addresses = info.ior.getIORInfo()->addresses();
   const auto isTls = [](const omni::giopAddress* address) { return IsTls(address->address()); };
   if (std::none_of(addresses.begin(), addresses.end(), isTls)) return true;
-  for (auto* address = addresses.begin(); address != addresses.end();) {
-    if (isTls(*address)) {
-      ++address;
-    } else {
-      delete *address;
-      address = addresses.erase(address);
-    }
-  }
+  OmniOrbProfiles::Remove(addresses, [](std::string_view address) { return !IsTls(address); });
   return true;
 }
 
-// What a reference says of its object, the same for every copy of the reference, and for one that
-// was forwarded.
+// The content of a reference's first IIOP profile, which is the same in every copy of the
+// reference, also after a forward.
 std::string ProfileOf(omniObjRef* object) {
   if (object == nullptr) return {};
   const omniIOR_var ior = object->_getIOR();
@@ -78,10 +71,10 @@ bool IsOneOf(const std::array<std::string_view, count>& operations, const char* 
   return std::find(operations.begin(), operations.end(), operation) != operations.end();
 }
 
-// Whether a request reads the naming service. A question without an operation (LocateRequest) does
-// not: this library sends none. The last three operations are those of an iterator over a list.
-// Iterators and contexts are objects of which the naming service's reference says nothing, so these
-// may be any object at its address: such a request carries nothing but a count.
+// Whether a request is a look-up in the naming service. A LocateRequest is none: this library does
+// not send any. The last three operations are those of an iterator over a list. The naming
+// service's reference does not identify its iterators and contexts, so the target may be any object
+// at its address: such a request contains nothing but a count.
 bool IsLookUp(const CallTarget& target) {
   constexpr std::array<std::string_view, 4> kLookUps{"resolve", "resolve_str", "_non_existent",
                                                      "_is_a"};
@@ -91,28 +84,28 @@ bool IsLookUp(const CallTarget& target) {
          (IsOneOf(kLookUps, target.operation) && namingProfiles.contains(ProfileOf(target.object)));
 }
 
-// The naming service may forward to another reference of its own, but not to another place. Where a
-// host name leads is known when the connection is open.
+// The naming service may forward to another reference at its own address only. A host name's
+// address is known when the connection is open.
 bool IsAtNamingService(const CallTarget& target) {
   return target.peer == nullptr || namingAddresses.contains(target.address) ||
          namingAddresses.contains(target.peer);
 }
 
-// Raises for a request that would go unencrypted and is no look-up. Asked for each request before
-// the first byte of it is sent, and once more when a connection was opened.
+// Raises for a request that would be sent unencrypted and is no look-up. Called for each request
+// before its first byte is sent, and again when a connection was opened.
 void RefuseUnencrypted(omni::GIOP_C& call) {
   const CallTarget target = TargetOf(call);
   const std::string_view address = target.address != nullptr ? target.address : "";
   if (IsTls(address)) return;
-  const std::string place(address.substr(std::min(address.size(), kTcp.size())));
+  const std::string place(address.substr(std::min(address.size(), std::string_view(kTcp).size())));
   if (!IsLookUp(target)) {
     ReportNoTls(place);
   } else if (encryptLookups) {
     ReportUnencrypted("The look-up at " + place + " is refused: it would be unencrypted, since " +
-                      "that naming service offers no TLS, and -SSLEncryptLookups is 1");
+                      "that naming service offers no TLS, and " + kTlsEncryptLookups + " is 1");
   } else if (!IsAtNamingService(target)) {
     ReportUnencrypted("The look-up at " + place + " is refused: the naming service forwarded it " +
-                      "there, unencrypted. If that is right, name " + place + " in -ORBInitRef");
+                      "there, unencrypted. If that is right, name " + place + " in " + kInitRef);
   } else {
     return;
   }
@@ -129,7 +122,7 @@ CORBA::Boolean GuardConnection(omni::omniInterceptors::clientOpenConnection_T::i
   return true;
 }
 
-// Where connections are offered for calls back, that to the naming service is offered, too.
+// With bidirectional IIOP the connection to the naming service can be used for callbacks, too.
 CORBA::Boolean GuardCallBack(omni::omniInterceptors::serverReceiveRequest_T::info_T& info) {
   if (!IsOverOwnConnection(info.giop_s) || IsTls(info.peeraddress())) return true;
   VQ_LOG(diagModule, 1) << "A call back by " << info.peeraddress()
@@ -137,7 +130,7 @@ CORBA::Boolean GuardCallBack(omni::omniInterceptors::serverReceiveRequest_T::inf
   throw CORBA::NO_PERMISSION(0, CORBA::COMPLETED_NO);
 }
 
-// Adds an address, and each numeric one that its host name stands for.
+// Adds an address, and each numeric address of its host name.
 void AddNamingAddress(const omni::giopAddress& address) {
   const std::string text = address.address();
   namingAddresses.insert(text);
@@ -152,7 +145,7 @@ void AddNamingAddress(const omni::giopAddress& address) {
     char host[NI_MAXHOST];
     if (::getnameinfo(one->ai_addr, one->ai_addrlen, host, sizeof host, nullptr, 0,
                       NI_NUMERICHOST) == 0) {
-      namingAddresses.insert(std::string(kTcp) + UriHost(host) + text.substr(text.rfind(':')));
+      namingAddresses.insert(kTcp + UriHost(host) + text.substr(text.rfind(':')));
     }
   }
 }
@@ -200,7 +193,7 @@ void OmniOrbTls::Guard(CORBA::ORB_ptr orb, const OrbSettings& settings) {
       const CORBA::Object_var naming = orb->string_to_object(reference.c_str());
       AddNaming(naming.in());
     }
-  } catch (const CORBA::Exception&) {  // There is none; its first use tells.
+  } catch (const CORBA::Exception&) {  // There is none: its first use reports that.
   }
 }
 

@@ -1,12 +1,12 @@
-// TLS in omniORB: its context made of our settings, and nothing but look-ups unencrypted beside it.
+// TLS in omniORB: its context, and the refusal of unencrypted requests that are no look-ups.
 //
 //   OmniOrbTls::Prepare(settings);      // before ORB_init
 //   CORBA::ORB_init(...);
 //   OmniOrbTls::Guard(orb, settings);   // after it
 //
-// With TLS on, servers are called over TLS alone. Only the naming service, whose programs mostly
-// have no TLS, may be asked unencrypted, and only where a server is. That is checked for each
-// request: whoever answers at the naming service's address may also call itself the server.
+// With TLS on, servers are called over TLS only. Only look-ups in the naming service, which is
+// mostly a program without TLS, may be unencrypted. This is checked for each request, since the
+// process at the naming service's address may pretend to be the server, too.
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBTLS_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBTLS_H
 
@@ -18,27 +18,27 @@
 
 namespace vq::orb {
 
-// Thread contract: Prepare, Guard and Abandon by the thread that starts the ORB;
-// ForbidMessagesAfterHandshake while no call is under way; CertificateExpiry by any thread while
-// the ORB is up.
+// Thread safety: Prepare, Guard and Abandon are called by the thread that starts the ORB, and
+// ForbidMessagesAfterHandshake while no call is in progress; CertificateExpiry may be called by any
+// thread while the ORB is up.
 class OmniOrbTls {
  public:
-  // Checks the settings and gives omniORB a context of them; with TLS off OpenSSL is not touched.
+  // Checks the settings and installs omniORB's context for them; does nothing more with TLS off.
   // Raises std::invalid_argument.
   static void Prepare(const OrbSettings& settings);
 
-  // Takes the context back when ORB_init failed.
+  // Removes the context after a failed ORB_init.
   static void Abandon();
 
-  // Refuses unencrypted requests from here on, if TLS is on: they raise CORBA::INV_POLICY, and
-  // FailureCause.h has the reason.
+  // If TLS is on, refuses unencrypted requests from now on: they raise CORBA::INV_POLICY, and
+  // vq::orb::TakeCause returns the reason.
   static void Guard(CORBA::ORB_ptr orb, const OrbSettings& settings);
 
-  // For connections that take calls, if TLS is on: from here on, until the ORB ends, they are made
-  // with TLS 1.2.
+  // For connections that take calls: if TLS is on, connections use TLS 1.2 from now on, until the
+  // ORB ends.
   static void ForbidMessagesAfterHandshake();
 
-  // Nothing when TLS is off or there is no own certificate.
+  // Empty when TLS is off, and without an own certificate.
   static std::optional<std::chrono::sys_seconds> CertificateExpiry();
 };
 

@@ -23,15 +23,15 @@ namespace {
 
 TDiagRegister diagModule("ORB");
 
-// Enough to follow connections and calls; from 30 on omniORB prints what the messages hold, which
-// includes passwords.
+// Shows connections and calls. From 30 on omniORB prints the content of messages, which includes
+// passwords.
 constexpr CORBA::ULong kTraceOn = 25;
 constexpr CORBA::ULong kTraceOff = 1;
 
-// What omniORB says at each start without TLS.
+// omniORB writes this line at each start without TLS.
 constexpr std::string_view kNoTls = "SSL transport disabled";
 
-// omniORB calls it from destructors, where nothing may be raised.
+// omniORB calls it from destructors, so it must not raise.
 void LogLine(const char* text) noexcept {
   std::string_view line(text);
   if (line.find(kNoTls) != std::string_view::npos) return;
@@ -40,13 +40,33 @@ void LogLine(const char* text) noexcept {
   if (!line.empty()) VQ_LOG(diagModule, level > kTraceOff ? 6 : 2) << line;
 }
 
-// omniORB's threads, those of an ORB that has ended too, read what it traces at any time.
+// omniORB's threads, including those of an ORB that has ended, may read the setting at any time.
 template <class Setting>
 void Trace(Setting& setting, Setting value) {
   std::atomic_ref(setting).store(value, std::memory_order_relaxed);
 }
 
 }  // namespace
+
+CORBA::ORB_ptr InitOmniOrb(const OrbSettings& settings, const std::vector<OmniOrbOption>& options,
+                           std::vector<std::string> arguments) {
+  const std::unique_ptr<const char*[][2]> table(new const char* [options.size() + 1][2] {});
+  for (std::size_t i = 0; i < options.size(); ++i) {
+    table[i][0] = options[i].first.c_str();
+    table[i][1] = options[i].second.c_str();
+  }
+  std::vector<char*> pointers;
+  for (std::string& argument : arguments) pointers.push_back(argument.data());
+  int count = static_cast<int>(pointers.size());
+  pointers.push_back(nullptr);
+  OmniOrbTls::Prepare(settings);
+  try {
+    return CORBA::ORB_init(count, pointers.data(), "omniORB4", table.get());
+  } catch (const CORBA::Exception&) {
+    OmniOrbTls::Abandon();  // Only an ORB that started destroys the context.
+    throw;
+  }
+}
 
 OmniOrbTransport& OmniOrbTransport::Instance() {
   static auto* const transport = new OmniOrbTransport;
@@ -98,43 +118,23 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
                                             const std::vector<std::string>& arguments) {
   omniORB::setLogFunction(LogLine);
   Trace(omniORB::traceLevel, diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff);
-  // The log has the time itself, and omniORB asks for it in a way that is not safe with threads.
+  // The log adds the time itself, and omniORB reads it in a way that is not thread-safe.
   Trace(omniORB::traceTime, false);
 
   std::vector<OmniOrbOption> options = OmniOrbOptions(settings);
   for (auto& [name, value] : options) {
     if (name == "endPoint") value = CheckedEndpoint(value);
   }
-  const std::unique_ptr<const char*[][2]> table(new const char*[options.size() + 1][2]);
-  for (std::size_t i = 0; i < options.size(); ++i) {
-    table[i][0] = options[i].first.c_str();
-    table[i][1] = options[i].second.c_str();
-  }
-  table[options.size()][0] = nullptr;
-  table[options.size()][1] = nullptr;
-
-  // ORB_init takes what it knows out of its argument vector, so it gets copies.
-  std::vector<std::string> copies(arguments);
-  std::vector<char*> pointers;
-  for (std::string& copy : copies) pointers.push_back(copy.data());
-  int count = static_cast<int>(pointers.size());
-  pointers.push_back(nullptr);
-  OmniOrbTls::Prepare(settings);
   OmniOrbCodeSet::Install();
-  try {
-    CORBA::ORB_var orb = CORBA::ORB_init(count, pointers.data(), "omniORB4", table.get());
-    OmniOrbCalls::Install(settings);
-    OmniOrbProfiles::Install();
-    OmniOrbGuest::Install();
-    OmniOrbTls::Guard(orb.in(), settings);
-    return orb._retn();
-  } catch (const CORBA::Exception&) {
-    OmniOrbTls::Abandon();
-    throw;
-  }
+  CORBA::ORB_var orb = InitOmniOrb(settings, options, arguments);
+  OmniOrbCalls::Install(settings);
+  OmniOrbProfiles::Install();
+  OmniOrbGuest::Install();
+  OmniOrbTls::Guard(orb.in(), settings);
+  return orb._retn();
 }
 
-// An ORB that was told to end without waiting is destroyed before the next one starts.
+// An ORB that ended without waiting is destroyed before the next one starts.
 void OmniOrbTransport::FinishEnding() {
   if (!m_ending) return;
   m_ending = false;

@@ -1,9 +1,10 @@
 // The one omniORB of the process, which all ORB numbers share.
 //
 // A second ORB_init of omniORB returns the first ORB and ignores its arguments, and destroy() ends
-// it for everybody. So its users are counted: the first one initialises it with the complete option
-// list, the last one ends it. Its listener is counted in the same way: it opens with the first POA
-// and closes with the last, so that a trial in a process that does not listen leaves no open port.
+// the ORB for all users. So the users are counted: the first one initialises it with the complete
+// option list, the last one ends it. Its listener is counted in the same way: it opens with the
+// first POA and closes with the last, so that a trial in a process that does not listen leaves no
+// open port.
 //
 //   CORBA::ORB_ptr orb = OmniOrbTransport::Instance().Acquire(this, settings, arguments);
 //   ...
@@ -17,36 +18,42 @@
 
 #include <support/orb/Corba.h>
 #include <support/orb/OrbSettings.h>
+#include <support/orb/omniorb/OmniOrbOptions.h>
 
 namespace vq::orb {
 
-// Thread contract: any thread. Acquire and Release change how new references of the whole process
-// connect, so no other call is under way during them.
+// ORB_init with these options and arguments, and with the TLS context of the settings. Raises
+// CORBA::SystemException, and std::invalid_argument as OmniOrbTls::Prepare.
+CORBA::ORB_ptr InitOmniOrb(const OrbSettings& settings, const std::vector<OmniOrbOption>& options,
+                           std::vector<std::string> arguments);
+
+// Thread safety: any thread may call the operations. Acquire and Release change how new references
+// of the whole process connect, so no other call may be in progress meanwhile.
 class OmniOrbTransport {
  public:
   // Never destroyed: references may be released after any static object.
   static OmniOrbTransport& Instance();
 
-  // From here on until the user's Release, or until the next user comes, references that are made
-  // offer bidirectional use of their connections or not, as these settings say. References made
-  // before keep their own connections. `user` tells the users apart. Raises CORBA::SystemException
-  // and std::invalid_argument. The result is borrowed.
+  // Adds a user, identified by `user`, and starts the ORB for the first one. Until the user's
+  // Release or the next Acquire, these settings decide whether new references offer bidirectional
+  // IIOP; earlier references keep their own connections. Raises CORBA::SystemException and
+  // std::invalid_argument. The result is borrowed.
   CORBA::ORB_ptr Acquire(const void* user, const OrbSettings& settings,
                          const std::vector<std::string>& arguments);
 
-  // The ORB ends with its last user; without `wait` it may end later, but before it starts anew.
+  // Removes a user; the last one ends the ORB. Without `wait` the ORB may end later, but before the
+  // next start.
   void Release(const void* user, bool wait);
 
   bool HasOtherUsers(const void* user);
 
-  // The TLS settings in force, which are those of the user that started the transport.
+  // The TLS settings that apply: those of the user that started the ORB.
   TlsSettings Tls();
 
-  // Opens the endpoints if they are not open, and returns the root POA, active.
+  // Opens the endpoints if they are not open. Returns the root POA, activated.
   PortableServer::POA_ptr OpenListener();
 
-  // To be called once for each OpenListener. The last call closes the endpoints and ends the
-  // threads that serve them.
+  // Call it once for each OpenListener. The last call closes the endpoints and ends their threads.
   void CloseListener();
 
   OmniOrbTransport(const OmniOrbTransport&) = delete;
