@@ -1,7 +1,6 @@
 #include <vq_client_common/session/LoginHandler.h>
 
 #include <cstddef>
-#include <new>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
@@ -169,13 +168,8 @@ int LoginHandler::Converse(const TDiagFunc& diag, unsigned int timeOut, std::str
   if (result == vq::CodeOf(vq::LoginResult::kPasswordAboutToExpire) && message.empty()) {
     message = "Your password is about to expire.\t";
   }
-  try {
-    m_connectionSettings->SetUserID(userId.in());
-    m_connectionSettings->SetDBUserName(dbUser.in());
-  } catch (const std::bad_alloc&) {  // after a failure the client is not connected
-    m_connectionSettings->SetUserID("");
-    throw;
-  }
+  m_connectionSettings->SetUserID(userId.in());
+  m_connectionSettings->SetDBUserName(dbUser.in());
 
   switch (static_cast<vq::LoginResult>(result)) {
     case vq::LoginResult::kPasswordExpired:
