@@ -29,10 +29,6 @@ class FirstError : public xercesc::HandlerBase {
   std::string m_text;
 };
 
-// An object of Xerces that is given back by its release().
-struct CallRelease {
-  void operator()(auto* object) const { object->release(); }
-};
 template <class Object>
 std::unique_ptr<Object, CallRelease> Released(Object* object) {
   return std::unique_ptr<Object, CallRelease>(object);
@@ -132,10 +128,6 @@ void RemoveAll(DOMElement* parent, const char16_t* tag, const std::u16string& na
 }
 
 }  // namespace
-
-void ConfigDocument::Release::operator()(xercesc::DOMDocument* document) const {
-  document->release();
-}
 
 ConfigDocument::ConfigDocument() : m_document(NewDomain()) {}
 

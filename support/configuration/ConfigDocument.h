@@ -29,6 +29,11 @@ XERCES_CPP_NAMESPACE_END
 
 namespace vq {
 
+// Deletes an object of Xerces by its release().
+struct CallRelease {
+  void operator()(auto* object) const { object->release(); }
+};
+
 class ConfigDocument {
  public:
   ConfigDocument();  // an empty domain
@@ -50,11 +55,8 @@ class ConfigDocument {
   std::optional<std::string> Text() const;
 
  private:
-  struct Release {
-    void operator()(XERCES_CPP_NAMESPACE::DOMDocument* document) const;
-  };
   XmlSession m_xml;  // before the document, which must go first
-  std::unique_ptr<XERCES_CPP_NAMESPACE::DOMDocument, Release> m_document;
+  std::unique_ptr<XERCES_CPP_NAMESPACE::DOMDocument, CallRelease> m_document;
 };
 
 }  // namespace vq

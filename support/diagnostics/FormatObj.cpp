@@ -1,28 +1,10 @@
 #include <support/diagnostics/FormatObj.h>
 
-#include <iterator>
 #include <new>
-#include <type_traits>
 
 #include <fmt/format.h>
 
 #include <support/diagnostics/TDiag.h>
-
-namespace {
-
-template <class T>
-void Append(const T& piece, std::string& text) noexcept {
-  try {
-    if constexpr (std::is_same_v<T, std::string_view>) {
-      text.append(piece);
-    } else {
-      fmt::format_to(std::back_inserter(text), "{}", piece);
-    }
-  } catch (const std::bad_alloc&) {  // The line continues without it.
-  }
-}
-
-}  // namespace
 
 FormatObj::FormatObj(const TDiagRegister& module, const char* scope, int level,
                      std::uint32_t lineClass)
@@ -38,18 +20,19 @@ FormatObj::~FormatObj() {
 }
 
 FormatObj& FormatObj::operator<<(std::string_view text) {
-  Append(text, m_text);
+  try {
+    m_text += text;
+  } catch (const std::bad_alloc&) {  // Destructors log, too: the line continues without it.
+  }
   return *this;
 }
 
 FormatObj& FormatObj::operator<<(const char* text) {
-  if (text != nullptr) Append(std::string_view(text), m_text);
-  return *this;
+  return *this << (text != nullptr ? std::string_view(text) : std::string_view());
 }
 
 FormatObj& FormatObj::operator<<(char character) {
-  Append(std::string_view(&character, 1), m_text);
-  return *this;
+  return *this << std::string_view(&character, 1);
 }
 
 FormatObj& FormatObj::operator<<(bool value) {
@@ -57,16 +40,16 @@ FormatObj& FormatObj::operator<<(bool value) {
 }
 
 FormatObj& FormatObj::operator<<(double value) {
-  Append(value, m_text);
-  return *this;
+  char digits[32];  // at most 24 are written
+  return *this << std::string_view(digits, fmt::format_to(digits, "{}", value));
 }
 
 FormatObj& FormatObj::AppendSigned(std::int64_t value) {
-  Append(value, m_text);
-  return *this;
+  const fmt::format_int digits(value);
+  return *this << std::string_view(digits.data(), digits.size());
 }
 
 FormatObj& FormatObj::AppendUnsigned(std::uint64_t value) {
-  Append(value, m_text);
-  return *this;
+  const fmt::format_int digits(value);
+  return *this << std::string_view(digits.data(), digits.size());
 }

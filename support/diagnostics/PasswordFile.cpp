@@ -71,12 +71,6 @@ std::string ReadFile(const std::string& path, std::string& user, std::string& pa
   return reason != nullptr ? reason : "";
 }
 
-// Replaces a value and wipes the former one from memory.
-void Replace(std::string& place, std::string_view value) {
-  vq::Wipe(place);
-  place.assign(value);
-}
-
 }  // namespace
 
 const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std::string& password) {
@@ -104,7 +98,9 @@ const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std:
     match->value = line.substr(match->key.size());
   }
   for (const Entry& entry : entries) {
-    if (entry.value) Replace(entry.place, *entry.value);
+    if (!entry.value) continue;
+    Wipe(entry.place);
+    entry.place = *entry.value;
   }
   return nullptr;
 }

@@ -19,8 +19,7 @@
 // that the file does not contain is unchanged, so a file may contain one of them, or neither.
 // Returns 0, with both unchanged, when the file
 // - does not open, or is not a regular file. A symbolic link as the last part of the path is
-// refused
-//   too, since the rights that are checked must be those of the file that the user named;
+//   refused, too, since the rights that are checked must be those of the file that the user named;
 //   directories above it may be links;
 // - belongs to another user than the process's effective one;
 // - gives group or others any right at all. A right to write would let them choose the credentials,

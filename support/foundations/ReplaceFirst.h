@@ -4,11 +4,13 @@
 // contain a mark, and the next call then replaces that one. Several messages depend on it.
 //
 //   std::string text = "Version %s of %s";
-//   vq::ReplaceFirst(text, "%s", "6.4");    // "Version 6.4 of %s"
-//   vq::ReplaceFirst(text, "%s", "client"); // "Version 6.4 of client"
+//   vq::ReplaceFirst(text, "%s", "6.4");           // "Version 6.4 of %s"
+//   vq::ReplaceFirst(text, "%s", "client");        // "Version 6.4 of client"
+//   vq::Filled("Version %s of %s", {"6.4", "client"});   // the same
 #ifndef VQ_SUPPORT_FOUNDATIONS_REPLACEFIRST_H
 #define VQ_SUPPORT_FOUNDATIONS_REPLACEFIRST_H
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -23,6 +25,12 @@ inline bool ReplaceFirst(std::string& text, std::string_view pattern, std::strin
   if (at == std::string::npos) return false;
   text.replace(at, pattern.size(), by);
   return true;
+}
+
+// Replaces the first "%s" in `text` by each of the values in turn.
+inline std::string Filled(std::string text, std::initializer_list<std::string_view> values) {
+  for (const std::string_view value : values) ReplaceFirst(text, "%s", value);
+  return text;
 }
 
 }  // namespace vq

@@ -4,6 +4,7 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/grants/GrantIndex.h>
+#include <support/orb/CorbaConversions.h>
 
 namespace {
 
@@ -15,8 +16,7 @@ bool Load(std::shared_ptr<const vq::GrantIndex>& holder, const QCSCorbaAuth2LvlS
   auto index = std::make_shared<vq::GrantIndex>(replace ? vq::GrantIndex() : *holder);
   bool allParse = true;
   for (CORBA::ULong i = 0; i < wire.length(); ++i) {
-    const char* criteria = wire[i].m_sCriteria;  // null only in a list made in this process
-    allParse &= index->Add(criteria == nullptr ? "" : criteria, wire[i].m_eLevel, diag);
+    allParse &= index->Add(CorbaString2StlString(wire[i].m_sCriteria.in()), wire[i].m_eLevel, diag);
   }
   holder = std::move(index);
   return allParse;

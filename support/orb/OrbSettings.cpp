@@ -125,16 +125,9 @@ std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
 
 }  // namespace
 
-std::vector<std::string_view> KnownSettingNames() {
-  std::vector<std::string_view> names;
-  for (const KnownSetting& known : kKnown) names.push_back(known.name);
-  return names;
-}
-
 OrbArguments SplitArguments(int argc, const char* const* argv) {
   OrbArguments arguments;
-  for (int i = 0; i < argc; ++i) {
-    if (argv[i] == nullptr) break;
+  for (int i = 0; argv != nullptr && i < argc && argv[i] != nullptr; ++i) {
     const std::string argument = argv[i];
     const auto isOurs = [&](const KnownSetting& known) { return known.name == argument; };
     if (std::none_of(kKnown.begin(), kKnown.end(), isOurs)) {
@@ -162,8 +155,8 @@ bool ReadDomainScopes(const std::string& scope, DomainScopes& domain) {
     for (const std::string& from : {scope, std::string("default")}) {
       SettingScope& values = domain.scopes.emplace_back();
       values.origin = file + ", " + from;
-      for (const std::string_view known : KnownSettingNames()) {
-        const std::string setting(known);
+      for (const KnownSetting& known : kKnown) {
+        const std::string setting(known.name);
         if (const auto value = layer.GetVar(from, setting)) values.values[setting] = *value;
       }
     }

@@ -99,9 +99,6 @@ struct SettingScope {
   std::map<std::string, std::string> values;  // by name
 };
 
-// The names of our own settings, in table order.
-std::vector<std::string_view> KnownSettingNames();
-
 // Takes our own options with their values out of an argument vector. `argv` may be null when `argc`
 // is 0. A known option without a value raises std::invalid_argument.
 OrbArguments SplitArguments(int argc, const char* const* argv);

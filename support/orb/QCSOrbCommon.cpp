@@ -169,7 +169,8 @@ bool QCSOrbCommon::ReachNamingService() {
     return true;
   } catch (const CORBA::OBJECT_NOT_EXIST&) {
     vq::orb::NoteCause(
-        "the reference of the naming service refers to no existing object; correct -ORBInitRef");
+        std::string("the reference of the naming service refers to no existing object; correct ") +
+        vq::orb::kInitRef);
     VQ_LOG(diag, 1) << "The naming service's reference refers to no existing object. Correct "
                     << vq::orb::kInitRef << " NameService=corbaloc:iiop:HOST:PORT/NameService";
   } catch (const CORBA::ORB::InvalidName& e) {

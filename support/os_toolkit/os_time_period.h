@@ -88,8 +88,8 @@ class VQ_CLIENT_COMMON_API os_time_period {
   }
 
   std::int64_t m_seconds = 0;
-  std::int32_t m_nanoseconds =
-      0;  // 0 to 999,999,999, so that the order of the members is the order
+  // 0 to 999,999,999, so that the order of the members is the order of the periods.
+  std::int32_t m_nanoseconds = 0;
 };
 
 #endif  // VQ_SUPPORT_OS_TOOLKIT_OS_TIME_PERIOD_H

@@ -1,5 +1,6 @@
 #include <support/security/ChallengeResponse.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -32,16 +33,12 @@ const EVP_MD* Sha256() {
 }
 
 void ToBase64Url(const Digest& digest, std::string& out) {
-  constexpr std::string_view kAlphabet =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-  out.reserve((kDigestSize * 8 + 5) / 6);
-  unsigned bits = 0;
-  int count = 0;  // how many of the low bits of `bits` are still to be written
-  for (const unsigned char byte : digest.bytes) {
-    bits = bits << 8U | byte;
-    for (count += 8; count >= 6; count -= 6) out += kAlphabet[bits >> (count - 6) & 0x3FU];
-  }
-  if (count > 0) out += kAlphabet[bits << (6 - count) & 0x3FU];
+  constexpr std::size_t kLength = 43;
+  out.resize(kLength + 2);  // a closing "=" and a zero byte
+  EVP_EncodeBlock(reinterpret_cast<unsigned char*>(out.data()), digest.bytes.data(), kDigestSize);
+  out.resize(kLength);
+  std::ranges::replace(out, '+', '-');
+  std::ranges::replace(out, '/', '_');
 }
 
 void AppendWithLength(const std::string& text, std::string& message) {

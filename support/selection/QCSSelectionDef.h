@@ -60,11 +60,11 @@ class VQ_CLIENT_COMMON_API QCSSelectionDef {
   // The text form. Parses back to an equal definition. Empty for a definition without terms.
   virtual std::string AsString() const;
 
-  // Sets whether a matching fits whose attribute is missing: `fits` for the positive operators (=,
-  // <,
-  // <=, >, >=, LIKE), `negatedFits` for the negative ones (!=, NOT LIKE). Both are false here. A
-  // derived class may override this, and must not change the object: DoesItFit calls it, on
-  // constant objects too.
+  // Sets whether a matching fits whose attribute is missing: `fits` for the positive operators
+  // (=, <, <=, >, >=, LIKE),
+  // `negatedFits` for the negative ones (!=, NOT LIKE). Both are false here. A derived class may
+  // override this, and must not change the object: DoesItFit calls it, on constant objects,
+  // too.
   virtual void HowToEvaluateMissingAttrsMatches(bool& fits, bool& negatedFits);
 
   // Checks the fields of all matchings by IsValidField. Returns 1 when all are valid, else 0.

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <locale>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -112,22 +110,20 @@ bool ORBEndpoint::identifyFlag(const std::string& option) {
 }
 
 std::string ORBEndpoint::toString() const {
-  std::ostringstream text;
-  text.imbue(std::locale::classic());  // the client's locale may put separators into numbers
-  text << kProtocol << m_hostname;
-  if (m_portOptions.port != 0) text << ':' << m_portOptions.port;
+  std::string text = std::string(kProtocol) + m_hostname;
+  if (m_portOptions.port != 0) text += ':' + std::to_string(m_portOptions.port);
   char separator = '/';
-  const auto option = [&](bool applies, std::string_view literal, const auto& value) {
+  const auto option = [&](bool applies, std::string_view literal, const std::string& value) {
     if (!applies) return;
-    text << separator << literal << value;
+    text.append(1, separator).append(literal).append(value);
     separator = '&';
   };
-  option(m_portOptions.sslPort != 0, kSslPort, m_portOptions.sslPort);
-  option(m_portOptions.portSpan != 0, kPortSpan, m_portOptions.portSpan);
+  option(m_portOptions.sslPort != 0, kSslPort, std::to_string(m_portOptions.sslPort));
+  option(m_portOptions.portSpan != 0, kPortSpan, std::to_string(m_portOptions.portSpan));
   option(!m_hostInIOR.empty(), kHostInIOR, m_hostInIOR);
-  option(m_reuseAddr == 0, kReuseAddr, 0);
-  if (!m_extra.empty()) text << ';' << m_extra;
-  return text.str();
+  option(m_reuseAddr == 0, kReuseAddr, "0");
+  if (!m_extra.empty()) text += ';' + m_extra;
+  return text;
 }
 
 bool ORBEndpoint::isDefault() const {

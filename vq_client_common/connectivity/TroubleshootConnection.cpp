@@ -73,12 +73,10 @@ CORBA::Long AsLong(long value) {
 }
 
 std::string SendFailure(const CORBA::SystemException& exception) {
-  std::string text = "Failed to send test callback object to GSR - %s (%s)";
   const std::string reason = vq::orb::MinorCodeName(exception);
-  vq::ReplaceFirst(text, "%s", exception._name());
-  vq::ReplaceFirst(text, "%s",
-                   reason.empty() ? "minor code " + std::to_string(exception.minor()) : reason);
-  return text;
+  return vq::Filled("Failed to send test callback object to GSR - %s (%s)",
+                    {exception._name(),
+                     reason.empty() ? "minor code " + std::to_string(exception.minor()) : reason});
 }
 
 bool OffersOwnConnection(const QCSOrbCommon& orb) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <support/diagnostics/TDiag.h>
+#include <support/orb/CorbaConversions.h>
 #include <vq_idl/AdministrationRecordsC.h>
 
 namespace {
@@ -21,10 +22,7 @@ bool UpdateIfChanged(const char* label, Field& field, const Field& value) {
   return true;
 }
 
-// A text member is never null on the wire; one that the caller set to null counts as empty.
-std::string Text(const char* member) {
-  return member != nullptr ? member : "";
-}
+constexpr auto* Text = CorbaString2StlString;
 
 // Only "1" sets a flag.
 bool Flag(const char* member) {

@@ -1,8 +1,10 @@
 #include <vq_client_common/environment/ClientProperties.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -33,13 +35,6 @@ std::string PropertiesPath() {
   return GetVQDataLocation() + "CommonClientConf.xml";
 }
 
-std::string FoundLine(const std::string& key, const std::string& value) {
-  std::string line = "Found Parameter: %s. Value is: %s";
-  vq::ReplaceFirst(line, "%s", key);
-  vq::ReplaceFirst(line, "%s", value);
-  return line;
-}
-
 // The names of the system's language: "de_DE" and "de" for the locale "de_DE.UTF-8". A name that is
 // too long is empty.
 std::array<std::string, 2> SystemLanguageNames() {
@@ -57,28 +52,18 @@ std::array<std::string, 2> SystemLanguageNames() {
 // Larger files are refused, since parsing takes many times their size in memory.
 constexpr std::size_t kLargestFile = std::size_t{64} << 20U;
 
+constexpr std::pair<char, std::string_view> kEntities[] = {
+    {'"', "&quot;"}, {'&', "&amp;"}, {'\'', "&apos;"}, {'<', "&lt;"}, {'>', "&gt;"}};
+
 std::string Escaped(const std::string& value) {
   std::string escaped;
-  escaped.reserve(value.size());
   for (const char character : value) {
-    switch (character) {
-      case '"':
-        escaped += "&quot;";
-        break;
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '\'':
-        escaped += "&apos;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      default:
-        escaped += character;
+    const auto* const entity =
+        std::ranges::find(kEntities, character, &std::pair<char, std::string_view>::first);
+    if (entity != std::end(kEntities)) {
+      escaped += entity->second;
+    } else {
+      escaped += character;
     }
   }
   return escaped;
@@ -87,9 +72,7 @@ std::string Escaped(const std::string& value) {
 // Intentional: "%s" in a text takes the next replacement, so the closing tag keeps its "%s". Other
 // programs that write the file do the same.
 std::string EntryLine(const std::string& key, const std::string& value) {
-  std::string line = "\t<%s>%s</%s>\n";
-  for (const std::string& by : {key, Escaped(value), key}) vq::ReplaceFirst(line, "%s", by);
-  return line;
+  return vq::Filled("\t<%s>%s</%s>\n", {key, Escaped(value), key});
 }
 
 // The text in the encoding of the process's locale. ASCII is the same in all these encodings and is
@@ -232,7 +215,7 @@ std::string ClientProperties::GetStringValue(const std::string& key,
                     << "'.";
     return defaultValue;
   }
-  VQ_LOG(diag, 5) << FoundLine(key, found->second);
+  VQ_LOG(diag, 5) << vq::Filled("Found Parameter: %s. Value is: %s", {key, found->second});
   return found->second;
 }
 

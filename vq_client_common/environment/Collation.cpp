@@ -49,7 +49,7 @@ const char* OrEmpty(const char* text) {
 }
 
 std::string Trim(const char* text, std::string_view left, std::string_view right) {
-  std::string_view rest = text != nullptr ? text : "";
+  std::string_view rest = OrEmpty(text);
   rest.remove_prefix(std::min(rest.size(), rest.find_first_not_of(left)));
   return std::string(rest.substr(0, rest.find_last_not_of(right) + 1));
 }

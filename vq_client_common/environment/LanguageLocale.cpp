@@ -37,10 +37,7 @@ constexpr struct {
 
 std::string LowerCase(const char* text) {
   std::string result = text != nullptr ? text : "";
-  for (char& c : result) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (std::isupper(byte)) c = static_cast<char>(std::tolower(byte));
-  }
+  for (char& c : result) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return result;
 }
 

@@ -1,5 +1,6 @@
 #include <vq_client_common/environment/UserPass.h>
 
+#include <algorithm>
 #include <utility>
 
 #include <support/diagnostics/ConsoleInput.h>
@@ -11,11 +12,13 @@ namespace {
 
 TDiagRegister diagModule("UserPass");
 
-constexpr struct {
+struct Status {
   UserPass::eStatus status;
   const char* text;
   bool isCorrectable;
-} kStatuses[] = {
+};
+constexpr Status kStatuses[] = {
+    // all that an object can have
     {UserPass::STAT_NOT_INITIALIZED, "Missing Login Parameters.", false},
     {UserPass::STAT_MISSING_ALL, "Missing Login Parameters.", true},
     {UserPass::STAT_MISSING_PASSWORD, "Missing password", true},
@@ -51,17 +54,11 @@ UserPass::~UserPass() {
 }
 
 const char* UserPass::GetStatStr() const {
-  for (const auto& entry : kStatuses) {
-    if (entry.status == m_status) return entry.text;
-  }
-  return "Unknown status";
+  return std::ranges::find(kStatuses, m_status, &Status::status)->text;
 }
 
 bool UserPass::isCorrectable() const {
-  for (const auto& entry : kStatuses) {
-    if (entry.status == m_status) return entry.isCorrectable;
-  }
-  return false;
+  return std::ranges::find(kStatuses, m_status, &Status::status)->isCorrectable;
 }
 
 void UserPass::SetUsername(std::string user) {
@@ -114,40 +111,20 @@ bool UserPass::Init() {
 
 bool UserPass::GetFromFile() {
   const TDiagFunc diag(diagModule, "UserPass::GetFromFile");
-  std::string user;
-  vq::SecretString password;
-  if (getUsrAndPasswdFromFile(m_passFile, user, password.Text()) == 0) {
+  if (getUsrAndPasswdFromFile(m_passFile, m_user, m_password) == 0) {
     VQ_LOG(diag, 1) << "Error receiving Username and Password from file.";
     return false;
   }
-  if (!user.empty()) m_user = user;
-  if (!password.Text().empty()) SetPassword(password.Text());
   m_status = GetInitialStatus(true);
   return m_status == STAT_OK;
 }
 
 bool UserPass::GetConsoleMissData() {
   const TDiagFunc diag(diagModule, "UserPass::GetLine");
-  bool isFailed = false;
-  if (m_user.empty()) {
-    std::string user;
-    isFailed = getUserFromStdin(user) == 0;
-    if (isFailed) {
-      VQ_LOG(diag, 1) << "Error receiving Username.";
-    } else {
-      m_user = user;
-    }
-  }
-  if (m_password.empty() && !isFailed) {
-    vq::SecretString password;
-    isFailed = getPasswdFromStdin(password.Text()) == 0;
-    if (isFailed) {
-      // Intentional: the same text as above; readers of logs search for it.
-      VQ_LOG(diag, 1) << "Error receiving Username.";
-    } else {
-      m_password.swap(password.Text());
-    }
-  }
+  bool isFailed = m_user.empty() && getUserFromStdin(m_user) == 0;
+  if (!isFailed && m_password.empty()) isFailed = getPasswdFromStdin(m_password) == 0;
+  // Intentional: the same text for both; readers of logs search for it.
+  if (isFailed) VQ_LOG(diag, 1) << "Error receiving Username.";
   m_status = GetInitialStatus(true);
   return !isFailed && m_status == STAT_OK;
 }

@@ -10,8 +10,8 @@
 //     return 1;
 //   }
 //   std::string message;
-//   int code = GL_Login(credentials.GetUsername(), credentials.GetPassword(), "central", 600,
-//   message,
+//   int code = GL_Login(credentials.GetUsername(), credentials.GetPassword(),
+//                       "central", 600, message,
 //                       CLIENT_CLI, E_GSR, argc, argv);
 //
 // A password file has lines `user=...` and `password=...`; blank lines and lines that begin with
@@ -56,9 +56,9 @@ class VQ_CLIENT_COMMON_API UserPass {
   // Completes user name and password, and sets the status. True when both are there.
   // - Without a file, it asks on the console for what is missing.
   // - With a file only, it reads the file. It does not ask for what the file lacks.
-  // - A file and anything else is a conflict, and nothing is read. So after a file was read, a
-  // second
-  //   Init of the same object is a conflict.
+  // - A file and anything else is a conflict, and nothing is read.
+  //   So after a file was read, a second Init
+  //   of the same object is a conflict.
   bool Init();
 
   // The status of the last Init; STAT_NOT_INITIALIZED before the first.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <exception>
 #include <utility>
-#include <vector>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Environment.h>
@@ -34,25 +33,6 @@ constexpr const char* kOrbNotUpText =
 
 void (*troubleshooter)(void*) = nullptr;
 void* troubleshooterData = nullptr;
-
-// A copy of the command line for the ORB, which may reorder or remove entries of its array.
-class ArgumentCopy {
- public:
-  ArgumentCopy(int argc, char** argv) {
-    for (int i = 0; i < argc && argv != nullptr && argv[i] != nullptr; ++i) {
-      m_texts.emplace_back(argv[i]);
-    }
-    for (std::string& text : m_texts) m_pointers.push_back(text.data());
-    m_pointers.push_back(nullptr);
-  }
-
-  int Count() const { return static_cast<int>(m_texts.size()); }
-  char** Pointers() { return m_pointers.data(); }
-
- private:
-  std::vector<std::string> m_texts;
-  std::vector<char*> m_pointers;
-};
 
 void TestCallbackIfAsked(const TDiagFunc& diag) {
   if (troubleshooter == nullptr) return;
@@ -105,12 +85,11 @@ bool GL_InitializeCORBA(int argc, char** argv) {
   const TDiagFunc diag(diagModule, "GL_InitializeCORBA");
   auto* const orb = ORBCommon<1>::Get();
   if (orb->IsInitialized()) return true;
-  ArgumentCopy arguments(argc, argv);
   const std::string name = ConnectionSettings::Get()->GetClientIDAsString();
   if (ConnectionSettings::Get()->isPureClient()) {
-    orb->InitCorba4Client(arguments.Count(), arguments.Pointers(), name.c_str());
+    orb->InitCorba4Client(argc, argv, name.c_str());
   } else {
-    orb->InitCorba(arguments.Count(), arguments.Pointers(), name.c_str());
+    orb->InitCorba(argc, argv, name.c_str());
   }
   return orb->IsInitialized();
 }

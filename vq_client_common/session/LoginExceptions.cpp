@@ -21,13 +21,11 @@ constexpr std::size_t kLongestNameInText = 45;
 constexpr const char* kCauses = "This error may be caused by any of the following:\n";
 
 std::string ServerTypeText() {
-  std::string text = std::string(kCauses) +
-                     " - Server '%s' has incorrect or old version.\n"
-                     " - Server '%s' went down during login process.\t";
   const std::string server = ConnectionSettings::Get()->GetServerName();
-  vq::ReplaceFirst(text, "%s", server);
-  vq::ReplaceFirst(text, "%s", server);
-  return text;
+  return vq::Filled(std::string(kCauses) +
+                        " - Server '%s' has incorrect or old version.\n"
+                        " - Server '%s' went down during login process.\t",
+                    {server, server});
 }
 
 std::string UserAuthText(const std::string& user) {
@@ -41,35 +39,19 @@ std::string UserAuthText(const std::string& user) {
   return text;
 }
 
-// The address in the server's reference; empty texts without one.
-vq::orb::ReferenceAddress ServerAddress(CORBA::Object_ptr server) {
-  vq::orb::ReferenceAddress address;
-  const vq::orb::AddressFault fault = vq::orb::AddressOf(server, address);
-  if (fault != vq::orb::AddressFault::kNone) {
-    VQ_LOG(diagModule, 5) << vq::orb::AddressFaultText(fault);
-  }
-  return address;
-}
-
-// Keeps the cause of the failure during a second look-up.
-class CauseKeeper {
- public:
-  CauseKeeper() : m_cause(vq::orb::TakeCause()) {}
-  ~CauseKeeper() { vq::orb::NoteCause(std::move(m_cause)); }
-  CauseKeeper(const CauseKeeper&) = delete;
-  CauseKeeper& operator=(const CauseKeeper&) = delete;
-
- private:
-  std::string m_cause;
-};
-
 std::string NoServerText() {
   const std::string server = ConnectionSettings::Get()->GetServerName();
   QCSCorbaUsersManager_ptr users;
-  const CauseKeeper cause;
+  std::string cause = vq::orb::TakeCause();  // The look-up forgets it.
   // Without a probe: the reference has the server's address even when the server does not run.
-  if (vq::session::GetUsersManager(users, vq::session::SessionServerId(), false) == 1) {
-    const vq::orb::ReferenceAddress address = ServerAddress(users);
+  const int found = vq::session::GetUsersManager(users, vq::session::SessionServerId(), false);
+  vq::orb::NoteCause(std::move(cause));
+  if (found == 1) {
+    vq::orb::ReferenceAddress address;
+    const vq::orb::AddressFault fault = vq::orb::AddressOf(users, address);
+    if (fault != vq::orb::AddressFault::kNone) {
+      VQ_LOG(diagModule, 5) << vq::orb::AddressFaultText(fault);
+    }
     return std::string(kCauses) + " - Server '" + server + "' is not running on '" + address.host +
            "'.\t\n" + " - The Server listening port of " + address.port +
            " is blocked by the firewall.\t\n - The outgoing ports are blocked in this computer.\t";

@@ -1,8 +1,8 @@
 #include <vq_client_common/session/PasswordPolicy.h>
 
+#include <ctype.h>
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstddef>
 #include <string_view>
 
@@ -26,41 +26,26 @@ constexpr int kFailed = vq::CodeOf(vq::LoginResult::kFailed);
 constexpr int kPassed = vq::CodeOf(vq::LoginResult::kSuccess);
 constexpr int kRefusedByPolicy = vq::CodeOf(vq::LoginResult::kPasswordRefusedByPolicy);
 
-bool HasUpper(const std::string& password) {
-  return std::any_of(password.begin(), password.end(),
-                     [](unsigned char c) { return std::isupper(c) != 0; });
-}
-
-bool HasLower(const std::string& password) {
-  return std::any_of(password.begin(), password.end(),
-                     [](unsigned char c) { return std::islower(c) != 0; });
-}
-
 // Intentional: no password satisfies the rules for digits and special characters; sites use them to
 // refuse every password.
-bool Never(const std::string&) {
-  return false;
+int Never(int) {
+  return 0;
 }
 
 struct Rule {
   PasswordRule bit;
   std::string_view parameterText;
   std::string_view messageLine;
-  bool (*isSatisfied)(const std::string& password);
+  int (*isOfKind)(int character);  // one character of the password must be
 };
 
 constexpr std::array kRules{
     Rule{PWD_RULE_DIGIT, "PWD_DIGIT", "Digit characters.\n", Never},
-    Rule{PWD_RULE_UPPER, "PWD_UPPER", "Letters in upper case.\n", HasUpper},
-    Rule{PWD_RULE_LOWER, "PWD_LOW", "Letters in lower case.\n", HasLower},
+    Rule{PWD_RULE_UPPER, "PWD_UPPER", "Letters in upper case.\n", ::isupper},
+    Rule{PWD_RULE_LOWER, "PWD_LOW", "Letters in lower case.\n", ::islower},
     Rule{PWD_RULE_SPECIAL, "PWD_NON_LETDIG", "Special characters.", Never},
 };
-
-constexpr int AllRules() {
-  int rules = 0;
-  for (const Rule& rule : kRules) rules |= rule.bit;
-  return rules;
-}
+constexpr int kAllRules = PWD_RULE_DIGIT | PWD_RULE_UPPER | PWD_RULE_LOWER | PWD_RULE_SPECIAL;
 
 bool ReadParameter(const TDiagFunc& diag, const std::string& name, std::string& value) {
   if (GetSystemParameter(name, value, "general", E_GSR)) return true;
@@ -129,7 +114,7 @@ bool IsPasswordComplexityON() {
 int GetPasswordComplexityRules() {
   const TDiagFunc diag(diagModule, "GetPasswordComplexityRules");
   std::string value;
-  if (!ReadParameter(diag, "PasswordComplexityRules", value)) return AllRules();
+  if (!ReadParameter(diag, "PasswordComplexityRules", value)) return kAllRules;
   int rules = 0;
   for (const Rule& rule : kRules) {
     // Intentional: any character of the name switches the rule on, not only the whole name.
@@ -157,8 +142,9 @@ int CheckPasswordValidity(const std::string& password, std::string& message) {
   const int rules = GetPasswordComplexityRules();
   if (rules < 1) return kPassed;
 
-  const bool violated = std::any_of(kRules.begin(), kRules.end(), [&](const Rule& rule) {
-    return (rules & rule.bit) != 0 && !rule.isSatisfied(password);
+  const bool violated = std::ranges::any_of(kRules, [&](const Rule& rule) {
+    const auto isOfKind = [&](unsigned char character) { return rule.isOfKind(character) != 0; };
+    return (rules & rule.bit) != 0 && std::ranges::none_of(password, isOfKind);
   });
   if (!violated) return kPassed;
   message =

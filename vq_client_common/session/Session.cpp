@@ -13,6 +13,7 @@
 #include <support/orb/CallDeadline.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/ORBCommon.h>
+#include <support/orb/OrbSettings.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/CorbaServerPackManager.h>
@@ -145,7 +146,7 @@ int Session::State::CallLogin(std::string& text) {
   std::vector<std::string> words = options.orbArguments;
   if (words.empty() || words.front().starts_with('-')) words.insert(words.begin(), "client");
   if (!options.namingService.empty()) {
-    words.insert(words.end(), {"-ORBInitRef", "NameService=" + options.namingService});
+    words.insert(words.end(), {orb::kInitRef, "NameService=" + options.namingService});
   }
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <support/diagnostics/TDiag.h>
+#include <support/orb/CorbaConversions.h>
 #include <support/os_toolkit/Atoi.h>
 #include <support/os_toolkit/os_toolkit_error.h>
 #include <vq_idl/AdministrationRecordsC.h>
@@ -21,10 +22,6 @@ constexpr os_time_period kSecondsTo1970(210866803200, 0);
 // The low 32 bits, so that arithmetic on them wraps and is defined.
 constexpr std::uint32_t Low32(long long value) {
   return static_cast<std::uint32_t>(value);
-}
-
-std::string Copy(const char* text) {
-  return text != nullptr ? text : "";
 }
 
 // The seconds after midnight of a new-day text; empty for a text that Init cannot use.
@@ -76,8 +73,8 @@ void ForecastTimesManipulationMP::Init(const os_time_and_date& now, bool convert
 
   for (CORBA::ULong i = 0; i < records->length();) {
     const QCSCommAdminStruct& record = (*records)[i];
-    std::string name = Copy(record.m_Name);
-    const std::string newDay = Copy(record.m_NewDayTime);
+    std::string name = CorbaString2StlString(record.m_Name);
+    const std::string newDay = CorbaString2StlString(record.m_NewDayTime);
     const std::optional<std::int32_t> newDayOffset = ReadNewDay(newDay);
     if (!newDayOffset) {
       VQ_LOG(diag, 4) << "Invalid new day time format (" << newDay << ") for datacenter " << name
@@ -85,11 +82,11 @@ void ForecastTimesManipulationMP::Init(const os_time_and_date& now, bool convert
       // Intentional: the same record is read again; a table must not lack a record.
       continue;
     }
-    const std::string timeZone = Copy(record.m_TimeZone);
-    const std::string summerStart = Copy(record.m_StartSummerTime);
-    const std::string summerEnd = Copy(record.m_EndSummerTime);
+    const std::string timeZone = CorbaString2StlString(record.m_TimeZone);
+    const std::string summerStart = CorbaString2StlString(record.m_StartSummerTime);
+    const std::string summerEnd = CorbaString2StlString(record.m_EndSummerTime);
     if (useOdat) {
-      const std::string odat = Copy(record.m_Odat);
+      const std::string odat = CorbaString2StlString(record.m_Odat);
       if (odat.size() == 8) {
         const std::string_view digits(odat);
         m_referenceTime = os_time_and_date(
@@ -117,7 +114,7 @@ std::optional<std::uint32_t> ForecastTimesManipulationMP::FirstUnusableRecord(
   QCSCommAdminSeq one;
   one.length(1);
   for (CORBA::ULong i = 0; i < records.length(); ++i) {
-    const std::string newDay = Copy(records[i].m_NewDayTime);
+    const std::string newDay = CorbaString2StlString(records[i].m_NewDayTime);
     if (!IsUsableNewDay(newDay)) {
       reason = "the new-day time '" + newDay + "' has not five characters, such as '+0700'";
       return i;
@@ -126,10 +123,10 @@ std::optional<std::uint32_t> ForecastTimesManipulationMP::FirstUnusableRecord(
       one[0] = records[i];
       ForecastTimesManipulationMP().Init({}, false, &one, useOdat);
     } catch (const std::out_of_range&) {
-      reason = "the time zone '" + Copy(records[i].m_TimeZone) +
+      reason = "the time zone '" + CorbaString2StlString(records[i].m_TimeZone) +
                "' has no hours before its minutes, or the summer marks '" +
-               Copy(records[i].m_StartSummerTime) + "' and '" + Copy(records[i].m_EndSummerTime) +
-               "' are not two dates YYYYMMDD";
+               CorbaString2StlString(records[i].m_StartSummerTime) + "' and '" +
+               CorbaString2StlString(records[i].m_EndSummerTime) + "' are not two dates YYYYMMDD";
       return i;
     } catch (const os_toolkit_error& e) {
       reason = e.what();

@@ -1,8 +1,6 @@
 #include <vq_client_common/session/internal/VersionGate.h>
 
-#include <fcntl.h>
 #include <locale.h>
-#include <unistd.h>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -55,30 +53,23 @@ double Number(const std::string& text) {
 std::string RefusedByServerText(const std::string& serverKind, const ConnectionSettings& settings,
                                 const std::string& clientVersion,
                                 const std::string& serverVersion) {
-  std::string text =
-      "Connection refused by %s: '%s'.\nVersion %s of %s is not compatible with a %s of version "
-      "%s.";
   // Intentional: five values for six places, so the text names the server kind in place of the
   // client, and the last "%s" stays; users know it in this form.
-  ReplaceFirst(text, "%s", serverKind);
-  ReplaceFirst(text, "%s", settings.GetServerName());
-  ReplaceFirst(text, "%s", clientVersion);
+  std::string text = Filled(
+      "Connection refused by %s: '%s'.\nVersion %s of %s is not compatible with a %s of "
+      "version %s.",
+      {serverKind, settings.GetServerName(), clientVersion});
   ReplaceFirst(text, "%d", std::to_string(static_cast<int>(settings.GetClientID())));
-  ReplaceFirst(text, "%s", serverKind);
-  ReplaceFirst(text, "%s", serverVersion);
-  return text;
+  return Filled(text, {serverKind, serverVersion});
 }
 
 // The refusal of a client that does not accept this server.
 std::string RefusedByClientText(const std::string& serverKind, const ConnectionSettings& settings,
                                 const std::string& clientVersion,
                                 const std::string& serverVersion) {
-  std::string text = "Version %s of %s is not compatible with a %s of version %s.";
-  ReplaceFirst(text, "%s", clientVersion);
-  ReplaceFirst(text, "%s", ClientIDtoString(settings.GetClientID()));
-  ReplaceFirst(text, "%s", serverKind);
-  ReplaceFirst(text, "%s", serverVersion);
-  return text;
+  return Filled(
+      "Version %s of %s is not compatible with a %s of version %s.",
+      {clientVersion, ClientIDtoString(settings.GetClientID()), serverKind, serverVersion});
 }
 
 }  // namespace
@@ -131,13 +122,9 @@ int ClientVersion(CLIENT_ID clientId, std::string& plain, std::string& withPatch
 int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
   const TDiagFunc diag(diagModule, "LoginHandler::GetMinimumServerVersionAllowed");
   const std::string path = GetVQRootLocation() + "min-accepted-servers.txt";
-  errno = 0;
-  // Usually there is no such file, and no stream is created.
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  std::FILE* const file = descriptor != -1 ? ::fdopen(descriptor, "r") : nullptr;
+  std::FILE* const file = std::fopen(path.c_str(), "re");  // e: not for child processes
   if (file == nullptr) {
     VQ_LOG(diag, 4) << "Accepted: Couldn't open file " << path << ": " << std::strerror(errno);
-    if (descriptor != -1) ::close(descriptor);
     return kFileDoesNotOpen;
   }
   VQ_LOG(diag, 4) << "Minimum Server versions file exists.";
