@@ -57,7 +57,8 @@ int Change(CommandLine& line) {
   if (vq::IsLoggedIn(result)) {
     Say("The password is changed.");
   } else if (result != vq::LoginResult::kPasswordRefusedByPolicy) {
-    Tell("The server did not change the password (code " + std::to_string(vq::CodeOf(result)) +
+    // It may have changed it all the same, when its reply was lost.
+    Tell("The server did not confirm the change (code " + std::to_string(vq::CodeOf(result)) +
          ").");
   }
   return ExitCodeOf(result);

@@ -59,12 +59,18 @@ int main(int argc, char** argv) {
                                return AskForNewPassword();
                              },
                          .orbArguments = {argv, argv + argc}});
-    changed = expired || session.ChangePassword(AskForNewPassword()) == vq::LoginResult::kSuccess;
+    if (!expired) {
+      const vq::SecretString password = AskForNewPassword();
+      changed =
+          !password.Text().empty() && session.ChangePassword(password) == vq::LoginResult::kSuccess;
+    } else {
+      changed = true;
+    }
   } catch (const vq::LoginError& e) {
     std::cerr << e.what() << '\n' << e.Cause() << '\n';
     // The password may have been changed before the login failed.
     changed = expired && WasPasswordChanged();
   }
-  std::cout << (changed ? "The password is changed.\n" : "The password is not changed.\n");
+  std::cout << (changed ? "The password is changed.\n" : "The server confirmed no change.\n");
   return changed ? 0 : 1;
 }

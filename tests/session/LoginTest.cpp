@@ -55,7 +55,10 @@ TEST_F(LoginTest, TellsWhoLogsIn) {
       {CLIENT_UNKNOWN, "Unkown_Client", "0", nullptr}};
   for (const auto& [client, name, version, verifiedVersion] : rows) {
     server.ForgetCalls();
+    m_log.Clear();
     ASSERT_EQ(Login("alice", "secret", "central", client), 1) << m_log.Text();
+    const std::string log = m_log.Text(), entered = "6 LoginHandler::Register: Enter";
+    EXPECT_EQ(log.find(entered), log.rfind(entered)) << "one scope";
     const json arguments = server.LastCall("CRB_Register")["arguments"];
     EXPECT_EQ(arguments["userName"], "alice");
     EXPECT_EQ(arguments["clientName"], name);
