@@ -310,9 +310,13 @@ TEST_F(ClientTest, NothingIsCalledASuccessThatDidNotHappen) {
   EXPECT_EQ(Run("auth @alice", "secret\n", "/dev/full").code, 1);
   EXPECT_EQ(Run("--version", "", "/dev/full").code, 1);
   // Each of the standard streams closed in turn; the ORB's own pipe takes none of their places.
-  for (const auto& [closed, code] : {std::pair("<&-", 4), {">&-", 1}, {"2>&-", 0}}) {
+  const std::tuple<const char*, const char*, int> rows[] = {{"login @alice", "<&-", 4},
+                                                            {"login @alice", ">&-", 1},
+                                                            {"login @alice", "2>&-", 0},
+                                                            {"--version", "<&- >&-", 1}};
+  for (const auto& [words, closed, code] : rows) {
     std::string command = "exec timeout 60 " VQ_CLIENT;
-    for (const std::string& word : Words("login @alice")) command += " " + word;
+    for (const std::string& word : Words(words)) command += " " + word;
     ChildProcess::Options options;
     options.standardInput = m_directory.Write("in", "secret\n");
     ChildProcess shell = ChildProcess::Start({"sh", "-c", command + " " + closed}, options);

@@ -114,6 +114,7 @@ TEST_F(PasswordTest, NoticesAFailedChangeDespiteALeftOverUserId) {
   site["users"]["expired"]["replyUserId"] = "left-over";
   Server& server = StartServer(site);
   SessionOptions options = Options("expired");
+  options.postLogin = false;  // which fails without a session
   options.newPassword = [](const std::string& why) {
     return SecretString(why == "Password has expired." ? "new-password" : "");
   };
