@@ -1,4 +1,6 @@
 # The site's settings, which Sphinx reads; make_site.py copies this file beside the pages.
+from sphinx.domains.cpp import CPPDomain
+
 project = "vq_client_common"
 html_title = "VQ client library"
 extensions = ["breathe", "myst_parser"]
@@ -36,4 +38,7 @@ html_static_path = ["site.css"]
 html_css_files = ["site.css"]
 html_copy_source = False
 html_show_copyright = False
+# The search finds functions, and not each of their parameters.
+CPPDomain.get_objects = lambda self, everything=CPPDomain.get_objects: (
+    entry for entry in everything(self) if entry[2] != "functionParam")
 suppress_warnings = ["misc.highlighting_failure"]  # examples between lines of text

@@ -127,6 +127,15 @@ def write_source(source, folder, xml):
         shutil.copy(source / path, folder)
 
 
+def bundle_script(html):
+    """The script of Debian 12's Furo imports another file, which a browser refuses outside of modules:
+    puts that file in its place."""
+    script = html / "_static" / "scripts" / "furo.js"
+    script.write_text(re.sub(r'^import \w+ from "./([\w.-]+)";$',
+                             lambda found: (script.parent / found[1]).read_text(),
+                             script.read_text(), flags=re.M))
+
+
 def main(doxygen, sphinx, source, output):
     output = Path(output)
     for made in ("xml", "source", "html"):
@@ -135,6 +144,7 @@ def main(doxygen, sphinx, source, output):
     write_source(Path(source), output / "source", output / "xml")
     made = subprocess.run([sphinx, "-q", "-W", "--keep-going", "-E", "-d", output / "doctrees",
                            output / "source", output / "html"])
+    bundle_script(output / "html")
     (output / "html" / ".buildinfo").unlink(missing_ok=True)  # has paths of this host
     return 1 if read.returncode or made.returncode else 0
 
