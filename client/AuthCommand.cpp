@@ -1,4 +1,4 @@
-// vqclient auth: what the logged-in user may do, and the answer to one question about it.
+// vqclient auth: the authorizations of a user, and the answer to one question about them.
 
 #include <algorithm>
 #include <array>
@@ -9,11 +9,11 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Login.h>
+#include <client/NamingConnection.h>
 #include <vq_idl/UsersManagerC.h>
-
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Login.h"
 
 namespace vqclient {
 namespace {
@@ -44,7 +44,7 @@ struct Kind {
   bool (User::*question)(const QCSObject&, QCSAuthLevelEnum) const;
 };
 
-// Services have grants of another form and stand beside the table.
+// Not in the table: the grants of services have another type.
 constexpr const char* kService = "service";
 constexpr std::array kKinds{
     Kind{"table", &Snapshot::m_TablesUserAccess, &Snapshot::m_TablesGroupAccess,
@@ -139,8 +139,9 @@ int Show(CommandLine& line) {
     if (CORBA::is_nil(users.in())) throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
     users->CRB_GetMyAuthorizationsFromMemory(ConnectionSettings::Get()->GetUserID().c_str(),
                                              object.out(), snapshot.out());
-  } catch (const CORBA::Exception&) {
-    throw Failure(kNoAnswer, "The server does not return the user's authorizations.");
+  } catch (const CORBA::Exception& e) {
+    throw Failure(kNoAnswer,
+                  WithCause("The server does not return the user's authorizations.", CauseOf(e)));
   }
   const nlohmann::json all = Describe(snapshot.in(), session.Authorizations()->IsAdministrator());
   if (Form().json) {
@@ -157,11 +158,11 @@ int Check(CommandLine& line, const std::vector<std::string>& words) {
   const auto kind =
       std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& row) { return row.name == name; });
   if (kind == kKinds.end() && name != kService) {
-    throw CLI::ValidationError("question", "no kind '" + name + "'");
+    throw CLI::ValidationError("question", "unknown kind '" + name + "'");
   }
   const auto found = std::find(kLevels.begin(), kLevels.end(), words.back());
   if (found == kLevels.end()) {
-    throw CLI::ValidationError("question", "no level '" + words.back() + "'");
+    throw CLI::ValidationError("question", "unknown level '" + words.back() + "'");
   }
   const auto level = static_cast<QCSAuthLevelEnum>(found - kLevels.begin());
   QCSObject object;
@@ -181,7 +182,7 @@ int Check(CommandLine& line, const std::vector<std::string>& words) {
   if (Form().json) {
     PrintJson({{"kind", name}, {"level", *found}, {"allowed", allowed}}, -1);
   } else {
-    Say(allowed ? "yes" : "no");
+    PrintLine(allowed ? "yes" : "no");
   }
   return allowed ? kSuccess : kDenied;
 }
@@ -195,7 +196,7 @@ std::string KindsAndLevels() {
 
 void AddCheck(CLI::App& parent, CommandLine& line) {
   CLI::App* const command =
-      parent.add_subcommand("check", "Ask one question; yes is exit code 0, no is 7");
+      parent.add_subcommand("check", "Ask one question; exit code 0 for yes, 7 for no");
   command->fallthrough();  // the connection's options belong to auth itself
   auto words = std::make_shared<std::vector<std::string>>();
   command

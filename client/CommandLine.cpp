@@ -1,7 +1,8 @@
-#include "CommandLine.h"
+#include <client/CommandLine.h>
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <chrono>
 #include <cstdlib>
@@ -9,27 +10,25 @@
 
 #include <CLI/CLI.hpp>
 
+#include <client/ExitCodes.h>
+#include <client/NamingConnection.h>
+#include <support/orb/OrbSettings.h>
+
 namespace vqclient {
 namespace {
 
 constexpr const char* kOwnScope = "vqclient";
 constexpr const char* kDefaultScope = "default";
-constexpr const char* kInitRef = "-ORBInitRef";
 constexpr const char* kSeconds = "SECONDS";
 constexpr const char* kMilliseconds = "MILLISECONDS";
 constexpr unsigned int kDay = 86400;
 
-// In the order of the help.
-constexpr std::array kKinds{std::pair{"GSR", E_GSR},   std::pair{"GAS", E_GAS},
-                            std::pair{"QIMS", E_QIMS}, std::pair{"Forecast", E_FORECAST},
-                            std::pair{"CMS", E_CMS},   std::pair{"SLS", E_SLS}};
-
 bool BelongsToOrb(std::string_view argument) {
   return argument.starts_with("-ORB") || argument.starts_with("-SSL") ||
-         argument == "-BiDirPolicy" || argument == "-PreferIPMask";
+         argument == vq::orb::kBiDirPolicy || argument == vq::orb::kPreferIpMask;
 }
 
-// 0 for a text that is no number from 1 to a day's seconds.
+// 0 for a text that is not a number from 1 to kDay.
 unsigned int Seconds(std::string_view text) {
   unsigned int number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -40,7 +39,7 @@ std::string SiteScope(const std::string& site) {
   return "site " + site;
 }
 
-// Takes over the first value of the scope.
+// Sets a missing value to the first one of the scope.
 void TakeStored(const std::list<vq::StoredSetting>& stored, const std::string& scope,
                 const std::string& name, Source source, std::optional<Value>& value) {
   if (value) return;
@@ -59,44 +58,48 @@ std::string Environment(const char* variable) {
 }  // namespace
 
 const std::vector<SharedOption>& SharedOptions() {
+  using namespace vq::orb;
   static const std::vector<SharedOption> kOptions{
-      {"server", "s", "VQ_SERVER", "", "NAME", "Logical name of the server"},
+      {"server", "s", "VQ_SERVER", "", "NAME",
+       "Logical name of the server; default: the only one of its kind in the naming service"},
       {"kind", "k", "VQ_KIND", "", "GSR|GAS|QIMS|Forecast|CMS|SLS",
-       "Kind of the server; without it GSR"},
-      {"naming", "n", "VQ_NAMING", kInitRef, "HOST:PORT", "Address of the naming service"},
-      {"user", "u", "VQ_USER", "", "NAME", "User; asked for when neither name nor file is given"},
+       "Kind of the server; default GSR"},
+      {"naming", "n", "VQ_NAMING", kInitRef, "HOST:PORT",
+       "Address of the naming service, or its reference (corbaloc:..., IOR:...)"},
+      {"user", "u", "VQ_USER", "", "NAME", "User; without it and a password file vqclient asks"},
       {"password-file", "f", "VQ_PASSWORD_FILE", "", "FILE",
-       "File with user= and password= lines, readable by nobody else. Without it the password is "
-       "asked for, or read from stdin"},
+       "File with user= and password= lines that only you can read. Without it vqclient asks for "
+       "the "
+       "password, or reads it from stdin"},
       {"max-time", "m", "", "", kSeconds,
-       "Limit of the whole command (1 to 86400); without it each call has its own limit"},
+       "Time limit of the whole command (1 to 86400); default: none, each call has its own limit"},
       {"lifetime", "t", "", "", kSeconds,
-       "After how long without a keep-alive the server drops the session (1 to 86400); without it "
-       "600. Formerly --timeout"},
-      {"connect-timeout", "", "", "-ORBConnectTimeout", kMilliseconds,
-       "How long to wait for a connection"},
-      {"call-timeout", "", "", "-ORBCallTimeout", kMilliseconds, "How long to wait for an answer"},
-      {"tcp-keep-alive", "", "", "-ORBTcpKeepAlive", kMilliseconds,
-       "Probe a connection that is silent for so long; 0: never"},
-      {"tcp-user-timeout", "", "", "-ORBTcpUserTimeout", kMilliseconds,
-       "How long sent data may stay unacknowledged; 0: as the system has it"},
-      {"ca", "", "", "-SSLCACertificate", "FILE", "Trusted CA certificates; switches TLS on"},
-      {"certificate", "", "", "-SSLCertificate", "FILE", "Own certificate for TLS"},
-      {"key", "", "", "-SSLPrivateKey", "FILE", "Its private key"},
-      {"verify-peer", "", "", "-SSLVerifyPeer", "0|1", "0: accept a certificate of any CA"},
-      {"verify-host", "", "", "-SSLVerifyHost", "0|1", "0: accept a certificate of another host"},
-      {"server-names", "", "", "-SSLServerNames", "NAME,...",
-       "Accept certificates of these hosts alone; *.DOMAIN for all of a domain"},
-      {"revocation-list", "", "", "-SSLRevocationList", "FILE",
-       "Revocation lists of all trusted CAs; refuse revoked certificates"},
-      {"encrypt-lookups", "", "", "-SSLEncryptLookups", "0|1",
-       "1: the naming service must offer TLS, too"},
-      {"bidir", "", "", "-BiDirPolicy", "0|1",
-       "1: the server calls back over the client's own connection"},
-      {"listen", "", "", "-ORBListenEndpoints", "ENDPOINT", "Where to listen for calls back"},
-      {"prefer-ip", "", "", "-PreferIPMask", "TEXT",
-       "How the own address begins that the server calls back to"},
-      {"max-message", "", "", "-ORBMaxMessageSize", "BYTES", "Refuse messages that are larger"}};
+       "The server ends the session after this time without a keep-alive (1 to 86400); default "
+       "600. "
+       "Formerly --timeout"},
+      {"connect-timeout", "", "", kConnectTimeout, kMilliseconds, "Time limit for connecting"},
+      {"call-timeout", "", "", kCallTimeout, kMilliseconds, "Time limit of a remote call"},
+      {"tcp-keep-alive", "", "", kTcpKeepAlive, kMilliseconds,
+       "Probe a connection after this idle time; 0: never"},
+      {"tcp-user-timeout", "", "", kTcpUserTimeout, kMilliseconds,
+       "End a connection when sent data stays unacknowledged for this time; 0: the system's limit"},
+      {"ca", "", "", kTlsCa, "FILE", "Trusted CA certificates; enables TLS"},
+      {"certificate", "", "", kTlsCertificate, "FILE", "Own TLS certificate; enables TLS"},
+      {"key", "", "", kTlsKey, "FILE", "Private key of the certificate"},
+      {"verify-peer", "", "", kTlsVerifyPeer, "0|1", "0: accept any certificate"},
+      {"verify-host", "", "", kTlsVerifyHost, "0|1", "0: accept a certificate of another host"},
+      {"server-names", "", "", kTlsServerNames, "NAME,...",
+       "Accept only certificates of these hosts; *.DOMAIN for all hosts of a domain"},
+      {"revocation-list", "", "", kTlsRevocationList, "FILE",
+       "Revocation lists (CRL) of all trusted CAs"},
+      {"encrypt-lookups", "", "", kTlsEncryptLookups, "0|1",
+       "1: use TLS for the naming service, too"},
+      {"bidir", "", "", kBiDirPolicy, "0|1",
+       "1: callbacks use the client's connection to the server (bidirectional IIOP)"},
+      {"listen", "", "", kListenEndpoints, "ENDPOINT", "Where to listen for callbacks"},
+      {"prefer-ip", "", "", kPreferIpMask, "TEXT",
+       "Beginning of the local address to publish for callbacks"},
+      {"max-message", "", "", kMaxMessageSize, "BYTES", "Refuse larger messages"}};
   return kOptions;
 }
 
@@ -114,15 +117,18 @@ std::string ScopeOf(const SharedOption& option, const std::string& site) {
 }
 
 std::string OrbValue(const SharedOption& option, const std::string& text) {
-  const bool isAddress =
-      std::string_view(option.setting) == kInitRef && text.find('=') == std::string::npos;
-  return isAddress ? "NameService=corbaloc:iiop:" + text + "/NameService" : text;
+  if (std::string_view(option.setting) != vq::orb::kInitRef ||
+      text.find('=') != std::string::npos) {
+    return text;
+  }
+  const bool isReference = text.starts_with("corbaloc:") || text.starts_with("IOR:");
+  return "NameService=" + (isReference ? text : "corbaloc:iiop:" + text + "/NameService");
 }
 
-std::string Objection(const SharedOption& option, const std::string& text) {
+std::string WhyInvalid(const SharedOption& option, const std::string& text) {
   const std::string_view type = option.type;
   const std::string quoted = "'" + text + "' is ";
-  if (type == kSeconds) return Seconds(text) > 0 ? "" : quoted + "no number from 1 to 86400";
+  if (type == kSeconds) return Seconds(text) > 0 ? "" : quoted + "not a number from 1 to 86400";
   if (type.find('|') != std::string_view::npos) {
     const std::string choices = "|" + std::string(type) + "|";
     if (!text.empty() && choices.find("|" + text + "|") != std::string::npos) return "";
@@ -130,7 +136,7 @@ std::string Objection(const SharedOption& option, const std::string& text) {
     for (std::size_t at = 0; (at = list.find('|', at)) != std::string::npos;) {
       list.replace(at, 1, ", ");
     }
-    return quoted + "none of " + list;
+    return quoted + "not one of " + list;
   }
   if (text.empty()) return "it is empty";
   if (*option.setting == '\0') return "";
@@ -141,6 +147,30 @@ std::string Objection(const SharedOption& option, const std::string& text) {
     if (setting.group == "ORB" && setting.name == "malformed" && isThis) return setting.value;
   }
   return "";
+}
+
+Cause SplitCause(const std::string& cause) {
+  const std::size_t semicolon = cause.rfind("; ");
+  if (semicolon == std::string::npos) return {cause, ""};
+  std::string advice = cause.substr(semicolon + 2);
+  advice[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(advice[0])));
+  advice += '.';
+  for (const SharedOption& option : SharedOptions()) {
+    const std::string setting = option.setting;
+    const std::size_t at = setting.empty() ? std::string::npos : advice.find(setting);
+    if (at == std::string::npos) continue;
+    const std::string name = option.name;
+    advice.replace(at, setting.size(), "--" + name);
+    advice += " To store it: vqclient config set " + name + " " + option.type;
+    break;
+  }
+  return {cause.substr(0, semicolon), advice};
+}
+
+std::string WithCause(const std::string& text, const std::string& cause) {
+  if (cause.empty()) return text;
+  const auto [finding, advice] = SplitCause(cause);
+  return text + "\nCause: " + finding + (advice.empty() ? "" : "\nNext: " + advice);
 }
 
 CommandLine CommandLine::Split(int argc, char** argv) {
@@ -159,13 +189,13 @@ CommandLine CommandLine::Split(int argc, char** argv) {
 
 void CommandLine::AddGlobalOptions(CLI::App& program) {
   program.add_flag("-v,--verbose", verbosity,
-                   "Write the log to stderr; repeat for more (-v 4, -vv 5, -vvv 6)");
-  program.add_flag("--json", Form().json, "Print data as JSON, also those of a failure");
+                   "Write the log to stderr: -v level 4, -vv level 5, -vvv level 6");
+  program.add_flag("--json", Form().json, "Print data as JSON, also that of a failure");
   program.add_flag("-q,--quiet", Form().quiet,
-                   "Print nothing but errors and the data that were asked for");
+                   "Print only errors, and the data that was asked for");
   program
       .add_option("--site", given["site"],
-                  "Take the settings of this site (vqclient --site NAME config set ...)")
+                  "Use the settings of this site (vqclient --site NAME config set ...)")
       ->type_name("SITE");
 }
 
@@ -178,7 +208,7 @@ void CommandLine::AddConnectionOptions(CLI::App& command) {
     command.add_option(letter + "--" + name, given[name], shared.text + variable)
         ->type_name(shared.type)
         ->group(*shared.setting == '\0' || name == "naming" ? "Connection" : "ORB and TLS");
-    // The former name; a group without a name is not shown.
+    // The former name; the help does not show a group without a name.
     if (name == "lifetime") command.add_option("--timeout", given[name])->group("");
   }
 }
@@ -196,7 +226,7 @@ CLI::App* CommandLine::AddCommand(CLI::App& parent, const char* name, const char
 }
 
 void CommandLine::FindValues() {
-  std::string error;  // the library says it better when it starts
+  std::string error;  // reported when the ORB starts
   const std::list<vq::StoredSetting> stored = vq::ReadStoredSettings(error);
   const auto find = [&](const std::string& name, const SharedOption* option) {
     std::optional<Value> value;
@@ -207,10 +237,10 @@ void CommandLine::FindValues() {
       value = {set, Source::kEnvironment, "environment, " + variable};
     }
     const bool isOrb = option != nullptr && *option->setting != '\0';
-    const std::string stands = isOrb ? option->setting : name;
-    if (!site.empty()) TakeStored(stored, SiteScope(site), stands, Source::kSite, value);
-    // The library itself reads what lies in "default".
-    if (!isOrb) TakeStored(stored, kOwnScope, stands, Source::kGeneral, value);
+    const std::string storedName = isOrb ? option->setting : name;
+    if (!site.empty()) TakeStored(stored, SiteScope(site), storedName, Source::kSite, value);
+    // The library itself reads the scope "default".
+    if (!isOrb) TakeStored(stored, kOwnScope, storedName, Source::kGeneral, value);
     if (value) values[name] = *value;
   };
   find("site", nullptr);
@@ -222,25 +252,25 @@ void CommandLine::FindValues() {
   for (const SharedOption& option : SharedOptions()) find(option.name, &option);
 }
 
-void CommandLine::GiveOrbItsArguments() {
+void CommandLine::AppendOrbArguments() {
   for (const SharedOption& option : SharedOptions()) {
     const auto found = values.find(option.name);
     if (*option.setting == '\0' || found == values.end()) continue;
-    // What was given in the ORB's own way counts.
+    // An option in the ORB's form overrides the long one.
     if (std::find(orb.begin() + 1, orb.end(), option.setting) != orb.end()) continue;
     orb.emplace_back(option.setting);
     orb.emplace_back(OrbValue(option, found->second.text));
   }
 }
 
-// A user and a password file exclude each other. Of two that come from different places the nearer
-// one counts, and of two that are equally near the file.
-void CommandLine::SettleUserOrFile() {
+// A user and a password file exclude each other. The one of higher precedence applies; with equal
+// precedence the file.
+void CommandLine::ChooseUserOrFile() {
   const auto name = values.find("user");
   const auto file = values.find("password-file");
   if (name == values.end() || file == values.end()) return;
   if (name->second.source == Source::kCommandLine && file->second.source == Source::kCommandLine) {
-    return;  // the library says that this is a conflict
+    return;  // reported as a conflict by OptionsOf
   }
   values.erase(name->second.source < file->second.source ? file : name);
 }
@@ -254,15 +284,15 @@ void CommandLine::Apply(bool needsServer) {
   for (const auto& [name, value] : values) {
     const SharedOption* const option = FindSharedOption(name);
     if (option == nullptr) continue;
-    // The ORB's own are judged by the ORB, beside all that it gets.
+    // The ORB checks its own settings when it starts.
     if (*option->setting != '\0' && std::string_view(option->type).find('|') == std::string::npos) {
       continue;
     }
-    if (const std::string objection = Objection(*option, value.text); !objection.empty()) {
-      throw CLI::ValidationError("--" + name, objection + " (" + value.origin + ")");
+    if (const std::string reason = WhyInvalid(*option, value.text); !reason.empty()) {
+      throw CLI::ValidationError("--" + name, reason + " (" + value.origin + ")");
     }
   }
-  SettleUserOrFile();
+  ChooseUserOrFile();
   const auto text = [&](const char* name) {
     const auto found = values.find(name);
     return found != values.end() ? found->second.text : std::string();
@@ -272,18 +302,29 @@ void CommandLine::Apply(bool needsServer) {
   passwordFile = text("password-file");
   maxTime = Seconds(text("max-time"));
   if (const unsigned int seconds = Seconds(text("lifetime")); seconds > 0) lifetime = seconds;
-  for (const auto& [name, number] : kKinds) {
-    if (text("kind") == name) kind = number;
+  for (const SERVER_ID one : {E_GSR, E_GAS, E_QIMS, E_FORECAST, E_CMS, E_SLS}) {
+    if (text("kind") == GL_ResolveServerID(one)) kind = one;
   }
-  GiveOrbItsArguments();
+  AppendOrbArguments();
   if (!needsServer || !server.empty()) return;
-  throw CLI::ValidationError(
-      "--server NAME is required, or VQ_SERVER, or once: vqclient config set server NAME");
+  const NamingConnection naming(*this, 0, ExitCodeOf(vq::LoginResult::kOrbNotUp));
+  try {
+    server = naming.OnlyServer(kind);
+  } catch (const CORBA::Exception& e) {
+    throw Failure(ExitCodeOf(vq::LoginResult::kOrbNotUp),
+                  WithCause("The naming service fails.", CauseOf(e)));
+  }
+  if (server.empty()) {
+    throw CLI::ValidationError(
+        "--server NAME is required: the naming service knows no server of kind " +
+        GL_ResolveServerID(kind) + ", or several; vqclient servers lists them");
+  }
 }
 
 void CommandLine::StartClock() {
   if (maxTime == 0 || m_deadline != nullptr) return;
-  m_deadline = std::make_unique<vq::CallDeadline>(std::chrono::seconds(maxTime));
+  m_end = std::chrono::steady_clock::now() + std::chrono::seconds(maxTime);
+  m_deadline = std::make_unique<vq::CallDeadline>(m_end);
 }
 
 std::vector<char*> CommandLine::OrbArguments() {

@@ -1,13 +1,14 @@
 // The options that commands share, and those of the ORB.
 //
-// The value of a shared option comes from, first wins: the command line, the environment, the
-// settings of the site in use, the general settings. Settings are variables of the configuration
-// domain, in the scope "site NAME" or "vqclient"; those of the ORB are in "default" instead of
-// "vqclient", where every client of the library finds them. In each scope the user's layer comes
-// before the host's.
+// The value of a shared option comes from the first of these that has one: the command line, the
+// environment, the settings of the site, the general settings. Settings are variables of the
+// configuration domain, in the scope "site NAME" or "vqclient". General settings of the ORB are in
+// the scope "default" instead, where every client of the library reads them. In each scope the
+// user's layer overrides the host's.
 #ifndef VQ_CLIENT_COMMANDLINE_H
 #define VQ_CLIENT_COMMANDLINE_H
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -17,9 +18,8 @@
 
 #include <CLI/App.hpp>
 
+#include <client/Output.h>
 #include <vq_client_common/vq_client_common.h>
-
-#include "Output.h"
 
 namespace vqclient {
 
@@ -27,32 +27,33 @@ namespace vqclient {
 struct SharedOption {
   const char* name;      // "server", for --server
   const char* letter;    // "s", for -s; empty for none
-  const char* variable;  // of the environment; empty for none
-  const char* setting;   // what the ORB calls it; empty for one of vqclient's own
-  const char* type;      // of the value, "A|B" for a choice
-  const char* text;      // of the help
+  const char* variable;  // the environment variable; empty for none
+  const char* setting;   // the ORB's name for it; empty for an option of vqclient alone
+  const char* type;      // of the value; "A|B" for a choice
+  const char* text;      // for the help
 };
 
 const std::vector<SharedOption>& SharedOptions();
-const SharedOption* FindSharedOption(const std::string& name);  // null for none
+// By its name or by the ORB's; null for none.
+const SharedOption* FindSharedOption(const std::string& name);
 
-// Where a value came from, the strongest first.
+// The origin of a value, in order of precedence.
 enum class Source { kCommandLine, kEnvironment, kSite, kGeneral };
 
 struct Value {
   std::string text;
   Source source = Source::kCommandLine;
-  std::string origin;  // in words
+  std::string origin;  // for display
 };
 
 // The scope of a setting in the configuration domain; `site` may be empty.
 std::string ScopeOf(const SharedOption& option, const std::string& site);
 
-// What the ORB takes for a value of the option: an address of a naming service as a reference.
+// The value in the ORB's form: the address of a naming service becomes its reference.
 std::string OrbValue(const SharedOption& option, const std::string& text);
 
 struct CommandLine {
-  // After Apply.
+  // Set by Apply.
   std::string site;
   std::string server;
   SERVER_ID kind = E_GSR;
@@ -60,53 +61,66 @@ struct CommandLine {
   std::string passwordFile;
   unsigned int lifetime = 600;          // seconds
   unsigned int maxTime = 0;             // seconds; 0: no limit
-  std::map<std::string, Value> values;  // all that have one, by name
+  std::map<std::string, Value> values;  // by name; options without a value are missing
 
   int verbosity = 0;
-  std::map<std::string, std::string> given;  // on the command line, by name
+  std::map<std::string, std::string> given;  // the command line's values, by name
 
   int exitCode = 0;  // of the command that ran
 
-  std::vector<std::string> own;  // the arguments that are not the ORB's, program name first
-  std::vector<std::string> orb;  // the ORB's, program name first
+  std::vector<std::string> own;  // the arguments of vqclient, program name first
+  std::vector<std::string> orb;  // the ORB's arguments, program name first
 
-  // Options with one dash and a long name belong to the ORB ("-ORBInitRef X", "-BiDirPolicy 1") and
-  // are taken out before the rest is parsed.
+  // Separates the ORB's options, which have one dash and a long name ("-ORBInitRef X").
   static CommandLine Split(int argc, char** argv);
 
-  // Adds the options that stand before a command.
+  // Adds the options that precede a command.
   void AddGlobalOptions(CLI::App& program);
 
-  // Adds a command with the options of a connection. When it is given, and none below it, Apply and
-  // `run` are called at the end of parsing, and the result of `run` is the exit code.
+  // Adds a command with the options of a connection. When it is given, without a subcommand, Apply
+  // and `run` are called at the end of parsing. The result of `run` is the exit code.
   CLI::App* AddCommand(CLI::App& parent, const char* name, const char* text, bool needsServer,
                        const std::function<int(CommandLine&)>& run);
 
-  // After parsing: switches the log on as far as asked for, finds the value of each shared option
-  // and gives the ORB its arguments. Raises CLI::ValidationError for a value that is not of its
-  // form, and for a server that is needed and not named.
+  // After parsing: enables the log if -v is given, finds the value of each shared option and
+  // appends those of the ORB to `orb`. A server that is needed and not named becomes the only one
+  // of its kind in the naming service. Raises CLI::ValidationError for an invalid value and for a
+  // missing server, and Failure when the naming service cannot be asked for it.
   void Apply(bool needsServer);
 
-  // Starts the time of --max-time, for the calls of this thread until EndClock.
+  // Starts the time of --max-time, which limits the calls of this thread. Later calls do nothing.
   void StartClock();
-  void EndClock() { m_deadline.reset(); }
+  // When that time is over; the maximum without a limit.
+  std::chrono::steady_clock::time_point End() const { return m_end; }
+  bool IsTimeOver() const { return std::chrono::steady_clock::now() >= m_end; }
 
-  // The ORB's arguments for a function in the style of C; valid as long as `orb` stays as it is.
+  // `orb` as argv; valid until `orb` changes.
   std::vector<char*> OrbArguments();
-  // What the library reports of the settings with these arguments.
+  // The library's report of all settings, with these arguments.
   std::list<vq::Setting> Report() const;
 
  private:
+  std::chrono::steady_clock::time_point m_end = std::chrono::steady_clock::time_point::max();
   std::unique_ptr<vq::CallDeadline> m_deadline;
 
   void AddConnectionOptions(CLI::App& command);
   void FindValues();
-  void GiveOrbItsArguments();
-  void SettleUserOrFile();
+  void AppendOrbArguments();
+  void ChooseUserOrFile();
 };
 
-// Why a value is not of its option's form; empty when it is.
-std::string Objection(const SharedOption& option, const std::string& text);
+// Why a value is invalid for its option; empty when it is valid.
+std::string WhyInvalid(const SharedOption& option, const std::string& text);
+
+// The two parts of a cause (GL_GetFailureCause).
+struct Cause {
+  std::string finding;
+  std::string advice;  // what to do next, with a long option in place of the ORB's; may be empty
+};
+Cause SplitCause(const std::string& cause);
+
+// The text of a failure, followed by its cause, if any, and the advice.
+std::string WithCause(const std::string& text, const std::string& cause);
 
 }  // namespace vqclient
 

@@ -1,8 +1,8 @@
-#include "Commands.h"
+#include <client/Commands.h>
 
 #include <string>
 
-#include "ExitCodes.h"
+#include <client/ExitCodes.h>
 
 namespace vqclient {
 

@@ -1,5 +1,5 @@
-// The command line of vqclient, which the program parses and from which the manual page and the
-// completions are made.
+// The command line of vqclient. The program parses it; the manual page and the completions are made
+// from it.
 #ifndef VQ_CLIENT_COMMANDS_H
 #define VQ_CLIENT_COMMANDS_H
 
@@ -7,12 +7,12 @@
 
 #include <CLI/App.hpp>
 
-#include "CommandLine.h"
+#include <client/CommandLine.h>
 
 namespace vqclient {
 
-// All of it. A command that is given runs at the end of parsing. `line` outlives the program that
-// is returned.
+// The whole command line. The given command runs at the end of parsing. `line` must outlive the
+// result.
 std::unique_ptr<CLI::App> MakeProgram(CommandLine& line);
 
 // Each adds one command (CommandLine::AddCommand).

@@ -1,5 +1,4 @@
-// vqclient config: every setting in force, its value and where it came from; and changes to those
-// that are stored.
+// vqclient config: all settings with values and origins, and changes of the stored ones.
 
 #include <filesystem>
 #include <iostream>
@@ -9,9 +8,9 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Suggestion.h"
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Suggestion.h>
 
 namespace vqclient {
 namespace {
@@ -19,14 +18,14 @@ namespace {
 std::list<vq::Setting> Settings(const CommandLine& line) {
   std::list<vq::Setting> settings = line.Report();
   for (vq::Setting& setting : settings) {
-    // The library gets on the command line what this program has from elsewhere.
+    // This program passes its values to the library as command line arguments.
     const SharedOption* const option = FindSharedOption(setting.name);
     if (option == nullptr || setting.origin != "command line") continue;
     if (const auto found = line.values.find(option->name); found != line.values.end()) {
       setting.origin = found->second.origin;
     }
   }
-  // The library itself reads one of the client's own settings.
+  // The library reads one client property.
   const std::string help = ClientProperties::Get()->GetStringValue("LocalHelpFile", "");
   settings.push_back({"client", "LocalHelpFile", help.empty() ? "1" : help,
                       help.empty() ? "built in" : "CommonClientConf.xml"});
@@ -56,7 +55,7 @@ int Show(CommandLine& line) {
       rows.back()["origin"] = "  (" + setting.origin + ")";
     }
     if (setting.group != "ORB" || setting.name.starts_with('-')) continue;
-    Tell("The settings cannot be used: " + setting.value);
+    PrintError("The settings cannot be used: " + setting.value);
     exitCode = kRefused;
   }
   PrintRows(rows, {{"group", 10}, {"name", 33}, {"value", 0}, {"origin", 0}});
@@ -69,15 +68,14 @@ struct Change {
   bool system = false;
 };
 
-// Where the setting is stored, and under which name. Raises CLI::ValidationError for an unknown
-// one.
+// The scope of a setting, and its name there. Raises CLI::ValidationError for an unknown setting.
 std::pair<std::string, std::string> PlaceOf(const std::string& name, const std::string& site) {
   std::vector<std::string> names{"site"};
   for (const SharedOption& option : SharedOptions()) names.emplace_back(option.name);
   if (name == "site" && site.empty()) return {"vqclient", name};
   const SharedOption* const option = FindSharedOption(name);
   if (option == nullptr) {
-    throw CLI::ValidationError("no setting '" + name + "'" + Nearest(name, names));
+    throw CLI::ValidationError("unknown setting '" + name + "'" + Nearest(name, names));
   }
   return {ScopeOf(*option, site), *option->setting != '\0' ? option->setting : name};
 }
@@ -86,16 +84,16 @@ int Store(const CommandLine& line, const Change& change) {
   const auto [scope, name] = PlaceOf(change.name, line.given.at("site"));
   std::optional<std::string> value = change.value;
   if (const SharedOption* const option = FindSharedOption(change.name); option && value) {
-    if (const std::string objection = Objection(*option, *value); !objection.empty()) {
-      throw CLI::ValidationError(change.name, objection);
+    if (const std::string reason = WhyInvalid(*option, *value); !reason.empty()) {
+      throw CLI::ValidationError(change.name, reason);
     }
     value = OrbValue(*option, *value);
-    // Another run may have another working directory.
+    // The next run may have another working directory.
     if (option->type == std::string_view("FILE")) value = std::filesystem::absolute(*value);
   }
   const vq::StoreResult stored = vq::StoreSetting(
       scope, name, value, change.system ? vq::SettingsLayer::kHost : vq::SettingsLayer::kOwn);
-  if (!stored.error.empty()) throw Failure(kRefused, "Nothing is changed: " + stored.error);
+  if (!stored.error.empty()) throw Failure(kRefused, "The setting is not changed: " + stored.error);
   if (Form().json) {
     PrintJson({{"file", stored.file},
                {"scope", scope},
@@ -103,7 +101,7 @@ int Store(const CommandLine& line, const Change& change) {
                {"value", value ? nlohmann::json(*value) : nlohmann::json()}},
               -1);
   }
-  Say(stored.file + ", " + scope + ": " + name + (value ? " = " + *value : " is not set"));
+  PrintLine(stored.file + ", " + scope + ": " + name + (value ? " = " + *value : " is not set"));
   return kSuccess;
 }
 
@@ -119,7 +117,7 @@ int ShowSites() {
     if (!Form().json) std::cout << site << '\n';
   }
   if (error.empty()) return kSuccess;
-  Tell(error);
+  PrintError(error);
   return kRefused;
 }
 
@@ -132,11 +130,10 @@ std::string SettingNames() {
 void AddChange(CLI::App& config, CommandLine& line, bool set) {
   CLI::App* const command = config.add_subcommand(
       set ? "set" : "unset", set ? "Store a setting, for the user or with --site for one site"
-                                 : "Take a setting out of what is stored");
+                                 : "Remove a stored setting");
   auto change = std::make_shared<Change>();
   command
-      ->add_option("name", change->name,
-                   "The setting: the long name of an option; or the site to use")
+      ->add_option("name", change->name, "The long name of an option without the dashes, or site")
       ->required()
       ->type_name(SettingNames());
   if (set) {
@@ -152,7 +149,7 @@ void AddChange(CLI::App& config, CommandLine& line, bool set) {
 void AddConfigCommand(CLI::App& program, CommandLine& line) {
   CLI::App* const config = program.add_subcommand("config", "Settings of this client");
   config->require_subcommand(1);
-  line.AddCommand(*config, "show", "Every setting with its value and where it came from", false,
+  line.AddCommand(*config, "show", "Print every setting with its value and its origin", false,
                   Show);
   config->add_subcommand("sites", "The names for --site")->callback([&line] {
     line.exitCode = ShowSites();

@@ -1,13 +1,12 @@
-// vqclient doctor: finds out step by step why a connection or a callback fails, says what to do
-// next, and can store a way that works.
+// vqclient doctor: finds step by step why a connection or a callback fails, prints what to do next,
+// and can store settings with which callbacks work.
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -17,13 +16,13 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Login.h>
+#include <client/NamingConnection.h>
 #include <support/orb/ORBCommon.h>
+#include <support/orb/OrbSettings.h>
 #include <support/orb/ReferenceAddress.h>
-
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Login.h"
-#include "NamingConnection.h"
 
 namespace vqclient {
 namespace {
@@ -36,24 +35,6 @@ constexpr int kCallLimit = 10000;  // milliseconds
 constexpr int kNoServer = ExitCodeOf(vq::LoginResult::kNoServer);
 constexpr int kOrbNotUp = ExitCodeOf(vq::LoginResult::kOrbNotUp);
 
-// What to do next according to the cause of a failure, with this program's option in place of the
-// ORB's setting; empty when the cause does not say.
-std::string AdviceIn(const std::string& cause) {
-  const std::size_t semicolon = cause.rfind("; ");
-  if (semicolon == std::string::npos) return "";
-  std::string advice = cause.substr(semicolon + 2);
-  advice[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(advice[0])));
-  for (const SharedOption& option : SharedOptions()) {
-    const std::size_t at =
-        *option.setting != '\0' ? advice.find(option.setting) : std::string::npos;
-    if (at == std::string::npos) continue;
-    const std::string name = option.name;
-    advice.replace(at, std::strlen(option.setting), "--" + name);
-    return advice + "; vqclient config set " + name + " " + option.type + " stores it.";
-  }
-  return advice + ".";
-}
-
 bool NamesSetting(const std::string& cause) {
   const auto& options = SharedOptions();
   return std::any_of(options.begin(), options.end(), [&](const SharedOption& option) {
@@ -61,24 +42,24 @@ bool NamesSetting(const std::string& cause) {
   });
 }
 
-// Why a host and port are not reached, as advice.
+// What to do when `what` cannot be reached at its host and port.
 std::string AdviceFor(vq::orb::Reach reach, const std::string& host, const std::string& what) {
   switch (reach) {
     case vq::orb::Reach::kNotResolvable:
-      return "This host does not know the name '" + host +
+      return "This host cannot resolve the name '" + host +
              "': correct it, or add it to the DNS or to /etc/hosts.";
     case vq::orb::Reach::kRefused:
-      return "Nobody listens there: start " + what + ", or correct the port.";
+      return "No program listens on that port: start " + what + ", or correct the port.";
     case vq::orb::Reach::kReached:
-      return "It takes connections, but gives no answer: " + what +
-             " hangs, or something else has that port. Restart it, or correct the port.";
+      return "The port accepts connections, but there is no reply: " + what +
+             " hangs, or another program uses the port. Restart it, or correct the port.";
     case vq::orb::Reach::kFailed:
       break;
   }
-  return "Check that the host is up, and that a firewall lets the port through.";
+  return "Check that the host is up and that no firewall blocks the port.";
 }
 
-// Lines of a text under one another, each indented.
+// A text with each line after the first indented.
 std::string Indented(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -98,19 +79,17 @@ std::string Mark(Status status) {
   return std::string(kColours.at(index)) + kMarks.at(index) + "\033[0m";
 }
 
-// An IPv6 address that is good on one network link alone.
+// Whether this is an IPv6 address that is valid on one network link only.
 bool IsLinkLocal(const std::string& host) {
-  return host.size() > 3 &&
-         (host.starts_with("fe8") || host.starts_with("fe9") || host.starts_with("fea") ||
-          host.starts_with("feb")) &&
-         host.find(':') != std::string::npos;
+  const std::string start = host.substr(0, 3);  // fe80::/10
+  return start >= "fe8" && start <= "feb" && host.find(':') != std::string::npos;
 }
 
 std::string Text(const vq::orb::ReferenceEndpoint& endpoint) {
   return endpoint.host + " port " + std::to_string(endpoint.port) + (endpoint.tls ? " (TLS)" : "");
 }
 
-// Prints what a step has found; the advice is for kBad alone. Returns whether it is not bad.
+// Prints the finding of a step, and for kBad the advice. Returns whether it is not bad.
 bool Report(const std::string& step, Status status, const std::string& detail,
             const std::string& advice = "") {
   const bool isBad = status == Status::kBad;
@@ -142,8 +121,8 @@ class Doctor {
  public:
   explicit Doctor(CommandLine& line) : m_line(line), m_kind(GL_ResolveServerID(line.kind)) {}
 
-  // Goes through the steps and prints each finding; stops where a later step could only repeat the
-  // failure. Returns the exit code of the first failure, 0 without one.
+  // Runs the steps and prints their findings; ends where later steps could only fail, too. Returns
+  // the exit code of the first failure, 0 without one.
   int Examine() {
     if (!ExamineSettings() || !ExamineNamingService()) return kOrbNotUp;
     if (!ExamineRegistration() || !ExamineAddresses() || !ExamineServer()) return kNoServer;
@@ -151,18 +130,14 @@ class Doctor {
     return ExamineCallbacks();
   }
 
-  // After Examine: an address and a direction of connection by which the server called back.
-  bool FoundWay() const { return m_foundWay; }
-  std::string Way() const {
-    return m_biDirectional
-               ? "calls back over the client's own connection"
-               : "calls back to " + (m_address.empty() ? "the default address" : m_address);
-  }
+  // After Examine: whether the server called back, and how. Only with a way may Store be called.
+  bool FoundWay() const { return !m_way.empty(); }
+  const std::string& Way() const { return m_way; }
 
-  // Stores the way that was found, and the ORB's settings that this run had from its command line
-  // or environment, and reads them back. Why that failed; empty when it did not.
+  // Stores the settings of the way, and the ORB's settings from the command line and the
+  // environment of this run; then reads them back. Returns why that failed; empty on success.
   std::string Store() {
-    m_needed.emplace_back("-BiDirPolicy", m_biDirectional ? "1" : "0");
+    m_needed[vq::orb::kBiDirPolicy] = m_biDirectional ? "1" : "0";
     for (const auto& [name, value] : m_needed) {
       const vq::StoreResult stored =
           vq::StoreSetting("default", name, value, vq::SettingsLayer::kOwn);
@@ -171,16 +146,14 @@ class Doctor {
     if (!TroubleshootConnection::ORBConfigure(m_address, m_biDirectional, false)) {
       return GL_GetFailureCause();
     }
-    const std::string endpoint = "hostname_in_ior=" + m_address;
+    m_needed.erase(vq::orb::kListenEndpoints);  // ORBConfigure has changed it
+    const std::string endpoint = m_address.empty() ? "" : "hostname_in_ior=" + m_address;
     for (const vq::Setting& setting : vq::ReportSettings(CLIENT_CLI, 0, nullptr)) {
-      const auto needed = std::find_if(m_needed.rbegin(), m_needed.rend(), [&](const auto& pair) {
-        return pair.first == setting.name;
-      });
-      const bool isOther = needed != m_needed.rend() && setting.name != "-ORBListenEndpoints" &&
-                           needed->second != setting.value;
-      const bool isOtherEndpoint = setting.name == "-ORBListenEndpoints" && !m_address.empty() &&
-                                   setting.value.find(endpoint) == std::string::npos;
-      if (isOther || isOtherEndpoint) {
+      const auto needed = m_needed.find(setting.name);
+      const bool isStored = setting.name == vq::orb::kListenEndpoints
+                                ? setting.value.find(endpoint) != std::string::npos
+                                : needed == m_needed.end() || needed->second == setting.value;
+      if (!isStored) {
         return setting.name + " is still '" + setting.value + "' (" + setting.origin + ")";
       }
     }
@@ -194,11 +167,10 @@ class Doctor {
       if (setting.group != "ORB") continue;
       if (!setting.name.starts_with('-')) {
         return Bad("settings", setting.value,
-                   "Correct it where it is set; vqclient config show lists every setting with its "
-                   "origin.");
+                   "Correct it where it is set: vqclient config show prints the origins.");
       }
-      if (setting.name == "-ORBInitRef") m_namingReference = setting.value;
-      m_tls |= (setting.name == "-SSLCACertificate" || setting.name == "-SSLCertificate") &&
+      if (setting.name == vq::orb::kInitRef) m_namingReference = setting.value;
+      m_tls |= (setting.name == vq::orb::kTlsCa || setting.name == vq::orb::kTlsCertificate) &&
                !setting.value.empty();
       if (setting.origin == "built in") continue;
       set += "\n" + setting.name + " = " + setting.value + " (" + setting.origin + ")";
@@ -206,21 +178,21 @@ class Doctor {
       const auto value = option != nullptr ? m_line.values.find(option->name) : m_line.values.end();
       const bool isOfSite = value != m_line.values.end() && value->second.source == Source::kSite;
       if (setting.origin == "command line" && !isOfSite) {
-        m_needed.emplace_back(setting.name, setting.value);
+        m_needed[setting.name] = setting.value;
       }
     }
-    return Good("settings", set.empty() ? "all built in" : "in force:" + set);
+    return Good("settings", set.empty() ? "all built in" : "in effect:" + set);
   }
 
-  // Where the naming service is configured to be; empty when that names no host.
+  // The configured address of the naming service; without a host when there is none.
   vq::orb::ReferenceEndpoint NamingAddress() const {
     constexpr std::string_view kStart = "NameService=corbaloc:";
     vq::orb::ReferenceEndpoint place;
     if (!m_namingReference.starts_with(kStart)) return place;
     std::string address = m_namingReference.substr(kStart.size());
-    address.resize(std::min(address.find_first_of("/,"), address.size()));  // the first of several
-    address.erase(0, address.find(':') + 1);                                // the protocol
-    address.erase(0, address.find('@') + 1);                                // and its version
+    address.resize(std::min(address.find_first_of("/,"), address.size()));  // of several the first
+    address.erase(0, address.find(':') + 1);                                // no protocol
+    address.erase(0, address.find('@') + 1);                                // no version
     const std::size_t colon = address.rfind(':');
     if (colon == std::string::npos) return place;
     std::from_chars(&address[colon + 1], address.data() + address.size(), place.port);
@@ -233,14 +205,13 @@ class Doctor {
     try {
       m_naming.emplace(m_line, kCallLimit, kOrbNotUp);
       return Good("naming service", "it answers");
-    } catch (const Failure&) {  // The cause says more.
+    } catch (const Failure&) {  // the cause is more precise
     }
-    const std::string cause = GL_GetFailureCause();
-    const std::string advice = AdviceIn(cause);
+    const auto [cause, advice] = SplitCause(GL_GetFailureCause());
     if (!advice.empty()) return Bad("naming service", cause, advice);
     if (NamesSetting(cause)) {
       return Bad("settings", cause,
-                 "Correct that setting; vqclient config show lists every setting with its origin.");
+                 "Correct that setting: vqclient config show prints the origins.");
     }
     const vq::orb::ReferenceEndpoint place = NamingAddress();
     if (place.host.empty()) {
@@ -253,18 +224,23 @@ class Doctor {
   }
 
   bool ExamineRegistration() {
-    const std::string name = "'" + m_line.server + "' of kind " + m_kind;
     try {
+      if (m_line.server.empty()) m_line.server = m_naming->OnlyServer(m_line.kind);
+      if (m_line.server.empty()) {
+        return Bad("registration",
+                   "the naming service knows no server of kind " + m_kind + ", or several",
+                   "Name one that vqclient servers lists: --server NAME.");
+      }
       m_server = ORBCommon<1>::Get()->Bind(m_line.server, m_kind, "UsersManager", false);
-      return Good("registration", "the naming service knows server " + name);
+      return Good("registration", "the naming service knows server " + ServerName());
     } catch (const CosNaming::NamingContext::NotFound&) {
       return Bad(
-          "registration", "the naming service knows no server " + name,
-          "Compare name and kind with what vqclient servers lists; if they are right, start the "
-          "server.");
+          "registration", "the naming service knows no server " + ServerName(),
+          "Compare name and kind with the list of vqclient servers. If they are right, start or "
+          "restart the server: it registers when it starts.");
     } catch (const CORBA::Exception& e) {
       return Bad("registration", "the naming service fails: " + CauseOf(e),
-                 "Try again; if it stays so, restart the naming service.");
+                 "Try again; if it fails again, restart the naming service.");
     }
   }
 
@@ -275,13 +251,13 @@ class Doctor {
                  [&](const vq::orb::ReferenceEndpoint& endpoint) { return endpoint.tls == m_tls; });
     if (all.empty()) {
       return Bad("address", "the server's reference has no address",
-                 "Restart the server, so that it registers anew.");
+                 "Restart the server: it registers when it starts.");
     }
     if (usable.empty()) {
-      return m_tls ? Bad("address", "TLS is on here, and the server offers none",
+      return m_tls ? Bad("address", "TLS is enabled here, but the server has no TLS endpoint",
                          "Give the server a TLS endpoint, or unset ca and certificate here.")
-                   : Bad("address", "the server takes TLS connections alone",
-                         "Switch TLS on: --ca FILE, or vqclient config set ca FILE.");
+                   : Bad("address", "the server accepts TLS connections only",
+                         "Enable TLS: --ca FILE, or vqclient config set ca FILE.");
     }
     std::string found;
     std::string advice;
@@ -289,11 +265,11 @@ class Doctor {
     for (const vq::orb::ReferenceEndpoint& endpoint : usable) {
       found += found.empty() ? "" : "\n";
       if (IsLinkLocal(endpoint.host) && endpoint.host.find('%') == std::string::npos) {
-        found += Text(endpoint) + " is a link-local address: it is good on one link alone";
+        found += Text(endpoint) + " is a link-local address, valid on one network link only";
         advice = "Let the server publish another address of its host (hostname_in_ior).";
         continue;
       }
-      std::string result = Text(endpoint) + " takes connections";
+      std::string result = Text(endpoint) + " accepts connections";
       const vq::orb::Reach reach = vq::orb::TryToReach(endpoint, kTcpLimit, result);
       isReached |= reach == vq::orb::Reach::kReached;
       found += result;
@@ -308,46 +284,46 @@ class Doctor {
           ORBCommon<1>::Get()->Bind(m_line.server, m_kind, "UsersManager", true);
       return Good("server", "it answers");
     } catch (const CORBA::Exception& e) {
-      const std::string cause = CauseOf(e);
-      std::string advice = AdviceIn(cause);
+      auto [cause, advice] = SplitCause(CauseOf(e));
       if (advice.empty() && dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&e) != nullptr) {
         advice =
-            "The server was restarted without registering anew, or another one has its port: "
-            "restart it.";
+            "The server did not register after a restart, or another server uses its port: restart "
+            "it.";
       } else if (advice.empty() && m_tls) {
         advice =
-            "The TLS handshake does not come to an end: the server hangs, or asks for a "
-            "certificate of this client (--certificate FILE, --key FILE). Look at its log.";
+            "The TLS handshake does not complete: the server hangs, or requires a client "
+            "certificate (--certificate FILE, --key FILE). Look at its log.";
       } else if (advice.empty()) {
         advice = AdviceFor(vq::orb::Reach::kReached, "", "the server");
       }
-      return Bad("server", "it does not answer: " + cause, advice);
+      return Bad("server", cause, advice);
     }
   }
 
   int ExamineLogin() {
     vq::LoginError error;
     try {
-      m_session = LogIn(m_line, OptionsOf(m_line), error);
+      m_session = vq::Session::Open(OptionsOf(m_line), error);
     } catch (const Failure& e) {
-      Tell(e.what());
-      Bad("login", "no user name or password",
+      Bad("login", e.what(),
           "Give --user NAME and type the password, or give --password-file FILE.");
       return e.exitCode;
     }
     if (m_session) {
-      Good("login", "accepted as " + ConnectionSettings::Get()->getUserName());
+      const std::string message = m_session->Message();
+      Good("login", "accepted as " + ConnectionSettings::Get()->getUserName() +
+                        (message.empty() ? "" : "\n" + message));
       return kSuccess;
     }
-    const auto says = [&](const char* text) {
+    const auto contains = [&](const char* text) {
       return std::string_view(error.what()).find(text) != std::string_view::npos;
     };
-    const bool isGate = says("is not compatible with");
-    std::string advice = AdviceIn(error.Cause());
-    if (advice.empty()) advice = "Look at the server's log; -v shows that of this client.";
+    const bool isGate = contains("is not compatible with");
+    auto [cause, advice] = SplitCause(error.Cause());
+    if (advice.empty()) advice = "Look at the server's log; -v prints the log of this client.";
     if (isGate) {
       advice =
-          "Install the client that belongs to the server, or name the server's version in "
+          "Install the client of the server's version, or accept that version in "
           "min-accepted-servers.txt.";
     } else if (error.Result() == vq::LoginResult::kPasswordExpired) {
       advice = "Change it: vqclient passwd.";
@@ -355,63 +331,73 @@ class Doctor {
       advice = "Ask the site's administrator to unlock the account.";
     } else if (error.Result() == vq::LoginResult::kNotAuthorized) {
       advice = "Ask the site's administrator for the right to log in.";
-    } else if (says("password is incorrect")) {
-      advice = "Check user and password, upper and lower case included.";
+    } else if (contains("password is incorrect")) {
+      advice = "Check user and password, including upper and lower case.";
     }
-    Bad(isGate ? "version gate" : "login", "code " + std::to_string(error.Code()), advice);
+    Bad(isGate ? "version gate" : "login",
+        "code " + std::to_string(error.Code()) + ": " + error.what() +
+            (cause.empty() ? "" : "\n" + cause),
+        advice);
     return ExitCodeOf(error.Result());
   }
 
+  std::string ServerName() const { return "'" + m_line.server + "' of kind " + m_kind; }
+
   void TryCallback(const std::string& address, bool biDirectional) {
     const std::string way =
-        biDirectional
-            ? "callback over the client's own connection"
-            : "callback to " + (address.empty() ? std::string("the default address") : address);
+        biDirectional ? "over the client's connection (bidirectional IIOP)"
+                      : "to " + (address.empty() ? std::string("the default address") : address);
+    const std::string step = "callback " + way;
     if (IsLinkLocal(address)) {
-      Report(way, Status::kNote, "not tried: a link-local address is good on one link alone");
+      Report(step, Status::kNote,
+             "not tried: a link-local address is valid on one network link only");
       return;
     }
     long milliseconds = 0;
     const bool reached =
         TroubleshootConnection::ORBInitAndTestCallback(biDirectional, address, milliseconds, false);
-    // Over the client's own connection it may have a cause although the server called back.
+    // The server may have called back, but over a connection of its own.
     const std::string cause = GL_GetFailureCause();
     if (!reached || (biDirectional && !cause.empty())) {
-      Report(way, Status::kNote, cause.empty() ? "the server did not call back" : cause);
+      Report(step, Status::kNote, cause.empty() ? "the server did not call back" : cause);
       return;
     }
-    if (!m_foundWay) {
-      m_foundWay = true;
+    if (m_way.empty()) {
+      m_way = way;
       m_address = address;
       m_biDirectional = biDirectional;
     }
-    Good(way, std::to_string(milliseconds) + " ms there and back");
+    Good(step, "round trip " + std::to_string(milliseconds) + " ms");
   }
 
   int ExamineCallbacks() {
-    // A trial goes by settings that it stores for a moment.
+    // A trial stores its settings in the domain and removes them again.
     const std::string scope = "Test" + std::to_string(getpid());
     for (const std::optional<std::string>& value : {std::optional<std::string>("0"), {}}) {
       const vq::StoreResult stored =
-          vq::StoreSetting(scope, "-BiDirPolicy", value, vq::SettingsLayer::kOwn);
+          vq::StoreSetting(scope, vq::orb::kBiDirPolicy, value, vq::SettingsLayer::kOwn);
       if (stored.error.empty()) continue;
-      Bad("callbacks", "not tried, for the settings cannot be stored: " + stored.error,
+      Bad("callbacks", "not tried: settings cannot be stored: " + stored.error,
           "Make " + stored.file + " writable, or set VQ_CONFIG_DOMAINS to a directory that is.");
       return kNoCallback;
     }
     std::vector<IPAddressInfo*> addresses;
     unsigned int preferred = 0;
     TroubleshootConnection::IdentifyIPAddresses(addresses, preferred);
-    if (addresses.empty()) TryCallback("", false);  // a host that has only the loopback address
+    if (addresses.empty()) TryCallback("", false);  // only the loopback address exists
     for (const IPAddressInfo* const address : addresses) {
       TryCallback(address->ipAddress, false);
       delete address;
     }
     TryCallback("", true);
-    if (m_foundWay) return kSuccess;
-    Bad("callbacks", "the server reaches this client in no way",
+    if (FoundWay()) return kSuccess;
+    if (m_line.IsTimeOver()) {
+      Bad("callbacks", "the time of --max-time is over", "Allow more time.");
+      return kRefused;
+    }
+    Bad("callbacks", "the server cannot call this client back",
         "Open a port of this host for the server (--listen iiop://:PORT), or let the server accept "
-        "bidirectional connections.");
+        "bidirectional IIOP.");
     return kNoCallback;
   }
 
@@ -419,16 +405,16 @@ class Doctor {
   const std::string m_kind;
   std::optional<NamingConnection> m_naming;
   CORBA::Object_var m_server;
-  std::optional<vq::Session> m_session;  // on the ORB of m_naming, and ends before it
-  std::vector<std::pair<std::string, std::string>> m_needed;  // settings to store, by name
+  std::optional<vq::Session> m_session;         // on the ORB of m_naming, and ends before it
+  std::map<std::string, std::string> m_needed;  // settings to store, by name
   std::string m_namingReference;
   bool m_tls = false;
-  bool m_foundWay = false;
+  std::string m_way;  // for display; empty until the server has called back
   std::string m_address;
   bool m_biDirectional = false;
 };
 
-// Asks on standard input; everything but a plain yes is a no.
+// Asks on stdin; only y or yes is a yes.
 bool Agrees(const std::string& question) {
   std::cerr << question << " [y/N] " << std::flush;
   std::string answer;
@@ -440,16 +426,17 @@ int Run(CommandLine& line, bool fix) {
   const int code = doctor.Examine();
   if (!fix) return code;
   if (!doctor.FoundWay()) {
-    Tell("No way was found by which the server calls back; nothing is written.");
+    PrintError("Nothing is written: the server cannot call this client back.");
     return code;
   }
-  if (!Agrees("Write to the configuration domain that the server " + doctor.Way() + "?")) {
-    Tell("Nothing is written.");
+  if (!Agrees("Write to the configuration domain that the server calls back " + doctor.Way() +
+              "?")) {
+    PrintError("Nothing is written.");
     return code;
   }
   const std::string error = doctor.Store();
   if (!error.empty()) throw Failure(kRefused, "The settings cannot be written: " + error);
-  Say("Written; clients use it from their next start on.");
+  PrintLine("Written. Clients use it when they start the next time.");
   return code;
 }
 
@@ -457,10 +444,9 @@ int Run(CommandLine& line, bool fix) {
 
 void AddDoctorCommand(CLI::App& program, CommandLine& line) {
   auto fix = std::make_shared<bool>(false);
-  line.AddCommand(program, "doctor", "Find out why a connection or a callback fails", true,
+  line.AddCommand(program, "doctor", "Find out why a connection or a callback fails", false,
                   [fix](CommandLine& given) { return Run(given, *fix); })
-      ->add_flag("--fix", *fix,
-                 "Write the way that worked to the configuration domain, after asking");
+      ->add_flag("--fix", *fix, "Store the settings with which a callback worked, after asking");
 }
 
 }  // namespace vqclient

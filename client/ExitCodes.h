@@ -1,5 +1,5 @@
-// What vqclient tells its caller by its exit code: 0 for success, 2 for a usage error, and one code
-// a cause otherwise. The codes of vq::LoginResult are kept.
+// The exit codes of vqclient: 0 for success, 2 for a usage error, otherwise one code per cause. The
+// codes of vq::LoginResult are exit codes, too.
 #ifndef VQ_CLIENT_EXITCODES_H
 #define VQ_CLIENT_EXITCODES_H
 
@@ -13,14 +13,14 @@ namespace vqclient {
 
 enum ExitCode : int {
   kSuccess = 0,
-  kRefused = 1,  // refused, or failed on the way
+  kRefused = 1,  // refused or failed
   kUsage = 2,
   kServerCode = 3,     // a code of the server's own; it is printed
   kNoCredentials = 4,  // no user name or password
-  kNoAnswer = 5,       // a value that the server does not give
+  kNoAnswer = 5,       // the server has no such value
   kSessionLost = 6,    // the server does not know the session, or does not answer
-  kDenied = 7,         // the answer to a question of authorization is no
-  kNoCallback = 8,     // the server reaches this client in no way
+  kDenied = 7,         // the user is not authorized for what was asked
+  kNoCallback = 8,     // the server cannot call this client back
 };
 
 constexpr int ExitCodeOf(vq::LoginResult result) {
@@ -41,7 +41,7 @@ constexpr int ExitCodeOf(vq::LoginResult result) {
   return kServerCode;
 }
 
-// Ends a command with this exit code. what() is for the user; empty when the user knows.
+// Ends a command with this exit code. what() is printed; empty when the error is printed already.
 struct Failure : std::runtime_error {
   Failure(int code, const std::string& text) : std::runtime_error(text), exitCode(code) {}
   int exitCode;

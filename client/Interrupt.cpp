@@ -1,4 +1,4 @@
-#include "Interrupt.h"
+#include <client/Interrupt.h>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -12,7 +12,7 @@
 namespace vqclient {
 namespace {
 
-std::array<int, 2> noted{-1, -1};  // a pipe: what is in it says that a signal arrived
+std::array<int, 2> noted{-1, -1};  // a pipe; the signal handler writes into it
 
 extern "C" void NoteSignal(int) {
   const int error = errno;
@@ -36,8 +36,7 @@ Interrupt::Interrupt() {
   }
 }
 
-bool Interrupt::Wait(std::chrono::milliseconds time) {
-  const auto end = std::chrono::steady_clock::now() + time;
+bool Interrupt::WaitUntil(std::chrono::steady_clock::time_point end) {
   pollfd waiting{noted[0], POLLIN, 0};
   for (;;) {
     const auto left =

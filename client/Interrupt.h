@@ -1,4 +1,4 @@
-// Waiting that Ctrl-C ends in order.
+// A wait that SIGINT and SIGTERM end.
 #ifndef VQ_CLIENT_INTERRUPT_H
 #define VQ_CLIENT_INTERRUPT_H
 
@@ -6,14 +6,15 @@
 
 namespace vqclient {
 
-// From construction on, the first SIGINT or SIGTERM is only noted, whatever the program is doing;
-// the next one ends it at once. One object a process, in one thread.
+// Once constructed, the first SIGINT or SIGTERM only ends WaitUntil; the second ends the process.
+// One object per process, used by one thread.
 class Interrupt {
  public:
   Interrupt();
 
-  // Waits for the time, or until one of the two signals arrives. True when one has arrived.
-  bool Wait(std::chrono::milliseconds time);
+  // Waits until `end`, within the next 24 days, or until one of the signals arrives. Returns
+  // whether one has arrived.
+  bool WaitUntil(std::chrono::steady_clock::time_point end);
 };
 
 }  // namespace vqclient

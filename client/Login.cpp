@@ -1,8 +1,8 @@
-#include "Login.h"
+#include <client/Login.h>
 
 #include <utility>
 
-#include "ExitCodes.h"
+#include <client/ExitCodes.h>
 
 namespace vqclient {
 
@@ -28,9 +28,9 @@ std::optional<vq::Session> LogIn(CommandLine& line, vq::SessionOptions options,
   line.StartClock();
   std::optional<vq::Session> session = vq::Session::Open(std::move(options), error);
   if (!session) {
-    Tell(error);
+    PrintError(WithCause(error.what(), error.Cause()));
   } else if (!Form().quiet && !session->Message().empty()) {
-    Tell(session->Message());
+    PrintError(session->Message());
   }
   return session;
 }
@@ -40,10 +40,6 @@ vq::Session LogIn(CommandLine& line, vq::SessionOptions options) {
   std::optional<vq::Session> session = LogIn(line, std::move(options), error);
   if (!session) throw Failure(ExitCodeOf(error.Result()), "");
   return *std::move(session);
-}
-
-void Tell(const vq::LoginError& error) {
-  Tell(error.what() + (error.Cause().empty() ? "" : "\nCause: " + error.Cause()));
 }
 
 }  // namespace vqclient

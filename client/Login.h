@@ -1,25 +1,23 @@
-// Logging in: credentials, session, and messages for the user.
+// Login: credentials, session, and messages for the user.
 #ifndef VQ_CLIENT_LOGIN_H
 #define VQ_CLIENT_LOGIN_H
 
 #include <optional>
 
-#include "CommandLine.h"
+#include <client/CommandLine.h>
 
 namespace vqclient {
 
-// A session as the command line asks for it. The password is read from its file or asked for.
-// Raises Failure when there is none.
+// The options of the session that the command line asks for. Reads the password from its file or
+// asks for it; raises Failure without one.
 vq::SessionOptions OptionsOf(const CommandLine& line, bool postLogin = false);
 
-// Logs in, and prints the server's message; on failure its text and cause, and there is no session.
+// Logs in and prints the server's message. On failure prints text and cause, and returns nothing.
 std::optional<vq::Session> LogIn(CommandLine& line, vq::SessionOptions options,
                                  vq::LoginError& error);
 
-// The same for commands that end without a session: raises Failure.
+// The same for commands that need a session: raises Failure without one.
 vq::Session LogIn(CommandLine& line, vq::SessionOptions options);
-
-void Tell(const vq::LoginError& error);  // its text and its cause
 
 }  // namespace vqclient
 

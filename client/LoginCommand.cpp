@@ -1,11 +1,11 @@
-// vqclient login: proves that a user can log in, and ends the session again.
+// vqclient login: logs in and out, to test whether a user can log in.
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Login.h"
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Login.h>
 
 namespace vqclient {
 namespace {
@@ -17,9 +17,11 @@ int Login(CommandLine& line) {
   if (Form().json) {
     PrintJson({{"result", vq::CodeOf(result)},
                {"connected", session.has_value()},
-               {"message", session ? session->Message() : error.what()}});
+               {"message", session ? session->Message() : error.what()},
+               {"cause", error.Cause()}});
   } else if (session) {
-    Say("Logged in as " + ConnectionSettings::Get()->getUserName() + " to " + line.server + ".");
+    PrintLine("Logged in as " + ConnectionSettings::Get()->getUserName() + " to " + line.server +
+              ".");
   }
   return ExitCodeOf(result);
 }

@@ -1,15 +1,16 @@
-#include "NamingConnection.h"
+#include <client/NamingConnection.h>
 
+#include <client/ExitCodes.h>
 #include <support/orb/ORBCommon.h>
-
-#include "ExitCodes.h"
+#include <support/orb/OrbSettings.h>
 
 namespace vqclient {
 
 NamingConnection::NamingConnection(CommandLine& line, int limit, int exitCode) {
   for (const vq::Setting& setting : line.Report()) {
-    const bool isLimit = setting.name == "-ORBConnectTimeout" || setting.name == "-ORBCallTimeout";
-    if (!isLimit || setting.origin != "built in") continue;
+    const bool isLimit =
+        setting.name == vq::orb::kConnectTimeout || setting.name == vq::orb::kCallTimeout;
+    if (limit == 0 || !isLimit || setting.origin != "built in") continue;
     line.orb.push_back(setting.name);
     line.orb.push_back(std::to_string(limit));
   }
@@ -17,7 +18,8 @@ NamingConnection::NamingConnection(CommandLine& line, int limit, int exitCode) {
   std::vector<char*> arguments = line.OrbArguments();
   line.StartClock();
   if (!GL_InitializeCORBA(static_cast<int>(arguments.size()), arguments.data())) {
-    throw Failure(exitCode, "The naming service is not reached.\nCause: " + GL_GetFailureCause());
+    throw Failure(exitCode,
+                  WithCause("The naming service cannot be reached.", GL_GetFailureCause()));
   }
 }
 
@@ -25,7 +27,43 @@ NamingConnection::~NamingConnection() {
   ORBCommon<1>::Get()->DestroyOrb(true);
 }
 
-std::string InWords(const CORBA::Exception& exception) {
+std::vector<CosNaming::Name> NamingConnection::Servers() const {
+  std::vector<CosNaming::Name> names;
+  for (const CosNaming::Binding& binding : ListContext(ORBCommon<1>::Get()->GetNamingRoot())) {
+    const bool isServer =
+        binding.binding_type == CosNaming::ncontext && binding.binding_name.length() == 1;
+    if (isServer) names.push_back(binding.binding_name);
+  }
+  return names;
+}
+
+std::string NamingConnection::OnlyServer(SERVER_ID kind) const {
+  std::string found;
+  for (const CosNaming::Name& name : Servers()) {
+    if (name[0].kind.in() != GL_ResolveServerID(kind)) continue;
+    if (!found.empty()) return "";
+    found = name[0].id;
+  }
+  return found;
+}
+
+std::vector<CosNaming::Binding> ListContext(CosNaming::NamingContext_ptr context) {
+  constexpr CORBA::ULong kAtOnce = 500;
+  constexpr std::size_t kMost = 100'000;
+  CosNaming::BindingList_var list;
+  CosNaming::BindingIterator_var more;
+  context->list(kAtOnce, list.out(), more.out());
+  std::vector<CosNaming::Binding> all;
+  for (bool isMore = true; isMore;) {
+    if (all.size() > kMost) throw Failure(kRefused, "The naming service does not end its list.");
+    for (CORBA::ULong i = 0; i < list->length(); ++i) all.push_back(list[i]);
+    isMore = !CORBA::is_nil(more.in()) && more->next_n(kAtOnce, list.out()) && list->length() > 0;
+  }
+  if (!CORBA::is_nil(more.in())) more->destroy();
+  return all;
+}
+
+std::string Describe(const CORBA::Exception& exception) {
   const std::string_view name = exception._name();
   if (name == "TIMEOUT") return "no answer in time";
   if (name == "TRANSIENT" || name == "COMM_FAILURE") return "no connection";
@@ -34,7 +72,7 @@ std::string InWords(const CORBA::Exception& exception) {
 
 std::string CauseOf(const CORBA::Exception& exception) {
   const std::string cause = GL_GetFailureCause();
-  return cause.empty() ? InWords(exception) : cause;
+  return cause.empty() ? Describe(exception) : cause;
 }
 
 }  // namespace vqclient

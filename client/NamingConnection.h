@@ -3,24 +3,34 @@
 #define VQ_CLIENT_NAMINGCONNECTION_H
 
 #include <string>
+#include <vector>
 
-#include "CommandLine.h"
+#include <client/CommandLine.h>
 
 namespace vqclient {
 
-// The session's ORB, which reaches the naming service when it starts. Ends it when it goes.
+// The ORB of a session. Its start calls the naming service. The destructor ends it.
 class NamingConnection {
  public:
-  // Calls that no setting limits are limited to `limit` milliseconds. Raises Failure with the exit
-  // code and the cause.
+  // Calls that no setting limits are limited to `limit` milliseconds, if it is not 0. Raises
+  // Failure with the exit code and the cause.
   NamingConnection(CommandLine& line, int limit, int exitCode);
   ~NamingConnection();
   NamingConnection(const NamingConnection&) = delete;
   NamingConnection& operator=(const NamingConnection&) = delete;
+
+  // The names of all servers. Raises CORBA::Exception, and Failure for an endless list.
+  std::vector<CosNaming::Name> Servers() const;
+
+  // The name of the only server of that kind; empty if there is none, or more than one.
+  std::string OnlyServer(SERVER_ID kind) const;
 };
 
-// Why a call failed, for a person; CauseOf after a call that leaves its cause (GL_GetFailureCause).
-std::string InWords(const CORBA::Exception& exception);
+// Everything in a naming context. Raises as NamingConnection::Servers.
+std::vector<CosNaming::Binding> ListContext(CosNaming::NamingContext_ptr context);
+
+// The cause of a failed call in a few words. CauseOf: the one that the call left, if it did.
+std::string Describe(const CORBA::Exception& exception);
 std::string CauseOf(const CORBA::Exception& exception);
 
 }  // namespace vqclient

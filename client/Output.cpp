@@ -1,17 +1,17 @@
-#include "Output.h"
+#include <client/Output.h>
 
 #include <iomanip>
 #include <iostream>
 
 #include <nlohmann/json.hpp>
 
-#include "ExitCodes.h"
+#include <client/ExitCodes.h>
 
 namespace vqclient {
 namespace {
 
 bool printed = false;
-std::string told;  // all errors so far
+std::string errors;  // all so far
 
 }  // namespace
 
@@ -20,14 +20,12 @@ OutputForm& Form() {
   return form;
 }
 
-void Tell(const std::string& message) {
-  const std::size_t end = message.find_last_not_of("\t\n ");
-  const std::string text = message.substr(0, end == std::string::npos ? 0 : end + 1);
-  std::cerr << "vqclient: " << text << '\n';
-  told += (told.empty() ? "" : "\n") + text;
+void PrintError(const std::string& message) {
+  std::cerr << "vqclient: " << message << '\n';
+  errors += (errors.empty() ? "" : "\n") + message;
 }
 
-void Say(const std::string& line) {
+void PrintLine(const std::string& line) {
   if (!Form().quiet && !Form().json) std::cout << line << '\n';
 }
 
@@ -54,10 +52,10 @@ void PrintRows(const nlohmann::json& rows,
 
 int FinishOutput(int exitCode) {
   if (Form().json && exitCode != kSuccess && !printed) {
-    PrintJson({{"error", told}, {"exitCode", exitCode}});
+    PrintJson({{"error", errors}, {"exitCode", exitCode}});
   }
   if (std::cout.flush()) return exitCode;
-  Tell("standard output cannot be written");
+  PrintError("stdout cannot be written");
   return exitCode == kSuccess ? kRefused : exitCode;
 }
 

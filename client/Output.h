@@ -1,7 +1,7 @@
 // What vqclient prints: data on stdout, messages on stderr.
 //
-// With --json the data are JSON, also those of a failure; with --quiet there are no messages but
-// errors, and no data but those that were asked for.
+// With --json the data is JSON, also that of a failure. With --quiet the only messages are errors,
+// and the only data is what was asked for.
 #ifndef VQ_CLIENT_OUTPUT_H
 #define VQ_CLIENT_OUTPUT_H
 
@@ -18,23 +18,24 @@ struct OutputForm {
   bool quiet = false;
 };
 
-// The form in force; the options of the program set it.
+// The form of this process; the options --json and --quiet set it.
 OutputForm& Form();
 
-// An error, to stderr, without the tab that may end it.
-void Tell(const std::string& message);
+// Prints an error to stderr.
+void PrintError(const std::string& message);
 
-// A line on stdout; nothing with --quiet or --json.
-void Say(const std::string& line);
+// Prints a line on stdout; nothing with --quiet or --json.
+void PrintLine(const std::string& line);
 
-// Data as JSON on stdout; `indent` -1 for one line. Bytes that are not UTF-8 are replaced.
+// Prints data as JSON on stdout; `indent` -1: on one line. Bytes that are not UTF-8 are replaced.
 void PrintJson(const nlohmann::json& data, int indent = 2);
 
-// A list of objects as JSON, or as text with a line each: for each name its value, that wide.
+// Prints a list of objects: as JSON, or as text with a line each. `columns`: the names of the
+// values in a line, and the width of each.
 void PrintRows(const nlohmann::json& rows, const std::vector<std::pair<const char*, int>>& columns);
 
 // Ends the output. With --json, a failure without data prints {"error": the errors, "exitCode":
-// ...}. Returns the exit code: the given one, or that of a failure when stdout cannot be written.
+// ...}. Returns `exitCode`, or the code of a failure when stdout cannot be written.
 int FinishOutput(int exitCode);
 
 }  // namespace vqclient

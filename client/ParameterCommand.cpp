@@ -6,9 +6,9 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Login.h"
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Login.h>
 
 namespace vqclient {
 namespace {
@@ -18,7 +18,7 @@ struct Parameter {
   const char* name;
 };
 
-// Those that clients of the suite ask for; the server cannot be asked which it has.
+// The parameters that clients of the suite read. No operation lists those of a server.
 constexpr std::array kKnown{Parameter{"general", "ApplicationFieldIsMandatory"},
                             Parameter{"general", "I18N"},
                             Parameter{"general", "Language"},
@@ -36,11 +36,22 @@ constexpr std::array kKnown{Parameter{"general", "ApplicationFieldIsMandatory"},
                             Parameter{"gui", "RegisterTimeout"},
                             Parameter{"gui", "UserChangePassword"}};
 
+// Empty when the server does not return it. Raises Failure when the server cannot be asked.
+std::optional<std::string> Read(const vq::Session& session, const std::string& section,
+                                const std::string& name) {
+  std::optional<std::string> value = session.Parameter(name, section);
+  if (const std::string cause = GL_GetFailureCause(); !value && !cause.empty()) {
+    throw Failure(kSessionLost, WithCause("The server cannot be asked.", cause));
+  }
+  return value;
+}
+
 int Get(CommandLine& line, const std::string& section, const std::string& name) {
   const vq::Session session = LogIn(line, OptionsOf(line));
-  const std::optional<std::string> value = session.Parameter(name, section);
-  if (!value)
-    throw Failure(kNoAnswer, "The server gives no value for " + section + "/" + name + ".");
+  const std::optional<std::string> value = Read(session, section, name);
+  if (!value) {
+    throw Failure(kNoAnswer, "The server returns no value for " + section + "/" + name + ".");
+  }
   if (Form().json) {
     PrintJson({{"section", section}, {"name", name}, {"value", *value}}, -1);
   } else {
@@ -53,7 +64,7 @@ int List(CommandLine& line) {
   const vq::Session session = LogIn(line, OptionsOf(line));
   nlohmann::json rows = nlohmann::json::array();
   for (const Parameter& parameter : kKnown) {
-    const std::optional<std::string> value = session.Parameter(parameter.name, parameter.section);
+    const std::optional<std::string> value = Read(session, parameter.section, parameter.name);
     rows.push_back({{"section", parameter.section},
                     {"name", parameter.name},
                     {"value", value ? nlohmann::json(*value) : nlohmann::json()}});
@@ -76,7 +87,7 @@ void AddParameterCommand(CLI::App& program, CommandLine& line) {
   get->add_option("name", *name, "Name, such as Language")->required();
   line.AddCommand(
       *parameters, "list",
-      "Print the parameters that clients ask for; - for one that the server does not have", true,
+      "Print the parameters that clients read; - for one that the server does not return", true,
       List);
 }
 

@@ -4,31 +4,31 @@
 
 #include <CLI/CLI.hpp>
 
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Login.h"
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Login.h>
 
 namespace vqclient {
 namespace {
 
-// Asks without echo; empty when nobody answers.
+// Asks without echo; empty without an answer.
 vq::SecretString Ask(const std::string& question) {
-  Tell(question);
+  PrintError(question);
   std::string user = ConnectionSettings::Get()->getUserName();
   vq::SecretString password;
   vq::AskForPassword()(user, password);
   return password;
 }
 
-// Empty when there is none, after telling the user why.
+// Empty when there is none; the reason is printed.
 vq::SecretString AskForNewPassword() {
   vq::SecretString password = Ask("The new password:");
   const vq::SecretString repeated =
       password.Text().empty() ? vq::SecretString() : Ask("The new password again:");
   if (repeated.Text().empty()) {
-    Tell("No new password was given.");
+    PrintError("There is no new password.");
   } else if (password.Text() != repeated.Text()) {
-    Tell("The two new passwords differ; nothing is changed.");
+    PrintError("The two new passwords differ; nothing is changed.");
   } else {
     return password;
   }
@@ -40,7 +40,7 @@ int Change(CommandLine& line) {
   bool expired = false;
   vq::SessionOptions options = OptionsOf(line);
   options.newPassword = [&](const std::string& message) {
-    Tell(message);
+    PrintError(message);
     expired = true;
     return password = AskForNewPassword();
   };
@@ -52,14 +52,14 @@ int Change(CommandLine& line) {
   if (password.Text().empty()) return kNoCredentials;
   if (!expired) {
     result = session->ChangePassword(password);
-    if (result == vq::LoginResult::kPasswordRefusedByPolicy) Tell(session->Message());
+    if (result == vq::LoginResult::kPasswordRefusedByPolicy) PrintError(session->Message());
   }
   if (vq::IsLoggedIn(result)) {
-    Say("The password is changed.");
+    PrintLine("The password is changed.");
   } else if (result != vq::LoginResult::kPasswordRefusedByPolicy) {
     // It may have changed it all the same, when its reply was lost.
-    Tell("The server did not confirm the change (code " + std::to_string(vq::CodeOf(result)) +
-         ").");
+    PrintError("The server did not confirm the change (code " + std::to_string(vq::CodeOf(result)) +
+               ").");
   }
   return ExitCodeOf(result);
 }

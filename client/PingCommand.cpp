@@ -1,4 +1,4 @@
-// vqclient ping: whether naming service and server answer, and how fast. No password is asked for.
+// vqclient ping: whether naming service and server answer, and how fast, without a login.
 
 #include <algorithm>
 #include <chrono>
@@ -9,12 +9,11 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Interrupt.h>
+#include <client/NamingConnection.h>
 #include <support/orb/ORBCommon.h>
-
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Interrupt.h"
-#include "NamingConnection.h"
 
 namespace vqclient {
 namespace {
@@ -26,7 +25,7 @@ struct Rounds {
   double interval = 1.0;  // seconds
 };
 
-// The round trips to one of the two.
+// The round trips to the naming service or the server.
 class Target {
  public:
   explicit Target(std::string name) : m_name(std::move(name)) {}
@@ -43,16 +42,16 @@ class Target {
           std::chrono::steady_clock::now() - start;
       m_times.push_back(taken.count());
     } catch (const CosNaming::NamingContext::NotFound&) {
-      m_error = "the naming service does not know it";
+      m_error = "the naming service does not know this server";
     } catch (const CORBA::Exception& e) {
-      m_error = CORBA::is_nil(object.in()) ? CauseOf(e) : InWords(e);
+      m_error = CORBA::is_nil(object.in()) ? CauseOf(e) : Describe(e);
     }
   }
 
   bool Answers() const { return !m_times.empty(); }
 
-  // Prints it as text, or returns it for --json.
-  nlohmann::json Describe() {
+  // Prints the result as text, and returns it for --json.
+  nlohmann::json Result() {
     nlohmann::json data{{"asked", m_asked}, {"answers", m_times.size()}};
     std::string line = std::to_string(m_times.size()) + " of " + std::to_string(m_asked);
     line += " answers";
@@ -64,10 +63,10 @@ class Target {
                     Median(), m_times.back());
       line += times;
     }
-    Say(m_name + ": " + line);
+    PrintLine(m_name + ": " + line);
     if (!m_error.empty()) {
       data["error"] = m_error;
-      Tell(m_name + ": " + m_error);
+      PrintError(m_name + ": " + m_error);
     }
     return data;
   }
@@ -87,19 +86,25 @@ class Target {
 int Ping(CommandLine& line, const Rounds& rounds) {
   const NamingConnection connection(line, kCallLimit, kRefused);
   const std::string kind = GL_ResolveServerID(line.kind);
+  try {
+    if (line.server.empty()) line.server = connection.OnlyServer(line.kind);
+  } catch (const CORBA::Exception&) {  // the round trips show it
+  }
   Target naming("naming service");
   Target server("server " + line.server + " (" + kind + ")");
   Interrupt interrupt;
+  using Clock = std::chrono::steady_clock;
   const std::chrono::milliseconds pause(static_cast<long>(rounds.interval * 1000));
   for (int round = 0; rounds.count == 0 || round < rounds.count; ++round) {
-    if (round > 0 && interrupt.Wait(pause)) break;
+    if (round > 0 && interrupt.WaitUntil(std::min(Clock::now() + pause, line.End()))) break;
+    if (round > 0 && line.IsTimeOver()) break;
     naming.Ask([] { return CORBA::Object::_duplicate(ORBCommon<1>::Get()->GetNamingRoot()); });
     if (line.server.empty()) continue;
-    // Connected before the time is taken.
+    // Bind connects, before the time is measured.
     server.Ask([&] { return ORBCommon<1>::Get()->Bind(line.server, kind, "UsersManager", true); });
   }
-  nlohmann::json data{{"naming", naming.Describe()}};
-  if (!line.server.empty()) data["server"] = server.Describe();
+  nlohmann::json data{{"naming", naming.Result()}};
+  if (!line.server.empty()) data["server"] = server.Result();
   if (Form().json) PrintJson(data);
   return naming.Answers() && (line.server.empty() || server.Answers()) ? kSuccess : kRefused;
 }
@@ -110,13 +115,13 @@ void AddPingCommand(CLI::App& program, CommandLine& line) {
   auto rounds = std::make_shared<Rounds>();
   CLI::App* const command = line.AddCommand(
       program, "ping",
-      "Ask naming service and server whether they answer, without a login; 1 when one does not",
+      "Test whether naming service and server answer, without a login; exit code 1 if one does not",
       false, [rounds](CommandLine& given) { return Ping(given, *rounds); });
-  command->add_option("-c,--count", rounds->count, "How often to ask; 0 for until Ctrl-C")
+  command->add_option("-c,--count", rounds->count, "Number of round trips; 0: until Ctrl-C")
       ->check(CLI::Range(0, INT_MAX).description(""))
       ->capture_default_str()
       ->type_name("NUMBER");
-  command->add_option("-i,--interval", rounds->interval, "Time between two questions")
+  command->add_option("-i,--interval", rounds->interval, "Time between two round trips")
       ->check(CLI::Range(0.0, 86400.0).description(""))
       ->capture_default_str()
       ->type_name("SECONDS");

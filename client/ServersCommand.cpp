@@ -1,45 +1,26 @@
-// vqclient servers: what the naming service knows, and what of it is alive.
+// vqclient servers: the servers in the naming service, and whether each is alive.
 
 #include <algorithm>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/NamingConnection.h>
 #include <support/orb/ORBCommon.h>
 #include <support/orb/ReferenceAddress.h>
-
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "NamingConnection.h"
 
 namespace vqclient {
 namespace {
 
 constexpr int kCallLimit = 3000;  // milliseconds
 
-using Bindings = std::vector<CosNaming::Binding>;
-
-// Everything that a context holds. Raises Failure for more than any naming service has.
-Bindings List(CosNaming::NamingContext_ptr context) {
-  constexpr CORBA::ULong kAtOnce = 500;
-  constexpr std::size_t kMost = 100'000;
-  CosNaming::BindingList_var list;
-  CosNaming::BindingIterator_var more;
-  context->list(kAtOnce, list.out(), more.out());
-  Bindings all;
-  for (bool isMore = true; isMore;) {
-    if (all.size() > kMost) throw Failure(kRefused, "The naming service does not end its list.");
-    for (CORBA::ULong i = 0; i < list->length(); ++i) all.push_back(list[i]);
-    isMore = !CORBA::is_nil(more.in()) && more->next_n(kAtOnce, list.out()) && list->length() > 0;
-  }
-  if (!CORBA::is_nil(more.in())) more->destroy();
-  return all;
-}
-
-// Adds a row for each address of a server. A server is a context with services in it; its first
-// service stands for it. The root is asked for the service, too: with TLS on, no other object of
-// the naming service may be.
-void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNaming::Name name) {
+// Adds a row for each address of a server. A server is a naming context with services in it; the
+// first service has the addresses. It is looked up in the root, since with TLS enabled no other
+// object of the naming service may be called.
+void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNaming::Name name,
+               const CommandLine& line) {
   nlohmann::json row{{"name", name[0].id.in()},
                      {"kind", name[0].kind.in()},
                      {"host", ""},
@@ -47,13 +28,13 @@ void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNamin
                      {"tls", false},
                      {"alive", false}};
   const CORBA::Object_var object = root->resolve(name);
-  // Makes no call: the naming service has said what it is.
+  // Makes no call: the naming service has returned it as a context.
   const CosNaming::NamingContext_var context =
       CosNaming::NamingContext::_unchecked_narrow(object.in());
-  Bindings services;
+  std::vector<CosNaming::Binding> services;
   try {
-    if (!CORBA::is_nil(context.in())) services = List(context.in());
-  } catch (const CORBA::SystemException&) {  // a context elsewhere, which does not answer
+    if (!CORBA::is_nil(context.in())) services = ListContext(context.in());
+  } catch (const CORBA::SystemException&) {  // a context at another host that does not answer
     rows.push_back(row);
     return;
   }
@@ -67,7 +48,8 @@ void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNamin
   const CORBA::Object_var found = root->resolve(name);
   try {
     row["alive"] = !CORBA::is_nil(found.in()) && !found->_non_existent();
-  } catch (const CORBA::Exception&) {  // It is not.
+  } catch (const CORBA::Exception&) {  // it is not alive
+    if (line.IsTimeOver()) throw;
   }
   const auto endpoints = vq::orb::EndpointsOf(found.in());
   if (endpoints.empty()) rows.push_back(row);
@@ -82,17 +64,15 @@ int Show(CommandLine& line) {
   const NamingConnection connection(line, kCallLimit, kOrbNotUp);
   nlohmann::json rows = nlohmann::json::array();
   try {
-    CosNaming::NamingContext_ptr root = ORBCommon<1>::Get()->GetNamingRoot();
-    for (const CosNaming::Binding& binding : List(root)) {
-      if (binding.binding_type != CosNaming::ncontext || binding.binding_name.length() != 1)
-        continue;
+    for (const CosNaming::Name& name : connection.Servers()) {
       try {
-        AddServer(rows, root, binding.binding_name);
-      } catch (const CosNaming::NamingContext::NotFound&) {  // It has gone meanwhile.
+        AddServer(rows, ORBCommon<1>::Get()->GetNamingRoot(), name, line);
+      } catch (const CosNaming::NamingContext::NotFound&) {  // removed in the meantime
       }
     }
   } catch (const CORBA::Exception& e) {
-    throw Failure(kOrbNotUp, "The naming service fails: " + CauseOf(e));
+    if (line.IsTimeOver()) throw Failure(kRefused, "The time of --max-time is over.");
+    throw Failure(kOrbNotUp, WithCause("The naming service fails.", CauseOf(e)));
   }
   if (!Form().json && !Form().quiet) {
     const nlohmann::json header{{"name", "NAME"}, {"kind", "KIND"}, {"host", "HOST"},
@@ -108,8 +88,7 @@ int Show(CommandLine& line) {
 
 void AddServersCommand(CLI::App& program, CommandLine& line) {
   line.AddCommand(program, "servers",
-                  "List the servers that the naming service knows, and whether each is alive",
-                  false, Show);
+                  "List the servers in the naming service, and whether each is alive", false, Show);
 }
 
 }  // namespace vqclient

@@ -1,4 +1,4 @@
-// vqclient session: a whole session, from login to logout, kept alive as long as asked for.
+// vqclient session: a whole session, from login to logout, with keep-alives.
 
 #include <algorithm>
 #include <chrono>
@@ -9,10 +9,11 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Interrupt.h"
-#include "Login.h"
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Interrupt.h>
+#include <client/Login.h>
+#include <client/NamingConnection.h>
 
 namespace vqclient {
 namespace {
@@ -37,52 +38,70 @@ void Report(const char* event, int result) {
   if (Form().json) {
     PrintJson({{"time", Now()}, {"event", event}, {"result", result}}, -1);
   } else {
-    Say(Now() + " " + event + ": " + std::to_string(result));
+    PrintLine(Now() + " " + event + ": " + std::to_string(result));
   }
   std::cout.flush();
 }
 
-// Returns true as long as the session is there.
-bool KeepUp(vq::Session& session, const Upkeep& upkeep) {
+// Sends a keep-alive, and renews a lost session if asked to. Returns whether the session is alive.
+bool KeepAlive(vq::Session& session, const Upkeep& upkeep) {
   const vq::LoginResult result = session.KeepAlive();
-  const bool silent = result == vq::LoginResult::kNoServer;
-  if (silent) Tell(session.Message());
-  Report("keep-alive", silent ? 0 : vq::CodeOf(result));
+  if (result == vq::LoginResult::kNoServer) {
+    PrintError(WithCause("The server does not answer.", GL_GetFailureCause()));
+  } else if (result != vq::LoginResult::kSuccess) {
+    PrintError("The server does not know the session any more.");
+  }
+  Report("keep-alive", vq::CodeOf(result));
   if (result == vq::LoginResult::kSuccess) return true;
   if (!upkeep.again) return false;
   const vq::LoginResult again = session.Renew();
-  if (!vq::IsLoggedIn(again)) Tell(session.Message());
+  if (!vq::IsLoggedIn(again)) PrintError(WithCause(session.Message(), GL_GetFailureCause()));
   Report("login again", vq::CodeOf(again));
   return vq::IsLoggedIn(again);
 }
 
+// Sends keep-alives until all are sent, a signal arrives, the time is over or the session is lost.
+// Returns whether the session is alive.
+bool KeepUp(const CommandLine& line, vq::Session& session, const Upkeep& upkeep,
+            Interrupt& interrupt) {
+  using Clock = std::chrono::steady_clock;
+  // A part of --max-time remains for the logout.
+  const auto end = line.End() - std::chrono::milliseconds(std::min(1000U, line.maxTime * 250));
+  std::optional<vq::CallDeadline> deadline;
+  if (line.maxTime > 0) deadline.emplace(end);
+  for (int sent = 0; upkeep.count == 0 || sent < upkeep.count; ++sent) {
+    const auto next = std::min(Clock::now() + std::chrono::seconds(upkeep.interval), end);
+    if (interrupt.WaitUntil(next) || next == end) return true;
+    if (!KeepAlive(session, upkeep)) return false;
+  }
+  return true;
+}
+
+// GL_LogOut does not say whether the server has answered. Returns whether it has.
+bool LogOut() {
+  std::string cause;
+  try {
+    LoginHandler::GetGlobal()->Logout();
+  } catch (const CORBA::Exception& e) {
+    cause = CauseOf(e);
+  }
+  const bool isDone = !LoginHandler::GetGlobal()->IsConnected();
+  if (!isDone) PrintError(WithCause("The server does not answer the logout.", cause));
+  Report("logout", isDone ? 1 : vq::CodeOf(vq::LoginResult::kNoServer));
+  ConnectionSettings::Get()->SetUserID("");  // so that the end of the session does not try again
+  return isDone;
+}
+
 int Run(CommandLine& line, const Upkeep& upkeep) {
   vq::SessionOptions options = OptionsOf(line, true);
-  using Clock = std::chrono::steady_clock;
-  const auto end = line.maxTime > 0 ? Clock::now() + std::chrono::seconds(line.maxTime)
-                                    : Clock::time_point::max();
   Interrupt interrupt;
   vq::LoginError error;
   std::optional<vq::Session> session = LogIn(line, std::move(options), error);
   Report("login", session ? vq::CodeOf(session->Result()) : error.Code());
   if (!session) return ExitCodeOf(error.Result());
-
-  // The time of all is that of the login first; later the session ends in order when it is over.
-  line.EndClock();
-  int kept = 0;
-  bool alive = true;
-  while (alive && upkeep.interval > 0 && (upkeep.count == 0 || kept < upkeep.count)) {
-    const auto pause =
-        std::min<Clock::duration>(std::chrono::seconds(upkeep.interval), end - Clock::now());
-    if (interrupt.Wait(std::chrono::ceil<std::chrono::milliseconds>(pause)) ||
-        Clock::now() >= end) {
-      break;
-    }
-    alive = KeepUp(*session, upkeep);
-    ++kept;
-  }
-  Report("logout", GL_LogOut(false));
-  return alive ? kSuccess : kSessionLost;
+  const bool alive = upkeep.interval == 0 || KeepUp(line, *session, upkeep, interrupt);
+  if (session->IsLost()) return kSessionLost;
+  return LogOut() && alive ? kSuccess : kSessionLost;
 }
 
 }  // namespace
@@ -90,15 +109,17 @@ int Run(CommandLine& line, const Upkeep& upkeep) {
 void AddSessionCommand(CLI::App& program, CommandLine& line) {
   auto upkeep = std::make_shared<Upkeep>();
   CLI::App* const command = line.AddCommand(
-      program, "session", "Log in, load what the user may do, keep the session alive and log out",
+      program, "session", "Log in, load the authorizations, keep the session alive and log out",
       true, [upkeep](CommandLine& given) { return Run(given, *upkeep); });
   command
       ->add_option("-i,--interval", upkeep->interval,
-                   "Time between keep-alives, until Ctrl-C (at most 86400); 0 logs out at once")
+                   "Time between keep-alives, at most 86400; 0: log out at once")
       ->check(CLI::Range(0, 86400).description(""))
       ->capture_default_str()
       ->type_name("SECONDS");
-  command->add_option("-c,--count", upkeep->count, "Log out after this many keep-alives")
+  command
+      ->add_option("-c,--count", upkeep->count,
+                   "Log out after this number of keep-alives; 0: on Ctrl-C")
       ->check(CLI::Range(0, INT_MAX).description(""))
       ->type_name("NUMBER");
   command->add_flag("--again", upkeep->again, "Log in again when the session is lost");

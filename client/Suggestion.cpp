@@ -1,4 +1,4 @@
-#include "Suggestion.h"
+#include <client/Suggestion.h>
 
 #include <algorithm>
 #include <numeric>
@@ -8,7 +8,7 @@
 namespace vqclient {
 namespace {
 
-// How many characters have to be added, dropped or replaced.
+// The number of characters to insert, remove or replace (Levenshtein).
 std::size_t Distance(std::string_view from, std::string_view to) {
   std::vector<std::size_t> row(to.size() + 1);
   std::iota(row.begin(), row.end(), 0);

@@ -9,11 +9,10 @@
 
 namespace vqclient {
 
-// The error of a parse in one sentence, with the nearest command or option when a word of the
-// command line is neither.
+// A parse error in one sentence. For an unknown command or option it suggests the nearest one.
 std::string Explain(const CLI::App& program, const CLI::ParseError& error);
 
-// "; did you mean 'NAME'?" with the nearest of the names; empty when none is near.
+// "; did you mean 'NAME'?" with the nearest of the names; empty when none is similar.
 std::string Nearest(const std::string& word, const std::vector<std::string>& names);
 
 }  // namespace vqclient

@@ -5,12 +5,11 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Login.h>
+#include <client/NamingConnection.h>
 #include <vq_idl/UsersManagerC.h>
-
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Login.h"
-#include "NamingConnection.h"
 
 namespace vqclient {
 namespace {
@@ -22,20 +21,20 @@ struct Verdict {
   std::string words;
 };
 
-// Asks the server itself: a refused login has the version in its text alone.
+// Asks the server itself: after a refused login its version is only part of a text.
 Verdict AskServer(const CommandLine& line, const std::string& clientVersion) {
   QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
   if (GetCRBServant<QCSCorbaUsersManager>("UsersManager", users, line.kind, true) != 1) {
-    return {"", "not judged: the server does not answer"};
+    return {"", "unknown: the server cannot be asked"};
   }
   try {
     CORBA::String_var version;
     const int result = users->CRB_VerifyClientServerVersion(clientVersion.c_str(), version.out());
     if (result == 56) return {version.in(), "the server refuses this client"};
-    if (result != 1) return {version.in(), "not judged by the server"};
+    if (result != 1) return {version.in(), "unknown: the server does not judge it"};
     return {version.in(), "the server accepts this client"};
   } catch (const CORBA::Exception&) {
-    return {"", "not judged: the server is too old to say its version"};
+    return {"", "unknown: the server does not return its version"};
   }
 }
 
@@ -43,14 +42,14 @@ int Show(CommandLine& line) {
   vq::LoginError error;
   const std::optional<vq::Session> session = LogIn(line, OptionsOf(line), error);
   const vq::LoginResult result = session ? session->Result() : error.Result();
-  std::optional<NamingConnection> naming;  // the ORB has ended with a failed login
+  std::optional<NamingConnection> naming;  // a failed login has ended the ORB
   if (!session && result != vq::LoginResult::kOrbNotUp)
     naming.emplace(line, kCallLimit, ExitCodeOf(result));
   std::string plain;
   std::string withPatches;
   const bool known = LoginHandler::GetGlobal()->GetClientVersion(plain, withPatches) == 1;
-  const Verdict verdict =
-      known ? AskServer(line, plain) : Verdict{"", "not judged: no client product is installed"};
+  Verdict verdict = AskServer(line, known ? plain : "0");
+  if (!known) verdict.words = "unknown: no client product is installed";
   if (Form().json) {
     PrintJson({{"client", known ? withPatches : ""},
                {"server", verdict.serverVersion},

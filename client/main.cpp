@@ -1,5 +1,4 @@
-// vqclient: the suite's command-line client. Its first use is to try a server out; it is also an
-// example of a program on this library.
+// vqclient: the suite's command-line client, and an example of a program that uses this library.
 
 #include <algorithm>
 #include <exception>
@@ -7,11 +6,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "CommandLine.h"
-#include "Commands.h"
-#include "ExitCodes.h"
-#include "Output.h"
-#include "Suggestion.h"
+#include <client/CommandLine.h>
+#include <client/Commands.h>
+#include <client/ExitCodes.h>
+#include <client/Output.h>
+#include <client/Suggestion.h>
 
 int main(int argc, char** argv) {
   using namespace vqclient;
@@ -24,15 +23,15 @@ int main(int argc, char** argv) {
       program->exit(e);  // prints the help or the version that was asked for
       return FinishOutput(kSuccess);
     }
-    // After an error further options are not parsed.
+    // CLI11 does not parse the options behind an error.
     Form().json |= std::find(line.own.begin(), line.own.end(), "--json") != line.own.end();
-    Tell(Explain(*program, e) + "\nSee vqclient --help and vqclient COMMAND --help.");
+    PrintError(Explain(*program, e) + "\nSee vqclient --help and vqclient COMMAND --help.");
     line.exitCode = kUsage;
   } catch (const Failure& e) {
-    if (*e.what() != '\0') Tell(e.what());
+    if (*e.what() != '\0') PrintError(e.what());
     line.exitCode = e.exitCode;
   } catch (const std::exception& e) {
-    Tell(std::string("it failed: ") + e.what());
+    PrintError(std::string("unexpected error: ") + e.what());
     line.exitCode = kRefused;
   }
   exit_vqclient_common();

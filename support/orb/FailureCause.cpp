@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include <support/orb/CallDeadline.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/ReferenceAddress.h>
 
@@ -38,6 +39,15 @@ std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target)
 
 void NoteCause(std::string cause) noexcept {
   Cause() = std::move(cause);
+}
+
+void BeginCall() noexcept {
+  const auto end = CallDeadline::Current();
+  if (!end || CallDeadline::Clock::now() < *end) {
+    Cause().clear();
+  } else if (Cause().empty()) {
+    NoteCause("the time for the calls was over");
+  }
 }
 
 std::string TakeCause() noexcept {

@@ -1,7 +1,7 @@
 // The one-line cause of the last failed remote call, for a person: what an ORB's exception cannot
 // carry ("unknown CA", "connection refused at host:port").
 //
-//   vq::orb::TakeCause();   // removes the cause of an earlier call
+//   vq::orb::BeginCall();
 //   try {
 //     ORBCommon<1>::Get()->Bind("central", "GSR", "UsersManager", true);
 //   } catch (const CORBA::SystemException&) {
@@ -20,6 +20,11 @@ namespace vq::orb {
 // One line without a closing full stop; no secret in it. What to do next, if it is known, stands
 // behind a semicolon.
 void NoteCause(std::string cause) noexcept;
+
+// Forgets the cause of an earlier call. When the deadline of the thread is over already
+// (CallDeadline), the cause of the call that used up the time remains, since the next call is not
+// sent.
+void BeginCall() noexcept;
 
 // The cause noted last on this thread, which is forgotten; empty when none was noted since.
 std::string TakeCause() noexcept;

@@ -47,7 +47,7 @@ void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
   std::string known;
   for (const vq::orb::OwnAddress& address : addresses) known += " " + address.text;
   throw std::invalid_argument("no address of this host begins with '" + settings.preferIpMask +
-                              "', the value of " + vq::orb::kPreferIpMask + "; there are:" + known);
+                              "', the value of " + vq::orb::kPreferIpMask + "; take one of these:" + known);
 }
 
 void ReportNoNamingService(const TDiagFunc& diag, const CORBA::Exception& exception) {
@@ -189,7 +189,7 @@ CORBA::Object_ptr QCSOrbCommon::Bind(const std::string& server, const std::strin
                                      const std::string& service, bool probe) {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::Bind");
   if (!IsInitialized()) throw CORBA::BAD_INV_ORDER(0, CORBA::COMPLETED_NO);
-  vq::orb::TakeCause();
+  vq::orb::BeginCall();
   CORBA::Object_var object;
   try {
     object = m_naming->Resolve(ServiceName(server, kind, service));

@@ -46,7 +46,7 @@ class ClientFixture : public ::testing::Test {
         words.insert(words.end(), {"-s", "central", "-u", word.substr(1), "--naming"});
         word = "NAMING";
       }
-      if (word == "NAMING") word = At();
+      if (const auto at = word.find("NAMING"); at != word.npos) word.replace(at, 6, At());
       if (word.starts_with("DIR/")) word = m_directory / word.substr(4);
       words.push_back(word);
     }

@@ -1,9 +1,8 @@
-// vqclient as a script sees it: exit code, data on stdout, words on stderr.
-
-#include <tests/client/ClientFixture.h>
+// vqclient as a script sees it: exit code, data on stdout, messages on stderr.
 
 #include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <regex>
 #include <set>
@@ -11,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <tests/client/ClientFixture.h>
 #include <vq_client_common/session/StoredSettings.h>
 
 namespace vq::test {
@@ -50,9 +50,9 @@ json Parse(const std::string& text) {
 struct Row {
   const char* command;
   int code;
-  const char* output;      // what stdout holds, without --json
-  const char* words = "";  // what stderr holds
-  json data = {};          // what stdout holds with --json; null: not asked
+  const char* output;      // stdout contains it, without --json
+  const char* words = "";  // stderr contains it
+  json data = {};          // stdout contains it with --json; null: not tried
   const char* input = "secret\n";
 };
 
@@ -91,12 +91,14 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"login @alice", 1, "", "User 'alice' is not defined", {{"result", 0}}, "wrong\n"},
       {"login @alice -t 60 --kind GSR", 0, "Logged in"},
       {"login @alice --timeout 60 --max-time 100", 0, "Logged in"},
-      {"login @alice --lifetime 0", 2, "", "--lifetime: '0' is no number"},
-      {"login", 2, "", "--server NAME is required, or VQ_SERVER", usage},
+      {"login @alice --lifetime 0", 2, "", "--lifetime: '0' is not a number"},
+      {"login", 55, "", "Next: Set --naming. To store it: vqclient config set naming"},
+      {"login -n NAMING -u alice", 0, "Logged in as alice to central."},
+      {"login -n NAMING --kind GAS", 2, "", "--server NAME is required", usage},
       {"nonsense", 2, "", "unknown command 'nonsense'\n", usage},
       {"logn -s x", 2, "", "did you mean 'login'?"},
       {"login --sever x", 2, "", "unknown option '--sever'; did you mean '--server'?"},
-      {"login @alice --kind XYZ", 2, "", "none of GSR, GAS, QIMS, Forecast, CMS, SLS"},
+      {"login @alice --kind XYZ", 2, "", "not one of GSR, GAS, QIMS, Forecast, CMS, SLS"},
       {"login @alice", 4, "", "Missing password", {{"error", "Missing password"}}, ""},
       {"login -f DIR/file -n NAMING -s central", 0, "Logged in as alice"},
       {"login @alice -f DIR/file", 4, "", "Conflict, Have a Username and password file"},
@@ -111,7 +113,11 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"login @expired", 48, "", "Password has expired.", {{"result", 48}, {"connected", false}}},
       {"login @locked", 49, "", "User account is locked."},
       {"login -s nowhere -u a -n NAMING", 54, "", "'nowhere'"},
-      {"login --server central --user a -n 127.0.0.1:1", 55, "", "refused at 127.0.0.1:1"},
+      {"login --server central --user a -n 127.0.0.1:1",
+       55,
+       "",
+       "refused at 127.0.0.1:1",
+       {{"cause", "connection refused at 127.0.0.1:1"}}},
       {"login @alice --connect-timeout 2000 --call-timeout 9000 --bidir 1", 0, "Logged in"},
       {"login @alice --listen iiop:// --prefer-ip 1 --max-message 10000", 0, "Logged in"},
       {"login @alice --tcp-keep-alive 9000 --tcp-user-timeout 9000", 0, "Logged in"},
@@ -123,8 +129,8 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"-v login @alice", 0, "Logged in", "LoginHandler"},
       {"ping @ --count 2 --interval 0", 0, "central (GSR): 2 of 2 answers, min/median/max ", "",
        pinged},
-      {"ping -c 1 -n NAMING", 0, "naming service: 1 of 1"},
-      {"ping -c 1 -s nowhere -n NAMING", 1, "nowhere (GSR): 0 of 1", "not know it", unknown},
+      {"ping -c 1 -n NAMING", 0, "naming service: 1 of 1 answers"},
+      {"ping -c 1 -s nowhere -n NAMING", 1, "nowhere (GSR): 0 of 1", "not know this server", unknown},
       {"ping -n 127.0.0.1:1", 1, "", "refused at 127.0.0.1:1", {{"exitCode", 1}}},
       {"servers -n NAMING", 0, "NAME                 KIND      HOST ", "", listed},
       {"servers -n 127.0.0.1:1", 55, "", "Cause: connection refused at 127.0.0.1:1"},
@@ -147,8 +153,8 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"auth @alice check table TABLE=TAX DEFAULT_ACCESS", 0, "yes"},
       {"auth @alice check service SERVICE=A BROWSE_ACCESS", 7, "no"},
       {"auth @alice check table TABLE FULL_ACCESS", 2, "", "'TABLE' is not NAME=VALUE"},
-      {"auth @alice check table T=A SOME_ACCESS", 2, "", "no level 'SOME_ACCESS'"},
-      {"auth @alice check chair T=A FULL_ACCESS", 2, "", "no kind 'chair'"},
+      {"auth @alice check table T=A SOME_ACCESS", 2, "", "unknown level 'SOME_ACCESS'"},
+      {"auth @alice check chair T=A FULL_ACCESS", 2, "", "unknown kind 'chair'"},
       {"version @alice", 0,
        "client:  8.0.05::P1\nserver:  8.0.05\nverdict: the server accepts this client\n", "",
        versions},
@@ -156,7 +162,7 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"version -s central -u alice -n 127.0.0.1:1", 55, "client:  8.0.05::P1\nserver:  unknown\n",
        "refused"},
       {"passwd @alice", 4, "", "differ", {}, "secret\nnew-one\nother\n"},
-      {"passwd @alice", 4, "", "No new password", {}, "secret\n"},
+      {"passwd @alice", 4, "", "no new password", {}, "secret\n"},
       {"passwd @alice", 51, "", "too short", {{"exitCode", 51}}, "secret\nshort\nshort\n"},
       {"passwd @alice", 0, "The password is changed.", "", {}, "secret\nnew-one\nnew-one\n"},
       {"passwd @alice", 0, "is changed", "", {}, "new-one\nsecret\nsecret\n"},
@@ -169,7 +175,7 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"config show --call-timeout x", 1, "malformed", "-ORBCallTimeout", {{"name", "malformed"}}},
       {"config set naming NAMING", 0, "default: -ORBInitRef = NameService=", "", scope},
       {"config set server central --system", 0, "vqclient: server = central", "", name},
-      {"config set kind X", 2, "", "none of GSR"},
+      {"config set kind X", 2, "", "not one of GSR"},
       {"config set call-timeout 0", 2, "", "milliseconds"},
       {"config set servr X", 2, "", "did you mean 'server'?"},
       {"config set server-names *.site", 0, "default: -SSLServerNames = *.site"},
@@ -181,6 +187,8 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"ping -c 1", 0, "server central"},
       {"config unset naming", 0, "-ORBInitRef is not set", "", {{"value", nullptr}}},
       {"ping -c 1", 1, "", "no naming service is configured"},
+      {"config set naming corbaloc::NAMING/NameService", 0, "NameService=corbaloc::127.0.0.1:"},
+      {"ping -c 1", 0, "server central"},
   };
   std::set<std::string> tried;
   for (const Row& row : rows) {
@@ -328,6 +336,85 @@ TEST_F(ClientTest, NothingIsCalledASuccessThatDidNotHappen) {
   const Outcome outcome = Run("config set server central");
   EXPECT_EQ(outcome.code, 1);
   EXPECT_THAT(outcome.words, HasSubstr("vq.xml.lock: not a regular file"));
+}
+
+TEST_F(ClientTest, ALostSessionHasItsTrueCauseAndKeepsToItsTime) {
+  const struct {
+    std::string options;
+    std::function<void(Server&)> fault;
+    std::string output, words;
+  } rows[] = {{"", [](Server& server) { server.SetFaults({Return("CRB_ClientKeepAlive", 0)}); },
+               " keep-alive: 0\n", "The server does not know the session any more."},
+              {"", [](Server& server) { server.Kill(); }, " keep-alive: 54\n",
+               "Cause: connection refused at 127.0.0.1:"},
+              {" --max-time 6", [](Server& server) { server.Stop(); }, " logout: 54\n",
+               "Cause: no answer from 127.0.0.1:"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.words);
+    Server& server = StartServer();
+    ChildProcess client = Start("session @alice --interval 1" + row.options);
+    ASSERT_TRUE(WaitUntil(
+        [&] { return m_directory.Read("out").find("keep-alive: 1") != std::string::npos; }));
+    row.fault(server);
+    EXPECT_EQ(client.Wait(std::chrono::seconds(20)), 6);
+    EXPECT_THAT(m_directory.Read("out"), HasSubstr(row.output));
+    EXPECT_THAT(m_directory.Read("err"), HasSubstr(row.words));
+  }
+  // The server still hangs. It uses up the time, and not the naming service that is asked later.
+  const Outcome outcome = Run("login @alice --max-time 2");
+  EXPECT_EQ(outcome.code, 54);
+  EXPECT_THAT(outcome.words,
+              HasSubstr("Cause: no answer from 127.0.0.1:" + std::to_string(m_server->Port())));
+  m_server->Kill();
+}
+
+// Every option of the simulator with its exit status, and one command for naming service and
+// server.
+TEST_F(ClientTest, TheSimulatorBringsAWholeSite) {
+  const std::string site = "--site " + m_directory.Write("site.json", BaseSite().dump()) + " ";
+  const struct {
+    std::string command;
+    int code;
+    const char* words;
+  } rows[] = {{"--version", 0, "1."},
+              {"--help", 0, "Exit codes: 0 stopped"},
+              {"--nonsense", 2, "--nonsense"},
+              {"--naming-service --naming x", 2, "--naming"},
+              {"--site DIR/none", 2, "none"},
+              {site + "--kind GSR --kind GSR", 2, "a --kind is given twice"},
+              {site + "--endpoint nonsense", 2, "nonsense"},
+              {site + "--endpoint iiop://192.0.2.77:", 4, "does not start on iiop://192.0.2.77:"},
+              {site + "--naming corbaloc::127.0.0.1:1/NameService", 3, "does not answer"},
+              {site + "--log /no/such/log", 5, "/no/such/log"},
+              {site + "--ready-file /no/such/file", 5, "/no/such/file"},
+              {site + "--control /no/such/socket --no-bidir", 5, "/no/such/socket"}};
+  ChildProcess::Options options;
+  options.standardOutput = m_directory / "simulator";
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.command);
+    m_directory.Write("simulator", "");
+    std::vector<std::string> words = Words(row.command);
+    words.insert(words.begin(), VQ_SIMULATOR);
+    EXPECT_EQ(ChildProcess::Start(words, options).Wait(std::chrono::seconds(60)), row.code);
+    EXPECT_THAT(m_directory.Read("simulator"), HasSubstr(row.words));
+  }
+  m_directory.Write("simulator", "");
+  std::vector<std::string> words = Words(site + "--naming-service --server central");
+  words.insert(words.begin(), VQ_SIMULATOR);
+  ChildProcess simulator = ChildProcess::Start(words, options);
+  std::smatch found;
+  std::string ready;
+  ASSERT_TRUE(WaitUntil([&] {
+    ready = m_directory.Read("simulator");
+    return std::regex_search(ready, found, std::regex("naming service (corbaloc[^;]*); users: "));
+  })) << ready;
+  EXPECT_EQ(Run("config set naming " + found[1].str()).code, 0);
+  for (const char* command : {"login", "ping --count 1", "servers", "auth", "doctor"}) {
+    m_environment.Set("VQ_USER", "alice");
+    EXPECT_EQ(Run(command).code, 0) << command;
+  }
+  simulator.Signal(SIGTERM);
+  EXPECT_EQ(simulator.Wait(std::chrono::seconds(30)), 0);
 }
 
 TEST_F(ClientTest, ASessionEndsInOrderOnInterruptWhateverItDoes) {

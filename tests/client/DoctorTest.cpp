@@ -1,13 +1,12 @@
 // The doctor: for each broken set-up the first thing that is wrong, and what it says to do.
 
-#include <tests/client/ClientFixture.h>
-
 #include <csignal>
 #include <functional>
 
 #include <unistd.h>
 
 #include <support/orb/ORBCommon.h>
+#include <tests/client/ClientFixture.h>
 #include <tests/connectivity/Certificates.h>
 #include <tests/fixture/Product.h>
 
@@ -86,15 +85,15 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
        "naming service: no naming service", "vqclient config set naming HOST:PORT"},
       {"its host is unknown", start, "doctor -s central -n no.such.host.invalid:2809", 55,
        "naming service: the host no.such.host.invalid cannot be resolved",
-       "This host does not know the name 'no.such.host.invalid'"},
+       "This host cannot resolve the name 'no.such.host.invalid'"},
       {"it is down", start, "doctor -s central -n 127.0.0.1:1", 55,
        "naming service: connection refused at 127.0.0.1:1",
-       "Nobody listens there: start the naming service"},
+       "No program listens on that port: start the naming service"},
       {"it is down, on IPv6", start, "doctor -s central -n [::1]:1", 55,
        "naming service: connection refused at [::1]:1",
-       "Nobody listens there: start the naming service"},
+       "No program listens on that port: start the naming service"},
       {"it is silent", start, toSilent, 55, "naming service: " + silentText + " does not answer",
-       "takes connections, but gives no answer"},
+       "accepts connections, but there is no reply"},
       {"it is something else", start,
        "doctor @ -ORBInitRef NameService=corbaloc::" + At() + "/Other", 55,
        "refers to no existing object", "Correct --naming"},
@@ -103,40 +102,41 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
       {"there is no such CA file", start, "doctor @ --ca /no/such.pem", 55,
        "settings: ", "Correct that setting"},
       {"the listen port is taken", start, "doctor @ --listen iiop://" + place, 55,
-       "naming service: the ORB does not start", "and --listen; vqclient config set listen"},
+       "naming service: the ORB does not start",
+       "and --listen. To store it: vqclient config set listen"},
       {"the server is unknown", start, "doctor -s nowhere -n " + At(), 54,
        "knows no server 'nowhere' of kind GSR", "vqclient servers"},
       {"the server is dead", [&] { StartServer().Kill(); }, "doctor @", 54,
-       "address: connection refused at 127.0.0.1", "Nobody listens there: start the server"},
+       "address: connection refused at 127.0.0.1",
+       "No program listens on that port: start the server"},
       {"the server is silent", at("iiop:" + place), "doctor @ --call-timeout 1000", 54,
-       "server: it does not answer: no answer from",
-       "takes connections, but gives no answer: the server hangs"},
+       "server: no answer from", "accepts connections, but there is no reply: the server hangs"},
       {"the server's host is unknown", at(":no.such.host.invalid:1"), "doctor @", 54,
-       "the host no.such.host.invalid cannot be resolved", "does not know the name"},
+       "the host no.such.host.invalid cannot be resolved", "cannot resolve the name"},
       {"the server is down, on IPv6", at(":[::1]:1"), "doctor @", 54,
        "connection refused at [::1]:1", "start the server"},
       {"a link-local address", at(":[fe80::1]:1"), "doctor @", 54,
        "fe80::1 port 1 is a link-local address", "publish another address"},
-      {"the server offers no TLS", start, tls, 54, "TLS is on here, and the server offers none",
-       "Give the server a TLS endpoint"},
+      {"the server offers no TLS", start, tls, 54,
+       "TLS is enabled here, but the server has no TLS endpoint", "Give the server a TLS endpoint"},
       {"the server hangs in TLS",
        [&] {
          StartTls(m_authority.Issue());
          m_server->Stop();
        },
-       tls, 54, "server: it does not answer", "The TLS handshake does not come to an end"},
+       tls, 54, "server: The TLS handshake with", "The TLS handshake does not complete"},
       {"the CA is another one", [&] { StartTls(other.Issue()); }, tls, 54,
-       "server: it does not answer", "file of --ca"},
+       "server: The TLS handshake with", "file of --ca"},
       {"the certificate has expired",
        [&] { StartTls(m_authority.Issue({.fromDays = -20, .toDays = -10})); }, tls, 54,
-       "server: it does not answer", "Have it renewed."},
+       "server: The TLS handshake with", "Have it renewed."},
       {"the certificate is for another host",
        [&] { StartTls(m_authority.Issue({.names = "DNS:other.site"})); }, tls, 54,
-       "server: it does not answer", "names this host"},
+       "server: The TLS handshake with", "names this host"},
       {"wrong password", start, "doctor @alice", 1, "login: code 0", "Check user and password",
        "wrong\n"},
-      {"no password", start, "doctor @alice", 4, "login: no user name or password",
-       "--password-file FILE", ""},
+      {"no password", start, "doctor @alice", 4, "login: Missing password", "--password-file FILE",
+       ""},
       {"expired", start, "doctor @expired", 48, "login: code 48", "vqclient passwd"},
       {"locked", start, "doctor @locked", 49, "login: code 49", "administrator"},
       {"the versions differ",
@@ -152,13 +152,13 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
          site["callback"] = {{"refuse", true}, {"message", "Not today."}};
          StartServer(site);
        },
-       "doctor @alice", 8, "callbacks: the server reaches this client in no way", "bidirectional"},
+       "doctor @alice", 8, "callbacks: the server cannot call this client back", "bidirectional"},
       {"the domain cannot be written",
        [&] {
          StartServer();
          m_environment.Set("VQ_CONFIG_DOMAINS", "/proc/no-such-directory");
        },
-       "doctor @alice", 8, "callbacks: not tried, for the settings cannot be stored: /proc",
+       "doctor @alice", 8, "callbacks: not tried: settings cannot be stored: /proc",
        "or set VQ_CONFIG_DOMAINS"}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
@@ -187,7 +187,7 @@ TEST_F(DoctorTest, FindsNothingBadOnAHealthyHostAndNoConnectionThatIsNotThere) {
     EXPECT_EQ(outcome.code, 0) << outcome.words;
     EXPECT_THAT(outcome.output, Not(HasSubstr("[BAD]")));
     if (more.empty()) {
-      EXPECT_THAT(outcome.output, HasSubstr("[good] callback over the client's own connection"));
+      EXPECT_THAT(outcome.output, HasSubstr("[good] callback over the client's connection"));
     }
     EXPECT_THAT(outcome.output, Not(HasSubstr("\033["))) << "colours are for terminals";
   }
@@ -195,8 +195,8 @@ TEST_F(DoctorTest, FindsNothingBadOnAHealthyHostAndNoConnectionThatIsNotThere) {
   const Outcome outcome = Run("doctor @alice");
   EXPECT_EQ(outcome.code, 0);
   if (ThisProduct().tellsConnection) {
-    EXPECT_THAT(outcome.output,
-                HasSubstr("[note] callback over the client's own connection: the server opened"));
+    EXPECT_THAT(outcome.output, HasSubstr("[note] callback over the client's connection "
+                                          "(bidirectional IIOP): the server opened"));
   }
   EXPECT_THAT(outcome.output, Not(HasSubstr("[BAD]")));
 }
@@ -224,7 +224,7 @@ TEST_F(DoctorTest, WritesWhatTheNextLoginNeedsOnlyAfterAYesAndOnlyWhereItCan) {
   EXPECT_EQ(Run(login).code, 55);
   const Outcome written = Run("doctor @alice --fix", "secret\ny\n");
   EXPECT_EQ(written.code, 0) << written.words;
-  EXPECT_THAT(written.output, HasSubstr("Written;"));
+  EXPECT_THAT(written.output, HasSubstr("Written."));
   EXPECT_EQ(Run(login).code, 0);
   // What was written does not come into force: a stronger layer says otherwise.
   if (geteuid() == 0) {
@@ -235,7 +235,7 @@ TEST_F(DoctorTest, WritesWhatTheNextLoginNeedsOnlyAfterAYesAndOnlyWhereItCan) {
     const Outcome hidden = Run("doctor @alice --fix", "secret\ny\n");
     EXPECT_EQ(hidden.code, 1) << hidden.output;
     EXPECT_THAT(hidden.words, HasSubstr("-ORBListenEndpoints is still 'iiop://'"));
-    EXPECT_THAT(hidden.output, Not(HasSubstr("Written;")));
+    EXPECT_THAT(hidden.output, Not(HasSubstr("Written.")));
   }
 }
 

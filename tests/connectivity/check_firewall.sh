@@ -54,11 +54,11 @@ expect() { # expect TEXT... : each stands in what the doctor finds
   echo secret | "$client" doctor -s central -u alice -n $there:2809 | tee "$work/found"
   for text in "$@"; do grep -qF "$text" "$work/found" || { echo "no '$text'"; exit 1; }; done
 }
-expect "[good] callback to $here" "[good] callback over the client's own connection"
+expect "[good] callback to $here" "[good] callback over the client's connection"
 
 # It drops what opens a connection towards the client; connections that are open go on.
 server nft "add table inet vq;
   add chain inet vq out { type filter hook output priority 0 ; };
   add rule inet vq out ip daddr $here tcp flags & (syn|ack) == syn drop" ||
   { echo "nft does not work here"; exit 77; }
-expect "[note] callback to $here" "[good] callback over the client's own connection"
+expect "[note] callback to $here" "[good] callback over the client's connection"

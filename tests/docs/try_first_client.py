@@ -19,12 +19,11 @@ def main():
     command = re.search(r"^printf '(.*)\\n' \| build/first_client (.*)$", page, re.M)
     answer = re.search(r"^It prints:\n\n```\n(.*?)```", page, re.M | re.S)
     files["input.txt"] = command[1] + "\n"
-    files["arguments.txt"] = "\n".join(
-        re.sub(r"corbaloc:\S+", "@NAMING@", word) for word in command[2].split()) + "\n"
+    naming = ["-ORBInitRef", "NameService=@NAMING@"]  # in place of what the reader has stored
+    files["arguments.txt"] = "\n".join(command[2].split() + naming) + "\n"
     files["expected.txt"] = "".join(re.escape(line) + "\n" for line in answer[1].splitlines())
 
     readme = re.search(r"```cpp\n(#include.*?)```", (Path(source) / "README.md").read_text(), re.S)
-    naming = ["-ORBInitRef", "NameService=@NAMING@"]
     examples = {"first_client": files, "readme": {
         "CMakeLists.txt": files["CMakeLists.txt"].replace("first_client", "readme"),
         "main.cpp": readme[1], "input.txt": files["input.txt"],

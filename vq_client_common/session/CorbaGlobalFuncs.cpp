@@ -25,7 +25,7 @@ void Log(int level, const Pieces&... pieces) {
 template <class T>
 int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID serverId, bool probe) {
   Log(6, "GetCRBServant");
-  vq::orb::TakeCause();  // of an earlier call
+  vq::orb::BeginCall();
   try {
     CorbaServerPackManager* const cache = CorbaServerPackManager::Get();
     const CORBA::Object_ptr cached = cache->FindItem(name, serverId);

@@ -51,7 +51,7 @@ VQ_CLIENT_COMMON_API int GL_Login(const std::string& user, const std::string& pa
                                   int argc, char** argv);
 
 // The cause of the failure of this thread's last GL_Login, GL_InitializeCORBA, GL_PostLogin,
-// GL_ReLogin or GL_ClientKeepAlive, in one line for an administrator: "connection refused at
+// GL_ReLogin, GL_ClientKeepAlive or GetSystemParameter, in one line for an administrator: "connection refused at
 // 10.1.2.3:4711", "the value 'x' of -ORBCallTimeout is not ...". What to do next follows a
 // semicolon, where it is known. Empty after a success, and where `message` already has the cause,
 // such as a wrong password.

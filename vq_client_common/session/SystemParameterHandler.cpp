@@ -6,6 +6,7 @@
 #include <support/foundations/Environment.h>
 #include <support/foundations/IniFile.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailureCause.h>
 #include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaGlobalFuncs.h>
@@ -55,6 +56,7 @@ bool GetSystemParameter(const std::string& name, std::string& value, const std::
   } catch (const VQCorbaSystemConfiguration::FAIL& e) {
     VQ_LOG(diag, 2) << "CRB_GetSystemParameter exception - FAIL reason: " << e.failReason;
   } catch (const CORBA::Exception& e) {
+    vq::orb::NoteFailedCall(e, configuration);
     VQ_LOG(diag, 2) << "CORBA::Exception - " << e;
   } catch (...) {
     VQ_LOG(diag, 1) << "CRB_GetSystemParameter - Failed with unrecognized exception";
