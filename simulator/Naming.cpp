@@ -17,11 +17,11 @@ CosNaming::Name NameOf(const std::string& id, const std::string& kind) {
 
 // The naming context behind a reference, with a limit on its calls. Raises when it is none.
 CosNaming::NamingContext_ptr Context(CORBA::Object_ptr object) {
-  const CORBA::Object_var limited = vq::orb::NamingWithCallLimit(object, kPatience);
+  const CORBA::Object_var limited = vq::orb::WithCallLimit(object, kPatience);
   CosNaming::NamingContext_var context = CosNaming::NamingContext::_narrow(limited.in());
   if (CORBA::is_nil(context.in())) throw CORBA::INV_OBJREF();
   // omniORB keeps the limit with the reference that narrowing made anew.
-  const CORBA::Object_var again = vq::orb::NamingWithCallLimit(context.in(), kPatience);
+  const CORBA::Object_var again = vq::orb::WithCallLimit(context.in(), kPatience);
   return CosNaming::NamingContext::_unchecked_narrow(again.in());
 }
 

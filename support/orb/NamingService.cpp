@@ -25,7 +25,7 @@ NamingService::NamingService(OrbInstance& instance, const OrbSettings& settings)
   if (references.size() < 2) {
     add(instance.NamingService());
   } else {
-    for (const std::string& one : references) add(instance.NamingServiceAt(one));
+    for (const std::string& one : references) add(instance.Orb()->string_to_object(one.c_str()));
   }
 }
 

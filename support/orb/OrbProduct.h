@@ -39,11 +39,6 @@ class OrbInstance {
   // in the network, since any host could answer.
   virtual CORBA::Object_ptr NamingService() = 0;
 
-  // The same at one of several references. Raises CORBA::BAD_PARAM for one that is malformed.
-  virtual CORBA::Object_ptr NamingServiceAt(const std::string& reference) {
-    return Orb()->string_to_object(reference.c_str());
-  }
-
   // The POA of this ORB's servants, activated; made on first use. Borrowed. Raises
   // CORBA::SystemException when the listen endpoint cannot be opened.
   virtual PortableServer::POA_ptr ChildPoa() = 0;

@@ -56,9 +56,6 @@ std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options);
 // owns it.
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time);
 
-// The same for a naming context, which may be asked unencrypted even where other calls require TLS.
-CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time);
-
 }  // namespace vq::orb
 
 #endif  // VQ_SUPPORT_ORB_ORBSERVER_H

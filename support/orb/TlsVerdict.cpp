@@ -326,6 +326,13 @@ void WarnOfWeakVerification(const TlsSettings& settings) {
   }
 }
 
+bool IsLookUp(std::string_view operation, bool ofServiceItself) {
+  constexpr std::string_view kLookUps[] = {"resolve", "resolve_str", "_non_existent", "_is_a"};
+  constexpr std::string_view kLists[] = {"list", "next_one", "next_n", "destroy"};
+  return std::ranges::find(kLists, operation) != std::end(kLists) ||
+         (ofServiceItself && std::ranges::find(kLookUps, operation) != std::end(kLookUps));
+}
+
 void ReportUnencrypted(const std::string& cause) {
   VQ_LOG(diagModule, 1) << cause;
   NoteCause(cause);
@@ -336,6 +343,12 @@ void ReportNoTls(const std::string& server) {
                             " is refused: it would be unencrypted, since that server offers no "
                             "TLS. Give it a TLS endpoint, or take ",
                             kTlsCa, " and ", kTlsCertificate, " out of the settings"}));
+}
+
+void ReportLookUpNoTls(const std::string& place) {
+  ReportUnencrypted(Joined({"The look-up at ", place,
+                            " is refused: it would be unencrypted, since that naming service "
+                            "offers no TLS, and -SSLEncryptLookups is 1"}));
 }
 
 int TlsVerifyMode(const TlsSettings& settings) {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <openssl/ssl.h>
 
@@ -34,9 +35,16 @@ void ForbidMessagesAfterHandshake(SSL_CTX& context);
 // Logs at level 1 what the settings leave unverified, and which impersonation that allows.
 void WarnOfWeakVerification(const TlsSettings& settings);
 
+// Whether a request at the naming service's address reads the naming service, so that it may go
+// unencrypted: a look-up by the service's own object, or the reading of a list. Iterators and
+// contexts are objects of which the service's reference says nothing, so a list may be read from
+// any object there: such a request carries nothing but a count.
+bool IsLookUp(std::string_view operation, bool ofServiceItself);
+
 // Logs at level 1 why something is not sent unencrypted, and keeps it as the call's cause.
 void ReportUnencrypted(const std::string& cause);
-void ReportNoTls(const std::string& server);  // a server without TLS
+void ReportNoTls(const std::string& server);       // a server without TLS
+void ReportLookUpNoTls(const std::string& place);  // a naming service that would have to have it
 
 // The mode for SSL_CTX_set_verify.
 int TlsVerifyMode(const TlsSettings& settings);

@@ -85,8 +85,4 @@ CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseco
   return CORBA::Object::_duplicate(object);
 }
 
-CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time) {
-  return WithCallLimit(context, time);
-}
-
 }  // namespace vq::orb

@@ -1,7 +1,6 @@
 #include <support/orb/omniorb/OmniOrbTls.h>
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -66,22 +65,10 @@ std::string ProfileOf(omniObjRef* object) {
   return {};
 }
 
-template <std::size_t count>
-bool IsOneOf(const std::array<std::string_view, count>& operations, const char* operation) {
-  return std::find(operations.begin(), operations.end(), operation) != operations.end();
-}
-
-// Whether a request is a look-up in the naming service. A LocateRequest is none: this library does
-// not send any. The last three operations are those of an iterator over a list. The naming
-// service's reference does not identify its iterators and contexts, so the target may be any object
-// at its address: such a request contains nothing but a count.
+// A LocateRequest has no operation and is none: this library does not send any.
 bool IsLookUp(const CallTarget& target) {
-  constexpr std::array<std::string_view, 4> kLookUps{"resolve", "resolve_str", "_non_existent",
-                                                     "_is_a"};
-  constexpr std::array<std::string_view, 4> kLists{"list", "next_one", "next_n", "destroy"};
-  if (target.operation == nullptr) return false;
-  return IsOneOf(kLists, target.operation) ||
-         (IsOneOf(kLookUps, target.operation) && namingProfiles.contains(ProfileOf(target.object)));
+  return target.operation != nullptr &&
+         vq::orb::IsLookUp(target.operation, namingProfiles.contains(ProfileOf(target.object)));
 }
 
 // The naming service may forward to another reference at its own address only. A host name's
@@ -101,8 +88,7 @@ void RefuseUnencrypted(omni::GIOP_C& call) {
   if (!IsLookUp(target)) {
     ReportNoTls(place);
   } else if (encryptLookups) {
-    ReportUnencrypted("The look-up at " + place + " is refused: it would be unencrypted, since " +
-                      "that naming service offers no TLS, and " + kTlsEncryptLookups + " is 1");
+    ReportLookUpNoTls(place);
   } else if (!IsAtNamingService(target)) {
     ReportUnencrypted("The look-up at " + place + " is refused: the naming service forwarded it " +
                       "there, unencrypted. If that is right, name " + place + " in " + kInitRef);

@@ -54,7 +54,8 @@ struct Call {
   int repetitions = 0;
   bool isReading = false;      // the thread reads the reply
   bool closedInOrder = false;  // the server closed the connection instead of a reply
-  std::string unencrypted;
+  std::string unencrypted;     // the place where the request goes unencrypted
+  bool isToNaming = false;     // to the naming service's own object
 };
 thread_local Call call;
 
@@ -164,11 +165,6 @@ class ReplyReaders : public TAO_Default_Client_Strategy_Factory {
   const std::uint64_t m_limit;
 };
 
-bool IsLookUp(std::string_view operation) {
-  constexpr std::array<std::string_view, 3> kLookUps{"resolve", "_non_existent", "_is_a"};
-  return std::find(kLookUps.begin(), kLookUps.end(), operation) != kLookUps.end();
-}
-
 // Whether the ORB has read how the call went; it refuses to tell when it has not.
 bool IsUnderstood(ClientRequestInfo_ptr request) {
   try {
@@ -193,7 +189,7 @@ class CallCheck : public virtual PortableInterceptor::ClientRequestInterceptor,
     }
     if (call.unencrypted.empty() || m_allowed == Unencrypted::kAnyCall) return;
     const CORBA::String_var operation = request->operation();
-    if (IsLookUp(operation.in())) return;
+    if (IsLookUp(operation.in(), call.isToNaming)) return;
     ReportNoTls(call.unencrypted);
     throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
   }
@@ -230,8 +226,9 @@ void CheckCalls(CORBA::ORB_ptr orb, Unencrypted allowed) {
   orb->orb_core()->add_interceptor(check.in());
 }
 
-void NoteUnencrypted(const std::string& place) {
+void NoteUnencrypted(const std::string& place, bool isToNaming) {
   call.unencrypted = place;
+  call.isToNaming = isToNaming;
 }
 
 bool AwaitReplyBytes(int socket) {

@@ -31,8 +31,9 @@ void AddReplyReader(ACE_Service_Gestalt& services, const OrbSettings& settings);
 void CheckCalls(CORBA::ORB_ptr orb, Unencrypted allowed);
 
 // For the connector, on the thread of the call: its request goes to `place` ("host:port")
-// unencrypted, though TLS is on; empty when it does not.
-void NoteUnencrypted(const std::string& place);
+// unencrypted, though TLS is on; empty when it does not. `isToNaming`: to the object of the naming
+// service's own reference.
+void NoteUnencrypted(const std::string& place, bool isToNaming = false);
 
 // Where this thread is reading a reply: waits until bytes of it arrive or the call's deadline has
 // passed, which it returns as false. Elsewhere it returns true at once.

@@ -49,7 +49,7 @@ TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolv
     timeout = &share;
   }
   for (int connections = 0; connections < kMostConnections; ++connections) {
-    TAO_Transport* const transport = m_connector->connect(resolver, descriptor, timeout);
+    TAO_Transport* const transport = Connect(*m_connector, resolver, descriptor, timeout);
     if (transport == nullptr && timeout == &share && errno == ETIME) errno = EHOSTUNREACH;
     if (transport == nullptr || !transport->is_connected()) return transport;
     const int socket = transport->event_handler_i()->get_handle();

@@ -58,6 +58,14 @@ class CheckedConnector : public TAO_Connector {
   char object_key_delimiter() const override { return m_connector->object_key_delimiter(); }
 
  protected:
+  // A connection by the connector within, new or idle.
+  virtual TAO_Transport* Connect(TAO_Connector& connector,
+                                 TAO::Profile_Transport_Resolver* resolver,
+                                 TAO_Transport_Descriptor_Interface* descriptor,
+                                 ACE_Time_Value* timeout) {
+    return connector.connect(resolver, descriptor, timeout);
+  }
+
   // Only the connector within is asked for these, by itself; what remains are calls for reference
   // forms from before corbaloc.
   TAO_Profile* make_profile() override { throw CORBA::NO_IMPLEMENT(); }

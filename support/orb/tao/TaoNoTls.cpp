@@ -22,10 +22,6 @@ void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt&) {
 
 void AllowNaming(CORBA::ORB_ptr, const OrbSettings&) {}
 
-CORBA::Object_ptr ForLookUps(CORBA::Object_ptr naming) {
-  return CORBA::Object::_duplicate(naming);
-}
-
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings&) {
   VQ_LOG(diagModule, 4)
       << "There is no certificate to look at: this library was built without TAO's "

@@ -214,13 +214,6 @@ CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
   return orb->create_policy(type, value);
 }
 
-CORBA::Object_ptr WithPolicy(CORBA::Object_ptr object, CORBA::Policy_ptr policy) {
-  CORBA::PolicyList policies;
-  policies.length(1);
-  policies[0] = CORBA::Policy::_duplicate(policy);
-  return object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
-}
-
 // The last to leave destroys an ORB that nobody waits for: one of its threads, or the thread that
 // shuts it down.
 struct TaoThreads::Shared {

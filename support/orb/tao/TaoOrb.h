@@ -32,9 +32,6 @@ CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
 CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
                              std::chrono::milliseconds time);
 
-// The same object under that policy. The caller owns the result.
-CORBA::Object_ptr WithPolicy(CORBA::Object_ptr object, CORBA::Policy_ptr policy);
-
 // The threads that take calls for one ORB.
 //
 // Thread safety: one thread at a time, which may be one of these threads.

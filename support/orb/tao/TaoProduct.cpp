@@ -97,12 +97,6 @@ class TaoInstance : public OrbInstance {
     return m_orb->resolve_initial_references("NameService");
   }
 
-  CORBA::Object_ptr NamingServiceAt(const std::string& reference) override {
-    CORBA::Object_var naming = m_orb->string_to_object(reference.c_str());
-    if (m_settings.tls.encryptLookups) return naming._retn();
-    return ForLookUps(naming.in());
-  }
-
   PortableServer::POA_ptr ChildPoa() override {
     const std::lock_guard lock(m_mutex);
     if (CORBA::is_nil(m_poa.in())) {

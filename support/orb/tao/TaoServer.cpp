@@ -2,7 +2,6 @@
 
 #include <support/orb/tao/TaoCalls.h>
 #include <support/orb/tao/TaoOrb.h>
-#include <support/orb/tao/TaoTls.h>
 
 #include <tao/Messaging/Messaging.h>
 
@@ -50,14 +49,10 @@ std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
 
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {
   const CORBA::ORB_var orb = object->_get_orb();
-  const CORBA::Policy_var limit =
-      TimePolicy(orb.in(), Messaging::RELATIVE_RT_TIMEOUT_POLICY_TYPE, time);
-  return WithPolicy(object, limit.in());
-}
-
-CORBA::Object_ptr NamingWithCallLimit(CORBA::Object_ptr context, std::chrono::milliseconds time) {
-  const CORBA::Object_var asked = ForLookUps(context);
-  return WithCallLimit(asked.in(), time);
+  CORBA::PolicyList policies;
+  policies.length(1);
+  policies[0] = TimePolicy(orb.in(), Messaging::RELATIVE_RT_TIMEOUT_POLICY_TYPE, time);
+  return object->_set_policy_overrides(policies, CORBA::ADD_OVERRIDE);
 }
 
 }  // namespace vq::orb

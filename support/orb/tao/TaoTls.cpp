@@ -21,26 +21,20 @@
 #include <ace/SSL/SSL_Context.h>
 #include <orbsvcs/SSLIOP/SSLIOP_Endpoint.h>
 #include <orbsvcs/SSLIOP/SSLIOP_Factory.h>
-#include <orbsvcs/SecurityLevel2C.h>
+#include <tao/Base_Transport_Property.h>
 #include <tao/IIOP_Endpoint.h>
 #include <tao/Profile.h>
 #include <tao/Profile_Transport_Resolver.h>
 #include <tao/Stub.h>
-#include <tao/Transport_Descriptor_Interface.h>
 
-#include <support/diagnostics/TDiag.h>
-#include <support/orb/CorbaText.h>
 #include <support/orb/ReferenceAddress.h>
 #include <support/orb/TlsVerdict.h>
 #include <support/orb/tao/TaoCalls.h>
 #include <support/orb/tao/TaoConnector.h>
 #include <support/orb/tao/TaoOptions.h>
-#include <support/orb/tao/TaoOrb.h>
 
 namespace vq::orb {
 namespace {
-
-TDiagRegister diagModule("TLS");
 
 // The host that this thread connects to; SSLIOP's handshakes are in the connecting call.
 thread_local const char* hostBeingConnected = nullptr;
@@ -63,8 +57,16 @@ std::string Place(const char* host, int port) {
   return std::string(host) + ":" + std::to_string(port);
 }
 
-// The addresses of the naming service, which alone may be called unencrypted. It may forward to
-// another reference of its own, but not to another address. Thread safety: any thread.
+// The object's key: an object of the same address that has another is another object.
+std::string KeyOf(TAO_Stub& stub) {
+  const TAO_Profile* const profile = stub.base_profiles().get_profile(0);
+  if (profile == nullptr) return {};
+  const TAO::ObjectKey& key = profile->object_key();
+  return {reinterpret_cast<const char*>(key.get_buffer()), key.length()};
+}
+
+// The naming services that offer no TLS: what alone may be called unencrypted. They may forward to
+// another reference of their own, but not to another address. Thread safety: any thread.
 class NamingPlaces {
  public:
   static NamingPlaces& Instance() {
@@ -75,20 +77,28 @@ class NamingPlaces {
   void Forget() {
     const std::lock_guard lock(m_mutex);
     m_places.clear();
+    m_keys.clear();
   }
   void Add(CORBA::Object_ptr naming) {
-    for (const ReferenceEndpoint& endpoint : EndpointsOf(naming)) {
+    const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(naming);
+    if (std::ranges::any_of(endpoints, &ReferenceEndpoint::tls)) return;
+    for (const ReferenceEndpoint& endpoint : endpoints) {
       const ACE_INET_Addr resolved(static_cast<u_short>(endpoint.port), endpoint.host.c_str());
       std::set<std::string> forms = Forms(endpoint.host.c_str(), endpoint.port, resolved);
       const std::lock_guard lock(m_mutex);
       m_places.merge(forms);
+      m_keys.insert(KeyOf(*naming->_stubobj()));
     }
   }
-  bool Contains(const TAO_IIOP_Endpoint& address) {
+  bool IsAt(const TAO_IIOP_Endpoint& address) {
     const auto forms = Forms(address.host(), address.port(), address.object_addr());
     const std::lock_guard lock(m_mutex);
-    return std::any_of(forms.begin(), forms.end(),
-                       [this](const std::string& form) { return m_places.contains(form); });
+    return std::ranges::any_of(forms,
+                               [this](const std::string& form) { return m_places.contains(form); });
+  }
+  bool IsOwnObject(TAO_Stub& stub) {
+    const std::lock_guard lock(m_mutex);
+    return m_keys.contains(KeyOf(stub));
   }
 
  private:
@@ -104,62 +114,46 @@ class NamingPlaces {
 
   std::mutex m_mutex;
   std::set<std::string> m_places;
+  std::set<std::string> m_keys;
 };
 
-bool AsksForNoProtection(TAO::Profile_Transport_Resolver& resolver) {
-  const CORBA::Policy_var policy = resolver.stub()->get_policy(Security::SecQOPPolicy);
-  const SecurityLevel2::QOPPolicy_var protection = SecurityLevel2::QOPPolicy::_narrow(policy.in());
-  return !CORBA::is_nil(protection.in()) && protection->qop() == Security::SecQOPNoProtection;
-}
-
-// SSLIOP's connector, and no request unencrypted save to the naming service.
+// SSLIOP's connector, and none but the naming service is connected to unencrypted.
 class Connector : public CheckedConnector {
  public:
   Connector(std::unique_ptr<TAO_Connector> connector, const OrbSettings& settings)
       : CheckedConnector(std::move(connector), settings),
         m_encryptLookups(settings.tls.encryptLookups) {}
 
-  TAO_Transport* connect(TAO::Profile_Transport_Resolver* resolver,
+ protected:
+  TAO_Transport* Connect(TAO_Connector& connector, TAO::Profile_Transport_Resolver* resolver,
                          TAO_Transport_Descriptor_Interface* descriptor,
                          ACE_Time_Value* timeout) override {
     auto* const endpoint = dynamic_cast<TAO_SSLIOP_Endpoint*>(descriptor->endpoint());
-    const TAO_IIOP_Endpoint* const address =
-        endpoint != nullptr ? endpoint->iiop_endpoint() : nullptr;
-    if (address == nullptr) return CheckedConnector::connect(resolver, descriptor, timeout);
-    const bool offersTls = endpoint->ssl_component().port != 0;
-    const std::string place = Place(address->host(), address->port());
-    const bool isLookUp = AsksForNoProtection(*resolver);
-    if (isLookUp || !offersTls) CheckUnencrypted(*address, place, isLookUp);
-    NoteUnencrypted(isLookUp ? place : std::string());
-    const HostNoted noted(address->host());
-    return CheckedConnector::connect(resolver, descriptor, timeout);
+    if (endpoint == nullptr) return nullptr;
+    TAO_IIOP_Endpoint& address = *endpoint->iiop_endpoint();
+    if (endpoint->ssl_component().port != 0) {
+      NoteUnencrypted({});
+      const HostNoted noted(address.host());
+      return connector.connect(resolver, descriptor, timeout);
+    }
+    const std::string place = Place(address.host(), address.port());
+    RefuseUnencrypted(address, place);
+    NoteUnencrypted(place, NamingPlaces::Instance().IsOwnObject(*resolver->stub()));
+    // SSLIOP's own function does the same, where a policy of the reference allows it.
+    TAO_Base_Transport_Property unencrypted(&address);
+    return connector.TAO_Connector::connect(resolver, &unencrypted, timeout);
   }
 
  private:
-  void CheckUnencrypted(const TAO_IIOP_Endpoint& address, const std::string& place,
-                        bool isLookUp) const {
-    const bool isNaming = NamingPlaces::Instance().Contains(address);
-    if (isNaming && m_encryptLookups) {
-      ReportUnencrypted("The look-up at " + place + " is refused: it would be unencrypted, since " +
-                        "that naming service offers no TLS, and -SSLEncryptLookups is 1");
-    } else if (isNaming && isLookUp) {
-      return;
-    } else {
-      ReportNoTls(place);
-    }
+  void RefuseUnencrypted(const TAO_IIOP_Endpoint& address, const std::string& place) const {
+    const bool isNaming = NamingPlaces::Instance().IsAt(address);
+    if (isNaming && !m_encryptLookups) return;
+    isNaming ? ReportLookUpNoTls(place) : ReportNoTls(place);
     throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
   }
 
   const bool m_encryptLookups;
 };
-
-// Whether the first profile of a reference contains a port for TLS.
-bool OffersTls(CORBA::Object_ptr object) {
-  TAO_Profile* const profile = object->_stubobj()->base_profiles().get_profile(0);
-  auto* const endpoint =
-      profile != nullptr ? dynamic_cast<TAO_SSLIOP_Endpoint*>(profile->endpoint()) : nullptr;
-  return endpoint != nullptr && endpoint->ssl_component().port != 0;
-}
 
 // What the callback looks at; written before the ORB starts, read by its threads after that.
 TlsSettings tlsInForce;
@@ -229,32 +223,12 @@ void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
   if (!settings.tls.IsOn()) return;
   NamingPlaces::Instance().Forget();
   try {
-    const std::vector<std::string> references = NamingReferences(settings);
-    for (const std::string& reference : references) {
+    for (const std::string& reference : NamingReferences(settings)) {
       const CORBA::Object_var naming = orb->string_to_object(reference.c_str());
-      if (!OffersTls(naming.in())) NamingPlaces::Instance().Add(naming.in());
+      NamingPlaces::Instance().Add(naming.in());
     }
-    if (settings.tls.encryptLookups || references.size() != 1) return;
-    const CORBA::Object_var naming = orb->resolve_initial_references("NameService");
-    const CORBA::Object_var asked = ForLookUps(naming.in());
-    orb->register_initial_reference("NameService", asked.in());
-  } catch (const CORBA::Exception& e) {  // Its first use reports it.
-    VQ_LOG(diagModule, 4) << "The naming service is not asked unencrypted: " << e;
+  } catch (const CORBA::Exception&) {  // Its first use reports it.
   }
-}
-
-CORBA::Object_ptr ForLookUps(CORBA::Object_ptr object) {
-  if (OffersTls(object)) return CORBA::Object::_duplicate(object);
-  const CORBA::ORB_var orb = object->_get_orb();
-  CORBA::Any value;
-  value <<= Security::SecQOPNoProtection;
-  CORBA::Policy_var unprotected;
-  try {
-    unprotected = orb->create_policy(Security::SecQOPPolicy, value);
-  } catch (const CORBA::PolicyError&) {  // This ORB has no TLS.
-    return CORBA::Object::_duplicate(object);
-  }
-  return WithPolicy(object, unprotected.in());
 }
 
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings& settings) {

@@ -30,10 +30,6 @@ void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services);
 // Allows unencrypted look-ups, where TLS is on and the naming service offers none.
 void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings);
 
-// A reference of the naming service for look-ups: unencrypted where it offers no TLS. The caller
-// owns it. Any thread.
-CORBA::Object_ptr ForLookUps(CORBA::Object_ptr naming);
-
 // Nothing when TLS is off or there is no own certificate. Logs that SSLIOP is missing. Any thread
 // while the ORB is up.
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings& settings);
