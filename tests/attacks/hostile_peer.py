@@ -281,13 +281,18 @@ def raw(data):
     return act
 
 
-def announcing(size, *values):
-    """A reply whose header announces more than comes: a good one, or these numbers."""
+def announcing(size, *values, first=0):
+    """A reply whose header announces more than comes: a good one, or these numbers. So many of its
+    bytes come before the rest."""
     def act(call):
         answer = call.answer()
         if values:
             answer = call.reply(NO_EXCEPTION, struct.pack(f"<{len(values)}I", *values))
-        return call.send(answer[:8] + struct.pack("<I", size) + answer[12:])
+        answer = answer[:8] + struct.pack("<I", size) + answer[12:]
+        if first:
+            call.send(answer[:first])
+            call.peer.wait(0.1)
+        return call.send(answer[first:])
     return act
 
 

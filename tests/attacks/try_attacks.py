@@ -138,10 +138,16 @@ ROWS = [
         logged="COMM_FAILURE"),
     Row("CloseConnection for the first request", {REGISTER: [h.close_orderly]}, results=(1,),
         more={REGISTER: 1}),
+    Row("TLS, CloseConnection for one request", {REGISTER: [h.close_orderly]}, results=(1,),
+        more={REGISTER: 1}, tls="good"),
     Row("CloseConnection for each request", {REGISTER: h.close_orderly}, more={REGISTER: 1}),
     Row("CloseConnection, then closed", {REGISTER: [h.close_orderly, h.closed]},
         more={REGISTER: 1}),
-    *(Row(f"{name} with COMPLETED_{word}", {REGISTER: h.raised(name, completed)}, logged=name)
+    # TAO asks the next address, where the server states that it has not processed the request.
+    *(Row(f"{name} with COMPLETED_{word}", {REGISTER: h.raised(name, completed)}, logged=name,
+          profiles=("server", "second"),
+          tao={"results": (1,), "more": {REGISTER: 1}, "logged": ""}
+          if completed == h.NO and name != "OBJECT_NOT_EXIST" else {})
       for name in ("TRANSIENT", "COMM_FAILURE", "OBJECT_NOT_EXIST")
       for word, completed in (("YES", h.YES), ("NO", h.NO), ("MAYBE", h.MAYBE))),
     *(Row(f"forwarded to one that {word}", {REGISTER: h.forwarded("second")},
@@ -190,8 +196,10 @@ ROWS = [
         logged="COMM_FAILURE|MARSHAL"),
     *(lost(f"a reply that announces {size} bytes", {REGISTER: h.announcing(size)})
       for size in (0, 1 << 20, 0x7FFFFFFF, 0xFFFFFFFF)),
-    lost("a reply that ends where 32 bits do", {REGISTER: h.announcing(0xFFFFFFF4)},
-         logged="is refused", tao={"logged": "larger than the setting"}),
+    *(lost(f"a reply that ends where 32 bits do{word}", {REGISTER: h.announcing(0xFFFFFFF4, first)},
+           logged="is refused", tls=tls, tao={"logged": "larger than the setting"})
+      for word, first, tls in (("", 0, ""), (", its header in pieces", 7, ""),
+                               (", over TLS", 0, "good"))),
     Row("a fragment without its request's id", {REGISTER: h.fragments(numbered=False)},
         logged="is refused", tao={"logged": ""}),
     Row("a text of 4 GiB", {REGISTER: h.giving(1, 0, -1)}, logged="MARSHAL"),

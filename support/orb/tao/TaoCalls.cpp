@@ -15,10 +15,12 @@
 #include <sys/socket.h>
 
 #include <tao/IIOP_Transport.h>
+#include <tao/Incoming_Message_Stack.h>
 #include <tao/LocalObject.h>
 #include <tao/Messaging/Messaging.h>
 #include <tao/ORB_Core.h>
 #include <tao/PI/PI.h>
+#include <tao/Queued_Data.h>
 #include <tao/Resume_Handle.h>
 #include <tao/Stub.h>
 #include <tao/Synch_Reply_Dispatcher.h>
@@ -27,9 +29,9 @@
 #include <tao/default_client.h>
 
 #include <support/orb/CallDeadline.h>
-#include <support/orb/PeerSocket.h>
 #include <support/orb/TlsVerdict.h>
 #include <support/orb/tao/TaoConnector.h>
+#include <support/orb/tao/TaoTls.h>
 
 namespace vq::orb {
 namespace {
@@ -88,18 +90,27 @@ void Begin(TAO_ORB_Core*, TAO_Stub* stub, bool& isLimited, ACE_Time_Value& time)
   time.set(seconds.count(), static_cast<suseconds_t>(rest.count()));
 }
 
-// The size in the message header that is next to be read; 0 where none is. TAO makes room for it.
-std::uint64_t AnnouncedSize(int socket) {
-  std::array<unsigned char, 12> next{};
-  const ssize_t length = ::recv(socket, next.data(), next.size(), MSG_PEEK | MSG_DONTWAIT);
-  if (length < static_cast<ssize_t>(next.size()) || std::memcmp(next.data(), "GIOP", 4) != 0) {
-    return 0;
-  }
-  const bool isLittle = (next[6] & 1) != 0;
+constexpr std::size_t kHeaderSize = 12;
+using Header = std::array<unsigned char, kHeaderSize>;
+
+bool IsClose(const Header& header) {
+  constexpr int kCloseConnection = 5;
+  return header[7] == kCloseConnection;
+}
+
+// What a message announces to hold. TAO makes room for it, or reads for ever where its own sum
+// exceeds 32 bits.
+std::uint64_t AnnouncedSize(const Header& header) {
+  const bool isLittle = (header[6] & 1) != 0;
   std::uint64_t size = 0;
-  for (int i = 0; i < 4; ++i) size = size << 8 | next[isLittle ? 11 - i : 8 + i];
+  for (int i = 0; i < 4; ++i) size = size << 8 | header[isLittle ? 11 - i : 8 + i];
   return size;
 }
+
+// TAO tells only classes of its own of which messages it has read a part. Tried with TAO 2.2.1.
+struct Incoming : TAO_Transport {
+  static constexpr auto kMessages = &Incoming::incoming_message_stack_;
+};
 
 // Reads the reply on the thread of the call. A connection that fails or is late is closed.
 class ReplyReader : public TAO_Wait_Strategy {
@@ -126,32 +137,67 @@ class ReplyReader : public TAO_Wait_Strategy {
  private:
   // Returns 0 or the cause as an error number.
   int Read(TAO_Synch_Reply_Dispatcher& reply) {
-    const int socket = transport_->event_handler_i()->get_handle();
-    const bool isTls = dynamic_cast<TAO_IIOP_Transport*>(transport_) == nullptr;
     const Clock::time_point end = call.end;
+    m_isTls = dynamic_cast<TAO_IIOP_Transport*>(transport_) == nullptr;
     TAO_Resume_Handle resume;
     std::uint64_t announced = 0;
-    std::size_t last = 0;
     for (bool isFirst = true; reply.keep_waiting(); isFirst = false) {
       call.end = end;
       call.isReading = true;
-      // TLS waits within a record (TaoTls.cpp), and hides what a message is.
-      if (!isTls && !AwaitReplyBytes(socket)) return ETIME;
-      if (!isTls && isFirst && BeginsWithClose(socket, isTls)) return ESHUTDOWN;
-      if (!isTls && m_limit != 0 && AnnouncedSize(socket) > m_limit) return EMSGSIZE;
+      if (!IsWithinMessage()) {
+        Header next{};
+        if (const int error = Peek(next); error != 0) return error;
+        if (isFirst && IsClose(next)) return ESHUTDOWN;
+        announced += AnnouncedSize(next) + kMessageCost;
+        if (m_limit != 0 && announced > m_limit + kMessageCost) return EMSGSIZE;
+      } else if (!m_isTls && !AwaitReplyBytes(Socket())) {  // TLS waits by itself (TaoTls.cpp).
+        return ETIME;
+      }
       if (transport_->handle_input(resume, nullptr) == -1 && reply.keep_waiting()) {
         return end <= Clock::now() ? ETIME : ECONNRESET;
       }
-      // What was asked for: a header, all of a message's content, or what is still missing of it.
-      const std::size_t asked = transport_->recv_buffer_size();
-      if (asked >= last) announced += asked - last + kMessageCost;
-      last = asked;
-      if (m_limit != 0 && announced > m_limit + 2 * kMessageCost) return EMSGSIZE;
     }
     return 0;
   }
 
+  int Socket() { return transport_->event_handler_i()->get_handle(); }
+
+  bool IsWithinMessage() {
+    TAO_Queued_Data* message = nullptr;
+    return (transport_->*Incoming::kMessages).top(message) != -1;
+  }
+
+  // Waits for the header of the next message, so that TAO reads it as a whole.
+  int Peek(Header& header) {
+    ssize_t length = 0;
+    if (m_isTls) {
+      length = PeekTls(*transport_, header.data(), kHeaderSize);
+    } else {
+      if (!AwaitReplyBytes(Socket())) return ETIME;
+      const auto peek = [&] {
+        return ::recv(Socket(), header.data(), kHeaderSize, MSG_PEEK | MSG_DONTWAIT);
+      };
+      length = peek();
+      if (0 < length && length < static_cast<ssize_t>(kHeaderSize)) {
+        WakeFrom(kHeaderSize);
+        const bool isThere = AwaitReplyBytes(Socket());
+        WakeFrom(1);
+        if (!isThere) return ETIME;
+        length = peek();
+      }
+    }
+    const bool isWhole = length == static_cast<ssize_t>(kHeaderSize);
+    if (isWhole && std::memcmp(header.data(), "GIOP", 4) == 0) return 0;
+    return call.end <= Clock::now() ? ETIME : ECONNRESET;
+  }
+
+  // Has a wait for the socket end when that many bytes are there.
+  void WakeFrom(int bytes) {
+    ::setsockopt(Socket(), SOL_SOCKET, SO_RCVLOWAT, &bytes, sizeof bytes);
+  }
+
   const std::uint64_t m_limit;
+  bool m_isTls = false;
 };
 
 class ReplyReaders : public TAO_Default_Client_Strategy_Factory {
@@ -165,12 +211,12 @@ class ReplyReaders : public TAO_Default_Client_Strategy_Factory {
   const std::uint64_t m_limit;
 };
 
-// Whether the ORB has read how the call went; it refuses to tell when it has not.
-bool IsUnderstood(ClientRequestInfo_ptr request) {
+// How the call went; nothing where the ORB has not read that.
+std::optional<PortableInterceptor::ReplyStatus> StatusOf(ClientRequestInfo_ptr request) {
   try {
-    return request->reply_status() == PortableInterceptor::SUCCESSFUL;
+    return request->reply_status();
   } catch (const CORBA::BAD_INV_ORDER&) {
-    return false;
+    return std::nullopt;
   }
 }
 
@@ -195,7 +241,9 @@ class CallCheck : public virtual PortableInterceptor::ClientRequestInterceptor,
   }
   void send_poll(ClientRequestInfo_ptr) override {}
   void receive_reply(ClientRequestInfo_ptr request) override {
-    if (!IsUnderstood(request)) throw CORBA::MARSHAL(0, CORBA::COMPLETED_MAYBE);
+    if (StatusOf(request) != PortableInterceptor::SUCCESSFUL) {
+      throw CORBA::MARSHAL(0, CORBA::COMPLETED_MAYBE);
+    }
   }
   // A server that closes in order has not processed the request: it is sent once more.
   void receive_exception(ClientRequestInfo_ptr request) override {
@@ -206,8 +254,10 @@ class CallCheck : public virtual PortableInterceptor::ClientRequestInterceptor,
     throw PortableInterceptor::ForwardRequest(target.in());
   }
   void receive_other(ClientRequestInfo_ptr request) override {
-    const bool isForward = request->reply_status() == PortableInterceptor::LOCATION_FORWARD;
-    ++(isForward ? call.forwards : call.repetitions);
+    const auto status = StatusOf(request);
+    // The request was not written as a whole.
+    if (!status) throw CORBA::COMM_FAILURE(0, CORBA::COMPLETED_NO);
+    ++(*status == PortableInterceptor::LOCATION_FORWARD ? call.forwards : call.repetitions);
   }
 
  private:

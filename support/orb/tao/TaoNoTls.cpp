@@ -22,6 +22,10 @@ void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt&) {
 
 void AllowNaming(CORBA::ORB_ptr, const OrbSettings&) {}
 
+int PeekTls(TAO_Transport&, void*, int) {
+  return -1;
+}
+
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings&) {
   VQ_LOG(diagModule, 4)
       << "There is no certificate to look at: this library was built without TAO's "

@@ -14,11 +14,14 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <sys/socket.h>
 
 #include <ace/INET_Addr.h>
 #include <ace/SSL/SSL_Context.h>
+#include <ace/SSL/SSL_SOCK_Stream.h>
+#include <ace/Svc_Handler.h>
 #include <orbsvcs/SSLIOP/SSLIOP_Endpoint.h>
 #include <orbsvcs/SSLIOP/SSLIOP_Factory.h>
 #include <tao/Base_Transport_Property.h>
@@ -26,6 +29,7 @@
 #include <tao/Profile.h>
 #include <tao/Profile_Transport_Resolver.h>
 #include <tao/Stub.h>
+#include <tao/Transport.h>
 
 #include <support/orb/ReferenceAddress.h>
 #include <support/orb/TlsVerdict.h>
@@ -229,6 +233,16 @@ void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
     }
   } catch (const CORBA::Exception&) {  // Its first use reports it.
   }
+}
+
+int PeekTls(TAO_Transport& transport, void* bytes, int size) {
+  // SSLIOP does not export the name of its own class.
+  using Handler = ACE_Svc_Handler<ACE_SSL_SOCK_Stream, ACE_NULL_SYNCH>;
+  auto* const handler = dynamic_cast<Handler*>(transport.event_handler_i());
+  if (handler == nullptr) return -1;
+  const int length = SSL_peek(handler->peer().ssl(), bytes, size);
+  if (length <= 0) ERR_clear_error();
+  return length;
 }
 
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings& settings) {

@@ -19,6 +19,7 @@
 #include <support/orb/OrbSettings.h>
 
 class ACE_Service_Gestalt;
+class TAO_Transport;
 
 namespace vq::orb {
 
@@ -29,6 +30,10 @@ void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services);
 
 // Allows unencrypted look-ups, where TLS is on and the naming service offers none.
 void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings);
+
+// The next bytes of a TLS connection, which stay unread; waits for them until the call's deadline.
+// Returns how many, 0 or less where the connection has ended or failed. On the thread of the call.
+int PeekTls(TAO_Transport& transport, void* bytes, int size);
 
 // Nothing when TLS is off or there is no own certificate. Logs that SSLIOP is missing. Any thread
 // while the ORB is up.
