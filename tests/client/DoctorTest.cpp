@@ -115,7 +115,7 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
        "the host no.such.host.invalid cannot be resolved", "cannot resolve the name"},
       {"the server is down, on IPv6", at(":[::1]:1"), "doctor @", 54,
        "connection refused at [::1]:1", "start the server"},
-      {"a link-local address", at(":[fe80::1]:1"), "doctor @", 54,
+      {"a link-local address of IPv6", at(":[fe80::1]:1"), "doctor @", 54,
        "fe80::1 port 1 is a link-local address", "publish another address"},
       {"the server offers no TLS", start, tls, 54,
        "TLS is enabled here, but the server has no TLS endpoint", "Give the server a TLS endpoint"},
@@ -161,6 +161,7 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
        "doctor @alice", 8, "callbacks: not tried: settings cannot be stored: /proc",
        "or set VQ_CONFIG_DOMAINS"}};
   for (const auto& row : rows) {
+    if (!ThisProduct().takesIpv6 && std::string_view(row.name).ends_with("IPv6")) continue;
     SCOPED_TRACE(row.name);
     row.prepare();
     const Outcome outcome = Run(row.command, row.input);
