@@ -69,14 +69,12 @@ const std::vector<SharedOption>& SharedOptions() {
       {"user", "u", "VQ_USER", "", "NAME", "User; without it and a password file vqclient asks"},
       {"password-file", "f", "VQ_PASSWORD_FILE", "", "FILE",
        "File with user= and password= lines that only you can read. Without it vqclient asks for "
-       "the "
-       "password, or reads it from stdin"},
+       "the password, or reads it from stdin"},
       {"max-time", "m", "", "", kSeconds,
        "Time limit of the whole command (1 to 86400); default: none, each call has its own limit"},
       {"lifetime", "t", "", "", kSeconds,
        "The server ends the session after this time without a keep-alive (1 to 86400); default "
-       "600. "
-       "Formerly --timeout"},
+       "600. Formerly --timeout"},
       {"connect-timeout", "", "", kConnectTimeout, kMilliseconds, "Time limit for connecting"},
       {"call-timeout", "", "", kCallTimeout, kMilliseconds, "Time limit of a remote call"},
       {"tcp-keep-alive", "", "", kTcpKeepAlive, kMilliseconds,

@@ -47,7 +47,8 @@ void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
   std::string known;
   for (const vq::orb::OwnAddress& address : addresses) known += " " + address.text;
   throw std::invalid_argument("no address of this host begins with '" + settings.preferIpMask +
-                              "', the value of " + vq::orb::kPreferIpMask + "; take one of these:" + known);
+                              "', the value of " + vq::orb::kPreferIpMask +
+                              "; take one of these:" + known);
 }
 
 void ReportNoNamingService(const TDiagFunc& diag, const CORBA::Exception& exception) {

@@ -196,7 +196,7 @@ ROWS = [
         logged="COMM_FAILURE|MARSHAL"),
     *(lost(f"a reply that announces {size} bytes", {REGISTER: h.announcing(size)})
       for size in (0, 1 << 20, 0x7FFFFFFF, 0xFFFFFFFF)),
-    *(lost(f"a reply that ends where 32 bits do{word}", {REGISTER: h.announcing(0xFFFFFFF4, first)},
+    *(lost(f"a reply that ends where 32 bits do{word}", {REGISTER: h.announcing(0xFFFFFFF4, first=first)},
            logged="is refused", tls=tls, tao={"logged": "larger than the setting"})
       for word, first, tls in (("", 0, ""), (", its header in pieces", 7, ""),
                                (", over TLS", 0, "good"))),

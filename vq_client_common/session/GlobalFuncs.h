@@ -51,10 +51,10 @@ VQ_CLIENT_COMMON_API int GL_Login(const std::string& user, const std::string& pa
                                   int argc, char** argv);
 
 // The cause of the failure of this thread's last GL_Login, GL_InitializeCORBA, GL_PostLogin,
-// GL_ReLogin, GL_ClientKeepAlive or GetSystemParameter, in one line for an administrator: "connection refused at
-// 10.1.2.3:4711", "the value 'x' of -ORBCallTimeout is not ...". What to do next follows a
-// semicolon, where it is known. Empty after a success, and where `message` already has the cause,
-// such as a wrong password.
+// GL_ReLogin, GL_ClientKeepAlive or GetSystemParameter, in one line for an administrator:
+// "connection refused at 10.1.2.3:4711", "the value 'x' of -ORBCallTimeout is not ...". What to do
+// next follows a semicolon, where it is known. Empty after a success, and where `message` already
+// has the cause, such as a wrong password.
 VQ_CLIENT_COMMON_API std::string GL_GetFailureCause();
 
 // Starts the session's ORB unless it is up. GL_Login does so, too; a client may do it earlier. True
