@@ -281,6 +281,12 @@ def raw(data):
     return act
 
 
+def calling(call):
+    """Before the answer, a request of the peer's own over the client's connection."""
+    body = Out().long(7).long(3).long(0).octets(b"key").text("CRB_Ping").long(0)
+    return call.send(message(REQUEST, body.data) + call.answer())
+
+
 def announcing(size, *values, first=0):
     """A reply whose header announces more than comes: a good one, or these numbers. So many of its
     bytes come before the rest."""

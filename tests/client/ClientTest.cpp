@@ -301,7 +301,10 @@ TEST_F(ClientTest, ASetUserIdProgramDoesNotReadTheUsersLayer) {
   ASSERT_EQ(::chmod(m_directory.Path().c_str(), 0755) + ::chown(program.c_str(), 54321, 54321), 0);
   ChildProcess::Options options;
   options.standardOutput = m_directory / "out";
-  for (const mode_t mode : {0755U, 04755U}) {
+  // The layer is where it is by itself, and where a variable says.
+  for (const auto& [place, mode] :
+       {std::pair("", 0755U), {"", 04755U}, {"x", 0755U}, {"x", 04755U}}) {
+    if (*place != '\0') m_environment.Set("VQ_CONFIG_DOMAINS", m_directory / ".config/vq");
     std::filesystem::remove(options.standardOutput);
     ASSERT_EQ(::chmod(program.c_str(), mode), 0);
     ChildProcess client =
