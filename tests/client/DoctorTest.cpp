@@ -17,6 +17,18 @@ using nlohmann::json;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
+// References of a server with the ports 1 and 2 of 127.0.0.1, and of one that takes TLS connections
+// alone.
+constexpr const char* kTwoAddresses =
+    "IOR:010000001d00000049444c3a514353436f72626155736572734d616e616765723a312e3000000000"
+    "020000000000000028000000010102000a0000003132372e302e302e310001000c00000055736572734d"
+    "616e61676572000000000000000028000000010102000a0000003132372e302e302e310002000c000000"
+    "55736572734d616e6167657200000000";
+constexpr const char* kTlsAlone =
+    "IOR:010000001d00000049444c3a514353436f72626155736572734d616e616765723a312e3000000000"
+    "010000000000000038000000010102000a0000003132372e302e302e310000000c00000055736572734d"
+    "616e616765720100000014000000080000000100660006000100";
+
 class DoctorTest : public ClientFixture {
  protected:
   // Puts a reference into the naming service under the server's name, and others under names of
@@ -30,7 +42,9 @@ class DoctorTest : public ClientFixture {
     CosNaming::NamingContext_ptr root = ORBCommon<1>::Get()->GetNamingRoot();
     int count = 0;
     CORBA::ORB_var orb = CORBA::ORB_init(count, nullptr);
-    CORBA::Object_var object = orb->string_to_object(("corbaloc:" + addresses + "/key").c_str());
+    const std::string place =
+        addresses.starts_with("IOR:") ? addresses : "corbaloc:" + addresses + "/key";
+    CORBA::Object_var object = orb->string_to_object(place.c_str());
     CosNaming::Name name(2);
     name.length(1);
     for (int i = 0; i < others; ++i) {
@@ -109,6 +123,11 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
       {"the server is dead", [&] { StartServer().Kill(); }, "doctor @", 54,
        "address: connection refused at 127.0.0.1",
        "No program listens on that port: start the server"},
+      {"no address of the server works", at(kTwoAddresses), "doctor @", 54,
+       "connection refused at 127.0.0.1:1\n          connection refused at 127.0.0.1:2",
+       "No program listens on that port: start the server"},
+      {"TLS is on at the server alone", at(kTlsAlone), "doctor @", 54,
+       "address: the server accepts TLS connections only", "Enable TLS: --ca FILE"},
       {"the server is silent", at("iiop:" + place), "doctor @ --call-timeout 1000", 54,
        "server: no answer from", "accepts connections, but there is no reply: the server hangs"},
       {"the server's host is unknown", at(":no.such.host.invalid:1"), "doctor @", 54,
