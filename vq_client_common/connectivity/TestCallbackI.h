@@ -42,10 +42,12 @@ class CORBAServantWrapper : public Skeleton {
   void Deactivate() {
     if (!m_active) return;
     m_active = false;
-    m_reference = CORBA::Object::_nil();
+    const CORBA::Object_var reference = m_reference._retn();
     try {
+      // Raises where the ORB has ended: a POA of TAO's would access freed memory.
+      vq::orb::StringifyReference(reference.in());
       m_poa->deactivate_object(m_id.in());
-    } catch (const CORBA::Exception&) {  // the POA has ended
+    } catch (const CORBA::Exception&) {  // the ORB has ended
     }
   }
 
