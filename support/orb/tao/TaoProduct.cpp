@@ -46,7 +46,7 @@ class Running {
     const std::lock_guard lock(m_mutex);
     if (!m_all.empty()) {
       VQ_LOG(diagModule, 4) << "The ORB " << name << " shares the time-outs, TLS and the initial "
-                            << "references of the one that was there before";
+                            << "references of the ORB that is up already";
       const OrbSettings& first = m_all.front().second;
       settings.connectTimeout = first.connectTimeout;
       settings.callTimeout = first.callTimeout;
