@@ -32,6 +32,9 @@ std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target)
     std::string why;
     if (TryToReach(endpoints.front(), kProbeLimit, why) != Reach::kReached) return why;
   }
+  if (dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&exception) != nullptr) {
+    return place + " does not know the object: the server was restarted, or another uses its port";
+  }
   return place + ": " + ExceptionText(exception);
 }
 

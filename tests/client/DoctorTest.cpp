@@ -130,6 +130,8 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
        "address: the server accepts TLS connections only", "Enable TLS: --ca FILE"},
       {"the server is silent", at("iiop:" + place), "doctor @ --call-timeout 1000", 54,
        "server: no answer from", "accepts connections, but there is no reply: the server hangs"},
+      {"another server has its port", at("iiop:" + At()), "doctor @", 54,
+       "does not know the object", "did not register after a restart"},
       {"the server's host is unknown", at(":no.such.host.invalid:1"), "doctor @", 54,
        "the host no.such.host.invalid cannot be resolved", "cannot resolve the name"},
       {"the server is down, on IPv6", at(":[::1]:1"), "doctor @", 54,
