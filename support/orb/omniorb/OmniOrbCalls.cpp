@@ -179,7 +179,13 @@ CORBA::Boolean RefuseOtherForm(omniInterceptors::clientReceiveReply_T::info_T& i
 }
 
 // omniORB raises fatalException when one of its assertions fails. It is no CORBA exception and
-// would end the process, so the functions that read are replaced by these.
+// would end the process. The ORB's own threads survive it.
+void Report(const omniORB::fatalException& exception) {
+  VQ_LOG(diagModule, 1) << "omniORB gives up: " << exception.errmsg() << " (" << exception.file()
+                        << ":" << exception.line() << ")";
+}
+
+// In place of the functions that read and write messages: fails the call.
 template <auto Member>
 struct Guarded;
 template <class... Arguments, void (*giopStreamImpl::*Member)(giopStream*, Arguments...)>
@@ -188,8 +194,7 @@ struct Guarded<Member> {
     try {
       original.at(stream->version().minor)(stream, arguments...);
     } catch (const omniORB::fatalException& exception) {
-      VQ_LOG(diagModule, 1) << "omniORB gives up on what arrived: " << exception.errmsg() << " ("
-                            << exception.file() << ":" << exception.line() << ")";
+      Report(exception);
       throw CORBA::INTERNAL(0, CORBA::COMPLETED_MAYBE);
     }
   }
@@ -211,7 +216,7 @@ std::size_t LimitedRemainingInput(giopStream* stream) {
   return std::min(remainingInput.at(stream->version().minor)(stream), kMostElements);
 }
 
-void GuardReading() {
+void GuardMessages() {
   for (CORBA::Octet minor = 0; minor < 3; ++minor) {
     giopStreamImpl* const version = giopStreamImpl::matchVersion({1, minor});
     if (version == nullptr) continue;
@@ -223,6 +228,10 @@ void GuardReading() {
     Guarded<&giopStreamImpl::getInputData>::Replace(*version);
     Guarded<&giopStreamImpl::skipInputData>::Replace(*version);
     Guarded<&giopStreamImpl::copyInputData>::Replace(*version);
+    Guarded<&giopStreamImpl::outputMessageBegin>::Replace(*version);
+    Guarded<&giopStreamImpl::outputMessageEnd>::Replace(*version);
+    Guarded<&giopStreamImpl::getReserveSpace>::Replace(*version);
+    Guarded<&giopStreamImpl::copyOutputData>::Replace(*version);
   }
 }
 
@@ -262,11 +271,16 @@ class CheckedRope : public Base {
     }
   }
 
+  // omniORB calls it in a destructor.
   void releaseClient(omni::IOP_C* client) override {
     auto& attempt = *static_cast<GIOP_C*>(client);
     if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
     if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt.strand());
-    Base::releaseClient(client);
+    try {
+      Base::releaseClient(client);
+    } catch (const omniORB::fatalException& exception) {
+      Report(exception);
+    }
   }
 
  private:
@@ -297,7 +311,8 @@ class CheckedRope : public Base {
       auto& attempt = *static_cast<GIOP_C*>(Base::acquireClient(ior, key, keySize, &descriptor));
       if (attempt.strand().connection == nullptr) Open(attempt, Share(tried, connectEnd));
       return attempt;
-    } catch (const omniORB::fatalException&) {  // a handshake that omniORB does not expect
+    } catch (const omniORB::fatalException& exception) {  // such as a handshake it does not expect
+      Report(exception);
       Fail(omni::TRANSIENT_ConnectFailed, CORBA::COMPLETED_NO);
     }
   }
@@ -414,7 +429,7 @@ void OmniOrbCalls::Install(const OrbSettings& settings) {
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);
   interceptors.clientReceiveReply.add(RefuseOtherForm);
-  GuardReading();
+  GuardMessages();
 }
 
 }  // namespace vq::orb
