@@ -237,7 +237,9 @@ TEST_F(CallbackTrialTest, IsCalledBackDespiteIntruders) {
   std::list<Intruder> intruders;
   for (int i = 0; i < 150; ++i) intruders.emplace_back(port, "GIOP");
   const std::string_view huge("GIOP\1\2\1\0\xF4\xFF\xFF\xFF", 12);
-  EXPECT_TRUE(intruders.emplace_back(port, huge).WasClosed());
+  if (!ThisProduct().roomForAnnounced) {
+    EXPECT_TRUE(intruders.emplace_back(port, huge).WasClosed());
+  }
   EXPECT_TRUE(TrySession(1000)) << m_error;
 }
 
