@@ -306,16 +306,16 @@ void CommandLine::Apply(bool needsServer) {
   AppendOrbArguments();
   if (!needsServer || !server.empty()) return;
   const NamingConnection naming(*this, 0, ExitCodeOf(vq::LoginResult::kOrbNotUp));
+  std::string reason;
   try {
-    server = naming.OnlyServer(kind);
+    server = naming.OnlyServer(kind, reason);
   } catch (const CORBA::Exception& e) {
     throw Failure(ExitCodeOf(vq::LoginResult::kOrbNotUp),
                   WithCause("The naming service fails.", CauseOf(e)));
   }
   if (server.empty()) {
-    throw CLI::ValidationError(
-        "--server NAME is required: the naming service knows no server of kind " +
-        GL_ResolveServerID(kind) + ", or several; vqclient servers lists them");
+    throw CLI::ValidationError("--server NAME is required: " + reason +
+                               "; vqclient servers lists all");
   }
 }
 

@@ -225,11 +225,10 @@ class Doctor {
 
   bool ExamineRegistration() {
     try {
-      if (m_line.server.empty()) m_line.server = m_naming->OnlyServer(m_line.kind);
+      std::string reason;
+      if (m_line.server.empty()) m_line.server = m_naming->OnlyServer(m_line.kind, reason);
       if (m_line.server.empty()) {
-        return Bad("registration",
-                   "the naming service knows no server of kind " + m_kind + ", or several",
-                   "Name one that vqclient servers lists: --server NAME.");
+        return Bad("registration", reason, "Name one that vqclient servers lists: --server NAME.");
       }
       m_server = ORBCommon<1>::Get()->Bind(m_line.server, m_kind, "UsersManager", false);
       return Good("registration", "the naming service knows server " + ServerName());

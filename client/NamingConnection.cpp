@@ -37,13 +37,18 @@ std::vector<CosNaming::Name> NamingConnection::Servers() const {
   return names;
 }
 
-std::string NamingConnection::OnlyServer(SERVER_ID kind) const {
+std::string NamingConnection::OnlyServer(SERVER_ID kind, std::string& reason) const {
+  const std::string kindName = GL_ResolveServerID(kind);
   std::string found;
   for (const CosNaming::Name& name : Servers()) {
-    if (name[0].kind.in() != GL_ResolveServerID(kind)) continue;
-    if (!found.empty()) return "";
+    if (name[0].kind.in() != kindName) continue;
+    if (!found.empty()) {
+      reason = "the naming service knows several servers of kind " + kindName;
+      return "";
+    }
     found = name[0].id;
   }
+  if (found.empty()) reason = "the naming service knows no server of kind " + kindName;
   return found;
 }
 

@@ -22,8 +22,9 @@ class NamingConnection {
   // The names of all servers. Raises CORBA::Exception, and Failure for an endless list.
   std::vector<CosNaming::Name> Servers() const;
 
-  // The name of the only server of that kind; empty if there is none, or more than one.
-  std::string OnlyServer(SERVER_ID kind) const;
+  // The name of the only server of that kind; empty, with the reason, if there is none or more than
+  // one.
+  std::string OnlyServer(SERVER_ID kind, std::string& reason) const;
 };
 
 // Everything in a naming context. Raises as NamingConnection::Servers.

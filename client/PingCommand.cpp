@@ -87,7 +87,8 @@ int Ping(CommandLine& line, const Rounds& rounds) {
   const NamingConnection connection(line, kCallLimit, kRefused);
   const std::string kind = GL_ResolveServerID(line.kind);
   try {
-    if (line.server.empty()) line.server = connection.OnlyServer(line.kind);
+    std::string reason;
+    if (line.server.empty()) line.server = connection.OnlyServer(line.kind, reason);
   } catch (const CORBA::Exception&) {  // the round trips show it
   }
   Target naming("naming service");
