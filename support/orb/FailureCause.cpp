@@ -44,7 +44,7 @@ void NoteCause(std::string cause) noexcept {
   Cause() = std::move(cause);
 }
 
-void BeginCall() noexcept {
+void BeginCall() {
   const auto end = CallDeadline::Current();
   if (!end || CallDeadline::Clock::now() < *end) {
     Cause().clear();

@@ -21,10 +21,9 @@ namespace vq::orb {
 // behind a semicolon.
 void NoteCause(std::string cause) noexcept;
 
-// Forgets the cause of an earlier call. When the deadline of the thread is over already
-// (CallDeadline), the cause of the call that used up the time remains, since the next call is not
-// sent.
-void BeginCall() noexcept;
+// Forgets the cause of an earlier call. When the thread's deadline (CallDeadline) has passed, no
+// call is sent, and the cause of the call that used up the time remains.
+void BeginCall();
 
 // The cause noted last on this thread, which is forgotten; empty when none was noted since.
 std::string TakeCause() noexcept;
