@@ -44,8 +44,8 @@ class CORBAServantWrapper : public Skeleton {
     m_active = false;
     const CORBA::Object_var reference = m_reference._retn();
     try {
-      // Raises where the ORB has ended: a POA of TAO's would access freed memory.
-      vq::orb::StringifyReference(reference.in());
+      // Raises when the ORB has ended: a POA of TAO would access freed memory.
+      if (!CORBA::is_nil(reference.in())) vq::orb::StringifyReference(reference.in());
       m_poa->deactivate_object(m_id.in());
     } catch (const CORBA::Exception&) {  // the ORB has ended
     }
