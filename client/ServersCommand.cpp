@@ -35,6 +35,7 @@ void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNamin
   try {
     if (!CORBA::is_nil(context.in())) services = ListContext(context.in());
   } catch (const CORBA::SystemException&) {  // a context at another host that does not answer
+    if (line.IsTimeOver()) throw;
     rows.push_back(row);
     return;
   }
