@@ -61,10 +61,9 @@ class VQ_CLIENT_COMMON_API QCSSelectionDef {
   virtual std::string AsString() const;
 
   // Sets whether a matching fits whose attribute is missing: `fits` for the positive operators
-  // (=, <, <=, >, >=, LIKE),
-  // `negatedFits` for the negative ones (!=, NOT LIKE). Both are false here. A derived class may
-  // override this, and must not change the object: DoesItFit calls it, on constant objects,
-  // too.
+  // (=, <, <=, >, >=, LIKE), `negatedFits` for the negative ones (!=, NOT LIKE). Both are false
+  // here. A derived class may override this, and must not change the object: DoesItFit calls it, on
+  // constant objects, too.
   virtual void HowToEvaluateMissingAttrsMatches(bool& fits, bool& negatedFits);
 
   // Checks the fields of all matchings by IsValidField. Returns 1 when all are valid, else 0.

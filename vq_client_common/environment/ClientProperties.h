@@ -13,10 +13,9 @@
 //   if (!properties->SaveProperties()) Show("The settings are not saved.");
 //
 // Limits of the file:
-//  - A save overwrites the file. A crash, a full disk or a second client during the save can
-//    leave an incomplete file, which loads as empty.
-//    A client that must not lose settings makes a copy of the file before it saves, and restores
-//    it when the file is incomplete at the next start.
+//  - A save overwrites the file. A crash, a full disk or a second client during the save can leave
+//    an incomplete file, which loads as empty. A client that must not lose settings makes a copy of
+//    the file before it saves, and restores it when the file is incomplete at the next start.
 //  - Keys are written as they are. A key that is no XML name makes a file that loads as empty.
 //  - "%s" in a key or a value makes a file that loads as empty (see SaveProperties).
 //  - Values are written as bytes, and read as UTF-8 and converted to the encoding of the process's

@@ -56,9 +56,8 @@ class VQ_CLIENT_COMMON_API UserPass {
   // Completes user name and password, and sets the status. True when both are there.
   // - Without a file, it asks on the console for what is missing.
   // - With a file only, it reads the file. It does not ask for what the file lacks.
-  // - A file and anything else is a conflict, and nothing is read.
-  //   So after a file was read, a second Init
-  //   of the same object is a conflict.
+  // - A file and anything else is a conflict, and nothing is read. So after a file was read, a
+  //   second Init of the same object is a conflict.
   bool Init();
 
   // The status of the last Init; STAT_NOT_INITIALIZED before the first.

@@ -113,9 +113,8 @@ class VQ_CLIENT_COMMON_API ForecastTimesManipulationMP {
   static bool ConvertTimeToDayHourMin(std::int32_t t, int& day, int& hour, int& minute,
                                       int& second);
 
-  // A relative time as "07:05", with seconds as "07:05:09".
-  // The day comes first unless it is 0: "(+1)07:05".
-  // Empty for a time that ConvertTimeToDayHourMin refuses.
+  // A relative time as "07:05", with seconds as "07:05:09". The day comes first unless it is 0:
+  // "(+1)07:05". Empty for a time that ConvertTimeToDayHourMin refuses.
   static std::string ConvertTimeToStrWithDays(std::int32_t t, bool withSeconds);
 
   // An absolute time as the local time of a data center, in the form of ConvertTimeToStrWithDays
