@@ -288,8 +288,8 @@ def calling(call):
 
 
 def announcing(size, *values, first=0):
-    """A reply whose header announces more than comes: a good one, or these numbers. So many of its
-    bytes come before the rest."""
+    """A reply whose header announces more than is sent: a valid reply, or one with these numbers. The
+    first bytes of it, as many as `first`, are sent 0.1 s before the rest."""
     def act(call):
         answer = call.answer()
         if values:

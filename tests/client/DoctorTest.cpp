@@ -17,8 +17,8 @@ using nlohmann::json;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-// References of a server with the ports 1 and 2 of 127.0.0.1, and of one that takes TLS connections
-// alone.
+// References of a server at ports 1 and 2 of 127.0.0.1, and of one that accepts TLS connections
+// only.
 constexpr const char* kTwoAddresses =
     "IOR:010000001d00000049444c3a514353436f72626155736572734d616e616765723a312e3000000000"
     "020000000000000028000000010102000a0000003132372e302e302e310001000c00000055736572734d"

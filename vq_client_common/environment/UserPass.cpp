@@ -17,8 +17,8 @@ struct Status {
   const char* text;
   bool isCorrectable;
 };
+// Every status that an object can have.
 constexpr Status kStatuses[] = {
-    // all that an object can have
     {UserPass::STAT_NOT_INITIALIZED, "Missing Login Parameters.", false},
     {UserPass::STAT_MISSING_ALL, "Missing Login Parameters.", true},
     {UserPass::STAT_MISSING_PASSWORD, "Missing password", true},

@@ -98,8 +98,8 @@ bool IsClose(const Header& header) {
   return header[7] == kCloseConnection;
 }
 
-// What a message announces to hold. TAO makes room for it, or reads for ever where its own sum
-// exceeds 32 bits.
+// The size of the message behind the header. TAO allocates that much before it reads on. When the
+// sum with the header's size exceeds 32 bits, TAO reads without end.
 std::uint64_t AnnouncedSize(const Header& header) {
   const bool isLittle = (header[6] & 1) != 0;
   std::uint64_t size = 0;
@@ -107,7 +107,7 @@ std::uint64_t AnnouncedSize(const Header& header) {
   return size;
 }
 
-// TAO tells only classes of its own of which messages it has read a part. Tried with TAO 2.2.1.
+// Access to a protected member: the messages that TAO has read in part. Tried with TAO 2.2.1.
 struct Incoming : TAO_Transport {
   static constexpr auto kMessages = &Incoming::incoming_message_stack_;
 };
@@ -191,7 +191,7 @@ class ReplyReader : public TAO_Wait_Strategy {
     return call.end <= Clock::now() ? ETIME : ECONNRESET;
   }
 
-  // Has a wait for the socket end when that many bytes are there.
+  // A wait for the socket ends when that many bytes have arrived.
   void WakeFrom(int bytes) {
     ::setsockopt(Socket(), SOL_SOCKET, SO_RCVLOWAT, &bytes, sizeof bytes);
   }
@@ -211,7 +211,7 @@ class ReplyReaders : public TAO_Default_Client_Strategy_Factory {
   const std::uint64_t m_limit;
 };
 
-// How the call went; nothing where the ORB has not read that.
+// The result of the call; empty when the ORB has not read it.
 std::optional<PortableInterceptor::ReplyStatus> StatusOf(ClientRequestInfo_ptr request) {
   try {
     return request->reply_status();

@@ -61,7 +61,7 @@ std::string Place(const char* host, int port) {
   return std::string(host) + ":" + std::to_string(port);
 }
 
-// The object's key: an object of the same address that has another is another object.
+// The object's key, which tells the objects at one address apart.
 std::string KeyOf(TAO_Stub& stub) {
   const TAO_Profile* const profile = stub.base_profiles().get_profile(0);
   if (profile == nullptr) return {};
@@ -69,7 +69,7 @@ std::string KeyOf(TAO_Stub& stub) {
   return {reinterpret_cast<const char*>(key.get_buffer()), key.length()};
 }
 
-// The naming services that offer no TLS: what alone may be called unencrypted. They may forward to
+// The naming services without TLS. Only these may be called unencrypted. They may forward to
 // another reference of their own, but not to another address. Thread safety: any thread.
 class NamingPlaces {
  public:
@@ -121,7 +121,7 @@ class NamingPlaces {
   std::set<std::string> m_keys;
 };
 
-// SSLIOP's connector, and none but the naming service is connected to unencrypted.
+// SSLIOP's connector. Only a naming service is connected to without TLS.
 class Connector : public CheckedConnector {
  public:
   Connector(std::unique_ptr<TAO_Connector> connector, const OrbSettings& settings)
