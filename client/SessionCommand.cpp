@@ -77,7 +77,7 @@ bool KeepUp(const CommandLine& line, vq::Session& session, const Upkeep& upkeep,
   return true;
 }
 
-// GL_LogOut does not say whether the server has answered. Returns whether it has.
+// Returns whether the server has answered, which the result of GL_LogOut does not show.
 bool LogOut() {
   std::string cause;
   try {
@@ -86,7 +86,7 @@ bool LogOut() {
     cause = CauseOf(e);
   }
   const bool isDone = !LoginHandler::GetGlobal()->IsConnected();
-  if (!isDone) PrintError(WithCause("The server does not answer the logout.", cause));
+  if (!isDone) PrintError(WithCause("The server does not confirm the logout.", cause));
   Report("logout", isDone ? 1 : vq::CodeOf(vq::LoginResult::kNoServer));
   ConnectionSettings::Get()->SetUserID("");  // so that the end of the session does not try again
   return isDone;
