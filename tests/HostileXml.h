@@ -24,7 +24,7 @@
 namespace vq::test {
 
 // Notices when a parser fetches what a document names: a file, or a page of a server, which hangs
-// up at once. Thread contract: one thread at a time.
+// up at once. Thread safety: one thread at a time.
 class FetchWatch {
  public:
   explicit FetchWatch(const TemporaryDirectory& directory)

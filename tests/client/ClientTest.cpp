@@ -290,7 +290,7 @@ TEST(StoredSettings, DISABLED_Print) {
   std::_Exit(0);  // A leak checker may not look at such a program.
 }
 
-// With the rights of its owner a program must not take settings from whoever starts it.
+// With the rights of its owner a program must not take settings from the user who starts it.
 TEST_F(ClientTest, ASetUserIdProgramDoesNotReadTheUsersLayer) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can make such a program";
   m_environment.Set("VQ_CONFIG_DOMAINS", std::nullopt);

@@ -63,7 +63,7 @@ class DoctorTest : public ClientFixture {
     ORBCommon<1>::Get()->DestroyOrb(true);
   }
 
-  // A server with a TLS endpoint beside the one in clear.
+  // A server with a TLS endpoint beside the unencrypted one.
   void StartTls(const Identity& identity, Server::Place place = Server::kDirect) {
     StartServer(BaseSite(),
                 {"-SSLCACertificate", m_authority.File(), "-SSLCertificate",

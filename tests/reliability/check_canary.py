@@ -26,7 +26,7 @@ def encoded(password):
 
 
 def counts(pid, secrets):
-    """How often each stands in what a process has in its memory."""
+    """How often each occurs in the memory of a process."""
     found = dict.fromkeys(secrets, 0)
     with open(f"/proc/{pid}/maps") as maps, open(f"/proc/{pid}/mem", "rb", 0) as memory:
         for line in maps:

@@ -3,7 +3,7 @@
 //   const StandardInput input("operator\nsesame\n");
 //   const StandardInput closed(std::nullopt);
 //
-// Thread contract: one thread at a time.
+// Thread safety: one thread at a time.
 #ifndef VQ_TESTS_SUPPORT_DIAGNOSTICS_STANDARDINPUT_H
 #define VQ_TESTS_SUPPORT_DIAGNOSTICS_STANDARDINPUT_H
 
