@@ -17,8 +17,8 @@
 namespace vq::orb {
 
 // Keeps the cause for the calling thread, which is the one that makes the call. The latest wins.
-// One line without a closing full stop; no secret in it. What to do next, if it is known, stands
-// behind a semicolon.
+// One line without a closing full stop; no secret in it. What to do next, if it is known, follows a
+// semicolon.
 void NoteCause(std::string cause) noexcept;
 
 // Forgets the cause of an earlier call. When the thread's deadline (CallDeadline) has passed, no

@@ -58,6 +58,7 @@ TEST_F(LoginTest, TellsWhoLogsIn) {
     m_log.Clear();
     ASSERT_EQ(Login("alice", "secret", "central", client), 1) << m_log.Text();
     const std::string log = m_log.Text(), entered = "6 LoginHandler::Register: Enter";
+    ASSERT_NE(log.find(entered), std::string::npos) << log;
     EXPECT_EQ(log.find(entered), log.rfind(entered)) << "one scope";
     const json arguments = server.LastCall("CRB_Register")["arguments"];
     EXPECT_EQ(arguments["userName"], "alice");
