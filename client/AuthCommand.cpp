@@ -140,7 +140,8 @@ int Show(CommandLine& line) {
     users->CRB_GetMyAuthorizationsFromMemory(ConnectionSettings::Get()->GetUserID().c_str(),
                                              object.out(), snapshot.out());
   } catch (const CORBA::Exception& e) {
-    throw Failure(kNoAnswer,
+    const bool isLost = dynamic_cast<const CORBA::SystemException*>(&e) != nullptr;
+    throw Failure(isLost ? kSessionLost : kNoAnswer,
                   WithCause("The server does not return the user's authorizations.", CauseOf(e)));
   }
   const nlohmann::json all = Describe(snapshot.in(), session.Authorizations()->IsAdministrator());

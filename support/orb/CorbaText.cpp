@@ -30,7 +30,7 @@ std::string ExceptionText(const CORBA::Exception& exception) {
   }
   text += fmt::format(", completed: {}", CompletionText(system->completed()));
   if (IsMessageTooLarge(*system)) {
-    text += std::string("; the message is larger than the setting ") + kMaxMessageSize + " allows";
+    text += std::string(": the message is larger than the setting ") + kMaxMessageSize + " allows";
   }
   return text;
 }

@@ -167,6 +167,7 @@ bool QCSOrbCommon::ReachNamingService() {
   try {
     m_naming = std::make_unique<vq::orb::NamingService>(*m_instance, *m_settings);
     m_naming->Reach();
+    vq::orb::TakeCause();  // that of an address before, which does not answer
     return true;
   } catch (const CORBA::OBJECT_NOT_EXIST&) {
     vq::orb::NoteCause(

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <memory>
+#include <new>
 
 #include <support/orb/Corba.h>
 #include <support/orb/OrbProduct.h>
@@ -48,6 +49,7 @@ class CORBAServantWrapper : public Skeleton {
       if (!CORBA::is_nil(reference.in())) vq::orb::StringifyReference(reference.in());
       m_poa->deactivate_object(m_id.in());
     } catch (const CORBA::Exception&) {  // the ORB has ended
+    } catch (const std::bad_alloc&) {    // the ORB's end deactivates it
     }
   }
 

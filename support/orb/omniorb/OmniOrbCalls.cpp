@@ -49,8 +49,8 @@ TDiagRegister diagModule("ORB");
 constexpr int kMostConnections = 16;
 constexpr int kMostForwards = 8;
 
-// Elements of a list or characters of a string in one message. omniORB allocates all that a message
-// announces before it has arrived, up to 40 bytes for each.
+// Elements of a list, bytes of a list of numbers or characters of a string in one message. omniORB
+// allocates all that a message announces before it has arrived, up to 40 bytes for each.
 constexpr std::size_t kMostElements = std::size_t{16} << 20U;
 
 // Written before the ORB starts, read by calls.
@@ -274,9 +274,9 @@ class CheckedRope : public Base {
   // omniORB calls it in a destructor.
   void releaseClient(omni::IOP_C* client) override {
     auto& attempt = *static_cast<GIOP_C*>(client);
-    if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
-    if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt.strand());
     try {
+      if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
+      if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt.strand());
       Base::releaseClient(client);
     } catch (const omniORB::fatalException& exception) {
       Report(exception);

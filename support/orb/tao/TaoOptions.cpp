@@ -91,9 +91,12 @@ std::uint64_t TaoTime(std::chrono::milliseconds time) {
 
 std::string TaoMinorText(std::string_view information) {
   // OMG's own codes: described as 'No usable profile in IOR.', where the descriptions are built in.
-  const std::string described = Between(information, "described as '", "', completed");
-  if (described.starts_with('*')) return {};
-  return described.empty() ? Between(information, " (", "), completed") : described;
+  std::string text = Between(information, "described as '", "', completed");
+  if (text.starts_with('*')) return {};
+  if (text.empty()) text = Between(information, " (", "), completed");
+  // In a cause, advice follows a semicolon (FailureCause.h).
+  std::replace(text.begin(), text.end(), ';', ',');
+  return text;
 }
 
 }  // namespace vq::orb

@@ -179,7 +179,7 @@ TEST(TaoOptionsTest, UnitsAndWords) {
   test::ExpectRows(
       TaoMinorText,
       {"exception, minor code = 2 (failed to connect; ECONNREFUSED), completed = NO\n -> "
-       "failed to connect; ECONNREFUSED",
+       "failed to connect, ECONNREFUSED",
        "minor code (2), described as 'No usable profile.', completed = NO\n -> No usable profile.",
        "minor code (2), described as '*unknown description*', completed = NO\n -> ",
        "vendor minor code id (0), minor code = 7, completed = NO\n -> ", "minor code = 1 ( -> ",
