@@ -233,7 +233,7 @@ TEST_F(CallbackTrialTest, SaysWhyACallbackFailsInItsTime) {
   EXPECT_FALSE(Troubleshoot::TestCallback(nullptr, m_error, m_roundTrip, 500));
 }
 
-// Whoever reaches the client's port: messages that do not end, and one that announces nearly 4 GiB.
+// Other programs at the client's port: unfinished messages, and one that announces nearly 4 GiB.
 TEST_F(CallbackTrialTest, IsCalledBackDespiteIntruders) {
   StartServer();
   const int port = FreePort();

@@ -61,7 +61,7 @@ std::string Place(const char* host, int port) {
   return std::string(host) + ":" + std::to_string(port);
 }
 
-// The object's key, which tells the objects at one address apart.
+// The object's key, which distinguishes the objects at one address.
 std::string KeyOf(TAO_Stub& stub) {
   const TAO_Profile* const profile = stub.base_profiles().get_profile(0);
   if (profile == nullptr) return {};
