@@ -21,7 +21,7 @@ void StlVector2CorbaSequence(const Container& texts, stringSeq& sequence) {
   for (const std::string& text : texts) sequence[i++] = text.c_str();
 }
 
-// The string; null counts as the empty one. Takes no ownership.
+// A string of the wire as std::string; null becomes the empty one. Takes no ownership.
 inline std::string CorbaString2StlString(const char* text) {
   return text == nullptr ? "" : text;
 }

@@ -1,4 +1,4 @@
-// A listen endpoint as the setting -ORBListenEndpoints gives it:
+// Where an ORB listens for calls, as the setting -ORBListenEndpoints has it. Its form:
 //
 //   iiop://[host][:port][/option{&option}]
 //
@@ -30,8 +30,8 @@ struct ListenEndpoint {
   bool operator==(const ListenEndpoint&) const = default;
 };
 
-// Nothing for a string of another form; `error` then names the part that is wrong. An empty string
-// is the endpoint "iiop://".
+// The endpoint in a string; nothing for a string of another form, of which `error` then names the
+// wrong part. An empty string is the endpoint "iiop://".
 std::optional<ListenEndpoint> ParseListenEndpoint(std::string_view text, std::string& error);
 
 // A host as it is written in an address: an IPv6 address in brackets.

@@ -115,9 +115,9 @@ struct DomainScopes {
 // read.
 bool ReadDomainScopes(const std::string& scope, DomainScopes& domain);
 
-// Applies the order above. A value of another form raises std::invalid_argument with a text that
-// names the setting, the value and the form. `scopes` are those of the domain that
-// apply, the strongest first.
+// The settings of an ORB: each from the first source that has it, in the order above. `scopes` are
+// those of the domain that apply, the strongest first. A value of another form raises
+// std::invalid_argument with a text that names the setting, the value and the form.
 OrbSettings ResolveSettings(const OrbArguments& arguments, const std::vector<SettingScope>& scopes);
 
 // The references of the naming service: that of the initial reference NameService, or, where it is

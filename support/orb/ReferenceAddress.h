@@ -26,14 +26,17 @@ struct ReferenceAddress {
   std::string port;  // decimal; "0" for an object that listens for TLS only
 };
 
-// Why a reference has no address. The diagnostics print the texts.
+// Why a reference has no address.
 enum class AddressFault { kNone, kNil, kInvalidStub, kInvalidProfile, kNoAddress };
-std::string_view AddressFaultText(AddressFault fault);  // empty for kNone
 
-// `address` is set only when the result is kNone. `object` may be null or nil.
+// A fault in words, for the log; empty for kNone.
+std::string_view AddressFaultText(AddressFault fault);
+
+// Reads the first address from a reference. `address` is set only when the result is kNone.
+// `object` may be null or nil.
 AddressFault AddressOf(CORBA::Object_ptr object, ReferenceAddress& address);
 
-// The same for a reference as a string; any string is accepted.
+// Reads the first address from a reference in string form; any string is accepted.
 AddressFault AddressOfText(std::string_view ior, ReferenceAddress& address);
 
 // One address at which an object listens.
@@ -44,11 +47,10 @@ struct ReferenceEndpoint {
   int profile = 0;   // counted from 0
 };
 
-// All endpoints in a reference, in its order; empty when none can be read.
-// IPv6 addresses are without brackets. No call is made.
+// All endpoints in a reference, in its order; empty when none can be read. Makes no call.
 VQ_CLIENT_COMMON_API std::vector<ReferenceEndpoint> EndpointsOf(CORBA::Object_ptr object);
 
-// The same for a reference as a string; any string is accepted.
+// All endpoints in a reference in string form; any string is accepted.
 std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior);
 
 // "host:port", for a person.

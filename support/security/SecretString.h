@@ -1,4 +1,4 @@
-// Wipes strings that must not stay in memory after their use.
+// A string that is overwritten when it is no longer needed, such as a password.
 //
 // A *secret* is a password or a value computed from one. Freeing a string leaves its bytes in the
 // heap, and a short string leaves them in the object itself, so a secret is overwritten before its

@@ -201,7 +201,7 @@ class VQ_CLIENT_COMMON_API TDC {
   bool m_onlyInDraft = false;
 };
 
-// Both log "NOT IMPLEMENTED" and return 0. The job is not used and may be null.
+// Not implemented: logs "NOT IMPLEMENTED" and returns 0. The job is not used and may be null.
 VQ_CLIENT_COMMON_API int Convert_DBjobToTimeSynonym(QCSDBJob* job, const std::string& newDay);
 VQ_CLIENT_COMMON_API int Convert_DBjobFromTimeSynonym(QCSDBJob* job);
 

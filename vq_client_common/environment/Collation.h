@@ -31,12 +31,14 @@ VQ_CLIENT_COMMON_API int strncoll(const char* a, const char* b, unsigned int n);
 
 namespace i18n_aux {
 
-// Each returns a new text without the characters at its end or ends; an empty one for null.
-
-VQ_CLIENT_COMMON_API std::string strtrim(const char* text);        // blanks at both ends
-VQ_CLIENT_COMMON_API std::string strtrim2(const char* text);       // blanks and tabs at both ends
-VQ_CLIENT_COMMON_API std::string strtrim_left(const char* text);   // blanks at the start
-VQ_CLIENT_COMMON_API std::string strtrim_right(const char* text);  // blanks at the end
+// A copy of the text without blanks at both ends. Each of these returns an empty text for null.
+VQ_CLIENT_COMMON_API std::string strtrim(const char* text);
+// A copy of the text without blanks and tabs at both ends.
+VQ_CLIENT_COMMON_API std::string strtrim2(const char* text);
+// A copy of the text without blanks at its start.
+VQ_CLIENT_COMMON_API std::string strtrim_left(const char* text);
+// A copy of the text without blanks at its end.
+VQ_CLIENT_COMMON_API std::string strtrim_right(const char* text);
 
 }  // namespace i18n_aux
 

@@ -24,22 +24,27 @@ enum PasswordRule {
   PWD_RULE_SPECIAL = 8,
 };
 
-// The least and the greatest length in bytes: "MinPasswordLength" and "MaxPasswordLength"; 6 and 32
-// when they cannot be read, 0 for a value that is no number.
+// The least length in bytes, "MinPasswordLength"; 6 when it cannot be read, 0 for a value that is
+// no number.
 VQ_CLIENT_COMMON_API int GetMinPasswordLength();
+
+// The greatest length in bytes, "MaxPasswordLength"; 32 when it cannot be read, 0 for a value that
+// is no number.
 VQ_CLIENT_COMMON_API int GetMaxPasswordLength();
 
-// "PasswordComplexityOnOff": true for exactly "1", "Y" or "y"; false when it cannot be read.
+// Whether the complexity rules apply, "PasswordComplexityOnOff": true for exactly "1", "Y" or "y";
+// false when it cannot be read.
 VQ_CLIENT_COMMON_API bool IsPasswordComplexityON();
 
-// "PasswordComplexityRules": the sum of the PasswordRule bits; 15 when it cannot be read. A rule is
-// on when the value contains any single character of its name ("PWD_DIGIT", "PWD_UPPER", "PWD_LOW",
-// "PWD_NON_LETDIG"). So a value with one full name switches all four rules on; "U" is the rule for
-// upper case alone.
+// The complexity rules, "PasswordComplexityRules": the sum of the PasswordRule bits; 15 when it
+// cannot be read. A rule is on when the value contains any single character of its name
+// ("PWD_DIGIT", "PWD_UPPER", "PWD_LOW", "PWD_NON_LETDIG"). So a value with one full name switches
+// all four rules on; "U" is the rule for upper case alone.
 VQ_CLIENT_COMMON_API int GetPasswordComplexityRules();
 
-// Returns 1, with `message` empty, when the password meets the rules; 51, with the reason in
-// `message`, when it does not. A digit or special rule that is on refuses every password.
+// Checks a new password against the rules. Returns 1, with `message` empty, when it meets them; 51,
+// with the reason in `message`, when it does not. A digit or special rule that is on refuses every
+// password.
 VQ_CLIENT_COMMON_API int CheckPasswordValidity(const std::string& password, std::string& message);
 
 // Changes the password of the user of ConnectionSettings at the server. Without `expired` it does

@@ -16,7 +16,7 @@
 
 namespace vq {
 
-// One setting.
+// A setting, its value and the origin of the value.
 struct Setting {
   std::string group;   // "locations", "ORB", "log", "session", "client"
   std::string name;    // as the user writes it

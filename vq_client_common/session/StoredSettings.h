@@ -20,7 +20,7 @@
 
 namespace vq {
 
-// One value of one scope.
+// A setting that is stored in a file of the configuration domain.
 struct StoredSetting {
   std::string scope;  // such as "default" or "GUI"
   std::string name;   // such as "-ORBCallTimeout"

@@ -24,11 +24,13 @@ VQ_CLIENT_COMMON_API bool GetSystemParameter(const std::string& name, std::strin
 // Returns 1; 0, with `level` 3 and a text in `message`, when it cannot be read.
 VQ_CLIENT_COMMON_API int GetSecurityLevel(SEC_AUTHOR_LVL& level, std::string& message);
 
-// "general"/"PermitManualUnlock": true for exactly "1"; false when it cannot be read.
+// Whether a user may unlock manually, "general"/"PermitManualUnlock": true for exactly "1"; false
+// when it cannot be read.
 VQ_CLIENT_COMMON_API bool GetPermitManualUnLock();
 
-// "general"/"ApplicationFieldIsMandatory" and "general"/"SubApplicationFieldIsMandatory": true for
-// every value but "0"; false when it cannot be read.
+// Whether a field is mandatory, "general"/"ApplicationFieldIsMandatory" and
+// "general"/"SubApplicationFieldIsMandatory": true for every value but "0"; false when it cannot be
+// read.
 VQ_CLIENT_COMMON_API bool GetApplicationFieldIsMandatoryParameter();
 VQ_CLIENT_COMMON_API bool GetSubApplicationFieldIsMandatoryParameter();
 

@@ -50,7 +50,8 @@ enum QCSFieldName : std::int32_t {
 // only: 8 bytes with it, 10 without.
 VQ_CLIENT_COMMON_API std::int32_t GetFieldLength(QCSFieldName field, bool shortForm);
 
-// The same for schedulers of version 640, where QCS_FIELD_10 has 30 bytes and QCS_FIELD_11 4000.
+// The length of a field in bytes for schedulers of version 640: 30 for QCS_FIELD_10, 4000 for
+// QCS_FIELD_11, any other as above without `shortForm`.
 VQ_CLIENT_COMMON_API std::int32_t GetFieldLength640(QCSFieldName field);
 
 #endif  // VQ_CLIENT_COMMON_TEXT_FIELDLENGTH_H
