@@ -39,27 +39,13 @@ std::string SiteScope(const std::string& site) {
   return "site " + site;
 }
 
-// Sets a missing value to the first one of the scope.
-void TakeStored(const std::list<vq::StoredSetting>& stored, const std::string& scope,
-                const std::string& name, Source source, std::optional<Value>& value) {
-  if (value) return;
-  for (const vq::StoredSetting& setting : stored) {
-    if (setting.scope != scope || setting.name != name) continue;
-    value = {setting.value, source, setting.file + ", " + scope};
-    return;
-  }
-}
-
-std::string Environment(const char* variable) {
-  const char* const value = *variable != '\0' ? std::getenv(variable) : nullptr;
-  return value != nullptr ? value : "";
-}
-
 }  // namespace
 
 const std::vector<SharedOption>& SharedOptions() {
   using namespace vq::orb;
   static const std::vector<SharedOption> kOptions{
+      {"site", "", "VQ_SITE", "", "SITE",
+       "Use the settings of this site (vqclient --site NAME config set ...)"},
       {"server", "s", "VQ_SERVER", "", "NAME",
        "Logical name of the server; default: the only one of its kind in the naming service"},
       {"kind", "k", "VQ_KIND", "", "GSR|GAS|QIMS|Forecast|CMS|SLS",
@@ -102,44 +88,43 @@ const std::vector<SharedOption>& SharedOptions() {
 }
 
 const SharedOption* FindSharedOption(const std::string& name) {
-  const auto& options = SharedOptions();
-  const auto found = std::find_if(options.begin(), options.end(), [&](const SharedOption& option) {
-    return option.name == name || (*option.setting != '\0' && option.setting == name);
+  const auto found = std::ranges::find_if(SharedOptions(), [&](const SharedOption& option) {
+    return option.name == name || (option.IsOrb() && option.setting == name);
   });
-  return found != options.end() ? &*found : nullptr;
+  return found != SharedOptions().end() ? &*found : nullptr;
+}
+
+const SharedOption* SettingNamedIn(const std::string& text) {
+  const auto found = std::ranges::find_if(SharedOptions(), [&](const SharedOption& option) {
+    return option.IsOrb() && text.find(option.setting) != std::string::npos;
+  });
+  return found != SharedOptions().end() ? &*found : nullptr;
 }
 
 std::string ScopeOf(const SharedOption& option, const std::string& site) {
   if (!site.empty()) return SiteScope(site);
-  return *option.setting != '\0' ? kDefaultScope : kOwnScope;
+  return option.IsOrb() ? kDefaultScope : kOwnScope;
 }
 
 std::string OrbValue(const SharedOption& option, const std::string& text) {
-  if (std::string_view(option.setting) != vq::orb::kInitRef ||
-      text.find('=') != std::string::npos) {
-    return text;
-  }
+  if (option.setting != vq::orb::kInitRef || text.find('=') != std::string::npos) return text;
   const bool isReference = text.starts_with("corbaloc:") || text.starts_with("IOR:");
   return "NameService=" + (isReference ? text : "corbaloc:iiop:" + text + "/NameService");
 }
 
 std::string WhyInvalid(const SharedOption& option, const std::string& text) {
-  const std::string_view type = option.type;
   const std::string quoted = "'" + text + "' is ";
-  if (type == kSeconds) return Seconds(text) > 0 ? "" : quoted + "not a number from 1 to 86400";
-  if (type.find('|') != std::string_view::npos) {
-    const std::string choices = "|" + std::string(type) + "|";
-    if (!text.empty() && choices.find("|" + text + "|") != std::string::npos) return "";
-    std::string list(type);
-    for (std::size_t at = 0; (at = list.find('|', at)) != std::string::npos;) {
-      list.replace(at, 1, ", ");
-    }
-    return quoted + "not one of " + list;
+  if (option.type == kSeconds) {
+    return Seconds(text) > 0 ? "" : quoted + "not a number from 1 to 86400";
+  }
+  if (option.IsChoice()) {
+    const bool isOne = ("|" + option.type + "|").find("|" + text + "|") != std::string::npos;
+    return isOne && !text.empty() ? "" : quoted + "not one of " + Replaced(option.type, "|", ", ");
   }
   if (text.empty()) return "it is empty";
-  if (*option.setting == '\0') return "";
+  if (!option.IsOrb()) return "";
   const std::string value = OrbValue(option, text);
-  const std::array<const char*, 3> arguments{"vqclient", option.setting, value.c_str()};
+  const std::array<const char*, 3> arguments{"vqclient", option.setting.c_str(), value.c_str()};
   for (const vq::Setting& setting : vq::ReportSettings(CLIENT_CLI, 3, arguments.data())) {
     const bool isThis = setting.value.find(option.setting) != std::string::npos;
     if (setting.group == "ORB" && setting.name == "malformed" && isThis) return setting.value;
@@ -147,20 +132,14 @@ std::string WhyInvalid(const SharedOption& option, const std::string& text) {
   return "";
 }
 
-Cause SplitCause(const std::string& cause) {
+std::pair<std::string, std::string> SplitCause(const std::string& cause) {
   const std::size_t semicolon = cause.rfind("; ");
   if (semicolon == std::string::npos) return {cause, ""};
-  std::string advice = cause.substr(semicolon + 2);
+  std::string advice = cause.substr(semicolon + 2) + ".";
   advice[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(advice[0])));
-  advice += '.';
-  for (const SharedOption& option : SharedOptions()) {
-    const std::string setting = option.setting;
-    const std::size_t at = setting.empty() ? std::string::npos : advice.find(setting);
-    if (at == std::string::npos) continue;
-    const std::string name = option.name;
-    advice.replace(at, setting.size(), "--" + name);
-    advice += " To store it: vqclient config set " + name + " " + option.type;
-    break;
+  if (const SharedOption* const option = SettingNamedIn(advice)) {
+    advice = Replaced(advice, option->setting, "--" + option->name) +
+             " To store it: vqclient config set " + option->name + " " + option->type;
   }
   return {cause.substr(0, semicolon), advice};
 }
@@ -191,23 +170,20 @@ void CommandLine::AddGlobalOptions(CLI::App& program) {
   program.add_flag("--json", Form().json, "Print data as JSON, also that of a failure");
   program.add_flag("-q,--quiet", Form().quiet,
                    "Print only errors, and the data that was asked for");
-  program
-      .add_option("--site", given["site"],
-                  "Use the settings of this site (vqclient --site NAME config set ...)")
-      ->type_name("SITE");
+  const SharedOption& shared = SharedOptions().front();
+  program.add_option("--site", given["site"], shared.text)->type_name(shared.type);
 }
 
 void CommandLine::AddConnectionOptions(CLI::App& command) {
   for (const SharedOption& shared : SharedOptions()) {
-    const std::string name = shared.name;
-    const std::string letter = *shared.letter != '\0' ? std::string("-") + shared.letter + "," : "";
-    const std::string variable =
-        *shared.variable != '\0' ? std::string(" [") + shared.variable + "]" : "";
-    command.add_option(letter + "--" + name, given[name], shared.text + variable)
+    if (shared.name == "site") continue;  // precedes a command
+    const std::string letter = shared.letter.empty() ? "" : "-" + shared.letter + ",";
+    const std::string variable = shared.variable.empty() ? "" : " [" + shared.variable + "]";
+    command.add_option(letter + "--" + shared.name, given[shared.name], shared.text + variable)
         ->type_name(shared.type)
-        ->group(*shared.setting == '\0' || name == "naming" ? "Connection" : "ORB and TLS");
+        ->group(!shared.IsOrb() || shared.name == "naming" ? "Connection" : "ORB and TLS");
     // The former name; the help does not show a group without a name.
-    if (name == "lifetime") command.add_option("--timeout", given[name])->group("");
+    if (shared.name == "lifetime") command.add_option("--timeout", given[shared.name])->group("");
   }
 }
 
@@ -226,51 +202,43 @@ CLI::App* CommandLine::AddCommand(CLI::App& parent, const char* name, const char
 void CommandLine::FindValues() {
   std::string error;  // reported when the ORB starts
   const std::list<vq::StoredSetting> stored = vq::ReadStoredSettings(error);
-  const auto find = [&](const std::string& name, const SharedOption* option) {
-    std::optional<Value> value;
-    const std::string variable = option != nullptr ? option->variable : "VQ_SITE";
-    if (const std::string& text = given[name]; !text.empty()) {
-      value = {text, Source::kCommandLine, "command line"};
-    } else if (const std::string set = Environment(variable.c_str()); !set.empty()) {
-      value = {set, Source::kEnvironment, "environment, " + variable};
+  const auto find = [&](const SharedOption& option) {
+    // The first value counts.
+    const auto add = [&](const std::string& text, Source source, const std::string& origin) {
+      values.try_emplace(option.name, Value{text, source, origin});
+    };
+    const auto addStored = [&](const std::string& scope, Source source) {
+      for (const auto& [in, name, value, file] : stored) {
+        if (in == scope && name == option.StoredName()) add(value, source, file + ", " + scope);
+      }
+    };
+    if (!given[option.name].empty()) add(given[option.name], Source::kCommandLine, "command line");
+    const char* const set = std::getenv(option.variable.c_str());
+    if (set != nullptr && *set != '\0') {
+      add(set, Source::kEnvironment, "environment, " + option.variable);
     }
-    const bool isOrb = option != nullptr && *option->setting != '\0';
-    const std::string storedName = isOrb ? option->setting : name;
-    if (!site.empty()) TakeStored(stored, SiteScope(site), storedName, Source::kSite, value);
+    if (!site.empty()) addStored(SiteScope(site), Source::kSite);
     // The library itself reads the scope "default".
-    if (!isOrb) TakeStored(stored, kOwnScope, storedName, Source::kGeneral, value);
-    if (value) values[name] = *value;
+    if (!option.IsOrb()) addStored(kOwnScope, Source::kGeneral);
   };
-  find("site", nullptr);
+  find(SharedOptions().front());  // the site, whose settings the others may have
   if (const auto found = values.find("site"); found != values.end()) site = found->second.text;
-  const bool isKnown =
-      site.empty() || std::any_of(stored.begin(), stored.end(),
-                                  [&](auto& setting) { return setting.scope == SiteScope(site); });
-  if (!isKnown) throw CLI::ValidationError("--site", "no settings of a site '" + site + "'");
-  for (const SharedOption& option : SharedOptions()) find(option.name, &option);
-}
-
-void CommandLine::AppendOrbArguments() {
-  for (const SharedOption& option : SharedOptions()) {
-    const auto found = values.find(option.name);
-    if (*option.setting == '\0' || found == values.end()) continue;
-    // An option in the ORB's form overrides the long one.
-    if (std::find(orb.begin() + 1, orb.end(), option.setting) != orb.end()) continue;
-    orb.emplace_back(option.setting);
-    orb.emplace_back(OrbValue(option, found->second.text));
+  const auto isOfSite = [&](auto& setting) { return setting.scope == SiteScope(site); };
+  if (!site.empty() && std::ranges::none_of(stored, isOfSite)) {
+    throw CLI::ValidationError("--site", "no settings of a site '" + site + "'");
   }
-}
+  std::ranges::for_each(SharedOptions(), find);
 
-// A user and a password file exclude each other. The one of higher precedence applies; with equal
-// precedence the file.
-void CommandLine::ChooseUserOrFile() {
+  // A user and a password file exclude each other. The one of higher precedence applies; with equal
+  // precedence the file. Both on the command line are a conflict, which OptionsOf reports.
   const auto name = values.find("user");
   const auto file = values.find("password-file");
   if (name == values.end() || file == values.end()) return;
-  if (name->second.source == Source::kCommandLine && file->second.source == Source::kCommandLine) {
-    return;  // reported as a conflict by OptionsOf
+  if (name->second.source < file->second.source) {
+    values.erase(file);
+  } else if (name->second.source != Source::kCommandLine) {
+    values.erase(name);
   }
-  values.erase(name->second.source < file->second.source ? file : name);
 }
 
 void CommandLine::Apply(bool needsServer) {
@@ -279,18 +247,22 @@ void CommandLine::Apply(bool needsServer) {
     TDiag::Instance()->AddStandardErrorSink();
   }
   FindValues();
-  for (const auto& [name, value] : values) {
-    const SharedOption* const option = FindSharedOption(name);
-    if (option == nullptr) continue;
-    // The ORB checks its own settings when it starts.
-    if (*option->setting != '\0' && std::string_view(option->type).find('|') == std::string::npos) {
-      continue;
+  for (const SharedOption& option : SharedOptions()) {
+    const auto found = values.find(option.name);
+    if (found == values.end()) continue;
+    const auto& [text, source, origin] = found->second;
+    // The ORB checks the other settings of its own when it starts.
+    const bool isChecked = !option.IsOrb() || option.IsChoice();
+    if (const std::string reason = isChecked ? WhyInvalid(option, text) : ""; !reason.empty()) {
+      throw CLI::ValidationError("--" + option.name, reason + " (" + origin + ")");
     }
-    if (const std::string reason = WhyInvalid(*option, value.text); !reason.empty()) {
-      throw CLI::ValidationError("--" + name, reason + " (" + value.origin + ")");
+    if (!option.IsOrb()) continue;
+    if (std::find(orb.begin() + 1, orb.end(), option.setting) == orb.end()) {
+      orb.insert(orb.end(), {option.setting, OrbValue(option, text)});
+    } else {
+      values.erase(found);  // an option in the ORB's form overrides the long one
     }
   }
-  ChooseUserOrFile();
   const auto text = [&](const char* name) {
     const auto found = values.find(name);
     return found != values.end() ? found->second.text : std::string();
@@ -303,15 +275,13 @@ void CommandLine::Apply(bool needsServer) {
   for (const SERVER_ID one : {E_GSR, E_GAS, E_QIMS, E_FORECAST, E_CMS, E_SLS}) {
     if (text("kind") == GL_ResolveServerID(one)) kind = one;
   }
-  AppendOrbArguments();
   if (!needsServer || !server.empty()) return;
-  const NamingConnection naming(*this, 0, ExitCodeOf(vq::LoginResult::kOrbNotUp));
+  const NamingConnection naming(*this, 0, kOrbNotUp);
   std::string reason;
   try {
     server = naming.OnlyServer(kind, reason);
   } catch (const CORBA::Exception& e) {
-    throw Failure(ExitCodeOf(vq::LoginResult::kOrbNotUp),
-                  WithCause("The naming service fails.", CauseOf(e)));
+    throw Failure(kOrbNotUp, WithCause("The naming service fails.", CauseOf(e)));
   }
   if (server.empty()) {
     throw CLI::ValidationError("--server NAME is required: " + reason +
@@ -331,10 +301,17 @@ std::vector<char*> CommandLine::OrbArguments() {
   return arguments;
 }
 
-std::list<vq::Setting> CommandLine::Report() const {
-  std::vector<const char*> arguments;
-  for (const std::string& argument : orb) arguments.push_back(argument.c_str());
-  return vq::ReportSettings(CLIENT_CLI, static_cast<int>(arguments.size()), arguments.data());
+std::list<vq::Setting> CommandLine::Report() {
+  const std::vector<char*> arguments = OrbArguments();
+  std::list<vq::Setting> settings =
+      vq::ReportSettings(CLIENT_CLI, static_cast<int>(arguments.size()), arguments.data());
+  for (vq::Setting& setting : settings) {
+    const SharedOption* const option = FindSharedOption(setting.name);
+    const auto found = option != nullptr ? values.find(option->name) : values.end();
+    const bool isOurs = setting.origin == "command line" && found != values.end();
+    if (isOurs) setting.origin = found->second.origin;
+  }
+  return settings;
 }
 
 }  // namespace vqclient

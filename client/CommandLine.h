@@ -14,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <CLI/App.hpp>
@@ -25,17 +26,24 @@ namespace vqclient {
 
 // One shared option. Its name is also what `vqclient config set` calls it.
 struct SharedOption {
-  const char* name;      // "server", for --server
-  const char* letter;    // "s", for -s; empty for none
-  const char* variable;  // the environment variable; empty for none
-  const char* setting;   // the ORB's name for it; empty for an option of vqclient alone
-  const char* type;      // of the value; "A|B" for a choice
-  const char* text;      // for the help
+  std::string name;      // "server", for --server
+  std::string letter;    // "s", for -s; empty for none
+  std::string variable;  // the environment variable; empty for none
+  std::string setting;   // the ORB's name for it; empty for an option of vqclient's own
+  std::string type;      // of the value; "A|B" for a choice
+  std::string text;      // for the help
+
+  bool IsOrb() const { return !setting.empty(); }
+  const std::string& StoredName() const { return IsOrb() ? setting : name; }
+  bool IsChoice() const { return type.find('|') != std::string::npos; }
 };
 
+// The first one is "site".
 const std::vector<SharedOption>& SharedOptions();
 // By its name or by the ORB's; null for none.
 const SharedOption* FindSharedOption(const std::string& name);
+// The first one whose name of the ORB's is in the text; null for none.
+const SharedOption* SettingNamedIn(const std::string& text);
 
 // The origin of a value, in order of precedence.
 enum class Source { kCommandLine, kEnvironment, kSite, kGeneral };
@@ -96,8 +104,9 @@ struct CommandLine {
 
   // `orb` as argv; valid until `orb` changes.
   std::vector<char*> OrbArguments();
-  // The library's report of all settings, with these arguments.
-  std::list<vq::Setting> Report() const;
+  // The library's report of all settings, with these arguments. The origin of an option's value is
+  // that of the option.
+  std::list<vq::Setting> Report();
 
  private:
   std::chrono::steady_clock::time_point m_end = std::chrono::steady_clock::time_point::max();
@@ -105,19 +114,24 @@ struct CommandLine {
 
   void AddConnectionOptions(CLI::App& command);
   void FindValues();
-  void AppendOrbArguments();
-  void ChooseUserOrFile();
 };
+
+// Adds an option for a number from 0 to `most`, whose present value is the default.
+template <class Number>
+void AddNumber(CLI::App& command, const char* names, Number& number, Number most, const char* type,
+               const char* text) {
+  command.add_option(names, number, text)
+      ->check(CLI::Range(Number(0), most).description(""))
+      ->capture_default_str()
+      ->type_name(type);
+}
 
 // Why a value is invalid for its option; empty when it is valid.
 std::string WhyInvalid(const SharedOption& option, const std::string& text);
 
-// The two parts of a cause (GL_GetFailureCause).
-struct Cause {
-  std::string finding;
-  std::string advice;  // what to do next, with a long option in place of the ORB's; may be empty
-};
-Cause SplitCause(const std::string& cause);
+// The two parts of a cause (GL_GetFailureCause): the finding; and what to do next, with a long
+// option in place of the ORB's, or nothing.
+std::pair<std::string, std::string> SplitCause(const std::string& cause);
 
 // The text of a failure, followed by its cause, if any, and the advice.
 std::string WithCause(const std::string& text, const std::string& cause);

@@ -1,7 +1,6 @@
 // vqclient config: all settings with values and origins, and changes of the stored ones.
 
 #include <filesystem>
-#include <iostream>
 #include <set>
 #include <string_view>
 
@@ -15,45 +14,27 @@
 namespace vqclient {
 namespace {
 
-std::list<vq::Setting> Settings(const CommandLine& line) {
+int Show(CommandLine& line) {
   std::list<vq::Setting> settings = line.Report();
-  for (vq::Setting& setting : settings) {
-    // This program passes its values to the library as command line arguments.
-    const SharedOption* const option = FindSharedOption(setting.name);
-    if (option == nullptr || setting.origin != "command line") continue;
-    if (const auto found = line.values.find(option->name); found != line.values.end()) {
-      setting.origin = found->second.origin;
-    }
-  }
   // The library reads one client property.
   const std::string help = ClientProperties::Get()->GetStringValue("LocalHelpFile", "");
   settings.push_back({"client", "LocalHelpFile", help.empty() ? "1" : help,
                       help.empty() ? "built in" : "CommonClientConf.xml"});
-  const auto add = [&](const std::string& name) {
-    const auto found = line.values.find(name);
-    const bool isSet = found != line.values.end();
-    settings.push_back({"vqclient", name, isSet ? found->second.text : "",
-                        isSet ? found->second.origin : "not set"});
-  };
-  add("site");
   for (const SharedOption& option : SharedOptions()) {
-    if (*option.setting == '\0') add(option.name);
+    if (option.IsOrb()) continue;
+    const auto found = line.values.find(option.name);
+    const Value& value =
+        found != line.values.end() ? found->second : Value{"", Source::kGeneral, "not set"};
+    settings.push_back({"vqclient", option.name, value.text, value.origin});
   }
-  return settings;
-}
-
-int Show(CommandLine& line) {
   nlohmann::json rows = nlohmann::json::array();
   int exitCode = kSuccess;
-  for (const vq::Setting& setting : Settings(line)) {
+  for (const vq::Setting& setting : settings) {
+    const bool isText = !Form().json;
     rows.push_back({{"group", setting.group},
                     {"name", setting.name},
-                    {"value", setting.value},
-                    {"origin", setting.origin}});
-    if (!Form().json) {
-      if (setting.value.empty()) rows.back()["value"] = "-";
-      rows.back()["origin"] = "  (" + setting.origin + ")";
-    }
+                    {"value", isText && setting.value.empty() ? "-" : setting.value},
+                    {"origin", isText ? "  (" + setting.origin + ")" : setting.origin}});
     if (setting.group != "ORB" || setting.name.starts_with('-')) continue;
     PrintError("The settings cannot be used: " + setting.value);
     exitCode = kRefused;
@@ -68,39 +49,34 @@ struct Change {
   bool system = false;
 };
 
-// The scope of a setting, and its name there. Raises CLI::ValidationError for an unknown setting.
-std::pair<std::string, std::string> PlaceOf(const std::string& name, const std::string& site) {
-  std::vector<std::string> names{"site"};
-  for (const SharedOption& option : SharedOptions()) names.emplace_back(option.name);
-  if (name == "site" && site.empty()) return {"vqclient", name};
-  const SharedOption* const option = FindSharedOption(name);
-  if (option == nullptr) {
-    throw CLI::ValidationError("unknown setting '" + name + "'" + Nearest(name, names));
-  }
-  return {ScopeOf(*option, site), *option->setting != '\0' ? option->setting : name};
-}
-
 int Store(const CommandLine& line, const Change& change) {
-  const auto [scope, name] = PlaceOf(change.name, line.given.at("site"));
+  const std::string& site = line.given.at("site");
+  const SharedOption* const option = FindSharedOption(change.name);
+  if (option == nullptr || (option->name == "site" && !site.empty())) {
+    std::vector<std::string> names;
+    for (const SharedOption& one : SharedOptions()) names.push_back(one.name);
+    throw CLI::ValidationError("unknown setting '" + change.name + "'" +
+                               Nearest(change.name, names));
+  }
+  const std::string scope = ScopeOf(*option, site);
+  const std::string name = option->StoredName();
   std::optional<std::string> value = change.value;
-  if (const SharedOption* const option = FindSharedOption(change.name); option && value) {
+  if (value) {
     if (const std::string reason = WhyInvalid(*option, *value); !reason.empty()) {
       throw CLI::ValidationError(change.name, reason);
     }
     value = OrbValue(*option, *value);
     // The next run may have another working directory.
-    if (option->type == std::string_view("FILE")) value = std::filesystem::absolute(*value);
+    if (option->type == "FILE") value = std::filesystem::absolute(*value);
   }
   const vq::StoreResult stored = vq::StoreSetting(
       scope, name, value, change.system ? vq::SettingsLayer::kHost : vq::SettingsLayer::kOwn);
   if (!stored.error.empty()) throw Failure(kRefused, "The setting is not changed: " + stored.error);
-  if (Form().json) {
-    PrintJson({{"file", stored.file},
-               {"scope", scope},
-               {"name", name},
-               {"value", value ? nlohmann::json(*value) : nlohmann::json()}},
-              -1);
-  }
+  PrintJson({{"file", stored.file},
+             {"scope", scope},
+             {"name", name},
+             {"value", value ? nlohmann::json(*value) : nlohmann::json()}},
+            -1);
   PrintLine(stored.file + ", " + scope + ": " + name + (value ? " = " + *value : " is not set"));
   return kSuccess;
 }
@@ -112,18 +88,17 @@ int ShowSites() {
   for (const vq::StoredSetting& setting : vq::ReadStoredSettings(error)) {
     if (setting.scope.starts_with(kPrefix)) sites.insert(setting.scope.substr(kPrefix.size()));
   }
-  if (Form().json) PrintJson(sites, -1);
-  for (const std::string& site : sites) {
-    if (!Form().json) std::cout << site << '\n';
-  }
+  PrintJson(sites, -1);
+  for (const std::string& site : sites) PrintText(site + '\n');
   if (error.empty()) return kSuccess;
   PrintError(error);
   return kRefused;
 }
 
 std::string SettingNames() {
-  std::string names = "site";
-  for (const SharedOption& option : SharedOptions()) names += std::string("|") + option.name;
+  std::string names;
+  for (const SharedOption& option : SharedOptions()) names += option.name + "|";
+  names.pop_back();
   return names;
 }
 

@@ -27,56 +27,33 @@
 namespace vqclient {
 namespace {
 
-enum class Status { kGood, kNote, kBad };
+struct Status {
+  const char *name, *mark, *colour;
+};
+constexpr Status kGood{"good", "[good] ", "\033[32m"};
+constexpr Status kNote{"note", "[note] ", "\033[33m"};
+constexpr Status kBad{"bad", "[BAD]  ", "\033[31m"};
 
 constexpr std::chrono::milliseconds kTcpLimit{5000};
 constexpr int kCallLimit = 10000;  // milliseconds
 
-constexpr int kNoServer = ExitCodeOf(vq::LoginResult::kNoServer);
-constexpr int kOrbNotUp = ExitCodeOf(vq::LoginResult::kOrbNotUp);
-
-bool NamesSetting(const std::string& cause) {
-  const auto& options = SharedOptions();
-  return std::any_of(options.begin(), options.end(), [&](const SharedOption& option) {
-    return *option.setting != '\0' && cause.find(option.setting) != std::string::npos;
-  });
-}
-
 // What to do when `what` cannot be reached at its host and port.
 std::string AdviceFor(vq::orb::Reach reach, const std::string& host, const std::string& what) {
-  switch (reach) {
-    case vq::orb::Reach::kNotResolvable:
-      return "This host cannot resolve the name '" + host +
-             "': correct it, or add it to the DNS or to /etc/hosts.";
-    case vq::orb::Reach::kRefused:
-      return "No program listens on that port: start " + what + ", or correct the port.";
-    case vq::orb::Reach::kReached:
-      return "The port accepts connections, but there is no reply: " + what +
-             " hangs, or another program uses the port. Restart it, or correct the port.";
-    case vq::orb::Reach::kFailed:
-      break;
-  }
-  return "Check that the host is up and that no firewall blocks the port.";
+  using vq::orb::Reach;
+  return reach == Reach::kNotResolvable
+             ? "This host cannot resolve the name '" + host +
+                   "': correct it, or add it to the DNS or to /etc/hosts."
+         : reach == Reach::kRefused
+             ? "No program listens on that port: start " + what + ", or correct the port."
+         : reach == Reach::kReached
+             ? "The port accepts connections, but there is no reply: " + what +
+                   " hangs, or another program uses the port. Restart it, or correct the port."
+             : "Check that the host is up and that no firewall blocks the port.";
 }
 
 // A text with each line after the first indented.
 std::string Indented(const std::string& text) {
-  std::string result;
-  for (const char c : text) {
-    result += c;
-    if (c == '\n') result += "          ";
-  }
-  return result;
-}
-
-std::string Mark(Status status) {
-  constexpr std::array kMarks{"[good] ", "[note] ", "[BAD]  "};
-  constexpr std::array kColours{"\033[32m", "\033[33m", "\033[31m"};
-  const auto index = static_cast<std::size_t>(status);
-  const char* const refused = std::getenv("NO_COLOR");
-  const bool plain = isatty(STDOUT_FILENO) != 1 || (refused != nullptr && *refused != '\0');
-  if (plain) return kMarks.at(index);
-  return std::string(kColours.at(index)) + kMarks.at(index) + "\033[0m";
+  return Replaced(text, "\n", "\n          ");
 }
 
 // Whether this is an IPv6 address that is valid on one network link only.
@@ -90,31 +67,32 @@ std::string Text(const vq::orb::ReferenceEndpoint& endpoint) {
 }
 
 // Prints the finding of a step, and for kBad the advice. Returns whether it is not bad.
-bool Report(const std::string& step, Status status, const std::string& detail,
+bool Report(const std::string& step, const Status& status, const std::string& detail,
             const std::string& advice = "") {
-  const bool isBad = status == Status::kBad;
-  if (Form().json) {
-    constexpr std::array kNames{"good", "note", "bad"};
-    nlohmann::json entry{{"step", step},
-                         {"good", status == Status::kGood},
-                         {"status", kNames.at(static_cast<std::size_t>(status))},
-                         {"detail", detail}};
-    if (isBad) entry["advice"] = advice;
-    PrintJson(entry, -1);
-  } else if (isBad || !Form().quiet) {
-    std::cout << Mark(status) << step << ": " << Indented(detail) << '\n';
-    if (isBad) std::cout << "   next:  " << Indented(advice) << '\n';
+  const bool isBad = &status == &kBad;
+  const char* const plain = std::getenv("NO_COLOR");
+  const bool hasColours = isatty(STDOUT_FILENO) == 1 && (plain == nullptr || *plain == '\0');
+  std::string text =
+      hasColours ? status.colour + std::string(status.mark) + "\033[0m" : status.mark;
+  text += step + ": " + Indented(detail) + '\n';
+  nlohmann::json entry{
+      {"step", step}, {"good", &status == &kGood}, {"status", status.name}, {"detail", detail}};
+  if (isBad) {
+    text += "   next:  " + Indented(advice) + '\n';
+    entry["advice"] = advice;
   }
+  PrintJson(entry, -1);
+  if (isBad || !Form().quiet) PrintText(text);
   std::cout << std::flush;
   return !isBad;
 }
 
 bool Bad(const std::string& step, const std::string& detail, const std::string& advice) {
-  return Report(step, Status::kBad, detail, advice);
+  return Report(step, kBad, detail, advice);
 }
 
 bool Good(const std::string& step, const std::string& detail) {
-  return Report(step, Status::kGood, detail);
+  return Report(step, kGood, detail);
 }
 
 class Doctor {
@@ -130,8 +108,8 @@ class Doctor {
     return ExamineCallbacks();
   }
 
-  // After Examine: whether the server called back, and how. Only with a way may Store be called.
-  bool FoundWay() const { return !m_way.empty(); }
+  // After Examine: how the server called back; empty when it did not. Only with a way may Store be
+  // called.
   const std::string& Way() const { return m_way; }
 
   // Stores the settings of the way, and the ORB's settings from the command line and the
@@ -174,10 +152,7 @@ class Doctor {
                !setting.value.empty();
       if (setting.origin == "built in") continue;
       set += "\n" + setting.name + " = " + setting.value + " (" + setting.origin + ")";
-      const SharedOption* const option = FindSharedOption(setting.name);
-      const auto value = option != nullptr ? m_line.values.find(option->name) : m_line.values.end();
-      const bool isOfSite = value != m_line.values.end() && value->second.source == Source::kSite;
-      if (setting.origin == "command line" && !isOfSite) {
+      if (setting.origin == "command line" || setting.origin.starts_with("environment")) {
         m_needed[setting.name] = setting.value;
       }
     }
@@ -209,7 +184,7 @@ class Doctor {
     }
     const auto [cause, advice] = SplitCause(GL_GetFailureCause());
     if (!advice.empty()) return Bad("naming service", cause, advice);
-    if (NamesSetting(cause)) {
+    if (SettingNamedIn(cause) != nullptr) {
       return Bad("settings", cause,
                  "Correct that setting: vqclient config show prints the origins.");
     }
@@ -314,30 +289,26 @@ class Doctor {
                         (message.empty() ? "" : "\n" + message));
       return kSuccess;
     }
-    const auto contains = [&](const char* text) {
-      return std::string_view(error.what()).find(text) != std::string_view::npos;
-    };
-    const bool isGate = contains("is not compatible with");
-    auto [cause, advice] = SplitCause(error.Cause());
-    if (advice.empty()) advice = "Look at the server's log; -v prints the log of this client.";
-    if (isGate) {
-      advice =
-          "Install the client of the server's version, or accept that version in "
-          "min-accepted-servers.txt.";
-    } else if (error.Result() == vq::LoginResult::kPasswordExpired) {
-      advice = "Change it: vqclient passwd.";
-    } else if (error.Result() == vq::LoginResult::kAccountLocked) {
-      advice = "Ask the site's administrator to unlock the account.";
-    } else if (error.Result() == vq::LoginResult::kNotAuthorized) {
-      advice = "Ask the site's administrator for the right to log in.";
-    } else if (contains("password is incorrect")) {
-      advice = "Check user and password, including upper and lower case.";
-    }
+    const std::string text = error.what();
+    const auto [cause, next] = SplitCause(error.Cause());
+    const bool isGate = text.find("is not compatible with") != std::string::npos;
+    const bool isPassword = text.find("password is incorrect") != std::string::npos;
+    const vq::LoginResult result = error.Result();
+    const char* const advice =
+        isGate ? "Install the client of the server's version, or accept that version in "
+                 "min-accepted-servers.txt."
+        : result == vq::LoginResult::kPasswordExpired ? "Change it: vqclient passwd."
+        : result == vq::LoginResult::kAccountLocked
+            ? "Ask the site's administrator to unlock the account."
+        : result == vq::LoginResult::kNotAuthorized
+            ? "Ask the site's administrator for the right to log in."
+        : isPassword   ? "Check user and password, including upper and lower case."
+        : next.empty() ? "Look at the server's log; -v prints the log of this client."
+                       : next.c_str();
     Bad(isGate ? "version gate" : "login",
-        "code " + std::to_string(error.Code()) + ": " + error.what() +
-            (cause.empty() ? "" : "\n" + cause),
+        "code " + std::to_string(error.Code()) + ": " + text + (cause.empty() ? "" : "\n" + cause),
         advice);
-    return ExitCodeOf(error.Result());
+    return ExitCodeOf(result);
   }
 
   std::string ServerName() const { return "'" + m_line.server + "' of kind " + m_kind; }
@@ -348,8 +319,7 @@ class Doctor {
                       : "to " + (address.empty() ? std::string("the default address") : address);
     const std::string step = "callback " + way;
     if (IsLinkLocal(address)) {
-      Report(step, Status::kNote,
-             "not tried: a link-local address is valid on one network link only");
+      Report(step, kNote, "not tried: a link-local address is valid on one network link only");
       return;
     }
     long milliseconds = 0;
@@ -358,7 +328,7 @@ class Doctor {
     // The server may have called back, but over a connection of its own.
     const std::string cause = GL_GetFailureCause();
     if (!reached || (biDirectional && !cause.empty())) {
-      Report(step, Status::kNote, cause.empty() ? "the server did not call back" : cause);
+      Report(step, kNote, cause.empty() ? "the server did not call back" : cause);
       return;
     }
     if (m_way.empty()) {
@@ -389,7 +359,7 @@ class Doctor {
       delete address;
     }
     TryCallback("", true);
-    if (FoundWay()) return kSuccess;
+    if (!m_way.empty()) return kSuccess;
     if (m_line.IsTimeOver()) {
       Bad("callbacks", "the time of --max-time is over", "Allow more time.");
       return kRefused;
@@ -424,7 +394,7 @@ int Run(CommandLine& line, bool fix) {
   Doctor doctor(line);
   const int code = doctor.Examine();
   if (!fix) return code;
-  if (!doctor.FoundWay()) {
+  if (doctor.Way().empty()) {
     PrintError("Nothing is written: the server cannot call this client back.");
     return code;
   }

@@ -21,22 +21,18 @@ enum ExitCode : int {
   kSessionLost = 6,    // the server does not know the session, or does not answer
   kDenied = 7,         // the user is not authorized for what was asked
   kNoCallback = 8,     // the server cannot call this client back
+  kNoServer = vq::CodeOf(vq::LoginResult::kNoServer),
+  kOrbNotUp = vq::CodeOf(vq::LoginResult::kOrbNotUp),
 };
 
 constexpr int ExitCodeOf(vq::LoginResult result) {
-  switch (result) {
-    case vq::LoginResult::kSuccess:
-    case vq::LoginResult::kPasswordAboutToExpire:
-      return kSuccess;
-    case vq::LoginResult::kFailed:
-      return kRefused;
-    case vq::LoginResult::kNotAuthorized:
-    case vq::LoginResult::kPasswordExpired:
-    case vq::LoginResult::kAccountLocked:
-    case vq::LoginResult::kPasswordRefusedByPolicy:
-    case vq::LoginResult::kNoServer:
-    case vq::LoginResult::kOrbNotUp:
-      return vq::CodeOf(result);
+  using Result = vq::LoginResult;
+  if (vq::IsLoggedIn(result)) return kSuccess;
+  if (result == Result::kFailed) return kRefused;
+  for (const Result named :
+       {Result::kNotAuthorized, Result::kPasswordExpired, Result::kAccountLocked,
+        Result::kPasswordRefusedByPolicy, Result::kNoServer, Result::kOrbNotUp}) {
+    if (result == named) return vq::CodeOf(result);
   }
   return kServerCode;
 }

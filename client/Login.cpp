@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <client/ExitCodes.h>
+#include <client/NamingConnection.h>
 
 namespace vqclient {
 
@@ -40,6 +41,19 @@ vq::Session LogIn(CommandLine& line, vq::SessionOptions options) {
   std::optional<vq::Session> session = LogIn(line, std::move(options), error);
   if (!session) throw Failure(ExitCodeOf(error.Result()), "");
   return *std::move(session);
+}
+
+bool LogOut() {
+  std::string cause;
+  try {
+    LoginHandler::GetGlobal()->Logout();
+  } catch (const CORBA::Exception& e) {
+    cause = CauseOf(e);
+  }
+  const bool isDone = !LoginHandler::GetGlobal()->IsConnected();
+  if (!isDone) PrintError(WithCause("The server does not confirm the logout.", cause));
+  ConnectionSettings::Get()->SetUserID("");  // so that the end of the session does not try again
+  return isDone;
 }
 
 }  // namespace vqclient

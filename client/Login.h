@@ -19,6 +19,10 @@ std::optional<vq::Session> LogIn(CommandLine& line, vq::SessionOptions options,
 // The same for commands that need a session: raises Failure without one.
 vq::Session LogIn(CommandLine& line, vq::SessionOptions options);
 
+// Logs out. Returns whether the server has confirmed that, which the result of GL_LogOut does not
+// show, and prints the cause otherwise.
+bool LogOut();
+
 }  // namespace vqclient
 
 #endif  // VQ_CLIENT_LOGIN_H

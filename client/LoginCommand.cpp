@@ -14,16 +14,15 @@ int Login(CommandLine& line) {
   vq::LoginError error;
   const std::optional<vq::Session> session = LogIn(line, OptionsOf(line), error);
   const vq::LoginResult result = session ? session->Result() : error.Result();
-  if (Form().json) {
-    PrintJson({{"result", vq::CodeOf(result)},
-               {"connected", session.has_value()},
-               {"message", session ? session->Message() : error.what()},
-               {"cause", error.Cause()}});
-  } else if (session) {
-    PrintLine("Logged in as " + ConnectionSettings::Get()->getUserName() + " to " + line.server +
-              ".");
-  }
-  return ExitCodeOf(result);
+  const std::string user = ConnectionSettings::Get()->getUserName();
+  if (session) PrintLine("Logged in as " + user + " to " + line.server + ".");
+  const bool isOut = session && LogOut();
+  PrintJson({{"result", vq::CodeOf(result)},
+             {"connected", session.has_value()},
+             {"loggedOut", isOut},
+             {"message", session ? session->Message() : error.what()},
+             {"cause", error.Cause()}});
+  return session && !isOut ? kSessionLost : ExitCodeOf(result);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <client/NamingConnection.h>
 
+#include <algorithm>
+
 #include <client/ExitCodes.h>
 #include <support/orb/ORBCommon.h>
 #include <support/orb/OrbSettings.h>
@@ -38,18 +40,20 @@ std::vector<CosNaming::Name> NamingConnection::Servers() const {
 }
 
 std::string NamingConnection::OnlyServer(SERVER_ID kind, std::string& reason) const {
+  constexpr std::size_t kMostNames = 5;
   const std::string kindName = GL_ResolveServerID(kind);
-  std::string found;
+  std::vector<std::string> found;
   for (const CosNaming::Name& name : Servers()) {
-    if (name[0].kind.in() != kindName) continue;
-    if (!found.empty()) {
-      reason = "the naming service knows several servers of kind " + kindName;
-      return "";
-    }
-    found = name[0].id;
+    if (name[0].kind.in() == kindName) found.emplace_back(name[0].id.in());
   }
-  if (found.empty()) reason = "the naming service knows no server of kind " + kindName;
-  return found;
+  if (found.size() == 1) return found.front();
+  const std::string count = found.empty() ? "no server" : "several servers";
+  reason = "the naming service knows " + count + " of kind " + kindName;
+  for (std::size_t i = 0; i < std::min(found.size(), kMostNames); ++i) {
+    reason += (i == 0 ? ": " : ", ") + found[i];
+  }
+  if (found.size() > kMostNames) reason += ", ...";
+  return "";
 }
 
 std::vector<CosNaming::Binding> ListContext(CosNaming::NamingContext_ptr context) {
@@ -68,16 +72,12 @@ std::vector<CosNaming::Binding> ListContext(CosNaming::NamingContext_ptr context
   return all;
 }
 
-std::string Describe(const CORBA::Exception& exception) {
+std::string CauseOf(const CORBA::Exception& exception) {
+  if (const std::string cause = GL_GetFailureCause(); !cause.empty()) return cause;
   const std::string_view name = exception._name();
   if (name == "TIMEOUT") return "no answer in time";
   if (name == "TRANSIENT" || name == "COMM_FAILURE") return "no connection";
   return std::string(name);
-}
-
-std::string CauseOf(const CORBA::Exception& exception) {
-  const std::string cause = GL_GetFailureCause();
-  return cause.empty() ? Describe(exception) : cause;
 }
 
 }  // namespace vqclient

@@ -30,8 +30,7 @@ class NamingConnection {
 // Everything in a naming context. Raises as NamingConnection::Servers.
 std::vector<CosNaming::Binding> ListContext(CosNaming::NamingContext_ptr context);
 
-// The cause of a failed call in a few words. CauseOf: the one that the call left, if it did.
-std::string Describe(const CORBA::Exception& exception);
+// The cause of a failed call: the one that the call left, otherwise the exception in a few words.
 std::string CauseOf(const CORBA::Exception& exception);
 
 }  // namespace vqclient

@@ -1,6 +1,6 @@
 #include <client/Output.h>
 
-#include <iomanip>
+#include <algorithm>
 #include <iostream>
 
 #include <nlohmann/json.hpp>
@@ -25,35 +25,50 @@ void PrintError(const std::string& message) {
   errors += (errors.empty() ? "" : "\n") + message;
 }
 
+void PrintText(const std::string& text) {
+  if (!Form().json) std::cout << text;
+}
+
 void PrintLine(const std::string& line) {
-  if (!Form().quiet && !Form().json) std::cout << line << '\n';
+  if (!Form().quiet) PrintText(line + '\n');
 }
 
 void PrintJson(const nlohmann::json& data, int indent) {
+  if (!Form().json) return;
   printed = true;
   std::cout << data.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
 }
 
+std::string Padded(std::string text, std::size_t width) {
+  text.resize(std::max(text.size(), width), ' ');
+  return text;
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
 void PrintRows(const nlohmann::json& rows,
-               const std::vector<std::pair<const char*, int>>& columns) {
-  if (Form().json) return PrintJson(rows);
+               const std::vector<std::pair<const char*, std::size_t>>& columns) {
+  PrintJson(rows);
   for (const nlohmann::json& row : rows) {
     for (const auto& [name, width] : columns) {
       const nlohmann::json& value = row[name];
-      const std::string text = value.is_string()    ? value.get<std::string>()
-                               : value.is_null()    ? "-"
-                               : value.is_boolean() ? (value.get<bool>() ? "yes" : "no")
-                                                    : value.dump();
-      std::cout << std::left << std::setw(width) << text;
+      PrintText(Padded(value.is_string()    ? value.get<std::string>()
+                       : value.is_null()    ? "-"
+                       : value.is_boolean() ? (value.get<bool>() ? "yes" : "no")
+                                            : value.dump(),
+                       width));
     }
-    std::cout << '\n';
+    PrintText("\n");
   }
 }
 
 int FinishOutput(int exitCode) {
-  if (Form().json && exitCode != kSuccess && !printed) {
-    PrintJson({{"error", errors}, {"exitCode", exitCode}});
-  }
+  if (exitCode != kSuccess && !printed) PrintJson({{"error", errors}, {"exitCode", exitCode}});
   if (std::cout.flush()) return exitCode;
   PrintError("stdout cannot be written");
   return exitCode == kSuccess ? kRefused : exitCode;

@@ -24,15 +24,22 @@ OutputForm& Form();
 // Prints an error to stderr.
 void PrintError(const std::string& message);
 
-// Prints a line on stdout; nothing with --quiet or --json.
+// Each prints on stdout in one form and nothing in the other: text without --json; a line without
+// --json and --quiet; data with --json, for `indent` -1 on one line. In data, bytes that are not
+// UTF-8 are replaced.
+void PrintText(const std::string& text);
 void PrintLine(const std::string& line);
-
-// Prints data as JSON on stdout; `indent` -1: on one line. Bytes that are not UTF-8 are replaced.
 void PrintJson(const nlohmann::json& data, int indent = 2);
+
+// A text with blanks up to that width.
+std::string Padded(std::string text, std::size_t width);
+// A text with `to` in place of every `from`.
+std::string Replaced(std::string text, const std::string& from, const std::string& to);
 
 // Prints a list of objects: as JSON, or as text with a line each. `columns`: the names of the
 // values in a line, and the width of each.
-void PrintRows(const nlohmann::json& rows, const std::vector<std::pair<const char*, int>>& columns);
+void PrintRows(const nlohmann::json& rows,
+               const std::vector<std::pair<const char*, std::size_t>>& columns);
 
 // Ends the output. With --json, a failure without data prints {"error": the errors, "exitCode":
 // ...}. Returns `exitCode`, or the code of a failure when stdout cannot be written.

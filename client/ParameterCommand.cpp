@@ -1,7 +1,6 @@
 // vqclient param: reads parameters of the server.
 
 #include <array>
-#include <iostream>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -36,38 +35,31 @@ constexpr std::array kKnown{Parameter{"general", "ApplicationFieldIsMandatory"},
                             Parameter{"gui", "RegisterTimeout"},
                             Parameter{"gui", "UserChangePassword"}};
 
-// Empty when the server does not return it. Raises Failure when the server cannot be asked.
-std::optional<std::string> Read(const vq::Session& session, const std::string& section,
-                                const std::string& name) {
-  std::optional<std::string> value = session.Parameter(name, section);
-  if (const std::string cause = GL_GetFailureCause(); !value && !cause.empty()) {
-    throw Failure(kSessionLost, WithCause("The server cannot be asked.", cause));
-  }
-  return value;
+// Null when the server does not return it. Raises Failure when the server cannot be asked.
+nlohmann::json Read(const vq::Session& session, const std::string& section,
+                    const std::string& name) {
+  if (const auto value = session.Parameter(name, section)) return *value;
+  const std::string cause = GL_GetFailureCause();
+  if (cause.empty()) return nullptr;
+  throw Failure(kSessionLost, WithCause("The server cannot be asked.", cause));
 }
 
 int Get(CommandLine& line, const std::string& section, const std::string& name) {
   const vq::Session session = LogIn(line, OptionsOf(line));
-  const std::optional<std::string> value = Read(session, section, name);
-  if (!value) {
+  const nlohmann::json value = Read(session, section, name);
+  if (value.is_null()) {
     throw Failure(kNoAnswer, "The server returns no value for " + section + "/" + name + ".");
   }
-  if (Form().json) {
-    PrintJson({{"section", section}, {"name", name}, {"value", *value}}, -1);
-  } else {
-    std::cout << *value << '\n';
-  }
+  PrintJson({{"section", section}, {"name", name}, {"value", value}}, -1);
+  PrintText(value.get<std::string>() + '\n');
   return kSuccess;
 }
 
 int List(CommandLine& line) {
   const vq::Session session = LogIn(line, OptionsOf(line));
   nlohmann::json rows = nlohmann::json::array();
-  for (const Parameter& parameter : kKnown) {
-    const std::optional<std::string> value = Read(session, parameter.section, parameter.name);
-    rows.push_back({{"section", parameter.section},
-                    {"name", parameter.name},
-                    {"value", value ? nlohmann::json(*value) : nlohmann::json()}});
+  for (const auto& [section, name] : kKnown) {
+    rows.push_back({{"section", section}, {"name", name}, {"value", Read(session, section, name)}});
   }
   PrintRows(rows, {{"section", 8}, {"name", 32}, {"value", 0}});
   return kSuccess;

@@ -25,13 +25,9 @@ vq::SecretString AskForNewPassword() {
   vq::SecretString password = Ask("The new password:");
   const vq::SecretString repeated =
       password.Text().empty() ? vq::SecretString() : Ask("The new password again:");
-  if (repeated.Text().empty()) {
-    PrintError("There is no new password.");
-  } else if (password.Text() != repeated.Text()) {
-    PrintError("The two new passwords differ; nothing is changed.");
-  } else {
-    return password;
-  }
+  if (!repeated.Text().empty() && password.Text() == repeated.Text()) return password;
+  PrintError(repeated.Text().empty() ? "There is no new password."
+                                     : "The two new passwords differ; nothing is changed.");
   return {};
 }
 

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <climits>
 #include <cstdio>
-#include <iostream>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -33,9 +32,8 @@ class Target {
   template <class Find>
   void Ask(Find find) {
     ++m_asked;
-    CORBA::Object_var object;
     try {
-      object = find();
+      const CORBA::Object_var object = find();
       const auto start = std::chrono::steady_clock::now();
       if (object->_non_existent()) throw CORBA::OBJECT_NOT_EXIST(0, CORBA::COMPLETED_NO);
       const std::chrono::duration<double, std::milli> taken =
@@ -44,7 +42,7 @@ class Target {
     } catch (const CosNaming::NamingContext::NotFound&) {
       m_error = "the naming service does not know this server";
     } catch (const CORBA::Exception& e) {
-      m_error = CORBA::is_nil(object.in()) ? CauseOf(e) : Describe(e);
+      m_error = CauseOf(e);
     }
   }
 
@@ -57,10 +55,11 @@ class Target {
     line += " answers";
     if (Answers()) {
       std::sort(m_times.begin(), m_times.end());
-      data.update({{"minMs", m_times.front()}, {"medianMs", Median()}, {"maxMs", m_times.back()}});
+      const double least = m_times.front(), most = m_times.back();
+      const double median = (m_times[(m_times.size() - 1) / 2] + m_times[m_times.size() / 2]) / 2;
+      data.update({{"minMs", least}, {"medianMs", median}, {"maxMs", most}});
       char times[100];
-      std::snprintf(times, sizeof times, ", min/median/max %.3f/%.3f/%.3f ms", m_times.front(),
-                    Median(), m_times.back());
+      std::snprintf(times, sizeof times, ", min/median/max %.3f/%.3f/%.3f ms", least, median, most);
       line += times;
     }
     PrintLine(m_name + ": " + line);
@@ -72,11 +71,6 @@ class Target {
   }
 
  private:
-  double Median() const {
-    const std::size_t half = m_times.size() / 2;
-    return m_times.size() % 2 == 1 ? m_times[half] : (m_times[half - 1] + m_times[half]) / 2;
-  }
-
   std::string m_name;
   std::vector<double> m_times;  // milliseconds
   int m_asked = 0;
@@ -86,10 +80,15 @@ class Target {
 int Ping(CommandLine& line, const Rounds& rounds) {
   const NamingConnection connection(line, kCallLimit, kRefused);
   const std::string kind = GL_ResolveServerID(line.kind);
+  std::string reason;  // why no server is asked
   try {
-    std::string reason;
     if (line.server.empty()) line.server = connection.OnlyServer(line.kind, reason);
-  } catch (const CORBA::Exception&) {  // the round trips show it
+  } catch (const CORBA::Exception& e) {
+    reason = CauseOf(e);
+  }
+  if (!reason.empty()) {
+    PrintError("no server is asked: " + reason +
+               "; give --server NAME, vqclient servers lists all");
   }
   Target naming("naming service");
   Target server("server " + line.server + " (" + kind + ")");
@@ -105,9 +104,10 @@ int Ping(CommandLine& line, const Rounds& rounds) {
     server.Ask([&] { return ORBCommon<1>::Get()->Bind(line.server, kind, "UsersManager", true); });
   }
   nlohmann::json data{{"naming", naming.Result()}};
-  if (!line.server.empty()) data["server"] = server.Result();
-  if (Form().json) PrintJson(data);
-  return naming.Answers() && (line.server.empty() || server.Answers()) ? kSuccess : kRefused;
+  data["server"] = reason.empty() ? server.Result()
+                                  : nlohmann::json{{"asked", 0}, {"answers", 0}, {"error", reason}};
+  PrintJson(data);
+  return naming.Answers() && server.Answers() ? kSuccess : kRefused;
 }
 
 }  // namespace
@@ -118,14 +118,10 @@ void AddPingCommand(CLI::App& program, CommandLine& line) {
       program, "ping",
       "Test whether naming service and server answer, without a login; exit code 1 if one does not",
       false, [rounds](CommandLine& given) { return Ping(given, *rounds); });
-  command->add_option("-c,--count", rounds->count, "Number of round trips; 0: until Ctrl-C")
-      ->check(CLI::Range(0, INT_MAX).description(""))
-      ->capture_default_str()
-      ->type_name("NUMBER");
-  command->add_option("-i,--interval", rounds->interval, "Time between two round trips")
-      ->check(CLI::Range(0.0, 86400.0).description(""))
-      ->capture_default_str()
-      ->type_name("SECONDS");
+  AddNumber(*command, "-c,--count", rounds->count, INT_MAX, "NUMBER",
+            "Number of round trips; 0: until Ctrl-C");
+  AddNumber(*command, "-i,--interval", rounds->interval, 86400.0, "SECONDS",
+            "Time between two round trips");
 }
 
 }  // namespace vqclient

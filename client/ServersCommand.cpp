@@ -21,12 +21,15 @@ constexpr int kCallLimit = 3000;  // milliseconds
 // object of the naming service may be called.
 void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNaming::Name name,
                const CommandLine& line) {
-  nlohmann::json row{{"name", name[0].id.in()},
-                     {"kind", name[0].kind.in()},
-                     {"host", ""},
-                     {"port", 0},
-                     {"tls", false},
-                     {"alive", false}};
+  nlohmann::json row{{"name", name[0].id.in()}, {"kind", name[0].kind.in()}, {"alive", false}};
+  const auto add = [&](CORBA::Object_ptr server) {
+    std::vector<vq::orb::ReferenceEndpoint> endpoints = vq::orb::EndpointsOf(server);
+    if (endpoints.empty()) endpoints.emplace_back();
+    for (const vq::orb::ReferenceEndpoint& endpoint : endpoints) {
+      row.update({{"host", endpoint.host}, {"port", endpoint.port}, {"tls", endpoint.tls}});
+      rows.push_back(row);
+    }
+  };
   const CORBA::Object_var object = root->resolve(name);
   // Makes no call: the naming service has returned it as a context.
   const CosNaming::NamingContext_var context =
@@ -36,32 +39,24 @@ void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNamin
     if (!CORBA::is_nil(context.in())) services = ListContext(context.in());
   } catch (const CORBA::SystemException&) {  // a context at another host that does not answer
     if (line.IsTimeOver()) throw;
-    rows.push_back(row);
-    return;
+    return add(CORBA::Object::_nil());
   }
-  const auto service =
-      std::find_if(services.begin(), services.end(), [](const CosNaming::Binding& binding) {
-        return binding.binding_type == CosNaming::nobject && binding.binding_name.length() == 1;
-      });
+  const auto service = std::ranges::find_if(services, [](const CosNaming::Binding& binding) {
+    return binding.binding_type == CosNaming::nobject && binding.binding_name.length() == 1;
+  });
   if (service == services.end()) return;
   name.length(2);
   name[1] = service->binding_name[0];
   const CORBA::Object_var found = root->resolve(name);
   try {
     row["alive"] = !CORBA::is_nil(found.in()) && !found->_non_existent();
-  } catch (const CORBA::Exception&) {  // it is not alive
+  } catch (const CORBA::Exception&) {
     if (line.IsTimeOver()) throw;
   }
-  const auto endpoints = vq::orb::EndpointsOf(found.in());
-  if (endpoints.empty()) rows.push_back(row);
-  for (const vq::orb::ReferenceEndpoint& endpoint : endpoints) {
-    row.update({{"host", endpoint.host}, {"port", endpoint.port}, {"tls", endpoint.tls}});
-    rows.push_back(row);
-  }
+  add(found.in());
 }
 
 int Show(CommandLine& line) {
-  constexpr int kOrbNotUp = ExitCodeOf(vq::LoginResult::kOrbNotUp);
   const NamingConnection connection(line, kCallLimit, kOrbNotUp);
   nlohmann::json rows = nlohmann::json::array();
   try {

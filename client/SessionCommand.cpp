@@ -13,7 +13,6 @@
 #include <client/ExitCodes.h>
 #include <client/Interrupt.h>
 #include <client/Login.h>
-#include <client/NamingConnection.h>
 
 namespace vqclient {
 namespace {
@@ -35,11 +34,8 @@ std::string Now() {
 }
 
 void Report(const char* event, int result) {
-  if (Form().json) {
-    PrintJson({{"time", Now()}, {"event", event}, {"result", result}}, -1);
-  } else {
-    PrintLine(Now() + " " + event + ": " + std::to_string(result));
-  }
+  PrintJson({{"time", Now()}, {"event", event}, {"result", result}}, -1);
+  PrintLine(Now() + " " + event + ": " + std::to_string(result));
   std::cout.flush();
 }
 
@@ -77,21 +73,6 @@ bool KeepUp(const CommandLine& line, vq::Session& session, const Upkeep& upkeep,
   return true;
 }
 
-// Returns whether the server has answered, which the result of GL_LogOut does not show.
-bool LogOut() {
-  std::string cause;
-  try {
-    LoginHandler::GetGlobal()->Logout();
-  } catch (const CORBA::Exception& e) {
-    cause = CauseOf(e);
-  }
-  const bool isDone = !LoginHandler::GetGlobal()->IsConnected();
-  if (!isDone) PrintError(WithCause("The server does not confirm the logout.", cause));
-  Report("logout", isDone ? 1 : vq::CodeOf(vq::LoginResult::kNoServer));
-  ConnectionSettings::Get()->SetUserID("");  // so that the end of the session does not try again
-  return isDone;
-}
-
 int Run(CommandLine& line, const Upkeep& upkeep) {
   vq::SessionOptions options = OptionsOf(line, true);
   Interrupt interrupt;
@@ -101,7 +82,9 @@ int Run(CommandLine& line, const Upkeep& upkeep) {
   if (!session) return ExitCodeOf(error.Result());
   const bool alive = upkeep.interval == 0 || KeepUp(line, *session, upkeep, interrupt);
   if (session->IsLost()) return kSessionLost;
-  return LogOut() && alive ? kSuccess : kSessionLost;
+  const bool isOut = LogOut();
+  Report("logout", vq::CodeOf(isOut ? vq::LoginResult::kSuccess : vq::LoginResult::kNoServer));
+  return isOut && alive ? kSuccess : kSessionLost;
 }
 
 }  // namespace
@@ -111,17 +94,10 @@ void AddSessionCommand(CLI::App& program, CommandLine& line) {
   CLI::App* const command = line.AddCommand(
       program, "session", "Log in, load the authorizations, keep the session alive and log out",
       true, [upkeep](CommandLine& given) { return Run(given, *upkeep); });
-  command
-      ->add_option("-i,--interval", upkeep->interval,
-                   "Time between keep-alives, at most 86400; 0: log out at once")
-      ->check(CLI::Range(0, 86400).description(""))
-      ->capture_default_str()
-      ->type_name("SECONDS");
-  command
-      ->add_option("-c,--count", upkeep->count,
-                   "Log out after this number of keep-alives; 0: on Ctrl-C")
-      ->check(CLI::Range(0, INT_MAX).description(""))
-      ->type_name("NUMBER");
+  AddNumber(*command, "-i,--interval", upkeep->interval, 86400, "SECONDS",
+            "Time between keep-alives, at most 86400; 0: log out at once");
+  AddNumber(*command, "-c,--count", upkeep->count, INT_MAX, "NUMBER",
+            "Log out after this number of keep-alives; 0: on Ctrl-C");
   command->add_flag("--again", upkeep->again, "Log in again when the session is lost");
 }
 

@@ -38,19 +38,18 @@ std::string Explain(const CLI::App& program, const CLI::ParseError& error) {
   const std::vector<std::string> unknown = program.remaining(true);
   if (unknown.empty()) return error.what();
   const std::string& word = unknown.front();
-  const bool isOption = word.starts_with('-');
+  const CLI::App* app = &program;
   std::vector<std::string> names;
-  const CLI::App* innermost = &program;
-  for (const CLI::App* app = &program; app != nullptr;) {
-    innermost = app;
+  for (;;) {
     for (const CLI::Option* const option : app->get_options()) {
       for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
     }
     const auto below = app->get_subcommands();
-    app = below.empty() ? nullptr : below.front();
+    if (below.empty()) break;
+    app = below.front();
   }
-  if (isOption) return "unknown option '" + word + "'" + Nearest(word, names);
-  const auto commands = innermost->get_subcommands([](const CLI::App*) { return true; });
+  if (word.starts_with('-')) return "unknown option '" + word + "'" + Nearest(word, names);
+  const auto commands = app->get_subcommands([](const CLI::App*) { return true; });
   if (commands.empty()) return "unexpected argument '" + word + "'";
   names.clear();
   for (const CLI::App* const command : commands) names.push_back(command->get_name());

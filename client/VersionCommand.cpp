@@ -1,7 +1,5 @@
 // vqclient version: the versions of client and server, and whether they may work together.
 
-#include <iostream>
-
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -50,17 +48,13 @@ int Show(CommandLine& line) {
   const bool known = LoginHandler::GetGlobal()->GetClientVersion(plain, withPatches) == 1;
   Verdict verdict = AskServer(line, known ? plain : "0");
   if (!known) verdict.words = "unknown: no client product is installed";
-  if (Form().json) {
-    PrintJson({{"client", known ? withPatches : ""},
-               {"server", verdict.serverVersion},
-               {"verdict", verdict.words},
-               {"result", vq::CodeOf(result)}});
-  } else {
-    std::cout << "client:  " << (known ? withPatches : "unknown") << '\n'
-              << "server:  " << (verdict.serverVersion.empty() ? "unknown" : verdict.serverVersion)
-              << '\n'
-              << "verdict: " << verdict.words << '\n';
-  }
+  PrintJson({{"client", known ? withPatches : ""},
+             {"server", verdict.serverVersion},
+             {"verdict", verdict.words},
+             {"result", vq::CodeOf(result)}});
+  PrintText("client:  " + (known ? withPatches : "unknown") +
+            "\nserver:  " + (verdict.serverVersion.empty() ? "unknown" : verdict.serverVersion) +
+            "\nverdict: " + verdict.words + '\n');
   return ExitCodeOf(result);
 }
 
