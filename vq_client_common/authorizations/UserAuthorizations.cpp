@@ -40,15 +40,6 @@ QCSAuthLevelEnum LevelOf(const QCSAuthLevelEnumSeq& privileges, PrivilegeTypeEnu
   return number <= MAX_ACCESS ? static_cast<QCSAuthLevelEnum>(number) : DEFAULT_ACCESS;
 }
 
-VQServiceUserAuth ServiceGrants(const QCSCorbaAuth2LvlSeq2& user,
-                                const QCSCorbaAuth2LvlSeq2& groups) {
-  std::list<VQServiceAuth> userList;
-  std::list<VQServiceAuth> groupList;
-  CrbConvert(user, userList);
-  CrbConvert(groups, groupList);
-  return VQServiceUserAuth(std::move(userList), std::move(groupList));
-}
-
 // The reference for a call. Raises INV_OBJREF for nil: some ORB products would dereference it.
 QCSCorbaAuthorization_ptr Callable(const QCSCorbaAuthorization_var& authorization) {
   if (CORBA::is_nil(authorization.in())) throw CORBA::INV_OBJREF(0, CORBA::COMPLETED_NO);
@@ -56,39 +47,6 @@ QCSCorbaAuthorization_ptr Callable(const QCSCorbaAuthorization_var& authorizatio
 }
 
 }  // namespace
-
-using UA = UserAuthorizations;
-using Snapshot = QCSCorbaAuthorizationStruct;
-
-const UA::LevelField UA::kLevelFields[] = {
-    {&UA::m_ChangePasswordLevel, AUTHORIZATION_PRIV_TYPE},
-    {&UA::m_AuthDefLevel, AUTHORIZATION_PRIV_TYPE},
-    {&UA::m_CommLevel, VMC_CONFIGURATION_PRIV_TYPE},
-    {&UA::m_CollDefLevel, COLLECTIONDEF_PRIV_TYPE},
-    {&UA::m_HierDefLevel, HIERARCHIEDEF_PRIV_TYPE},
-    {&UA::m_FiltDefLevel, FILTERDEF_PRIV_TYPE},
-    {&UA::m_ViewDefLevel, ACTIVEVP_PRIV_TYPE},
-    {&UA::m_AlertsLevel, ALERT_PRIV_TYPE},
-    {&UA::m_QIMLevel, QIM_PRIV_TYPE},
-    {&UA::m_ForecastLevel, FORECAST_PRIV_TYPE},
-    {&UA::m_PeriodStatLevel, PERIOD_STAT_PRIV_TYPE},
-    {&UA::m_CLILevel, CLI_PRIV_TYPE},
-    {&UA::m_ForecastQIMConfigLevel, QIMFOR_CONFIG_PRIV_TYPE},
-};
-
-// In the order of the load.
-const UA::HolderField UA::kHolderFields[] = {
-    {&UA::m_SchedTblAuth, &Snapshot::m_TablesUserAccess, &Snapshot::m_TablesGroupAccess},
-    {&UA::m_CalendarAuth, &Snapshot::m_CalendarsUserAccess, &Snapshot::m_CalendarsGroupAccess},
-    {&UA::m_PrereqCondAuth, &Snapshot::m_PrereqCondsUserAccess,
-     &Snapshot::m_PrereqCondsGroupAccess},
-    {&UA::m_ControlResAuth, &Snapshot::m_ControlResUserAccess, &Snapshot::m_ControlResGroupAccess},
-    {&UA::m_QuantResAuth, &Snapshot::m_QuantResUserAccess, &Snapshot::m_QuantResGroupAccess},
-    {&UA::m_GlobalCondAuth, &Snapshot::m_GlobalPrefixUserAccess,
-     &Snapshot::m_GlobalPrefixGroupAccess},
-    {&UA::m_OwnerAuth, &Snapshot::m_OwnerUserAccess, &Snapshot::m_OwnerGroupAccess},
-    {&UA::m_WorkloadAuth, &Snapshot::m_WorkloadsUserAccess, &Snapshot::m_WorkloadsGroupAccess},
-};
 
 UserAuthorizations* UserAuthorizations::Get() {
   return LoginHandler::GetGlobal()->GetUserAuthorizations();
@@ -137,25 +95,45 @@ int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
 }
 
 void UserAuthorizations::CopyPrivileges(const QCSAuthLevelEnumSeq& privileges) {
-  for (const LevelField& field : kLevelFields) {
-    this->*field.level = LevelOf(privileges, field.privilege);
-  }
+  m_ChangePasswordLevel = LevelOf(privileges, AUTHORIZATION_PRIV_TYPE);
+  m_AuthDefLevel = LevelOf(privileges, AUTHORIZATION_PRIV_TYPE);
+  m_CommLevel = LevelOf(privileges, VMC_CONFIGURATION_PRIV_TYPE);
+  m_CollDefLevel = LevelOf(privileges, COLLECTIONDEF_PRIV_TYPE);
+  m_HierDefLevel = LevelOf(privileges, HIERARCHIEDEF_PRIV_TYPE);
+  m_FiltDefLevel = LevelOf(privileges, FILTERDEF_PRIV_TYPE);
+  m_ViewDefLevel = LevelOf(privileges, ACTIVEVP_PRIV_TYPE);
+  m_AlertsLevel = LevelOf(privileges, ALERT_PRIV_TYPE);
+  m_QIMLevel = LevelOf(privileges, QIM_PRIV_TYPE);
+  m_ForecastLevel = LevelOf(privileges, FORECAST_PRIV_TYPE);
+  m_PeriodStatLevel = LevelOf(privileges, PERIOD_STAT_PRIV_TYPE);
+  m_CLILevel = LevelOf(privileges, CLI_PRIV_TYPE);
+  m_ForecastQIMConfigLevel = LevelOf(privileges, QIMFOR_CONFIG_PRIV_TYPE);
   // Intentional: only FULL_ACCESS makes an administrator, MAX_ACCESS does not.
   m_IsAdministrator = m_AuthDefLevel == FULL_ACCESS;
   m_OpenArchivedViewPoint = IsAtLeast(LevelOf(privileges, ARCHIVEVP_PRIV_TYPE), BROWSE_ACCESS);
 }
 
 void UserAuthorizations::LoadGrants(const QCSCorbaAuthorizationStruct& snapshot) {
-  for (const HolderField& field : kHolderFields) {
-    AuthLevelBySelection& holder = this->*field.holder;
-    holder.UserAuthFromCORBA(snapshot.*field.user, true);
-    holder.GroupAuthFromCORBA(snapshot.*field.group, true);
-  }
-  m_ServiceAuth.Clear();
-  const VQServiceUserAuth grants =
-      ServiceGrants(snapshot.ServiceUserAccess, snapshot.ServiceGroupAccess);
-  m_ServiceAuth.AddUserAuth(grants);
-  m_ServiceAuth.AddGroupAuth(grants);
+  const auto load = [](AuthLevelBySelection& holder, const QCSCorbaAuth2LvlSeq& user,
+                       const QCSCorbaAuth2LvlSeq& groups) {
+    holder.UserAuthFromCORBA(user, true);
+    holder.GroupAuthFromCORBA(groups, true);
+  };
+  load(m_SchedTblAuth, snapshot.m_TablesUserAccess, snapshot.m_TablesGroupAccess);
+  load(m_CalendarAuth, snapshot.m_CalendarsUserAccess, snapshot.m_CalendarsGroupAccess);
+  load(m_PrereqCondAuth, snapshot.m_PrereqCondsUserAccess, snapshot.m_PrereqCondsGroupAccess);
+  load(m_ControlResAuth, snapshot.m_ControlResUserAccess, snapshot.m_ControlResGroupAccess);
+  load(m_QuantResAuth, snapshot.m_QuantResUserAccess, snapshot.m_QuantResGroupAccess);
+  load(m_GlobalCondAuth, snapshot.m_GlobalPrefixUserAccess, snapshot.m_GlobalPrefixGroupAccess);
+  load(m_OwnerAuth, snapshot.m_OwnerUserAccess, snapshot.m_OwnerGroupAccess);
+  load(m_WorkloadAuth, snapshot.m_WorkloadsUserAccess, snapshot.m_WorkloadsGroupAccess);
+
+  m_ServiceAuth.Clear();  // also when the new grants cannot be read
+  std::list<VQServiceAuth> user;
+  std::list<VQServiceAuth> groups;
+  CrbConvert(snapshot.ServiceUserAccess, user);
+  CrbConvert(snapshot.ServiceGroupAccess, groups);
+  m_ServiceAuth = VQServiceUserAuth(std::move(user), std::move(groups));
 }
 
 int UserAuthorizations::LoadAuthLevelForOrderForce() {

@@ -111,21 +111,6 @@ class VQ_CLIENT_COMMON_API UserAuthorizations {
   QCSAuthLevelEnum GetCLIAccess() const { return m_CLILevel; }
 
  private:
-  // A level that is copied from the snapshot: the field, and the index in "Privileges".
-  struct LevelField {
-    QCSAuthLevelEnum UserAuthorizations::*level;
-    PrivilegeTypeEnum privilege;
-  };
-  static const LevelField kLevelFields[];
-
-  // A holder of grants, and the two lists of the snapshot that fill it.
-  struct HolderField {
-    AuthLevelBySelection UserAuthorizations::*holder;
-    QCSCorbaAuth2LvlSeq QCSCorbaAuthorizationStruct::*user;
-    QCSCorbaAuth2LvlSeq QCSCorbaAuthorizationStruct::*group;
-  };
-  static const HolderField kHolderFields[];
-
   void CopyPrivileges(const QCSAuthLevelEnumSeq& privileges);
   void LoadGrants(const QCSCorbaAuthorizationStruct& snapshot);
   int LoadAuthLevelForOrderForce();
