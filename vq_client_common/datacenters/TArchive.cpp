@@ -52,8 +52,7 @@ void SkipLine(std::iostream& stream) {
 }
 
 unsigned long ToUnsignedLong(const std::string& text) {
-  constexpr int kDecimal = 10;
-  return std::strtoul(text.c_str(), nullptr, kDecimal);
+  return std::strtoul(text.c_str(), nullptr, 10);
 }
 
 }  // namespace
@@ -97,48 +96,36 @@ void TArchive::Fail() {
   throw TArchiveException(0, "");
 }
 
-void TArchive::WriteRecord(const std::string& text) {
-  std::iostream& stream = Stream();
-  // Intentional: without the flag a text is written as zero bytes; loading programs skip it by its
-  // length.
-  std::string body(text.size(), '\0');
-  if (m_encrypt) StupidEncrypt(text, body);
-  std::string record = std::to_string(text.size() + 1) + kSeparator;
-  record.append(body, 0, text.size()).push_back(kLineEnd);
-  stream.write(record.data(), static_cast<std::streamsize>(record.size()));
-  RequireGood(stream);
-}
-
 template <typename T>
-void TArchive::WritePlain(T value) {
+TArchive& TArchive::WritePlain(T value) {
   std::iostream& stream = Stream();
   stream << value << kLineEnd;
   RequireGood(stream);
+  return *this;
 }
 
 TArchive& TArchive::operator<<(const std::string& value) {
-  WriteRecord(value);
+  std::iostream& stream = Stream();
+  // Intentional: without the flag a text is written as zero bytes; loading programs skip it by its
+  // length.
+  std::string body(value.size(), '\0');
+  if (m_encrypt) StupidEncrypt(value, body);
+  std::string record = std::to_string(value.size() + 1) + kSeparator;
+  record.append(body, 0, value.size()).push_back(kLineEnd);
+  stream.write(record.data(), static_cast<std::streamsize>(record.size()));
+  RequireGood(stream);
   return *this;
 }
 
 TArchive& TArchive::operator<<(unsigned long value) {
-  if (m_encrypt) {
-    WriteRecord(std::to_string(value));
-  } else {
-    WritePlain(value);
-  }
-  return *this;
+  return m_encrypt ? *this << std::to_string(value) : WritePlain(value);
 }
 
 TArchive& TArchive::operator<<(double value) {
-  if (m_encrypt) {
-    std::array<char, 32> text{};  // "%22.15E" takes at most 23 bytes
-    std::snprintf(text.data(), text.size(), "%22.15E", value);
-    WriteRecord(text.data());
-  } else {
-    WritePlain(value);
-  }
-  return *this;
+  if (!m_encrypt) return WritePlain(value);
+  std::array<char, 32> text{};  // "%22.15E" takes at most 23 bytes
+  std::snprintf(text.data(), text.size(), "%22.15E", value);
+  return *this << std::string(text.data());
 }
 
 TArchive& TArchive::operator<<(long value) {
@@ -188,10 +175,11 @@ std::string TArchive::ReadCipheredLine() {
 }
 
 template <typename T>
-void TArchive::ExtractPlain(T& value) {
+TArchive& TArchive::ExtractPlain(T& value) {
   std::iostream& stream = Stream();
   stream >> value;
   RequireGood(stream);
+  return *this;
 }
 
 TArchive& TArchive::operator>>(std::string& value) {
@@ -228,10 +216,7 @@ unsigned long TArchive::ReadUnsignedLong() {
 }
 
 TArchive& TArchive::operator>>(double& value) {
-  if (m_decryptType == kRecordsAsTheyStand) {
-    ExtractPlain(value);
-    return *this;
-  }
+  if (m_decryptType == kRecordsAsTheyStand) return ExtractPlain(value);
   if (m_decryptType == kLines) {
     ReadCipheredLine();  // Intentional: the value is skipped; old archives depend on it.
     return *this;
@@ -260,10 +245,7 @@ TArchive& TArchive::operator>>(double& value) {
 }
 
 TArchive& TArchive::operator>>(float& value) {
-  if (m_decryptType == kRecordsAsTheyStand) {
-    ExtractPlain(value);
-    return *this;
-  }
+  if (m_decryptType == kRecordsAsTheyStand) return ExtractPlain(value);
   double wide = value;
   *this >> wide;
   value = static_cast<float>(wide);
@@ -273,52 +255,45 @@ TArchive& TArchive::operator>>(float& value) {
 // Plain at type 1, otherwise the low bits of the number in a record or a line: 32 bits for bool and
 // long, as they are stored.
 template <typename T>
-void TArchive::LoadInteger(T& value) {
-  if (m_decryptType == kRecordsAsTheyStand) {
-    ExtractPlain(value);
-  } else if constexpr (std::is_same_v<T, bool>) {
-    value = static_cast<std::uint32_t>(ReadUnsignedLong()) != 0;
+TArchive& TArchive::LoadInteger(T& value) {
+  if (m_decryptType == kRecordsAsTheyStand) return ExtractPlain(value);
+  const unsigned long number = ReadUnsignedLong();
+  if constexpr (std::is_same_v<T, bool>) {
+    value = static_cast<std::uint32_t>(number) != 0;
   } else if constexpr (std::is_same_v<T, long>) {
-    value = static_cast<std::int32_t>(ReadUnsignedLong());
+    value = static_cast<std::int32_t>(number);
   } else {
-    value = static_cast<T>(ReadUnsignedLong());
+    value = static_cast<T>(number);
   }
-}
-TArchive& TArchive::operator>>(bool& value) {
-  LoadInteger(value);
   return *this;
+}
+
+TArchive& TArchive::operator>>(bool& value) {
+  return LoadInteger(value);
 }
 TArchive& TArchive::operator>>(char& value) {
-  LoadInteger(value);
-  return *this;
+  return LoadInteger(value);
 }
 TArchive& TArchive::operator>>(unsigned char& value) {
-  LoadInteger(value);
-  return *this;
+  return LoadInteger(value);
 }
 TArchive& TArchive::operator>>(short& value) {
-  LoadInteger(value);
-  return *this;
+  return LoadInteger(value);
 }
 TArchive& TArchive::operator>>(unsigned short& value) {
-  LoadInteger(value);
-  return *this;
+  return LoadInteger(value);
 }
 TArchive& TArchive::operator>>(int& value) {
-  LoadInteger(value);
-  return *this;
+  return LoadInteger(value);
 }
 TArchive& TArchive::operator>>(unsigned int& value) {
-  LoadInteger(value);
-  return *this;
+  return LoadInteger(value);
 }
 TArchive& TArchive::operator>>(long& value) {
-  LoadInteger(value);
-  return *this;
+  return LoadInteger(value);
 }
 TArchive& TArchive::operator>>(unsigned long& value) {
-  LoadInteger(value);
-  return *this;
+  return LoadInteger(value);
 }
 
 void SerializeElement(TArchive& archive, std::string& value) {

@@ -129,13 +129,12 @@ class VQ_CLIENT_COMMON_API TArchive {
   [[noreturn]] static void Fail();
   static void RequireGood(const std::iostream& stream);
   std::iostream& Stream() const;
-  void WriteRecord(const std::string& text);
   template <typename T>
-  void WritePlain(T value);
+  TArchive& WritePlain(T value);
   template <typename T>
-  void ExtractPlain(T& value);
+  TArchive& ExtractPlain(T& value);
   template <typename T>
-  void LoadInteger(T& value);
+  TArchive& LoadInteger(T& value);
   std::string ReadLine();
   std::string ReadCipheredLine();
   unsigned long ReadUnsignedLong();
