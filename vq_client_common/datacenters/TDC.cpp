@@ -10,9 +10,6 @@ namespace {
 
 TDiagRegister diagModule("TDC");
 
-constexpr std::int32_t kDaysOfTheWeek = 7;
-constexpr std::int32_t kRepairedStartDay = 1;
-
 template <typename Field>
 bool UpdateIfChanged(const char* label, Field& field, const Field& value) {
   const TDiagFunc diag(diagModule, "TDC::UpdateFieldIfChanged");
@@ -77,9 +74,9 @@ bool TDC::UpdateFull(const std::string& name, const std::string& enabled,
                      const std::string& startSummerTime, const std::string& endSummerTime) {
   const TDiagFunc diag(diagModule, "TDC::UpdateFull");
   bool changed = false;
-  if (startDay < 0 || startDay >= kDaysOfTheWeek) {
+  if (startDay < 0 || startDay > 6) {
     // Intentional: a repair always counts as a change; callers recognise a bad record by it.
-    startDay = kRepairedStartDay;
+    startDay = 1;
     changed = true;
   }
   changed |= UpdateFieldIfChanged("Name", m_name, name);

@@ -1,6 +1,5 @@
 #include <vq_client_common/datacenters/TDCList.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <fstream>
 #include <iterator>
@@ -20,15 +19,11 @@ TDiagRegister diagModule("TDCList");
 
 void TDCList::Add(const TDC& dc) {
   const std::string name = dc.GetName();
-  const auto place = m_records.lower_bound(name);
-  if (place != m_records.end() && place->first == name) {
-    place->second = dc;
-    return;
+  constexpr std::size_t kMost = std::numeric_limits<std::uint32_t>::max();
+  if (m_records.size() >= kMost && !m_records.contains(name)) {
+    throw std::length_error("map/set<T> too long");
   }
-  const std::size_t limit =
-      std::min<std::size_t>(m_records.max_size(), std::numeric_limits<std::uint32_t>::max());
-  if (m_records.size() >= limit) throw std::length_error("map/set<T> too long");
-  m_records.emplace_hint(place, name, dc);
+  m_records.insert_or_assign(name, dc);
 }
 
 void TDCList::Remove(const std::string& name) {

@@ -4,8 +4,7 @@
 
 #include <vq_client_common/datacenters/TDC.h>
 
-#include <cstdint>
-#include <string>
+#include <functional>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -55,10 +54,9 @@ std::string_view HhmmOfNewDay(std::string_view newDay) {
 
 // The date of a long next time, moved by `days`; unchanged when there is no such date.
 std::string MoveDate(const std::string& nextTime, int days) {
-  const std::string_view text = nextTime;
   try {
-    const os_date date = os_date(vq::Atoi(text.substr(0, 4)), vq::Atoi(text.substr(4, 2)),
-                                 vq::Atoi(text.substr(6, 2))) +
+    const os_date date = os_date(vq::Atoi(nextTime.substr(0, 4)), vq::Atoi(nextTime.substr(4, 2)),
+                                 vq::Atoi(nextTime.substr(6, 2))) +
                          os_time_period(days, 0, 0, 0, 0);
     return fmt::format("{:04}{:02}{:02}", date.year(), date.month(), date.day());
   } catch (...) {
@@ -122,16 +120,13 @@ bool TDC::ConvertFromTimeSynonym(const std::string& source, std::string& dest) {
 bool TDC::ConvertNextTimeToTimeSynonym(const std::string& newDay, const std::string& nextTime,
                                        std::string& dest) {
   const TDiagFunc diag(diagModule, "TDC::ConvertNextTimeToTimeSynonym");
-  const std::string day = newDay;  // A copy: `dest` may be the same text.
+  const bool isUsable = !nextTime.empty() && IsNewDayLength(newDay.size());
+  // With a copy of the new-day time, since `dest` may be the same text.
+  const auto convertTime = std::bind_front(&TDC::ConvertToTimeSynonymStatic, newDay);
   dest = nextTime;
-  if (nextTime.empty() || !IsNewDayLength(day.size())) return false;
+  if (!isUsable) return false;
   // The scheduling day of a synonym time began on the day before.
-  return ConvertNextTime(
-      diag, nextTime, -1,
-      [&day](const std::string& time, std::string& converted) {
-        return ConvertToTimeSynonymStatic(day, time, converted);
-      },
-      dest);
+  return ConvertNextTime(diag, nextTime, -1, convertTime, dest);
 }
 
 bool TDC::ConvertNextTimeFromTimeSynonym(const std::string& nextTime, std::string& dest) {

@@ -4,42 +4,32 @@
 #include <iostream>
 #include <iterator>
 #include <span>
-#include <string_view>
 #include <utility>
 
 namespace {
 
-struct TypeTexts {
+constexpr const char* kUnixShort = "UNIX";
+constexpr const char* kUnixLong = "UNIX/Windows/TANDEM";
+
+constexpr const char* kMainframeVersions[] = {"700", "640", "630", "62A",
+                                              "620", "610", "600", "500"};
+constexpr const char* kDistributedVersions[] = {"700", "640", "630", "620", "613",
+                                                "610", "600", "225", "224"};
+constexpr const char* kAs400Versions[] = {"610", "600", "225", "224"};
+
+struct TypeRow {
   TVltType type;
   const char* shown;
   const char* platform;
+  std::span<const char* const> versions;  // that a new data center may have
 };
-constexpr TypeTexts kUnknownType = {VLT_TYPE_UNKNOWN, "Unknown", "Unknown"};
-constexpr TypeTexts kTypes[] = {
-    {VLT_TYPE_MAINFRAME, "z/OS", "MVS"},
-    {VLT_TYPE_DISTRIBUTED, "Distributed", "UNIX"},
-    {VLT_TYPE_AS400, "AS/400", "AS/400"},
-    {VLT_TYPE_VAX_VMS, "VAX/VMS", "VAX/VMS"},
+constexpr TypeRow kUnknownType = {VLT_TYPE_UNKNOWN, "Unknown", "Unknown", {}};
+constexpr TypeRow kTypes[] = {
+    {VLT_TYPE_MAINFRAME, "z/OS", "MVS", kMainframeVersions},
+    {VLT_TYPE_DISTRIBUTED, "Distributed", kUnixShort, kDistributedVersions},
+    {VLT_TYPE_AS400, "AS/400", "AS/400", kAs400Versions},
+    {VLT_TYPE_VAX_VMS, "VAX/VMS", "VAX/VMS", {}},
 };
-
-struct TypeName {
-  std::string_view text;
-  TVltType type;
-};
-constexpr TypeName kUnknownName = {"", VLT_TYPE_UNKNOWN};
-constexpr TypeName kTypeNames[] = {
-    {"MVS", VLT_TYPE_MAINFRAME},
-    {"z/OS", VLT_TYPE_MAINFRAME},
-    {"AS/400", VLT_TYPE_AS400},
-    {"VAX/VMS", VLT_TYPE_VAX_VMS},
-    {"Distributed", VLT_TYPE_DISTRIBUTED},
-    {"UNIX/Windows/TANDEM", VLT_TYPE_DISTRIBUTED},
-    {"UNIX", VLT_TYPE_DISTRIBUTED},
-    {"UNIX/NT/TANDEM", VLT_TYPE_DISTRIBUTED},
-};
-
-constexpr const char* kUnixShort = "UNIX";
-constexpr const char* kUnixLong = "UNIX/Windows/TANDEM";
 
 struct Platform {
   PLATFORM_TYPE platform;
@@ -77,22 +67,6 @@ constexpr VersionCode kVersionCodes[] = {
 };
 
 constexpr const char* kSupportedTypes[] = {"MVS", kUnixLong, "AS/400"};
-
-constexpr const char* kMainframeVersions[] = {"700", "640", "630", "62A",
-                                              "620", "610", "600", "500"};
-constexpr const char* kDistributedVersions[] = {"700", "640", "630", "620", "613",
-                                                "610", "600", "225", "224"};
-constexpr const char* kAs400Versions[] = {"610", "600", "225", "224"};
-struct SupportedVersions {
-  TVltType type;
-  std::span<const char* const> versions;
-};
-constexpr SupportedVersions kNoVersions = {VLT_TYPE_UNKNOWN, {}};
-constexpr SupportedVersions kSupportedVersions[] = {
-    {VLT_TYPE_MAINFRAME, kMainframeVersions},
-    {VLT_TYPE_DISTRIBUTED, kDistributedVersions},
-    {VLT_TYPE_AS400, kAs400Versions},
-};
 
 // The row of `table` whose `field` is `key`, or `otherwise`.
 template <typename Row, std::size_t Size, typename Key>
@@ -148,15 +122,18 @@ std::string TVltVersion::FullVer() const {
 }
 
 std::string TVltVersion::TypeAsString() const {
-  return FindRow(kTypes, &TypeTexts::type, m_type, kUnknownType).shown;
+  return FindRow(kTypes, &TypeRow::type, m_type, kUnknownType).shown;
 }
 
 std::string TVltVersion::TypeAsPLATFORMString() const {
-  return FindRow(kTypes, &TypeTexts::type, m_type, kUnknownType).platform;
+  return FindRow(kTypes, &TypeRow::type, m_type, kUnknownType).platform;
 }
 
 TVltType TVltVersion::TypeFromString(const std::string& text) {
-  return FindRow(kTypeNames, &TypeName::text, std::string_view(text), kUnknownName).type;
+  if (text == kUnixLong || text == "UNIX/NT/TANDEM") return VLT_TYPE_DISTRIBUTED;
+  const auto found = std::ranges::find_if(
+      kTypes, [&text](const TypeRow& row) { return text == row.shown || text == row.platform; });
+  return found != std::end(kTypes) ? found->type : VLT_TYPE_UNKNOWN;
 }
 
 TVltType TVltVersion::PLATFORMtoType(PLATFORM_TYPE platform) {
@@ -179,12 +156,11 @@ bool TVltVersion::ComposeFullVersionStr(const std::string& version, const std::s
 
 bool TVltVersion::SplitFullVersionStr(const std::string& full, std::string& version,
                                       std::string& fixPack) {
-  const std::size_t point = full.find('.');
-  std::string before = full.substr(0, point);
+  const std::string whole = full;  // the outputs may be the same object as the input
+  const std::size_t point = whole.find('.');
+  version = whole.substr(0, point);
   // Intentional: without a point the level is the whole text, too, not empty; clients display it.
-  std::string behind = point != std::string::npos ? full.substr(point + 1) : full;
-  version = std::move(before);
-  fixPack = std::move(behind);
+  fixPack = point != std::string::npos ? whole.substr(point + 1) : whole;
   return true;
 }
 
@@ -203,10 +179,8 @@ void TVltVersion::GetSupportedVLTTypes(ArrayWrap<std::string>& list) {
 }
 
 void TVltVersion::GetSupportedVersions4Type(TVltType type, ArrayWrap<std::string>& list) {
-  for (const char* const version :
-       FindRow(kSupportedVersions, &SupportedVersions::type, type, kNoVersions).versions) {
-    list.Append(version);
-  }
+  const TypeRow& row = FindRow(kTypes, &TypeRow::type, type, kUnknownType);
+  for (const char* const version : row.versions) list.Append(version);
 }
 
 // Intentional, here and in Version700Plus: the type is not tested, so an unknown platform may pass.
