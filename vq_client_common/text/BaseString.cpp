@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr std::size_t kFormatBuffer = 1000;
 // Intentional: only the right end includes CR; clients that trim line by line depend on it.
 constexpr std::string_view kRightBlanks = " \t\r\n";
 constexpr std::string_view kLeftBlanks = "\n \t";
@@ -32,14 +31,6 @@ std::size_t AtMost(std::int32_t count, std::size_t available) {
 
 std::int32_t Position(std::size_t found) {
   return std::in_range<std::int32_t>(found) ? static_cast<std::int32_t>(found) : -1;
-}
-
-void Upper(std::string& text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-}
-
-void Lower(std::string& text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
 }  // namespace
@@ -106,10 +97,11 @@ char& BaseString::Outside() {
 }
 
 void BaseString::MakeUpper() {
-  Upper(m_text);
+  for (char& c : m_text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
 }
+
 void BaseString::MakeLower() {
-  Lower(m_text);
+  for (char& c : m_text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
 std::int32_t BaseString::Find(char character, std::int32_t start) const {
@@ -130,12 +122,12 @@ std::int32_t BaseString::ReverseFind(char character) const {
 }
 
 int BaseString::FindNoCase(const char* text) const {
-  std::string whole = m_text;
-  std::string part = NotNull(text);
-  Upper(whole);
-  Upper(part);
+  BaseString whole = *this;
+  BaseString part = text;
+  whole.MakeUpper();
+  part.MakeUpper();
   // Intentional: 1 or 0, not a position; clients use it as a flag.
-  return whole.find(part) != std::string::npos ? 1 : 0;
+  return whole.m_text.find(part.m_text) != std::string::npos ? 1 : 0;
 }
 
 int BaseString::Compare(const char* text) const {
@@ -143,11 +135,11 @@ int BaseString::Compare(const char* text) const {
 }
 
 int BaseString::CompareNoCase(const char* text) const {
-  std::string left = m_text;
-  std::string right = NotNull(text);
-  Lower(left);
-  Lower(right);
-  return std::strcoll(left.c_str(), right.c_str());
+  BaseString left = *this;
+  BaseString right = text;
+  left.MakeLower();
+  right.MakeLower();
+  return left.Compare(right);
 }
 
 int BaseString::CompareNoLS(const char* text) const {
@@ -167,7 +159,7 @@ void BaseString::ReleaseBuffer(std::int32_t length) {
 
 void BaseString::Format(const char* format, ...) {
   NotNull(format);
-  char buffer[kFormatBuffer] = {};
+  char buffer[1000] = {};
   std::va_list arguments;
   va_start(arguments, format);
   std::vsnprintf(buffer, sizeof(buffer), format, arguments);

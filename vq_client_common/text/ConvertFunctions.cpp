@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include <support/diagnostics/TDiag.h>
 #include <support/os_toolkit/Atoi.h>
+#include <vq_client_common/text/BaseString.h>
 
 namespace {
 
@@ -16,66 +20,48 @@ TDiagRegister diagModule("ConvertFunctions");
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::size_t kPrefix = 4;  // digits of a record's length
 constexpr std::size_t kNone = std::string_view::npos;
-constexpr int kMaxInterval = 99999;
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// `number` with at least `digits` digits: zeros are inserted after its minus sign.
-std::string Padded(int number, std::size_t digits) {
-  std::string text = std::to_string(number);
-  const std::size_t sign = number < 0 ? 1 : 0;
-  const std::size_t present = text.size() - sign;
-  if (present < digits) text.insert(sign, digits - present, '0');
-  return text;
-}
-
 std::string ExecTime(std::string_view text) {
   if (text.empty()) return {};
-  std::string sign;
-  std::string suffix;
+  std::string_view sign;
   if (!IsDigit(text.front())) {
-    sign = text.front();
+    sign = text.substr(0, 1);
     text.remove_prefix(1);
   }
+  std::string_view suffix;
   if (text.ends_with('%')) {
     suffix = "%";
     text.remove_suffix(1);
   }
-  return sign + Padded(vq::Atoi(text), 3) + suffix;
+  const int number = vq::Atoi(text);
+  return fmt::format("{}{:0{}}{}", sign, number, number < 0 ? 4 : 3, suffix);
 }
 
 char UnitOf(char last) {
-  switch (last) {
-    case 'D':
-    case 'd':
-      return 'D';
-    case 'H':
-    case 'h':
-      return 'H';
-    default:
-      return 'M';
-  }
+  if (last == 'D' || last == 'd') return 'D';
+  if (last == 'H' || last == 'h') return 'H';
+  return 'M';
 }
 
 std::string Interval(std::string_view text) {
   if (text.empty()) return "00001M";
   const int number = vq::Atoi(text);
-  return Padded(number < 0 || number > kMaxInterval ? 0 : number, 5) + UnitOf(text.back());
+  return fmt::format("{:05}{}", number < 0 || number > 99999 ? 0 : number, UnitOf(text.back()));
 }
 
 std::string ShiftNum(std::string_view text) {
   if (text.empty()) return {};
   const int number = vq::Atoi(text);
   // Intentional: a negative number has its own sign after the field's; the server depends on it.
-  return number < 0 ? "-" + Padded(number, 1) : "+" + Padded(number, 2);
+  return fmt::format("{}{:02}", number < 0 ? '-' : '+', number);
 }
 
 void AppendRecord(std::string_view line, std::string& buffer) {
-  std::string length = std::to_string(line.size());
-  if (length.size() < kPrefix) length.insert(0, kPrefix - length.size(), '0');
-  buffer.append(length).append(line);
+  fmt::format_to(std::back_inserter(buffer), "{:04}{}", line.size(), line);
 }
 
 // Intentional: a record of two or more blanks and nothing else stays; servers store such lines.
@@ -113,7 +99,7 @@ void FormatRetentionValues(const std::string& in, std::string& out, bool wide) {
   if (in.empty())
     return;  // Intentional: `out` is unchanged; screens keep the last value of an empty field.
   if (std::all_of(in.begin(), in.end(), IsDigit)) {
-    out = Padded(vq::Atoi(in), wide ? 3 : 2);
+    out = fmt::format("{:0{}}", vq::Atoi(in), wide ? 3 : 2);
   } else {
     out = in;
   }
@@ -164,29 +150,17 @@ int ConvertLines2Buffer(const std::string& lines, std::string& buffer, unsigned 
 
 int ConvertWindowsToUnix(const std::string& in, std::string& out) {
   const TDiagFunc diag(diagModule, "ConvertWindowsToUnix");
-  std::string result;
-  result.reserve(in.size());
-  std::string_view rest = in;
-  for (std::size_t end; (end = rest.find(kLineEnd)) != kNone;) {
-    result.append(rest.substr(0, end)).push_back('\n');
-    rest.remove_prefix(end + kLineEnd.size());
-  }
-  result.append(rest);
-  out = std::move(result);
+  BaseString text(in);
+  text.Replace("\r\n", "\n");
+  out = std::move(text.Std());
   return 1;
 }
 
 int ConvertUnixToWindows(const std::string& in, std::string& out) {
   const TDiagFunc diag(diagModule, "ConvertUnixToWindows");
-  std::string result;
-  result.reserve(in.size() + in.size() / 16);
-  std::string_view rest = in;
-  for (std::size_t end; (end = rest.find('\n')) != kNone;) {
-    // Intentional: a CR before the LF gets a second one; callers pass texts without CR.
-    result.append(rest.substr(0, end)).append(kLineEnd);
-    rest.remove_prefix(end + 1);
-  }
-  result.append(rest);
-  out = std::move(result);
+  BaseString text(in);
+  // Intentional: a CR before the LF gets a second one; callers pass texts without CR.
+  text.Replace("\n", "\r\n");
+  out = std::move(text.Std());
   return 1;
 }

@@ -1,7 +1,6 @@
 #include <vq_client_common/text/FieldLength.h>
 
 #include <array>
-#include <cstddef>
 
 namespace {
 
@@ -11,20 +10,16 @@ constexpr std::array<std::int32_t, 32> kLengths{
     255,  64,  5,   20,  64,  3,   3,    5,    // 16 to 23
     200,  400, 200, 400, 300, 500, 4000, 20};  // 24 to 31
 
-constexpr std::int32_t kShortLengthOf10 = 8;
-constexpr std::int32_t kLengthOf10In640 = 30;
-constexpr std::int32_t kLengthOf11In640 = 4000;
-
 }  // namespace
 
 std::int32_t GetFieldLength(QCSFieldName field, bool shortForm) {
-  if (field == QCS_FIELD_10 && shortForm) return kShortLengthOf10;
+  if (field == QCS_FIELD_10 && shortForm) return 8;
   const auto index = static_cast<std::uint32_t>(field);  // a negative number becomes a large one
   return index < kLengths.size() ? kLengths[index] : 0;
 }
 
 std::int32_t GetFieldLength640(QCSFieldName field) {
-  if (field == QCS_FIELD_10) return kLengthOf10In640;
-  if (field == QCS_FIELD_11) return kLengthOf11In640;
+  if (field == QCS_FIELD_10) return 30;
+  if (field == QCS_FIELD_11) return 4000;
   return GetFieldLength(field, false);
 }

@@ -8,15 +8,6 @@ namespace {
 using vq::kTablePathSeparator;
 constexpr std::size_t kNone = std::string_view::npos;
 
-// Sets both outputs at the end, since the views may point into one of them.
-void SetBoth(std::string_view newLeft, std::string_view newRight, std::string& left,
-             std::string& right) {
-  std::string leftText(newLeft);
-  std::string rightText(newRight);
-  left = std::move(leftText);
-  right = std::move(rightText);
-}
-
 }  // namespace
 
 bool AppendToTablePath(const std::string& path, const std::string& name, std::string& out) {
@@ -45,22 +36,20 @@ bool SplitTablePath(const std::string& path, std::list<std::string>& out) {
 }
 
 bool SplitLeftMost(const std::string& path, std::string& left, std::string& right) {
-  const std::string_view text = path;
+  const std::string text = path;  // may be the same object as an output
   const std::size_t position = text.find(kTablePathSeparator);
-  const std::string_view behind =
-      position == kNone ? std::string_view() : text.substr(position + kTablePathSeparator.size());
-  SetBoth(text.substr(0, position), behind, left, right);
+  left = text.substr(0, position);
+  right = position == kNone ? "" : text.substr(position + kTablePathSeparator.size());
   return true;
 }
 
 bool SplitRightMost(const std::string& path, std::string& left, std::string& right) {
-  const std::string_view text = path.c_str();
+  const std::string text = path.c_str();  // a copy, as above
   const std::size_t position = text.rfind(kTablePathSeparator);
+  left = text.substr(0, position);
   // Intentional: without a separator both outputs are the path; callers recognise an outermost
   // table by that.
-  const std::string_view behind =
-      position == kNone ? text : text.substr(position + kTablePathSeparator.size());
-  SetBoth(text.substr(0, position), behind, left, right);
+  right = position == kNone ? text : text.substr(position + kTablePathSeparator.size());
   return true;
 }
 
