@@ -35,18 +35,12 @@ std::string PropertiesPath() {
   return GetVQDataLocation() + "CommonClientConf.xml";
 }
 
-// The names of the system's language: "de_DE" and "de" for the locale "de_DE.UTF-8". A name that is
-// too long is empty.
+// The names of the system's language: "de_DE" and "de" for the locale "de_DE.UTF-8".
 std::array<std::string, 2> SystemLanguageNames() {
-  constexpr std::size_t kLongestName = 9;
   const std::string locale =
       vq::GetEnvOr("LC_ALL", vq::GetEnvOr("LC_MESSAGES", vq::GetEnvOr("LANG", "")));
-  std::array names{locale.substr(0, locale.find_first_of(".@")),
-                   locale.substr(0, locale.find_first_of("_.@"))};
-  for (std::string& name : names) {
-    if (name.size() > kLongestName) name.clear();
-  }
-  return names;
+  return {locale.substr(0, locale.find_first_of(".@")),
+          locale.substr(0, locale.find_first_of("_.@"))};
 }
 
 // Larger files are refused, since parsing takes many times their size in memory.
@@ -279,7 +273,7 @@ std::string ClientProperties::getHelpFile() {
   const std::string root = GetVQRootLocation();
   if (GetIntValue("LocalHelpFile", 1) != 0) {
     for (std::string& language : SystemLanguageNames()) {
-      if (language.empty()) continue;
+      if (language.empty() || language.size() > 9) continue;  // no name of a language
       const std::string path = root + HelpFileBuilder(language);
       if (os_file_system::exists(path)) return path;
     }

@@ -4,7 +4,6 @@
 #include <cctype>
 #include <iostream>
 #include <stdexcept>
-#include <string_view>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/os_toolkit/Atoi.h>
@@ -12,13 +11,6 @@
 namespace {
 
 TDiagRegister diagModule("CmdParser");
-
-constexpr std::string_view kSecretNames[] = {"PASSWORD", "P"};
-
-bool IsSecret(std::string_view name) {
-  return std::find(std::begin(kSecretNames), std::end(kSecretNames), name) !=
-         std::end(kSecretNames);
-}
 
 }  // namespace
 
@@ -101,16 +93,17 @@ bool CmdParser::parse(std::string&) {
 
 std::string CmdParser::param(const std::string& name, const std::string& shortName) const {
   const TDiagFunc diag(diagModule, "CmdParser::param");
-  std::string key = name;
-  set_case(key);
-  // lower_bound, not find: the first of several equal names counts.
-  auto entry = m_params.lower_bound(key);
-  if (entry != m_params.end() && entry->first == key) return entry->second;
-  if (!m_acceptShortParams || shortName.empty()) return {};
-  key = shortName;
-  set_case(key);
-  entry = m_params.lower_bound(key);
-  return entry != m_params.end() && entry->first == key ? entry->second : std::string();
+  const auto find = [this](std::string key) {
+    set_case(key);
+    // lower_bound, not find: the first of several equal names counts.
+    const auto entry = m_params.lower_bound(key);
+    return entry != m_params.end() && entry->first == key ? entry : m_params.end();
+  };
+  auto entry = find(name);
+  if (entry == m_params.end() && m_acceptShortParams && !shortName.empty()) {
+    entry = find(shortName);
+  }
+  return entry != m_params.end() ? entry->second : std::string();
 }
 
 bool CmdParser::is_switch_on(const std::string& name) const {
@@ -143,7 +136,7 @@ void CmdParser::diag_print() const {
   if (!diag.IsActive(5)) return;
   for (const auto& [name, value] : m_params) {
     // Intentional: by the exact name, and without a line that shows that a secret was given.
-    if (IsSecret(name)) continue;
+    if (name == "PASSWORD" || name == "P") continue;
     VQ_LOG(diag, 5) << name << " = " << value;
   }
   for (const std::string& name : m_switches) VQ_LOG(diag, 5) << "/" << name;

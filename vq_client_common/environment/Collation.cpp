@@ -5,15 +5,11 @@
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
-#include <limits>
-#include <string>
 #include <string_view>
 
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
 
 namespace {
-
-constexpr std::size_t kAllCharacters = std::numeric_limits<std::size_t>::max();
 
 // Represents a byte that begins no character, in the range of the surrogates, which no encoding
 // uses. (A comparison by bytes of such texts only would make the order inconsistent.)
@@ -39,7 +35,7 @@ std::wstring Decode(const char* text, std::size_t mostCharacters) {
 }
 
 std::wstring WithoutCase(const char* text) {
-  std::wstring result = Decode(text, kAllCharacters);
+  std::wstring result = Decode(text, std::string::npos);
   for (wchar_t& c : result) c = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(c)));
   return result;
 }

@@ -5,6 +5,8 @@
 #include <clocale>
 #include <cstddef>
 #include <fstream>
+#include <iterator>
+#include <limits>
 #include <optional>
 
 #include <support/diagnostics/TDiag.h>
@@ -25,10 +27,11 @@ enum Result {
   kNoFile = 42,
 };
 
-constexpr struct {
+struct Failure {
   int result;
   const char* text;
-} kFailures[] = {
+};
+constexpr Failure kFailures[] = {
     {kNoLanguage, "Language not found in file locale.ini"},
     {kNoLocale, "Locale not found in file locale.ini"},
     {kNoHome, "Missing VQ home environment variable"},
@@ -41,30 +44,6 @@ std::string LowerCase(const char* text) {
   return result;
 }
 
-// Reads the part of one line that counts. False at the end of the file.
-bool ReadLine(std::istream& file, std::string& line) {
-  line.clear();
-  char c = 0;
-  if (!file.get(c)) return false;
-  do {
-    if (c == '\n') break;
-    if (line.size() < kLongestLine) line.push_back(c);
-  } while (file.get(c));
-  line.resize(std::min(line.size(), line.find('\0')));
-  return true;
-}
-
-// The locale in the line of an entry; empty without a "=".
-std::optional<std::string> LocaleOf(const std::string& line) {
-  const std::size_t equals = line.find('=');
-  if (equals == std::string::npos) return {};
-  std::string locale = line.substr(equals + 1);
-  while (!locale.empty() && std::isspace(static_cast<unsigned char>(locale.back()))) {
-    locale.pop_back();
-  }
-  return locale;
-}
-
 }  // namespace
 
 int get_locale(const char* language, char* locale) {
@@ -75,13 +54,19 @@ int get_locale(const char* language, char* locale) {
   std::ifstream file(*home + "/ini//locale.ini", std::ios::binary);
   if (!file) return kNoFile;
 
-  std::string line;
-  while (ReadLine(file, line)) {
+  char buffer[kLongestLine + 1];
+  while (file.getline(buffer, sizeof buffer).gcount() > 0) {
+    if (file.fail()) {  // a longer line, whose rest does not count
+      file.clear();
+      file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    }
+    std::string line = buffer;
     // Intentional: a prefix is enough; sites use it in the names of their languages.
     if (line.starts_with('#') || !line.starts_with(name)) continue;
-    const std::optional<std::string> found = LocaleOf(line);
-    if (!found) return kNoLocale;
-    if (locale != nullptr) locale[found->copy(locale, kLongestLine)] = '\0';
+    const std::size_t equals = line.find('=');
+    if (equals == std::string::npos) return kNoLocale;
+    while (std::isspace(static_cast<unsigned char>(line.back()))) line.pop_back();
+    if (locale != nullptr) locale[line.copy(locale, kLongestLine, equals + 1)] = '\0';
     return kFound;
   }
   return kNoLanguage;
@@ -95,9 +80,7 @@ std::string SetLocaleByLanguage(const std::string& language) {
     VQ_LOG(diag, 4) << "Language locale is: " << language
                     << " and the string locale is: " << locale;
   } else {
-    const auto* const failure =
-        std::find_if(std::begin(kFailures), std::end(kFailures),
-                     [result](const auto& entry) { return entry.result == result; });
+    const auto* const failure = std::ranges::find(kFailures, result, &Failure::result);
     VQ_LOG(diag, 4) << (failure != std::end(kFailures) ? failure->text : "")
                     << ". Using Default language - " << locale;
   }

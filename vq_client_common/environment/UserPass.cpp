@@ -6,7 +6,6 @@
 #include <support/diagnostics/ConsoleInput.h>
 #include <support/diagnostics/PasswordFile.h>
 #include <support/diagnostics/TDiag.h>
-#include <support/security/SecretString.h>
 
 namespace {
 
