@@ -34,32 +34,14 @@ std::optional<std::int32_t> ReadNewDay(std::string_view newDay) {
   return (hours * 60 + minutes) * 60;
 }
 
-// A summer mark, YYYYMMDD, whose day may be missing. A text of fewer than six characters raises
-// std::out_of_range.
-struct SummerMark {
-  explicit SummerMark(const std::string& text)
-      : year(static_cast<std::int16_t>(vq::Atoi(text.substr(0, 4)))),
-        month(static_cast<std::int16_t>(vq::Atoi(text.substr(4, 2)))),
-        day(static_cast<std::int16_t>(vq::Atoi(text.substr(6, 2)))) {}
-  os_calendar_date Date() const { return {month, day, os_time_period(0, 0)}; }
+// The number in a part of a summer mark, YYYYMMDD, whose day may be missing. Raises
+// std::out_of_range for a mark of fewer than `at` characters.
+std::int16_t MarkPart(const std::string& mark, std::size_t at, std::size_t count) {
+  return static_cast<std::int16_t>(vq::Atoi(mark.substr(at, count)));
+}
 
-  std::int16_t year;
-  std::int16_t month;
-  std::int16_t day;
-};
-
-// The parts of a relative time.
-struct DayTime {
-  int day;
-  int hour;
-  int minute;
-  int second;
-};
-std::optional<DayTime> Split(std::int32_t t) {
-  using Times = ForecastTimesManipulationMP;
-  if (t < 0 || t >= NO_TIME) return std::nullopt;
-  return DayTime{t / Times::SIMUL_DAY_TIME_IN_SEC - Times::DAYS_OFFSET, t / 3600 % 24, t / 60 % 60,
-                 t % 60};
+os_calendar_date MarkDate(const std::string& mark) {
+  return {MarkPart(mark, 4, 2), MarkPart(mark, 6, 2), os_time_period(0, 0)};
 }
 
 }  // namespace
@@ -88,10 +70,9 @@ void ForecastTimesManipulationMP::Init(const os_time_and_date& now, bool convert
     if (useOdat) {
       const std::string odat = CorbaString2StlString(record.m_Odat);
       if (odat.size() == 8) {
-        const std::string_view digits(odat);
         m_referenceTime = os_time_and_date(
-            os_time(0), os_date(vq::Atoi(digits.substr(0, 4)), vq::Atoi(digits.substr(4, 2)),
-                                vq::Atoi(digits.substr(6))));
+            os_time(0), os_date(vq::Atoi(odat.substr(0, 4)), vq::Atoi(odat.substr(4, 2)),
+                                vq::Atoi(odat.substr(6))));
       } else {
         VQ_LOG(diag, 5) << "VLT: " << name << " ODAT is empty - using Current Time";
         m_referenceTime = os_time_and_date::now();
@@ -167,22 +148,24 @@ std::int32_t ForecastTimesManipulationMP::ConvertToTime(int day, int hour, int m
 
 bool ForecastTimesManipulationMP::ConvertTimeToDayHourMin(std::int32_t t, int& day, int& hour,
                                                           int& minute, int& second) {
-  const std::optional<DayTime> parts = Split(t);
-  if (!parts) return false;
-  day = parts->day;
-  hour = parts->hour;
-  minute = parts->minute;
-  second = parts->second;
+  if (t < 0 || t >= NO_TIME) return false;
+  day = t / SIMUL_DAY_TIME_IN_SEC - DAYS_OFFSET;
+  hour = t / 3600 % 24;
+  minute = t / 60 % 60;
+  second = t % 60;
   return true;
 }
 
 std::string ForecastTimesManipulationMP::ConvertTimeToStrWithDays(std::int32_t t,
                                                                   bool withSeconds) {
-  const std::optional<DayTime> parts = Split(t);
-  if (!parts) return {};
-  std::string text = parts->day != 0 ? fmt::format("({:+})", parts->day) : "";
-  text += fmt::format("{:02}:{:02}", parts->hour, parts->minute);
-  if (withSeconds) text += fmt::format(":{:02}", parts->second);
+  int day = 0;
+  int hour = 0;
+  int minute = 0;
+  int second = 0;
+  if (!ConvertTimeToDayHourMin(t, day, hour, minute, second)) return {};
+  std::string text = day != 0 ? fmt::format("({:+})", day) : "";
+  text += fmt::format("{:02}:{:02}", hour, minute);
+  if (withSeconds) text += fmt::format(":{:02}", second);
   return text;
 }
 
@@ -235,9 +218,8 @@ const os_time_zone* ForecastTimesManipulationMP::GetOsTimeZone(const std::string
   const auto zone =
       std::make_shared<os_time_zone>(os_time_period(GetUtcOffset(timeZoneText), 0), "UTC", "UTC");
   if (summerStart.size() >= 8 || summerEnd.size() >= 8) {
-    const SummerMark start(summerStart);
-    const SummerMark end(summerEnd);
-    zone->insert(os_simple_time_zone_rule(start.Date(), end.Date(), start.year, end.year,
+    zone->insert(os_simple_time_zone_rule(MarkDate(summerStart), MarkDate(summerEnd),
+                                          MarkPart(summerStart, 0, 4), MarkPart(summerEnd, 0, 4),
                                           os_time_period(0, adjustmentHours, 0, 0, 0)));
   }
   return m_zones.emplace(key, zone).first->second.get();
