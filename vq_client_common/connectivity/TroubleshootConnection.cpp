@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstddef>
 #include <limits>
-#include <list>
 #include <memory>
 #include <stdexcept>
 
@@ -169,21 +168,18 @@ void TroubleshootConnection::IdentifyIPAddresses(std::vector<IPAddressInfo*>& li
     VQ_LOG(diag, 1) << "Failed to get_ip_interfaces. errno " << error;
     return;
   }
-  bool hasDefault = false;
+  const std::size_t first = list.size();
   for (std::size_t i = 0; i < addresses.size(); ++i) {
     const std::string& address = addresses[i].text;
     const std::string name = vq::orb::HostNameOf(address);
     VQ_LOG(diag, 4) << "Identified IP address [" << i + 1 << "] " << address
                     << " associated to hostname '" << name << "'";
     if (addresses[i].isLoopback) continue;
-    if (!hasDefault) {
-      hasDefault = true;
-      defaultIndex = static_cast<unsigned int>(list.size());
+    if (list.size() == first) {
+      defaultIndex = static_cast<unsigned int>(first);
       VQ_LOG(diag, 4) << "The default IP address is " << address;
     }
-    auto info = std::make_unique<IPAddressInfo>();
-    info->ipAddress = address;
-    info->hostName = name;
+    auto info = std::make_unique<IPAddressInfo>(IPAddressInfo{address, name});
     list.push_back(info.get());
     info.release();
   }
