@@ -313,8 +313,8 @@ void DeleteUserAuthorizations(UserAuthorizations* authorizations) {
   delete authorizations;
 }
 
-UserAuthorizations* CopyUserAuthorizations(const UserAuthorizations& authorizations) {
-  return new UserAuthorizations(authorizations);
+void AssignUserAuthorizations(UserAuthorizations& target, const UserAuthorizations& source) {
+  target = source;
 }
 
 int LoadUserAuthorizations(UserAuthorizations& authorizations, const std::string& userId) {

@@ -15,8 +15,6 @@ namespace {
 
 TDiagRegister diagModule("ConnectionSettings");
 
-constexpr std::size_t kEncodedPasswordLength = 8;
-
 // The names of a client program.
 struct ClientKind {
   std::string_view registerName;  // sent in CRB_Register
@@ -113,8 +111,7 @@ void ConnectionSettings::SetPassword(const std::string& password) {
   if (password == m_password && !m_encodedPassword.empty()) return;
   // Both forms exist before one is replaced, so a failure leaves the old password.
   vq::SecretString plain(password);
-  vq::SecretString encoded;
-  encoded.Text() = EncodePassword(password);
+  vq::SecretString encoded(EncodePassword(password));
   vq::Wipe(m_password);
   vq::Wipe(m_encodedPassword);
   m_password.swap(plain.Text());
@@ -134,7 +131,7 @@ std::string ConnectionSettings::GetPassword(eEncodingType encoding) const {
 std::string ConnectionSettings::EncodePassword(const std::string& password) {
   std::string checksum;
   ChkSum(password, checksum);
-  std::string encoded = checksum.substr(0, kEncodedPasswordLength);
+  std::string encoded = checksum.substr(0, 8);
   vq::Wipe(checksum);
   return encoded;
 }

@@ -11,44 +11,34 @@
 #include <vq_idl/SystemConfigurationC.h>
 #include <vq_idl/UsersManagerC.h>
 
-namespace {
-
-// Composes the text only if the line is written, since this runs before every remote call.
-template <class... Pieces>
-void Log(int level, const Pieces&... pieces) {
-  if (!CorbaServerPackManager::IsDiagActive(level)) return;
-  CorbaServerPackManager::DiagPdefWrapper(level, (std::string() + ... + pieces));
-}
-
-}  // namespace
-
 template <class T>
 int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID serverId, bool probe) {
-  Log(6, "GetCRBServant");
+  using Cache = CorbaServerPackManager;
+  Cache::DiagPdefWrapper(6, "GetCRBServant");
   vq::orb::BeginCall();
   try {
-    CorbaServerPackManager* const cache = CorbaServerPackManager::Get();
+    Cache* const cache = Cache::Get();
     const CORBA::Object_ptr cached = cache->FindItem(name, serverId);
     if (!CORBA::is_nil(cached)) {
-      Log(5, name, ": CRB servant is already bound.");
+      Cache::DiagPdefWrapper(5, std::string(name) + ": CRB servant is already bound.");
       result = dynamic_cast<typename T::_ptr_type>(cached);
       return CORBA::is_nil(result) ? 0 : 1;
     }
-    Log(4, name, ": CRB servant is about to be bound.");
+    Cache::DiagPdefWrapper(4, std::string(name) + ": CRB servant is about to be bound.");
     CORBA::Object_var object = ORBCommon<1>::Get()->Bind(ConnectionSettings::Get()->GetServerName(),
                                                          GL_ResolveServerID(serverId), name, probe);
     typename T::_var_type bound = T::_narrow(object.in());
     if (CORBA::is_nil(bound.in())) {
       result = T::_nil();
-      Log(5, "Failed to obtain the CRB Servant: '", name, "'");
+      Cache::DiagPdefWrapper(5, std::string("Failed to obtain the CRB Servant: '") + name + "'");
       return 0;
     }
     cache->InsertItem(name, serverId, bound.in());
     result = bound._retn();  // the cache owns it
-    Log(4, "GetCRBServant has succeeded");
+    Cache::DiagPdefWrapper(4, "GetCRBServant has succeeded");
     return 1;
   } catch (const CORBA::Exception& e) {
-    Log(1, "CORBA::Exception was caught. ", vq::orb::ExceptionText(e));
+    Cache::DiagPdefWrapper(1, "CORBA::Exception was caught. " + vq::orb::ExceptionText(e));
     return -3;
   }
 }

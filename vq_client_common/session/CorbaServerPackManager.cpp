@@ -10,17 +10,9 @@ TDiagRegister diagModule("CorbaServerPackManager");
 
 }  // namespace
 
-CorbaServerPackManager* CorbaServerPackManager::pCorbaServerPackManager = nullptr;
-
 CorbaServerPackManager* CorbaServerPackManager::Get() {
   if (pCorbaServerPackManager == nullptr) pCorbaServerPackManager = new CorbaServerPackManager;
   return pCorbaServerPackManager;
-}
-
-CorbaServerPackManager::CorbaServerPackManager() : m_lock(false) {}
-
-CorbaServerPackManager::~CorbaServerPackManager() {
-  Reset();
 }
 
 CORBA::Object_ptr CorbaServerPackManager::FindItem(const char* name, SERVER_ID serverId) {
@@ -48,17 +40,13 @@ void CorbaServerPackManager::Reset() {
 
 std::vector<CORBA::Object_var> CorbaServerPackManager::TakeAll() {
   const std::lock_guard lock(m_lock);
-  std::vector<CORBA::Object_var> taken(m_items.size());
-  auto place = taken.begin();
-  for (const auto& [key, object] : m_items) *place++ = object;
+  std::vector<CORBA::Object_var> taken;
+  taken.reserve(m_items.size());
+  for (const auto& [key, object] : m_items) taken.emplace_back(object);
   m_items.clear();
   return taken;
 }
 
 void CorbaServerPackManager::DiagPdefWrapper(int level, const std::string& text) {
   VQ_LOG(diagModule, level) << text;
-}
-
-bool CorbaServerPackManager::IsDiagActive(int level) {
-  return diagModule.IsActive(level);
 }

@@ -23,8 +23,8 @@ class CorbaServerPackManager {
   // The one instance, created by the first call, which must not run on two threads at once.
   static CorbaServerPackManager* Get();
 
-  CorbaServerPackManager();
-  ~CorbaServerPackManager();  // runs Reset
+  CorbaServerPackManager() = default;
+  ~CorbaServerPackManager() { Reset(); }
   CorbaServerPackManager(const CorbaServerPackManager&) = delete;
   CorbaServerPackManager& operator=(const CorbaServerPackManager&) = delete;
 
@@ -42,14 +42,13 @@ class CorbaServerPackManager {
 
   // Logs one line under this class's module, for GetCRBServant.
   static void DiagPdefWrapper(int level, const std::string& text);
-  static bool IsDiagActive(int level);
 
-  static CorbaServerPackManager* pCorbaServerPackManager;  // null until the first Get
+  inline static CorbaServerPackManager* pCorbaServerPackManager = nullptr;  // until the first Get
 
  private:
   using Key = std::pair<std::string, SERVER_ID>;
   std::map<Key, CORBA::Object_ptr> m_items;
-  os_critical_section m_lock;
+  os_critical_section m_lock{false};
 };
 
 #endif  // VQ_CLIENT_COMMON_SESSION_CORBASERVERPACKMANAGER_H

@@ -1,7 +1,5 @@
 #include <vq_client_common/session/LoginHandler.h>
 
-#include <cstddef>
-
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/FailureCause.h>
@@ -82,20 +80,13 @@ LoginHandler::LoginHandler()
     : m_userAuthorizations(vq::session::NewUserAuthorizations()),
       m_connectionSettings(new ConnectionSettings) {}
 
-LoginHandler::LoginHandler(const LoginHandler& other)
-    : m_reserved(other.m_reserved),
-      m_serverId(other.m_serverId),
-      m_userAuthorizations(vq::session::CopyUserAuthorizations(*other.m_userAuthorizations)),
-      m_connectionSettings(new ConnectionSettings(*other.m_connectionSettings)) {}
+LoginHandler::LoginHandler(const LoginHandler& other) : LoginHandler() {
+  *this = other;
+}
 
 LoginHandler& LoginHandler::operator=(const LoginHandler& other) {
-  if (this == &other) return *this;
-  UserAuthorizations* const authorizations =
-      vq::session::CopyUserAuthorizations(*other.m_userAuthorizations);
-  vq::session::DeleteUserAuthorizations(m_userAuthorizations);
-  m_userAuthorizations = authorizations;
+  vq::session::AssignUserAuthorizations(*m_userAuthorizations, *other.m_userAuthorizations);
   *m_connectionSettings = *other.m_connectionSettings;
-  m_reserved = other.m_reserved;
   m_serverId = other.m_serverId;
   return *this;
 }
@@ -141,8 +132,7 @@ int LoginHandler::Converse(const TDiagFunc& diag, unsigned int timeOut, std::str
   if (vq::session::GetUsersManager(users, m_serverId) != 1) throw NoServerEx("");
 
   vq::session::Registrant registrant;
-  constexpr std::size_t kAccountSize = 255;
-  if (!registrant.FindNames(diag, kAccountSize)) return kFailed;
+  if (!registrant.FindNames(diag, 255)) return kFailed;
 
   std::string version = "0";
   std::string versionWithPatches = "0";
@@ -159,8 +149,8 @@ int LoginHandler::Converse(const TDiagFunc& diag, unsigned int timeOut, std::str
   CORBA::String_var userId;
   CORBA::String_var dbUser;
   const int result = users->CRB_Register(
-      m_connectionSettings->getUserName().c_str(), registrant.Password().c_str(),
-      registrant.Host().c_str(), registrant.Account().c_str(),
+      m_connectionSettings->getUserName().c_str(), registrant.password.Text().c_str(),
+      registrant.host.c_str(), registrant.account.c_str(),
       m_connectionSettings->GetClientID4CRBRegister().c_str(), versionWithPatches.c_str(),
       loginMessages.out(), timeOut, serverMessage.out(), userId.out(), dbUser.out());
   vq::orb::TakeCause();  // from here on the server's message is the cause

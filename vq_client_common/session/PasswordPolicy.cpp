@@ -71,8 +71,7 @@ void RegisterAndUpdate(QCSCorbaUsersManager_ptr users, const vq::SecretString& n
                        int& result, const TDiagFunc& diag) {
   ConnectionSettings* const settings = ConnectionSettings::Get();
   vq::session::Registrant registrant;
-  constexpr std::size_t kAccountSize = 256;
-  if (!registrant.FindNames(diag, kAccountSize)) return;
+  if (!registrant.FindNames(diag, 256)) return;
   if (!registrant.FindPassword(*settings, users, diag)) return;
 
   std::string version = "0";
@@ -85,8 +84,8 @@ void RegisterAndUpdate(QCSCorbaUsersManager_ptr users, const vq::SecretString& n
   CORBA::String_var dbUser;
   constexpr CORBA::ULong kSessionTimeOut = 600;  // seconds
   result = users->CRB_RegisterAndUpdatePassword(
-      settings->getUserName().c_str(), registrant.Password().c_str(), newPassword.Text().c_str(),
-      registrant.Host().c_str(), registrant.Account().c_str(),
+      settings->getUserName().c_str(), registrant.password.Text().c_str(),
+      newPassword.Text().c_str(), registrant.host.c_str(), registrant.account.c_str(),
       settings->GetClientID4CRBRegister().c_str(), versionWithPatches.c_str(), loginMessages.out(),
       kSessionTimeOut, text.out(), userId.out(), dbUser.out());
   if (result == 1) settings->SetUserID(userId.in());

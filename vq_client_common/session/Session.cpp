@@ -130,9 +130,10 @@ void Session::State::LogIn() {
   if (IsLoggedIn(result) && options.postLogin) {
     finished = static_cast<LoginResult>(GL_PostLogin(text));
     if (finished != LoginResult::kSuccess) SetMessage(text);
-    authorizations.reset(
-        session::CopyUserAuthorizations(*LoginHandler::GetGlobal()->GetUserAuthorizations()),
-        session::DeleteUserAuthorizations);
+    const std::shared_ptr<UserAuthorizations> copy(session::NewUserAuthorizations(),
+                                                   session::DeleteUserAuthorizations);
+    session::AssignUserAuthorizations(*copy, *LoginHandler::GetGlobal()->GetUserAuthorizations());
+    authorizations = copy;
   }
   if (!IsLoggedIn(finished)) {
     const std::string code = std::to_string(CodeOf(finished));

@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <stdexcept>
-#include <string_view>
 #include <vector>
 
 #include <support/foundations/Environment.h>

@@ -32,10 +32,10 @@ SERVER_ID SessionServerId();
 std::optional<int> ProfileTimeOut();
 long ConfiguredTimeOut();
 
-// Defined in authorizations/. The caller owns the result of New and of Copy, for Delete.
+// Defined in authorizations/. The caller owns the result of New, for Delete.
 UserAuthorizations* NewUserAuthorizations();
 void DeleteUserAuthorizations(UserAuthorizations* authorizations);
-UserAuthorizations* CopyUserAuthorizations(const UserAuthorizations& authorizations);
+void AssignUserAuthorizations(UserAuthorizations& target, const UserAuthorizations& source);
 int LoadUserAuthorizations(UserAuthorizations& authorizations, const std::string& userId);
 void ResetUserAuthorizations(UserAuthorizations& authorizations);
 bool IsAdministrator(const UserAuthorizations& authorizations);

@@ -9,16 +9,16 @@
 namespace vq::session {
 
 bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
-  if (!HostName(m_host)) {
+  if (!HostName(host)) {
     orb::NoteCause("this host has no name");
     VQ_LOG(diag, 1) << "Couldn't get host name.";
     return false;
   }
-  const bool found = AccountName(m_account, accountSize);
+  const bool found = AccountName(account, accountSize);
   VQ_LOG(diag, 5) << "GetUserName/getpwuid resulted with rc=" << found
-                  << " SystemUserName=" << m_account;
+                  << " SystemUserName=" << account;
   // Intentional: an empty name is the failure, not the call's result.
-  if (m_account.empty()) {
+  if (account.empty()) {
     orb::NoteCause("the account of this process has no name");
     VQ_LOG(diag, 1) << "couldn't get system user name.";
     return false;
@@ -28,9 +28,9 @@ bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
 
 bool Registrant::FindPassword(const ConnectionSettings& settings, QCSCorbaUsersManager_ptr users,
                               const TDiagFunc& diag) {
-  std::string password = settings.GetPassword(ENC_AS_CONFIGURED);
-  m_password.Text() = password;
-  Wipe(password);
+  std::string text = settings.GetPassword(ENC_AS_CONFIGURED);
+  password.Text() = text;
+  Wipe(text);
   if (!settings.IsChallengeResponse()) return true;
   VQ_LOG(diag, 4) << "It's ChallengeResponse";
   CORBA::String_var first;
@@ -41,8 +41,8 @@ bool Registrant::FindPassword(const ConnectionSettings& settings, QCSCorbaUsersM
     return false;
   }
   SecretString response;
-  MakeChallengeResponse(first.in(), second.in(), m_password.Text(), response.Text());
-  m_password = std::move(response);
+  MakeChallengeResponse(first.in(), second.in(), password.Text(), response.Text());
+  password = std::move(response);
   return true;
 }
 

@@ -12,10 +12,9 @@
 
 namespace vq::session {
 
-// Collects what a registration sends. Both steps return false, and log a line at level 1 in the
-// caller's scope, when the registration cannot continue; GL_GetFailureCause then returns the cause.
-class Registrant {
- public:
+// What a registration sends. Both steps return false, and log a line at level 1 in the caller's
+// scope, when the registration cannot continue; GL_GetFailureCause then returns the cause.
+struct Registrant {
   // Finds the names of the host and of the process's account. The account's name may have up to
   // `accountSize` - 1 bytes.
   bool FindNames(const TDiagFunc& diag, std::size_t accountSize);
@@ -25,14 +24,9 @@ class Registrant {
   bool FindPassword(const ConnectionSettings& settings, QCSCorbaUsersManager_ptr users,
                     const TDiagFunc& diag);
 
-  const std::string& Host() const { return m_host; }
-  const std::string& Account() const { return m_account; }
-  const std::string& Password() const { return m_password.Text(); }
-
- private:
-  std::string m_host;
-  std::string m_account;
-  SecretString m_password;
+  std::string host;
+  std::string account;
+  SecretString password;
 };
 
 }  // namespace vq::session

@@ -7,10 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <list>
-#include <string>
 #include <string_view>
 
-#include <support/diagnostics/TDiag.h>
 #include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
 #include <support/foundations/ReplaceFirst.h>
@@ -18,7 +16,6 @@
 #include <support/orb/FailureCause.h>
 #include <support/os_toolkit/Atoi.h>
 #include <support/os_toolkit/os_tokenizer.h>
-#include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/LoginExceptions.h>
 
 namespace vq::session {
@@ -29,7 +26,6 @@ TDiagRegister diagModule("VersionGate");
 constexpr int kVersionRefusedByServer = 56;
 constexpr int kClientTakesNoPart = 20;
 constexpr int kFileDoesNotOpen = 19;
-constexpr std::size_t kLineSize = 256;  // 255 characters and a zero byte
 
 constexpr std::array<std::string_view, 5> kServerKeys{"E_GSR", "E_GAS", "E_QIMS", "E_FORECAST",
                                                       "E_CMS"};
@@ -129,9 +125,9 @@ int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
   }
   VQ_LOG(diag, 4) << "Minimum Server versions file exists.";
 
-  // A longer line is read in pieces, each as a line of its own. The line end stays in the last
-  // token, where numbers end.
-  char line[kLineSize];
+  // A line of more than 255 characters is read in pieces, each as a line of its own. The line end
+  // stays in the last token, where numbers end.
+  char line[256];
   while (std::fgets(line, sizeof line, file) != nullptr) {
     VQ_LOG(diag, 5) << line;
     os_tokenizer tokens(line, "\t ");
