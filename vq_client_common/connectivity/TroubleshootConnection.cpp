@@ -34,12 +34,6 @@ TDiagRegister diagModule("TroubleshootConnection");
 using vq::connectivity::kDefaultScope;
 using vq::orb::kBiDirPolicy;
 using vq::orb::kListenEndpoints;
-using vq::orb::kOwnAddressMark;
-using vq::orb::kPreferIpMask;
-
-constexpr const char* kOwnConnection =
-    "the server opened a connection of its own to call back: it does not accept calls back over "
-    "the client's";
 
 // One callback registration at the server; the destructor removes it.
 class Registration {
@@ -110,7 +104,9 @@ bool TryCallback(const TDiagFunc& diag, QCSOrbCommon& orb, std::string& error, l
     roundTripMs = static_cast<long>(taken);
     VQ_LOG(diag, 4) << "GSR called me back, round-trip time: " << roundTripMs;
     if (OffersOwnConnection(orb) && !servant->WasOverOwnConnection()) {
-      vq::orb::NoteCause(kOwnConnection);
+      vq::orb::NoteCause(
+          "the server opened a connection of its own to call back: it does not "
+          "accept calls back over the client's");
       VQ_LOG(diag, 1) << "GSR opened a connection of its own to call me back: it does not accept "
                       << "calls back over the client's";
     }
@@ -203,11 +199,11 @@ bool TroubleshootConnection::ORBConfigure(const std::string& address, bool biDir
   const std::unique_ptr<ConfigAPI> domain = LoadDomain(diag);
   if (domain == nullptr) return false;
   VQ_LOG(diag, 4) << "Going to publish: " << address << (isMask ? " (IP mask)" : "");
-  if (isMask) domain->SetVar(kDefaultScope, kPreferIpMask, address);
+  if (isMask) domain->SetVar(kDefaultScope, vq::orb::kPreferIpMask, address);
   domain->SetVar(kDefaultScope, kBiDirPolicy, biDir ? "1" : "0");
   std::string defaultEndpoint;
   for (const std::string& scope : domain->GetScopes()) {
-    PublishInScope(*domain, scope, isMask ? kOwnAddressMark : address, defaultEndpoint);
+    PublishInScope(*domain, scope, isMask ? vq::orb::kOwnAddressMark : address, defaultEndpoint);
   }
   // Intentional: the caller is not informed of a failure; clients read the settings at their next
   // start.

@@ -24,9 +24,6 @@ constexpr std::size_t kMarkedNewDayLength = 5;  // one character before the HHMM
 // A long next time: YYYYMMDD, HHMM, two more characters.
 constexpr std::size_t kLongNextTimeLength = 14;
 constexpr std::size_t kHhmmPosition = 8;
-constexpr std::size_t kRestPosition = kHhmmPosition + kHhmmLength;
-// Intentional: a converted value has one of the two last characters; readers expect 13 in all.
-constexpr std::size_t kRestLength = kLongNextTimeLength - 13;
 
 constexpr std::uint32_t kDay = 2400;  // 24 hours as HHMM
 constexpr std::uint32_t kMinutesOfHour = 60;
@@ -72,7 +69,8 @@ bool ConvertNextTime(const TDiagFunc& diag, const std::string& nextTime, int day
   if (nextTime.size() == kLongNextTimeLength) {
     std::string time;
     if (!convertTime(nextTime.substr(kHhmmPosition, kHhmmLength), time)) return false;
-    dest = MoveDate(nextTime, days) + time + nextTime.substr(kRestPosition, kRestLength);
+    // Intentional: with one of the two last characters alone; readers expect 13 in all.
+    dest = MoveDate(nextTime, days) + time + nextTime[kHhmmPosition + kHhmmLength];
     return true;
   }
   if (nextTime.size() == kHhmmLength) return convertTime(nextTime, dest);

@@ -1,7 +1,5 @@
 #include <vq_client_common/session/ServerLocale.h>
 
-#include <cstdint>
-
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Environment.h>
@@ -12,9 +10,6 @@
 namespace {
 
 TDiagRegister diagModule("ServerLocale");
-
-// The diagnostics class of the one line that has its own.
-constexpr std::uint32_t kCharacterHandlingClass = 0x800000;
 
 }  // namespace
 
@@ -39,7 +34,8 @@ void i18n_aux::init_globa_c(bool bIsOnline, SERVER_ID serverId) {
   if (Osl_UnicodeConfiguration::is32BitEncapsolatedMode()) directory += "32";
   Osl_UnicodeConfiguration::Init({.mode = mode, .directory = directory});
   Osl_UnicodeConfiguration::SetCJKMode(isCJK);
-  VQ_LOG_CLASS(diag, 4, kCharacterHandlingClass)
+  // The one line of the library in a class of its own.
+  VQ_LOG_CLASS(diag, 4, 0x800000)
       << "[I18N**]: initialization of globa-c for i18n support with: bIsOnline=" << bIsOnline
       << ", current encodeing=" << Osl_UnicodeConfiguration::GetCurrentEncoding()
       << ", bIsCJK_mode=" << isCJK << ", sLanguage_mode=" << mode;

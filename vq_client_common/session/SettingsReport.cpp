@@ -35,13 +35,12 @@ void AddLocations(std::list<Setting>& settings, const std::vector<std::string>& 
   settings.push_back(
       Location("data", GetVQDataLocation(), {"VQ_DATA", "VQ_HOME", "XDG_DATA_HOME"}));
   settings.push_back(Location("user's settings", GetUserSettingsDirectory(), {"XDG_CONFIG_HOME"}));
-  for (const std::string& file : domainFiles) {
-    const bool isHosts = &file == &domainFiles.back();
-    settings.push_back(isHosts ? Location("configuration domain", file,
-                                          {"VQ_CONFIG_DOMAINS", "VQ_CONFIG_DOMAIN", "VQ_HOME"})
-                               : Location("user's configuration domain", file,
-                                          {"VQ_CONFIG_DOMAIN", "XDG_CONFIG_HOME"}));
+  if (domainFiles.size() > 1) {
+    settings.push_back(Location("user's configuration domain", domainFiles.front(),
+                                {"VQ_CONFIG_DOMAIN", "XDG_CONFIG_HOME"}));
   }
+  settings.push_back(Location("configuration domain", domainFiles.back(),
+                              {"VQ_CONFIG_DOMAINS", "VQ_CONFIG_DOMAIN", "VQ_HOME"}));
 }
 
 void AddOrbSettings(std::list<Setting>& settings, const orb::DomainScopes& domain, int argc,

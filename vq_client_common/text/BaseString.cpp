@@ -6,13 +6,8 @@
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>
-#include <string_view>
 
 namespace {
-
-// Intentional: only the right end includes CR; clients that trim line by line depend on it.
-constexpr std::string_view kRightBlanks = " \t\r\n";
-constexpr std::string_view kLeftBlanks = "\n \t";
 
 const char* NotNull(const char* text) {
   if (text == nullptr) throw std::invalid_argument("BaseString: null text");
@@ -183,11 +178,12 @@ int BaseString::Replace(const std::string& from, const std::string& to) {
 }
 
 void BaseString::TrimRight() {
-  m_text.erase(m_text.find_last_not_of(kRightBlanks) + 1);
+  m_text.erase(m_text.find_last_not_of(" \t\r\n") + 1);
 }
 
 void BaseString::TrimLeft() {
-  m_text.erase(0, std::min(m_text.find_first_not_of(kLeftBlanks), m_text.size()));
+  // Intentional: only the right end includes CR; clients that trim line by line depend on it.
+  m_text.erase(0, std::min(m_text.find_first_not_of("\n \t"), m_text.size()));
 }
 
 void BaseString::Trim() {

@@ -151,10 +151,7 @@ bool IsServerVersionPermitted(const std::string& clientVersion, SERVER_ID server
                               const std::string& serverVersion) {
   const TDiagFunc diag(diagModule, "LoginHandler::IsServerVersionPermitted");
   std::string minimum = clientVersion;
-  std::string fromFile;
-  if (MinimumServerVersion(serverId, fromFile) == 1 && !fromFile.empty()) {
-    minimum = fromFile;
-  }
+  if (MinimumServerVersion(serverId, minimum) != 1) minimum = clientVersion;
   if (minimum.empty() || serverVersion.empty()) return true;
 
   double serverMajor = 0;
