@@ -287,6 +287,15 @@ def calling(call):
     return call.send(message(REQUEST, body.data) + call.answer())
 
 
+def half_calls(call):
+    """The beginnings of two requests of the peer's own over the client's connection."""
+    for number in (5, 7):
+        body = Out().long(number).long(3).long(0).octets(b"key").text("CRB_Ping").long(0)
+        body.data += bytes(-(12 + len(body.data)) % 8)  # as every fragment but the last has to end
+        call.send(message(REQUEST, body.data, flags=3))
+    return True
+
+
 def announcing(size, *values, first=0):
     """A reply whose header announces more than is sent: a valid reply, or one with these numbers. The
     first bytes of it, as many as `first`, are sent 0.1 s before the rest."""

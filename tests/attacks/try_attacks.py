@@ -192,6 +192,9 @@ ROWS = [
         ("fragments of nothing", h.FRAGMENT))),
     Row("text in place of a reply", {REGISTER: h.raw(b"HTTP/1.1 400 Bad Request\r\n\r\n")},
         logged="COMM_FAILURE|MARSHAL"),
+    Row("closed behind two unfinished calls, bidirectional",
+        {op: h.then(h.half_calls, h.closed) for op in ("CRB_GetSystemParameterValue", REGISTER)},
+        arguments=("-BiDirPolicy", "1")),
     Row("MessageError", {REGISTER: lambda call: call.send(h.message(h.ERROR, b"")) and False},
         logged="COMM_FAILURE|MARSHAL"),
     *(lost(f"a reply that announces {size} bytes", {REGISTER: h.announcing(size)})
@@ -432,7 +435,8 @@ def main(product, client, *names):
             outcomes = list(executor.map(attempt, rows))
         failed = 0
         for row, (faults, log) in zip(rows, outcomes):
-            if faults and not names:  # a busy machine may be late itself
+            # A busy machine may be late itself, but does not make a client crash.
+            if faults and not names and not faults[0].startswith("crashed"):
                 faults, log = attempt(row)
             failed += bool(faults)
             print(f"{'FAILED' if faults else 'ok':6} {row.name}", *faults, sep="\n         ")

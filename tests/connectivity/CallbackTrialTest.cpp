@@ -5,8 +5,10 @@
 #include <tests/fixture/SessionFixture.h>
 
 #include <algorithm>
+#include <atomic>
 #include <list>
 #include <set>
+#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -79,7 +81,9 @@ class Intruder {
 
   bool WasClosed() const {
     char data = 0;
-    return ::recv(m_socket, &data, 1, 0) == 0;
+    ssize_t length = 1;
+    while (length > 0) length = ::recv(m_socket, &data, 1, 0);
+    return length == 0;
   }
 
  private:
@@ -233,7 +237,16 @@ TEST_F(CallbackTrialTest, SaysWhyACallbackFailsInItsTime) {
   EXPECT_FALSE(Troubleshoot::TestCallback(nullptr, m_error, m_roundTrip, 500));
 }
 
-// Other programs at the client's port: unfinished messages, and one that announces nearly 4 GiB.
+// A message that announces nearly 4 GiB, one that cancels a call, and a call whose target is a
+// profile in place of a key.
+constexpr std::string_view kHuge("GIOP\1\2\1\0\xF4\xFF\xFF\xFF", 12);
+constexpr std::string_view kCancel("GIOP\1\2\1\2\4\0\0\0\5\0\0\0", 16);
+constexpr std::string_view kToProfile(
+    "GIOP\1\2\1\0\x24\0\0\0\5\0\0\0\3\0\0\0\1\0\0\0\0\0\0\0\x10\0\0\0"
+    "\1\1\0\0\2\0\0\0h\0\1\0\0\0\0\0",
+    48);
+
+// Other programs at the client's port: unfinished messages, and those that omniORB cannot bear.
 TEST_F(CallbackTrialTest, IsCalledBackDespiteIntruders) {
   StartServer();
   const int port = FreePort();
@@ -241,9 +254,10 @@ TEST_F(CallbackTrialTest, IsCalledBackDespiteIntruders) {
             1);
   std::list<Intruder> intruders;
   for (int i = 0; i < 150; ++i) intruders.emplace_back(port, "GIOP");
-  const std::string_view huge("GIOP\1\2\1\0\xF4\xFF\xFF\xFF", 12);
   if (!ThisProduct().roomForAnnounced) {
-    EXPECT_TRUE(intruders.emplace_back(port, huge).WasClosed());
+    for (const std::string_view message : {kHuge, kCancel, kToProfile}) {
+      EXPECT_TRUE(intruders.emplace_back(port, message).WasClosed()) << message.size();
+    }
   }
   EXPECT_TRUE(TrySession(1000)) << m_error;
 }
@@ -274,6 +288,26 @@ TEST_F(CallbackTrialTest, EndsWhileNoThreadIsLeft) {
   intruders.clear();
   EXPECT_TRUE(Try(false, "127.0.0.1")) << m_log.Text();
   EXPECT_EQ(GL_ClientKeepAlive(), 1);
+}
+
+// One that is in a function of the application's, or has no processor, takes its time.
+TEST_F(CallbackTrialTest, EndsAfterAllThreads) {
+  if (ThisProduct().manyOrbs) GTEST_SKIP() << "it waits for its threads anyway";
+  StartServer();
+  const int port = FreePort();
+  const std::string endpoint = "iiop://127.0.0.1:" + std::to_string(port);
+  ASSERT_EQ(LogIn({"-ORBListenEndpoints", endpoint}, CLIENT_GUI), 1);
+  TDiag::Instance()->SetMinimumDebugLevel(2);  // Others do not log, and so do not wait.
+  std::atomic<bool> isBusy = false;
+  const TDiag::SinkId sink = TDiag::Instance()->AddCallbackSink([&](const TDiagLine&) {
+    isBusy = true;
+    std::this_thread::sleep_for(std::chrono::seconds(3));
+  });
+  const Intruder intruder(port, kHuge);
+  ASSERT_TRUE(WaitUntil([&] { return isBusy.load(); }));
+  GL_LogOut(true);
+  TDiag::Instance()->RemoveSink(sink);
+  EXPECT_EQ(Login(), 1) << m_log.Text();
 }
 
 // The client listens on one address and names another; the server goes by the name.

@@ -24,6 +24,7 @@
 #include <omniORB4/internal/giopRope.h>
 #include <omniORB4/internal/giopBiDir.h>
 #include <omniORB4/internal/GIOP_C.h>
+#include <omniORB4/internal/GIOP_S.h>
 // clang-format on
 
 #include <support/diagnostics/TDiag.h>
@@ -228,6 +229,8 @@ void GuardMessages() {
     Guarded<&giopStreamImpl::getInputData>::Replace(*version);
     Guarded<&giopStreamImpl::skipInputData>::Replace(*version);
     Guarded<&giopStreamImpl::copyInputData>::Replace(*version);
+    Guarded<&giopStreamImpl::unmarshalRequestHeader>::Replace(*version);
+    Guarded<&giopStreamImpl::unmarshalLocateRequest>::Replace(*version);
     Guarded<&giopStreamImpl::outputMessageBegin>::Replace(*version);
     Guarded<&giopStreamImpl::outputMessageEnd>::Replace(*version);
     Guarded<&giopStreamImpl::getReserveSpace>::Replace(*version);
@@ -346,8 +349,18 @@ class CheckedRope : public Base {
     for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;
          link = link->next) {
       auto* const strand = static_cast<giopStrand*>(link);
-      if (strand->state() == giopStrand::DYING && strand->idlebeats > 1) strand->idlebeats = 1;
+      if (strand->state() == giopStrand::DYING && strand->idlebeats > 1 && !IsInUse(*strand)) {
+        strand->idlebeats = 1;
+      }
     }
+  }
+
+  // omniORB's destructor of a connection ends the process while a thread still uses it.
+  static bool IsInUse(giopStrand& strand) {
+    for (auto* link = strand.clients.next; link != &strand.clients; link = link->next) {
+      if (static_cast<GIOP_C*>(link)->state() != omni::IOP_C::UnUsed) return true;
+    }
+    return false;
   }
 
   // The reply is deleted with the attempt, while the ORB's thread may still add to it.
@@ -355,6 +368,20 @@ class CheckedRope : public Base {
     if (strand.connection == nullptr || !strand.isBiDir()) return;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
     while (IsBeingRead(strand)) omni_thread::sleep(0, 1'000'000);
+    DropUnfinished(strand);
+  }
+
+  // Calls of the server of which a part has arrived. omniORB keeps them while a caller waits, and
+  // its destructor of the connection would end the process.
+  static void DropUnfinished(giopStrand& strand) {
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    for (auto* link = strand.servers.next; link != &strand.servers; link = link->next) {
+      auto& incoming = *static_cast<omni::GIOP_S*>(link);
+      if (incoming.state() == omni::IOP_S::InputPartiallyBuffered ||
+          incoming.state() == omni::IOP_S::InputFullyBuffered) {
+        incoming.state(omni::IOP_S::UnUsed);
+      }
+    }
   }
 
   bool IsBeingRead(giopStrand& strand) {

@@ -253,7 +253,8 @@ bool CheckedConnection::BeginMessage() {
   const int kind = m_header[7];
   const bool isBare = kind == GIOP::CloseConnection || kind == GIOP::MessageError ||
                       (kind == GIOP::Fragment && m_header[5] < 2);
-  if ((!isBare && size < m_id.size()) || !IsWithinLimit(size)) {
+  // omniORB can cancel no call, and does not end a connection on which it was asked to.
+  if (kind == GIOP::CancelRequest || (!isBare && size < m_id.size()) || !IsWithinLimit(size)) {
     VQ_LOG(diagModule, 2) << peeraddress() << " sent a message of " << size
                           << " bytes, which is refused";
     return false;

@@ -1,6 +1,7 @@
 #include <support/orb/omniorb/OmniOrbInternals.h>
 
 #include <array>
+#include <atomic>
 #include <utility>
 
 #include <omniORB4/callDescriptor.h>
@@ -81,6 +82,11 @@ void Remove(giopServer* server) {
   place = host;
 }
 
+// In seconds; returns the one before. omniORB's threads may read it at any time.
+unsigned int SetScanPeriod(unsigned int period) {
+  return std::atomic_ref(omni::orbParameters::scanGranularity).exchange(period);
+}
+
 }  // namespace
 
 void OfferBiDirectional(bool offer) {
@@ -93,6 +99,12 @@ std::vector<std::string> OpenEndpoints() {
 
 void CloseEndpoints() {
   omni::omniObjAdapter::shutdown();
+}
+
+LongerEnd::LongerEnd() : m_usual(SetScanPeriod(10)) {}
+
+LongerEnd::~LongerEnd() {
+  SetScanPeriod(m_usual);
 }
 
 void CloseConnections(const std::set<std::string>& names) {

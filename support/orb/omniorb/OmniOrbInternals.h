@@ -34,6 +34,20 @@ std::vector<std::string> OpenEndpoints();
 // next root POA opens them again.
 void CloseEndpoints();
 
+// While it exists, omniORB waits up to ten seconds for the threads that it ends, and not as long as
+// between two of its scans, which is a second. A thread that does not end in time uses memory that
+// the ORB has freed, and the next ORB does not start.
+class LongerEnd {
+ public:
+  LongerEnd();
+  ~LongerEnd();
+  LongerEnd(const LongerEnd&) = delete;
+  LongerEnd& operator=(const LongerEnd&) = delete;
+
+ private:
+  const unsigned int m_usual;
+};
+
 // The two ends of a connection, as a name that no other open connection of the process has. `Ends`
 // is a connection of omniORB, or what an interceptor gets of it.
 template <class Ends>

@@ -139,6 +139,7 @@ void OmniOrbTransport::FinishEnding() {
   if (!m_ending) return;
   m_ending = false;
   m_listeners = 0;
+  const LongerEnd end;
   m_orb->destroy();
   m_orb = CORBA::ORB::_nil();
 }
@@ -156,6 +157,7 @@ PortableServer::POA_ptr OmniOrbTransport::OpenListener() {
 void OmniOrbTransport::CloseListener() {
   const std::lock_guard lock(m_mutex);
   if (m_listeners == 0 || --m_listeners > 0 || m_users.empty()) return;
+  const LongerEnd end;
   try {
     CORBA::Object_var object = m_orb->resolve_initial_references("RootPOA");
     PortableServer::POA_var root = PortableServer::POA::_narrow(object.in());
