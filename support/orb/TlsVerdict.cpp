@@ -187,6 +187,7 @@ struct Handshake {
   bool asksForCertificate = false;  // and there is none
   bool done = false;
   bool reported = false;  // as failed
+  int messages = 0;       // received
 
   // Null for a server's connection, and before FollowHandshake saw its start.
   static Handshake* Of(const SSL* connection) {
@@ -238,6 +239,17 @@ int ReportMissingCertificate(SSL* connection, X509**, EVP_PKEY**) {
   return 0;
 }
 
+// OpenSSL calls it for each message. It does not return to its caller while such messages arrive,
+// and a server may send them without end, also after the handshake.
+void LimitMessages(int isSent, int, int type, const void*, std::size_t, SSL* connection, void*) {
+  constexpr int kMost = 1000;
+  Handshake* const handshake = Handshake::Of(connection);
+  if (handshake == nullptr || isSent != 0 || type != SSL3_RT_HANDSHAKE) return;
+  if (++handshake->messages <= kMost) return;
+  handshake->Report("it sends messages without end");
+  ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
+}
+
 [[noreturn]] void Refuse(std::string_view what, std::string_view file, std::string_view setting) {
   const unsigned long error = ERR_peek_last_error();
   const char* const reason = error != 0 ? ERR_reason_error_string(error) : nullptr;
@@ -278,6 +290,8 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
         {kTlsServerNames, " or ", kTlsRevocationList, " is set, and ", kTlsVerifyPeer, " is 0"}));
   }
   SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
+  SSL_CTX_set_options(&context, SSL_OP_NO_RENEGOTIATION);
+  SSL_CTX_set_msg_callback(&context, LimitMessages);
   SSL_CTX_set_default_passwd_cb(&context, NoPassPhrase);
   if (settings.caCertificate.empty()) {
     SSL_CTX_set_default_verify_paths(&context);

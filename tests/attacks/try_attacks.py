@@ -71,6 +71,14 @@ def greeted(data):
     return greeting
 
 
+def greeted_for_ever(data):
+    def greeting(peer, connection):
+        connection.recv(4096)
+        while True:  # until the client closes
+            connection.sendall(data * 1000)
+    return greeting
+
+
 BINDINGS = 3  # that a login tries: for two parameters and for the registration
 ROWS = [
     Row("undisturbed", results=(1,)),
@@ -232,6 +240,9 @@ ROWS = [
         greeting=greeted(b"\x15\x03\x03\x00\x02\x01\x00")),
     Row("TLS, and the server closes at once", tls="good", results=(54,),
         logged="L1 TLS: .*(closed the connection|reset)", greeting=lambda peer, connection: False),
+    Row("TLS, and the server sends HelloRequests without end", tls="good", results=(54,),
+        limit=BINDINGS, logged="L1 TLS: .*sends messages without end", greeting=greeted_for_ever(
+            b"\x16\x03\x03\x00\x04" + bytes(4))),
     Row("TLS, closed while idle", {ALIVE: [h.then(h.answered, h.closed, 0.2)]}, tls="good",
         results=(1, 1, 1, 1), keep_alives=2),
     Row("TLS 1.1", tls="TLS 1.1", results=(54,), logged="L1 TLS: .*no TLS version"),
