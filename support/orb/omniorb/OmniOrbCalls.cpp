@@ -314,6 +314,9 @@ class CheckedRope : public Base {
       auto& attempt = *static_cast<GIOP_C*>(Base::acquireClient(ior, key, keySize, &descriptor));
       if (attempt.strand().connection == nullptr) Open(attempt, Share(tried, connectEnd));
       return attempt;
+    } catch (const CORBA::TRANSIENT& exception) {
+      // omniORB forgets a forward when its own exception says that it leads nowhere.
+      Fail(exception.minor(), exception.completed());
     } catch (const omniORB::fatalException& exception) {  // such as a handshake it does not expect
       Report(exception);
       Fail(omni::TRANSIENT_ConnectFailed, CORBA::COMPLETED_NO);

@@ -95,6 +95,8 @@ void RefuseUnencrypted(omni::GIOP_C& call) {
   } else {
     return;
   }
+  // A server that forwarded the call is asked anew the next time, as after a failed forward.
+  if (target.object != nullptr) omni::revertToOriginalProfile(target.object);
   throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
 }
 
