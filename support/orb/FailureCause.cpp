@@ -1,5 +1,6 @@
 #include <support/orb/FailureCause.h>
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 #include <string>
@@ -20,6 +21,22 @@ std::string& Cause() {
 
 constexpr std::chrono::milliseconds kProbeLimit{1000};
 
+std::chrono::milliseconds ProbeLimit() {
+  const auto end = CallDeadline::Current();
+  if (!end) return kProbeLimit;
+  const auto left = *end - CallDeadline::Clock::now();
+  return std::min(kProbeLimit, std::chrono::floor<std::chrono::milliseconds>(left));
+}
+
+// Why no connection comes about; empty when one does, or in a time too short to tell.
+std::string WhyUnreachable(const ReferenceEndpoint& place) {
+  const std::chrono::milliseconds limit = ProbeLimit();
+  std::string why;
+  if (limit.count() <= 0) return why;
+  const Reach reach = TryToReach(place, limit, why);
+  return reach == Reach::kFailed && limit < kProbeLimit ? std::string() : why;
+}
+
 std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target) {
   const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(target);
   if (endpoints.empty()) return ExceptionText(exception);
@@ -29,8 +46,8 @@ std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target)
   }
   if (dynamic_cast<const CORBA::TRANSIENT*>(&exception) != nullptr ||
       dynamic_cast<const CORBA::COMM_FAILURE*>(&exception) != nullptr) {
-    std::string why;
-    if (TryToReach(endpoints.front(), kProbeLimit, why) != Reach::kReached) return why;
+    std::string why = WhyUnreachable(endpoints.front());
+    if (!why.empty()) return why;
   }
   if (dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&exception) != nullptr) {
     return place + " does not know the object: the server was restarted, or another uses its port";

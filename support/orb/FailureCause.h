@@ -30,8 +30,8 @@ std::string TakeCause() noexcept;
 
 // Finds out why a remote call failed and notes that. Does nothing when a cause has been noted since
 // the call began, which is more precise. Where no connection came about it looks the host up and
-// tries to connect once, for a second at most; `target` may be nil. Without a better cause, the
-// exception's own text is noted.
+// tries to connect once, for a second at most and within the thread's deadline; `target` may be
+// nil. Without a better cause, the exception's own text is noted.
 void NoteFailedCall(const CORBA::Exception& exception, CORBA::Object_ptr target) noexcept;
 
 }  // namespace vq::orb

@@ -2,7 +2,14 @@
 
 #include <tests/reliability/ProxiedFixture.h>
 
+#include <array>
+#include <span>
+
+#include <gmock/gmock.h>
+
 #include <support/orb/CallDeadline.h>
+#include <support/orb/FailureCause.h>
+#include <support/orb/ORBCommon.h>
 #include <tests/fixture/Product.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
@@ -69,6 +76,26 @@ TEST_F(LongSessionTest, LoginEndsByItsDeadline) {
     EXPECT_EQ(m_proxy->TakeOperations().size(), 1) << "nothing is sent after the deadline";
   }
   EXPECT_EQ(Login(), 1) << m_log.Text();
+}
+
+// It tries to connect, here to a listener whose queue is full.
+TEST_F(LongSessionTest, ExplainsAFailureWithinTheDeadline) {
+  ASSERT_EQ(Login(), 1) << m_log.Text();
+  m_namingProxy.reset();
+  const sockaddr_in address = Loopback(m_naming->Port(), 1);
+  const auto* const place = reinterpret_cast<const sockaddr*>(&address);
+  std::array<int, 4> sockets{};
+  for (int& one : sockets) one = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+  const int on = 1;
+  ::setsockopt(sockets[0], SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  ASSERT_EQ(::bind(sockets[0], place, sizeof address) + ::listen(sockets[0], 0), 0);
+  for (int& one : std::span(sockets).subspan(1)) ::connect(one, place, sizeof address);
+  const auto start = std::chrono::steady_clock::now();
+  const vq::CallDeadline deadline(std::chrono::milliseconds(100));
+  vq::orb::NoteFailedCall(CORBA::TRANSIENT(), ORBCommon<1>::Get()->GetNamingRoot());
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(700));
+  EXPECT_THAT(GL_GetFailureCause(), ::testing::HasSubstr("TRANSIENT"));
+  for (const int one : sockets) ::close(one);
 }
 
 // Whatever code set the server's ORB has, and whether they are of any.
