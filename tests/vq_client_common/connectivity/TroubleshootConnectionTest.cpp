@@ -4,45 +4,31 @@
 
 #include <gtest/gtest.h>
 
-#include <support/configuration/ConfigAPI.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>
 #include <tests/fixture/Rows.h>
 #include <tests/fixture/TemporaryDirectory.h>
+#include <vq_client_common/session/StoredSettings.h>
 
 namespace vq::test {
 namespace {
 
 using Troubleshoot = TroubleshootConnection;
-using Scopes = std::map<std::string, std::map<std::string, std::string>>;
 
 class TroubleshootConnectionTest : public ::testing::Test {
  protected:
   TroubleshootConnectionTest() { m_environment.Isolate(m_directory.Path()); }
 
-  std::unique_ptr<ConfigAPI> Domain() const {
-    auto domain = ConfigAPIFactoryXML::Create(m_directory / "root/config/", "vq");
-    EXPECT_TRUE(domain->Load()) << domain->Error();
-    return domain;
-  }
-  void Write(const Scopes& scopes) const {
-    m_directory.Write("root/config/vq.xml", "<domain/>");
-    const auto domain = Domain();
-    for (const auto& [scope, variables] : scopes) {
-      for (const auto& [name, value] : variables) domain->SetVar(scope, name, value);
+  // What a configuration leaves in a domain of these scopes, one setting a line.
+  std::string Configured(const std::string& scopes, const std::string& address, bool biDir,
+                         bool isMask) {
+    m_directory.Write("root/config/vq.xml", "<domain>" + scopes + "</domain>");
+    EXPECT_TRUE(Troubleshoot::ORBConfigure(address, biDir, isMask));
+    std::string text, error;
+    for (const StoredSetting& setting : ReadStoredSettings(error)) {
+      text += setting.scope + " " + setting.name + "=" + setting.value + "\n";
     }
-    EXPECT_TRUE(domain->Save());
-  }
-  Scopes Read() const {
-    Scopes scopes;
-    const auto domain = Domain();
-    for (const std::string& scope : domain->GetScopes()) {
-      for (const char* name :
-           {"-ORBListenEndpoints", "-BiDirPolicy", "-PreferIPMask", "-ORBCallTimeout"}) {
-        if (const auto value = domain->GetVar(scope, name)) scopes[scope][name] = *value;
-      }
-    }
-    return scopes;
+    return text + error;
   }
 
   TemporaryDirectory m_directory;
@@ -65,33 +51,27 @@ TEST_F(TroubleshootConnectionTest, TransformsEndpoint) {
 }
 
 TEST_F(TroubleshootConnectionTest, ConfiguresEveryScope) {
-  const auto scope = [](const std::string& endpoint, const char* biDir) {
-    return Scopes::mapped_type{{"-ORBListenEndpoints", endpoint}, {"-BiDirPolicy", biDir}};
-  };
-  const std::string own = "iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0";
+  const std::string own =
+      "default -ORBListenEndpoints=iiop:///hostname_in_ior=10.0.0.1&reuse_addr=0\n";
   // Nothing there: "default" gets all of it.
-  Write({});
-  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.0.0.1", true, false));
-  EXPECT_EQ(Read(), (Scopes{{"default", scope(own, "1")}}));
-  Write({});
-  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.1.", false, true));
-  Scopes masked{{"default", scope("iiop:///hostname_in_ior=$IP&reuse_addr=0", "0")}};
-  masked["default"]["-PreferIPMask"] = "10.1.";
-  EXPECT_EQ(Read(), masked);
+  EXPECT_EQ(Configured("", "10.0.0.1", true, false), "default -BiDirPolicy=1\n" + own);
+  EXPECT_EQ(Configured("", "10.1.", false, true),
+            "default -BiDirPolicy=0\n"
+            "default -ORBListenEndpoints=iiop:///hostname_in_ior=$IP&reuse_addr=0\n"
+            "default -PreferIPMask=10.1.\n");
   // A scope keeps an endpoint of its own only where it differs, and no other bidirectional.
-  Write({{"default", {{"-ORBListenEndpoints", "iiop://old"}}},
-         {"CLI", {{"-BiDirPolicy", "0"}, {"-ORBCallTimeout", "7"}}},
-         {"GUI", scope("iiop://gui", "0")},
-         {"VCM", {{"-ORBListenEndpoints", "iiop://vcm:5000"}}}});
-  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.0.0.1", true, false));
-  const std::string ported = "iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0";
-  EXPECT_EQ(Read(), (Scopes{{"default", scope(own, "1")},
-                            {"CLI", {{"-ORBCallTimeout", "7"}}},
-                            {"VCM", {{"-ORBListenEndpoints", ported}}}}));
+  const std::string scopes = R"(
+      <scope name="default"><var name="-ORBListenEndpoints">iiop://old</var></scope>
+      <scope name="CLI"><var name="-BiDirPolicy">0</var><var name="-ORBCallTimeout">7</var></scope>
+      <scope name="GUI"><var name="-ORBListenEndpoints">iiop://gui</var></scope>
+      <scope name="VCM"><var name="-ORBListenEndpoints">iiop://vcm:5000</var></scope>)";
+  EXPECT_EQ(Configured(scopes, "10.0.0.1", true, false),
+            "default -BiDirPolicy=1\n" + own +
+                "CLI -ORBCallTimeout=7\n"
+                "VCM -ORBListenEndpoints=iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0\n");
   // An empty variable is there all the same, and becomes what it stands for.
-  Write({{"GUI", {{"-ORBListenEndpoints", ""}}}});
-  EXPECT_TRUE(Troubleshoot::ORBConfigure("10.0.0.1", false, false));
-  EXPECT_EQ(Read(), (Scopes{{"default", scope(own, "0")}}));
+  const std::string empty = R"(<scope name="GUI"><var name="-ORBListenEndpoints"/></scope>)";
+  EXPECT_EQ(Configured(empty, "10.0.0.1", false, false), "default -BiDirPolicy=0\n" + own);
   EXPECT_TRUE(m_log.Has(4, "Going to publish: 10.1. (IP mask)"));
   EXPECT_TRUE(m_log.Has(4, "Saved configuration domain: vq"));
 }
