@@ -13,7 +13,6 @@
 #include <gmock/gmock.h>
 
 #include <support/configuration/ConfigAPI.h>
-#include <support/foundations/Locations.h>
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/connectivity/TestCallbackI.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>

@@ -99,21 +99,6 @@ TEST_F(TlsTest, RefusesEachBadCertificate) {
   EXPECT_TRUE(m_log.Has(1, "TLS certificates are not verified"));
 }
 
-TEST_F(TlsTest, CallsNoServerWithoutTls) {
-  Server& server = StartSession();
-  m_message = "old";
-  EXPECT_EQ(GL_CheckSSLCertificateExpiration(m_message), 1);
-  EXPECT_EQ(m_message, "") << "there is none";
-  GL_LogOut(true);
-  server.ForgetCalls();
-  m_orbArguments = {"-SSLCACertificate", m_caFile};
-  EXPECT_EQ(Login(), 54);
-  EXPECT_TRUE(server.Calls().empty());
-  EXPECT_TRUE(m_log.Contains("127.0.0.1:" + std::to_string(server.Port()) +
-                             " is refused: it would be unencrypted"))
-      << m_log.Text();
-}
-
 // Both ends show certificates, and the server calls back over a TLS connection of its own.
 TEST_F(TlsTest, CallsBackOverTls) {
   StartTlsServer(m_authority.Issue(), true);

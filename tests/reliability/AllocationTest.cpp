@@ -100,7 +100,7 @@ TEST_F(AllocationTest, LoginsEndWithAResult) {
   InstallClient("8.0.05", "P1");
   TDiag::Instance()->SetMinimumDebugLevel(5);  // at 6 omniORB tells of every byte
   const auto logOut = [] { GL_LogOut(true); };
-  const auto logIn = [&] { EXPECT_EQ(Login(), 1) << m_log.TakeText(); };
+  const auto logIn = [&] { EXPECT_EQ(Login(), 1) << m_log.Text(); };
   const auto login = [&] { return std::to_string(Login()); };
   const auto postLogin = [&] { return std::to_string(GL_PostLogin(m_message)); };
   Sweep("login", logOut, login, "1 0 54 55");

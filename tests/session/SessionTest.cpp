@@ -6,7 +6,6 @@
 
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/PasswordPolicy.h>
 #include <vq_idl/UsersManagerC.h>
 
 namespace vq::test {
