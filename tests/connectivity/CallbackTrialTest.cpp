@@ -1,5 +1,5 @@
-// Callbacks between processes: the server calls the client over a connection of its own, over the
-// client's connection, or not at all; and what a trial leaves behind, which is nothing.
+// Callbacks between processes: the server calls the client over a new connection, over the client's
+// connection, or not at all. A trial leaves nothing behind.
 
 #include <tests/fixture/Product.h>
 #include <tests/fixture/SessionFixture.h>
@@ -31,10 +31,10 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using Troubleshoot = TroubleshootConnection;
 
-// An address of a network that documents reserve for examples: nobody answers.
+// An address that is reserved for documentation: no host answers.
 constexpr const char* kNowhere = "192.0.2.1";
 
-// What this process holds that a trial must not leave behind.
+// The resources of this process that a trial must release.
 struct Traces {
   std::ptrdiff_t threads = 0;
   std::set<std::string> sockets;  // "socket:[inode]"
@@ -116,7 +116,7 @@ struct CallbackTrialTest : SessionFixture {
   std::string m_error, m_host, m_port;
 };
 
-TEST_F(CallbackTrialTest, TellsWhatWorksAndLeavesNoTrace) {
+TEST_F(CallbackTrialTest, LeavesNoTrace) {
   // Whether over the client's connection, the address, whether it is a mask, and the outcome.
   const std::tuple<bool, std::string, bool, bool> trials[] = {
       {false, "", false, true},         {false, "127.0.0.1", false, true},
@@ -148,7 +148,7 @@ TEST_F(CallbackTrialTest, TellsWhatWorksAndLeavesNoTrace) {
   }
 }
 
-// A server may go by the first address alone: it has to be one that the client's connection offers.
+// A server may use the first address alone, which must be one that the client's connection offers.
 TEST_F(CallbackTrialTest, NamesTheClientsConnectionFirst) {
   if (ThisProduct().manyOrbs) GTEST_SKIP() << "a trial has a connection of its own";
   StartServer();
@@ -165,7 +165,7 @@ TEST_F(CallbackTrialTest, NamesTheClientsConnectionFirst) {
   EXPECT_TRUE(before.ports.contains(m_port)) << m_port;
 }
 
-// A client that is killed in the middle of a trial cannot take its scope away.
+// A client that is killed during a trial cannot remove its scope.
 TEST_F(CallbackTrialTest, SweepsScopesOfEndedProcesses) {
   const std::string alive = "\"Test" + std::to_string(::getppid()) + '"';
   const std::string ended = "\"Test4194305\"";  // above the highest process id
@@ -183,7 +183,7 @@ TEST_F(CallbackTrialTest, SweepsScopesOfEndedProcesses) {
   }
 }
 
-// More in a second than omniORB keeps connections to one server.
+// More trials in a second than omniORB's limit of connections to one server.
 TEST_F(CallbackTrialTest, TriesManyInARow) {
   StartServer();
   for (const bool biDir : {false, true}) {
@@ -200,14 +200,14 @@ TEST_F(CallbackTrialTest, ReachesAnAddressWithoutBidirectionalOnTheServer) {
   ASSERT_EQ(Login(), 1);
   EXPECT_FALSE(Try(false, kNowhere));
   EXPECT_TRUE(Try(false, "127.0.0.1"));
-  // Settings that nobody can save are tried all the same.
+  // Settings that cannot be saved are tried nevertheless.
   m_environment.Set("VQ_CONFIG_DOMAINS", "/proc/no-such-directory");
   EXPECT_FALSE(Try(false, kNowhere));
   EXPECT_TRUE(Try(false, "127.0.0.1"));
   EXPECT_TRUE(m_log.Contains("'iiop:///hostname_in_ior=127.0.0.1' -BiDirPolicy '0'"));
 }
 
-TEST_F(CallbackTrialTest, SaysWhyACallbackFailsInItsTime) {
+TEST_F(CallbackTrialTest, ReportsWhyACallbackFails) {
   Server& server = StartSession();
   // The session has lost its connection, so that a trial opens one.
   server.SetFaults({{{"operation", "CRB_ClientKeepAlive"}, {"action", "drop"}}});
@@ -261,7 +261,7 @@ TEST_F(CallbackTrialTest, IsCalledBackDespiteIntruders) {
   EXPECT_TRUE(TrySession(1000)) << m_error;
 }
 
-// The intruders have all threads, so that the trial's connections do not end with it.
+// The intruders occupy all threads, so the trial's connections do not end with the trial.
 TEST_F(CallbackTrialTest, EndsWhileNoThreadIsLeft) {
   if (ThisProduct().manyOrbs) GTEST_SKIP() << "it has threads of its own";
   StartServer();
@@ -289,7 +289,7 @@ TEST_F(CallbackTrialTest, EndsWhileNoThreadIsLeft) {
   EXPECT_EQ(GL_ClientKeepAlive(), 1);
 }
 
-// One that is in a function of the application's, or has no processor, takes its time.
+// A thread that is in a function of the application, or gets no processor, ends late.
 TEST_F(CallbackTrialTest, EndsAfterAllThreads) {
   if (ThisProduct().manyOrbs) GTEST_SKIP() << "it waits for its threads anyway";
   StartServer();
@@ -309,7 +309,7 @@ TEST_F(CallbackTrialTest, EndsAfterAllThreads) {
   EXPECT_EQ(Login(), 1) << m_log.Text();
 }
 
-// The client listens on one address and names another; the server goes by the name.
+// The client listens on one address and publishes another, which the server uses.
 TEST_F(CallbackTrialTest, PublishesAnotherHostThanItListensOn) {
   StartServer();
   ASSERT_EQ(
@@ -324,7 +324,7 @@ TEST_F(CallbackTrialTest, PublishesAnotherHostThanItListensOn) {
   servant->Deactivate();
   EXPECT_THROW(kept->CRB_Ping(), CORBA::OBJECT_NOT_EXIST);
   EXPECT_FALSE(kept->_is_equivalent(servant->GetReference())) << "activated anew";
-  // A reference that outlives its ORB leads nowhere, and asking starts no other ORB.
+  // A reference that outlives its ORB has no address, and the question starts no other ORB.
   GL_LogOut(true);
   EXPECT_FALSE(Troubleshoot::GetNetworkInterface4Server(kept.in(), m_host, m_port, E_GSR));
   EXPECT_TRUE(m_log.Has(1, "Invalid stub"));

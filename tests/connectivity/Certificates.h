@@ -1,4 +1,4 @@
-// Certificates for a test, made by the openssl program: of an authority, or signed by nobody.
+// Certificates for a test, made by the openssl program: signed by an authority, or self-signed.
 //
 //   const Authority authority(directory, "authority");
 //   const Identity server = authority.Issue({.names = "IP:127.0.0.1"});
@@ -21,7 +21,7 @@ struct Identity {  // PEM
 };
 
 struct CertificateOptions {
-  std::string names = "IP:127.0.0.1,DNS:localhost";  // whom it is for; empty: nobody
+  std::string names = "IP:127.0.0.1,DNS:localhost";  // its subject names; may be empty
   long fromDays = -1;                                // from now
   long toDays = 365;
 };

@@ -39,7 +39,7 @@ struct TlsTest : SessionFixture {
     GL_LogOut(true);
     server.Kill();
   }
-  // The settings of a client with a certificate of its own.
+  // The settings of a client that has a certificate.
   Words OwnCertificate(const CertificateOptions& options) {
     const Identity own = m_authority.Issue(options);
     return {"-SSLCACertificate", m_caFile,
@@ -99,7 +99,7 @@ TEST_F(TlsTest, RefusesEachBadCertificate) {
   EXPECT_TRUE(m_log.Has(1, "TLS certificates are not verified"));
 }
 
-// Both ends show certificates, and the server calls back over a TLS connection of its own.
+// Both peers present certificates, and the server calls back over a new TLS connection.
 TEST_F(TlsTest, CallsBackOverTls) {
   StartTlsServer(m_authority.Issue(), true);
   const bool isOmni = vq::orb::ProductName() == "omniORB";
@@ -122,7 +122,7 @@ TEST_F(TlsTest, CallsBackOverTls) {
   EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(true, "", roundTrip, false))
       << m_log.Text();
   GL_LogOut(true);
-  m_orbArguments = {"-SSLCACertificate", m_caFile};  // and none of its own
+  m_orbArguments = {"-SSLCACertificate", m_caFile};  // without a client certificate
   EXPECT_EQ(Login(), 54);
   EXPECT_TRUE(!isOmni || GL_GetFailureCause().find("certificate") != std::string::npos);
 }
@@ -143,7 +143,7 @@ TEST_F(TlsTest, WarnsBeforeTheOwnCertificateExpires) {
   }
 }
 
-// Settings that cannot work keep the ORB down, and say which file of which setting it is.
+// The ORB does not start with unusable settings, and the log names the file and the setting.
 TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
   const Identity own = m_authority.Issue();
   const std::string good = m_directory.Write("good.pem", own.certificate + own.key);

@@ -73,7 +73,7 @@ TEST(ConnectionSettings, GiveThePasswordInTheFormAskedFor) {
   EXPECT_FALSE(copy.GetWait4Shutdown());
 }
 
-TEST(SettingsReport, TellsOrigins) {
+TEST(SettingsReport, NamesOrigins) {
   const TemporaryDirectory directory;
   Environment environment;
   environment.Isolate(directory.Path());

@@ -33,7 +33,7 @@ TEST(LoginExceptions, HaveCodeNumberAndText) {
       {BaseLoginEx("said"), 0, 0, "said"},
       {BadOrbixCfgEx(""), 55, 60008, ""},
       {NoServerEx("said"), 54, 60007, "said"},
-      {NoServerEx(""), 54, 60007,  // no ORB is up, so nobody can be asked
+      {NoServerEx(""), 54, 60007,  // no ORB is up, so there is no look-up
        causes + "Server 'central %s' is not running.\t\n - The Server listening port is blocked by "
                 "the firewall.\t\n - The outgoing ports are blocked in this computer.\t"},
       {ServerTypeEx("said"), 0, 60009, "said"},
@@ -74,7 +74,7 @@ TEST(ClientExceptions, PrintAndAreRaisedAgain) {
     EXPECT_EQ(exception->getMajor(), 1);
     EXPECT_EQ(exception->getMinor(), 2);
     EXPECT_EQ(exception->getSeverity(), severity);
-    EXPECT_EQ(exception->shouldPrint(), 0);  // it prints all the same
+    EXPECT_EQ(exception->shouldPrint(), 0);  // it prints nevertheless
     const LogCapture log;
     testing::internal::CaptureStderr();
     try {

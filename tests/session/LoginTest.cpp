@@ -1,5 +1,4 @@
-// Logins against a real server through a real naming service, and what becomes of one that is
-// refused or goes wrong.
+// Logins at a server through a naming service, and the results of logins that are refused or fail.
 
 #include <tests/fixture/SessionFixture.h>
 
@@ -23,7 +22,7 @@ TEST_F(LoginTest, ReportsRefusals) {
     "odd": {"password": "secret", "result": 7, "message": "Seven."},
     "late": {"password": "secret", "expiry": "soon", "message": "Two days."}})"));
   Server& server = StartServer(site);
-  // Last, the result of registering again, which is a number only.
+  // The last column: the result of a second registration, which is a number only.
   const std::tuple<const char*, int, std::string, bool, int> rows[] = {
       {"locked", 49, "User account is locked.\t", false, 0},
       {"said", 49, "Ask Bob.", false, 0},
@@ -45,10 +44,10 @@ TEST_F(LoginTest, ReportsRefusals) {
   }
 }
 
-TEST_F(LoginTest, TellsWhoLogsIn) {
+TEST_F(LoginTest, SendsTheClientsData) {
   InstallClient("8.0.00", "P1,P2");
   Server& server = StartServer();
-  // The last is the version that is verified: none for a client outside the version gate.
+  // The last column: the version that is verified; none for a client whose version is not checked.
   const std::tuple<CLIENT_ID, const char*, const char*, json> rows[] = {
       {CLIENT_GUI, "vq_gui", "8.0.00::P1,P2", "8.0.00"},
       {CLIENT_QIMC, "vq_qimc", "0", nullptr},
@@ -107,7 +106,7 @@ TEST_F(LoginTest, BindsEachServerKindOnItsOwn) {
   Server& server = StartServer(BaseSite(), {"GSR", "CMS"});
   ASSERT_EQ(Login("alice", "secret", "central", CLIENT_CLI, E_CMS), 1) << m_log.Text();
   EXPECT_EQ(server.LastCall("CRB_Register")["kind"], "CMS");
-  // Some parameters are asked of the central server whatever kind one is logged in to.
+  // Some parameters are read from the central server, whatever the kind of the login is.
   std::string value;
   EXPECT_TRUE(GetSystemParameter("Language", value, "general", E_GSR));
   EXPECT_EQ(value, "english");
@@ -128,7 +127,7 @@ TEST_F(LoginTest, NamesTheSettingOfATooLargeReply) {
 }
 
 // The cause of a failed login is one line beside its result and its text.
-TEST_F(LoginTest, TellsTheCause) {
+TEST_F(LoginTest, ReportsTheCause) {
   json site = BaseSite();
   site["users"]["odd"] = {{"password", "secret"}, {"result", 7}, {"message", "Seven.\t"}};
   Server& server = StartServer(site);

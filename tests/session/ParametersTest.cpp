@@ -1,4 +1,4 @@
-// Reading system parameters, and what is assumed when the server does not answer.
+// Reading system parameters, and the defaults when the server does not answer.
 
 #include <tests/fixture/SessionFixture.h>
 
@@ -41,7 +41,7 @@ TEST_F(ParametersTest, ReportsEachFailure) {
   EXPECT_EQ(arguments["name"], "Name");
   EXPECT_EQ(arguments["userId"], ConnectionSettings::Get()->GetUserID());
 
-  GL_LogOut(true);  // Without a reference there is nobody to ask.
+  GL_LogOut(true);  // without a reference no server can be called
   EXPECT_FALSE(GetSystemParameter("Name", value, "general", E_GSR));
   EXPECT_FALSE(isAnnotationRequired("job.delete"));
   EXPECT_EQ(value, "old");
@@ -102,7 +102,7 @@ TEST_F(ParametersTest, AsksEnvironmentThenServerForAnnotations) {
 TEST_F(ParametersTest, TakesTheModeOfEnvironmentServerOrDefault) {
   Server& server = StartServer(BaseSite(), {"GSR", "CMS"});
   ASSERT_EQ(Login(), 1);
-  // Whether the server may be asked, what it answers, the variable, and the mode.
+  // Whether the server may be called, its answer, the variable, and the mode.
   const std::tuple<bool, json, std::optional<std::string>, std::string> rows[] = {
       {true, "cjk", {}, "cjk"},     {true, kMissing, {}, "latin1"},  {true, "", {}, ""},
       {false, "cjk", {}, "latin1"}, {false, kMissing, "cjk", "cjk"}, {true, "cjk", "CJK", "CJK"},

@@ -1,4 +1,4 @@
-// The site's policy for passwords, and changing one in both ways.
+// The site's password policy, and both ways to change a password.
 
 #include <tests/fixture/SessionFixture.h>
 
@@ -12,7 +12,7 @@ namespace {
 using PasswordTest = SessionFixture;
 using nlohmann::json;
 
-TEST_F(PasswordTest, PolicyPassesOrSaysWhyNot) {
+TEST_F(PasswordTest, PolicyPassesOrGivesTheReason) {
   Server& server = StartSession();
   const std::string tooShort = "New password is too short.\nPassword minimum length should be ";
   const std::string tooLong = "New password is too long.\nPassword maximum length should be ";
@@ -37,13 +37,13 @@ TEST_F(PasswordTest, PolicyPassesOrSaysWhyNot) {
               {{"3", "4", "0", no}, "abcde", tooLong + "4."},
               {{"word", "4", "0", no}, "", ""},
               {{"-1", "-1", "0", no}, "", tooLong + "-1."},
-              {{"9", "4", "0", no}, "abcdef", tooShort + "9."},  // the minimum is looked at first
+              {{"9", "4", "0", no}, "abcdef", tooShort + "9."},  // the minimum is checked first
               {{no, no, "N", "PWD_UPPER"}, "abcdef", ""},
               {{no, no, "1", ""}, "abcdef", ""},
               {{no, no, "y", "U"}, "abcdef", rules + upper},
               {{no, no, "1", "U"}, "abcDef", ""},
               {{no, no, "Y", "O"}, "ABCDEF", rules + lower + special},
-              // Digits and special characters do not help, and any name in full is all four rules.
+              // Digits and special characters do not count, and one full name is all four rules.
               {{no, no, "1", "G"}, "abc123", rules + digit + special},
               {{no, no, "1", "PWD_UPPER"}, "aB3$ef", all}};
   for (const auto& [parameters, password, message] : rows) {

@@ -1,4 +1,4 @@
-// vq::Session: what it makes of a login, and what becomes of it when it is misused.
+// vq::Session: its calls, its end, and its keep-alives.
 
 #include <thread>
 

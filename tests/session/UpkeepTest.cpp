@@ -1,4 +1,4 @@
-// Finishing a login, keeping the session alive, registering again and ending it.
+// Completing a login, keeping the session alive, registering again and logging out.
 
 #include <tests/fixture/SessionFixture.h>
 
@@ -15,7 +15,7 @@ struct UpkeepTest : SessionFixture {
   static ConnectionSettings& Settings() { return *ConnectionSettings::Get(); }
 };
 
-TEST_F(UpkeepTest, TellsTheFirstConfiguredTimeOut) {
+TEST_F(UpkeepTest, SendsTheFirstConfiguredTimeOut) {
   Server& server = StartSession();
   const std::tuple<std::string, nlohmann::json, long> rows[] = {
       {"", nullptr, 600}, {"", "300", 300},    {"", "12 minutes", 12},
@@ -38,7 +38,7 @@ TEST_F(UpkeepTest, TellsTheFirstConfiguredTimeOut) {
   EXPECT_EQ(LoginHandler::GetGlobal()->RegisterTimeOut(0), 1) << "the result of the look-up";
 }
 
-TEST_F(UpkeepTest, WaitsForTheOrbAsTheServerSays) {
+TEST_F(UpkeepTest, WaitsForTheOrbIfTheParameterIsSet) {
   Server& server = StartSession();
   const std::tuple<nlohmann::json, bool, bool> rows[] = {
       {"0", true, false}, {nullptr, false, false}, {"00", false, true}, {nullptr, true, true}};
@@ -55,7 +55,7 @@ TEST_F(UpkeepTest, WaitsForTheOrbAsTheServerSays) {
   EXPECT_EQ(Login(), 1) << m_log.Text();
 }
 
-TEST_F(UpkeepTest, RegistersAgainUnderANewUserIdAndLogsOut) {
+TEST_F(UpkeepTest, RegistersAgainAndLogsOut) {
   nlohmann::json site = BaseSite();
   site["userId"] = {{"length", 4096}};
   Server& server = StartSession(site);
@@ -74,7 +74,7 @@ TEST_F(UpkeepTest, RegistersAgainUnderANewUserIdAndLogsOut) {
   EXPECT_FALSE(LoginHandler::GetGlobal()->IsConnected());
 }
 
-TEST_F(UpkeepTest, TellsTheTroubleshooterOfALostCallback) {
+TEST_F(UpkeepTest, CallsTheTroubleshooterAfterALostCallback) {
   Server& server = StartSession();
   int heard = 0;
   const auto count = [](void* data) { ++*static_cast<int*>(data); };

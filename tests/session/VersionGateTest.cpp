@@ -1,5 +1,4 @@
-// How client and server judge each other's version, from the reading of versions to a login that is
-// refused.
+// The check of client and server versions, from parsing a version to a login that is refused.
 
 #include <tests/fixture/SessionFixture.h>
 
@@ -22,7 +21,7 @@ struct VersionGateTest : SessionFixture {
 };
 
 TEST(ParseVersion, SplitsAtTheSecondPoint) {
-  // A version, the texts of its parts and their numbers; what is left as it was, if it is refused.
+  // A version, its parts as texts and as numbers; the former values if it is refused.
   const std::pair<std::string, std::string> rows[] = {
       {"8.0.05", "8.0 05 8 5"},        {"9.1.18.250", "9.1 18.250 9.1 18.25"},
       {"8.0", "8.0 8.0 8 8"},          {"8", "old old -1 -1"},
@@ -41,7 +40,7 @@ TEST(ParseVersion, SplitsAtTheSecondPoint) {
   }
 }
 
-TEST_F(VersionGateTest, TellsTheClientVersionWithPatches) {
+TEST_F(VersionGateTest, ReadsTheClientVersionWithPatches) {
   // No patches mean that nothing is installed.
   const std::tuple<const char*, CLIENT_ID, int, const char*, const char*> rows[] = {
       {nullptr, CLIENT_CLI, 0, "0", "0"},
@@ -117,7 +116,7 @@ TEST_F(VersionGateTest, RefusesOrAdmitsALogin) {
   const std::string old =
       "This error may be caused by any of the following:\n - Server 'central' has incorrect or old "
       "version.\n - Server 'central' went down during login process.\t";
-  // The server's kind stands where the client's name belongs, and one "%s" is left over.
+  // The server kind is in place of the client's name, and one "%s" is left.
   const std::string byServer =
       "Connection refused by VELTRA-M/VQ Server: 'central'.\nVersion 8.0.00 of VELTRA-M/VQ Server "
       "is not compatible with a 9.0.01 of version %s.";

@@ -1,4 +1,4 @@
-// Loads from a simulated server, and every question after them.
+// Loads from a simulated server, and every question after a load.
 #include <vq_client_common/authorizations/UserAuthorizations.h>
 
 #include <tests/fixture/SessionFixture.h>

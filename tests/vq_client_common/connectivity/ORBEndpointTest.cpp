@@ -14,8 +14,8 @@ struct ORBEndpointTest : ::testing::Test {
   vq::test::LogCapture m_log{4};
 };
 
-TEST_F(ORBEndpointTest, ParsesAndSaysWhatItRefuses) {
-  // A text, what it is written as, and the line of the log that refuses it.
+TEST_F(ORBEndpointTest, ParsesAndLogsRefusals) {
+  // A text, the result of toString, and the log line when it is refused.
   const char* const cases[][3] = {
       {"", "iiop:///reuse_addr=0", ""},
       {"iiop://host:5000/ssl_port=5001&portspan=10",
@@ -34,7 +34,7 @@ TEST_F(ORBEndpointTest, ParsesAndSaysWhatItRefuses) {
        "2 ssl_port=x is not a valid SSL port number."},
       {"iiop://host/&reuse_addr=1", "iiop://host",
        "2 Ignoring invalid/unidentified Endpoint option: "},
-      // What stands before the seventh character is dropped, whatever it is.
+      // The first seven characters are removed, whatever they are.
       {"corba://host:5000", "iiop:///reuse_addr=0",
        "2 Ignoring invalid/unidentified Endpoint option: host:5000"},
       {"iiop://:99999999999", "iiop://:2147483647/reuse_addr=0", ""}};
@@ -63,7 +63,7 @@ TEST_F(ORBEndpointTest, CutsAtSemicolon) {
 }
 
 TEST_F(ORBEndpointTest, ConstructorFindsProtocolAnywhere) {
-  // Seven characters are dropped wherever the protocol stands.
+  // The first seven characters are removed wherever the protocol is.
   EXPECT_EQ(ORBEndpoint("12iiop://host").toString(), "iiop:///reuse_addr=0");
   EXPECT_THAT(m_log.Take(), ElementsAre("2 Ignoring invalid/unidentified Endpoint option: /host"));
   EXPECT_EQ(ORBEndpoint("host:5000").getHostname(), "");

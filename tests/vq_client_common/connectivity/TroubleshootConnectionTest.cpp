@@ -19,7 +19,7 @@ class TroubleshootConnectionTest : public ::testing::Test {
  protected:
   TroubleshootConnectionTest() { m_environment.Isolate(m_directory.Path()); }
 
-  // What a configuration leaves in a domain of these scopes, one setting a line.
+  // The settings after ORBConfigure in a domain with these scopes, one a line.
   std::string Configured(const std::string& scopes, const std::string& address, bool biDir,
                          bool isMask) {
     m_directory.Write("root/config/vq.xml", "<domain>" + scopes + "</domain>");
@@ -47,7 +47,7 @@ TEST_F(TroubleshootConnectionTest, TransformsEndpoint) {
               "iiop://h:5000 10.0.0.1 -> iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0",
               "iiop://h:0/foo a -> iiop:///hostname_in_ior=a&reuse_addr=0",
               "iiop://h/hostname_in_ior=b&reuse_addr=1  -> iiop://", "iiop://h; a -> iiop://h;",
-              "x a -> x"});  // these two cannot be taken apart
+              "x a -> x"});  // these two cannot be parsed
 }
 
 TEST_F(TroubleshootConnectionTest, ConfiguresEveryScope) {
@@ -59,7 +59,7 @@ TEST_F(TroubleshootConnectionTest, ConfiguresEveryScope) {
             "default -BiDirPolicy=0\n"
             "default -ORBListenEndpoints=iiop:///hostname_in_ior=$IP&reuse_addr=0\n"
             "default -PreferIPMask=10.1.\n");
-  // A scope keeps an endpoint of its own only where it differs, and no other bidirectional.
+  // A scope keeps its own endpoint only if it differs, and no bidirectional policy.
   const std::string scopes = R"(
       <scope name="default"><var name="-ORBListenEndpoints">iiop://old</var></scope>
       <scope name="CLI"><var name="-BiDirPolicy">0</var><var name="-ORBCallTimeout">7</var></scope>
@@ -69,7 +69,7 @@ TEST_F(TroubleshootConnectionTest, ConfiguresEveryScope) {
             "default -BiDirPolicy=1\n" + own +
                 "CLI -ORBCallTimeout=7\n"
                 "VCM -ORBListenEndpoints=iiop://:5000/hostname_in_ior=10.0.0.1&reuse_addr=0\n");
-  // An empty variable is there all the same, and becomes what it stands for.
+  // An empty variable is set, and gets the value of the default endpoint.
   const std::string empty = R"(<scope name="GUI"><var name="-ORBListenEndpoints"/></scope>)";
   EXPECT_EQ(Configured(empty, "10.0.0.1", false, false), "default -BiDirPolicy=0\n" + own);
   EXPECT_TRUE(m_log.Has(4, "Going to publish: 10.1. (IP mask)"));

@@ -31,7 +31,7 @@ string Stored(const T&... values) {
   return stream.str();
 }
 
-// Loads one T over `value` and gives it, "|" and what stays in the stream.
+// Loads one T over `value`. Returns it, "|" and the rest of the stream.
 template <typename T>
 string Loaded(const string& bytes, int type, T value = {}) {
   std::stringstream stream(bytes);
@@ -103,7 +103,7 @@ TEST(TArchiveTest, LoadsByDecryptType) {
     Expect<string>(type, "old", kShort);
     Expect(type, 5UL, kShort);
   }
-  // The other types keep the low bits, and at type 1 extract themselves.
+  // Other integers are reduced to their low bits, and are extracted at type 1.
   Expect(3, true, {Record("4294967296") + " -> 0|"});
   Expect(1, 'a', {"x -> x|"});
   Expect(1, 5.0F, {"3.5  -> 3.5| "});
@@ -163,7 +163,7 @@ TEST(TArchiveTest, FailsOnBrokenStream) {
   TArchive archive(&stream, 1, 0, nullptr);
   EXPECT_THROW(archive >> text, TArchiveException);
   stream.clear();
-  stream.exceptions(std::ios_base::badbit);  // The archive's end raises nothing all the same.
+  stream.exceptions(std::ios_base::badbit);  // the destructor raises nothing nevertheless
   const TArchiveException error(7, "text");
   EXPECT_EQ(std::to_string(error.GetCode()) + error.GetMessage(), "7text");
   EXPECT_EQ(TArchiveException(0, nullptr).GetMessage(), "");

@@ -42,7 +42,7 @@ string Names(const TDCList& list) {
   return names;
 }
 
-// Uses the process's list while it is made, before the ordinary static objects, and while it goes.
+// Uses the process's list in a constructor and a destructor of a static object.
 struct EarlyUser {
   EarlyUser() { DataCenters.Add(Make("EARLY")); }
   ~EarlyUser() {
@@ -81,7 +81,7 @@ TEST(TDCListTest, GivesNames) {
   EXPECT_THAT(names, ElementsAre("C", "D"));
 }
 
-TEST(TDCListTest, SaysWhyNot) {
+TEST(TDCListTest, GivesReasons) {
   string err = "before";
   EXPECT_EQ(Mixed().IsValid("A", err), 1);
   EXPECT_EQ(err, "before");

@@ -16,7 +16,7 @@ TVltVersion Make(int type, const string& version, const string& level = "") {
   return {static_cast<TVltType>(type), version, level};
 }
 
-// The names under test, in order, with a blank behind each.
+// The items in order, each with a blank after it.
 string Joined(const ArrayWrap<string>& list) {
   string text;
   for (const string& item : list) text += item + " ";
@@ -133,7 +133,7 @@ TEST(TVltVersionTest, EqualityAndTheFlag) {
   EXPECT_TRUE(ten == twenty);
   ten.SetControlResourceForSMARTTablesOf700FP2MPM(true);
   EXPECT_TRUE(ten != twenty && twenty == ten && ten == Make(2, "700", "19"));
-  // A copy leaves the flag behind, an assignment keeps the target's.
+  // The flag is not copied; an assignment keeps the target's.
   EXPECT_FALSE(TVltVersion(ten).ControlResourceForSMARTTablesOf700FP2MPMEnabled());
   ten = twenty;
   EXPECT_EQ(ten.FullVer(), "700.20");

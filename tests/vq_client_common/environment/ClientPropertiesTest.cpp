@@ -136,7 +136,7 @@ TEST_F(ClientPropertiesTest, Logs) {
                           "5 Found Parameter: K. Value is: 2"));
 }
 
-TEST_F(ClientPropertiesTest, SaysWhichStepFailed) {
+TEST_F(ClientPropertiesTest, LogsTheFailedStep) {
   ClientProperties* properties = Loaded("<P/>");
   std::filesystem::remove(m_directory / kFile);
   std::filesystem::create_symlink("/dev/full", m_directory / kFile);

@@ -18,7 +18,7 @@ struct Parser : CmdParser {
   explicit Parser(bool caseSensitive = false) : CmdParser(caseSensitive, true) {}
   using CmdParser::trim;
 
-  // Arguments with a blank between them. They are gone when it returns, as a caller's may be.
+  // Arguments with a blank between them. They are destroyed when it returns, as a caller's may be.
   Parser& Parse(const std::string& line) {
     std::istringstream stream(line);
     std::vector<std::string> arguments{"program"};

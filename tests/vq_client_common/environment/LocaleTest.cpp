@@ -18,15 +18,15 @@ int Sign(int value) {
   return (value > 0) - (value < 0);
 }
 
-// Every test has its own file and leaves the locale of the process as it was. C.UTF-8 orders by
-// code points on every machine.
+// Every test has its own file and restores the process's locale. C.UTF-8 orders by code points on
+// every host.
 class LocaleTest : public ::testing::Test {
  protected:
   LocaleTest() { std::setlocale(LC_ALL, "C.UTF-8"); }
   ~LocaleTest() override { std::setlocale(LC_ALL, m_former.c_str()); }
   void Write(const std::string& file) const { m_directory.Write("ini/locale.ini", file); }
 
-  // "result locale" after looking up in a buffer that holds "before".
+  // "result locale" of a look-up into a buffer with the content "before".
   static std::string Lookup(const char* language) {
     char locale[255] = "before";
     const int result = get_locale(language, locale);

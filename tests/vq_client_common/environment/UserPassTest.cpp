@@ -39,7 +39,7 @@ TEST(UserPassTest, InitCompletesOrRefuses) {
     std::optional<std::string> console;  // the answers; nothing for a closed standard input
     int status;
     const char* credentials;  // "user/password" afterwards
-    Lines log;                // without the last line, which tells the status in words
+    Lines log;                // without the last line, which is the status as a text
   } cases[] = {{"u", "p", "", {}, 3, "u/p", {kComplete}},
                {"", "", "", "c\nd\n", 3, "c/d", {kAsks}},
                {"u", "", "", "d\n", 3, "u/d", {kAsks}},

@@ -14,7 +14,7 @@ namespace {
 using vq::test::ExpectRows;
 using vq::test::Take;
 
-// Opens what the class keeps for its derived classes.
+// Makes protected members public.
 struct OpenForecastTimes : ForecastTimesManipulationMP {
   using ForecastTimesManipulationMP::FindDcTimeInfo;
   using ForecastTimesManipulationMP::GetCommAdminStructByDc;
@@ -200,7 +200,7 @@ TEST_F(ForecastTimesTest, FindsRecordByBuffer) {
   const std::string name = "DC";
   Init({"(GMT)"});
   EXPECT_EQ(OpenForecastTimes::GetCommAdminStructByDc(m_records, name), nullptr);
-  m_records[0].m_Name = const_cast<char*>(name.c_str());  // lent, and taken back below
+  m_records[0].m_Name = const_cast<char*>(name.c_str());  // borrowed, and released below
   EXPECT_EQ(OpenForecastTimes::GetCommAdminStructByDc(m_records, name), &m_records[0]);
   EXPECT_EQ(m_records[0].m_Name._retn(), name.c_str());
 }
