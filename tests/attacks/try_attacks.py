@@ -96,6 +96,9 @@ ROWS = [
     lost("no reply", {REGISTER: h.silent}, logged="TIMEOUT"),
     lost("a reply byte by byte", {REGISTER: h.trickle(0.3)}, logged="TIMEOUT"),
     lost("a reply byte by byte, fast", {REGISTER: h.trickle(0.05)}, logged="TIMEOUT"),
+    *(Row(f"a reply in small pieces{word}", {REGISTER: h.trickle(0.02, 5)}, results=(1,), tls=tls)
+      for word, tls in (("", ""), (", over TLS", "good"))),
+    lost("a reply byte by byte, over TLS", {REGISTER: h.trickle(0.3)}, logged="TIMEOUT", tls="good"),
     lost("fragments without end", {REGISTER: h.fragments()}, logged="TIMEOUT"),
     lost("many fragments without end", {REGISTER: h.fragments(0.001)}, logged="TIMEOUT"),
     lost("a late reply", {REGISTER: h.late(3)}, logged="TIMEOUT"),
@@ -137,7 +140,8 @@ ROWS = [
     Row("a large reply bit by bit, bidirectional",
         {ALIVE: [lambda call: h.drip(call, call.reply(body=bytes(1 << 19)), 0.005, 400, 3)],
          UNREGISTER: h.late(0.5)}, results=(1, 54, 1), keep_alives=2, limit=1.5,
-        arguments=("-BiDirPolicy", "1")),
+        arguments=("-BiDirPolicy", "1"),
+        tao={"results": (1, 54, 54)}),  # it keeps the connection on which the reply is missing
 
     # It runs at most once.
     Row("closed after the request", {REGISTER: h.closed}, logged="COMM_FAILURE"),
@@ -212,7 +216,7 @@ ROWS = [
     *(lost(f"a reply that ends where 32 bits do{word}", {REGISTER: h.announcing(0xFFFFFFF4, first=first)},
            logged="is refused", tls=tls, tao={"logged": "larger than the setting"})
       for word, first, tls in (("", 0, ""), (", its header in pieces", 7, ""),
-                               (", over TLS", 0, "good"))),
+                               (", over TLS", 0, "good"), (", so over TLS", 7, "good"))),
     Row("a fragment without its request's id", {REGISTER: h.fragments(numbered=False)},
         logged="is refused", tao={"logged": ""}),
     Row("a text of 4 GiB", {REGISTER: h.giving(1, 0, -1)}, logged="MARSHAL"),

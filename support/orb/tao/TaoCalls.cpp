@@ -90,7 +90,7 @@ void Begin(TAO_ORB_Core*, TAO_Stub* stub, bool& isLimited, ACE_Time_Value& time)
   time.set(seconds.count(), static_cast<suseconds_t>(rest.count()));
 }
 
-constexpr std::size_t kHeaderSize = 12;
+constexpr int kHeaderSize = 12;
 using Header = std::array<unsigned char, kHeaderSize>;
 
 bool IsClose(const Header& header) {
@@ -141,17 +141,24 @@ class ReplyReader : public TAO_Wait_Strategy {
     m_isTls = dynamic_cast<TAO_IIOP_Transport*>(transport_) == nullptr;
     TAO_Resume_Handle resume;
     std::uint64_t announced = 0;
-    for (bool isFirst = true; reply.keep_waiting(); isFirst = false) {
+    Header next{};
+    int known = 0;  // bytes of it
+    while (reply.keep_waiting()) {
       call.end = end;
       call.isReading = true;
+      if (!m_isTls && !AwaitReplyBytes(Socket())) return ETIME;  // TLS waits by itself.
       if (!IsWithinMessage()) {
-        Header next{};
-        if (const int error = Peek(next); error != 0) return error;
-        if (isFirst && IsClose(next)) return ESHUTDOWN;
-        announced += AnnouncedSize(next) + kMessageCost;
-        if (m_limit != 0 && announced > m_limit + kMessageCost) return EMSGSIZE;
-      } else if (!m_isTls && !AwaitReplyBytes(Socket())) {  // TLS waits by itself (TaoTls.cpp).
-        return ETIME;
+        // A TLS record may end within the header: TAO then reads that part.
+        const int more = m_isTls ? PeekTls(*transport_, next.data() + known, kHeaderSize - known)
+                                 : PeekWhole(next);
+        if (more <= 0) return end <= Clock::now() ? ETIME : ECONNRESET;
+        known = (known + more) % kHeaderSize;
+        if (known == 0) {
+          if (std::memcmp(next.data(), "GIOP", 4) != 0) return ECONNRESET;
+          if (announced == 0 && IsClose(next)) return ESHUTDOWN;
+          announced += AnnouncedSize(next) + kMessageCost;
+          if (m_limit != 0 && announced > m_limit + kMessageCost) return EMSGSIZE;
+        }
       }
       if (transport_->handle_input(resume, nullptr) == -1 && reply.keep_waiting()) {
         return end <= Clock::now() ? ETIME : ECONNRESET;
@@ -167,33 +174,23 @@ class ReplyReader : public TAO_Wait_Strategy {
     return (transport_->*Incoming::kMessages).top(message) != -1;
   }
 
-  // Waits for the header of the next message, so that TAO reads it as a whole.
-  int Peek(Header& header) {
-    ssize_t length = 0;
-    if (m_isTls) {
-      length = PeekTls(*transport_, header.data(), kHeaderSize);
-    } else {
-      if (!AwaitReplyBytes(Socket())) return ETIME;
-      const auto peek = [&] {
-        return ::recv(Socket(), header.data(), kHeaderSize, MSG_PEEK | MSG_DONTWAIT);
-      };
+  // Returns the size of the header, or 0 when it cannot be read. Waits for all of it: TAO would
+  // also read what arrives after this look at it.
+  int PeekWhole(Header& header) {
+    const auto wakeFrom = [this](int bytes) {
+      ::setsockopt(Socket(), SOL_SOCKET, SO_RCVLOWAT, &bytes, sizeof bytes);
+    };
+    const auto peek = [&] {
+      return ::recv(Socket(), header.data(), kHeaderSize, MSG_PEEK | MSG_DONTWAIT);
+    };
+    ssize_t length = peek();
+    if (0 < length && length < kHeaderSize) {
+      wakeFrom(kHeaderSize);
+      AwaitReplyBytes(Socket());
+      wakeFrom(1);
       length = peek();
-      if (0 < length && length < static_cast<ssize_t>(kHeaderSize)) {
-        WakeFrom(kHeaderSize);
-        const bool isThere = AwaitReplyBytes(Socket());
-        WakeFrom(1);
-        if (!isThere) return ETIME;
-        length = peek();
-      }
     }
-    const bool isWhole = length == static_cast<ssize_t>(kHeaderSize);
-    if (isWhole && std::memcmp(header.data(), "GIOP", 4) == 0) return 0;
-    return call.end <= Clock::now() ? ETIME : ECONNRESET;
-  }
-
-  // A wait for the socket ends when that many bytes have arrived.
-  void WakeFrom(int bytes) {
-    ::setsockopt(Socket(), SOL_SOCKET, SO_RCVLOWAT, &bytes, sizeof bytes);
+    return length == kHeaderSize ? kHeaderSize : 0;
   }
 
   const std::uint64_t m_limit;

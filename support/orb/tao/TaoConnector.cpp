@@ -31,14 +31,6 @@ CORBA::ULong AddressCount(TAO::Profile_Transport_Resolver& resolver) {
 
 }  // namespace
 
-CheckedConnector::CheckedConnector(std::unique_ptr<TAO_Connector> connector,
-                                   const OrbSettings& settings)
-    : TAO_Connector(connector->tag()),
-      m_connector(std::move(connector)),
-      m_takesCalls(settings.biDirectional),
-      m_keepAlive(settings.tcpKeepAlive),
-      m_unacknowledged(settings.tcpUserTimeout) {}
-
 TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolver,
                                          TAO_Transport_Descriptor_Interface* descriptor,
                                          ACE_Time_Value* timeout) {
@@ -53,8 +45,10 @@ TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolv
     if (transport == nullptr && timeout == &share && errno == ETIME) errno = EHOSTUNREACH;
     if (transport == nullptr || !transport->is_connected()) return transport;
     const int socket = transport->event_handler_i()->get_handle();
-    if (transport->first_request()) WatchPeer(socket, m_keepAlive, m_unacknowledged);
-    if (!HasEnded(*transport, socket, m_takesCalls)) return transport;
+    if (transport->first_request()) {
+      WatchPeer(socket, m_settings.tcpKeepAlive, m_settings.tcpUserTimeout);
+    }
+    if (!HasEnded(*transport, socket, m_settings.biDirectional)) return transport;
     transport->close_connection();
     transport->purge_entry();
     transport->remove_reference();

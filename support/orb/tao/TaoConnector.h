@@ -6,7 +6,6 @@
 #ifndef VQ_SUPPORT_ORB_TAO_TAOCONNECTOR_H
 #define VQ_SUPPORT_ORB_TAO_TAOCONNECTOR_H
 
-#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -41,7 +40,8 @@ void AddService(ACE_Service_Gestalt& services, const char* name, const OrbSettin
 // as in TAO.
 class CheckedConnector : public TAO_Connector {
  public:
-  CheckedConnector(std::unique_ptr<TAO_Connector> connector, const OrbSettings& settings);
+  CheckedConnector(std::unique_ptr<TAO_Connector> connector, const OrbSettings& settings)
+      : TAO_Connector(connector->tag()), m_settings(settings), m_connector(std::move(connector)) {}
 
   int open(TAO_ORB_Core* core) override { return m_connector->open(core); }
   int close() override { return m_connector->close(); }
@@ -76,11 +76,10 @@ class CheckedConnector : public TAO_Connector {
   }
   int cancel_svc_handler(TAO_Connection_Handler*) override { return -1; }
 
+  const OrbSettings m_settings;
+
  private:
   const std::unique_ptr<TAO_Connector> m_connector;
-  const bool m_takesCalls;
-  const std::chrono::milliseconds m_keepAlive;
-  const std::chrono::milliseconds m_unacknowledged;
 };
 
 // TAO's factory of a protocol, whose connectors are `Connector`s.

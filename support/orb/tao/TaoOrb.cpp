@@ -38,6 +38,14 @@ TDiagRegister diagModule("ORB");
 // Shows connections. From 5 on TAO prints the content of messages, with passwords.
 constexpr unsigned kTraceOn = 2;
 
+// Takes a step at the end of a scope, also after an exception.
+template <class Step>
+struct AtEnd {
+  explicit AtEnd(Step given) : step(given) {}
+  ~AtEnd() { step(); }
+  Step step;
+};
+
 // Takes ACE's lines in place of stderr.
 class LogLines : public ACE_Log_Msg_Backend {
  public:
@@ -55,48 +63,41 @@ class LogLines : public ACE_Log_Msg_Backend {
 // ACE's log while ORBs of ours are up; as it was found when the last of them has ended.
 class AceLog {
  public:
-  static void Take() {
-    AceLog& log = Instance();
-    const std::lock_guard lock(log.m_mutex);
-    if (log.m_users++ > 0) return;
-    log.m_debugLevel = TAO_debug_level;
-    log.m_isTraced = diagModule.IsActive(TDiag::kTrace);
-    if (log.m_isTraced) {
+  void Take() {
+    const std::lock_guard lock(m_mutex);
+    if (m_users++ > 0) return;
+    m_debugLevel = TAO_debug_level;
+    m_isTraced = diagModule.IsActive(TDiag::kTrace);
+    if (m_isTraced) {
       static auto* const lines = new LogLines;
       TAO_debug_level = kTraceOn;
       ACE_Log_Msg* const ace = ACE_Log_Msg::instance();
-      log.m_flags = ace->flags();
-      log.m_backend = ACE_Log_Msg::msg_backend(lines);
+      m_flags = ace->flags();
+      m_backend = ACE_Log_Msg::msg_backend(lines);
       ace->clr_flags(ACE_Log_Msg::STDERR | ACE_Log_Msg::LOGGER);
       ace->set_flags(ACE_Log_Msg::CUSTOM);
     } else if (TAO_debug_level == 0) {  // Otherwise the application traces TAO.
       for (ACE_Log_Category* category : {&ACE_Log_Category::ace_lib(), &TAO_log_category}) {
-        log.m_masks.emplace_back(category, category->priority_mask(0));
+        m_masks.emplace_back(category, category->priority_mask(0));
       }
     }
   }
 
-  static void Return() {
-    AceLog& log = Instance();
-    const std::lock_guard lock(log.m_mutex);
-    if (--log.m_users > 0) return;
-    TAO_debug_level = log.m_debugLevel;
-    if (log.m_isTraced) {
+  void Return() {
+    const std::lock_guard lock(m_mutex);
+    if (--m_users > 0) return;
+    TAO_debug_level = m_debugLevel;
+    if (m_isTraced) {
       ACE_Log_Msg* const ace = ACE_Log_Msg::instance();
       ace->clr_flags(ACE_Log_Msg::CUSTOM);
-      ace->set_flags(log.m_flags);
-      ACE_Log_Msg::msg_backend(log.m_backend);
+      ace->set_flags(m_flags);
+      ACE_Log_Msg::msg_backend(m_backend);
     }
-    for (const auto& [category, mask] : log.m_masks) category->priority_mask(mask);
-    log.m_masks.clear();
+    for (const auto& [category, mask] : m_masks) category->priority_mask(mask);
+    m_masks.clear();
   }
 
  private:
-  static AceLog& Instance() {
-    static auto* const log = new AceLog;
-    return *log;
-  }
-
   std::mutex m_mutex;
   int m_users = 0;
   bool m_isTraced = false;
@@ -105,6 +106,7 @@ class AceLog {
   ACE_Log_Msg_Backend* m_backend = nullptr;
   std::vector<std::pair<ACE_Log_Category*, u_long>> m_masks;
 };
+auto& aceLog = *new AceLog;  // never destroyed: ORBs may end late
 
 // The services of one ORB. TAO reads no configuration file, and by that leaves ACE's log alone,
 // unless an argument names one.
@@ -123,22 +125,6 @@ ACE_Intrusive_Auto_Ptr<ACE_Service_Gestalt> MakeServices(const OrbSettings& sett
   }
   return services;
 }
-
-// New threads leave signals to those of the application.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &m_former);
-  }
-  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
-  SignalsBlocked(const SignalsBlocked&) = delete;
-  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
- private:
-  sigset_t m_former{};
-};
 
 // Without this an ORB of TAO's uses connections that others opened to it for calls, to whichever
 // server they name, once the process has the library for bidirectional IIOP.
@@ -162,9 +148,7 @@ void LimitCalls(CORBA::ORB_ptr orb, std::chrono::milliseconds connect,
 }
 
 void EndTao(CORBA::ORB_ptr orb) {
-  struct LogReturned {
-    ~LogReturned() { AceLog::Return(); }
-  } const after;
+  const AtEnd after([] { aceLog.Return(); });
   orb->destroy();
 }
 
@@ -185,26 +169,23 @@ CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
   // An ORB of the same name may still be ending, and would be returned.
   static std::atomic<int> number = 0;
   const std::string id = name + "/" + std::to_string(++number);
-  AceLog::Take();
+  aceLog.Take();
   CORBA::ORB_var orb;
   try {
-    const auto services = MakeServices(settings);
-    const ACE_Service_Config_Guard guard(services.get());
-    orb = CORBA::ORB_init(count, pointers.data(), id.c_str());
-  } catch (...) {
-    AceLog::Return();
-    throw;
-  }
-  try {
+    {
+      const auto services = MakeServices(settings);
+      const ACE_Service_Config_Guard guard(services.get());
+      orb = CORBA::ORB_init(count, pointers.data(), id.c_str());
+    }
     CheckCalls(orb.in(), allowed);
     if (!settings.biDirectional) IgnoreOfferedConnections(orb.in());
     LimitCalls(orb.in(), settings.connectTimeout, settings.callTimeout);
     AllowNaming(orb.in(), settings);
-  } catch (const CORBA::Exception&) {
-    EndTao(orb.in());
+    return orb._retn();
+  } catch (...) {
+    CORBA::is_nil(orb.in()) ? aceLog.Return() : EndTao(orb.in());
     throw;
   }
-  return orb._retn();
 }
 
 CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
@@ -231,7 +212,11 @@ struct TaoThreads::Shared {
 };
 
 void TaoThreads::Start(CORBA::ORB_ptr orb, int count) {
-  const SignalsBlocked blocked;
+  // The new threads leave signals to those of the application.
+  sigset_t all, former;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &former);
+  const AtEnd restored([&] { pthread_sigmask(SIG_SETMASK, &former, nullptr); });
   m_shared = std::make_shared<Shared>();
   m_shared->users = count;
   for (int i = 0; i < count; ++i) {

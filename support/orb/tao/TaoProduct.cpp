@@ -36,11 +36,6 @@ void WarnOfMessageSize(const OrbSettings& settings) {
 // The settings of the ORBs that are up, the oldest first.
 class Running {
  public:
-  static Running& Instance() {
-    static auto* const running = new Running;
-    return *running;
-  }
-
   // The settings to start an ORB with, which counts as up from here on.
   OrbSettings Enter(const void* orb, const std::string& name, OrbSettings settings) {
     const std::lock_guard lock(m_mutex);
@@ -65,19 +60,20 @@ class Running {
   std::mutex m_mutex;
   std::vector<std::pair<const void*, OrbSettings>> m_all;
 };
+auto& running = *new Running;  // never destroyed: ORBs may end late
 
 class TaoInstance : public OrbInstance {
  public:
   TaoInstance(std::string name, OrbSettings settings, const std::vector<std::string>& arguments,
               bool useThreadPool)
       : m_name(std::move(name)),
-        m_settings(Running::Instance().Enter(this, m_name, std::move(settings))),
+        m_settings(running.Enter(this, m_name, std::move(settings))),
         m_useThreadPool(useThreadPool) {
     try {
       m_orb = StartTao(m_name, m_settings, arguments, Unencrypted::kLookUps);
       if (m_settings.biDirectional) WarnOfMessageSize(m_settings);
     } catch (...) {
-      Running::Instance().Leave(this);
+      running.Leave(this);
       throw;
     }
   }
@@ -114,7 +110,7 @@ class TaoInstance : public OrbInstance {
     if (CORBA::is_nil(m_orb.in())) return;
     const CORBA::ORB_var orb = m_orb._retn();
     m_poa = PortableServer::POA::_nil();
-    Running::Instance().Leave(this);
+    running.Leave(this);
     m_threads.End(orb.in(), wait);
   }
 

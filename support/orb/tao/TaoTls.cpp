@@ -7,7 +7,6 @@
 #include <array>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -40,25 +39,13 @@
 namespace vq::orb {
 namespace {
 
-// The host that this thread connects to; SSLIOP's handshakes are in the connecting call.
-thread_local const char* hostBeingConnected = nullptr;
+// The host that this thread connected to last; SSLIOP's handshakes are in the connecting call.
+thread_local std::string hostBeingConnected;
 
-class HostNoted {
- public:
-  explicit HostNoted(const char* host) { hostBeingConnected = host; }
-  ~HostNoted() { hostBeingConnected = nullptr; }
-  HostNoted(const HostNoted&) = delete;
-  HostNoted& operator=(const HostNoted&) = delete;
-};
-
-bool IsAddress(const char* host) {
+bool IsAddress(const std::string& host) {
   std::array<unsigned char, sizeof(in6_addr)> bytes{};
-  return ::inet_pton(AF_INET, host, bytes.data()) == 1 ||
-         ::inet_pton(AF_INET6, host, bytes.data()) == 1;
-}
-
-std::string Place(const char* host, int port) {
-  return std::string(host) + ":" + std::to_string(port);
+  return ::inet_pton(AF_INET, host.c_str(), bytes.data()) == 1 ||
+         ::inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1;
 }
 
 // The object's key, which distinguishes the objects at one address.
@@ -69,64 +56,31 @@ std::string KeyOf(TAO_Stub& stub) {
   return {reinterpret_cast<const char*>(key.get_buffer()), key.length()};
 }
 
-// The naming services without TLS. Only these may be called unencrypted. They may forward to
-// another reference of their own, but not to another address. Thread safety: any thread.
-class NamingPlaces {
- public:
-  static NamingPlaces& Instance() {
-    static auto* const places = new NamingPlaces;
-    return *places;
-  }
-
-  void Forget() {
-    const std::lock_guard lock(m_mutex);
-    m_places.clear();
-    m_keys.clear();
-  }
-  void Add(CORBA::Object_ptr naming) {
-    const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(naming);
-    if (std::ranges::any_of(endpoints, &ReferenceEndpoint::tls)) return;
-    for (const ReferenceEndpoint& endpoint : endpoints) {
-      const ACE_INET_Addr resolved(static_cast<u_short>(endpoint.port), endpoint.host.c_str());
-      std::set<std::string> forms = Forms(endpoint.host.c_str(), endpoint.port, resolved);
-      const std::lock_guard lock(m_mutex);
-      m_places.merge(forms);
-      m_keys.insert(KeyOf(*naming->_stubobj()));
-    }
-  }
-  bool IsAt(const TAO_IIOP_Endpoint& address) {
-    const auto forms = Forms(address.host(), address.port(), address.object_addr());
-    const std::lock_guard lock(m_mutex);
-    return std::ranges::any_of(forms,
-                               [this](const std::string& form) { return m_places.contains(form); });
-  }
-  bool IsOwnObject(TAO_Stub& stub) {
-    const std::lock_guard lock(m_mutex);
-    return m_keys.contains(KeyOf(stub));
-  }
-
- private:
-  // By name and by address.
-  static std::set<std::string> Forms(const char* host, int port, const ACE_INET_Addr& resolved) {
-    std::set<std::string> forms{Place(host, port)};
-    std::array<char, INET6_ADDRSTRLEN> number{};
-    if (resolved.get_host_addr(number.data(), number.size()) != nullptr) {
-      forms.insert(Place(number.data(), port));
-    }
-    return forms;
-  }
-
-  std::mutex m_mutex;
-  std::set<std::string> m_places;
-  std::set<std::string> m_keys;
+// The addresses of the naming services without TLS. Only these may be called unencrypted. They may
+// forward to another reference of their own, but not to another address.
+struct NamingPlace {
+  std::string host;
+  ACE_INET_Addr address;
+  std::string key;
 };
+auto& namingLock = *new std::mutex;
+auto& namingPlaces = *new std::vector<NamingPlace>;
+
+// Whether a naming service is at that address, by name or number; and whether the object is one.
+std::pair<bool, bool> FindNaming(const TAO_IIOP_Endpoint& address, TAO_Stub& object) {
+  const std::lock_guard lock(namingLock);
+  const auto isAt = [&](const NamingPlace& place) {
+    return place.address == address.object_addr() ||
+           (place.host == address.host() && place.address.get_port_number() == address.port());
+  };
+  return {std::ranges::any_of(namingPlaces, isAt),
+          std::ranges::count(namingPlaces, KeyOf(object), &NamingPlace::key) > 0};
+}
 
 // SSLIOP's connector. Only a naming service is connected to without TLS.
 class Connector : public CheckedConnector {
  public:
-  Connector(std::unique_ptr<TAO_Connector> connector, const OrbSettings& settings)
-      : CheckedConnector(std::move(connector), settings),
-        m_encryptLookups(settings.tls.encryptLookups) {}
+  using CheckedConnector::CheckedConnector;
 
  protected:
   TAO_Transport* Connect(TAO_Connector& connector, TAO::Profile_Transport_Resolver* resolver,
@@ -137,26 +91,20 @@ class Connector : public CheckedConnector {
     TAO_IIOP_Endpoint& address = *endpoint->iiop_endpoint();
     if (endpoint->ssl_component().port != 0) {
       NoteUnencrypted({});
-      const HostNoted noted(address.host());
+      hostBeingConnected = address.host();
       return connector.connect(resolver, descriptor, timeout);
     }
-    const std::string place = Place(address.host(), address.port());
-    RefuseUnencrypted(address, place);
-    NoteUnencrypted(place, NamingPlaces::Instance().IsOwnObject(*resolver->stub()));
+    const std::string place = address.host() + (":" + std::to_string(address.port()));
+    const auto [isNaming, isOwnObject] = FindNaming(address, *resolver->stub());
+    if (!isNaming || m_settings.tls.encryptLookups) {
+      isNaming ? ReportLookUpNoTls(place) : ReportNoTls(place);
+      throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
+    }
+    NoteUnencrypted(place, isOwnObject);
     // SSLIOP's own function does the same, where a policy of the reference allows it.
     TAO_Base_Transport_Property unencrypted(&address);
     return connector.TAO_Connector::connect(resolver, &unencrypted, timeout);
   }
-
- private:
-  void RefuseUnencrypted(const TAO_IIOP_Endpoint& address, const std::string& place) const {
-    const bool isNaming = NamingPlaces::Instance().IsAt(address);
-    if (isNaming && !m_encryptLookups) return;
-    isNaming ? ReportLookUpNoTls(place) : ReportNoTls(place);
-    throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
-  }
-
-  const bool m_encryptLookups;
 };
 
 // What the callback looks at; written before the ORB starts, read by its threads after that.
@@ -194,9 +142,9 @@ long BeforeRead(BIO* bio, int operation, const char*, std::size_t, int, long, in
 void FollowConnection(const SSL* connection, int where, int result) {
   if (where == SSL_CB_HANDSHAKE_START && SSL_is_server(connection) == 0) {
     BIO_set_callback_ex(SSL_get_rbio(connection), BeforeRead);
-    if (hostBeingConnected != nullptr && !IsAddress(hostBeingConnected)) {
+    if (!hostBeingConnected.empty() && !IsAddress(hostBeingConnected)) {
       // Only the callback's type is const.
-      SSL_set_tlsext_host_name(const_cast<SSL*>(connection), hostBeingConnected);
+      SSL_set_tlsext_host_name(const_cast<SSL*>(connection), hostBeingConnected.c_str());
     }
   }
   FollowHandshake(connection, where, result);
@@ -225,14 +173,21 @@ void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services) {
 
 void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
   if (!settings.tls.IsOn()) return;
-  NamingPlaces::Instance().Forget();
+  std::vector<NamingPlace> places;
   try {
     for (const std::string& reference : NamingReferences(settings)) {
       const CORBA::Object_var naming = orb->string_to_object(reference.c_str());
-      NamingPlaces::Instance().Add(naming.in());
+      const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(naming.in());
+      if (std::ranges::any_of(endpoints, &ReferenceEndpoint::tls)) continue;
+      for (const auto& [host, port, tls, profile] : endpoints) {
+        places.push_back({host, ACE_INET_Addr(static_cast<u_short>(port), host.c_str()),
+                          KeyOf(*naming->_stubobj())});
+      }
     }
   } catch (const CORBA::Exception&) {  // Its first use reports it.
   }
+  const std::lock_guard lock(namingLock);
+  namingPlaces = std::move(places);
 }
 
 int PeekTls(TAO_Transport& transport, void* bytes, int size) {
