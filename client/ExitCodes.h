@@ -46,9 +46,10 @@ struct Failure : std::runtime_error {
 // For the help text.
 inline constexpr std::string_view kExitCodeHelp =
     "Exit codes: 0 success, 1 refused or failed, 2 usage, 3 a code of the server's own,\n"
-    "4 no credentials, 5 value not available, 6 session lost, 7 denied, 8 no callback,\n"
-    "43 not authorized, 48 password expired, 49 account locked, 51 password refused by the\n"
-    "policy, 54 no server, 55 ORB not up (naming service or its configuration).\n";
+    "4 no credentials, 5 value not available, 6 session lost or logout not confirmed,\n"
+    "7 denied, 8 no callback, 43 not authorized, 48 password expired, 49 account locked,\n"
+    "51 password refused by the policy, 54 no server, 55 ORB not up (naming service or its\n"
+    "configuration).\n";
 
 }  // namespace vqclient
 
