@@ -18,12 +18,6 @@ constexpr std::string_view kSslPort = "ssl_port=";
 constexpr std::string_view kHostInIOR = "hostname_in_ior=";
 constexpr std::string_view kReuseAddr = "reuse_addr=";
 
-// std::string::substr with the exception text that callers know.
-std::string Piece(const std::string& text, std::size_t from, std::size_t count) {
-  if (from > text.size()) throw std::out_of_range("invalid string position");
-  return text.substr(from, count);
-}
-
 }  // namespace
 
 ORBEndpoint::ORBEndpoint(const std::string& text) {
@@ -38,15 +32,15 @@ bool ORBEndpoint::fromString(const std::string& text) {
   const TDiagFunc diag(diagModule, "ORBEndpoint::fromString");
   if (text.empty()) return true;
 
-  // Intentional: the first seven characters are removed whatever they are.
+  if (text.size() < kProtocol.size()) throw std::out_of_range("invalid string position");
   const std::size_t semicolon = text.find(';');
-  std::string body = Piece(text, kProtocol.size(), semicolon);
+  // Intentional: the first seven characters are removed whatever they are, and the position of the
+  // ";" is that in the whole text. So the body includes the ";" and up to six characters after it,
+  // and nothing is left for the extra part. Endpoints in use depend on the result.
+  std::string body = text.substr(kProtocol.size(), semicolon);
   if (semicolon != std::string::npos) {
-    // Intentional: both positions are those of the whole text, so the body includes the ";" and up
-    // to six characters after it, and the extra part is empty or raises. Endpoints in use depend on
-    // the result.
-    m_extra = Piece(body, semicolon, std::string::npos);
-    VQ_LOG(diag, 4) << "Ignoring extra unidentified Endpoint information: " << m_extra;
+    if (body.size() < semicolon) throw std::out_of_range("invalid string position");
+    VQ_LOG(diag, 4) << "Ignoring extra unidentified Endpoint information: ";
   }
 
   std::string options;
@@ -122,13 +116,12 @@ std::string ORBEndpoint::toString() const {
   option(m_portOptions.portSpan != 0, kPortSpan, std::to_string(m_portOptions.portSpan));
   option(!m_hostInIOR.empty(), kHostInIOR, m_hostInIOR);
   option(m_reuseAddr == 0, kReuseAddr, "0");
-  if (!m_extra.empty()) text += ';' + m_extra;
   return text;
 }
 
 bool ORBEndpoint::isDefault() const {
   return m_reuseAddr != 0 && m_portOptions.port == 0 && m_portOptions.sslPort == 0 &&
-         m_hostname.empty() && m_hostInIOR.empty() && m_extra.empty();
+         m_hostname.empty() && m_hostInIOR.empty();
 }
 
 void ORBEndpoint::setHostInIOR(const std::string& host, bool clearHostname) {

@@ -73,7 +73,7 @@ class VQ_CLIENT_COMMON_API ORBEndpoint {
   std::int32_t m_reuseAddr = 0;
   std::string m_hostname;
   std::string m_hostInIOR;
-  std::string m_extra;
+  std::string m_extra;  // reserved: always empty
   PortOptions m_portOptions;
 };
 
