@@ -15,7 +15,6 @@
 #include <support/configuration/SafeFile.h>
 #include <support/configuration/Xml.h>
 #include <support/diagnostics/TDiag.h>
-#include <support/foundations/Environment.h>
 #include <support/foundations/Locations.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <support/os_toolkit/Atoi.h>
@@ -33,14 +32,6 @@ constexpr char kHelpPage[] = "\\Help\\Main_Help\\en-US\\index.htm";
 
 std::string PropertiesPath() {
   return GetVQDataLocation() + "CommonClientConf.xml";
-}
-
-// The names of the system's language: "de_DE" and "de" for the locale "de_DE.UTF-8".
-std::array<std::string, 2> SystemLanguageNames() {
-  const std::string locale =
-      vq::GetEnvOr("LC_ALL", vq::GetEnvOr("LC_MESSAGES", vq::GetEnvOr("LANG", "")));
-  return {locale.substr(0, locale.find_first_of(".@")),
-          locale.substr(0, locale.find_first_of("_.@"))};
 }
 
 // Larger files are refused, since parsing takes many times their size in memory.
@@ -259,24 +250,15 @@ bool ClientProperties::SaveProperties() {
   return true;
 }
 
-std::string ClientProperties::HelpFileBuilder(std::string& language) {
+std::string ClientProperties::HelpFileBuilder(std::string& /*language*/) {
   const TDiagFunc diag(diagModule, "ClientProperties::HelpFileBuilder");
-  std::string path = kHelpPage;
-  // Intentional: the path has no ".chm", so the language changes nothing. Installations have only
-  // the English page.
-  vq::ReplaceFirst(path, ".chm", "_" + language + ".chm");
-  return path;
+  // Intentional: the language changes nothing; installations have only the English page.
+  return kHelpPage;
 }
 
 std::string ClientProperties::getHelpFile() {
   const TDiagFunc diag(diagModule, "ClientProperties::getHelpFile");
-  const std::string root = GetVQRootLocation();
-  if (GetIntValue("LocalHelpFile", 1) != 0) {
-    for (std::string& language : SystemLanguageNames()) {
-      if (language.empty() || language.size() > 9) continue;  // no name of a language
-      const std::string path = root + HelpFileBuilder(language);
-      if (os_file_system::exists(path)) return path;
-    }
-  }
-  return root + kHelpPage;
+  // Intentional: the value changes nothing either; it is read for the log.
+  GetIntValue("LocalHelpFile", 1);
+  return GetVQRootLocation() + kHelpPage;
 }

@@ -73,8 +73,8 @@ class VQ_CLIENT_COMMON_API ClientProperties {
   // Loads the table from the file again; the table is empty after a failure.
   void Reload();
 
-  // The path of the help page. With "LocalHelpFile" other than 0 the page for the system's language
-  // is used if it exists; today all languages have the same page.
+  // The path of the help page. All languages have the same page, so neither "LocalHelpFile", which
+  // is read and logged, nor the system's language changes it.
   std::string getHelpFile();
 
   // The path of a language's help page below the root (GetVQRootLocation). `language` is unchanged.
