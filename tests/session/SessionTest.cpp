@@ -86,6 +86,25 @@ TEST_F(SessionTest, AlwaysEnds) {
   EXPECT_LT(Clock::now() - start, 4s) << "a logout without an answer ends by the call's time-out";
 }
 
+// The server closes the connection in place of each reply, so that a call opens the next one.
+TEST_F(SessionTest, EndsWhileAnotherThreadConnects) {
+  StartServer().SetFaults({{{"operation", "CRB_ClientKeepAlive"}, {"action", "drop"}}});
+  m_orbArguments.insert(m_orbArguments.end(), {"-BiDirPolicy", "1"});
+  for (int round = 0; round < 15; ++round) {
+    std::optional<Session> session(std::in_place, Options());
+    const auto users = session->Servant<QCSCorbaUsersManager>("UsersManager");
+    const std::jthread caller([&users](const std::stop_token& stop) {
+      while (!stop.stop_requested()) {
+        EXPECT_THROW(users->CRB_ClientKeepAlive("nobody"), CORBA::SystemException);
+      }
+    });
+    std::this_thread::sleep_for(50ms);
+    const auto start = Clock::now();
+    session.reset();
+    EXPECT_LT(Clock::now() - start, 800ms);
+  }
+}
+
 TEST_F(SessionTest, KeepsItselfAlive) {
   Server* server = &StartServer();
   std::atomic<int> losses = 0;

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <mutex>
+#include <shared_mutex>
 #include <type_traits>
 #include <utility>
 
@@ -60,6 +62,15 @@ struct Limits {
   std::chrono::milliseconds keepAlive{0};
   std::chrono::milliseconds unacknowledged{0};
 } limits;
+
+// Whether the ORB ends, and what is held while a connection that takes calls opens. omniORB waits
+// for such a connection, and would let it wait, until its time for the end is over.
+std::atomic<bool> ending = false;
+std::shared_mutex opens;
+
+void RefuseAtEnd() {
+  if (ending) throw CORBA::BAD_INV_ORDER(omni::BAD_INV_ORDER_ORBHasShutdown, CORBA::COMPLETED_NO);
+}
 
 // The call under way on a thread. A repetition by omniORB has the same descriptor and deadline.
 struct Call {
@@ -136,13 +147,17 @@ bool WasClosedInOrder(const giopStrand& strand) {
          (!IsTls(strand) && BeginsWithClose(connection.Socket(), false));
 }
 
+bool IsForward(GIOP_C& attempt) {
+  return attempt.replyStatus() == GIOP::LOCATION_FORWARD ||
+         attempt.replyStatus() == GIOP::LOCATION_FORWARD_PERM;
+}
+
 // What a finished or failed attempt means for the next one.
 void NoteEnd(GIOP_C& attempt) {
   const giopStrand& strand = attempt.strand();
   switch (attempt.state()) {
     case omni::IOP_C::Idle:  // A reply has come.
-      if (attempt.replyStatus() != GIOP::LOCATION_FORWARD &&
-          attempt.replyStatus() != GIOP::LOCATION_FORWARD_PERM) {
+      if (!IsForward(attempt)) {
         call.descriptor = nullptr;
       } else if (++call.forwards > kMostForwards) {
         call.refusal = omni::TRANSIENT_FailedOnForwarded;
@@ -170,8 +185,10 @@ CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T&
   return true;
 }
 
-// A server may ask once for the same request with another form of address.
-CORBA::Boolean RefuseOtherForm(omniInterceptors::clientReceiveReply_T::info_T& info) {
+// A server may ask once for the same request with another form of address. An ORB that ends would
+// wait for a reference that is forwarded meanwhile for ever.
+CORBA::Boolean RefuseOtherPlace(omniInterceptors::clientReceiveReply_T::info_T& info) {
+  if (IsForward(info.giop_c)) RefuseAtEnd();
   if (info.giop_c.replyStatus() != GIOP::NEEDS_ADDRESSING_MODE) return true;
   if (std::exchange(call.otherForm, true)) {
     Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
@@ -304,9 +321,13 @@ class CheckedRope : public Base {
   GIOP_C& Connected(const omniIOR* ior, const CORBA::Octet* key, CORBA::ULong keySize,
                     omniCallDescriptor& descriptor, std::size_t tried,
                     const omni_time_t& connectEnd) {
+    RefuseAtEnd();
     try {
+      std::shared_lock<std::shared_mutex> open;
       std::unique_lock<std::timed_mutex> opening;
       if constexpr (kTakesCalls) {
+        open = std::shared_lock(opens);
+        RefuseAtEnd();
         opening = LockOpening();
         EndDyingSoon();
         descriptor.setDeadline(Share(tried, connectEnd));
@@ -452,14 +473,20 @@ CORBA::Boolean RetryClosed(void* /*cookie*/, CORBA::ULong /*retries*/,
 }  // namespace
 
 void OmniOrbCalls::Install(const OrbSettings& settings) {
+  ending = false;
   limits = {settings.connectTimeout, settings.tcpKeepAlive, settings.tcpUserTimeout};
   omniORB::installTransientExceptionHandler(nullptr, RetryUnsent);
   omniORB::installCommFailureExceptionHandler(nullptr, RetryClosed);
   omniInterceptors& interceptors = *omniORB::getInterceptors();
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);
-  interceptors.clientReceiveReply.add(RefuseOtherForm);
+  interceptors.clientReceiveReply.add(RefuseOtherPlace);
   GuardMessages();
+}
+
+void OmniOrbCalls::End() {
+  ending = true;
+  const std::unique_lock last(opens);
 }
 
 }  // namespace vq::orb

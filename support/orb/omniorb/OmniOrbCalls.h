@@ -23,6 +23,10 @@ class OmniOrbCalls {
  public:
   // After each ORB_init, before the first reference is made, by the thread that starts the ORB.
   static void Install(const OrbSettings& settings);
+
+  // Before the ORB ends: from then on calls raise BAD_INV_ORDER. Waits for connections that are
+  // being opened, for one time-out at most.
+  static void End();
 };
 
 }  // namespace vq::orb

@@ -22,6 +22,7 @@
 #include <omniORB4/omniURI.h>
 
 #include <support/diagnostics/TDiag.h>
+#include <support/orb/omniorb/OmniOrbCalls.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
@@ -114,6 +115,7 @@ class OmniOrbInstance : public OrbInstance {
     if (m_stopped) return;
     m_stopped = true;
     OmniOrbTransport& transport = OmniOrbTransport::Instance();
+    if (!transport.HasOtherUsers(this)) OmniOrbCalls::End();
     const bool listens = !CORBA::is_nil(m_poa.in());
     if (listens) DestroyPoa(wait);
     m_poa = PortableServer::POA::_nil();
