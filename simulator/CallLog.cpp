@@ -6,7 +6,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <fmt/chrono.h>
 
@@ -37,13 +36,7 @@ std::uint64_t CallLog::Write(const nlohmann::ordered_json& line) {
   whole.update(line);
   // Texts off the wire need not be UTF-8.
   using Handler = nlohmann::ordered_json::error_handler_t;
-  const std::string text = whole.dump(-1, ' ', false, Handler::replace) + "\n";
-  for (std::size_t done = 0; done < text.size();) {
-    const ssize_t written = write(m_file.Get(), text.data() + done, text.size() - done);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) break;
-    done += static_cast<std::size_t>(written);
-  }
+  WriteAll(m_file.Get(), whole.dump(-1, ' ', false, Handler::replace) + "\n");
   return m_lines;
 }
 

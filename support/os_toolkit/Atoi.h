@@ -1,4 +1,5 @@
-// Reads a whole number from the start of a string, like the C library's atoi.
+// Reads whole numbers from strings: from the start of one, like the C library's atoi, or one that
+// is nothing else.
 //
 // atoi is undefined for a number that does not fit an int. vq::Atoi gives the same result for every
 // number that fits, the nearest int for the rest, and takes a view, so that a part of a string
@@ -8,31 +9,40 @@
 //   vq::Atoi(" -5 days")    -5
 //   vq::Atoi("none")        0
 //   vq::Atoi("9999999999")  2147483647
+//
+//   vq::WholeNumber<int>("730")      730
+//   vq::WholeNumber<int>("730 x")    nothing
 #ifndef VQ_SUPPORT_OS_TOOLKIT_ATOI_H
 #define VQ_SUPPORT_OS_TOOLKIT_ATOI_H
 
-#include <cstddef>
-#include <cstdint>
+#include <algorithm>
+#include <charconv>
 #include <limits>
+#include <optional>
 #include <string_view>
+#include <system_error>
 
 namespace vq {
 
 // Skips white space (blank, \t, \n, \v, \f, \r, whatever the locale), takes one optional sign, then
 // the digits up to the first other character. 0 when there is no digit.
-constexpr int Atoi(std::string_view text) noexcept {
-  constexpr std::int64_t kMin = std::numeric_limits<int>::min();
-  constexpr std::int64_t kMax = std::numeric_limits<int>::max();
-  std::size_t i = text.find_first_not_of(" \t\n\v\f\r");
-  if (i == std::string_view::npos) return 0;
-  const bool negative = text[i] == '-';
-  if (negative || text[i] == '+') ++i;
-  std::int64_t value = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9' && value <= kMax; ++i) {
-    value = value * 10 + (text[i] - '0');
-  }
-  if (negative) return static_cast<int>(-value < kMin ? kMin : -value);
-  return static_cast<int>(value > kMax ? kMax : value);
+inline int Atoi(std::string_view text) noexcept {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  int value = 0;
+  const std::errc error = std::from_chars(text.data(), text.data() + text.size(), value).ec;
+  if (error != std::errc::result_out_of_range) return value;
+  return text.front() == '-' ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+}
+
+// The number that the whole string is: digits of the base, for a signed type after an optional "-".
+// Nothing for any other string, or when the number does not fit.
+template <class Integer>
+std::optional<Integer> WholeNumber(std::string_view text, int base = 10) noexcept {
+  Integer value = 0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, value, base);
+  return error == std::errc() && rest == end ? std::optional(value) : std::nullopt;
 }
 
 }  // namespace vq

@@ -1,4 +1,4 @@
-// What the suite asks of the file system, and an open file that closes itself.
+// What the suite asks of the file system, an open file that closes itself, and writing to it.
 //
 //   if (!os_file_system::exists(path)) ...
 //   const vq::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -6,8 +6,10 @@
 #ifndef VQ_SUPPORT_OS_TOOLKIT_OS_FILE_SYSTEM_H
 #define VQ_SUPPORT_OS_TOOLKIT_OS_FILE_SYSTEM_H
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -47,6 +49,17 @@ class Descriptor {
  private:
   int m_number;
 };
+
+// Writes all of the text to the file of that number. False when that fails; errno has the reason.
+inline bool WriteAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(file, text.data(), text.size());
+    if (written == -1 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
 
 }  // namespace vq
 

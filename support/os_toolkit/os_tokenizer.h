@@ -4,9 +4,13 @@
 //   const os_tokenizer tokens("E_GAS \t 8.0.00", " \t");
 //   tokens.size();   // 2
 //   tokens[1];       // "8.0.00"
+//
+//   std::string_view text = "a=b=c";
+//   vq::Cut(text, '=');   // "a", and the text is "b=c"
 #ifndef VQ_SUPPORT_OS_TOOLKIT_OS_TOKENIZER_H
 #define VQ_SUPPORT_OS_TOOLKIT_OS_TOKENIZER_H
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -33,5 +37,17 @@ class os_tokenizer {
  private:
   std::vector<std::string> m_tokens;
 };
+
+namespace vq {
+
+// Takes what is before the first separator off the text, with the separator; all of a text without
+// one.
+inline std::string_view Cut(std::string_view& text, char separator) {
+  const std::string_view taken = text.substr(0, text.find(separator));
+  text.remove_prefix(std::min(taken.size() + 1, text.size()));
+  return taken;
+}
+
+}  // namespace vq
 
 #endif  // VQ_SUPPORT_OS_TOOLKIT_OS_TOKENIZER_H
