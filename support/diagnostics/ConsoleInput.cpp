@@ -1,12 +1,12 @@
 #include <support/diagnostics/ConsoleInput.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <string_view>
@@ -14,7 +14,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <termios.h>
 #include <unistd.h>
@@ -45,41 +44,37 @@ constexpr std::array kCaughtSignals = {
     CaughtSignal{SIGUSR2, After::kAskAgain},
 };
 
-// Switches a terminal's echo off, and back on whatever happens. At most one exists at a time.
+// Switches the terminal's echo off, and back on whatever happens. At most one exists at a time.
 //
 // Signals that would end or stop the process are held back while the echo is off: this thread
 // blocks them except while it waits, so that none can arrive between a check and the wait. A
-// handler that runs on another thread passes its signal on to this one. Restore puts the terminal
+// handler that runs on another thread passes its signal on to this one. The end puts the terminal
 // and the application's handlers back first and only then raises what was held back.
 class SilentTerminal {
  public:
-  explicit SilentTerminal(int terminal);
-  ~SilentTerminal() { Restore(); }
+  // `after` is set at the end.
+  explicit SilentTerminal(After& after);
+  ~SilentTerminal();
   SilentTerminal(const SilentTerminal&) = delete;
   SilentTerminal& operator=(const SilentTerminal&) = delete;
 
   bool IsSilent() const { return m_isSilent; }
-
-  // Returns true when there is something to read, the end of input and a failure included; false
-  // when a signal was held back.
-  bool WaitForInput() const;
-
-  // Undoes everything; a second call does nothing.
-  After Restore();
+  // Of this thread, for a wait that a signal ends.
+  const sigset_t& WaitMask() const { return m_waitMask; }
 
  private:
   void CatchSignals();
   bool SwitchEchoOff();
+  After RaiseSignals() const;
 
-  int m_terminal;
+  After& m_after;
   bool m_isSilent = false;
-  bool m_isActive = true;
   bool m_hasAttributes = false;
   termios m_attributes{};  // as found
   sigset_t m_mask{};       // of this thread, as found
   sigset_t m_waitMask{};   // while it waits
+  sigset_t m_caught{};
   std::array<struct sigaction, kCaughtSignals.size()> m_actions{};
-  std::array<bool, kCaughtSignals.size()> m_isCaught{};
 };
 
 // What the handler sees. It uses lock-free atomics and system calls only.
@@ -104,7 +99,7 @@ extern "C" void HoldBack(int signal) {
   errno = error;
 }
 
-SilentTerminal::SilentTerminal(int terminal) : m_terminal(terminal) {
+SilentTerminal::SilentTerminal(After& after) : m_after(after) {
   promptProcess = getpid();
   promptThread = gettid();
   heldBack = 0;
@@ -113,68 +108,57 @@ SilentTerminal::SilentTerminal(int terminal) : m_terminal(terminal) {
 }
 
 void SilentTerminal::CatchSignals() {
-  sigset_t caught;
-  sigemptyset(&caught);
+  sigemptyset(&m_caught);
   for (std::size_t i = 0; i < kCaughtSignals.size(); ++i) {
-    const int number = kCaughtSignals[i].number;
-    sigaction(number, nullptr, &m_actions[i]);
-    m_isCaught[i] = m_actions[i].sa_handler != SIG_IGN;
-    if (m_isCaught[i]) sigaddset(&caught, number);
+    sigaction(kCaughtSignals[i].number, nullptr, &m_actions[i]);
+    if (m_actions[i].sa_handler != SIG_IGN) sigaddset(&m_caught, kCaughtSignals[i].number);
   }
-  pthread_sigmask(SIG_BLOCK, &caught, &m_mask);
+  pthread_sigmask(SIG_BLOCK, &m_caught, &m_mask);
 
   struct sigaction action {};
   action.sa_handler = HoldBack;
-  action.sa_mask = caught;
+  action.sa_mask = m_caught;
   action.sa_flags = SA_RESTART | SA_ONSTACK;
   m_waitMask = m_mask;
-  for (std::size_t i = 0; i < kCaughtSignals.size(); ++i) {
-    if (!m_isCaught[i]) continue;
-    sigaction(kCaughtSignals[i].number, &action, nullptr);
-    sigdelset(&m_waitMask, kCaughtSignals[i].number);
+  for (const CaughtSignal& caught : kCaughtSignals) {
+    if (sigismember(&m_caught, caught.number) == 0) continue;
+    sigaction(caught.number, &action, nullptr);
+    sigdelset(&m_waitMask, caught.number);
   }
 }
 
 bool SilentTerminal::SwitchEchoOff() {
-  m_hasAttributes = tcgetattr(m_terminal, &m_attributes) == 0;
+  m_hasAttributes = tcgetattr(STDIN_FILENO, &m_attributes) == 0;
   if (!m_hasAttributes) return false;
   termios silent = m_attributes;
   silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHOE | ECHOK | ECHONL);
-  while (tcsetattr(m_terminal, TCSAFLUSH, &silent) != 0) {
+  while (tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent) != 0) {
     if (errno != EINTR) return false;
   }
   // tcsetattr succeeds when it could make any one of the changes.
   termios now{};
-  return tcgetattr(m_terminal, &now) == 0 && (now.c_lflag & (ECHO | ECHONL)) == 0;
+  return tcgetattr(STDIN_FILENO, &now) == 0 && (now.c_lflag & (ECHO | ECHONL)) == 0;
 }
 
-bool SilentTerminal::WaitForInput() const {
-  pollfd input{m_terminal, POLLIN, 0};
-  while (ppoll(&input, 1, nullptr, &m_waitMask) < 0) {
-    if (errno != EINTR) return true;  // reading reports the failure
-    if (heldBack.load() != 0) return false;
-  }
-  return true;
-}
-
-After SilentTerminal::Restore() {
-  if (!m_isActive) return After::kContinue;
-  m_isActive = false;
-
+SilentTerminal::~SilentTerminal() {
   // A process that is in the background by now may still put the terminal back.
   sigset_t background;
   sigemptyset(&background);
   sigaddset(&background, SIGTTOU);
   pthread_sigmask(SIG_BLOCK, &background, nullptr);
   if (m_hasAttributes) {
-    while (tcsetattr(m_terminal, TCSAFLUSH, &m_attributes) != 0 && errno == EINTR) {
+    while (tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_attributes) != 0 && errno == EINTR) {
     }
   }
   for (std::size_t i = 0; i < kCaughtSignals.size(); ++i) {
-    if (m_isCaught[i]) sigaction(kCaughtSignals[i].number, &m_actions[i], nullptr);
+    const int number = kCaughtSignals[i].number;
+    if (sigismember(&m_caught, number) == 1) sigaction(number, &m_actions[i], nullptr);
   }
   pthread_sigmask(SIG_SETMASK, &m_mask, nullptr);
+  m_after = RaiseSignals();
+}
 
+After SilentTerminal::RaiseSignals() const {
   After after = After::kContinue;
   const std::uint64_t signals = heldBack.exchange(0);
   for (const CaughtSignal& caught : kCaughtSignals) {
@@ -192,64 +176,61 @@ After SilentTerminal::Restore() {
 
 enum class Answer { kGiven, kNone, kInterrupted };
 
-std::mutex& ConsoleMutex() {
-  static std::mutex mutex;
-  return mutex;
-}
+std::mutex consoleMutex;
 
-bool IsSameFile(const struct stat& one, const struct stat& other) {
-  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
+constexpr const char* kStandardInput = "/proc/self/fd/0";
 
-// Whether the process itself holds the other end of the pipe.
-bool IsOwnPipe(const struct stat& input) {
-  if (!S_ISFIFO(input.st_mode)) return false;
+// The file of a descriptor, such as "pipe:[4711]"; empty when there is none.
+std::string FileOf(const std::filesystem::path& descriptor) {
   std::error_code failure;
-  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd", failure)) {
-    const int file = std::atoi(entry.path().filename().c_str());
-    struct stat status {};
-    if (file != STDIN_FILENO && fstat(file, &status) == 0 && IsSameFile(input, status)) return true;
-  }
-  return false;
+  return std::filesystem::read_symlink(descriptor, failure).string();
 }
 
 // The pipe that took descriptor 0 before this library was loaded, in a process that was started
-// with it closed: an ORB product opens one when it is loaded. Nothing is ever written to it.
-const struct TakenDescriptor {
-  TakenDescriptor() : taken(fstat(STDIN_FILENO, &pipe) == 0 && IsOwnPipe(pipe)) {}
-  struct stat pipe {};
-  bool taken;
-} atLoading;
+// with it closed: an ORB product opens one when it is loaded, so the process has both ends. Nothing
+// is ever written to it. Empty without one; never destroyed.
+const std::string& takenPipe = *new std::string([] {
+  const std::string input = FileOf(kStandardInput);
+  if (!input.starts_with("pipe:")) return std::string();
+  std::error_code failure;
+  const std::filesystem::directory_iterator descriptors("/proc/self/fd", failure);
+  const auto ends =
+      std::ranges::count(descriptors, input, [](const auto& entry) { return FileOf(entry); });
+  return ends > 1 ? input : "";
+}());
 
 // With 0 closed, the next file that the process opens would be taken for standard input.
 bool IsStandardInputOpen() {
-  struct stat now {};
-  return fstat(STDIN_FILENO, &now) == 0 && !(atLoading.taken && IsSameFile(now, atLoading.pipe));
+  const bool isTaken = !takenPipe.empty() && FileOf(kStandardInput) == takenPipe;
+  return fcntl(STDIN_FILENO, F_GETFD) != -1 && !isTaken;
 }
 
 void Show(std::string_view text) {
   const vq::Descriptor terminal(open("/dev/tty", O_WRONLY | O_NOCTTY | O_CLOEXEC));
   const int out = terminal.IsOpen() ? terminal.Get() : STDERR_FILENO;
-  while (!text.empty()) {
-    const ssize_t count = write(out, text.data(), text.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) break;  // the question can be answered unseen
-    text.remove_prefix(static_cast<std::size_t>(count));
-  }
+  vq::WriteAll(out, text);  // A question that cannot be shown can be answered unseen.
 }
 
-// Appends one line of standard input to `line`, which has room for the longest.
-Answer ReadLine(std::string& line, const SilentTerminal* silent) {
-  for (;;) {
-    if (silent != nullptr && !silent->WaitForInput()) return Answer::kInterrupted;
+// Waits for something to read, the end of input and a failure included. False when a signal was
+// held back.
+bool WaitForInput(const sigset_t* mask) {
+  pollfd input{STDIN_FILENO, POLLIN, 0};
+  while (ppoll(&input, 1, nullptr, mask) < 0 && errno == EINTR) {
+    if (heldBack.load() != 0) return false;
+  }
+  return true;
+}
+
+// Appends one line of standard input to `line`, which has room for the longest. `mask` is that of
+// the thread while it waits; null for its usual one.
+Answer ReadLine(std::string& line, const sigset_t* mask = nullptr) {
+  for (bool waits = mask != nullptr;;) {
+    if (waits && !WaitForInput(mask)) return Answer::kInterrupted;
     char c = 0;
     const ssize_t count = read(STDIN_FILENO, &c, 1);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0 && errno == EAGAIN) {  // shared with a program that made it non-blocking
-      pollfd input{STDIN_FILENO, POLLIN, 0};
-      if (silent == nullptr) poll(&input, 1, -1);
-      continue;
-    }
+    // A program that shares standard input may have made it non-blocking.
+    if (count < 0 && errno == EAGAIN) waits = true;
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
     if (count < 0) return Answer::kNone;
     if (count == 0) return line.empty() ? Answer::kNone : Answer::kGiven;
     if (c == '\n') {
@@ -271,35 +252,35 @@ int Deliver(Answer answer, vq::SecretString& line, std::string& result) {
 }  // namespace
 
 int getUserFromStdin(std::string& user) {
-  const std::lock_guard lock(ConsoleMutex());
+  const std::lock_guard lock(consoleMutex);
   if (!IsStandardInputOpen()) return 0;
   const bool isTerminal = isatty(STDIN_FILENO) == 1;
   if (isTerminal) Show("User name: ");
   vq::SecretString line;
   line.Text().reserve(kLongestLine);
-  const Answer answer = ReadLine(line.Text(), nullptr);
+  const Answer answer = ReadLine(line.Text());
   if (isTerminal && answer == Answer::kNone) Show("\n");
   return Deliver(answer, line, user);
 }
 
 int getPasswdFromStdin(std::string& password) {
-  const std::lock_guard lock(ConsoleMutex());
+  const std::lock_guard lock(consoleMutex);
   if (!IsStandardInputOpen()) return 0;
   vq::SecretString line;
   line.Text().reserve(kLongestLine);
-  if (isatty(STDIN_FILENO) != 1) return Deliver(ReadLine(line.Text(), nullptr), line, password);
+  if (isatty(STDIN_FILENO) != 1) return Deliver(ReadLine(line.Text()), line, password);
 
   for (;;) {
-    SilentTerminal silent(STDIN_FILENO);
+    After after = After::kContinue;
     Answer answer = Answer::kNone;
-    if (silent.IsSilent()) {
+    if (const SilentTerminal silent(after); silent.IsSilent()) {
       Show("Password: ");
-      answer = ReadLine(line.Text(), &silent);
+      answer = ReadLine(line.Text(), &silent.WaitMask());
       Show("\n");  // the user's own line end was not shown
     }
-    const auto after = silent.Restore();
-    const bool asksAgain = after == After::kAskAgain;
-    if (answer != Answer::kInterrupted || !asksAgain) return Deliver(answer, line, password);
+    if (answer != Answer::kInterrupted || after != After::kAskAgain) {
+      return Deliver(answer, line, password);
+    }
     vq::Wipe(line.Text());  // keeps its room
   }
 }

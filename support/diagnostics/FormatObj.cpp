@@ -1,5 +1,6 @@
 #include <support/diagnostics/FormatObj.h>
 
+#include <array>
 #include <new>
 
 #include <fmt/format.h>
@@ -40,16 +41,15 @@ FormatObj& FormatObj::operator<<(bool value) {
 }
 
 FormatObj& FormatObj::operator<<(double value) {
-  char digits[32];  // at most 24 are written
-  return *this << std::string_view(digits, fmt::format_to(digits, "{}", value));
+  std::array<char, 32> digits{};  // at most 24 are written
+  char* const end = fmt::format_to(digits.data(), "{}", value);
+  return *this << std::string_view(digits.data(), end);
 }
 
 FormatObj& FormatObj::AppendSigned(std::int64_t value) {
-  const fmt::format_int digits(value);
-  return *this << std::string_view(digits.data(), digits.size());
+  return *this << fmt::format_int(value).c_str();
 }
 
 FormatObj& FormatObj::AppendUnsigned(std::uint64_t value) {
-  const fmt::format_int digits(value);
-  return *this << std::string_view(digits.data(), digits.size());
+  return *this << fmt::format_int(value).c_str();
 }

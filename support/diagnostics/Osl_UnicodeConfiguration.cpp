@@ -2,29 +2,15 @@
 
 #include <atomic>
 #include <mutex>
-#include <string_view>
 
 namespace {
 
-struct ModeEncoding {
-  std::string_view mode;
-  std::string_view encoding;
-};
-constexpr ModeEncoding kEncodings[] = {
-    {"latin1", "ISO-8859-1"},  // also for every mode that is not listed
-    {"cjk", "UTF-8"},
-    {"utf8", "UTF-8"},
-};
+std::mutex mutex;
 
-struct Configuration {
-  std::mutex mutex;
-  Osl_UnicodeConfiguration::InitParameters parameters{std::string(kEncodings[0].mode), {}};
-};
-
-Configuration& TheConfiguration() {
+Osl_UnicodeConfiguration::InitParameters& Parameters() {
   // Never destroyed: strings are compared by destructors that run after any static object here.
-  static Configuration* const configuration = new Configuration;
-  return *configuration;
+  static auto& parameters = *new Osl_UnicodeConfiguration::InitParameters{"latin1", {}};
+  return parameters;
 }
 
 std::atomic<bool> isCJKMode{false};
@@ -32,15 +18,13 @@ std::atomic<bool> isCJKMode{false};
 }  // namespace
 
 void Osl_UnicodeConfiguration::Init(const InitParameters& parameters) {
-  Configuration& configuration = TheConfiguration();
-  const std::lock_guard lock(configuration.mutex);
-  configuration.parameters = parameters;
+  const std::lock_guard lock(mutex);
+  Parameters() = parameters;
 }
 
 Osl_UnicodeConfiguration::InitParameters Osl_UnicodeConfiguration::GetParameters() {
-  Configuration& configuration = TheConfiguration();
-  const std::lock_guard lock(configuration.mutex);
-  return configuration.parameters;
+  const std::lock_guard lock(mutex);
+  return Parameters();
 }
 
 void Osl_UnicodeConfiguration::SetCJKMode(bool isCJK) {
@@ -49,10 +33,7 @@ void Osl_UnicodeConfiguration::SetCJKMode(bool isCJK) {
 
 std::string Osl_UnicodeConfiguration::GetCurrentEncoding() {
   const std::string mode = GetParameters().mode;
-  for (const ModeEncoding& entry : kEncodings) {
-    if (entry.mode == mode) return std::string(entry.encoding);
-  }
-  return std::string(kEncodings[0].encoding);
+  return mode == "cjk" || mode == "utf8" ? "UTF-8" : "ISO-8859-1";
 }
 
 bool i18n_aux::IsCJK_mode() {

@@ -14,6 +14,7 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/os_toolkit/os_file_system.h>
+#include <support/os_toolkit/os_tokenizer.h>
 #include <support/security/SecretString.h>
 
 namespace {
@@ -75,32 +76,22 @@ std::string ReadFile(const std::string& path, std::string& user, std::string& pa
 
 const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std::string& password) {
   if (text.find('\0') != std::string_view::npos) return "it holds a zero byte";
-  struct Entry {
-    std::string_view key;
-    std::string& place;
-    std::optional<std::string_view> value;
-  };
-  Entry entries[] = {{"user=", user, {}}, {"password=", password, {}}};
-
+  std::optional<std::string_view> newUser, newPassword;
   while (!text.empty()) {
-    const std::size_t end = text.find('\n');
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    std::string_view line = Cut(text, '\n');
     if (line.ends_with('\r')) line.remove_suffix(1);  // a line end of other systems
     if (line.starts_with('#') || line.find_first_not_of(" \t") == std::string_view::npos) continue;
 
-    Entry* match = nullptr;
-    for (Entry& entry : entries) {
-      if (line.starts_with(entry.key)) match = &entry;
-    }
-    if (match == nullptr) return "a line is neither user= nor password=";
-    if (match->value) return "a value is given twice";
-    match->value = line.substr(match->key.size());
+    const bool isUser = line.starts_with("user=");
+    if (!isUser && !line.starts_with("password=")) return "a line is neither user= nor password=";
+    std::optional<std::string_view>& value = isUser ? newUser : newPassword;
+    if (value) return "a value is given twice";
+    value = line.substr(line.find('=') + 1);
   }
-  for (const Entry& entry : entries) {
-    if (!entry.value) continue;
-    Wipe(entry.place);
-    entry.place = *entry.value;
+  if (newUser) user = *newUser;
+  if (newPassword) {
+    Wipe(password);
+    password = *newPassword;
   }
   return nullptr;
 }

@@ -1,13 +1,12 @@
 #include <support/diagnostics/TDiag.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstdlib>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include <fmt/format.h>
@@ -15,6 +14,9 @@
 #include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
+
+#include <support/os_toolkit/Atoi.h>
+#include <support/os_toolkit/os_tokenizer.h>
 
 namespace {
 
@@ -50,24 +52,25 @@ std::string Origin(const TDiagLine& line) {
   return fmt::format("[{}] {}", line.module, line.scope);
 }
 
-spdlog::level::level_enum SpdlogLevel(int level) {
-  if (level <= 1) return spdlog::level::err;
-  if (level <= 4) return spdlog::level::warn;
-  return level == 5 ? spdlog::level::info : spdlog::level::trace;
+TDiag::Callback TextSink(std::shared_ptr<spdlog::sinks::sink> sink) {
+  sink->set_formatter(std::make_unique<spdlog::pattern_formatter>("%Y-%m-%d %H:%M:%S.%e %P:%t %v"));
+  return [sink = std::move(sink)](const TDiagLine& line) {
+    const std::string text =
+        fmt::format("L{} {}: {}", line.level, Origin(line), Indented(line.text));
+    sink->log(spdlog::details::log_msg("", spdlog::level::info, text));
+    sink->flush();
+  };
 }
 
 }  // namespace
 
 struct TDiag::State {
-  using TextSink = std::shared_ptr<spdlog::sinks::sink>;
-  using Sink = std::variant<TextSink, Callback>;
-
   std::mutex mutex;
   int level = 1;
   std::atomic<std::uint32_t> classMask{kAllClasses};
   std::map<std::string, int, std::less<>> moduleLevels;
   std::vector<TDiagRegister*> modules;
-  std::map<SinkId, Sink> sinks;
+  std::map<SinkId, Callback> sinks;
   SinkId lastSink = 0;
   SinkId standardError = 0;  // its last number; 0: never added
 
@@ -82,17 +85,14 @@ struct TDiag::State {
     for (TDiagRegister* module : modules) module->m_level = EffectiveLevel(module->m_name);
   }
 
-  SinkId Add(Sink sink) {
+  void Change(const std::function<void(State&)>& change) {
     const std::lock_guard lock(mutex);
-    return Insert(std::move(sink));
+    change(*this);
+    Spread();
   }
 
   // Called with the mutex held.
-  SinkId Insert(Sink sink) {
-    if (auto* text = std::get_if<TextSink>(&sink)) {
-      (*text)->set_formatter(
-          std::make_unique<spdlog::pattern_formatter>("%Y-%m-%d %H:%M:%S.%e %P:%t %v"));
-    }
+  SinkId Add(Callback sink) {
     sinks.emplace(++lastSink, std::move(sink));
     Spread();
     return lastSink;
@@ -120,9 +120,7 @@ TDiag* TDiag::Instance() {
 }
 
 void TDiag::SetMinimumDebugLevel(int level) {
-  const std::lock_guard lock(m_state->mutex);
-  m_state->level = ClampLevel(level);
-  m_state->Spread();
+  m_state->Change([&](State& state) { state.level = ClampLevel(level); });
 }
 
 int TDiag::GetMinimumDebugLevel() const {
@@ -131,15 +129,13 @@ int TDiag::GetMinimumDebugLevel() const {
 }
 
 void TDiag::SetModuleLevel(std::string_view module, int level) {
-  const std::lock_guard lock(m_state->mutex);
-  m_state->moduleLevels.insert_or_assign(std::string(module), ClampLevel(level));
-  m_state->Spread();
+  m_state->Change([&](State& state) {
+    state.moduleLevels.insert_or_assign(std::string(module), ClampLevel(level));
+  });
 }
 
 void TDiag::ClearModuleLevels() {
-  const std::lock_guard lock(m_state->mutex);
-  m_state->moduleLevels.clear();
-  m_state->Spread();
+  m_state->Change([](State& state) { state.moduleLevels.clear(); });
 }
 
 void TDiag::SetClassMask(std::uint32_t mask) {
@@ -153,54 +149,43 @@ std::uint32_t TDiag::GetClassMask() const {
 TDiag::SinkId TDiag::AddStandardErrorSink() {
   const std::lock_guard lock(m_state->mutex);
   if (!m_state->sinks.contains(m_state->standardError)) {
-    m_state->standardError = m_state->Insert(std::make_shared<spdlog::sinks::stderr_sink_st>());
+    m_state->standardError =
+        m_state->Add(TextSink(std::make_shared<spdlog::sinks::stderr_sink_st>()));
   }
   return m_state->standardError;
 }
 
 TDiag::SinkId TDiag::AddFileSink(const std::string& path, std::size_t maxBytes,
                                  std::size_t olderFiles) {
+  const std::lock_guard lock(m_state->mutex);
   try {
-    return m_state->Add(
-        std::make_shared<spdlog::sinks::rotating_file_sink_st>(path, maxBytes, olderFiles));
+    using File = spdlog::sinks::rotating_file_sink_st;
+    return m_state->Add(TextSink(std::make_shared<File>(path, maxBytes, olderFiles)));
   } catch (const spdlog::spdlog_ex&) {
     return 0;
   }
 }
 
 TDiag::SinkId TDiag::AddCallbackSink(Callback callback) {
+  const std::lock_guard lock(m_state->mutex);
   return callback ? m_state->Add(std::move(callback)) : 0;
 }
 
 void TDiag::RemoveSink(SinkId id) {
-  const std::lock_guard lock(m_state->mutex);
-  m_state->sinks.erase(id);
-  m_state->Spread();
+  m_state->Change([&](State& state) { state.sinks.erase(id); });
 }
 
 void TDiag::RemoveAllSinks() {
-  const std::lock_guard lock(m_state->mutex);
-  m_state->sinks.clear();
-  m_state->Spread();
+  m_state->Change([](State& state) { state.sinks.clear(); });
 }
 
 void TDiag::ApplyLevels(std::string_view text) {
-  while (!text.empty()) {
-    const std::size_t comma = text.find(',');
-    const std::string_view item = text.substr(0, comma);
-    text.remove_prefix(comma == std::string_view::npos ? text.size() : comma + 1);
-
+  for (const std::string& item : os_tokenizer(text, ",")) {
     const std::size_t equals = item.find('=');
-    const std::string_view digits =
-        equals == std::string_view::npos ? item : item.substr(equals + 1);
-    int level = 0;
-    const auto [end, error] = std::from_chars(digits.begin(), digits.end(), level);
-    if (error != std::errc() || end != digits.end()) continue;
-    if (equals == std::string_view::npos) {
-      SetMinimumDebugLevel(level);
-    } else {
-      SetModuleLevel(item.substr(0, equals), level);
-    }
+    const bool isOfModule = equals != std::string::npos;
+    const auto level = vq::WholeNumber<int>(isOfModule ? item.substr(equals + 1) : item);
+    if (!level) continue;
+    isOfModule ? SetModuleLevel(item.substr(0, equals), *level) : SetMinimumDebugLevel(*level);
   }
 }
 
@@ -214,19 +199,7 @@ void TDiag::Write(const TDiagLine& line) {
     ~Writing() { isWriting = false; }
   } const writing;
   const std::lock_guard lock(m_state->mutex);
-  std::string text;  // composed once, for the first text sink
-  for (auto& [id, sink] : m_state->sinks) {
-    if (auto* callback = std::get_if<Callback>(&sink)) {
-      (*callback)(line);
-      continue;
-    }
-    if (text.empty()) {
-      text = fmt::format("L{} {}: {}", line.level, Origin(line), Indented(line.text));
-    }
-    const auto& textSink = std::get<State::TextSink>(sink);
-    textSink->log(spdlog::details::log_msg("", SpdlogLevel(line.level), text));
-    textSink->flush();
-  }
+  for (const auto& [id, sink] : m_state->sinks) sink(line);
 }
 
 TDiagRegister::TDiagRegister(const char* moduleName) : m_name(moduleName) {
