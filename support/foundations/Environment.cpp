@@ -1,11 +1,10 @@
 #include <support/foundations/Environment.h>
 
 #include <array>
-#include <cerrno>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <utility>
-#include <vector>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -18,16 +17,12 @@ namespace {
 template <class Use>
 bool WithAccount(Use use) {
   constexpr std::size_t kLargest = std::size_t{1} << 20U;
-  for (std::vector<char> buffer(1024);; buffer.resize(buffer.size() * 4)) {
-    passwd entry{};
-    passwd* found = nullptr;
-    const int rc = ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found);
-    if (rc == 0 && found != nullptr) {
-      use(*found);
-      return true;
-    }
-    if (rc != ERANGE || buffer.size() >= kLargest) return false;
-  }
+  const auto buffer = std::make_unique_for_overwrite<char[]>(kLargest);
+  passwd entry{};
+  passwd* found = nullptr;
+  ::getpwuid_r(::geteuid(), &entry, buffer.get(), kLargest, &found);
+  if (found != nullptr) use(*found);
+  return found != nullptr;
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <fstream>
@@ -11,10 +9,12 @@
 
 #include <sys/stat.h>
 
+#include <fmt/format.h>
 #include <ini.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Locations.h>
+#include <support/os_toolkit/Atoi.h>
 #include <support/os_toolkit/os_tokenizer.h>
 
 namespace vq {
@@ -29,23 +29,12 @@ std::string Folded(std::string_view text) {
   return result;
 }
 
-struct Lines {
-  std::istream& stream;
-  int number = 0;
-  int firstTooLong = 0;
-};
-
 // Passes the parser one complete line. Its own reader splits a long line and uses the first half as
-// the value, so a line that does not fit is passed as an empty one.
-char* NextLine(char* buffer, int size, void* context) {
-  auto& lines = *static_cast<Lines*>(context);
+// the value, so in place of a line that does not fit it gets one that is no setting either.
+char* NextLine(char* buffer, int size, void* stream) {
   std::string line;
-  if (size < 2 || !std::getline(lines.stream, line)) return nullptr;
-  ++lines.number;
-  if (line.size() + 2 >= static_cast<std::size_t>(size)) {
-    if (lines.firstTooLong == 0) lines.firstTooLong = lines.number;
-    line.clear();
-  }
+  if (size < 2 || !std::getline(*static_cast<std::istream*>(stream), line)) return nullptr;
+  if (line.size() + 2 >= static_cast<std::size_t>(size)) line = "?";
   std::memcpy(buffer, line.c_str(), line.size() + 1);
   return buffer;
 }
@@ -54,19 +43,8 @@ char* NextLine(char* buffer, int size, void* context) {
 
 IniFile::IniFile(const std::string& path) {
   std::ifstream stream(path);
-  Read(stream);
-}
-
-IniFile::IniFile(std::istream& stream) {
-  Read(stream);
-}
-
-void IniFile::Read(std::istream& stream) {
-  Lines lines{stream};
-  m_firstBadLine = std::max(0, ini_parse_stream(&NextLine, &lines, &IniFile::Add, this));
-  if (lines.firstTooLong != 0 && (m_firstBadLine == 0 || lines.firstTooLong < m_firstBadLine)) {
-    m_firstBadLine = lines.firstTooLong;
-  }
+  m_firstBadLine = std::max(
+      0, ini_parse_stream(&NextLine, static_cast<std::istream*>(&stream), &IniFile::Add, this));
 }
 
 int IniFile::Add(void* self, const char* section, const char* name, const char* value) {
@@ -99,29 +77,27 @@ std::list<std::string> SplitPatches(const std::string& text) {
   return patches;
 }
 
-// Differs whenever a file was written or replaced. All zero for a missing file, and for one that
-// changed within the last two seconds: another change in the same tick of the file system's clock
-// would not show.
-using FileState = std::array<std::int64_t, 4>;
-FileState StateOf(const std::string& path) {
+// What a look-up asked for: differs whenever the file was written or replaced. Empty for a missing
+// file, and for one that changed within the last two seconds: another change in the same tick of
+// the file system's clock would not show.
+std::string QuestionOf(const std::string& path, const std::string& product) {
   struct stat file {};
   if (::stat(path.c_str(), &file) != 0) return {};
   if (std::time(nullptr) - file.st_ctim.tv_sec <= 2) return {};
-  return {static_cast<std::int64_t>(file.st_dev), static_cast<std::int64_t>(file.st_ino),
-          file.st_ctim.tv_sec, file.st_ctim.tv_nsec};
+  return fmt::format("{}\n{}\n{} {} {}.{:09}", path, product, file.st_dev, file.st_ino,
+                     file.st_ctim.tv_sec, file.st_ctim.tv_nsec);
 }
 
 // The last look-up, kept so that a login reads the file only when it has changed.
 struct LookUp {
-  std::string path, product;
-  FileState state{};
+  std::string question;
   std::string version{};
   std::list<std::string> patches{};
 };
 
 LookUp LookUpProduct(const std::string& path, const std::string& product) {
-  // The state before the content: a file that is replaced in between is read again next time.
-  LookUp found{path, product, StateOf(path)};
+  // Before the content is read: a file that is replaced in between is read again next time.
+  LookUp found{QuestionOf(path, product)};
   const vq::IniFile content(path);
   if (content.FirstBadLine() != 0) {
     const TDiagFunc diag(diagModule, "GetProductVersion");
@@ -134,15 +110,6 @@ LookUp LookUpProduct(const std::string& path, const std::string& product) {
   return found;
 }
 
-bool ReadWholeNumber(const std::string& text, int& value) {
-  int number = 0;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc{} || stop != end) return false;
-  value = number;
-  return true;
-}
-
 }  // namespace
 
 int GetProductVersion(const std::string& product, std::string& version,
@@ -151,10 +118,8 @@ int GetProductVersion(const std::string& product, std::string& version,
   static auto& last = *new LookUp;  // never destroyed
   const std::string path = GetVQRootLocation() + "installed-products.ini";
   const std::lock_guard lock(mutex);
-  const FileState state = StateOf(path);
-  const bool isKnown =
-      state != FileState{} && state == last.state && path == last.path && product == last.product;
-  if (!isKnown) last = LookUpProduct(path, product);
+  const std::string question = QuestionOf(path, product);
+  if (question.empty() || question != last.question) last = LookUpProduct(path, product);
   if (last.version.empty()) return 0;
   version = last.version;
   patches = last.patches;
@@ -170,7 +135,10 @@ bool GetProfileIntFromCurrentUserOrLocalMachine(const std::string& location,
   for (const std::string& directory : directories) {
     if (directory.empty()) continue;
     const auto text = vq::IniFile(directory + inside + "profile.ini").Get(section, key);
-    if (text && ReadWholeNumber(*text, value)) return true;
+    if (const auto number = vq::WholeNumber<int>(text.value_or(""))) {
+      value = *number;
+      return true;
+    }
   }
   return false;
 }

@@ -13,7 +13,6 @@
 #define VQ_SUPPORT_FOUNDATIONS_INIFILE_H
 
 #include <cstddef>
-#include <istream>
 #include <list>
 #include <map>
 #include <optional>
@@ -51,7 +50,6 @@ class IniFile {
 
   // Reads the file at `path`; one that is missing or does not open reads as empty.
   explicit IniFile(const std::string& path);
-  explicit IniFile(std::istream& stream);
 
   // The value, which may be empty; nothing when the section has no such name. A value of several
   // lines, and the values of a name that occurs more than once, are joined by a line end.
@@ -61,7 +59,6 @@ class IniFile {
   int FirstBadLine() const { return m_firstBadLine; }
 
  private:
-  void Read(std::istream& stream);
   static int Add(void* self, const char* section, const char* name, const char* value);
 
   std::map<std::pair<std::string, std::string>, std::string> m_values;

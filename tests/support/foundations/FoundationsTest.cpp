@@ -1,4 +1,4 @@
-#include <sstream>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <pwd.h>
@@ -52,9 +52,10 @@ TEST(Locations, ComeFromTheEnvironment) {
 
 TEST(IniFile, LeavesBadLinesOut) {
   const std::string longest(195, 'x');
-  std::istringstream text("[One]\n a = 1 ; note\nb=" + longest + "\nd=" + longest +
-                          "x\nno value\nc = x=y\n  more\n[two]\nA:2\n[ONE]\nlast=");
-  const vq::IniFile file(text);
+  const TemporaryDirectory directory;
+  const std::string text("[One]\n a = 1 ; note\nb=" + longest + "\nd=" + longest +
+                         "x\nno value\nc = x=y\n  more\n[two]\nA:2\n[ONE]\nlast=");
+  const vq::IniFile file(directory.Write("file.ini", text));
   EXPECT_EQ(file.Get("one", "A"), "1");
   EXPECT_EQ(file.Get("One", "b"), longest);
   EXPECT_EQ(file.Get("One", "d"), std::nullopt);
