@@ -74,14 +74,9 @@ bool ConfigAPI::Complain(const std::string& error) {
 bool ConfigAPI::ReadInto(const std::string& path, ConfigDocument& document) {
   std::string text;
   std::string error;
-  switch (vq::ReadFile(path, kLargestFile, text, error)) {
-    case vq::ReadResult::kMissing:
-      return true;
-    case vq::ReadResult::kFailed:
-      return Complain(error);
-    case vq::ReadResult::kRead:
-      break;
-  }
+  const vq::ReadResult result = vq::ReadFile(path, kLargestFile, text, error);
+  if (result == vq::ReadResult::kMissing) return true;
+  if (result == vq::ReadResult::kFailed) return Complain(error);
   return document.Parse(text, error) || Complain(path + ": " + error);
 }
 

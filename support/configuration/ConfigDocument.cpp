@@ -42,9 +42,8 @@ xercesc::DOMDocument* NewDomain() {
   return Implementation()->createDocument(nullptr, u"domain", nullptr);
 }
 
-bool IsElement(const DOMNode* node, const char16_t* tag) {
-  return node->getNodeType() == DOMNode::ELEMENT_NODE &&
-         xercesc::XMLString::equals(node->getNodeName(), tag);
+bool HasTag(const DOMElement* element, const char16_t* tag) {
+  return xercesc::XMLString::equals(element->getTagName(), tag);
 }
 
 // True when elements are nested more than `limit` deep. The XML library recurses when it collects
@@ -73,25 +72,24 @@ std::string Objection(const xercesc::DOMDocument& document) {
   constexpr int kDeepest = 100;
   if (document.getDoctype() != nullptr) return kNoDoctype;
   const DOMElement* root = document.getDocumentElement();
-  if (root == nullptr || !IsElement(root, u"domain")) return "the root is no <domain>";
+  if (root == nullptr || !HasTag(root, u"domain")) return "the root is no <domain>";
   return IsDeeperThan(kDeepest, root) ? "the elements are nested too deep" : "";
 }
 
-// The next element from `node` on among its siblings that has this tag and a name.
-DOMElement* NextNamed(DOMNode* node, const char16_t* tag) {
-  for (; node != nullptr; node = node->getNextSibling()) {
-    if (!IsElement(node, tag)) continue;
-    auto* element = static_cast<DOMElement*>(node);
-    if (*element->getAttribute(u"name") != u'\0') return element;
+// The next one from `element` on among its siblings that has this tag and a name.
+DOMElement* NextNamed(DOMElement* element, const char16_t* tag) {
+  while (element != nullptr &&
+         (!HasTag(element, tag) || *element->getAttribute(u"name") == u'\0')) {
+    element = element->getNextElementSibling();
   }
-  return nullptr;
+  return element;
 }
 
-// The next of them with this very name.
-DOMElement* Find(DOMNode* node, const char16_t* tag, const std::u16string& name) {
-  DOMElement* element = NextNamed(node, tag);
+// The first child with this tag and name.
+DOMElement* Find(DOMElement* parent, const char16_t* tag, const std::u16string& name) {
+  DOMElement* element = NextNamed(parent->getFirstElementChild(), tag);
   while (element != nullptr && element->getAttribute(u"name") != name) {
-    element = NextNamed(element->getNextSibling(), tag);
+    element = NextNamed(element->getNextElementSibling(), tag);
   }
   return element;
 }
@@ -119,7 +117,7 @@ DOMElement* Append(DOMElement* parent, std::size_t depth, const char16_t* tag,
 
 // Removes every element of this tag and name, with its line.
 void RemoveAll(DOMElement* parent, const char16_t* tag, const std::u16string& name) {
-  while (DOMElement* element = Find(parent->getFirstChild(), tag, name)) {
+  while (DOMElement* element = Find(parent, tag, name)) {
     if (IsBlank(element->getPreviousSibling())) {
       parent->removeChild(element->getPreviousSibling())->release();
     }
@@ -153,13 +151,13 @@ bool ConfigDocument::Parse(std::string_view text, std::string& error) {
 
 ConfigScopes ConfigDocument::Scopes() const {
   ConfigScopes scopes;
-  DOMNode* root = m_document->getDocumentElement();
-  for (DOMElement* scope = NextNamed(root->getFirstChild(), u"scope"); scope != nullptr;
-       scope = NextNamed(scope->getNextSibling(), u"scope")) {
+  DOMElement* root = m_document->getDocumentElement();
+  for (DOMElement* scope = NextNamed(root->getFirstElementChild(), u"scope"); scope != nullptr;
+       scope = NextNamed(scope->getNextElementSibling(), u"scope")) {
     const auto [at, isFirst] = scopes.try_emplace(Utf8FromXml(scope->getAttribute(u"name")));
     if (!isFirst) continue;
-    for (DOMElement* var = NextNamed(scope->getFirstChild(), u"var"); var != nullptr;
-         var = NextNamed(var->getNextSibling(), u"var")) {
+    for (DOMElement* var = NextNamed(scope->getFirstElementChild(), u"var"); var != nullptr;
+         var = NextNamed(var->getNextElementSibling(), u"var")) {
       at->second.try_emplace(Utf8FromXml(var->getAttribute(u"name")),
                              Utf8FromXml(var->getTextContent()));
     }
@@ -172,11 +170,11 @@ void ConfigDocument::Apply(const ConfigChange& change) {
   const std::u16string name = XmlFromUtf8(change.name).value();
   const std::u16string value = XmlFromUtf8(change.value).value();
   DOMElement* root = m_document->getDocumentElement();
-  DOMElement* scope = Find(root->getFirstChild(), u"scope", scopeName);
+  DOMElement* scope = Find(root, u"scope", scopeName);
   switch (change.kind) {
     case ConfigChange::Kind::kSetVar: {
       if (scope == nullptr) scope = Append(root, 0, u"scope", scopeName);
-      DOMElement* var = Find(scope->getFirstChild(), u"var", name);
+      DOMElement* var = Find(scope, u"var", name);
       if (var == nullptr) var = Append(scope, 1, u"var", name);
       var->setTextContent(value.c_str());
       break;

@@ -19,16 +19,6 @@ std::string SystemError(const std::string& path) {
   return path + ": " + std::generic_category().message(errno);
 }
 
-bool WriteAll(int file, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = ::write(file, text.data(), text.size());
-    if (written == -1 && errno == EINTR) continue;
-    if (written == -1) return false;
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
 // Writes the new content under its temporary name, with the permissions of `former` if there is
 // such a file, and flushes it to the disk.
 bool WriteDurably(const std::string& path, std::string_view text, const struct stat* former) {
@@ -46,31 +36,24 @@ ReadResult ReadFile(const std::string& path, std::size_t limit, std::string& tex
                     std::string& error) {
   // O_NONBLOCK, so that a pipe under this name does not stop the process.
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  const auto fail = [&error](const std::string& why) {
+    error = why;
+    return ReadResult::kFailed;
+  };
   struct stat status {};
   if (!file.IsOpen() && errno == ENOENT) return ReadResult::kMissing;
-  if (!file.IsOpen() || ::fstat(file.Get(), &status) == -1) {
-    error = SystemError(path);
-    return ReadResult::kFailed;
-  }
-  if (!S_ISREG(status.st_mode)) {
-    error = path + ": not a regular file";
-    return ReadResult::kFailed;
-  }
+  if (!file.IsOpen() || ::fstat(file.Get(), &status) == -1) return fail(SystemError(path));
+  if (!S_ISREG(status.st_mode)) return fail(path + ": not a regular file");
   std::string content;
   char buffer[16384];
   for (;;) {
     const ssize_t size = ::read(file.Get(), buffer, sizeof buffer);
     if (size == -1 && errno == EINTR) continue;
-    if (size == -1) {
-      error = SystemError(path);
-      return ReadResult::kFailed;
-    }
+    if (size == -1) return fail(SystemError(path));
     if (size == 0) break;
     content.append(buffer, static_cast<std::size_t>(size));
-    if (content.size() > limit) {
-      error = path + ": more than " + std::to_string(limit) + " bytes";
-      return ReadResult::kFailed;
-    }
+    if (content.size() <= limit) continue;
+    return fail(path + ": more than " + std::to_string(limit) + " bytes");
   }
   text = std::move(content);
   return ReadResult::kRead;
@@ -80,16 +63,13 @@ bool ReplaceFile(const std::string& path, std::string_view text, std::string& er
   struct stat status {};
   const bool exists = ::stat(path.c_str(), &status) == 0;
   const std::string temporary = path + ".new";
-  if (!WriteDurably(temporary, text, exists ? &status : nullptr)) {
-    error = SystemError(temporary);
+  const auto fail = [&](const std::string& where) {
+    error = SystemError(where);
     ::unlink(temporary.c_str());
     return false;
-  }
-  if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-    error = SystemError(path);
-    ::unlink(temporary.c_str());
-    return false;
-  }
+  };
+  if (!WriteDurably(temporary, text, exists ? &status : nullptr)) return fail(temporary);
+  if (std::rename(temporary.c_str(), path.c_str()) != 0) return fail(path);
   // The rename reaches the disk with its directory. A file system that can't flush that on demand
   // does it later; the file is complete in either case.
   const std::string inDirectory = path.substr(0, path.rfind('/') + 1) + ".";
@@ -121,7 +101,6 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds wait)
     }
     std::this_thread::sleep_for(kPause);
   }
-  m_held = true;
 }
 
 }  // namespace vq

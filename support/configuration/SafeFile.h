@@ -38,12 +38,11 @@ class FileLock {
   // Creates the lock file at `path` where it is missing, and waits at most `wait` for its holder.
   FileLock(const std::string& path, std::chrono::milliseconds wait);
 
-  bool Held() const { return m_held; }
+  bool Held() const { return m_error.empty(); }
   const std::string& Error() const { return m_error; }  // empty when held
 
  private:
   Descriptor m_file;
-  bool m_held = false;
   std::string m_error;
 };
 

@@ -13,11 +13,8 @@ namespace vq {
 
 namespace {
 
-std::mutex& Mutex() {
-  // Never destroyed: the last stop may come from the destructor of another static object.
-  static std::mutex& mutex = *new std::mutex;
-  return mutex;
-}
+// Usable in the constructors and destructors of static objects, since it has neither.
+constinit std::mutex mutex;
 
 bool IsAllowedInXml(std::u16string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -31,12 +28,12 @@ bool IsAllowedInXml(std::u16string_view text) {
 }  // namespace
 
 void StartXml() {
-  const std::lock_guard lock(Mutex());
+  const std::lock_guard lock(mutex);
   xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale);
 }
 
 void StopXml() {
-  const std::lock_guard lock(Mutex());
+  const std::lock_guard lock(mutex);
   xercesc::XMLPlatformUtils::Terminate();
 }
 
