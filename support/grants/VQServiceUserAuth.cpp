@@ -19,11 +19,8 @@ void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& gran
     const QCSCORBAAuthPair2& pair = wire[i];
     VQServiceAuth& grant = converted.emplace_back(
         VQServiceAuth{CorbaString2StlString(pair.Criteria.in()), pair.Level, {}});
-    const CORBA::ULong actions = LengthOnTheWire(pair.Actions);
-    grant.Actions.reserve(actions);
-    for (CORBA::ULong j = 0; j < actions; ++j) {
-      grant.Actions.push_back(pair.Actions[j]);
-    }
+    const auto* const actions = pair.Actions.get_buffer();
+    grant.Actions.assign(actions, actions + LengthOnTheWire(pair.Actions));
   }
   grants = std::move(converted);
 }

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include <endian.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
 
@@ -25,13 +26,6 @@ struct Digest {
   Digest& operator=(const Digest&) = delete;
 };
 
-// The algorithm, looked up once: the look-up takes longer than the digest of a short text. Never
-// freed; null when the cryptographic library has none.
-const EVP_MD* Sha256() {
-  static const EVP_MD* const digest = EVP_MD_fetch(nullptr, "SHA256", nullptr);
-  return digest;
-}
-
 void ToBase64Url(const Digest& digest, std::string& out) {
   constexpr std::size_t kLength = 43;
   out.resize(kLength + 2);  // a closing "=" and a zero byte
@@ -42,10 +36,8 @@ void ToBase64Url(const Digest& digest, std::string& out) {
 }
 
 void AppendWithLength(const std::string& text, std::string& message) {
-  const auto length = static_cast<std::uint64_t>(text.size());
-  for (int shift = 56; shift >= 0; shift -= 8) {
-    message += static_cast<char>(static_cast<unsigned char>(length >> shift));
-  }
+  const std::uint64_t length = htobe64(text.size());
+  message.append(reinterpret_cast<const char*>(&length), sizeof length);
   message += text;
 }
 
@@ -53,8 +45,8 @@ void AppendWithLength(const std::string& text, std::string& message) {
 
 void ChkSum(const std::string& text, std::string& result) {
   Digest digest;
-  const bool done = Sha256() != nullptr && EVP_Digest(text.data(), text.size(), digest.bytes.data(),
-                                                      nullptr, Sha256(), nullptr) == 1;
+  const bool done = EVP_Q_digest(nullptr, "SHA256", nullptr, text.data(), text.size(),
+                                 digest.bytes.data(), nullptr) == 1;
   vq::Wipe(result);
   if (!done) throw std::runtime_error("ChkSum: no SHA-256 digest");
   ToBase64Url(digest, result);

@@ -17,19 +17,13 @@ SecretString::SecretString(SecretString&& other) noexcept : m_text(std::move(oth
 }
 
 SecretString& SecretString::operator=(const SecretString& other) {
-  if (this == &other) return *this;
-  std::string copy(other.m_text);
-  Wipe(m_text);
-  m_text.swap(copy);
-  Wipe(copy);  // Swapping short strings leaves the secret's bytes in it.
-  return *this;
+  return *this = SecretString(other);
 }
 
 SecretString& SecretString::operator=(SecretString&& other) noexcept {
-  if (this == &other) return *this;
+  SecretString taken(std::move(other));  // Its destructor wipes what the swap leaves in it.
   Wipe(m_text);
-  m_text.swap(other.m_text);
-  Wipe(other.m_text);  // Swapping short strings goes through both buffers.
+  m_text.swap(taken.m_text);
   return *this;
 }
 

@@ -6,10 +6,7 @@ namespace {
 
 template <class Attributes>
 auto Place(Attributes& attributes, std::string_view name) {
-  return std::lower_bound(attributes.begin(), attributes.end(), name,
-                          [](const QCSObject::Attribute& attribute, std::string_view wanted) {
-                            return attribute.first.compare(wanted) < 0;
-                          });
+  return std::ranges::lower_bound(attributes, name, {}, &QCSObject::Attribute::first);
 }
 
 }  // namespace

@@ -86,22 +86,16 @@ class Scanner {
   bool TakeQuoted(std::string& text, char quote) {
     if (!Rest().starts_with(quote)) return false;
     std::string taken;
-    for (std::size_t at = m_at + 1;;) {
-      const std::size_t end = m_text.find(quote, at);
-      if (end == std::string_view::npos) {
-        m_unclosed = true;
-        return false;
-      }
-      taken += m_text.substr(at, end - at);
-      at = end + 1;
-      if (at == m_text.size() || m_text[at] != quote) {
+    for (std::size_t at = m_at + 1; at < m_text.size(); ++at) {
+      if (m_text[at] == quote && !m_text.substr(++at).starts_with(quote)) {
         m_at = at;
         text = std::move(taken);
         return true;
       }
-      taken += quote;
-      ++at;
+      taken += m_text[at];
     }
+    m_unclosed = true;
+    return false;
   }
 
   // Reports what was expected at the cursor. Returns false, for the parser to return.
@@ -132,11 +126,10 @@ class Scanner {
   bool m_unclosed = false;  // a quote was opened and never closed
 };
 
-// Whether a field name needs no quotes: a letter or `_`, then letters, digits, `_` and `.`, and not
-// one of the language's words.
+// Whether a field name needs no quotes: it is read back as it is.
 bool IsBareField(std::string_view name) {
-  return !name.empty() && StartsField(name.front()) && std::ranges::all_of(name, ContinuesField) &&
-         !IsLanguageWord(name);
+  std::string read;
+  return Scanner(name).TakeField(read) && read == name;
 }
 
 // The grammar, which does not nest (docs/selection-language.md):
@@ -174,33 +167,26 @@ bool ParseSelection(std::string_view text, std::vector<QCSSelectionDef::Term>& t
   }
 }
 
-void AppendQuoted(std::string& out, std::string_view text, char quote) {
-  out += quote;
-  for (const char c : text) {
-    if (c == quote) out += quote;
-    out += c;
-  }
-  out += quote;
+std::string Quoted(std::string_view text, char quote) {
+  std::string quoted(1, quote);
+  for (const char c : text) quoted.append(c == quote ? 2 : 1, c);
+  return quoted + quote;
 }
 
-void AppendMatching(std::string& out, const vq::SelectionMatching& matching) {
-  if (IsBareField(matching.field)) {
-    out += matching.field;
-  } else {
-    AppendQuoted(out, matching.field, '"');
-  }
-  out += ' ';
-  out += vq::AsText(matching.op);
-  out += ' ';
-  AppendQuoted(out, matching.value, '\'');
+std::string Printed(const vq::SelectionMatching& matching) {
+  const std::string& field = matching.field;
+  std::string text = IsBareField(field) ? field : Quoted(field, '"');
+  text.append(" ").append(vq::AsText(matching.op)).append(" ");
+  return text + Quoted(matching.value, '\'');
 }
 
-void AppendTerm(std::string& out, const QCSSelectionDef::Term& term) {
-  if (term.empty()) out += '*';
-  for (std::size_t i = 0; i < term.size(); ++i) {
-    if (i > 0) out += " AND ";
-    AppendMatching(out, term[i]);
+std::string Printed(const QCSSelectionDef::Term& term) {
+  if (term.empty()) return "*";
+  std::string text;
+  for (const vq::SelectionMatching& matching : term) {
+    text += (text.empty() ? "" : " AND ") + Printed(matching);
   }
+  return text;
 }
 
 }  // namespace
@@ -230,17 +216,13 @@ bool QCSSelectionDef::DoesItFit(const QCSObject& object, bool missingAttrsFit) c
     if (attribute == nullptr) return missingAttrsFit || DoesMissingFit(matching.op);
     return vq::MatchesValue(matching.op, matching.value, *attribute);
   };
-  return std::any_of(m_terms.begin(), m_terms.end(), [&](const Term& term) {
-    return std::all_of(term.begin(), term.end(), matchingFits);
-  });
+  const auto termFits = [&](const Term& term) { return std::ranges::all_of(term, matchingFits); };
+  return std::ranges::any_of(m_terms, termFits);
 }
 
 std::string QCSSelectionDef::AsString() const {
   std::string text;
-  for (std::size_t i = 0; i < m_terms.size(); ++i) {
-    if (i > 0) text += " OR ";
-    AppendTerm(text, m_terms[i]);
-  }
+  for (const Term& term : m_terms) text += (text.empty() ? "" : " OR ") + Printed(term);
   return text;
 }
 

@@ -15,10 +15,8 @@ struct WholeNumber {
 std::optional<WholeNumber> AsWholeNumber(std::string_view text) {
   WholeNumber number{!text.empty() && text.front() == '-', text};
   if (number.negative) number.digits.remove_prefix(1);
-  if (number.digits.empty() || !std::all_of(number.digits.begin(), number.digits.end(),
-                                            [](char c) { return c >= '0' && c <= '9'; })) {
-    return std::nullopt;
-  }
+  const bool isNumber = number.digits.find_first_not_of("0123456789") == std::string_view::npos;
+  if (number.digits.empty() || !isNumber) return std::nullopt;
   number.digits.remove_prefix(std::min(number.digits.find_first_not_of('0'), number.digits.size()));
   if (number.digits.empty()) number.negative = false;
   return number;
@@ -69,25 +67,12 @@ bool MatchesWildcard(std::string_view pattern, std::string_view text) {
 }
 
 bool MatchesValue(SelectionOperator op, std::string_view value, std::string_view attribute) {
-  switch (op) {
-    case SelectionOperator::Equal:
-      return attribute == value;
-    case SelectionOperator::NotEqual:
-      return attribute != value;
-    case SelectionOperator::Less:
-      return Compare(attribute, value) < 0;
-    case SelectionOperator::LessOrEqual:
-      return Compare(attribute, value) <= 0;
-    case SelectionOperator::Greater:
-      return Compare(attribute, value) > 0;
-    case SelectionOperator::GreaterOrEqual:
-      return Compare(attribute, value) >= 0;
-    case SelectionOperator::Like:
-      return MatchesWildcard(value, attribute);
-    case SelectionOperator::NotLike:
-      return !MatchesWildcard(value, attribute);
-  }
-  return false;
+  using enum SelectionOperator;
+  if (op == Equal || op == NotEqual) return (attribute == value) != IsNegated(op);
+  if (op == Like || op == NotLike) return MatchesWildcard(value, attribute) != IsNegated(op);
+  const std::strong_ordering order = Compare(attribute, value);
+  if (order == 0) return op == LessOrEqual || op == GreaterOrEqual;
+  return (order < 0) == (op == Less || op == LessOrEqual);
 }
 
 }  // namespace vq
