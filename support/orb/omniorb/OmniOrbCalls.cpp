@@ -48,9 +48,9 @@ using CommFailure = omni::giopStream::CommFailure;
 
 TDiagRegister diagModule("ORB");
 
-// Bounds for one call, against a peer that closes each connection or forwards in circles.
+// Bounds the attempts of one call, each of which needs a connection, new or idle: against a peer
+// that closes each connection or forwards in circles.
 constexpr int kMostConnections = 16;
-constexpr int kMostForwards = 8;
 
 // Elements of a list, bytes of a list of numbers or characters of a string in one message. omniORB
 // allocates all that a message announces before it has arrived, up to 40 bytes for each.
@@ -78,8 +78,7 @@ struct Call {
   omni_time_t end;
   CORBA::ULong refusal = 0;  // why nothing may be sent any more, as a minor code
   int connections = 0;
-  int forwards = 0;
-  bool otherForm = false;  // of address was asked for, on the present connection
+  bool forwarded = false;
   bool closedInOrder = false;
   bool repeat = false;  // since that, and nobody has done so yet
   bool reverted = false;
@@ -157,15 +156,12 @@ void NoteEnd(GIOP_C& attempt) {
   const giopStrand& strand = attempt.strand();
   switch (attempt.state()) {
     case omni::IOP_C::Idle:  // A reply has come.
-      if (!IsForward(attempt)) {
-        call.descriptor = nullptr;
-      } else if (++call.forwards > kMostForwards) {
-        call.refusal = omni::TRANSIENT_FailedOnForwarded;
-      }
+      call.forwarded = IsForward(attempt);
+      if (!call.forwarded) call.descriptor = nullptr;
       return;
     case omni::IOP_C::RequestInProgress:
     case omni::IOP_C::WaitingForReply:
-      if (WasClosedInOrder(strand) && !CheckedConnection::Of(strand).HasReplyTo(attempt) &&
+      if (WasClosedInOrder(strand) && !CheckedConnection::Of(strand).HasReplyTo(attempt, false) &&
           !std::exchange(call.closedInOrder, true)) {
         call.repeat = true;
         return;
@@ -185,14 +181,9 @@ CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T&
   return true;
 }
 
-// A server may ask once for the same request with another form of address. An ORB that ends would
-// wait for a reference that is forwarded meanwhile for ever.
-CORBA::Boolean RefuseOtherPlace(omniInterceptors::clientReceiveReply_T::info_T& info) {
+// An ORB that ends would wait for ever for a reference that is forwarded meanwhile.
+CORBA::Boolean RefuseForwardAtEnd(omniInterceptors::clientReceiveReply_T::info_T& info) {
   if (IsForward(info.giop_c)) RefuseAtEnd();
-  if (info.giop_c.replyStatus() != GIOP::NEEDS_ADDRESSING_MODE) return true;
-  if (std::exchange(call.otherForm, true)) {
-    Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
-  }
   return true;
 }
 
@@ -270,14 +261,14 @@ class CheckedRope : public Base {
       Begin(*descriptor);
     }
     if (call.refusal != 0) Fail(call.refusal, CORBA::COMPLETED_MAYBE);
-    call.otherForm = false;
     call.repeat = false;
     omni_time_t now = Now();
     const omni_time_t connectEnd = std::min(call.end, now + ToOmni(limits.connect));
     for (std::size_t tried = 0;; now = Now()) {
       if (call.end <= now) Fail(omni::TRANSIENT_CallTimedout, CORBA::COMPLETED_NO);
       if (++call.connections > kMostConnections) {
-        Fail(omni::TRANSIENT_ConnectFailed, CORBA::COMPLETED_NO);
+        Fail(call.forwarded ? omni::TRANSIENT_FailedOnForwarded : omni::TRANSIENT_ConnectFailed,
+             CORBA::COMPLETED_NO);
       }
       try {
         GIOP_C& attempt = Connected(ior, key, keySize, *descriptor, tried, connectEnd);
@@ -461,7 +452,7 @@ CORBA::Boolean RetryUnsent(void* /*cookie*/, CORBA::ULong /*retries*/,
                            const CORBA::TRANSIENT& exception) {
   return exception.minor() == omni::TRANSIENT_FailedOnForwarded &&
          exception.completed() == CORBA::COMPLETED_NO && call.descriptor != nullptr &&
-         call.refusal == 0 && call.forwards == 0 && !std::exchange(call.reverted, true);
+         call.refusal == 0 && !call.forwarded && !std::exchange(call.reverted, true);
 }
 
 // omniORB itself repeats a call where it has seen that the server closed in order.
@@ -472,7 +463,7 @@ CORBA::Boolean RetryClosed(void* /*cookie*/, CORBA::ULong /*retries*/,
 
 }  // namespace
 
-void OmniOrbCalls::Install(const OrbSettings& settings) {
+void InstallCalls(const OrbSettings& settings) {
   ending = false;
   limits = {settings.connectTimeout, settings.tcpKeepAlive, settings.tcpUserTimeout};
   omniORB::installTransientExceptionHandler(nullptr, RetryUnsent);
@@ -480,11 +471,11 @@ void OmniOrbCalls::Install(const OrbSettings& settings) {
   omniInterceptors& interceptors = *omniORB::getInterceptors();
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);
-  interceptors.clientReceiveReply.add(RefuseOtherPlace);
+  interceptors.clientReceiveReply.add(RefuseForwardAtEnd);
   GuardMessages();
 }
 
-void OmniOrbCalls::End() {
+void EndCalls() {
   ending = true;
   const std::unique_lock last(opens);
 }

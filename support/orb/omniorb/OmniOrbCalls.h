@@ -11,7 +11,7 @@
 // "strands"), which are omniORB's internal interfaces. Tried with omniORB 4.2.5 and 4.3.3.
 //
 //   CORBA::ORB_init(...);
-//   OmniOrbCalls::Install(settings);
+//   InstallCalls(settings);
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBCALLS_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBCALLS_H
 
@@ -19,15 +19,12 @@
 
 namespace vq::orb {
 
-class OmniOrbCalls {
- public:
-  // After each ORB_init, before the first reference is made, by the thread that starts the ORB.
-  static void Install(const OrbSettings& settings);
+// After each ORB_init, before the first reference is made, by the thread that starts the ORB.
+void InstallCalls(const OrbSettings& settings);
 
-  // Before the ORB ends: from then on calls raise BAD_INV_ORDER. Waits for connections that are
-  // being opened, for one time-out at most.
-  static void End();
-};
+// Before the ORB ends: from then on calls raise BAD_INV_ORDER. Waits for connections that are being
+// opened, for one time-out at most.
+void EndCalls();
 
 }  // namespace vq::orb
 

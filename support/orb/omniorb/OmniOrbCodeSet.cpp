@@ -16,7 +16,7 @@ class Bytes : public omniCodeSet::NCS_C {
  public:
   Bytes(const Bytes&) = delete;
   Bytes& operator=(const Bytes&) = delete;
-  Bytes() : NCS_C(kUtf8, OmniOrbCodeSet::kName, omniCodeSet::CS_Other) {}
+  Bytes() : NCS_C(kUtf8, kCodeSet, omniCodeSet::CS_Other) {}
 
   void marshalChar(cdrStream& stream, omniCodeSet::TCS_C* sent, _CORBA_Char value) override {
     Same(sent)->marshalChar(stream, sent, value);
@@ -43,7 +43,7 @@ class Bytes : public omniCodeSet::NCS_C {
 
 }  // namespace
 
-void OmniOrbCodeSet::Install() {
+void InstallCodeSet() {
   // omniORB uses it until the process ends.
   [[maybe_unused]] static const bool installed = (omniCodeSet::registerNCS_C(new Bytes), true);
 }

@@ -1,7 +1,7 @@
 // A code set for omniORB that sends the bytes of a string unchanged.
 //
-//   // Before ORB_init, with the option {"nativeCharCodeSet", OmniOrbCodeSet::kName}:
-//   OmniOrbCodeSet::Install();
+//   // Before ORB_init, with the option {"nativeCharCodeSet", kCodeSet}:
+//   InstallCodeSet();
 //
 // omniORB converts strings from the native code set to that of the server. With its default,
 // ISO 8859-1, a server with UTF-8 receives each byte of a UTF-8 name as a separate character. With
@@ -12,13 +12,10 @@
 
 namespace vq::orb {
 
-class OmniOrbCodeSet {
- public:
-  static constexpr const char* kName = "VQ-BYTES";
+inline constexpr const char* kCodeSet = "VQ-BYTES";
 
-  // Registers the code set with omniORB; only the first call has an effect.
-  static void Install();
-};
+// Registers the code set with omniORB; only the first call has an effect.
+void InstallCodeSet();
 
 }  // namespace vq::orb
 

@@ -286,8 +286,7 @@ void CheckedConnection::NoteReply(const unsigned char* body, std::size_t size) {
   if (m_idSize < m_id.size()) return;
   const std::uint32_t id = NumberIn(m_id.data(), (m_header[6] & 1) != 0);
   const std::lock_guard lock(m_mutex);
-  auto* reply = std::find_if(m_replies.begin(), m_replies.end(),
-                             [&](const Reply& known) { return known.id == id; });
+  auto* reply = std::ranges::find(m_replies, id, &Reply::id);
   if (reply == m_replies.end()) {
     reply = &m_replies.at(m_nextReply++ % m_replies.size());
     *reply = {id, false};
@@ -295,27 +294,20 @@ void CheckedConnection::NoteReply(const unsigned char* body, std::size_t size) {
   if (m_toCome == 0 && !MoreFollows()) reply->whole = true;
 }
 
-bool CheckedConnection::HasReplyTo(omni::GIOP_C& call) const {
+bool CheckedConnection::HasReplyTo(omni::GIOP_C& call, bool whole) const {
   const std::lock_guard lock(m_mutex);
-  return std::any_of(m_replies.begin(), m_replies.end(),
-                     [&](const Reply& reply) { return reply.id == RequestId::Of(call); });
+  const auto* reply = std::ranges::find(m_replies, RequestId::Of(call), &Reply::id);
+  return reply != m_replies.end() && (reply->whole || !whole);
 }
 
 bool CheckedConnection::HasUntakenReply() const {
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
   if (m_strand->state() == omni::giopStrand::DYING) return false;
-  const std::lock_guard lock(m_mutex);
-  const auto isTaken = [](omni::GIOP_C& call) {
-    return call.state() != omni::IOP_C::RequestInProgress &&
-           call.state() != omni::IOP_C::WaitingForReply;
-  };
   for (auto* link = m_strand->clients.next; link != &m_strand->clients; link = link->next) {
     auto& call = *static_cast<omni::GIOP_C*>(link);
-    if (!isTaken(call) && std::any_of(m_replies.begin(), m_replies.end(), [&](const Reply& reply) {
-          return reply.whole && reply.id == RequestId::Of(call);
-        })) {
-      return true;
-    }
+    const bool waits = call.state() == omni::IOP_C::RequestInProgress ||
+                       call.state() == omni::IOP_C::WaitingForReply;
+    if (waits && HasReplyTo(call, true)) return true;
   }
   return false;
 }

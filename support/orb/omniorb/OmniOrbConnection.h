@@ -45,8 +45,8 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   int Socket() const { return m_socket; }  // -1 for an unknown transport
   void ServeStrand(omni::giopStrand& strand) { m_strand = &strand; }
 
-  // Whether at least a part of the reply to a recent call has arrived.
-  bool HasReplyTo(omni::GIOP_C& call) const;
+  // Whether at least a part of the reply to a recent call has arrived, or the whole of it.
+  bool HasReplyTo(omni::GIOP_C& call, bool whole) const;
   // Whether omniORB has received a CloseConnection.
   bool WasClosedInOrder() const { return m_closedInOrder; }
   // Whether data has arrived that omniORB has not received yet.

@@ -67,8 +67,9 @@ OmniOrbGuest::~OmniOrbGuest() {
   CloseConnections(opened);
 }
 
-void OmniOrbGuest::Listen(const std::vector<std::string>& endpoints) {
-  if (!m_server) m_server.emplace(endpoints);
+const std::vector<std::string>& OmniOrbGuest::Listen(const std::string& endpoint) {
+  if (!m_server) m_server.emplace(endpoint);
+  return m_server->Addresses();
 }
 
 }  // namespace vq::orb

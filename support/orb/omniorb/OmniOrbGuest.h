@@ -1,5 +1,5 @@
 // The part of the shared omniORB that belongs to its second user, such as a callback trial: the
-// endpoints on which it listens, and the connections that the process opens during its life.
+// endpoint on which it listens, and the connections that the process opens during its life.
 //
 // omniORB closes a connection minutes after its last use, and a bidirectional one only when the ORB
 // ends; it opens its endpoints once for the whole process. A trial must leave nothing behind. So it
@@ -9,8 +9,7 @@
 //
 //   OmniOrbGuest::Install();  // once after each ORB_init
 //   OmniOrbGuest guest;
-//   guest.Listen({"giop:tcp::"});
-//   guest.ListenAddresses();  // {"giop:tcp:10.0.0.1:40123", ...}
+//   guest.Listen("giop:tcp::");  // {"giop:tcp:10.0.0.1:40123", ...}
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBGUEST_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBGUEST_H
 
@@ -33,11 +32,10 @@ class OmniOrbGuest {
   OmniOrbGuest(const OmniOrbGuest&) = delete;
   OmniOrbGuest& operator=(const OmniOrbGuest&) = delete;
 
-  // Opens endpoints, given in omniORB's form. The root POA must exist. Raises CORBA::INITIALIZE
-  // when one cannot be opened.
-  void Listen(const std::vector<std::string>& endpoints);
-  // Call it after Listen only.
-  const std::vector<std::string>& ListenAddresses() const { return m_server->Addresses(); }
+  // Opens an endpoint, given in omniORB's form, and returns its addresses. A further call returns
+  // those of the first. The root POA must exist. Raises CORBA::INITIALIZE when the endpoint cannot
+  // be opened.
+  const std::vector<std::string>& Listen(const std::string& endpoint);
 
  private:
   std::optional<ListeningServer> m_server;

@@ -35,14 +35,9 @@ std::vector<std::string> Texts(const omni::orbServer::EndpointList& endpoints) {
 
 // Announces the orderly end of the connection to the server.
 void SendCloseConnection(giopStrand& strand) {
-  std::array<unsigned char, 12> message{'G',
-                                        'I',
-                                        'O',
-                                        'P',
-                                        strand.version.major,
-                                        strand.version.minor,
-                                        omni::myByteOrder,
-                                        static_cast<unsigned char>(GIOP::CloseConnection)};
+  constexpr CORBA::Octet kKind = GIOP::CloseConnection;
+  const auto [major, minor] = strand.version;
+  std::array<CORBA::Octet, 12> message{'G', 'I', 'O', 'P', major, minor, omni::myByteOrder, kKind};
   omni_time_t deadline;
   omni_thread::get_time(deadline, omni_time_t(1));
   strand.connection->Send(message.data(), message.size(), deadline);
@@ -127,7 +122,7 @@ bool IsOverOwnConnection(omni::GIOP_S& request) {
   return request.strand().isClient();
 }
 
-ListeningServer::ListeningServer(const std::vector<std::string>& endpoints) {
+ListeningServer::ListeningServer(const std::string& endpoint) {
   // omniORB creates a server when the place of its own one is empty.
   giopServer*& place = giopServer::singleton();
   giopServer* const host = std::exchange(place, nullptr);
@@ -136,10 +131,8 @@ ListeningServer::ListeningServer(const std::vector<std::string>& endpoints) {
 
   omni::orbServer::EndpointList addresses;
   try {
-    for (const std::string& endpoint : endpoints) {
-      if (!m_server->instantiate(CheckedEndpoint(endpoint).c_str(), false, addresses)) {
-        throw CORBA::INITIALIZE(omni::INITIALIZE_TransportError, CORBA::COMPLETED_NO);
-      }
+    if (!m_server->instantiate(CheckedEndpoint(endpoint).c_str(), false, addresses)) {
+      throw CORBA::INITIALIZE(omni::INITIALIZE_TransportError, CORBA::COMPLETED_NO);
     }
   } catch (const CORBA::Exception&) {
     Remove(m_server);

@@ -76,8 +76,8 @@ bool IsOverOwnConnection(omni::GIOP_S& request);
 // while it starts and while it ends.
 class ListeningServer {
  public:
-  // Opens endpoints, given in omniORB's form. Raises CORBA::INITIALIZE when one cannot be opened.
-  explicit ListeningServer(const std::vector<std::string>& endpoints);
+  // Opens an endpoint, given in omniORB's form. Raises CORBA::INITIALIZE when it cannot be opened.
+  explicit ListeningServer(const std::string& endpoint);
   ~ListeningServer();
   ListeningServer(const ListeningServer&) = delete;
   ListeningServer& operator=(const ListeningServer&) = delete;

@@ -22,7 +22,7 @@ inline constexpr const char* kTls = "giop:ssl:";
 std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings);
 
 // Where to listen: "giop:tcp:host:port", or with a certificate "giop:ssl:host:port".
-std::vector<std::string> OmniOrbEndpoints(const OrbSettings& settings);
+std::string OmniOrbEndpoint(const OrbSettings& settings);
 
 }  // namespace vq::orb
 

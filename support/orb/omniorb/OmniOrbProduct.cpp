@@ -48,13 +48,11 @@ bool IsLoopback(const std::string& address) {
 // addresses, with the published host if there is one. Loopback is the last choice.
 std::vector<std::string> PublishedAddresses(std::vector<std::string> open,
                                             const std::string& publishedHost) {
-  std::stable_partition(open.begin(), open.end(),
-                        [](const std::string& address) { return !IsLoopback(address); });
+  std::ranges::stable_sort(open, {}, IsLoopback);
   std::vector<std::string> published;
   for (const std::string_view transport : {kTcp, kTls}) {
-    const auto found = std::find_if(open.begin(), open.end(), [&](const std::string& address) {
-      return address.starts_with(transport);
-    });
+    const auto isOfIt = [&](const std::string& address) { return address.starts_with(transport); };
+    const auto found = std::ranges::find_if(open, isOfIt);
     if (found == open.end()) continue;
     published.push_back(publishedHost.empty() ? *found : WithHost(*found, publishedHost));
   }
@@ -66,7 +64,7 @@ std::vector<std::string> PublishedAddresses(std::vector<std::string> open,
 // connection.
 std::string ConnectionMark() {
   const std::vector<std::string> own = OpenEndpoints();
-  const auto found = std::find_if(own.begin(), own.end(), IsLoopback);
+  const auto found = std::ranges::find_if(own, IsLoopback);
   return found != own.end() ? *found : own.empty() ? std::string() : own.front();
 }
 
@@ -83,7 +81,7 @@ class OmniOrbInstance : public OrbInstance {
                           << "and the initial references of the ORB that is up already";
     m_guest.emplace();
     settings.tls = OmniOrbTransport::Instance().Tls();
-    m_guestEndpoints = OmniOrbEndpoints(settings);
+    m_guestEndpoint = OmniOrbEndpoint(settings);
   }
 
   ~OmniOrbInstance() override {
@@ -108,14 +106,14 @@ class OmniOrbInstance : public OrbInstance {
   }
 
   std::optional<std::chrono::sys_seconds> CertificateExpiry() const override {
-    return OmniOrbTls::CertificateExpiry();
+    return vq::orb::CertificateExpiry();
   }
 
   void Stop(bool wait) override {
     if (m_stopped) return;
     m_stopped = true;
     OmniOrbTransport& transport = OmniOrbTransport::Instance();
-    if (!transport.HasOtherUsers(this)) OmniOrbCalls::End();
+    if (!transport.HasOtherUsers(this)) EndCalls();
     const bool listens = !CORBA::is_nil(m_poa.in());
     if (listens) DestroyPoa(wait);
     m_poa = PortableServer::POA::_nil();
@@ -144,9 +142,8 @@ class OmniOrbInstance : public OrbInstance {
   }
 
   PortableServer::POA_ptr CreatePoa(PortableServer::POA_ptr root) {
-    if (m_guest) m_guest->Listen(m_guestEndpoints);
-    std::vector<std::string> addresses =
-        PublishedAddresses(m_guest ? m_guest->ListenAddresses() : OpenEndpoints(), m_publishedHost);
+    std::vector<std::string> addresses = PublishedAddresses(
+        m_guest ? m_guest->Listen(m_guestEndpoint) : OpenEndpoints(), m_publishedHost);
     // First, since a server may use only the first address.
     if (m_guest && m_biDirectional) addresses.insert(addresses.begin(), ConnectionMark());
     omniPolicy::EndPointPublishPolicyValue published;
@@ -174,7 +171,7 @@ class OmniOrbInstance : public OrbInstance {
   const std::string m_publishedHost;
   CORBA::ORB_var m_orb;
   std::optional<OmniOrbGuest> m_guest;  // if the ORB was up already
-  std::vector<std::string> m_guestEndpoints;
+  std::string m_guestEndpoint;
   std::mutex m_mutex;
   PortableServer::POA_var m_poa;
   bool m_stopped = false;

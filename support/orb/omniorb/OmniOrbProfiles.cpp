@@ -23,8 +23,7 @@ void Add(giopAddress* address, giopAddressList& addresses) {
   const auto isSame = [&](const giopAddress* known) {
     return std::string_view(known->address()) == address->address();
   };
-  if (addresses.size() >= kMostAddresses ||
-      std::any_of(addresses.begin(), addresses.end(), isSame)) {
+  if (addresses.size() >= kMostAddresses || std::ranges::any_of(addresses, isSame)) {
     delete address;
   } else {
     addresses.push_back(address);
@@ -60,12 +59,6 @@ bool IsSameObject(const IIOP::ProfileBody& one, const IIOP::ProfileBody& other) 
                      one.object_key.length()) == 0;
 }
 
-// An object that listens for TLS only has port 0 in its profile. An attempt to connect to it would
-// take a share of the time for connecting.
-bool IsWithoutPort(std::string_view address) {
-  return address.ends_with(":0");
-}
-
 CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& info) {
   const IOP::TaggedProfileList& profiles = info.ior.iopProfiles();
   const CORBA::Long selected = info.ior.addr_selected_profile_index();
@@ -78,19 +71,19 @@ CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& i
     IIOP::ProfileBody further;
     try {
       IIOP::unmarshalProfile(profiles[i], further);
-      if (IsSameObject(further, info.iiop)) {
-        AddProfile(further, addresses);
-      }
+      if (IsSameObject(further, info.iiop)) AddProfile(further, addresses);
     } catch (const CORBA::Exception&) {  // malformed; the other profiles still count
     }
   }
-  OmniOrbProfiles::Remove(addresses, IsWithoutPort);
+  // An object that listens for TLS only has port 0 in its profile. An attempt to connect to it
+  // would take a share of the time for connecting.
+  RemoveAddresses(addresses, [](std::string_view address) { return address.ends_with(":0"); });
   return true;
 }
 
 }  // namespace
 
-void OmniOrbProfiles::Remove(giopAddressList& addresses, bool (*isUnwanted)(std::string_view)) {
+void RemoveAddresses(giopAddressList& addresses, bool (*isUnwanted)(std::string_view)) {
   for (auto* at = addresses.begin(); at != addresses.end();) {
     if (isUnwanted((*at)->address())) {
       delete *at;
@@ -101,7 +94,7 @@ void OmniOrbProfiles::Remove(giopAddressList& addresses, bool (*isUnwanted)(std:
   }
 }
 
-void OmniOrbProfiles::Install() {
+void InstallProfiles() {
   omniORB::getInterceptors()->decodeIOR.add(AddFurtherProfiles);
 }
 

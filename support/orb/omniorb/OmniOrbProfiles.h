@@ -6,7 +6,7 @@
 // interceptor is an internal interface of omniORB. Tried with omniORB 4.2.5 and 4.3.3.
 //
 //   CORBA::ORB_init(...);
-//   OmniOrbProfiles::Install();
+//   InstallProfiles();
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBPROFILES_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBPROFILES_H
 
@@ -17,15 +17,12 @@
 
 namespace vq::orb {
 
-class OmniOrbProfiles {
- public:
-  // Call it after each ORB_init and before the first reference is made, on the thread that starts
-  // the ORB.
-  static void Install();
+// Call it after each ORB_init and before the first reference is made, on the thread that starts the
+// ORB.
+void InstallProfiles();
 
-  // Removes the addresses ("giop:tcp:host.site:5000") for which `isUnwanted` returns true.
-  static void Remove(omni::giopAddressList& addresses, bool (*isUnwanted)(std::string_view));
-};
+// Removes the addresses ("giop:tcp:host.site:5000") for which `isUnwanted` returns true.
+void RemoveAddresses(omni::giopAddressList& addresses, bool (*isUnwanted)(std::string_view));
 
 }  // namespace vq::orb
 

@@ -63,18 +63,18 @@ class Context : public sslContext {
 
 }  // namespace
 
-void OmniOrbSslContext::Install(const TlsSettings& settings) {
+void InstallSslContext(const TlsSettings& settings) {
   tlsInForce = settings;
   sslContext::verify_callback = Judge;
   sslContext::info_callback = FollowHandshake;
   sslContext::singleton = new Context;  // omniORB deletes it when the ORB ends
 }
 
-void OmniOrbSslContext::Remove() {
+void RemoveSslContext() {
   delete std::exchange(sslContext::singleton, nullptr);
 }
 
-SSL_CTX* OmniOrbSslContext::Current() {
+SSL_CTX* CurrentSslContext() {
   const auto* const context = dynamic_cast<const Context*>(sslContext::singleton);
   return context != nullptr ? context->Get() : nullptr;
 }

@@ -6,8 +6,11 @@
 // file for the key, no use of the system's CAs and no check of the host name. So everything that
 // depends on the class is in this file. Tried with omniORB 4.2.5 and 4.3.3.
 //
-//   OmniOrbSslContext::Install(settings);  // before ORB_init
-//   OmniOrbSslContext::Current();          // after it
+//   InstallSslContext(settings);  // before ORB_init
+//   CurrentSslContext();          // after it
+//
+// Thread safety: InstallSslContext and RemoveSslContext are called by the thread that starts the
+// ORB; CurrentSslContext may be called by any thread while the ORB is up.
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBSSLCONTEXT_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBSSLCONTEXT_H
 
@@ -17,20 +20,15 @@
 
 namespace vq::orb {
 
-// Thread safety: Install and Remove are called by the thread that starts the ORB; Current may be
-// called by any thread while the ORB is up.
-class OmniOrbSslContext {
- public:
-  // The next ORB_init creates the context, and raises CORBA::INITIALIZE if a file cannot be used.
-  // The end of the ORB destroys the context.
-  static void Install(const TlsSettings& settings);
+// The next ORB_init creates the context, and raises CORBA::INITIALIZE if a file cannot be used. The
+// end of the ORB destroys the context.
+void InstallSslContext(const TlsSettings& settings);
 
-  // Undoes Install after a failed ORB_init.
-  static void Remove();
+// Undoes that after a failed ORB_init.
+void RemoveSslContext();
 
-  // Null when TLS is off. Borrowed.
-  static SSL_CTX* Current();
-};
+// Null when TLS is off. Borrowed.
+SSL_CTX* CurrentSslContext();
 
 }  // namespace vq::orb
 

@@ -47,7 +47,7 @@ CORBA::Boolean KeepTlsAddresses(omni::omniInterceptors::decodeIOR_T::info_T& inf
   omni::giopAddressList& addresses = info.ior.getIORInfo()->addresses();
   const auto isTls = [](const omni::giopAddress* address) { return IsTls(address->address()); };
   if (std::none_of(addresses.begin(), addresses.end(), isTls)) return true;
-  OmniOrbProfiles::Remove(addresses, [](std::string_view address) { return !IsTls(address); });
+  RemoveAddresses(addresses, [](std::string_view address) { return !IsTls(address); });
   return true;
 }
 
@@ -100,12 +100,8 @@ void RefuseUnencrypted(omni::GIOP_C& call) {
   throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
 }
 
-CORBA::Boolean GuardRequest(omni::omniInterceptors::clientSendRequest_T::info_T& info) {
-  RefuseUnencrypted(info.giop_c);
-  return true;
-}
-
-CORBA::Boolean GuardConnection(omni::omniInterceptors::clientOpenConnection_T::info_T& info) {
+template <class Info>
+CORBA::Boolean GuardRequest(Info& info) {
   RefuseUnencrypted(info.giop_c);
   return true;
 }
@@ -149,24 +145,20 @@ void AddNaming(CORBA::Object_ptr naming) {
 
 }  // namespace
 
-void OmniOrbTls::Prepare(const OrbSettings& settings) {
+void PrepareTls(const OrbSettings& settings) {
   CheckTls(settings);
   if (!settings.tls.IsOn()) return;
   CheckFiles(settings.tls);
   WarnOfWeakVerification(settings.tls);
-  OmniOrbSslContext::Install(settings.tls);
+  InstallSslContext(settings.tls);
 }
 
-void OmniOrbTls::Abandon() {
-  OmniOrbSslContext::Remove();
-}
-
-void OmniOrbTls::Guard(CORBA::ORB_ptr orb, const OrbSettings& settings) {
+void GuardTls(CORBA::ORB_ptr orb, const OrbSettings& settings) {
   if (!settings.tls.IsOn()) return;
   omni::omniInterceptors& interceptors = *omniORB::getInterceptors();
   interceptors.decodeIOR.add(KeepTlsAddresses);
   interceptors.clientSendRequest.add(GuardRequest);
-  interceptors.clientOpenConnection.add(GuardConnection);
+  interceptors.clientOpenConnection.add(GuardRequest);
   interceptors.serverReceiveRequest.add(GuardCallBack);
   encryptLookups = settings.tls.encryptLookups;
   namingProfiles.clear();
@@ -185,15 +177,15 @@ void OmniOrbTls::Guard(CORBA::ORB_ptr orb, const OrbSettings& settings) {
   }
 }
 
-void OmniOrbTls::ForbidMessagesAfterHandshake() {
-  SSL_CTX* const context = OmniOrbSslContext::Current();
-  if (context != nullptr) vq::orb::ForbidMessagesAfterHandshake(*context);
+void ForbidMessagesAfterHandshake() {
+  SSL_CTX* const context = CurrentSslContext();
+  if (context != nullptr) ForbidMessagesAfterHandshake(*context);
 }
 
-std::optional<std::chrono::sys_seconds> OmniOrbTls::CertificateExpiry() {
-  const SSL_CTX* const context = OmniOrbSslContext::Current();
+std::optional<std::chrono::sys_seconds> CertificateExpiry() {
+  const SSL_CTX* const context = CurrentSslContext();
   if (context == nullptr) return std::nullopt;
-  return vq::orb::CertificateExpiry(*context);
+  return CertificateExpiry(*context);
 }
 
 }  // namespace vq::orb

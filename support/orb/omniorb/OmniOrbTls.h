@@ -1,8 +1,8 @@
 // TLS in omniORB: its context, and the refusal of unencrypted requests that are no look-ups.
 //
-//   OmniOrbTls::Prepare(settings);      // before ORB_init
+//   PrepareTls(settings);      // before ORB_init
 //   CORBA::ORB_init(...);
-//   OmniOrbTls::Guard(orb, settings);   // after it
+//   GuardTls(orb, settings);   // after it
 //
 // With TLS on, servers are called over TLS only. Only look-ups in the naming service, which is
 // mostly a program without TLS, may be unencrypted. This is checked for each request, since the
@@ -18,29 +18,24 @@
 
 namespace vq::orb {
 
-// Thread safety: Prepare, Guard and Abandon are called by the thread that starts the ORB, and
+// Thread safety: PrepareTls and GuardTls are called by the thread that starts the ORB, and
 // ForbidMessagesAfterHandshake while no call is in progress; CertificateExpiry may be called by any
 // thread while the ORB is up.
-class OmniOrbTls {
- public:
-  // Checks the settings and installs omniORB's context for them; does nothing more with TLS off.
-  // Raises std::invalid_argument.
-  static void Prepare(const OrbSettings& settings);
 
-  // Removes the context after a failed ORB_init.
-  static void Abandon();
+// Checks the settings and installs omniORB's context for them (OmniOrbSslContext.h); does nothing
+// more with TLS off. Raises std::invalid_argument.
+void PrepareTls(const OrbSettings& settings);
 
-  // If TLS is on, refuses unencrypted requests from now on: they raise CORBA::INV_POLICY, and
-  // vq::orb::TakeCause returns the reason.
-  static void Guard(CORBA::ORB_ptr orb, const OrbSettings& settings);
+// If TLS is on, refuses unencrypted requests from now on: they raise CORBA::INV_POLICY, and
+// vq::orb::TakeCause returns the reason.
+void GuardTls(CORBA::ORB_ptr orb, const OrbSettings& settings);
 
-  // For connections that take calls: if TLS is on, connections use TLS 1.2 from now on, until the
-  // ORB ends.
-  static void ForbidMessagesAfterHandshake();
+// For connections that take calls: if TLS is on, connections use TLS 1.2 from now on, until the ORB
+// ends.
+void ForbidMessagesAfterHandshake();
 
-  // Empty when TLS is off, and without an own certificate.
-  static std::optional<std::chrono::sys_seconds> CertificateExpiry();
-};
+// Empty when TLS is off, and without an own certificate.
+std::optional<std::chrono::sys_seconds> CertificateExpiry();
 
 }  // namespace vq::orb
 

@@ -16,6 +16,7 @@
 #include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
 #include <support/orb/omniorb/OmniOrbProfiles.h>
+#include <support/orb/omniorb/OmniOrbSslContext.h>
 #include <support/orb/omniorb/OmniOrbTls.h>
 
 namespace vq::orb {
@@ -59,11 +60,11 @@ CORBA::ORB_ptr InitOmniOrb(const OrbSettings& settings, const std::vector<OmniOr
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   int count = static_cast<int>(pointers.size());
   pointers.push_back(nullptr);
-  OmniOrbTls::Prepare(settings);
+  PrepareTls(settings);
   try {
     return CORBA::ORB_init(count, pointers.data(), "omniORB4", table.get());
   } catch (const CORBA::Exception&) {
-    OmniOrbTls::Abandon();  // Only an ORB that started destroys the context.
+    RemoveSslContext();  // Only an ORB that started destroys the context.
     throw;
   }
 }
@@ -98,8 +99,7 @@ void OmniOrbTransport::Release(const void* user, bool wait) {
 
 bool OmniOrbTransport::HasOtherUsers(const void* user) {
   const std::lock_guard lock(m_mutex);
-  return std::any_of(m_users.begin(), m_users.end(),
-                     [&](const User& known) { return known.id != user; });
+  return std::ranges::any_of(m_users, [&](const User& known) { return known.id != user; });
 }
 
 TlsSettings OmniOrbTransport::Tls() {
@@ -111,7 +111,7 @@ void OmniOrbTransport::OfferAsLastUser() const {
   if (m_users.empty()) return;
   const bool biDirectional = m_users.back().biDirectional;
   OfferBiDirectional(biDirectional);
-  if (biDirectional) OmniOrbTls::ForbidMessagesAfterHandshake();
+  if (biDirectional) ForbidMessagesAfterHandshake();
 }
 
 CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
@@ -125,12 +125,12 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
   for (auto& [name, value] : options) {
     if (name == "endPoint") value = CheckedEndpoint(value);
   }
-  OmniOrbCodeSet::Install();
+  InstallCodeSet();
   CORBA::ORB_var orb = InitOmniOrb(settings, options, arguments);
-  OmniOrbCalls::Install(settings);
-  OmniOrbProfiles::Install();
+  InstallCalls(settings);
+  InstallProfiles();
   OmniOrbGuest::Install();
-  OmniOrbTls::Guard(orb.in(), settings);
+  GuardTls(orb.in(), settings);
   return orb._retn();
 }
 

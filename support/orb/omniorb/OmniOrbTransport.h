@@ -23,7 +23,7 @@
 namespace vq::orb {
 
 // ORB_init with these options and arguments, and with the TLS context of the settings. Raises
-// CORBA::SystemException, and std::invalid_argument as OmniOrbTls::Prepare.
+// CORBA::SystemException, and std::invalid_argument as PrepareTls.
 CORBA::ORB_ptr InitOmniOrb(const OrbSettings& settings, const std::vector<OmniOrbOption>& options,
                            std::vector<std::string> arguments);
 
