@@ -5,20 +5,6 @@
 #include <support/orb/OrbProduct.h>
 
 namespace vq::orb {
-namespace {
-
-const char* CompletionText(CORBA::CompletionStatus status) {
-  switch (status) {
-    case CORBA::COMPLETED_YES:
-      return "YES";
-    case CORBA::COMPLETED_NO:
-      return "NO";
-    default:
-      return "MAYBE";
-  }
-}
-
-}  // namespace
 
 std::string ExceptionText(const CORBA::Exception& exception) {
   std::string text = fmt::format("{} ({})", exception._name(), exception._rep_id());
@@ -28,7 +14,9 @@ std::string ExceptionText(const CORBA::Exception& exception) {
   if (const std::string name = MinorCodeName(*system); !name.empty()) {
     text += fmt::format(" ({})", name);
   }
-  text += fmt::format(", completed: {}", CompletionText(system->completed()));
+  const bool isYes = system->completed() == CORBA::COMPLETED_YES;
+  const bool isNo = system->completed() == CORBA::COMPLETED_NO;
+  text += fmt::format(", completed: {}", isYes ? "YES" : isNo ? "NO" : "MAYBE");
   if (IsMessageTooLarge(*system)) {
     text += std::string(": the message is larger than the setting ") + kMaxMessageSize + " allows";
   }

@@ -14,10 +14,7 @@
 namespace vq::orb {
 namespace {
 
-std::string& Cause() {
-  thread_local std::string cause;
-  return cause;
-}
+thread_local std::string noted;
 
 constexpr std::chrono::milliseconds kProbeLimit{1000};
 
@@ -58,20 +55,20 @@ std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target)
 }  // namespace
 
 void NoteCause(std::string cause) noexcept {
-  Cause() = std::move(cause);
+  noted = std::move(cause);
 }
 
 void BeginCall() {
   const auto end = CallDeadline::Current();
   if (!end || CallDeadline::Clock::now() < *end) {
-    Cause().clear();
-  } else if (Cause().empty()) {
+    noted.clear();
+  } else if (noted.empty()) {
     NoteCause("the time for the calls was over");
   }
 }
 
 std::string TakeCause() noexcept {
-  return std::exchange(Cause(), {});
+  return std::exchange(noted, {});
 }
 
 void NoteFailedCall(const CORBA::Exception& exception, CORBA::Object_ptr target) noexcept {

@@ -1,18 +1,21 @@
 #include <support/orb/ListenEndpoint.h>
 
-#include <charconv>
-#include <system_error>
+#include <cstdint>
+
+#include <fmt/format.h>
+
+#include <support/os_toolkit/Atoi.h>
+#include <support/os_toolkit/os_tokenizer.h>
 
 namespace vq::orb {
 namespace {
 
 constexpr std::string_view kProtocol = "iiop://";
-constexpr int kHighestPort = 65535;
 
 bool ParseNumber(std::string_view text, int& value) {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  return error == std::errc() && end == text.data() + text.size() && value >= 0 &&
-         value <= kHighestPort;
+  const auto number = WholeNumber<std::uint16_t>(text);
+  value = number.value_or(0);
+  return number.has_value();
 }
 
 bool ApplyOption(std::string_view option, ListenEndpoint& endpoint) {
@@ -43,35 +46,26 @@ std::optional<ListenEndpoint> ParseListenEndpoint(std::string_view text, std::st
     error = "the listen endpoint '" + std::string(text) + "' does not begin with 'iiop://'";
     return std::nullopt;
   }
-  std::string_view rest = text.substr(kProtocol.size());
-  std::string_view options;
-  if (const std::size_t slash = rest.find('/'); slash != std::string_view::npos) {
-    options = rest.substr(slash + 1);
-    rest = rest.substr(0, slash);
-  }
+  const auto refuse = [&](std::string_view part, const char* why) {
+    error = fmt::format("'{}' in '{}' is not a {}", part, text, why);
+    return std::nullopt;
+  };
+  std::string_view options = text.substr(kProtocol.size());
+  std::string_view rest = Cut(options, '/');
 
   // The port follows the last colon; an IPv6 address in brackets holds colons of its own.
   const std::size_t colon = rest.rfind(':');
   const std::size_t bracket = rest.rfind(']');
   if (colon != std::string_view::npos && (bracket == std::string_view::npos || colon > bracket)) {
     const std::string_view port = rest.substr(colon + 1);
-    if (!port.empty() && !ParseNumber(port, endpoint.port)) {
-      error = "'" + std::string(port) + "' in '" + std::string(text) + "' is not a port number";
-      return std::nullopt;
-    }
+    if (!port.empty() && !ParseNumber(port, endpoint.port)) return refuse(port, "port number");
     rest = rest.substr(0, colon);
   }
   endpoint.host = rest;
 
   while (!options.empty()) {
-    const std::size_t separator = options.find('&');
-    const std::string_view option = options.substr(0, separator);
-    options.remove_prefix(separator == std::string_view::npos ? options.size() : separator + 1);
-    if (!ApplyOption(option, endpoint)) {
-      error = "'" + std::string(option) + "' in '" + std::string(text) +
-              "' is not a listen endpoint option";
-      return std::nullopt;
-    }
+    const std::string_view option = Cut(options, '&');
+    if (!ApplyOption(option, endpoint)) return refuse(option, "listen endpoint option");
   }
   if (endpoint.portSpan > 0 && endpoint.port == 0) {
     error = "'" + std::string(text) + "' has a port span and no port to start from";

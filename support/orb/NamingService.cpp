@@ -45,10 +45,6 @@ CORBA::Object_ptr NamingService::Resolve(const CosNaming::Name& name) {
 
 void NamingService::Ask(const std::function<void(CosNaming::NamingContext_ptr)>& call) {
   const std::size_t count = m_roots.size();
-  if (count == 1) {
-    call(m_roots.front().in());
-    return;
-  }
   const std::size_t first = m_answering;
   const auto end = CallDeadline::Clock::now() + m_timeOut;
   for (std::size_t tried = 0;; ++tried) {

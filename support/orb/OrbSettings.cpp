@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <functional>
-#include <optional>
-#include <sstream>
 #include <stdexcept>
+
+#include <fmt/format.h>
 
 #include <support/configuration/ConfigAPI.h>
 #include <support/foundations/Locations.h>
+#include <support/os_toolkit/Atoi.h>
+#include <support/os_toolkit/os_tokenizer.h>
 
 namespace vq::orb {
 namespace {
@@ -44,19 +44,20 @@ constexpr std::array kKnown{
 };
 
 [[noreturn]] void Refuse(const ResolvedSetting& setting, std::string_view form) {
-  throw std::invalid_argument("the value '" + setting.value + "' of " + setting.name + " (" +
-                              setting.origin + ") is not " + std::string(form));
+  throw std::invalid_argument(fmt::format("the value '{}' of {} ({}) is not {}", setting.value,
+                                          setting.name, setting.origin, form));
 }
 
-std::uint64_t Number(const ResolvedSetting& setting, std::uint64_t lowest, std::uint64_t highest,
-                     std::string_view form) {
-  std::uint64_t value = 0;
-  const char* const end = setting.value.data() + setting.value.size();
-  const auto [rest, error] = std::from_chars(setting.value.data(), end, value);
-  if (error != std::errc() || rest != end || value < lowest || value > highest) {
-    Refuse(setting, form);
-  }
-  return value;
+std::uint64_t Number(const ResolvedSetting& setting, std::string_view unit, std::uint64_t lowest,
+                     std::uint64_t highest) {
+  const auto value = WholeNumber<std::uint64_t>(setting.value);
+  if (value && *value >= lowest && *value <= highest) return *value;
+  Refuse(setting, fmt::format("a number of {} from {} to {}", unit, lowest, highest));
+}
+
+std::chrono::milliseconds Time(const ResolvedSetting& setting, std::uint64_t lowest) {
+  constexpr std::uint64_t kDay = 86'400'000;
+  return std::chrono::milliseconds(Number(setting, "milliseconds", lowest, kDay));
 }
 
 bool Flag(const ResolvedSetting& setting) {
@@ -67,24 +68,16 @@ bool Flag(const ResolvedSetting& setting) {
 // Host names and addresses, separated by commas. A wildcard is the whole first part of a name.
 std::vector<std::string> HostPatterns(const ResolvedSetting& setting) {
   std::vector<std::string> patterns;
-  std::istringstream list(setting.value);
-  for (std::string pattern; std::getline(list, pattern, ',');) {
-    const std::string_view name =
-        std::string_view(pattern).substr(pattern.starts_with("*.") ? 2 : 0);
+  for (std::string_view list = setting.value; !list.empty();) {
+    const std::string_view pattern = Cut(list, ',');
+    const std::string_view name = pattern.substr(pattern.starts_with("*.") ? 2 : 0);
     if (name.empty() || name.front() == '.' || name.find_first_of("* \t") != std::string::npos) {
       Refuse(setting,
              "a list of host names, *.DOMAIN and addresses, such as *.site.example,10.0.0.1");
     }
-    patterns.push_back(pattern);
+    patterns.emplace_back(pattern);
   }
   return patterns;
-}
-
-ListenEndpoint Endpoint(const ResolvedSetting& setting) {
-  std::string error;
-  const std::optional<ListenEndpoint> endpoint = ParseListenEndpoint(setting.value, error);
-  if (!endpoint) Refuse(setting, "a listen endpoint: " + error);
-  return *endpoint;
 }
 
 ResolvedSetting Resolve(const KnownSetting& known, const OrbArguments& arguments,
@@ -115,8 +108,9 @@ std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
     refs.push_back(ref);
   };
   if (setting.origin == kCommandLine) {
-    const auto [first, last] = arguments.options.equal_range(setting.name);
-    std::for_each(first, last, [&](const auto& option) { add(option.second); });
+    for (const auto& [name, ref] : arguments.options) {
+      if (name == setting.name) add(ref);
+    }
   } else if (!setting.value.empty()) {
     add(setting.value);
   }
@@ -129,8 +123,7 @@ OrbArguments SplitArguments(int argc, const char* const* argv) {
   OrbArguments arguments;
   for (int i = 0; argv != nullptr && i < argc && argv[i] != nullptr; ++i) {
     const std::string argument = argv[i];
-    const auto isOurs = [&](const KnownSetting& known) { return known.name == argument; };
-    if (std::none_of(kKnown.begin(), kKnown.end(), isOurs)) {
+    if (std::ranges::find(kKnown, argument, &KnownSetting::name) == kKnown.end()) {
       arguments.rest.push_back(argument);
       continue;
     }
@@ -171,27 +164,21 @@ OrbSettings ResolveSettings(const OrbArguments& arguments,
     settings.table.push_back(Resolve(known, arguments, scopes));
   }
   const auto find = [&](std::string_view name) -> const ResolvedSetting& {
-    return *std::find_if(settings.table.begin(), settings.table.end(),
-                         [&](const ResolvedSetting& setting) { return setting.name == name; });
+    return *std::ranges::find(settings.table, name, &ResolvedSetting::name);
   };
-  constexpr std::string_view kMilliseconds = "a number of milliseconds from 1 to 86400000";
-  constexpr std::uint64_t kDay = 86'400'000;
 
-  settings.listenEndpoint = Endpoint(find(kListenEndpoints));
+  std::string error;
+  const auto endpoint = ParseListenEndpoint(find(kListenEndpoints).value, error);
+  if (!endpoint) Refuse(find(kListenEndpoints), "a listen endpoint: " + error);
+  settings.listenEndpoint = *endpoint;
   settings.biDirectional = Flag(find(kBiDirPolicy));
   settings.preferIpMask = find(kPreferIpMask).value;
   settings.initialRefs = InitialRefs(find(kInitRef), arguments);
-  settings.connectTimeout =
-      std::chrono::milliseconds(Number(find(kConnectTimeout), 1, kDay, kMilliseconds));
-  settings.callTimeout =
-      std::chrono::milliseconds(Number(find(kCallTimeout), 1, kDay, kMilliseconds));
-  constexpr std::string_view kMillisecondsOr0 = "a number of milliseconds from 0 to 86400000";
-  settings.tcpKeepAlive =
-      std::chrono::milliseconds(Number(find(kTcpKeepAlive), 0, kDay, kMillisecondsOr0));
-  settings.tcpUserTimeout =
-      std::chrono::milliseconds(Number(find(kTcpUserTimeout), 0, kDay, kMillisecondsOr0));
-  settings.maxMessageSize =
-      Number(find(kMaxMessageSize), 8192, 0x7FFFFFFF, "a number of bytes from 8192 to 2147483647");
+  settings.connectTimeout = Time(find(kConnectTimeout), 1);
+  settings.callTimeout = Time(find(kCallTimeout), 1);
+  settings.tcpKeepAlive = Time(find(kTcpKeepAlive), 0);
+  settings.tcpUserTimeout = Time(find(kTcpUserTimeout), 0);
+  settings.maxMessageSize = Number(find(kMaxMessageSize), "bytes", 8192, 0x7FFFFFFF);
   settings.tls.caCertificate = find(kTlsCa).value;
   settings.tls.certificate = find(kTlsCertificate).value;
   settings.tls.privateKey = find(kTlsKey).value;

@@ -31,11 +31,6 @@ struct Registry {
   }
 };
 
-// The configuration domain's scope for an ORB: its name without the number.
-std::string ScopeOf(const std::string& orbName) {
-  return orbName.substr(0, orbName.rfind(':'));
-}
-
 // Replaces the mark of the own address by the address that begins with the IP mask.
 void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
   std::string& host = settings.listenEndpoint.publishedHost;
@@ -113,8 +108,9 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::InitAlways");
   vq::orb::TakeCause();
   const std::string orbName = name;
+  const std::string scope = orbName.substr(0, orbName.rfind(':'));  // without the number
   std::vector<std::string> productArguments;
-  if (!ReadSettings(argc, argv, ScopeOf(orbName), productArguments)) return false;
+  if (!ReadSettings(argc, argv, scope, productArguments)) return false;
   try {
     m_instance = vq::orb::StartOrb(orbName, m_role, m_useThreadPool, *m_settings, productArguments);
     if (ReachNamingService()) {

@@ -2,18 +2,17 @@
 
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <system_error>
-#include <vector>
 
 #include <netdb.h>
-#include <poll.h>
 #include <sys/socket.h>
 
 #include <support/orb/ListenEndpoint.h>
 #include <support/orb/OrbProduct.h>
+#include <support/os_toolkit/Atoi.h>
 #include <support/os_toolkit/os_file_system.h>
 
 namespace vq::orb {
@@ -21,20 +20,13 @@ namespace {
 
 // The error number of one attempt to connect; 0 when it succeeds.
 int TryToConnect(const addrinfo& address, std::chrono::milliseconds limit) {
-  const Descriptor probe(
-      ::socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  const Descriptor probe(::socket(address.ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
   if (!probe.IsOpen()) return errno;
-  int error = ::connect(probe.Get(), address.ai_addr, address.ai_addrlen) == -1 ? errno : 0;
-  if (error == EINPROGRESS) {
-    pollfd waiting{probe.Get(), POLLOUT, 0};
-    socklen_t length = sizeof error;
-    if (::poll(&waiting, 1, static_cast<int>(limit.count())) != 1) {
-      error = ETIMEDOUT;
-    } else if (::getsockopt(probe.Get(), SOL_SOCKET, SO_ERROR, &error, &length) == -1) {
-      error = errno;
-    }
-  }
-  return error;
+  // Linux applies the limit of a send to connecting, too, and reports its end as EINPROGRESS.
+  const timeval time{limit.count() / 1000, limit.count() % 1000 * 1000};
+  ::setsockopt(probe.Get(), SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
+  if (::connect(probe.Get(), address.ai_addr, address.ai_addrlen) == 0) return 0;
+  return errno == EINPROGRESS ? ETIMEDOUT : errno;
 }
 
 constexpr std::uint32_t kIiopProfile = 0;
@@ -43,165 +35,142 @@ constexpr std::uint32_t kTlsPort = 20;          // a component with the port for
 // host:port has room for 255 characters; a longer one is not an address.
 constexpr std::size_t kLongestAddress = 255;
 
+// Raised where a reference, or a part of it, has another form.
+struct Malformed {};
+
 // Reads a CDR encapsulation: a byte order, then numbers aligned to their size, counted from the
 // encapsulation's first byte. Every read checks what is left.
 class CdrReader {
  public:
-  CdrReader(const std::uint8_t* data, std::size_t size) : m_data(data), m_size(size) {
-    std::uint8_t order = 0;
-    m_ok = Octet(order) && order <= 1;
+  explicit CdrReader(std::string_view bytes) : m_bytes(bytes) {
+    const auto order = Number<std::uint8_t>();
+    if (order > 1) throw Malformed();
     m_littleEndian = order == 1;
   }
 
-  bool Ok() const { return m_ok; }
-
-  bool Octet(std::uint8_t& value) {
-    if (m_position >= m_size) return false;
-    value = m_data[m_position++];
-    return true;
+  template <class Unsigned>
+  Unsigned Number() {
+    constexpr std::size_t kSize = sizeof(Unsigned);
+    m_position = (m_position + kSize - 1) / kSize * kSize;
+    const std::string_view bytes = Take(kSize);
+    Unsigned value = 0;
+    for (std::size_t i = 0; i < kSize; ++i) {
+      const auto byte = static_cast<std::uint8_t>(bytes[m_littleEndian ? kSize - 1 - i : i]);
+      value = static_cast<Unsigned>(std::uint64_t{value} << 8U | byte);
+    }
+    return value;
   }
 
-  bool Short(std::uint16_t& value) {
-    std::uint32_t wide = 0;
-    if (!Number(2, wide)) return false;
-    value = static_cast<std::uint16_t>(wide);
-    return true;
-  }
+  std::string_view Octets() { return Take(Number<std::uint32_t>()); }
 
-  bool Long(std::uint32_t& value) { return Number(4, value); }
-
-  bool Bytes(const std::uint8_t*& data, std::uint32_t& length) {
-    if (!Long(length) || length > m_size - m_position) return false;
-    data = m_data + m_position;
-    m_position += length;
-    return true;
-  }
-
-  bool Text(std::string& text) {
-    const std::uint8_t* data = nullptr;
-    std::uint32_t length = 0;
-    if (!Bytes(data, length) || length == 0 || data[length - 1] != 0) return false;
-    text.assign(reinterpret_cast<const char*>(data), length - 1);
-    return true;
+  std::string Text() {
+    const std::string_view text = Octets();
+    if (!text.ends_with('\0')) throw Malformed();
+    return std::string(text.substr(0, text.size() - 1));
   }
 
  private:
-  bool Number(std::size_t width, std::uint32_t& value) {
-    const std::size_t aligned = (m_position + width - 1) / width * width;
-    if (aligned > m_size || m_size - aligned < width) return false;
-    value = 0;
-    for (std::size_t i = 0; i < width; ++i) {
-      const std::size_t place = m_littleEndian ? width - 1 - i : i;
-      value = (value << 8U) | m_data[aligned + place];
-    }
-    m_position = aligned + width;
-    return true;
+  std::string_view Take(std::size_t size) {
+    if (m_position > m_bytes.size() || m_bytes.size() - m_position < size) throw Malformed();
+    m_position += size;
+    return m_bytes.substr(m_position - size, size);
   }
 
-  const std::uint8_t* m_data;
-  std::size_t m_size;
+  const std::string_view m_bytes;
   std::size_t m_position = 0;
   bool m_littleEndian = false;
-  bool m_ok = false;
 };
 
-bool DecodeHex(std::string_view text, std::vector<std::uint8_t>& bytes) {
-  if (text.size() % 2 != 0) return false;
-  bytes.resize(text.size() / 2);
-  const char* digits = text.data();
-  for (std::uint8_t& byte : bytes) {
-    const auto [end, error] = std::from_chars(digits, digits + 2, byte, 16);
-    if (error != std::errc() || end != digits + 2) return false;
-    digits = end;
+// The bytes of a reference, from its "IOR:" and hexadecimal digits.
+std::string BytesOf(std::string_view ior) {
+  constexpr std::string_view kPrefix = "IOR:";
+  if (!ior.starts_with(kPrefix) || ior.size() % 2 != 0) throw Malformed();
+  std::string bytes;
+  for (std::size_t at = kPrefix.size(); at < ior.size(); at += 2) {
+    const auto byte = WholeNumber<std::uint8_t>(ior.substr(at, 2), 16);
+    if (!byte) throw Malformed();
+    bytes += static_cast<char>(*byte);
   }
-  return true;
+  return bytes;
 }
 
 // The first part of a profile for IIOP.
 struct ProfileHead {
-  std::uint8_t minor = 0;  // of the version
+  std::uint8_t minor;  // of the version
   std::string host;
-  std::uint16_t port = 0;
+  std::uint16_t port;
 };
 
-bool ReadHead(CdrReader& profile, ProfileHead& head) {
-  std::uint8_t major = 0;
-  return profile.Ok() && profile.Octet(major) && profile.Octet(head.minor) && major == 1 &&
-         profile.Text(head.host) && profile.Short(head.port);
+ProfileHead ReadHead(CdrReader& profile) {
+  if (profile.Number<std::uint8_t>() != 1) throw Malformed();  // the major version
+  return {profile.Number<std::uint8_t>(), profile.Text(), profile.Number<std::uint16_t>()};
 }
 
-AddressFault ReadProfile(const std::uint8_t* data, std::size_t size, ReferenceAddress& address) {
-  CdrReader profile(data, size);
-  ProfileHead head;
-  if (!ReadHead(profile, head)) return AddressFault::kInvalidProfile;
-  const std::string port = std::to_string(head.port);
-  if (head.host.empty() || head.host.size() + 1 + port.size() > kLongestAddress) {
-    return AddressFault::kNoAddress;
-  }
-  address = {head.host, port};
-  return AddressFault::kNone;
-}
-
-// The components of a profile, after its first address.
-void ReadComponents(CdrReader& profile, std::vector<ReferenceEndpoint>& endpoints,
-                    const ReferenceEndpoint& first) {
-  const std::uint8_t* data = nullptr;
-  std::uint32_t length = 0;
-  std::uint32_t count = 0;
-  if (!profile.Bytes(data, length) || !profile.Long(count))
-    return;  // the object's key, then the components
-  for (std::uint32_t i = 0; i < count; ++i) {
-    std::uint32_t tag = 0;
-    if (!profile.Long(tag) || !profile.Bytes(data, length)) return;
-    CdrReader component(data, length);
-    ReferenceEndpoint endpoint = first;
-    std::uint16_t port = 0;
-    std::uint16_t ignored = 0;
-    if (tag == kAlternateAddress && component.Ok() && component.Text(endpoint.host) &&
-        component.Short(port)) {
-      endpoint.port = port;
-    } else if (tag == kTlsPort && component.Ok() && component.Short(ignored) &&
-               component.Short(ignored) && component.Short(port)) {
-      endpoint.port = port;
+// The address in a component of a profile whose first address is `endpoint`, if there is one.
+std::optional<ReferenceEndpoint> FurtherEndpoint(std::uint32_t tag, std::string_view content,
+                                                 ReferenceEndpoint endpoint) {
+  if (tag != kAlternateAddress && tag != kTlsPort) return std::nullopt;
+  try {
+    CdrReader component(content);
+    if (tag == kAlternateAddress) {
+      endpoint.host = component.Text();
+    } else {
       endpoint.tls = true;
+      component.Number<std::uint16_t>();  // which options of TLS the server supports,
+      component.Number<std::uint16_t>();  // and which it requires
     }
-    if (port != 0) endpoints.push_back(endpoint);
+    endpoint.port = component.Number<std::uint16_t>();
+  } catch (const Malformed&) {  // The other components still count.
+    endpoint.port = 0;
   }
+  return endpoint.port != 0 ? std::optional(endpoint) : std::nullopt;
 }
 
-void ReadEndpoints(const std::uint8_t* data, std::size_t size, int number,
+void ReadEndpoints(std::string_view content, int number,
                    std::vector<ReferenceEndpoint>& endpoints) {
-  CdrReader profile(data, size);
-  ProfileHead head;
-  if (!ReadHead(profile, head) || head.host.empty()) return;
+  CdrReader profile(content);
+  const ProfileHead head = ReadHead(profile);
+  if (head.host.empty()) return;
   const ReferenceEndpoint first{.host = head.host, .port = head.port, .profile = number};
   if (first.port != 0) endpoints.push_back(first);
-  if (head.minor > 0) ReadComponents(profile, endpoints, first);
+  if (head.minor == 0) return;
+  profile.Octets();  // the object's key; the components follow
+  for (auto count = profile.Number<std::uint32_t>(); count > 0; --count) {
+    const auto tag = profile.Number<std::uint32_t>();
+    const auto further = FurtherEndpoint(tag, profile.Octets(), first);
+    if (further) endpoints.push_back(*further);
+  }
 }
 
 // Passes the content of each IIOP profile of a reference to `take`, until that returns false.
 template <class Take>
 AddressFault ForEachProfile(std::string_view ior, Take take) {
-  constexpr std::string_view kPrefix = "IOR:";
-  std::vector<std::uint8_t> bytes;
-  if (!ior.starts_with(kPrefix) || !DecodeHex(ior.substr(kPrefix.size()), bytes)) {
-    return AddressFault::kInvalidStub;
+  AddressFault fault = AddressFault::kInvalidStub;
+  try {
+    const std::string bytes = BytesOf(ior);
+    CdrReader reader(bytes);
+    const std::string typeId = reader.Text();
+    const auto profiles = reader.Number<std::uint32_t>();
+    if (typeId.empty() && profiles == 0) return AddressFault::kNil;
+    fault = AddressFault::kInvalidProfile;
+    for (std::uint32_t i = 0; i < profiles; ++i) {
+      const auto tag = reader.Number<std::uint32_t>();
+      const std::string_view content = reader.Octets();
+      if (tag == kIiopProfile && !take(content)) break;
+    }
+    return AddressFault::kNone;
+  } catch (const Malformed&) {
+    return fault;
   }
-  CdrReader reader(bytes.data(), bytes.size());
-  std::string typeId;
-  std::uint32_t profiles = 0;
-  if (!reader.Ok() || !reader.Text(typeId) || !reader.Long(profiles)) {
-    return AddressFault::kInvalidStub;
+}
+
+// The reference as a string. Empty for nil, a local object and one of an ORB that has ended.
+std::string TextOf(CORBA::Object_ptr object) {
+  try {
+    return CORBA::is_nil(object) ? "" : StringifyReference(object);
+  } catch (const CORBA::Exception&) {
+    return {};
   }
-  if (typeId.empty() && profiles == 0) return AddressFault::kNil;
-  for (std::uint32_t i = 0; i < profiles; ++i) {
-    std::uint32_t tag = 0;
-    const std::uint8_t* data = nullptr;
-    std::uint32_t length = 0;
-    if (!reader.Long(tag) || !reader.Bytes(data, length)) return AddressFault::kInvalidProfile;
-    if (tag == kIiopProfile && !take(data, length)) return AddressFault::kNone;
-  }
-  return AddressFault::kNone;
 }
 
 }  // namespace
@@ -213,37 +182,35 @@ std::string_view AddressFaultText(AddressFault fault) {
 }
 
 AddressFault AddressOf(CORBA::Object_ptr object, ReferenceAddress& address) {
-  if (CORBA::is_nil(object)) return AddressFault::kNil;
-  try {
-    return AddressOfText(StringifyReference(object), address);
-  } catch (const CORBA::Exception&) {  // A local object or one of an ORB that has ended.
-    return AddressFault::kInvalidStub;
-  }
+  return CORBA::is_nil(object) ? AddressFault::kNil : AddressOfText(TextOf(object), address);
 }
 
 AddressFault AddressOfText(std::string_view ior, ReferenceAddress& address) {
   AddressFault result = AddressFault::kInvalidProfile;
-  const AddressFault whole = ForEachProfile(ior, [&](const std::uint8_t* data, std::size_t size) {
-    result = ReadProfile(data, size, address);
+  const AddressFault whole = ForEachProfile(ior, [&](std::string_view content) {
+    CdrReader profile(content);
+    const ProfileHead head = ReadHead(profile);
+    const std::string port = std::to_string(head.port);
+    const bool fits = !head.host.empty() && head.host.size() + 1 + port.size() <= kLongestAddress;
+    result = fits ? AddressFault::kNone : AddressFault::kNoAddress;
+    if (fits) address = {head.host, port};
     return false;
   });
   return whole != AddressFault::kNone ? whole : result;
 }
 
 std::vector<ReferenceEndpoint> EndpointsOf(CORBA::Object_ptr object) {
-  if (CORBA::is_nil(object)) return {};
-  try {
-    return EndpointsOfText(StringifyReference(object));
-  } catch (const CORBA::Exception&) {  // as in AddressOf
-    return {};
-  }
+  return EndpointsOfText(TextOf(object));
 }
 
 std::vector<ReferenceEndpoint> EndpointsOfText(std::string_view ior) {
   std::vector<ReferenceEndpoint> endpoints;
-  int profile = 0;
-  ForEachProfile(ior, [&](const std::uint8_t* data, std::size_t size) {
-    ReadEndpoints(data, size, profile++, endpoints);
+  int number = 0;
+  ForEachProfile(ior, [&](std::string_view content) {
+    try {
+      ReadEndpoints(content, number++, endpoints);
+    } catch (const Malformed&) {  // The other profiles still count.
+    }
     return true;
   });
   return endpoints;

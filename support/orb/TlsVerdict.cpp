@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
-#include <initializer_list>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -14,6 +13,7 @@
 #include <netdb.h>
 #include <sys/socket.h>
 
+#include <fmt/format.h>
 #include <openssl/bio.h>
 #include <openssl/err.h>
 #include <openssl/x509v3.h>
@@ -26,93 +26,74 @@ namespace {
 
 TDiagRegister diagModule("TLS");
 
-// A text, the setting that it names, if any, and the rest of the text.
+// A text, in which {} is the setting.
 struct Reason {
   int error;
   std::string_view text;
   std::string_view setting{};
-  std::string_view rest{};
 };
 
 // Why a certificate is refused, by X509_V_ERR_... Each ends in what to do next.
 constexpr std::string_view kUnknownCa =
-    "its CA is unknown; add the CA's certificate to the file of ";
-constexpr std::string_view kIfTrusted = " if you trust it";
+    "its CA is unknown; add the CA's certificate to the file of {} if you trust it";
 constexpr Reason kReasons[] = {
     {X509_V_ERR_CERT_HAS_EXPIRED, "it has expired; have it renewed"},
     {X509_V_ERR_CERT_NOT_YET_VALID,
      "it is not yet valid; compare the clocks of both hosts, or wait"},
     {X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT,
-     "it is self-signed; have it signed by a CA, or add it to the file of ", kTlsCa},
-    {X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN, kUnknownCa, kTlsCa, kIfTrusted},
-    {X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY, kUnknownCa, kTlsCa, kIfTrusted},
-    {X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE, kUnknownCa, kTlsCa, kIfTrusted},
+     "it is self-signed; have it signed by a CA, or add it to the file of {}", kTlsCa},
+    {X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN, kUnknownCa, kTlsCa},
+    {X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY, kUnknownCa, kTlsCa},
+    {X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE, kUnknownCa, kTlsCa},
     {X509_V_ERR_HOSTNAME_MISMATCH,
      "it is for another host; have one made that names this host, or let the server publish the "
      "name that the certificate has"},
-    {X509_V_ERR_APPLICATION_VERIFICATION, "none of its names is among those of ", kTlsServerNames,
-     "; if the server is legitimate, add its name there"},
+    {X509_V_ERR_APPLICATION_VERIFICATION,
+     "none of its names is among those of {}; if the server is legitimate, add its name there",
+     kTlsServerNames},
     {X509_V_ERR_CERT_REVOKED, "its CA has revoked it; have a new one made"},
-    {X509_V_ERR_UNABLE_TO_GET_CRL, "the file of ", kTlsRevocationList,
-     " has no list of its CA; add it"},
-    {X509_V_ERR_CRL_HAS_EXPIRED, "its CA's list in the file of ", kTlsRevocationList,
-     " has expired; put the current one there"},
+    {X509_V_ERR_UNABLE_TO_GET_CRL, "the file of {} has no list of its CA; add it",
+     kTlsRevocationList},
+    {X509_V_ERR_CRL_HAS_EXPIRED,
+     "its CA's list in the file of {} has expired; put the current one there", kTlsRevocationList},
 };
 
 // Why a handshake fails, by OpenSSL's error or by the alert that the peer sent.
 constexpr std::string_view kNoVersion =
-    "it offers no TLS version that is accepted: 1.2 and, unless ";
-constexpr std::string_view kLaterVersions = " is 1, later ones";
+    "it offers no TLS version that is accepted: 1.2 and, unless {} is 1, later ones";
 constexpr Reason kErrors[] = {
     {SSL_R_WRONG_VERSION_NUMBER, "it does not speak TLS at this port"},
-    {SSL_R_UNSUPPORTED_PROTOCOL, kNoVersion, kBiDirPolicy, kLaterVersions},
+    {SSL_R_UNSUPPORTED_PROTOCOL, kNoVersion, kBiDirPolicy},
     {SSL_R_UNEXPECTED_EOF_WHILE_READING, "it closed the connection"},
 };
 constexpr Reason kAlerts[] = {
-    {SSL_AD_PROTOCOL_VERSION, kNoVersion, kBiDirPolicy, kLaterVersions},
-    {SSL_AD_CERTIFICATE_REQUIRED, "it requires a certificate; set ", kTlsCertificate},
-    {SSL_AD_UNKNOWN_CA, "it does not trust the CA of ", kTlsCertificate},
-    {SSL_AD_CERTIFICATE_EXPIRED, "the certificate of ", kTlsCertificate, " has expired"},
-    {SSL_AD_CERTIFICATE_REVOKED, "the certificate of ", kTlsCertificate, " is revoked"},
+    {SSL_AD_PROTOCOL_VERSION, kNoVersion, kBiDirPolicy},
+    {SSL_AD_CERTIFICATE_REQUIRED, "it requires a certificate; set {}", kTlsCertificate},
+    {SSL_AD_UNKNOWN_CA, "it does not trust the CA of {}", kTlsCertificate},
+    {SSL_AD_CERTIFICATE_EXPIRED, "the certificate of {} has expired", kTlsCertificate},
+    {SSL_AD_CERTIFICATE_REVOKED, "the certificate of {} is revoked", kTlsCertificate},
 };
-
-std::string Joined(std::initializer_list<std::string_view> pieces) {
-  std::string text;
-  for (const std::string_view piece : pieces) text += piece;
-  return text;
-}
-
-struct FreeBio {
-  void operator()(BIO* bio) const { BIO_free(bio); }
-};
-
-// What a function of OpenSSL prints.
-template <class Print>
-std::string Printed(Print print) {
-  const std::unique_ptr<BIO, FreeBio> bio(BIO_new(BIO_s_mem()));
-  if (bio == nullptr) return {};
-  print(bio.get());
-  char* data = nullptr;
-  const long size = BIO_get_mem_data(bio.get(), &data);
-  return size > 0 ? std::string(data, static_cast<std::size_t>(size)) : std::string();
-}
 
 std::string Describe(X509* certificate) {
   if (certificate == nullptr) return "none";
-  return Printed([&](BIO* bio) {
-    BIO_puts(bio, "subject '");
-    X509_NAME_print_ex(bio, X509_get_subject_name(certificate), 0, XN_FLAG_ONELINE);
-    BIO_puts(bio, "', issuer '");
-    X509_NAME_print_ex(bio, X509_get_issuer_name(certificate), 0, XN_FLAG_ONELINE);
-    BIO_puts(bio, "', valid from ");
-    ASN1_TIME_print(bio, X509_get0_notBefore(certificate));
-    BIO_puts(bio, " to ");
-    ASN1_TIME_print(bio, X509_get0_notAfter(certificate));
-    const int names = X509_get_ext_by_NID(certificate, NID_subject_alt_name, -1);
-    if (names < 0) return;
+  const std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), BIO_free);
+  BIO* const bio = memory.get();
+  if (bio == nullptr) return {};
+  BIO_puts(bio, "subject '");
+  X509_NAME_print_ex(bio, X509_get_subject_name(certificate), 0, XN_FLAG_ONELINE);
+  BIO_puts(bio, "', issuer '");
+  X509_NAME_print_ex(bio, X509_get_issuer_name(certificate), 0, XN_FLAG_ONELINE);
+  BIO_puts(bio, "', valid from ");
+  ASN1_TIME_print(bio, X509_get0_notBefore(certificate));
+  BIO_puts(bio, " to ");
+  ASN1_TIME_print(bio, X509_get0_notAfter(certificate));
+  if (const int names = X509_get_ext_by_NID(certificate, NID_subject_alt_name, -1); names >= 0) {
     BIO_puts(bio, ", for ");
     X509V3_EXT_print(bio, X509_get_ext(certificate, names), 0, 0);
-  });
+  }
+  char* text = nullptr;
+  const long size = BIO_get_mem_data(bio, &text);
+  return {text, static_cast<std::size_t>(size)};
 }
 
 struct Peer {
@@ -170,7 +151,7 @@ bool IsAllowedServer(X509* certificate, const TlsSettings& settings) {
 // The table's text for an error, or else OpenSSL's own.
 std::string ReasonText(std::span<const Reason> table, int error, const char* otherwise) {
   const auto found = std::ranges::find(table, error, &Reason::error);
-  if (found != table.end()) return Joined({found->text, found->setting, found->rest});
+  if (found != table.end()) return fmt::format(fmt::runtime(found->text), found->setting);
   return otherwise != nullptr ? otherwise : "error " + std::to_string(error);
 }
 
@@ -231,9 +212,8 @@ int ReportMissingCertificate(SSL* connection, X509**, EVP_PKEY**) {
   Handshake* const handshake = Handshake::Of(connection);
   if (handshake == nullptr) return 0;
   handshake->asksForCertificate = true;
-  const std::string line =
-      Joined({"The server at ", handshake->peer, " asks for a certificate, and ", kTlsCertificate,
-              " is not set"});
+  const std::string line = fmt::format("The server at {} asks for a certificate, and {} is not set",
+                                       handshake->peer, kTlsCertificate);
   VQ_LOG(diagModule, 2) << line;
   NoteCause(line);
   return 0;
@@ -254,8 +234,8 @@ void LimitMessages(int isSent, int, int type, const void*, std::size_t, SSL* con
   const unsigned long error = ERR_peek_last_error();
   const char* const reason = error != 0 ? ERR_reason_error_string(error) : nullptr;
   ERR_clear_error();
-  throw std::invalid_argument(Joined({what, " '", file, "' of ", setting, " cannot be used: ",
-                                      reason != nullptr ? reason : "it cannot be read"}));
+  throw std::invalid_argument(fmt::format("{} '{}' of {} cannot be used: {}", what, file, setting,
+                                          reason != nullptr ? reason : "it cannot be read"));
 }
 
 // OpenSSL would ask for a pass phrase on the terminal.
@@ -273,21 +253,21 @@ void CheckTls(const OrbSettings& settings) {
   const TlsSettings& tls = settings.tls;
   if (!tls.IsOn() &&
       (tls.encryptLookups || !tls.serverNames.empty() || !tls.revocationList.empty())) {
-    throw std::invalid_argument(
-        Joined({kTlsServerNames, ", ", kTlsEncryptLookups, " or ", kTlsRevocationList,
-                " is set, and TLS is off; set ", kTlsCa}));
+    throw std::invalid_argument(fmt::format("{}, {} or {} is set, and TLS is off; set {}",
+                                            kTlsServerNames, kTlsEncryptLookups, kTlsRevocationList,
+                                            kTlsCa));
   }
   if (settings.listenEndpoint.tlsPort != 0 && tls.certificate.empty()) {
     throw std::invalid_argument(
-        Joined({"the listen endpoint has an ssl_port, and ", kTlsCertificate, " is not set"}));
+        fmt::format("the listen endpoint has an ssl_port, and {} is not set", kTlsCertificate));
   }
 }
 
 void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
   ERR_clear_error();
   if (!settings.verifyPeer && (!settings.serverNames.empty() || !settings.revocationList.empty())) {
-    throw std::invalid_argument(Joined(
-        {kTlsServerNames, " or ", kTlsRevocationList, " is set, and ", kTlsVerifyPeer, " is 0"}));
+    throw std::invalid_argument(fmt::format("{} or {} is set, and {} is 0", kTlsServerNames,
+                                            kTlsRevocationList, kTlsVerifyPeer));
   }
   SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
   SSL_CTX_set_options(&context, SSL_OP_NO_RENEGOTIATION);
@@ -314,7 +294,7 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
   }
   if (settings.certificate.empty()) {
     if (settings.privateKey.empty()) return;
-    throw std::invalid_argument(Joined({kTlsKey, " is set and ", kTlsCertificate, " is not"}));
+    throw std::invalid_argument(fmt::format("{} is set and {} is not", kTlsKey, kTlsCertificate));
   }
   if (SSL_CTX_use_certificate_chain_file(&context, settings.certificate.c_str()) != 1) {
     Refuse("the certificate", settings.certificate, kTlsCertificate);
@@ -353,16 +333,17 @@ void ReportUnencrypted(const std::string& cause) {
 }
 
 void ReportNoTls(const std::string& server) {
-  ReportUnencrypted(Joined({"The call to ", server,
-                            " is refused: it would be unencrypted, since that server offers no "
-                            "TLS. Give it a TLS endpoint, or take ",
-                            kTlsCa, " and ", kTlsCertificate, " out of the settings"}));
+  ReportUnencrypted(fmt::format(
+      "The call to {} is refused: it would be unencrypted, since that server offers no TLS. Give "
+      "it a TLS endpoint, or take {} and {} out of the settings",
+      server, kTlsCa, kTlsCertificate));
 }
 
 void ReportLookUpNoTls(const std::string& place) {
-  ReportUnencrypted(Joined({"The look-up at ", place,
-                            " is refused: it would be unencrypted, since that naming service "
-                            "offers no TLS, and -SSLEncryptLookups is 1"}));
+  ReportUnencrypted(fmt::format(
+      "The look-up at {} is refused: it would be unencrypted, since that naming service offers no "
+      "TLS, and {} is 1",
+      place, kTlsEncryptLookups));
 }
 
 int TlsVerifyMode(const TlsSettings& settings) {
