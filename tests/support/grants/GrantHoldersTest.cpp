@@ -1,6 +1,5 @@
 #include <support/grants/AuthLevelBySelection.h>
 #include <support/grants/VQServiceUserAuth.h>
-#include <support/orb/CorbaConversions.h>
 
 #include <gmock/gmock.h>
 
@@ -136,17 +135,6 @@ TEST(VQServiceUserAuth, AddsListsAndClears) {
   EXPECT_TRUE(sum.IsEmpty() && sum.UserAuth().empty());
   EXPECT_FALSE(sum.IsActionAllowed(Named("A"), 1));
   EXPECT_EQ(Highest([&](auto level) { return sum.IsDefAccessAllowed(Named("A"), level); }), 0);
-}
-
-TEST(CorbaConversions, Texts) {
-  stringSeq sequence;
-  sequence.length(5);
-  StlVector2CorbaSequence(std::list<std::string>{"PROD", ""}, sequence);
-  ASSERT_EQ(sequence.length(), 2U);
-  EXPECT_STREQ(sequence[0], "PROD");
-  EXPECT_STREQ(sequence[1], "");
-  EXPECT_EQ(CorbaString2StlString("text"), "text");
-  EXPECT_EQ(CorbaString2StlString(nullptr), "");
 }
 
 }  // namespace

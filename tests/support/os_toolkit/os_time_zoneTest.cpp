@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <support/os_toolkit/os_time_and_date.h>
+#include <tests/fixture/Environment.h>
 
 namespace {
 
@@ -24,40 +25,36 @@ os_calendar_date At(int month, int day, int hour) {
   return {month, day, os_time_period(3600 * hour)};
 }
 
-// The known answers are those of the system's own zone tables.
-TEST(OsTimeZoneTest, ConvertsThereAndBack) {
-  const os_time_zone zones[] = {
-      Zone(-3600, At(3, 31, 2), At(10, 27, 3)), Zone(18000, At(3, 10, 2), At(11, 3, 2)),
-      Zone(-37800, At(10, 6, 2), At(4, 7, 2), 1800, 2200, os_time_period(1800)),
-      os_time_zone(os_time_period(-20700), "zone", "Z")};
-  const auto seconds = [](int month, int day, int hour, int minute) {
-    return (os_date(2024, month, day) - os_date()).to_seconds() + hour * 3600 + minute * 60;
-  };
-  const struct {
-    const os_time_zone& zone;
-    std::int64_t utc, local;
-    bool secondTime = false;  // a repeated hour, which is read as its first passing
-  } cases[] = {{zones[0], seconds(3, 31, 0, 59), seconds(3, 31, 1, 59)},
-               {zones[0], seconds(3, 31, 1, 0), seconds(3, 31, 3, 0)},
-               {zones[0], seconds(10, 27, 0, 59), seconds(10, 27, 2, 59)},
-               {zones[0], seconds(10, 27, 1, 0), seconds(10, 27, 2, 0), true},
-               {zones[0], seconds(10, 27, 2, 0), seconds(10, 27, 3, 0)},
-               {zones[1], seconds(3, 10, 6, 59), seconds(3, 10, 1, 59)},
-               {zones[1], seconds(3, 10, 7, 0), seconds(3, 10, 3, 0)},
-               {zones[1], seconds(11, 3, 5, 59), seconds(11, 3, 1, 59)},
-               {zones[1], seconds(12, 31, 23, 0), seconds(12, 31, 18, 0)},
-               {zones[2], seconds(1, 1, 0, 0), seconds(1, 1, 11, 0)},
-               {zones[2], seconds(4, 6, 14, 59), seconds(4, 7, 1, 59)},
-               {zones[2], seconds(4, 6, 15, 0), seconds(4, 7, 1, 30), true},
-               {zones[2], seconds(10, 5, 15, 30), seconds(10, 6, 2, 30)},
-               {zones[3], seconds(7, 1, 0, 0), seconds(7, 1, 5, 45)}};
-  for (const auto& [zone, utc, local, secondTime] : cases) {
-    const os_time_period instant(kEpoch + utc), clock(kEpoch + local);
-    EXPECT_EQ(zone.to_wall_clock(instant), clock) << utc;
-    EXPECT_EQ(zone.to_utc(clock) == instant, !secondTime) << utc;
-    const os_time_and_date view(instant, zone);
-    EXPECT_EQ(view.date().start() + view.time().since_midnight(), clock) << utc;
+// Every half hour of a year, beside the C library with the same rules.
+TEST(OsTimeZoneTest, AgreesWithTheCLibrary) {
+  const std::pair<const char*, os_time_zone> zones[] = {
+      {"AAA-1BBB,J90/2,J300/3", Zone(-3600, At(3, 31, 2), At(10, 27, 3))},
+      {"AAA5BBB,J69/2,J307/2", Zone(18000, At(3, 10, 2), At(11, 3, 2))},
+      {"AAA-10:30BBB-11,J279/2,J97/2",
+       Zone(-37800, At(10, 6, 2), At(4, 7, 2), 1800, 2200, os_time_period(1800))},
+      {"AAA-5:45", os_time_zone(os_time_period(-20700), "zone", "Z")}};
+  for (const auto& [rules, zone] : zones) {
+    const vq::test::Variable variable("TZ", rules);
+    tzset();
+    const auto local = [](std::time_t utc) {
+      std::tm time{};
+      localtime_r(&utc, &time);
+      return os_time_period(kEpoch + utc + time.tm_gmtoff);
+    };
+    const std::time_t begin = (os_date(2024, 1, 1) - os_date()).to_seconds();
+    for (std::time_t utc = begin; utc < begin + 366 * 86400 && !HasFailure(); utc += 1800) {
+      const os_time_period instant(kEpoch + utc), clock = local(utc);
+      EXPECT_EQ(zone.to_wall_clock(instant), clock) << rules << ' ' << utc;
+      // A repeated hour is read as its first passing.
+      const std::int64_t shift =
+          zone.rules().empty() ? 0 : zone.rules()[0].adjustment().to_seconds();
+      const bool secondTime = shift != 0 && local(utc - shift) == clock;
+      EXPECT_EQ(zone.to_utc(clock), instant - os_time_period(secondTime ? shift : 0)) << utc;
+      const os_time_and_date view(instant, zone);
+      EXPECT_EQ(view.date().start() + view.time().since_midnight(), clock) << utc;
+    }
   }
+  tzset();
 }
 
 TEST(OsTimeZoneTest, RuleCoversItsYears) {

@@ -1,5 +1,4 @@
 #include <support/os_toolkit/Atoi.h>
-#include <support/os_toolkit/os_critical_section.h>
 #include <support/os_toolkit/os_date.h>
 #include <support/os_toolkit/os_file_system.h>
 #include <support/os_toolkit/os_time.h>
@@ -7,8 +6,6 @@
 
 #include <array>
 #include <climits>
-#include <mutex>
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <tests/fixture/Rows.h>
@@ -51,19 +48,6 @@ TEST(OsFileSystemTest, Exists) {
   EXPECT_TRUE(os_file_system::exists(temporary.Path()) && os_file_system::exists(file));
   for (const std::string& path : {temporary / "dangling", file + "/inside", file + "\0tail"s, ""s})
     EXPECT_FALSE(os_file_system::exists(path)) << path;
-}
-
-TEST(OsCriticalSectionTest, IsRecursive) {
-  os_critical_section section(true);
-  const auto otherEnters = [&] {
-    bool entered = false;
-    std::thread([&] { entered = section.try_lock(); }).join();
-    return entered;
-  };
-  { const std::lock_guard<os_critical_section> again(section); }
-  EXPECT_FALSE(otherEnters());
-  section.unlock();
-  EXPECT_TRUE(otherEnters());
 }
 
 constexpr os_time_period kDay(1, 0, 0, 0, 0);
