@@ -36,13 +36,13 @@ class VQ_CLIENT_COMMON_API FormatObj {
   FormatObj& operator<<(char character);
   FormatObj& operator<<(bool value);
   FormatObj& operator<<(double value);
-  template <std::signed_integral T>
+  template <std::integral T>
   FormatObj& operator<<(T value) {
-    return AppendSigned(value);
-  }
-  template <std::unsigned_integral T>
-  FormatObj& operator<<(T value) {
-    return AppendUnsigned(value);
+    if constexpr (std::signed_integral<T>) {
+      return AppendSigned(value);
+    } else {
+      return AppendUnsigned(value);
+    }
   }
 
  private:
