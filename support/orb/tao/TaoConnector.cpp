@@ -37,7 +37,7 @@ TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolv
   ACE_Time_Value share;
   const CORBA::ULong addresses = AddressCount(*resolver);
   if (timeout != nullptr && addresses > 1) {
-    share = *timeout * (1.0 / addresses);
+    share.msec(static_cast<long>(timeout->msec() / addresses));
     timeout = &share;
   }
   for (int connections = 0; connections < kMostConnections; ++connections) {

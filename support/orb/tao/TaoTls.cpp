@@ -98,6 +98,7 @@ class Connector : public CheckedConnector {
     const auto [isNaming, isOwnObject] = FindNaming(address, *resolver->stub());
     if (!isNaming || m_settings.tls.encryptLookups) {
       isNaming ? ReportLookUpNoTls(place) : ReportNoTls(place);
+      resolver->stub()->reset_profiles();  // A server that forwarded the call is asked anew.
       throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
     }
     NoteUnencrypted(place, isOwnObject);
