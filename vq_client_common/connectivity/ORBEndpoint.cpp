@@ -1,12 +1,12 @@
 #include <vq_client_common/connectivity/ORBEndpoint.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <stdexcept>
 #include <string_view>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/os_toolkit/Atoi.h>
+#include <support/os_toolkit/os_tokenizer.h>
 
 namespace {
 
@@ -37,23 +37,19 @@ bool ORBEndpoint::fromString(const std::string& text) {
   // Intentional: the first seven characters are removed whatever they are, and the position of the
   // ";" is that in the whole text. So the body includes the ";" and up to six characters after it,
   // and nothing is left for the extra part. Endpoints in use depend on the result.
-  std::string body = text.substr(kProtocol.size(), semicolon);
+  const std::string body = text.substr(kProtocol.size(), semicolon);
   if (semicolon != std::string::npos) {
     if (body.size() < semicolon) throw std::out_of_range("invalid string position");
     VQ_LOG(diag, 4) << "Ignoring extra unidentified Endpoint information: ";
   }
 
-  std::string options;
-  if (const std::size_t slash = body.find('/'); slash != std::string::npos) {
-    options = body.substr(slash + 1);
-    body.resize(slash);
-  }
-
+  std::string_view options = body;
+  const std::string_view address = vq::Cut(options, '/');
   bool accepted = true;
-  const std::size_t colon = body.find(':');
-  m_hostname = body.substr(0, colon);
+  const std::size_t colon = address.find(':');
+  m_hostname = address.substr(0, colon);
   if (colon != std::string::npos) {
-    const std::string portText = body.substr(colon + 1);
+    const std::string_view portText = address.substr(colon + 1);
     const int port = vq::Atoi(portText);
     if (port < 1) {
       VQ_LOG(diag, 2) << portText << " is not a valid port number.";
@@ -63,10 +59,8 @@ bool ORBEndpoint::fromString(const std::string& text) {
     }
   }
 
-  for (std::size_t begin = 0; begin < options.size();) {
-    const std::size_t end = std::min(options.find('&', begin), options.size());
-    if (!identifyFlag(options.substr(begin, end - begin))) accepted = false;
-    begin = end + 1;
+  while (!options.empty()) {
+    if (!identifyFlag(std::string(vq::Cut(options, '&')))) accepted = false;
   }
   return accepted;
 }

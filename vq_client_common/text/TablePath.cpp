@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <utility>
 
+#include <support/os_toolkit/os_tokenizer.h>
+
 namespace {
 
 using vq::kTablePathSeparator;
@@ -26,11 +28,7 @@ bool AppendToTablePath(const std::string& path, const std::string& name, std::st
 bool SplitTablePath(const std::string& path, std::list<std::string>& out) {
   std::list<std::string> names;
   std::string_view rest = path;
-  while (!rest.empty()) {
-    const std::size_t position = rest.find(kTablePathSeparator);
-    names.emplace_back(rest.substr(0, position));
-    rest.remove_prefix(position == kNone ? rest.size() : position + kTablePathSeparator.size());
-  }
+  while (!rest.empty()) names.emplace_back(vq::Cut(rest, kTablePathSeparator.front()));
   out = std::move(names);
   return true;
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <map>
 #include <string_view>
 
@@ -13,6 +12,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/ORBCommon.h>
 #include <support/orb/OrbSettings.h>
+#include <support/os_toolkit/Atoi.h>
 
 namespace vq::connectivity {
 namespace {
@@ -24,11 +24,8 @@ constexpr std::string_view kTrialScope = "Test";
 // Whether a scope belongs to a trial whose process has ended.
 bool IsLeftBehind(std::string_view scope) {
   if (!scope.starts_with(kTrialScope)) return false;
-  pid_t process = 0;
-  const char* const end = scope.data() + scope.size();
-  const auto [rest, error] = std::from_chars(scope.data() + kTrialScope.size(), end, process);
-  return error == std::errc() && rest == end && process > 0 && ::kill(process, 0) != 0 &&
-         errno == ESRCH;
+  const auto process = WholeNumber<pid_t>(scope.substr(kTrialScope.size()));
+  return process && *process > 0 && ::kill(*process, 0) != 0 && errno == ESRCH;
 }
 
 std::string TrialEndpoint(const std::string& address, bool isMask) {
