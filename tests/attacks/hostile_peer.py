@@ -296,6 +296,15 @@ def half_calls(call):
     return True
 
 
+def half_handshakes(call):
+    """Beginnings of TLS handshakes at the client's own port."""
+    with call.peer.lock:
+        for _ in range(12):
+            call.peer.open.append(socket.create_connection(call.peer.places["client"][:2]))
+            call.peer.open[-1].sendall(b"\x16\x03\x01\x02\x00\x01\x00")
+    return True
+
+
 def announcing(size, *values, first=0):
     """A reply whose header announces more than is sent: a valid reply, or one with these numbers. The
     first bytes of it, as many as `first`, are sent 0.1 s before the rest."""

@@ -49,6 +49,7 @@ class Row:
     root: tuple = ("naming",)  # the places in the naming service's address
     tls: str = ""  # the server's context; "none": TLS is on and the server has none
     naming_tls: str = ""
+    own_tls: bool = False  # the client has a certificate, and the port "client"
     arguments: tuple = ()
     keep_alives: int = 0  # more than 0: a session
     user: bytes = b"alice"
@@ -249,6 +250,9 @@ ROWS = [
     Row("TLS, and the server sends HelloRequests without end", tls="good", results=(54,),
         limit=BINDINGS, logged="L1 TLS: .*sends messages without end", greeting=greeted_for_ever(
             b"\x16\x03\x03\x00\x04" + bytes(4))),
+    Row("TLS, half handshakes at the client's own port",
+        {UNREGISTER: h.then(h.half_handshakes, h.answered, 0.1)}, tls="good", own_tls=True,
+        keep_alives=1, results=(1, 1, 1)),
     Row("TLS, closed while idle", {ALIVE: [h.then(h.answered, h.closed, 0.2)]}, tls="good",
         results=(1, 1, 1, 1), keep_alives=2),
     Row("TLS 1.1", tls="TLS 1.1", results=(54,), logged="L1 TLS: .*no TLS version"),
@@ -343,9 +347,11 @@ class World:
         silent = self.stack.enter_context(socket.create_server(("127.0.0.1", 0), backlog=128))
         dead = self.stack.enter_context(socket.socket())  # the port is nobody else's meanwhile
         dead.bind(("127.0.0.1", 0))
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            self.own_place = free.getsockname()
         places = {name: peer.place for name, peer in self.peers.items()}
         places |= {"hole": hole.place, "silent": (*silent.getsockname(), False),
-                   "dead": (*dead.getsockname(), False),
+                   "dead": (*dead.getsockname(), False), "client": self.own_place,
                    "unknown": ("no-such-host.invalid", 1, False)}
         for peer in self.peers.values():
             peer.places = places
@@ -369,9 +375,12 @@ class World:
         words += ["-s", "central", "-f", work / f"password-{row.user.hex()}", "-ORBInitRef",
                   f"NameService={self.root}/NameService", "-ORBConnectTimeout",
                   str(int(TIME_OUT * 1000)), "-ORBCallTimeout", str(int(TIME_OUT * 1000)),
-                  "-ORBListenEndpoints", "iiop://127.0.0.1:", *row.arguments]
+                  "-ORBListenEndpoints",
+                  f"iiop://127.0.0.1:{self.own_place[1] if row.own_tls else ''}", *row.arguments]
         if row.tls:
             words += ["-SSLCACertificate", work / "ca.pem"]
+        if row.own_tls:
+            words += ["-SSLCertificate", work / "server.pem", "-SSLPrivateKey", work / "server.key"]
         environment = {"HOME": str(work), "VQ_HOME": str(work), "OMNIORB_CONFIG": "/dev/null",
                        "PATH": os.environ["PATH"], "MALLOC_PERTURB_": "165"} | {
             name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}

@@ -5,9 +5,11 @@
 #include <limits>
 #include <map>
 #include <mutex>
+#include <string_view>
 #include <utility>
 
 #include <poll.h>
+#include <sys/socket.h>
 
 // These build on each other in this order.
 // clang-format off
@@ -168,6 +170,11 @@ std::uint32_t NumberIn(const unsigned char* data, bool littleEndian) {
   return number;
 }
 
+bool IsDeleted(omni::giopStrand& strand) {
+  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+  return strand.deletePending();
+}
+
 // The request id is protected.
 struct RequestId : omni::GIOP_C {
   static std::uint32_t Of(omni::GIOP_C& call) {
@@ -229,6 +236,28 @@ int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& dea
   m_rest.insert(m_rest.begin(), bytes + used, bytes + length);
   m_hasRest = !m_rest.empty();
   return static_cast<int>(used);
+}
+
+// With TLS omniORB would use OpenSSL here while another thread does, such as one that waits for the
+// rest of a handshake.
+void CheckedConnection::Shutdown() {
+  if (std::string_view(m_connection.myaddress()).starts_with("giop:ssl")) {
+    ::shutdown(m_socket, SHUT_RDWR);
+  } else {
+    m_connection.Shutdown();
+  }
+}
+
+// A handshake that is under way when the ORB ends is left to its thread. For omniORB a second one
+// does it as well, and when both fail, both delete the connection.
+CORBA::Boolean CheckedConnection::gatekeeperCheckSpecific(omni::giopStrand* strand) {
+  const std::lock_guard lock(m_accepting);
+  if (!m_accepted) {
+    m_accepted = m_connection.gatekeeperCheckSpecific(strand);
+    return *m_accepted;
+  }
+  while (!*m_accepted && !IsDeleted(*strand)) omni_thread::sleep(0, 1'000'000);
+  return true;
 }
 
 int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline) {

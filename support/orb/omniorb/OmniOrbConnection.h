@@ -21,6 +21,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -60,14 +61,12 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   }
   // Returns at most one message, so that each is checked before omniORB receives it.
   int Recv(void* data, std::size_t size, const omni_time_t& deadline) override;
-  void Shutdown() override { m_connection.Shutdown(); }
+  void Shutdown() override;
   const char* myaddress() override { return m_connection.myaddress(); }
   const char* peeraddress() override { return m_connection.peeraddress(); }
   const char* peeridentity() override { return m_connection.peeridentity(); }
   void* peerdetails() override { return m_connection.peerdetails(); }
-  CORBA::Boolean gatekeeperCheckSpecific(omni::giopStrand* strand) override {
-    return m_connection.gatekeeperCheckSpecific(strand);
-  }
+  CORBA::Boolean gatekeeperCheckSpecific(omni::giopStrand* strand) override;
   void setSelectable(int now, CORBA::Boolean dataInBuffer) override {
     m_connection.setSelectable(now, dataInBuffer || m_hasRest);
   }
@@ -95,6 +94,8 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   omni::giopActiveConnection* const m_opened;  // null for an accepted one
   omni::giopConnection& m_connection;
   const int m_socket;
+  std::mutex m_accepting;
+  std::optional<bool> m_accepted;  // whether the handshake of an accepted one succeeded
   omni::giopStrand* m_strand = nullptr;
 
   std::array<unsigned char, 12> m_header{};  // of the latest message
