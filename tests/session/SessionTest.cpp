@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include <tests/fixture/Product.h>
 #include <tests/fixture/SessionFixture.h>
 
 #include <vq_client_common/authorizations/UserAuthorizations.h>
@@ -88,6 +89,7 @@ TEST_F(SessionTest, AlwaysEnds) {
 
 // The server closes the connection in place of each reply, so that a call opens the next one.
 TEST_F(SessionTest, EndsWhileAnotherThreadConnects) {
+  if (!ThisProduct().endsBesideCalls) GTEST_SKIP() << "the end of TAO's ORB frees what a call uses";
   StartServer().SetFaults({{{"operation", "CRB_ClientKeepAlive"}, {"action", "drop"}}});
   m_orbArguments.insert(m_orbArguments.end(), {"-BiDirPolicy", "1"});
   for (int round = 0; round < 15; ++round) {
