@@ -46,10 +46,9 @@ struct Failure : std::runtime_error {
 // For the help text.
 inline constexpr std::string_view kExitCodeHelp =
     "Exit codes: 0 success, 1 refused or failed, 2 usage, 3 a code of the server's own,\n"
-    "4 no credentials, 5 value not available, 6 session lost or logout not confirmed,\n"
-    "7 denied, 8 no callback, 43 not authorized, 48 password expired, 49 account locked,\n"
-    "51 password refused by the policy, 54 no server, 55 ORB not up (naming service or its\n"
-    "configuration).\n";
+    "4 no credentials, 5 no such value, 6 session lost or logout not confirmed, 7 denied,\n"
+    "8 no callback, 43 not authorized, 48 password expired, 49 account locked, 51 password\n"
+    "refused by the policy, 54 no server, 55 ORB not up (naming service or its settings).\n";
 
 }  // namespace vqclient
 

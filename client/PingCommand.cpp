@@ -86,10 +86,7 @@ int Ping(CommandLine& line, const Rounds& rounds) {
   } catch (const CORBA::Exception& e) {
     reason = CauseOf(e);
   }
-  if (!reason.empty()) {
-    PrintError("no server is asked: " + reason +
-               "; give --server NAME, vqclient servers lists all");
-  }
+  if (!reason.empty()) PrintError("no server is asked: " + reason + "; give --server NAME");
   Target naming("naming service");
   Target server("server " + line.server + " (" + kind + ")");
   Interrupt interrupt;
