@@ -9,14 +9,25 @@
 
 #include <support/Export.h>
 
-// lock waits until no other thread holds it; try_lock returns false when one does. Each lock or
-// successful try_lock is undone by one unlock of the same thread. The object outlives every holder.
-class VQ_CLIENT_COMMON_API os_critical_section : public std::recursive_mutex {
+// Each lock or successful try_lock is undone by one unlock of the same thread; the object outlives
+// every holder.
+class VQ_CLIENT_COMMON_API os_critical_section {
  public:
   // With true the calling thread holds it from the start.
   explicit os_critical_section(bool locked) {
     if (locked) lock();
   }
+  os_critical_section(const os_critical_section&) = delete;
+  os_critical_section& operator=(const os_critical_section&) = delete;
+
+  // Waits until no other thread holds it; the thread that holds it may take it again.
+  void lock() { m_mutex.lock(); }
+  bool try_lock() { return m_mutex.try_lock(); }  // false when another thread holds it
+  // Releases one lock of the calling thread.
+  void unlock() { m_mutex.unlock(); }
+
+ private:
+  std::recursive_mutex m_mutex;
 };
 
 #endif  // VQ_SUPPORT_OS_TOOLKIT_OS_CRITICAL_SECTION_H
