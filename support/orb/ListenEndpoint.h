@@ -7,6 +7,8 @@
 //   hostname_in_ior=h   publish h in references instead of the address listened on
 //   reuse_addr=0|1      accepted; ORB products here always set the socket option as they see fit
 //
+// The functions are for the library itself and not exported.
+//
 //   std::string error;
 //   if (!vq::orb::ParseListenEndpoint("iiop://:5000/hostname_in_ior=gui.site", error)) Show(error);
 #ifndef VQ_SUPPORT_ORB_LISTENENDPOINT_H

@@ -8,7 +8,8 @@
 //   4. the built-in value.
 //
 // ReadDomainScopes reads the files of the domain. Everything else here is plain data and pure
-// functions, without ORB product, file or environment, so that a table can test it.
+// functions, without ORB product, file or environment, so that a table can test it. The functions
+// are not exported: programs use the names and ResolvedSetting (QCSOrbCommon::GetSettings).
 #ifndef VQ_SUPPORT_ORB_ORBSETTINGS_H
 #define VQ_SUPPORT_ORB_ORBSETTINGS_H
 

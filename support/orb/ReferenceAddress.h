@@ -7,7 +7,8 @@
 //   }
 //
 // A reference's string form ("IOR:" and hexadecimal digits) contains a byte order, a type and a
-// list of profiles; the first profile for IIOP contains the address.
+// list of profiles; the first profile for IIOP contains the address. Programs use EndpointsOf and
+// TryToReach; the other functions are for the library itself and not exported.
 #ifndef VQ_SUPPORT_ORB_REFERENCEADDRESS_H
 #define VQ_SUPPORT_ORB_REFERENCEADDRESS_H
 
