@@ -236,8 +236,10 @@ TEST_F(CallbackTrialTest, ReportsWhyACallbackFails) {
   EXPECT_FALSE(Troubleshoot::TestCallback(nullptr, m_error, m_roundTrip, 500));
 }
 
-// A message that announces nearly 4 GiB, one that cancels a call, and a call whose target is a
-// profile in place of a key.
+// The beginning of a call, a message that announces nearly 4 GiB, one that cancels a call, and a
+// call whose target is a profile in place of a key.
+constexpr std::string_view kHalfCall(
+    "GIOP\1\2\3\0\x1C\0\0\0\5\0\0\0\3\0\0\0\0\0\0\0\0\0\0\0\2\0\0\0x\0\0\0\0\0\0\0", 40);
 constexpr std::string_view kHuge("GIOP\1\2\1\0\xF4\xFF\xFF\xFF", 12);
 constexpr std::string_view kCancel("GIOP\1\2\1\2\4\0\0\0\5\0\0\0", 16);
 constexpr std::string_view kToProfile(
@@ -254,6 +256,7 @@ TEST_F(CallbackTrialTest, IsCalledBackDespiteIntruders) {
   std::list<Intruder> intruders;
   for (int i = 0; i < 150; ++i) intruders.emplace_back(port, "GIOP");
   if (!ThisProduct().roomForAnnounced) {
+    intruders.emplace_back(port, kHalfCall);
     for (const std::string_view message : {kHuge, kCancel, kToProfile}) {
       EXPECT_TRUE(intruders.emplace_back(port, message).WasClosed()) << message.size();
     }

@@ -194,6 +194,14 @@ void Report(const omniORB::fatalException& exception) {
                         << ":" << exception.line() << ")";
 }
 
+// omniORB does not delete a call that was received when its connection ends before the reply.
+void EndReceived(giopStream& stream) {
+  auto* const received = omni::GIOP_S::downcast(&stream);
+  if (received != nullptr && received->state() == omni::IOP_S::WaitingForReply) {
+    received->state(omni::IOP_S::ReplyCompleted);
+  }
+}
+
 // In place of the functions that read and write messages: fails the call.
 template <auto Member>
 struct Guarded;
@@ -202,6 +210,9 @@ struct Guarded<Member> {
   static void Call(giopStream* stream, Arguments... arguments) {
     try {
       original.at(stream->version().minor)(stream, arguments...);
+    } catch (const CommFailure&) {
+      EndReceived(*stream);
+      throw;
     } catch (const omniORB::fatalException& exception) {
       Report(exception);
       throw CORBA::INTERNAL(0, CORBA::COMPLETED_MAYBE);
@@ -239,6 +250,9 @@ void GuardMessages() {
     Guarded<&giopStreamImpl::copyInputData>::Replace(*version);
     Guarded<&giopStreamImpl::unmarshalRequestHeader>::Replace(*version);
     Guarded<&giopStreamImpl::unmarshalLocateRequest>::Replace(*version);
+    Guarded<&giopStreamImpl::sendSystemException>::Replace(*version);
+    Guarded<&giopStreamImpl::sendUserException>::Replace(*version);
+    Guarded<&giopStreamImpl::sendLocateReply>::Replace(*version);
     Guarded<&giopStreamImpl::outputMessageBegin>::Replace(*version);
     Guarded<&giopStreamImpl::outputMessageEnd>::Replace(*version);
     Guarded<&giopStreamImpl::getReserveSpace>::Replace(*version);

@@ -19,6 +19,7 @@
 #include <omniORB4/internal/giopStrand.h>
 #include <omniORB4/internal/giopRope.h>
 #include <omniORB4/internal/GIOP_C.h>
+#include <omniORB4/internal/GIOP_S.h>
 #include <omniORB4/tcpConnection.h>
 #include <omniORB4/unixConnection.h>
 #include <omniORB4/sslContext.h>
@@ -177,7 +178,7 @@ bool IsDeleted(omni::giopStrand& strand) {
 
 // The request id is protected.
 struct RequestId : omni::GIOP_C {
-  static std::uint32_t Of(omni::GIOP_C& call) {
+  static std::uint32_t Of(omni::giopStream& call) {
     CORBA::ULong (omni::giopStream::*const id)() const = &RequestId::requestId;
     return (call.*id)();
   }
@@ -231,7 +232,7 @@ int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& dea
   }
   const std::size_t body = std::min(length - used, m_toCome);
   m_toCome -= body;
-  NoteReply(bytes + used, body);
+  if (!NoteId(bytes + used, body)) return -1;
   used += body;
   m_rest.insert(m_rest.begin(), bytes + used, bytes + length);
   m_hasRest = !m_rest.empty();
@@ -251,7 +252,8 @@ void CheckedConnection::Shutdown() {
 // A handshake that is under way when the ORB ends is left to its thread. For omniORB a second one
 // does it as well, and when both fail, both delete the connection.
 CORBA::Boolean CheckedConnection::gatekeeperCheckSpecific(omni::giopStrand* strand) {
-  const std::lock_guard lock(m_accepting);
+  const std::lock_guard lock(m_handshake);
+  m_accepting = strand;
   if (!m_accepted) {
     m_accepted = m_connection.gatekeeperCheckSpecific(strand);
     return *m_accepted;
@@ -306,14 +308,54 @@ bool CheckedConnection::IsWithinLimit(std::uint32_t size) {
   return whole <= omni::orbParameters::giopMaxMsgSize;
 }
 
-void CheckedConnection::NoteReply(const unsigned char* body, std::size_t size) {
+// False for a message that omniORB must not receive.
+bool CheckedConnection::NoteId(const unsigned char* body, std::size_t size) {
   const int kind = m_header[7];
-  if (m_header[5] < 2 || (kind != GIOP::Reply && kind != GIOP::Fragment)) return;
+  if (m_header[5] < 2 || kind == GIOP::CloseConnection || kind == GIOP::MessageError) return true;
   const std::size_t part = std::min(size, m_id.size() - m_idSize);
   std::memcpy(m_id.data() + m_idSize, body, part);
   m_idSize += part;
-  if (m_idSize < m_id.size()) return;
+  if (m_idSize < m_id.size()) return true;
   const std::uint32_t id = NumberIn(m_id.data(), (m_header[6] & 1) != 0);
+  if (part > 0 && !MayFollow(id)) {
+    VQ_LOG(diagModule, 2) << peeraddress() << " sent a message out of turn, which is refused";
+    return false;
+  }
+  if (kind == GIOP::Reply || kind == GIOP::Fragment) NoteReply(id);
+  return true;
+}
+
+// omniORB takes a fragment for that of any call with its number, also of one that another thread
+// has in hand.
+bool CheckedConnection::MayFollow(std::uint32_t id) {
+  constexpr std::size_t kMost = 1000;
+  const int kind = m_header[7];
+  const bool isOpen = m_unfinished.contains(id);
+  if (kind == GIOP::Fragment && !isOpen) return false;
+  if ((kind == GIOP::Request || kind == GIOP::LocateRequest) && (isOpen || IsInHand(id))) {
+    return false;
+  }
+  if (MoreFollows()) {
+    m_unfinished.insert(id);
+  } else {
+    m_unfinished.erase(id);
+  }
+  return m_unfinished.size() <= kMost;
+}
+
+// Whether a call of the peer's with this number is under way.
+bool CheckedConnection::IsInHand(std::uint32_t id) const {
+  const omni::giopStrand* const strand = m_strand != nullptr ? m_strand : m_accepting;
+  if (strand == nullptr) return false;
+  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+  for (auto* link = strand->servers.next; link != &strand->servers; link = link->next) {
+    auto& call = *static_cast<omni::GIOP_S*>(link);
+    if (call.state() != omni::IOP_S::UnUsed && RequestId::Of(call) == id) return true;
+  }
+  return false;
+}
+
+void CheckedConnection::NoteReply(std::uint32_t id) {
   const std::lock_guard lock(m_mutex);
   auto* reply = std::ranges::find(m_replies, id, &Reply::id);
   if (reply == m_replies.end()) {

@@ -22,6 +22,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -86,7 +87,10 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   int Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline);
   bool BeginMessage();
   bool IsWithinLimit(std::uint32_t size);
-  void NoteReply(const unsigned char* body, std::size_t size);
+  bool NoteId(const unsigned char* body, std::size_t size);
+  bool MayFollow(std::uint32_t id);
+  bool IsInHand(std::uint32_t id) const;
+  void NoteReply(std::uint32_t id);
   bool MoreFollows() const { return (m_header[6] & 2) != 0; }
   bool HasUntakenReply() const;
   void AwaitTakenReplies() const;
@@ -94,8 +98,9 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   omni::giopActiveConnection* const m_opened;  // null for an accepted one
   omni::giopConnection& m_connection;
   const int m_socket;
-  std::mutex m_accepting;
-  std::optional<bool> m_accepted;  // whether the handshake of an accepted one succeeded
+  std::mutex m_handshake;
+  omni::giopStrand* m_accepting = nullptr;  // that of an accepted one
+  std::optional<bool> m_accepted;           // whether the handshake of an accepted one succeeded
   omni::giopStrand* m_strand = nullptr;
 
   std::array<unsigned char, 12> m_header{};  // of the latest message
@@ -103,6 +108,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   std::size_t m_toCome = 0;                  // bytes of the latest message still to arrive
   std::array<unsigned char, 4> m_id{};
   std::size_t m_idSize = 0;
+  std::set<std::uint32_t> m_unfinished;  // messages that fragments are still to follow
   std::uint64_t m_inFragments = 0;
   std::vector<unsigned char> m_rest;
   std::atomic<bool> m_hasRest = false;
