@@ -236,11 +236,12 @@ TEST_F(CallbackTrialTest, ReportsWhyACallbackFails) {
   EXPECT_FALSE(Troubleshoot::TestCallback(nullptr, m_error, m_roundTrip, 500));
 }
 
-// The beginning of a call, a message that announces nearly 4 GiB, one that cancels a call, and a
-// call whose target is a profile in place of a key.
+// The beginning of a call, a message that announces nearly 4 GiB, a fragment of no call, one that
+// cancels a call, and a call whose target is a profile in place of a key.
 constexpr std::string_view kHalfCall(
     "GIOP\1\2\3\0\x1C\0\0\0\5\0\0\0\3\0\0\0\0\0\0\0\0\0\0\0\2\0\0\0x\0\0\0\0\0\0\0", 40);
 constexpr std::string_view kHuge("GIOP\1\2\1\0\xF4\xFF\xFF\xFF", 12);
+constexpr std::string_view kFragment("GIOP\1\2\1\7\4\0\0\0\5\0\0\0", 16);
 constexpr std::string_view kCancel("GIOP\1\2\1\2\4\0\0\0\5\0\0\0", 16);
 constexpr std::string_view kToProfile(
     "GIOP\1\2\1\0\x24\0\0\0\5\0\0\0\3\0\0\0\1\0\0\0\0\0\0\0\x10\0\0\0"
@@ -257,7 +258,7 @@ TEST_F(CallbackTrialTest, IsCalledBackDespiteIntruders) {
   for (int i = 0; i < 150; ++i) intruders.emplace_back(port, "GIOP");
   if (!ThisProduct().roomForAnnounced) {
     intruders.emplace_back(port, kHalfCall);
-    for (const std::string_view message : {kHuge, kCancel, kToProfile}) {
+    for (const std::string_view message : {kHuge, kFragment, kCancel, kToProfile}) {
       EXPECT_TRUE(intruders.emplace_back(port, message).WasClosed()) << message.size();
     }
   }

@@ -103,7 +103,7 @@ TEST_F(SessionTest, EndsWhileAnotherThreadConnects) {
     std::this_thread::sleep_for(50ms);
     const auto start = Clock::now();
     session.reset();
-    EXPECT_LT(Clock::now() - start, 800ms);
+    EXPECT_LT(Clock::now() - start, 5s);
   }
 }
 
