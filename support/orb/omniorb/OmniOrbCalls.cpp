@@ -492,6 +492,13 @@ void InstallCalls(const OrbSettings& settings) {
 void EndCalls() {
   ending = true;
   const std::unique_lock last(opens);
+  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+  for (auto* link = giopStrand::active.next; link != &giopStrand::active; link = link->next) {
+    auto& strand = *static_cast<giopStrand*>(link);
+    if (!strand.isBiDir()) continue;
+    strand.state(giopStrand::DYING);
+    strand.rdcond.broadcast();
+  }
 }
 
 }  // namespace vq::orb

@@ -23,7 +23,8 @@ namespace vq::orb {
 void InstallCalls(const OrbSettings& settings);
 
 // Before the ORB ends: from then on calls raise BAD_INV_ORDER. Waits for connections that are being
-// opened, for one time-out at most.
+// opened, for one time-out at most. Calls that wait for a reply on a connection that takes calls
+// fail, since omniORB ends the threads that read there.
 void EndCalls();
 
 }  // namespace vq::orb
