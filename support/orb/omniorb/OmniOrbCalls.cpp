@@ -33,6 +33,7 @@
 #include <support/orb/CallDeadline.h>
 #include <support/orb/PeerSocket.h>
 #include <support/orb/omniorb/OmniOrbConnection.h>
+#include <support/orb/omniorb/OmniOrbInternals.h>
 
 namespace vq::orb {
 namespace {
@@ -492,13 +493,7 @@ void InstallCalls(const OrbSettings& settings) {
 void EndCalls() {
   ending = true;
   const std::unique_lock last(opens);
-  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-  for (auto* link = giopStrand::active.next; link != &giopStrand::active; link = link->next) {
-    auto& strand = *static_cast<giopStrand*>(link);
-    if (!strand.isBiDir()) continue;
-    strand.state(giopStrand::DYING);
-    strand.rdcond.broadcast();
-  }
+  for (int i = 0; !CloseBiDirectional() && i < 1000; ++i) omni_thread::sleep(0, 1'000'000);
 }
 
 }  // namespace vq::orb

@@ -23,8 +23,8 @@ namespace vq::orb {
 void InstallCalls(const OrbSettings& settings);
 
 // Before the ORB ends: from then on calls raise BAD_INV_ORDER. Waits for connections that are being
-// opened, for one time-out at most. Calls that wait for a reply on a connection that takes calls
-// fail, since omniORB ends the threads that read there.
+// opened, for one time-out at most, and closes those that take calls: calls that wait for a reply
+// there fail, since omniORB ends the threads that would read it.
 void EndCalls();
 
 }  // namespace vq::orb

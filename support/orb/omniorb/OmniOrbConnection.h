@@ -53,6 +53,8 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool WasClosedInOrder() const { return m_closedInOrder; }
   // Whether data has arrived that omniORB has not received yet.
   bool HasRest() const { return m_hasRest; }
+  // Whether omniORB waits for calls that arrive over it.
+  bool IsWatched() const { return m_isWatched; }
 
   omni::giopActiveCollection* registerMonitor() override;
   omni::giopConnection& getConnection() override { return *this; }
@@ -69,9 +71,13 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   void* peerdetails() override { return m_connection.peerdetails(); }
   CORBA::Boolean gatekeeperCheckSpecific(omni::giopStrand* strand) override;
   void setSelectable(int now, CORBA::Boolean dataInBuffer) override {
+    m_isWatched = true;
     m_connection.setSelectable(now, dataInBuffer || m_hasRest);
   }
-  void clearSelectable() override { m_connection.clearSelectable(); }
+  void clearSelectable() override {
+    m_connection.clearSelectable();
+    m_isWatched = false;
+  }
   CORBA::Boolean isSelectable() override { return m_connection.isSelectable(); }
   CORBA::Boolean Peek() override { return m_hasRest || m_connection.Peek(); }
 
@@ -113,6 +119,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   std::vector<unsigned char> m_rest;
   std::atomic<bool> m_hasRest = false;
   std::atomic<bool> m_closedInOrder = false;
+  std::atomic<bool> m_isWatched = false;
 
   mutable std::mutex m_mutex;
   std::array<Reply, 16> m_replies;  // the latest

@@ -110,6 +110,21 @@ void CloseConnections(const std::set<std::string>& names) {
   giopStrand::idleOutgoingBeats = usualBeats;
 }
 
+bool CloseBiDirectional() {
+  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+  bool isNoticed = true;
+  for (auto* link = giopStrand::active.next; link != &giopStrand::active; link = link->next) {
+    auto& strand = *static_cast<giopStrand*>(link);
+    if (!strand.isBiDir() || strand.connection == nullptr) continue;
+    if (strand.state() != giopStrand::DYING) SendCloseConnection(strand);
+    strand.state(giopStrand::DYING);
+    strand.connection->Shutdown();
+    strand.rdcond.broadcast();
+    if (CheckedConnection::Of(strand).IsWatched()) isNoticed = false;
+  }
+  return isNoticed;
+}
+
 CallTarget TargetOf(omni::GIOP_C& call) {
   const giopStrand& strand = call.strand();
   const char* const peer =

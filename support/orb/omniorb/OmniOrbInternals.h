@@ -59,6 +59,10 @@ std::string ConnectionName(Ends& connection) {
 // in progress on them.
 void CloseConnections(const std::set<std::string>& names);
 
+// Closes the outgoing connections that take calls, and fails the calls that wait for a reply on
+// them. False while omniORB has not noticed the end of one: its own end would forget that one.
+bool CloseBiDirectional();
+
 // The destination of one request. All members are borrowed from the request.
 struct CallTarget {
   const char* address;    // as the reference has it: "giop:tcp:host.site:5000"
