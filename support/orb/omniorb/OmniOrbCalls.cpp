@@ -254,6 +254,7 @@ void GuardMessages() {
     Guarded<&giopStreamImpl::sendSystemException>::Replace(*version);
     Guarded<&giopStreamImpl::sendUserException>::Replace(*version);
     Guarded<&giopStreamImpl::sendLocateReply>::Replace(*version);
+    Guarded<&giopStreamImpl::sendLocationForwardReply>::Replace(*version);
     Guarded<&giopStreamImpl::outputMessageBegin>::Replace(*version);
     Guarded<&giopStreamImpl::outputMessageEnd>::Replace(*version);
     Guarded<&giopStreamImpl::getReserveSpace>::Replace(*version);
@@ -302,7 +303,7 @@ class CheckedRope : public Base {
     auto& attempt = *static_cast<GIOP_C*>(client);
     try {
       if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
-      if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt.strand());
+      if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt);
       Base::releaseClient(client);
     } catch (const omniORB::fatalException& exception) {
       Report(exception);
@@ -373,7 +374,7 @@ class CheckedRope : public Base {
   }
 
   // omniORB keeps the descriptor of a connection that took calls and died for minutes. Its next
-  // scan, a second later, finds these.
+  // scan finds these.
   void EndDyingSoon() {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
     for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;
@@ -394,11 +395,19 @@ class CheckedRope : public Base {
   }
 
   // The reply is deleted with the attempt, while the ORB's thread may still add to it.
-  void EndReading(giopStrand& strand) {
+  void EndReading(GIOP_C& attempt) {
+    giopStrand& strand = attempt.strand();
     if (strand.connection == nullptr || !strand.isBiDir()) return;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
+    EndWriting(attempt);
     while (IsBeingRead(strand)) omni_thread::sleep(0, 1'000'000);
     DropUnfinished(strand);
+  }
+
+  // The thread that reads may wait for it, to refuse a message.
+  static void EndWriting(GIOP_C& attempt) {
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    attempt.wrUnLock();
   }
 
   // Calls of the server of which a part has arrived. omniORB keeps them while a caller waits, and

@@ -213,6 +213,19 @@ omni::giopActiveCollection* CheckedConnection::registerMonitor() {
   return &OpenedWatcher::Of(*m_opened->registerMonitor());
 }
 
+// At its end omniORB says so to each peer in turn, and would wait for seconds for one that does not
+// read.
+int CheckedConnection::Send(void* data, std::size_t size, const omni_time_t& deadline) {
+  omni_time_t end = deadline;
+  const auto* const bytes = static_cast<const unsigned char*>(data);
+  const bool isHeader = size == m_header.size() && std::memcmp(bytes, "GIOP", 4) == 0;
+  if (isHeader && bytes[7] == GIOP::CloseConnection) {
+    omni_thread::get_time(end, omni_time_t(1));
+    if (deadline) end = std::min(end, deadline);
+  }
+  return m_connection.Send(data, size, end);
+}
+
 int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& deadline) {
   auto* const bytes = static_cast<unsigned char*>(data);
   const int received = Receive(bytes, size, deadline);
@@ -253,8 +266,8 @@ void CheckedConnection::Shutdown() {
 // does it as well, and when both fail, both delete the connection.
 CORBA::Boolean CheckedConnection::gatekeeperCheckSpecific(omni::giopStrand* strand) {
   const std::lock_guard lock(m_handshake);
-  m_accepting = strand;
   if (!m_accepted) {
+    m_accepting = strand;
     m_accepted = m_connection.gatekeeperCheckSpecific(strand);
     return *m_accepted;
   }
@@ -343,14 +356,17 @@ bool CheckedConnection::MayFollow(std::uint32_t id) {
   return m_unfinished.size() <= kMost;
 }
 
-// Whether a call of the peer's with this number is under way.
+// Whether a call of the peer's with this number is under way. One whose header is still to come has
+// none of its own.
 bool CheckedConnection::IsInHand(std::uint32_t id) const {
   const omni::giopStrand* const strand = m_strand != nullptr ? m_strand : m_accepting;
   if (strand == nullptr) return false;
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
   for (auto* link = strand->servers.next; link != &strand->servers; link = link->next) {
     auto& call = *static_cast<omni::GIOP_S*>(link);
-    if (call.state() != omni::IOP_S::UnUsed && RequestId::Of(call) == id) return true;
+    const bool hasNumber =
+        call.state() != omni::IOP_S::UnUsed && call.state() != omni::IOP_S::WaitForRequestHeader;
+    if (hasNumber && RequestId::Of(call) == id) return true;
   }
   return false;
 }

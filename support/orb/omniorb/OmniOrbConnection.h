@@ -59,9 +59,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   omni::giopActiveCollection* registerMonitor() override;
   omni::giopConnection& getConnection() override { return *this; }
 
-  int Send(void* data, std::size_t size, const omni_time_t& deadline) override {
-    return m_connection.Send(data, size, deadline);
-  }
+  int Send(void* data, std::size_t size, const omni_time_t& deadline) override;
   // Returns at most one message, so that each is checked before omniORB receives it.
   int Recv(void* data, std::size_t size, const omni_time_t& deadline) override;
   void Shutdown() override;

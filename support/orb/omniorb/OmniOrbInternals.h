@@ -34,9 +34,9 @@ std::vector<std::string> OpenEndpoints();
 // next root POA opens them again.
 void CloseEndpoints();
 
-// While it exists, omniORB waits up to ten seconds for the threads that it ends, and not as long as
-// between two of its scans, which is a second. A thread that does not end in time uses memory that
-// the ORB has freed, and the next ORB does not start.
+// While it exists, omniORB waits up to ten seconds for each kind of thread that it ends, and not as
+// long as between two of its scans, which is a second. A thread that does not end in time uses
+// memory that the ORB has freed, and the next ORB does not start.
 class LongerEnd {
  public:
   LongerEnd();
