@@ -380,6 +380,11 @@ int JudgeCertificate(int verified, X509_STORE_CTX& context, const TlsSettings& s
 }
 
 void FollowHandshake(const SSL* connection, int where, int result) {
+  // The thread that finds the end of a connection would otherwise send an alert, while another
+  // thread may be sending. A cut message is noticed by its length.
+  if ((where & SSL_CB_HANDSHAKE_DONE) != 0) {
+    SSL_set_options(const_cast<SSL*>(connection), SSL_OP_IGNORE_UNEXPECTED_EOF);
+  }
   if (SSL_is_server(connection) != 0) return;
   if ((where & SSL_CB_HANDSHAKE_START) != 0 && Handshake::Of(connection) == nullptr) {
     auto handshake = std::make_unique<Handshake>();
