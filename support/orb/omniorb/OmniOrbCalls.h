@@ -8,7 +8,9 @@
 //
 // omniORB repeats calls and gives each new connection time of its own; no setting of it changes
 // that. So this file derives from the classes that hold the connections to one server (a "rope" of
-// "strands"), which are omniORB's internal interfaces. Tried with omniORB 4.2.5 and 4.3.3.
+// "strands"), which are omniORB's internal interfaces. Tried with omniORB 4.2.5 and 4.3.3. Its
+// source has more than 500 lines, since all of it works on the one call that is under way on a
+// thread.
 //
 //   CORBA::ORB_init(...);
 //   InstallCalls(settings);
