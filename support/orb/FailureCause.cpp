@@ -25,7 +25,7 @@ std::chrono::milliseconds ProbeLimit() {
   return std::min(kProbeLimit, std::chrono::floor<std::chrono::milliseconds>(left));
 }
 
-// Why no connection comes about; empty if one does, or if the time is too short to tell.
+// Why no connection comes about; empty if one does, or if the time is too short to know.
 std::string WhyUnreachable(const ReferenceEndpoint& place) {
   const std::chrono::milliseconds limit = ProbeLimit();
   std::string why;
