@@ -143,8 +143,8 @@ bool IsDead(const giopStrand& strand, bool takesCalls) {
 bool WasClosedInOrder(const giopStrand& strand) {
   if (strand.connection == nullptr) return false;
   const CheckedConnection& connection = CheckedConnection::Of(strand);
-  return connection.WasClosedInOrder() ||
-         (!IsTls(strand) && BeginsWithClose(connection.Socket(), false));
+  return connection.WasClosedInOrder() || (!IsTls(strand) && connection.IsBetweenMessages() &&
+                                           BeginsWithClose(connection.Socket(), false));
 }
 
 bool IsForward(GIOP_C& attempt) {
@@ -182,9 +182,14 @@ CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T&
   return true;
 }
 
-// An ORB that ends would wait for ever for a reference that is forwarded meanwhile.
-CORBA::Boolean RefuseForwardAtEnd(omniInterceptors::clientReceiveReply_T::info_T& info) {
-  if (IsForward(info.giop_c)) RefuseAtEnd();
+// An ORB that ends would wait for ever for a reference that is forwarded meanwhile. Before GIOP 1.2
+// omniORB skips the reply to another call while it holds a lock that it takes again if that fails.
+CORBA::Boolean CheckReply(omniInterceptors::clientReceiveReply_T::info_T& info) {
+  GIOP_C& attempt = info.giop_c;
+  if (IsForward(attempt)) RefuseAtEnd();
+  if (attempt.version().minor < 2 && attempt.replyId() != RequestIdOf(attempt)) {
+    Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
+  }
   return true;
 }
 
@@ -399,15 +404,16 @@ class CheckedRope : public Base {
     giopStrand& strand = attempt.strand();
     if (strand.connection == nullptr || !strand.isBiDir()) return;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
-    EndWriting(attempt);
+    ReleaseLocks(attempt);
     while (IsBeingRead(strand)) omni_thread::sleep(0, 1'000'000);
     DropUnfinished(strand);
   }
 
-  // The thread that reads may wait for it, to refuse a message.
-  static void EndWriting(GIOP_C& attempt) {
+  // The thread that reads may wait to write, to refuse a message. Before GIOP 1.2 the caller reads.
+  static void ReleaseLocks(GIOP_C& attempt) {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
     attempt.wrUnLock();
+    attempt.rdUnLock();
   }
 
   // Calls of the server of which a part has arrived. omniORB keeps them while a caller waits, and
@@ -495,7 +501,7 @@ void InstallCalls(const OrbSettings& settings) {
   omniInterceptors& interceptors = *omniORB::getInterceptors();
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);
-  interceptors.clientReceiveReply.add(RefuseForwardAtEnd);
+  interceptors.clientReceiveReply.add(CheckReply);
   GuardMessages();
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -25,6 +26,8 @@
 #include <omniORB4/sslContext.h>
 #include <omniORB4/sslConnection.h>
 // clang-format on
+
+#include <openssl/err.h>
 
 #include <support/diagnostics/TDiag.h>
 
@@ -153,6 +156,11 @@ class Transport : public omni::giopTransportImpl {
   const omnivector<const char*>* getInterfaceAddress() override { return nullptr; }
 };
 
+SSL* TlsOf(giopConnection& connection) {
+  const auto* const tls = dynamic_cast<omni::sslConnection*>(&connection);
+  return tls != nullptr ? tls->ssl_handle() : nullptr;
+}
+
 int SocketOf(giopConnection& connection) {
   if (const auto* tcp = dynamic_cast<omni::tcpConnection*>(&connection)) return tcp->handle();
   if (const auto* tls = dynamic_cast<omni::sslConnection*>(&connection)) return tls->handle();
@@ -163,6 +171,25 @@ int SocketOf(giopConnection& connection) {
 bool WasReset(int socket) {
   pollfd events{socket, 0, 0};
   return ::poll(&events, 1, 0) == 1 && (events.revents & POLLERR) != 0;
+}
+
+bool IsOver(const omni_time_t& deadline) {
+  omni_time_t now;
+  omni_thread::get_time(now);
+  return deadline && deadline <= now;
+}
+
+// Waits for that event of the socket until the deadline, if there is one.
+void Await(int socket, short event, const omni_time_t& deadline) {
+  omni_time_t now;
+  omni_thread::get_time(now);
+  int milliseconds = -1;
+  if (deadline) {
+    const omni_time_t left = now < deadline ? deadline - now : omni_time_t();
+    milliseconds = static_cast<int>(std::min(left.s, 1'000'000UL) * 1000 + left.ns / 1'000'000 + 1);
+  }
+  pollfd events{socket, event, 0};
+  ::poll(&events, 1, milliseconds);
 }
 
 std::uint32_t NumberIn(const unsigned char* data, bool littleEndian) {
@@ -176,15 +203,17 @@ bool IsDeleted(omni::giopStrand& strand) {
   return strand.deletePending();
 }
 
-// The request id is protected.
-struct RequestId : omni::GIOP_C {
-  static std::uint32_t Of(omni::giopStream& call) {
-    CORBA::ULong (omni::giopStream::*const id)() const = &RequestId::requestId;
-    return (call.*id)();
-  }
-};
-
 }  // namespace
+
+std::uint32_t RequestIdOf(const omni::giopStream& call) {
+  struct Access : omni::GIOP_C {  // It is protected.
+    static std::uint32_t Of(const omni::giopStream& stream) {
+      CORBA::ULong (omni::giopStream::*const id)() const = &Access::requestId;
+      return (stream.*id)();
+    }
+  };
+  return Access::Of(call);
+}
 
 std::string CheckedEndpoint(const std::string& endpoint) {
   static auto* const transport = new Transport;  // registered with omniORB for good
@@ -192,7 +221,9 @@ std::string CheckedEndpoint(const std::string& endpoint) {
 }
 
 CheckedConnection::CheckedConnection(omni::giopActiveConnection& opened)
-    : m_opened(&opened), m_connection(opened.getConnection()), m_socket(SocketOf(m_connection)) {}
+    : m_opened(&opened), m_connection(opened.getConnection()), m_socket(SocketOf(m_connection)) {
+  UseTls();
+}
 
 CheckedConnection::CheckedConnection(giopConnection& accepted)
     : m_opened(nullptr), m_connection(accepted), m_socket(SocketOf(m_connection)) {
@@ -213,17 +244,17 @@ omni::giopActiveCollection* CheckedConnection::registerMonitor() {
   return &OpenedWatcher::Of(*m_opened->registerMonitor());
 }
 
-// At its end omniORB says so to each peer in turn, and would wait for seconds for one that does not
-// read.
+// At its end omniORB says so to each peer in turn, and would wait for one that does not read.
 int CheckedConnection::Send(void* data, std::size_t size, const omni_time_t& deadline) {
   omni_time_t end = deadline;
   const auto* const bytes = static_cast<const unsigned char*>(data);
   const bool isHeader = size == m_header.size() && std::memcmp(bytes, "GIOP", 4) == 0;
   if (isHeader && bytes[7] == GIOP::CloseConnection) {
-    omni_thread::get_time(end, omni_time_t(1));
+    omni_thread::get_time(end, omni_time_t(0, 20'000'000));
     if (deadline) end = std::min(end, deadline);
   }
-  return m_connection.Send(data, size, end);
+  if (!IsTls()) return m_connection.Send(data, size, end);
+  return Exchange([=](SSL* tls) { return SSL_write(tls, data, static_cast<int>(size)); }, end);
 }
 
 int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& deadline) {
@@ -239,6 +270,7 @@ int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& dea
     used = std::min(length, m_header.size() - m_headerSize);
     std::memcpy(m_header.data() + m_headerSize, bytes, used);
     m_headerSize += used;
+    m_isBetweenMessages = false;
     if (m_headerSize < m_header.size()) return received;
     m_headerSize = 0;
     if (!BeginMessage()) return -1;
@@ -246,6 +278,7 @@ int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& dea
   const std::size_t body = std::min(length - used, m_toCome);
   m_toCome -= body;
   if (!NoteId(bytes + used, body)) return -1;
+  m_isBetweenMessages = m_toCome == 0 && m_unfinished.empty();
   used += body;
   m_rest.insert(m_rest.begin(), bytes + used, bytes + length);
   m_hasRest = !m_rest.empty();
@@ -255,7 +288,7 @@ int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& dea
 // With TLS omniORB would use OpenSSL here while another thread does, such as one that waits for the
 // rest of a handshake.
 void CheckedConnection::Shutdown() {
-  if (std::string_view(m_connection.myaddress()).starts_with("giop:ssl")) {
+  if (IsTls()) {
     ::shutdown(m_socket, SHUT_RDWR);
   } else {
     m_connection.Shutdown();
@@ -269,13 +302,52 @@ CORBA::Boolean CheckedConnection::gatekeeperCheckSpecific(omni::giopStrand* stra
   if (!m_accepted) {
     m_accepting = strand;
     m_accepted = m_connection.gatekeeperCheckSpecific(strand);
+    if (*m_accepted) UseTls();
     return *m_accepted;
   }
   while (!*m_accepted && !IsDeleted(*strand)) omni_thread::sleep(0, 1'000'000);
   return true;
 }
 
+bool CheckedConnection::IsTls() const {
+  return TlsOf(m_connection) != nullptr;
+}
+
+// Once the handshake is over.
+void CheckedConnection::UseTls() {
+  SSL* const tls = TlsOf(m_connection);
+  if (tls == nullptr) return;
+  ::fcntl(m_socket, F_SETFL, ::fcntl(m_socket, F_GETFL) | O_NONBLOCK);
+  SSL_clear_mode(tls, SSL_MODE_AUTO_RETRY);  // It returns after each record.
+  const std::lock_guard lock(m_tlsMutex);
+  m_tls = tls;
+}
+
+// Reads or writes, as omniORB does with TLS. While it waits, other threads can use the connection.
+// OpenSSL allows one at a time, which omniORB 4.2 does not heed.
+template <class Function>
+int CheckedConnection::Exchange(Function exchange, const omni_time_t& deadline) {
+  while (!IsOver(deadline)) {
+    int error = SSL_ERROR_NONE;
+    {
+      const std::lock_guard lock(m_tlsMutex);
+      if (m_tls == nullptr) return -1;
+      const int length = exchange(m_tls);
+      if (length > 0) return length;
+      error = SSL_get_error(m_tls, length);
+      ERR_clear_error();
+    }
+    if (error != SSL_ERROR_WANT_READ && error != SSL_ERROR_WANT_WRITE) return -1;
+    Await(m_socket, error == SSL_ERROR_WANT_READ ? POLLIN : POLLOUT, deadline);
+  }
+  return 0;
+}
+
 int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline) {
+  if (!m_hasRest && IsTls()) {
+    return Exchange([=](SSL* tls) { return SSL_read(tls, data, static_cast<int>(size)); },
+                    deadline);
+  }
   if (!m_hasRest) {
     const int received = m_connection.Recv(data, size, deadline);
     if (received >= 0 || !WasReset(m_socket)) return received;
@@ -293,72 +365,73 @@ int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni
 bool CheckedConnection::BeginMessage() {
   m_idSize = 0;
   if (std::memcmp(m_header.data(), "GIOP", 4) != 0) return true;  // omniORB closes the connection.
-  const std::uint32_t size = NumberIn(&m_header[8], (m_header[6] & 1) != 0);
+  m_size = NumberIn(&m_header[8], (m_header[6] & 1) != 0);
   const int kind = m_header[7];
-  const bool isBare = kind == GIOP::CloseConnection || kind == GIOP::MessageError ||
-                      (kind == GIOP::Fragment && m_header[5] < 2);
-  // omniORB can cancel no call, and does not end a connection on which it was asked to.
-  if (kind == GIOP::CancelRequest || (!isBare && size < m_id.size()) || !IsWithinLimit(size)) {
-    VQ_LOG(diagModule, 2) << peeraddress() << " sent a message of " << size
-                          << " bytes, which is refused";
-    return false;
-  }
+  const bool isBare = IsLast() || (kind == GIOP::Fragment && !HasId());
+  const bool isTooLarge = m_size > std::numeric_limits<std::uint32_t>::max() - m_header.size() ||
+                          (!IsReadByCaller() && m_size > omni::orbParameters::giopMaxMsgSize);
+  // omniORB can cancel no call, and does not end a connection on which it was asked to. Before GIOP
+  // 1.2 it skips an answer to a question that nobody asked while it holds a lock.
+  const bool isUseless = kind == GIOP::CancelRequest || (kind == GIOP::LocateReply && !HasId());
+  if (isUseless || isTooLarge || (!isBare && m_size < m_id.size())) return Refuse(m_size);
   if (kind == GIOP::CloseConnection) {
-    m_closedInOrder = true;
+    m_closedInOrder = m_unfinished.empty();
     AwaitTakenReplies();
   }
-  m_toCome = size;
-  return true;
+  m_toCome = m_size;
+  return HasId() || IsLast() || MayFollow(kNoId);
 }
 
-// When the caller reads, omniORB itself checks the limit of the settings.
-bool CheckedConnection::IsWithinLimit(std::uint32_t size) {
-  if (size > std::numeric_limits<std::uint32_t>::max() - m_header.size()) return false;
-  if (m_strand != nullptr && !m_strand->isBiDir()) return true;
-  if (MoreFollows() || m_header[7] == GIOP::Fragment) m_inFragments += size;
-  const std::uint64_t whole = std::max<std::uint64_t>(size, m_inFragments);
-  if (!MoreFollows()) m_inFragments = 0;
-  return whole <= omni::orbParameters::giopMaxMsgSize;
+bool CheckedConnection::Refuse(std::uint64_t size) {
+  VQ_LOG(diagModule, 2) << peeraddress() << " sent a message of " << size
+                        << " bytes, which is refused";
+  return false;
+}
+
+// omniORB itself then checks the limit of the settings.
+bool CheckedConnection::IsReadByCaller() const {
+  return m_strand != nullptr && !m_strand->isBiDir();
 }
 
 // False for a message that omniORB must not receive.
 bool CheckedConnection::NoteId(const unsigned char* body, std::size_t size) {
-  const int kind = m_header[7];
-  if (m_header[5] < 2 || kind == GIOP::CloseConnection || kind == GIOP::MessageError) return true;
+  if (!HasId() || IsLast()) return true;
   const std::size_t part = std::min(size, m_id.size() - m_idSize);
   std::memcpy(m_id.data() + m_idSize, body, part);
   m_idSize += part;
   if (m_idSize < m_id.size()) return true;
   const std::uint32_t id = NumberIn(m_id.data(), (m_header[6] & 1) != 0);
-  if (part > 0 && !MayFollow(id)) {
-    VQ_LOG(diagModule, 2) << peeraddress() << " sent a message out of turn, which is refused";
-    return false;
-  }
-  if (kind == GIOP::Reply || kind == GIOP::Fragment) NoteReply(id);
+  if (part > 0 && !MayFollow(id)) return false;
+  if (m_header[7] == GIOP::Reply || m_header[7] == GIOP::Fragment) NoteReply(id);
   return true;
 }
 
 // omniORB takes a fragment for that of any call with its number, also of one that another thread
-// has in hand.
-bool CheckedConnection::MayFollow(std::uint32_t id) {
+// has in hand. It keeps the fragments until the last one comes.
+bool CheckedConnection::MayFollow(std::uint64_t id) {
   constexpr std::size_t kMost = 1000;
   const int kind = m_header[7];
   const bool isOpen = m_unfinished.contains(id);
-  if (kind == GIOP::Fragment && !isOpen) return false;
-  if ((kind == GIOP::Request || kind == GIOP::LocateRequest) && (isOpen || IsInHand(id))) {
+  const bool begins = kind == GIOP::Request || kind == GIOP::LocateRequest;
+  if (kind == GIOP::Fragment ? !isOpen
+                             : (isOpen && (begins || id == kNoId)) || (begins && IsInHand(id))) {
+    VQ_LOG(diagModule, 2) << peeraddress() << " sent a message out of turn, which is refused";
     return false;
   }
-  if (MoreFollows()) {
-    m_unfinished.insert(id);
-  } else {
-    m_unfinished.erase(id);
+  if (isOpen || MoreFollows()) {
+    m_unfinished[id] += m_size;
+    m_kept += m_size;
+    const bool isTooMuch =
+        m_unfinished.size() > kMost || m_kept > omni::orbParameters::giopMaxMsgSize;
+    if (!IsReadByCaller() && isTooMuch) return Refuse(m_kept);
   }
-  return m_unfinished.size() <= kMost;
+  if (!MoreFollows() && isOpen) m_kept -= m_unfinished.extract(id).mapped();
+  return true;
 }
 
 // Whether a call of the peer's with this number is under way. One whose header is still to come has
 // none of its own.
-bool CheckedConnection::IsInHand(std::uint32_t id) const {
+bool CheckedConnection::IsInHand(std::uint64_t id) const {
   const omni::giopStrand* const strand = m_strand != nullptr ? m_strand : m_accepting;
   if (strand == nullptr) return false;
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
@@ -366,7 +439,7 @@ bool CheckedConnection::IsInHand(std::uint32_t id) const {
     auto& call = *static_cast<omni::GIOP_S*>(link);
     const bool hasNumber =
         call.state() != omni::IOP_S::UnUsed && call.state() != omni::IOP_S::WaitForRequestHeader;
-    if (hasNumber && RequestId::Of(call) == id) return true;
+    if (hasNumber && RequestIdOf(call) == id) return true;
   }
   return false;
 }
@@ -383,7 +456,7 @@ void CheckedConnection::NoteReply(std::uint32_t id) {
 
 bool CheckedConnection::HasReplyTo(omni::GIOP_C& call, bool whole) const {
   const std::lock_guard lock(m_mutex);
-  const auto* reply = std::ranges::find(m_replies, RequestId::Of(call), &Reply::id);
+  const auto* reply = std::ranges::find(m_replies, RequestIdOf(call), &Reply::id);
   return reply != m_replies.end() && (reply->whole || !whole);
 }
 

@@ -2,10 +2,11 @@
 //
 // omniORB 4.2 trusts the header of a message. A header that announces nearly 4 GiB makes it
 // allocate memory without end, and a message without its request id makes it read beyond its
-// buffers. On a bidirectional connection a thread of the ORB reads, and three more things fail:
+// buffers. On a bidirectional connection a thread of the ORB reads, and four more things fail:
 // messages are buffered without limit, a reply is lost when the connection ends right behind it,
-// and the caller does not learn that the server closed the connection in order. omniORB 4.3 checks
-// the sizes itself. Tried with omniORB 4.2.5 and 4.3.3.
+// the caller does not learn that the server closed the connection in order, and two threads use
+// OpenSSL at a time. omniORB 4.3 checks the sizes and locks OpenSSL itself. Tried with
+// omniORB 4.2.5 and 4.3.3.
 //
 //   pd_addresses[i] = new CheckedAddress(pd_addresses[i]);  // of a rope
 //
@@ -19,19 +20,21 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include <omniORB4/CORBA.h>
 #include <omniORB4/giopEndpoint.h>
+#include <openssl/ssl.h>
 
 namespace omni {
 class GIOP_C;
 class giopStrand;
+class giopStream;
 }  // namespace omni
 
 namespace vq::orb {
@@ -49,8 +52,9 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
 
   // Whether at least a part of the reply to a recent call has arrived, or the whole of it.
   bool HasReplyTo(omni::GIOP_C& call, bool whole) const;
-  // Whether omniORB has received a CloseConnection.
+  // Whether omniORB has received a CloseConnection, and no message had begun before.
   bool WasClosedInOrder() const { return m_closedInOrder; }
+  bool IsBetweenMessages() const { return m_isBetweenMessages; }
   // Whether data has arrived that omniORB has not received yet.
   bool HasRest() const { return m_hasRest; }
   // Whether omniORB waits for calls that arrive over it.
@@ -88,13 +92,24 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
     bool whole = false;
   };
 
+  static constexpr std::uint64_t kNoId = std::uint64_t{1} << 32U;  // before GIOP 1.2
+
+  bool IsTls() const;
+  void UseTls();
+  template <class Function>
+  int Exchange(Function exchange, const omni_time_t& deadline);
   int Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline);
   bool BeginMessage();
-  bool IsWithinLimit(std::uint32_t size);
+  bool Refuse(std::uint64_t size);
+  bool IsReadByCaller() const;
   bool NoteId(const unsigned char* body, std::size_t size);
-  bool MayFollow(std::uint32_t id);
-  bool IsInHand(std::uint32_t id) const;
+  bool MayFollow(std::uint64_t id);
+  bool IsInHand(std::uint64_t id) const;
   void NoteReply(std::uint32_t id);
+  bool HasId() const { return m_header[5] >= 2; }
+  bool IsLast() const {
+    return m_header[7] == GIOP::CloseConnection || m_header[7] == GIOP::MessageError;
+  }
   bool MoreFollows() const { return (m_header[6] & 2) != 0; }
   bool HasUntakenReply() const;
   void AwaitTakenReplies() const;
@@ -102,6 +117,8 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   omni::giopActiveConnection* const m_opened;  // null for an accepted one
   omni::giopConnection& m_connection;
   const int m_socket;
+  std::mutex m_tlsMutex;
+  SSL* m_tls = nullptr;  // after the handshake
   std::mutex m_handshake;
   omni::giopStrand* m_accepting = nullptr;  // that of an accepted one
   std::optional<bool> m_accepted;           // whether the handshake of an accepted one succeeded
@@ -112,10 +129,13 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   std::size_t m_toCome = 0;                  // bytes of the latest message still to arrive
   std::array<unsigned char, 4> m_id{};
   std::size_t m_idSize = 0;
-  std::set<std::uint32_t> m_unfinished;  // messages that fragments are still to follow
-  std::uint64_t m_inFragments = 0;
+  std::uint32_t m_size = 0;                             // of the latest message
+  std::map<std::uint64_t, std::uint64_t> m_unfinished;  // messages that fragments are still to
+                                                        // follow, and their sizes so far
+  std::uint64_t m_kept = 0;                             // the sum of these
   std::vector<unsigned char> m_rest;
   std::atomic<bool> m_hasRest = false;
+  std::atomic<bool> m_isBetweenMessages = true;
   std::atomic<bool> m_closedInOrder = false;
   std::atomic<bool> m_isWatched = false;
 
@@ -123,6 +143,9 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   std::array<Reply, 16> m_replies;  // the latest
   std::size_t m_nextReply = 0;
 };
+
+// The number by which the peer of a call identifies it.
+std::uint32_t RequestIdOf(const omni::giopStream& call);
 
 // The name of an endpoint that accepts checked connections at one of omniORB's ("giop:tcp::").
 std::string CheckedEndpoint(const std::string& endpoint);

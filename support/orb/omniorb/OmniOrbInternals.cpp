@@ -38,9 +38,7 @@ void SendCloseConnection(giopStrand& strand) {
   constexpr CORBA::Octet kKind = GIOP::CloseConnection;
   const auto [major, minor] = strand.version;
   std::array<CORBA::Octet, 12> message{'G', 'I', 'O', 'P', major, minor, omni::myByteOrder, kKind};
-  omni_time_t deadline;
-  omni_thread::get_time(deadline, omni_time_t(1));
-  strand.connection->Send(message.data(), message.size(), deadline);
+  strand.connection->Send(message.data(), message.size(), omni_time_t());
 }
 
 // Closes the named connections in one of omniORB's lists, whose lock is held. An idle one is
