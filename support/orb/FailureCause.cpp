@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,11 +11,13 @@
 #include <support/orb/CallDeadline.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/ReferenceAddress.h>
+#include <support/os_toolkit/Atoi.h>
 
 namespace vq::orb {
 namespace {
 
 thread_local std::string noted;
+thread_local std::string peer;
 
 constexpr std::chrono::milliseconds kProbeLimit{1000};
 
@@ -34,16 +37,26 @@ std::string WhyUnreachable(const ReferenceEndpoint& place) {
   return reach == Reach::kFailed && limit < kProbeLimit ? std::string() : why;
 }
 
+// The address that the call used, if it is known.
+ReferenceEndpoint PlaceOf(const std::vector<ReferenceEndpoint>& endpoints) {
+  const std::size_t colon = peer.rfind(':');
+  if (colon == std::string::npos) return endpoints.front();
+  const bool hasBrackets = peer.front() == '[';
+  const std::size_t cut = hasBrackets ? 1 : 0;
+  return {peer.substr(cut, colon - 2 * cut), Atoi(peer.substr(colon + 1))};
+}
+
 std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target) {
   const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(target);
   if (endpoints.empty()) return ExceptionText(exception);
-  const std::string place = PlaceText(endpoints.front());
+  const ReferenceEndpoint endpoint = PlaceOf(endpoints);
+  const std::string place = PlaceText(endpoint);
   if (dynamic_cast<const CORBA::TIMEOUT*>(&exception) != nullptr) {
     return "no answer from " + place + " within the time-out";
   }
   if (dynamic_cast<const CORBA::TRANSIENT*>(&exception) != nullptr ||
       dynamic_cast<const CORBA::COMM_FAILURE*>(&exception) != nullptr) {
-    std::string why = WhyUnreachable(endpoints.front());
+    std::string why = WhyUnreachable(endpoint);
     if (!why.empty()) return why;
   }
   if (dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&exception) != nullptr) {
@@ -58,7 +71,16 @@ void NoteCause(std::string cause) noexcept {
   noted = std::move(cause);
 }
 
+void NotePeer(std::string_view address) noexcept {
+  try {
+    peer = address;
+  } catch (const std::bad_alloc&) {
+    peer.clear();
+  }
+}
+
 void BeginCall() {
+  peer.clear();
   const auto end = CallDeadline::Current();
   if (!end || CallDeadline::Clock::now() < *end) {
     noted.clear();

@@ -11,6 +11,7 @@
 #define VQ_SUPPORT_ORB_FAILURECAUSE_H
 
 #include <string>
+#include <string_view>
 
 #include <support/orb/Corba.h>
 
@@ -27,6 +28,10 @@ void BeginCall();
 
 // The cause noted last on this thread, which is forgotten; empty when none was noted since.
 std::string TakeCause() noexcept;
+
+// Keeps the address ("host:port") that a call of the calling thread uses, for NoteFailedCall: it
+// need not be the first one of the call's reference.
+void NotePeer(std::string_view address) noexcept;
 
 // Finds out why a remote call failed and notes that. Does nothing when a cause has been noted since
 // the call began, which is more precise. Where no connection came about it looks the host up and

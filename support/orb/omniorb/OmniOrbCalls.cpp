@@ -155,6 +155,7 @@ bool IsForward(GIOP_C& attempt) {
 // What a finished or failed attempt means for the next one.
 void NoteEnd(GIOP_C& attempt) {
   const giopStrand& strand = attempt.strand();
+  NoteAddress(*strand.address);
   switch (attempt.state()) {
     case omni::IOP_C::Idle:  // A reply has come.
       call.forwarded = IsForward(attempt);

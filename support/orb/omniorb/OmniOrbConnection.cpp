@@ -30,6 +30,8 @@
 #include <openssl/err.h>
 
 #include <support/diagnostics/TDiag.h>
+#include <support/orb/FailureCause.h>
+#include <support/orb/omniorb/OmniOrbOptions.h>
 
 namespace vq::orb {
 namespace {
@@ -213,6 +215,12 @@ std::uint32_t RequestIdOf(const omni::giopStream& call) {
     }
   };
   return Access::Of(call);
+}
+
+void NoteAddress(const omni::giopAddress& address) {
+  const std::string_view text = address.address();
+  if (text.starts_with(kTcp) || text.starts_with(kTls))
+    NotePeer(text.substr(std::string_view(kTcp).size()));
 }
 
 std::string CheckedEndpoint(const std::string& endpoint) {

@@ -147,6 +147,9 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
 // The number by which the peer of a call identifies it.
 std::uint32_t RequestIdOf(const omni::giopStream& call);
 
+// Notes it for the cause if the calling thread's call fails.
+void NoteAddress(const omni::giopAddress& address);
+
 // The name of an endpoint that accepts checked connections at one of omniORB's ("giop:tcp::").
 std::string CheckedEndpoint(const std::string& endpoint);
 
@@ -166,6 +169,7 @@ class CheckedAddress : public omni::giopAddress {
   }
   omni::giopActiveConnection* Connect(const omni_time_t& deadline, CORBA::ULong flags,
                                       CORBA::Boolean& timedOut) const override {
+    NoteAddress(*m_address);
     omni::giopActiveConnection* const opened = m_address->Connect(deadline, flags, timedOut);
     return opened != nullptr ? new CheckedConnection(*opened) : nullptr;
   }
