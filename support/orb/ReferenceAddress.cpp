@@ -2,12 +2,14 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <system_error>
 
 #include <netdb.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <support/orb/ListenEndpoint.h>
@@ -19,14 +21,25 @@ namespace vq::orb {
 namespace {
 
 // The error number of one attempt to connect; 0 when it succeeds.
-int TryToConnect(const addrinfo& address, std::chrono::milliseconds limit) {
-  const Descriptor probe(::socket(address.ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+int TryToConnect(const addrinfo& address, std::chrono::steady_clock::time_point end) {
+  const Descriptor probe(
+      ::socket(address.ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   if (!probe.IsOpen()) return errno;
-  // Linux applies the limit of a send to connecting, too, and reports its end as EINPROGRESS.
-  const timeval time{limit.count() / 1000, limit.count() % 1000 * 1000};
-  ::setsockopt(probe.Get(), SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
   if (::connect(probe.Get(), address.ai_addr, address.ai_addrlen) == 0) return 0;
-  return errno == EINPROGRESS ? ETIMEDOUT : errno;
+  if (errno != EINPROGRESS) return errno;
+  pollfd events{probe.Get(), POLLOUT, 0};
+  int found = 0;
+  do {  // A signal interrupts it.
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return ETIMEDOUT;
+    found = ::poll(&events, 1, static_cast<int>(left.count()));
+  } while (found == 0 || (found < 0 && errno == EINTR));
+  if (found < 0) return errno;
+  int error = 0;
+  socklen_t size = sizeof error;
+  ::getsockopt(probe.Get(), SOL_SOCKET, SO_ERROR, &error, &size);
+  return error;
 }
 
 constexpr std::uint32_t kIiopProfile = 0;
@@ -235,10 +248,7 @@ Reach TryToReach(const ReferenceEndpoint& place, std::chrono::milliseconds limit
   const auto end = std::chrono::steady_clock::now() + limit;
   int error = ETIMEDOUT;
   for (const addrinfo* next = found; next != nullptr; next = next->ai_next) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-        end - std::chrono::steady_clock::now());
-    if (left.count() <= 0) break;
-    error = TryToConnect(*next, left);
+    error = TryToConnect(*next, end);
     if (error == 0) return Reach::kReached;
   }
   if (error == ECONNREFUSED) {
