@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
+
+#include <unistd.h>
 
 #include <omniORB4/omniORB.h>
 
@@ -81,6 +84,7 @@ CORBA::ORB_ptr OmniOrbTransport::Acquire(const void* user, const OrbSettings& se
   if (m_users.empty()) {
     m_orb = Initialise(settings, arguments);
     m_tls = settings.tls;
+    m_process = ::getpid();
   }
   m_users.push_back({user, settings.biDirectional});
   OfferAsLastUser();
@@ -127,11 +131,20 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
   }
   InstallCodeSet();
   CORBA::ORB_var orb = InitOmniOrb(settings, options, arguments);
+  [[maybe_unused]] static const int registered = std::atexit(LeaveAtExit);
   InstallCalls(settings);
   InstallProfiles();
   OmniOrbGuest::Install();
   GuardTls(orb.in(), settings);
   return orb._retn();
+}
+
+// omniORB's thread for calls over own connections would use what the process destroys next. A child
+// process has the connections of its parent, and no thread.
+void OmniOrbTransport::LeaveAtExit() {
+  OmniOrbTransport& transport = Instance();
+  const std::unique_lock lock(transport.m_mutex, std::try_to_lock);
+  if (lock && !transport.m_users.empty() && transport.m_process == ::getpid()) EndCalls();
 }
 
 // An ORB that ended without waiting is destroyed before the next one starts.

@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 #include <support/orb/Corba.h>
 #include <support/orb/OrbSettings.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
@@ -68,6 +70,7 @@ class OmniOrbTransport {
   OmniOrbTransport() = default;
   static CORBA::ORB_ptr Initialise(const OrbSettings& settings,
                                    const std::vector<std::string>& arguments);
+  static void LeaveAtExit();
   void OfferAsLastUser() const;
   void FinishEnding();
 
@@ -77,6 +80,7 @@ class OmniOrbTransport {
   std::vector<User> m_users;
   int m_listeners = 0;
   bool m_ending = false;
+  pid_t m_process = 0;  // that started the ORB
 };
 
 }  // namespace vq::orb
