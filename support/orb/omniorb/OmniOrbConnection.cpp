@@ -53,6 +53,9 @@ class Watcher {
   }
 
  protected:
+  // Like all data here never destroyed: omniORB's threads may run until the process ends.
+  static inline auto& mutex = *new std::mutex;
+
   void TellTo(giopConnection::notifyReadable_t tell, void* cookie) {
     m_tell = tell;
     m_cookie = cookie;
@@ -72,8 +75,7 @@ class Watcher {
   }
 
  private:
-  static inline std::mutex mutex;
-  static inline std::map<giopConnection*, CheckedConnection*> connections;
+  static inline auto& connections = *new std::map<giopConnection*, CheckedConnection*>;
 
   giopConnection::notifyReadable_t m_tell = nullptr;
   void* m_cookie = nullptr;
@@ -83,8 +85,7 @@ class Watcher {
 class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
  public:
   static OpenedWatcher& Of(omni::giopActiveCollection& opened) {
-    static std::mutex mutex;
-    static std::map<omni::giopActiveCollection*, OpenedWatcher> watchers;
+    static auto& watchers = *new std::map<omni::giopActiveCollection*, OpenedWatcher>;
     const std::lock_guard lock(mutex);
     return watchers.try_emplace(&opened, opened).first->second;
   }
