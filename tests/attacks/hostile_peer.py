@@ -61,20 +61,22 @@ class Out:
         """An encapsulation: its own byte order first."""
         return self.octets(bytes(other.data))
 
-    def reference(self, kind, places, extra=(), alternates=()):
-        """An object reference with one IIOP profile a place, each with the same extra components."""
+    def reference(self, kind, places, extra=(), alternates=(), version=2):
+        """An object reference with one profile of IIOP 1.`version` a place, each with the same extra
+        components."""
         self.text(TYPES.get(kind, kind)).long(len(places))
         for host, port, tls in places:
-            profile = Out().octet(1).octet(1).octet(2).text(host).short(0 if tls else port)
+            profile = Out().octet(1).octet(1).octet(version).text(host).short(0 if tls else port)
             profile.octets(kind.encode())
             components = list(extra)
             if tls:  # TAG_SSL_SEC_TRANS
                 components.append((20, Out().octet(1).short(0x66).short(0x06).short(port)))
             components += [(3, Out().octet(1).text(other[0]).short(other[1]))
                            for other in alternates]  # TAG_ALTERNATE_IIOP_ADDRESS
-            profile.long(len(components))
-            for tag, content in components:
-                profile.long(tag).enclosed(content)
+            if version > 0:
+                profile.long(len(components))
+                for tag, content in components:
+                    profile.long(tag).enclosed(content)
             self.long(0).enclosed(profile)
         return self
 
@@ -227,15 +229,15 @@ def drip(call, data, pause, piece, most):
     return True
 
 
-def fragments(pause=0.05, most=10, numbered=True):
+def fragments(pause=0.05, most=10, numbered=True, size=8, between=b""):
     """The beginning of a long text, and fragments of it without end, or without their request's id."""
     def act(call):
         begin = call.reply(NO_EXCEPTION, Out().long(1).long(0).long(1 << 24).data)
         call.send(begin[:6] + bytes((begin[6] | 2,)) + begin[7:])
         end = time.monotonic() + most
         while time.monotonic() < end:
-            piece = struct.pack("<I", call.id) + b"frag" * 2 if numbered else b""
-            call.send(message(FRAGMENT, piece, call.version, 3))
+            piece = struct.pack("<I", call.id) + bytes(size) if numbered else b""
+            call.send(message(FRAGMENT, piece, call.version, 3) + between)
             call.peer.wait(pause)
         return False
     return act
@@ -263,6 +265,20 @@ def other_form(kind):
     return act
 
 
+def half_stray(call):
+    """A part of a long reply to another request, before GIOP 1.2."""
+    return call.send(message(REPLY, struct.pack("<3I", 0, call.id + 99, 0) + bytes(9000),
+                             call.version, size=20000))
+
+
+def begun(size):
+    """The first fragment of the reply, of `size` bytes, then CloseConnection."""
+    def act(call):
+        call.send(message(REPLY, call.answer()[12:12 + size], call.version, 3))
+        return close_orderly(call)
+    return act
+
+
 def flood(kind, most=10):
     """Messages for another request, as fast as they go."""
     def act(call):
@@ -281,19 +297,26 @@ def raw(data):
     return act
 
 
-def calling(call):
+def own_call(number, flags=1):
+    """A request of the peer's own; with the flags 3 its beginning."""
+    body = Out().long(number).long(3).long(0).octets(b"key").text("CRB_Ping").long(0)
+    body.data += bytes(-(12 + len(body.data)) % 8)  # as every fragment but the last has to end
+    return message(REQUEST, body.data, flags=flags)
+
+
+def calling(number):
     """Before the answer, a request of the peer's own over the client's connection."""
-    body = Out().long(7).long(3).long(0).octets(b"key").text("CRB_Ping").long(0)
-    return call.send(message(REQUEST, body.data) + call.answer())
+    return lambda call: call.send(own_call(number) + call.answer())
 
 
 def half_calls(call):
     """The beginnings of two requests of the peer's own over the client's connection."""
-    for number in (5, 7):
-        body = Out().long(number).long(3).long(0).octets(b"key").text("CRB_Ping").long(0)
-        body.data += bytes(-(12 + len(body.data)) % 8)  # as every fragment but the last has to end
-        call.send(message(REQUEST, body.data, flags=3))
-    return True
+    return call.send(own_call(5, 3) + own_call(7, 3))
+
+
+# The beginning of a call whose target is a profile in place of a key.
+HALF_TO_PROFILE = message(REQUEST, Out().long(5).long(3).short(1).long(0).octets(
+    b"\1\1\2").text("CRB_Ping").long(0).data + bytes(8), flags=3)
 
 
 def half_handshakes(call):
@@ -374,6 +397,7 @@ class Peer:
         self.script = {name: list(acts) if isinstance(acts, (list, tuple)) else acts
                        for name, acts in (script or {}).items()}
         self.tls, self.greeting = tls, greeting
+        self.instead = None  # sent in place of reading a long request to its end
         self.places = {}   # of forwarded()
         self.refer = None  # kind -> the reference that resolve() gives; by default to the peer itself
         self.received, self.unencrypted = collections.Counter(), collections.Counter()
@@ -385,6 +409,9 @@ class Peer:
         self.place = (*self.listener.getsockname()[:2], tls is not None)
 
     def __enter__(self):
+        if self.instead is not None:  # The system is not to take much of it.
+            self.listener.setsockopt(socket.IPPROTO_TCP, socket.TCP_MAXSEG, 536)
+            self.listener.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
         threading.Thread(target=self.accept, daemon=True).start()
         return self
 
@@ -444,7 +471,12 @@ class Peer:
         """One message; whether the connection stays open."""
         header = self.read(connection, 12)
         little = header[6] & 1
-        body = self.read(connection, struct.unpack("<I" if little else ">I", header[8:])[0])
+        size = struct.unpack("<I" if little else ">I", header[8:])[0]
+        if self.instead is not None and size > 50000:
+            self.wait(1.5)
+            connection.sendall(self.instead)
+            self.wait(10)
+        body = self.read(connection, size)
         self.bytes += header + body
         if header[7] == LOCATE_REQUEST:  # the object is here
             request = struct.unpack_from("<I" if little else ">I", body)[0]

@@ -38,10 +38,11 @@ class Row:
     name: str
     script: dict = dataclasses.field(default_factory=dict)  # the server's
     results: tuple = (0,)  # of the login; or of login, keep-alives and logout in a session
-    logged: str = ""  # what the log has to hold, a regular expression
+    logged: str = ""  # what log or output has to hold, a regular expression; places as <name>
     limit: float = 0  # time-outs that may pass
     more: dict = dataclasses.field(default_factory=dict)  # requests beyond the undisturbed session's
     naming: dict = dataclasses.field(default_factory=dict)  # the naming service's script
+    instead: bytes = None  # what it sends while it does not read the name of a server, which is long
     second: dict = dataclasses.field(default_factory=dict)  # another server's, the place "second"
     greeting: object = None  # of the server's connections
     profiles: tuple = ("server",)  # the places in the server's reference
@@ -50,6 +51,7 @@ class Row:
     tls: str = ""  # the server's context; "none": TLS is on and the server has none
     naming_tls: str = ""
     own_tls: bool = False  # the client has a certificate, and the port "client"
+    version: int = 2  # of GIOP, in the references and in the naming service's address
     arguments: tuple = ()
     keep_alives: int = 0  # more than 0: a session
     user: bytes = b"alice"
@@ -120,11 +122,15 @@ ROWS = [
     lost("forwarded to itself", {REGISTER: h.forwarded("server")}, more={REGISTER: 30}),
     lost("forwarded to each other", {REGISTER: h.forwarded("second")},
          second={REGISTER: h.forwarded("server")}, more={REGISTER: 30}),
-    lost("forwarded to a dead address", {REGISTER: h.forwarded("dead")}),
+    lost("forwarded to a dead address", {REGISTER: h.forwarded("dead")},
+         logged="refused at <dead>", tao={"logged": ""}),
+    Row("the naming service is dead, and another silent", root=("dead", "silent"), results=(55,),
+        limit=1, logged="no answer from <silent>", tao={"logged": ""}),
     Row("a keep-alive forwarded to no address", {ALIVE: [h.forwarded()]}, results=(1, 54, 1),
         keep_alives=2),
     lost("forwarded to many dead addresses", {REGISTER: h.forwarded(*["dead"] * 40)}),
-    lost("forwarded to a silent address", {REGISTER: h.forwarded("silent")}),
+    lost("forwarded to a silent address", {REGISTER: h.forwarded("silent")},
+         logged="no answer from <silent>", tao={"logged": ""}),
     lost("forwarded to many silent addresses", {REGISTER: h.forwarded(*["silent"] * 20)}),
     lost("forwarded to where no connection completes", {REGISTER: h.forwarded("hole")}),
     lost("forwarded to many such addresses", {REGISTER: h.forwarded(*["hole"] * 20)}),
@@ -136,6 +142,15 @@ ROWS = [
 
     Row("a whole login under one deadline", profiles=("silent",), results=(54,), limit=1,
         arguments=("--max-time", str(int(TIME_OUT)))),
+
+    # Before GIOP 1.2 the caller reads, also with bidirectional IIOP.
+    *(lost(f"no reply, GIOP 1.{version}, bidirectional", {REGISTER: h.silent}, logged="TIMEOUT",
+           version=version, arguments=("-BiDirPolicy", "1")) for version in (0, 1)),
+    *(Row(f"half a reply to another request, GIOP 1.{version}", version=version, results=(55,),
+          naming={"_non_existent": h.half_stray}, limit=1) for version in (0, 1)),
+    Row("a naming service stops to read, and sends half a call, bidirectional", results=(54,),
+        instead=h.HALF_TO_PROFILE, arguments=("-BiDirPolicy", "1"), limit=BINDINGS + 1,
+        logged="TIMEOUT"),
 
     # The time is over while a thread of the ORB's adds to the reply.
     Row("a large reply bit by bit, bidirectional",
@@ -156,6 +171,8 @@ ROWS = [
     Row("TLS, CloseConnection for one request", {REGISTER: [h.close_orderly]}, results=(1,),
         more={REGISTER: 1}, tls="good"),
     Row("CloseConnection for each request", {REGISTER: h.close_orderly}, more={REGISTER: 1}),
+    Row("CloseConnection behind the beginning of a reply, GIOP 1.1", {REGISTER: h.begun(8)},
+        version=1),
     Row("CloseConnection, then closed", {REGISTER: [h.close_orderly, h.closed]},
         more={REGISTER: 1}),
     # TAO asks the next address, where the server states that it has not processed the request.
@@ -210,6 +227,8 @@ ROWS = [
     Row("closed behind two unfinished calls, bidirectional",
         {op: h.then(h.half_calls, h.closed) for op in ("CRB_GetSystemParameterValue", REGISTER)},
         arguments=("-BiDirPolicy", "1")),
+    Row("a call with the highest number, bidirectional", {ALIVE: h.calling(0xFFFFFFFF)},
+        results=(1, 1, 1, 1), keep_alives=2, arguments=("-BiDirPolicy", "1")),
     Row("MessageError", {REGISTER: lambda call: call.send(h.message(h.ERROR, b"")) and False},
         logged="COMM_FAILURE|MARSHAL"),
     *(lost(f"a reply that announces {size} bytes", {REGISTER: h.announcing(size)})
@@ -220,6 +239,10 @@ ROWS = [
                                (", over TLS", 0, "good"), (", so over TLS", 7, "good"))),
     Row("a fragment without its request's id", {REGISTER: h.fragments(numbered=False)},
         logged="is refused", tao={"logged": ""}),
+    lost("fragments larger than a message may be, with others between, bidirectional",
+         {REGISTER: h.fragments(0.01, size=8192, between=h.message(h.REPLY, bytes(12)))},
+         logged="is refused", arguments=("-BiDirPolicy", "1", "-ORBMaxMessageSize", "65536"),
+         tao=None),
     Row("a text of 4 GiB", {REGISTER: h.giving(1, 0, -1)}, logged="MARSHAL"),
     Row("a list of 4 GiB", {REGISTER: h.giving(1, -1)}, logged="MARSHAL"),
     Row("a list that would take 4 GiB of memory", logged="MARSHAL", tao=None,
@@ -269,7 +292,7 @@ ROWS = [
         naming={"resolve": h.forwarded("second")}, logged="would be unencrypted|forwarded it"),
     Row("TLS, and the naming service names another host of the same CA", tls="good", results=(54,),
         arguments=("-SSLServerNames", "*.right.site"), logged="none of its names"),
-    Row("TLS, and the naming service calls back", tls="good", naming={"resolve": h.calling},
+    Row("TLS, and the naming service calls back", tls="good", naming={"resolve": h.calling(7)},
         results=(1,), arguments=("-BiDirPolicy", "1"), logged="came over an unencrypted",
         tao={"logged": ""}),
     Row("TLS, and the naming service offers none where it has to", tls="good", results=(55,),
@@ -342,6 +365,7 @@ class World:
         self.naming = h.Peer(row.naming, contexts.get(row.naming_tls))
         self.server = h.Peer(row.script, contexts.get(row.tls), row.greeting)
         self.second = h.Peer(row.second)
+        self.naming.instead = row.instead
         self.peers = {"naming": self.naming, "server": self.server, "second": self.second}
         hole = self.stack.enter_context(contextlib.closing(h.BlackHole()))
         silent = self.stack.enter_context(socket.create_server(("127.0.0.1", 0), backlog=128))
@@ -358,10 +382,10 @@ class World:
             self.stack.enter_context(peer)
         self.naming.refer = lambda kind: h.Out().reference(
             kind, [places[name] for name in row.profiles], row.offered,
-            alternates=[places[name] for name in row.alternates])
+            [places[name] for name in row.alternates], row.version)
         protocol = "ssliop:" if row.naming_tls else ":"
         self.root = "corbaloc:" + ",".join(
-            f"{protocol}1.2@{places[name][0]}:{places[name][1]}" for name in row.root)
+            f"{protocol}1.{row.version}@{places[name][0]}:{places[name][1]}" for name in row.root)
         return self
 
     def __exit__(self, *_):
@@ -372,8 +396,9 @@ class World:
         words = [client, "--json", "-v"]
         words += (["session", "-i", "1", "-c", str(row.keep_alives)] if row.keep_alives
                   else ["login"])
-        words += ["-s", "central", "-f", work / f"password-{row.user.hex()}", "-ORBInitRef",
-                  f"NameService={self.root}/NameService", "-ORBConnectTimeout",
+        words += ["-s", "central" if row.instead is None else "x" * 120_000,
+                  "-f", work / f"password-{row.user.hex()}",
+                  "-ORBInitRef", f"NameService={self.root}/NameService", "-ORBConnectTimeout",
                   str(int(TIME_OUT * 1000)), "-ORBCallTimeout", str(int(TIME_OUT * 1000)),
                   "-ORBListenEndpoints",
                   f"iiop://127.0.0.1:{self.own_place[1] if row.own_tls else ''}", *row.arguments]
@@ -399,7 +424,10 @@ class World:
         results = tuple(map(int, re.findall(r'"result":\s*(-?\d+)', done.stdout)))
         if results != row.results:
             yield f"results {results}, not {row.results}"
-        if not re.search(row.logged, done.stderr):
+        text = done.stderr + done.stdout
+        for name, (host, port, *_) in self.server.places.items():
+            text = text.replace(f"{host}:{port}", f"<{name}>")
+        if not re.search(row.logged, text):
             yield f"no '{row.logged}' in the log"
         limit = row.limit * TIME_OUT + row.keep_alives + SLACK
         if taken > limit:
