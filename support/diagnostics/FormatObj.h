@@ -22,7 +22,7 @@ class TDiagRegister;
 class VQ_CLIENT_COMMON_API FormatObj {
  public:
   // Begins a line of that level and class. `scope`: the function's qualified name, which must
-  // outlive the object; may be empty. Used by VQ_LOG.
+  // outlive the object; may be null. Used by VQ_LOG.
   FormatObj(const TDiagRegister& module, const char* scope, int level, std::uint32_t lineClass);
   ~FormatObj();  // writes the line; never throws
   FormatObj(const FormatObj&) = delete;

@@ -8,7 +8,7 @@ namespace {
 std::mutex mutex;
 
 Osl_UnicodeConfiguration::InitParameters& Parameters() {
-  // Never destroyed: strings are compared by destructors that run after any static object here.
+  // Never destroyed: static objects of the application may log in when they are destroyed.
   static auto& parameters = *new Osl_UnicodeConfiguration::InitParameters{"latin1", {}};
   return parameters;
 }

@@ -1,9 +1,9 @@
 // The process's diagnostic log.
 //
 // Terms. A *line* has a level from 0 (always) to 6 (trace) and a class, one or more bits of 32. A
-// *module* is one source file that writes lines; it may have a level of its own. A *sink* is where
-// lines go: stderr, a rotating file, or a callback of the application. There is no sink until one
-// is added, and without a sink every log statement is disabled, whatever its level.
+// *module* is a part of the library, mostly one source file; it may have a level of its own. A
+// *sink* is where lines go: stderr, a rotating file, or a callback of the application. There is no
+// sink until one is added, and without a sink every log statement is disabled, whatever its level.
 //
 // The environment switches it on without code. It is read once when the library loads, and not at
 // all by a program that runs with more rights than its caller:
@@ -109,7 +109,7 @@ class VQ_CLIENT_COMMON_API TDiag {
   State* const m_state;
 };
 
-// One source file's place in the log: a static object named diagModule in each file that writes.
+// The module of a source file's lines: a static object named diagModule in each file that writes.
 class VQ_CLIENT_COMMON_API TDiagRegister {
  public:
   explicit TDiagRegister(const char* moduleName);  // the text must outlive the object
@@ -156,15 +156,13 @@ class TDiagFunc {
   const char* m_name;
 };
 
-// VQ_LOG(where, level) << ...; writes one line. `where` is a TDiagFunc or a TDiagRegister.
-// VQ_LOG_CLASS does the same in a class of its own. Each is one expression, so that it can be used
-// wherever a statement can.
+// For the two macros below. One expression, so that they can be used wherever a statement can.
 #define VQ_LOG_IF(where, level, line) \
   !(where).IsActive(level) ? (void)0 : vq::EndOfLine() & (where).line
 
-// Writes one line of that level; see VQ_LOG_IF.
+// VQ_LOG(where, level) << ...; writes one line of the level. `where`: a TDiagFunc or TDiagRegister.
 #define VQ_LOG(where, level) VQ_LOG_IF(where, level, Line(level))
-// Writes one line of the level in a class of its own; see VQ_LOG_IF.
+// The same for a line in a class of its own.
 #define VQ_LOG_CLASS(where, level, lineClass) VQ_LOG_IF(where, level, Line(level, lineClass))
 
 namespace vq {

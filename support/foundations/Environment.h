@@ -42,8 +42,7 @@ bool HostName(std::string& name);
 // bytes; `name` is then empty. The name is kept for as long as that user is the effective one.
 bool AccountName(std::string& name, std::size_t size);
 
-// The account's home directory as the account database has it, without a closing "/". Empty when
-// there is no such account.
+// The account's home directory as the account database has it; empty when there is no such account.
 std::string AccountHome();
 
 }  // namespace vq

@@ -77,10 +77,10 @@ std::list<std::string> SplitPatches(const std::string& text) {
   return patches;
 }
 
-// What a look-up asked for: differs whenever the file was written or replaced. Empty for a missing
-// file, and for one that changed within the last two seconds: another change in the same tick of
-// the file system's clock would not show.
-std::string QuestionOf(const std::string& path, const std::string& product) {
+// Identifies a look-up and the state of the file: it differs whenever the file was written or
+// replaced. Empty for a missing file, and for one that changed within the last two seconds: another
+// change in the same tick of the file system's clock would not show.
+std::string KeyOf(const std::string& path, const std::string& product) {
   struct stat file {};
   if (::stat(path.c_str(), &file) != 0) return {};
   if (std::time(nullptr) - file.st_ctim.tv_sec <= 2) return {};
@@ -90,14 +90,14 @@ std::string QuestionOf(const std::string& path, const std::string& product) {
 
 // The last look-up, kept so that a login reads the file only when it has changed.
 struct LookUp {
-  std::string question;
+  std::string key;
   std::string version{};
   std::list<std::string> patches{};
 };
 
 LookUp LookUpProduct(const std::string& path, const std::string& product) {
   // Before the content is read: a file that is replaced in between is read again next time.
-  LookUp found{QuestionOf(path, product)};
+  LookUp found{KeyOf(path, product)};
   const vq::IniFile content(path);
   if (content.FirstBadLine() != 0) {
     const TDiagFunc diag(diagModule, "GetProductVersion");
@@ -118,8 +118,8 @@ int GetProductVersion(const std::string& product, std::string& version,
   static auto& last = *new LookUp;  // never destroyed
   const std::string path = GetVQRootLocation() + "installed-products.ini";
   const std::lock_guard lock(mutex);
-  const std::string question = QuestionOf(path, product);
-  if (question.empty() || question != last.question) last = LookUpProduct(path, product);
+  const std::string key = KeyOf(path, product);
+  if (key.empty() || key != last.key) last = LookUpProduct(path, product);
   if (last.version.empty()) return 0;
   version = last.version;
   patches = last.patches;

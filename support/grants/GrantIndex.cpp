@@ -1,14 +1,13 @@
 #include <support/grants/GrantIndex.h>
 
 #include <algorithm>
-#include <utility>
 
 #include <support/selection/SelectionMatching.h>
 
 namespace vq {
 namespace {
 
-// Limits what a question costs: every part of a value with a length in use is looked up.
+// Limits what a query costs: every part of a value with a length in use is looked up.
 constexpr std::size_t kLongestPart = 8;
 // A query looks up many texts that no grant has. Most of these look-ups end at an empty bucket.
 constexpr float kTextsInBucket = 0.125F;

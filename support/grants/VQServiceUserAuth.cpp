@@ -25,7 +25,6 @@ void CrbConvert(const QCSCorbaAuth2LvlSeq2& wire, std::list<VQServiceAuth>& gran
   grants = std::move(converted);
 }
 
-// A list with its index; does not change once made.
 struct VQServiceUserAuth::Grants {
   explicit Grants(std::list<VQServiceAuth> grants) : list(std::move(grants)) {
     const TDiagFunc diag(diagModule, "VQServiceUserAuth::VQServiceUserAuth");

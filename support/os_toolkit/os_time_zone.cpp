@@ -4,10 +4,12 @@
 
 namespace {
 
-os_time_period AdjustmentAt(const std::vector<os_simple_time_zone_rule>& rules,
-                            os_time_period wallClock) {
-  for (const os_simple_time_zone_rule& rule : rules) {
-    if (rule.covers_wall_clock(wallClock)) return rule.adjustment();
+using Rule = os_simple_time_zone_rule;
+
+os_time_period AdjustmentAt(const std::vector<Rule>& rules, os_time_period moment,
+                            bool (Rule::*covers)(os_time_period) const = &Rule::covers_wall_clock) {
+  for (const Rule& rule : rules) {
+    if ((rule.*covers)(moment)) return rule.adjustment();
   }
   return {};
 }
@@ -37,8 +39,5 @@ os_time_period os_time_zone::to_utc(os_time_period wallClock) const {
 
 os_time_period os_time_zone::to_wall_clock(os_time_period utc) const {
   const os_time_period standardClock = utc - m_offset;
-  for (const os_simple_time_zone_rule& rule : m_rules) {
-    if (rule.covers_standard_clock(standardClock)) return standardClock + rule.adjustment();
-  }
-  return standardClock;
+  return standardClock + AdjustmentAt(m_rules, standardClock, &Rule::covers_standard_clock);
 }

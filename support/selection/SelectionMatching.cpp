@@ -7,13 +7,13 @@
 namespace vq {
 namespace {
 
-struct WholeNumber {
+struct Number {
   bool negative;
   std::string_view digits;  // without leading zeros; empty is zero
 };
 
-std::optional<WholeNumber> AsWholeNumber(std::string_view text) {
-  WholeNumber number{!text.empty() && text.front() == '-', text};
+std::optional<Number> AsNumber(std::string_view text) {
+  Number number{!text.empty() && text.front() == '-', text};
   if (number.negative) number.digits.remove_prefix(1);
   const bool isNumber = number.digits.find_first_not_of("0123456789") == std::string_view::npos;
   if (number.digits.empty() || !isNumber) return std::nullopt;
@@ -28,8 +28,8 @@ std::strong_ordering CompareSize(std::string_view left, std::string_view right) 
 }
 
 std::strong_ordering Compare(std::string_view left, std::string_view right) {
-  const auto leftNumber = AsWholeNumber(left);
-  const auto rightNumber = leftNumber ? AsWholeNumber(right) : std::nullopt;
+  const auto leftNumber = AsNumber(left);
+  const auto rightNumber = leftNumber ? AsNumber(right) : std::nullopt;
   if (!rightNumber) return left <=> right;
   if (leftNumber->negative != rightNumber->negative) {
     return leftNumber->negative ? std::strong_ordering::less : std::strong_ordering::greater;
