@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstring>
 #include <optional>
 #include <system_error>
 
@@ -39,7 +38,8 @@ std::string WhyNotPrivate(int file) {
 }
 
 // Reads the whole file into one buffer that never grows, so that no copy is left behind in memory.
-const char* ReadAll(int file, std::string& text) {
+// Returns why that failed; empty when it was read.
+std::string ReadAll(int file, std::string& text) {
   text.resize(kLongestFile + 1);
   std::size_t length = 0;
   while (length < text.size()) {
@@ -51,7 +51,7 @@ const char* ReadAll(int file, std::string& text) {
   }
   if (length > kLongestFile) return "it is too long";
   text.resize(length);
-  return nullptr;
+  return {};
 }
 
 // Why the file is refused; empty when it was read.
@@ -64,17 +64,15 @@ std::string ReadFile(const std::string& path, std::string& user, std::string& pa
     if (errno == ELOOP) return "it is a symbolic link; name the file itself";
     return std::generic_category().message(errno);
   }
-  if (std::string reason = WhyNotPrivate(file.Get()); !reason.empty()) return reason;
-
   vq::SecretString text;
-  const char* reason = ReadAll(file.Get(), text.Text());
-  if (reason == nullptr) reason = vq::ParsePasswordFile(text.Text(), user, password);
-  return reason != nullptr ? reason : "";
+  std::string reason = WhyNotPrivate(file.Get());
+  if (reason.empty()) reason = ReadAll(file.Get(), text.Text());
+  return reason.empty() ? vq::ParsePasswordFile(text.Text(), user, password) : reason;
 }
 
 }  // namespace
 
-const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std::string& password) {
+std::string vq::ParsePasswordFile(std::string_view text, std::string& user, std::string& password) {
   if (text.find('\0') != std::string_view::npos) return "it holds a zero byte";
   std::optional<std::string_view> newUser, newPassword;
   while (!text.empty()) {
@@ -93,7 +91,7 @@ const char* vq::ParsePasswordFile(std::string_view text, std::string& user, std:
     Wipe(password);
     password = *newPassword;
   }
-  return nullptr;
+  return {};
 }
 
 std::string vq::WhyPasswordFileIsRefused(const std::string& path) {

@@ -34,9 +34,9 @@ namespace vq {
 // Why the function above refuses a file; empty when it does not.
 std::string WhyPasswordFileIsRefused(const std::string& path);
 
-// The same for the text of such a file. Returns nullptr when it was read, and otherwise the reason
-// why not, with both strings unchanged.
-const char* ParsePasswordFile(std::string_view text, std::string& user, std::string& password);
+// Reads the text of such a file. Returns why it is refused, with both strings unchanged; empty when
+// it was read.
+std::string ParsePasswordFile(std::string_view text, std::string& user, std::string& password);
 
 }  // namespace vq
 
