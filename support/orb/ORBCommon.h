@@ -21,8 +21,8 @@ class ORBCommon : public QCSOrbCommon {
   ~ORBCommon() override = default;
 
  protected:
-  // False without starting anything when the ORB is up. Its name is the caller's and the number:
-  // the session ORB of a GUI client is called GUI:1.
+  // False without starting anything when the ORB is up. The ORB's name is `name` and the number:
+  // that of the session of a GUI client is "GUI:1".
   bool InitAlways(int argc, char** argv, const char* name) override {
     if (IsInitialized()) return false;
     const std::string fullName = std::string(name) + ":" + std::to_string(N);

@@ -44,9 +44,9 @@ class ServerOrb {
 // TLS without a certificate to show.
 OrbSettings ServerSettings(const ServerOptions& options);
 
-// The endpoint opens with the root POA, and raises there. Raises CORBA::SystemException for an
-// argument that the product refuses, std::invalid_argument as ServerSettings and for TLS settings
-// that cannot be used.
+// The endpoint opens with the root POA, whose creation raises when it cannot be opened. Raises
+// CORBA::SystemException for an argument that the product refuses, std::invalid_argument as
+// ServerSettings and for TLS settings that cannot be used.
 //
 // With TLS the server listens for it too, at the endpoint's ssl_port or at any free port. Whether
 // unencrypted calls are accepted depends on the product.

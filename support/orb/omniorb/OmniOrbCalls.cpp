@@ -64,8 +64,8 @@ struct Limits {
   std::chrono::milliseconds unacknowledged{0};
 } limits;
 
-// Whether the ORB ends, and what is held while a connection that takes calls opens. omniORB waits
-// for such a connection, and would let it wait, until its time for the end is over.
+// Whether the ORB ends; and a lock that is held while a connection that takes calls is opened. The
+// opening and the end of omniORB would wait for each other until the time for the end is over.
 std::atomic<bool> ending = false;
 std::shared_mutex opens;
 
@@ -81,7 +81,7 @@ struct Call {
   int connections = 0;
   bool forwarded = false;
   bool closedInOrder = false;
-  bool repeat = false;  // since that, and nobody has done so yet
+  bool repeat = false;  // it may be sent once more for that
   bool reverted = false;
 };
 thread_local Call call;
@@ -109,7 +109,7 @@ std::chrono::nanoseconds Until(const omni_time_t& end) {
   return std::chrono::seconds(left.s) + std::chrono::nanoseconds(left.ns);
 }
 
-// For omniORB, without leave to try again.
+// Raises omniORB's own exception, by which it does not try again.
 [[noreturn]] void Fail(CORBA::ULong minor, CORBA::CompletionStatus completed) {
   throw CommFailure(minor, completed, false);
 }
@@ -129,8 +129,7 @@ bool IsTls(const giopStrand& strand) {
   return std::strcmp(strand.address->type(), "giop:ssl") == 0;
 }
 
-// Whether the peer has closed an idle connection or lost it. On one that takes no calls nothing is
-// due to arrive, so whatever has arrived announces its end or is of no use.
+// As IsDead of PeerSocket.h, with the data that omniORB has not received yet.
 bool IsDead(const giopStrand& strand, bool takesCalls) {
   const CheckedConnection& connection = CheckedConnection::Of(strand);
   if (connection.Socket() < 0) return false;
@@ -209,7 +208,7 @@ void EndReceived(giopStream& stream) {
   }
 }
 
-// In place of the functions that read and write messages: fails the call.
+// Replaces a function of omniORB that reads or writes messages: a failed assertion fails the call.
 template <auto Member>
 struct Guarded;
 template <class... Arguments, void (*giopStreamImpl::*Member)(giopStream*, Arguments...)>
@@ -369,7 +368,7 @@ class CheckedRope : public Base {
   }
 
   // Where connections take calls omniORB opens them itself, under a lock for which it waits without
-  // limit. This one comes before it.
+  // limit. This lock is taken first, with a limit.
   std::unique_lock<std::timed_mutex> LockOpening() {
     std::unique_lock opening(m_opening, std::defer_lock);
     const auto left = std::chrono::floor<std::chrono::microseconds>(Until(call.end));
@@ -400,7 +399,8 @@ class CheckedRope : public Base {
     return false;
   }
 
-  // The reply is deleted with the attempt, while the ORB's thread may still add to it.
+  // Ends the reading by the ORB's thread, which may still add to the reply: that is deleted with
+  // the attempt.
   void EndReading(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
     if (strand.connection == nullptr || !strand.isBiDir()) return;
@@ -486,7 +486,7 @@ CORBA::Boolean RetryUnsent(void* /*cookie*/, CORBA::ULong /*retries*/,
          call.refusal == 0 && !call.forwarded && !std::exchange(call.reverted, true);
 }
 
-// omniORB itself repeats a call where it has seen that the server closed in order.
+// For a call whose server closed in order. Where omniORB has seen that, it repeats the call itself.
 CORBA::Boolean RetryClosed(void* /*cookie*/, CORBA::ULong /*retries*/,
                            const CORBA::COMM_FAILURE& /*exception*/) {
   return call.descriptor != nullptr && call.refusal == 0 && std::exchange(call.repeat, false);

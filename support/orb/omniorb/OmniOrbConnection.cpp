@@ -253,7 +253,8 @@ omni::giopActiveCollection* CheckedConnection::registerMonitor() {
   return &OpenedWatcher::Of(*m_opened->registerMonitor());
 }
 
-// At its end omniORB says so to each peer in turn, and would wait for one that does not read.
+// When it ends, omniORB sends CloseConnection to each peer in turn, and would wait for one that
+// does not read.
 int CheckedConnection::Send(void* data, std::size_t size, const omni_time_t& deadline) {
   omni_time_t end = deadline;
   const auto* const bytes = static_cast<const unsigned char*>(data);
@@ -415,8 +416,8 @@ bool CheckedConnection::NoteId(const unsigned char* body, std::size_t size) {
   return true;
 }
 
-// omniORB takes a fragment for that of any call with its number, also of one that another thread
-// has in hand. It keeps the fragments until the last one comes.
+// omniORB adds a fragment to any call with its number, also to one that another thread processes.
+// It keeps the fragments until the last one comes.
 bool CheckedConnection::MayFollow(std::uint64_t id) {
   constexpr std::size_t kMost = 1000;
   const int kind = m_header[7];
@@ -438,8 +439,8 @@ bool CheckedConnection::MayFollow(std::uint64_t id) {
   return true;
 }
 
-// Whether a call of the peer's with this number is under way. One whose header is still to come has
-// none of its own.
+// Whether a call of the peer's with this number is under way. A call has no number until its header
+// has arrived.
 bool CheckedConnection::IsInHand(std::uint64_t id) const {
   const omni::giopStrand* const strand = m_strand != nullptr ? m_strand : m_accepting;
   if (strand == nullptr) return false;
@@ -481,7 +482,7 @@ bool CheckedConnection::HasUntakenReply() const {
   return false;
 }
 
-// omniORB tells a caller of the end of the connection before the reply that has arrived.
+// omniORB would report the end of the connection to a caller whose reply has arrived.
 void CheckedConnection::AwaitTakenReplies() const {
   while (m_strand != nullptr && m_strand->isBiDir() && HasUntakenReply())
     omni_thread::sleep(0, 1'000'000);

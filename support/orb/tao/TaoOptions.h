@@ -1,4 +1,4 @@
-// Our settings in TAO's words: pure functions, without TAO.
+// The settings as options of TAO: pure functions, which do not need TAO.
 //
 //   TaoArguments(settings)  -> {"-ORBListenEndpoints", "iiop://", "-ORBInitRef", ...}
 //   TaoDirectives(settings) -> {"static Resource_Factory \"-ORBProtocolFactory ...\"", ...}
@@ -25,9 +25,9 @@ inline constexpr char kTlsProtocol[] = "VQ_SSLIOP_Factory";
 // What ORB_init gets, each option before its value.
 std::vector<std::string> TaoArguments(const OrbSettings& settings);
 
-// The arguments that have TAO take its services from TaoDirectives alone, and open no ACE log,
-// unless `given`, the arguments of the command line, configure services. By itself TAO loads what a
-// file svc.conf in the current directory contains.
+// The arguments with which TAO takes its services from TaoDirectives alone and opens no ACE log,
+// unless `given`, the arguments of the command line, configures services. Without them TAO loads
+// what a file svc.conf in the current directory names.
 std::vector<std::string> TaoConfigurationArguments(const std::vector<std::string>& given);
 
 // The configuration of the ORB's services, in the language of TAO's svc.conf.

@@ -38,7 +38,7 @@ TDiagRegister diagModule("ORB");
 // Shows connections. From 5 on TAO prints the content of messages, with passwords.
 constexpr unsigned kTraceOn = 2;
 
-// Takes a step at the end of a scope, also after an exception.
+// Runs a step at the end of a scope, also after an exception.
 template <class Step>
 struct AtEnd {
   explicit AtEnd(Step given) : step(given) {}
@@ -60,7 +60,7 @@ class LogLines : public ACE_Log_Msg_Backend {
   }
 };
 
-// ACE's log while ORBs of ours are up; as it was found when the last of them has ended.
+// Controls ACE's log while ORBs of this library are up. The end of the last one restores it.
 class AceLog {
  public:
   void Take() {

@@ -81,7 +81,7 @@ class TaoInstance : public OrbInstance {
   ~TaoInstance() override {
     try {
       TaoInstance::Stop(true);
-    } catch (const CORBA::Exception&) {  // Nobody is left to tell.
+    } catch (const CORBA::Exception&) {  // There is nothing left to do.
     }
   }
 

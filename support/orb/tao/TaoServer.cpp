@@ -18,7 +18,7 @@ class TaoServer : public ServerOrb {
   ~TaoServer() override {
     try {
       TaoServer::Stop();
-    } catch (const CORBA::Exception&) {  // Nobody is left to tell.
+    } catch (const CORBA::Exception&) {  // There is nothing left to do.
     }
   }
 
@@ -42,7 +42,7 @@ class TaoServer : public ServerOrb {
 std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
   OrbSettings settings = ServerSettings(options);
   settings.connectTimeout = settings.callTimeout = kUsualLimit;
-  // It enters its names unencrypted.
+  // A server registers its names unencrypted.
   return std::make_unique<TaoServer>(
       StartTao("server", settings, options.rest, Unencrypted::kAnyCall));
 }

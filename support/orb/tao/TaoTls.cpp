@@ -108,14 +108,14 @@ class Connector : public CheckedConnector {
   }
 };
 
-// What the callback looks at; written before the ORB starts, read by its threads after that.
+// For the callbacks: written before the ORB starts, read by its threads afterwards.
 TlsSettings tlsInForce;
 
 int Judge(int verified, X509_STORE_CTX* context) {
   return JudgeCertificate(verified, *context, tlsInForce);
 }
 
-// ACE keeps the certificate of an earlier start, which is not to be shown any more.
+// ACE keeps the certificate of an earlier start, which must not be used any more.
 int ChooseCertificate(SSL* connection, void*) {
   if (tlsInForce.certificate.empty()) SSL_certs_clear(connection);
   return 1;

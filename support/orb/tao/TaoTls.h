@@ -8,7 +8,8 @@
 // reference offers no TLS. A look-up gives addresses, and a server at a wrong one has no trusted
 // certificate.
 //
-// Thread safety: by the thread that starts the ORB, where nothing else is said.
+// Thread safety: the functions are called by the thread that starts the ORB, unless they say
+// otherwise.
 #ifndef VQ_SUPPORT_ORB_TAO_TAOTLS_H
 #define VQ_SUPPORT_ORB_TAO_TAOTLS_H
 
