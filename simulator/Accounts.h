@@ -28,12 +28,12 @@ class Accounts {
 
   explicit Accounts(Challenges& challenges) : m_challenges(challenges) {}
 
-  // Checks the proof of a client at a registration: the response to an open challenge while the
-  // site encodes passwords, else the plain password. The right one clears the failed tries; a wrong
-  // one counts, and the site's number of them locks the account for every later try.
-  Verdict LogIn(const Site& site, const std::string& user, std::string_view shown);
+  // Checks what a client sent at a registration: the response to an open challenge while the site
+  // encodes passwords, else the plain password. The right one clears the failed tries; a wrong one
+  // counts, and the site's number of them locks the account for every later try.
+  Verdict LogIn(const Site& site, const std::string& user, std::string_view sent);
   // Checks a password without a challenge and without counting; encoded while the site encodes.
-  Verdict Check(const Site& site, const std::string& user, std::string_view shown);
+  Verdict Check(const Site& site, const std::string& user, std::string_view sent);
   // Whether the account is locked, by the site or after wrong passwords.
   bool IsLocked(const Site& site, const std::string& user);
   // The current password, encoded; empty when there is no such user.
@@ -51,7 +51,7 @@ class Accounts {
  private:
   // The lock is held in both.
   Standing StandingOf(const std::string& user) const;
-  std::string EncodedLocked(const User& known, const std::string& user) const;
+  std::string EncodedOf(const User& known, const std::string& user) const;
 
   Challenges& m_challenges;
   std::mutex m_mutex;

@@ -1,7 +1,6 @@
 #include <simulator/AuthorizationServant.h>
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -167,28 +166,24 @@ CORBA::Long AuthorizationServant::Queries(const char* operation, Call::Arguments
     // These two do not declare USER_NOT_AUTHORIZED, so any user may ask.
     const Subject subject = Ask(userId, true);
     if (names.length() > kMostNames) throw CORBA::IMP_LIMIT();
-    const auto query = [&](GrantKind kind) {
-      return CORBA::String_var(Dup(MakeQuery(*subject.site, *subject.user, kind)));
+    const auto put = [&](auto& member, GrantKind kind) {
+      const std::string query = MakeQuery(*subject.site, *subject.user, kind);
+      member = query.c_str();
+      return query.size();
     };
-    definitions->m_DefTableQuery = query(GrantKind::kTables);
-    definitions->m_DefCalendarQuery = query(GrantKind::kCalendars);
-    definitions->m_DefGlobalCondsQuery = query(GrantKind::kGlobalPrefix);
-    const CORBA::String_var jobs = query(GrantKind::kOwners);
-    const CORBA::String_var control = query(GrantKind::kControlRes);
-    const CORBA::String_var quantitative = query(GrantKind::kQuantRes);
-    const CORBA::String_var conditions = query(GrantKind::kPrereqConds);
-    std::size_t each = 0;
-    for (const auto* text : {&jobs, &control, &quantitative, &conditions}) {
-      each += std::string_view(text->in()).size();
-    }
-    if (each * names.length() > kLongestQueries) throw CORBA::IMP_LIMIT();
+    put(definitions->m_DefTableQuery, GrantKind::kTables);
+    put(definitions->m_DefCalendarQuery, GrantKind::kCalendars);
+    put(definitions->m_DefGlobalCondsQuery, GrantKind::kGlobalPrefix);
+    QCSCorbaUserVltActiveQueries active;
+    const std::size_t size = put(active.m_ActiveJobQuery, GrantKind::kOwners) +
+                             put(active.m_ActiveCtrlResQuery, GrantKind::kControlRes) +
+                             put(active.m_ActiveQuantResQuery, GrantKind::kQuantRes) +
+                             put(active.m_ActiveCondQuery, GrantKind::kPrereqConds);
+    if (size * names.length() > kLongestQueries) throw CORBA::IMP_LIMIT();
     actives->length(names.length());
     for (CORBA::ULong i = 0; i < names.length(); ++i) {
+      actives[i] = active;
       actives[i].m_VltName = names[i];
-      actives[i].m_ActiveJobQuery = jobs;
-      actives[i].m_ActiveCtrlResQuery = control;
-      actives[i].m_ActiveQuantResQuery = quantitative;
-      actives[i].m_ActiveCondQuery = conditions;
     }
     return 1;
   });

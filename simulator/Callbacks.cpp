@@ -17,7 +17,7 @@ constexpr std::chrono::milliseconds kLongestTime{30'000};  // the server's end w
 
 class Callbacks::Turn {
  public:
-  // Waits for the turn; not longer than this.
+  // Waits for the turn, for `patience` at most.
   Turn(Callbacks& callbacks, CORBA::Long id, std::chrono::milliseconds patience)
       : m_callbacks(callbacks), m_id(id) {
     std::unique_lock lock(callbacks.m_mutex);
@@ -45,7 +45,7 @@ class Callbacks::Turn {
 
 CORBA::Long Callbacks::Add(const std::string& userId, CORBA::Object_ptr object) {
   const std::lock_guard lock(m_mutex);
-  if (m_entries.size() >= kMostCallbacks) {  // sessions that timed out took none of theirs along
+  if (m_entries.size() >= kMostCallbacks) {  // those of sessions that timed out are still there
     std::erase_if(m_entries,
                   [this](const auto& e) { return !m_world.sessions.UserOf(e.second.userId); });
   }
@@ -86,18 +86,19 @@ bool Callbacks::Ping(CORBA::Long id, std::chrono::milliseconds time, std::string
     message = site->callbackMessage;
     return false;
   }
-  m_world.Wait(std::min(site->callbackDelay, time));
+  const auto delay = std::min(site->callbackDelay, time);
+  m_world.Wait(delay);
+  time -= delay;
   const auto start = std::chrono::steady_clock::now();
-  const Turn turn(*this, id, time - std::min(site->callbackDelay, time));
+  const Turn turn(*this, id, time);
   time -= std::chrono::floor<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
-  if (site->callbackDelay >= time || !turn.IsMine()) {
+  if (time.count() <= 0 || !turn.IsMine()) {
     message = "The callback was not answered in time.";
     return false;
   }
   try {
     // An object that is no test callback answers with an exception, like one that is gone.
-    const CORBA::Object_var limited =
-        vq::orb::WithCallLimit(object.in(), time - site->callbackDelay);
+    const CORBA::Object_var limited = vq::orb::WithCallLimit(object.in(), time);
     const TestCallback_var callback = TestCallback::_unchecked_narrow(limited.in());
     callback->CRB_Ping();
     return true;

@@ -27,12 +27,12 @@ std::string Hex(std::span<const unsigned char> bytes) {
   return fmt::format("{:02x}", fmt::join(bytes, ""));
 }
 
-std::string Measured(const std::string& text) {
-  std::string measured(8, '\0');
+std::string WithLength(const std::string& text) {
+  std::string length(8, '\0');
   for (std::size_t i = 0; i < 8; ++i) {
-    measured[i] = static_cast<char>(static_cast<std::uint64_t>(text.size()) >> (56 - 8 * i));
+    length[i] = static_cast<char>(static_cast<std::uint64_t>(text.size()) >> (56 - 8 * i));
   }
-  return measured + text;
+  return length + text;
 }
 
 }  // namespace
@@ -56,7 +56,7 @@ std::string Encode(std::string_view password) {
 }
 
 std::string Respond(const Challenge& challenge, std::string_view encoded) {
-  const std::string message = Measured(challenge.first) + Measured(challenge.second);
+  const std::string message = WithLength(challenge.first) + WithLength(challenge.second);
   std::array<unsigned char, SHA256_DIGEST_LENGTH> mac{};
   if (HMAC(EVP_sha256(), encoded.data(), static_cast<int>(encoded.size()), Bytes(message),
            message.size(), mac.data(), nullptr) == nullptr) {
@@ -77,12 +77,12 @@ bool SameSecret(std::string_view left, std::string_view right) {
   return left.size() == right.size() && CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
 }
 
-std::string_view FormOf(std::string_view shown, std::string_view encoded) {
-  if (shown.empty()) return "empty";
-  if (!encoded.empty() && SameSecret(shown, encoded)) return "encoded";
-  if (!encoded.empty() && SameSecret(Encode(shown), encoded)) return "plain";
-  const bool hex = shown.find_first_not_of("0123456789abcdef") == std::string_view::npos;
-  return hex && shown.size() == kResponseLength ? "response" : "unknown";
+std::string_view FormOf(std::string_view sent, std::string_view encoded) {
+  if (sent.empty()) return "empty";
+  if (!encoded.empty() && SameSecret(sent, encoded)) return "encoded";
+  if (!encoded.empty() && SameSecret(Encode(sent), encoded)) return "plain";
+  const bool hex = sent.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+  return hex && sent.size() == kResponseLength ? "response" : "unknown";
 }
 
 Challenge Challenges::Acquire(std::size_t pending, std::chrono::seconds lifetime) {

@@ -47,7 +47,7 @@ bool SameSecret(std::string_view left, std::string_view right);
 
 // The form of a string sent as a password, given the right password (encoded; empty when the user
 // is unknown): "empty", "plain", "encoded", "response", "unknown".
-std::string_view FormOf(std::string_view shown, std::string_view encoded);
+std::string_view FormOf(std::string_view sent, std::string_view encoded);
 
 // The challenges that were issued and not answered yet. A client does not name the one that it
 // answers, so each of them is tried; an answered one is removed.

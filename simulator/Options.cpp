@@ -4,10 +4,10 @@ namespace vq::sim {
 
 std::unique_ptr<CLI::App> MakeProgram(Arguments& arguments) {
   auto program = std::make_unique<CLI::App>(
-      "A server of the suite, from one JSON file, for trying and testing clients", "vq_simulator");
+      "A server to try and test clients with, from one JSON file", "vq_simulator");
   program->set_version_flag("--version", VQ_VERSION);
   arguments.site = VQ_SAMPLE_SITE;
-  program->add_option("--site", arguments.site, "What the server is like (JSON)")
+  program->add_option("--site", arguments.site, "The site: what the server serves (JSON)")
       ->capture_default_str()
       ->type_name("FILE");
   CLI::Option* const naming =
@@ -34,7 +34,7 @@ std::unique_ptr<CLI::App> MakeProgram(Arguments& arguments) {
       ->type_name("ENDPOINT");
   program->add_flag("!--no-bidir", arguments.orb.bidirectional,
                     "Do not accept calls back over a client's own connection");
-  program->add_option("--log", arguments.log, "File for what was asked and answered (JSON lines)")
+  program->add_option("--log", arguments.log, "Log of the calls and their answers (JSON lines)")
       ->type_name("FILE");
   program
       ->add_option("--ready-file", arguments.readyFile,

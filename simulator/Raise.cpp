@@ -1,7 +1,8 @@
 #include <simulator/Raise.h>
 
 #include <algorithm>
-#include <array>
+#include <initializer_list>
+#include <string>
 
 #include <simulator/Site.h>
 #include <vq_idl/SystemConfigurationC.h>
@@ -11,7 +12,7 @@ namespace vq::sim {
 namespace {
 
 struct Named {
-  std::string_view name;
+  std::string name;
   void (*raise)(const Fault&);
 };
 
@@ -42,45 +43,47 @@ void RaiseFail(const Fault& fault) {
   throw VQCorbaSystemConfiguration::FAIL(fault.result);
 }
 
-// Keyed by the standard's names, so the table needs no second list of them.
-#define VQ_SYSTEM(name) Named{#name, RaiseSystem<CORBA::name>},
-// clang-format off
-#define VQ_ALL_SYSTEM(X)                                                                           \
-  X(UNKNOWN) X(BAD_PARAM) X(NO_MEMORY) X(IMP_LIMIT) X(COMM_FAILURE) X(INV_OBJREF)                  \
-  X(OBJECT_NOT_EXIST) X(NO_PERMISSION) X(INTERNAL) X(MARSHAL) X(INITIALIZE) X(NO_IMPLEMENT)        \
-  X(BAD_TYPECODE) X(BAD_OPERATION) X(NO_RESOURCES) X(NO_RESPONSE) X(PERSIST_STORE)                 \
-  X(BAD_INV_ORDER) X(TRANSIENT) X(FREE_MEM) X(INV_IDENT) X(INV_FLAG) X(INTF_REPOS) X(BAD_CONTEXT)  \
-  X(OBJ_ADAPTER) X(DATA_CONVERSION) X(TRANSACTION_REQUIRED) X(TRANSACTION_ROLLEDBACK)              \
-  X(INVALID_TRANSACTION) X(INV_POLICY) X(CODESET_INCOMPATIBLE) X(REBIND) X(TIMEOUT)                \
-  X(TRANSACTION_UNAVAILABLE) X(TRANSACTION_MODE) X(BAD_QOS)
-// clang-format on
-constexpr std::array kExceptions = {
-    VQ_ALL_SYSTEM(VQ_SYSTEM) Named{"USER_NOT_FOUND", RaiseTexts<USER_NOT_FOUND>},
-    Named{"USER_NOT_AUTHORIZED", RaiseTexts<USER_NOT_AUTHORIZED>},
-    Named{"DB_CONNECTION_ERROR", RaiseText<DB_CONNECTION_ERROR>},
-    Named{"VQ_SERVICE_NOT_SUPPORTED", RaiseEmpty<VQ_SERVICE_NOT_SUPPORTED>},
-    Named{"VQ_SERVICE_UNAVAILABLE", RaiseText<VQ_SERVICE_UNAVAILABLE>},
-    Named{"OPERATION_NOT_SUPPORTED", RaiseText<OPERATION_NOT_SUPPORTED>},
-    Named{"INVALID_ACTION_NAME", RaiseEmpty<QCSCorbaUsersManager::INVALID_ACTION_NAME>},
-    Named{"PARAMETER_NOT_FOUND", RaiseEmpty<VQCorbaSystemConfiguration::PARAMETER_NOT_FOUND>},
-    Named{"INVALID_ARGUMENT", RaiseTexts<QCSCorbaTerm::INVALID_ARGUMENT>},
-    Named{"FAIL", RaiseFail}};
-#undef VQ_SYSTEM
-#undef VQ_ALL_SYSTEM
+// The system exceptions, by the names of the standard, and the user exceptions.
+template <typename... System>
+std::vector<Named> Table(std::initializer_list<Named> user) {
+  std::vector<Named> all{{System()._name(), RaiseSystem<System>}...};
+  all.insert(all.end(), user);
+  return all;
+}
+
+const std::vector<Named>& AllExceptions() {
+  using namespace CORBA;
+  static const std::vector<Named> kAll =
+      Table<UNKNOWN, BAD_PARAM, NO_MEMORY, IMP_LIMIT, COMM_FAILURE, INV_OBJREF, OBJECT_NOT_EXIST,
+            NO_PERMISSION, INTERNAL, MARSHAL, INITIALIZE, NO_IMPLEMENT, BAD_TYPECODE, BAD_OPERATION,
+            NO_RESOURCES, NO_RESPONSE, PERSIST_STORE, BAD_INV_ORDER, TRANSIENT, FREE_MEM, INV_IDENT,
+            INV_FLAG, INTF_REPOS, BAD_CONTEXT, OBJ_ADAPTER, DATA_CONVERSION, TRANSACTION_REQUIRED,
+            TRANSACTION_ROLLEDBACK, INVALID_TRANSACTION, INV_POLICY, CODESET_INCOMPATIBLE, REBIND,
+            TIMEOUT, TRANSACTION_UNAVAILABLE, TRANSACTION_MODE, BAD_QOS>(
+          {{"USER_NOT_FOUND", RaiseTexts<USER_NOT_FOUND>},
+           {"USER_NOT_AUTHORIZED", RaiseTexts<USER_NOT_AUTHORIZED>},
+           {"DB_CONNECTION_ERROR", RaiseText<DB_CONNECTION_ERROR>},
+           {"VQ_SERVICE_NOT_SUPPORTED", RaiseEmpty<VQ_SERVICE_NOT_SUPPORTED>},
+           {"VQ_SERVICE_UNAVAILABLE", RaiseText<VQ_SERVICE_UNAVAILABLE>},
+           {"OPERATION_NOT_SUPPORTED", RaiseText<OPERATION_NOT_SUPPORTED>},
+           {"INVALID_ACTION_NAME", RaiseEmpty<QCSCorbaUsersManager::INVALID_ACTION_NAME>},
+           {"PARAMETER_NOT_FOUND", RaiseEmpty<VQCorbaSystemConfiguration::PARAMETER_NOT_FOUND>},
+           {"INVALID_ARGUMENT", RaiseTexts<QCSCorbaTerm::INVALID_ARGUMENT>},
+           {"FAIL", RaiseFail}});
+  return kAll;
+}
 
 }  // namespace
 
 std::vector<std::string_view> ExceptionNames() {
   std::vector<std::string_view> names;
-  for (const Named& named : kExceptions) names.push_back(named.name);
+  for (const Named& named : AllExceptions()) names.push_back(named.name);
   return names;
 }
 
 void RaiseNamed(const Fault& fault) {
-  const auto found = std::find_if(kExceptions.begin(), kExceptions.end(), [&](const Named& named) {
-    return named.name == fault.exception;
-  });
-  if (found != kExceptions.end()) found->raise(fault);
+  const auto found = std::ranges::find(AllExceptions(), fault.exception, &Named::name);
+  if (found != AllExceptions().end()) found->raise(fault);
   throw CORBA::UNKNOWN();
 }
 

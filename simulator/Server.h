@@ -3,7 +3,6 @@
 #define VQ_SIMULATOR_SERVER_H
 
 #include <map>
-#include <memory>
 #include <string>
 
 #include <simulator/Callbacks.h>

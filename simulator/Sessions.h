@@ -28,7 +28,7 @@ class Sessions {
   explicit Sessions(const Clock& clock) : m_clock(clock) {}
 
   // Opens a session under this id; one that is open under it already is replaced. False when there
-  // are as many as a server takes.
+  // are too many.
   bool Open(const std::string& userId, const std::string& user, std::chrono::seconds timeOut);
   // The name of the session's user; nothing when there is no such session.
   std::optional<std::string> UserOf(const std::string& userId);

@@ -148,7 +148,7 @@ Reader Object(Fields fields) {
   return [fields = std::move(fields)](const Value& value) { ReadObject(value, fields); };
 }
 
-std::int32_t Action(const Value& value) {
+std::int32_t ReadAction(const Value& value) {
   std::int32_t number = 0;
   Into(number)(value);
   return number;
@@ -158,7 +158,7 @@ Grant ReadGrant(const Value& value, bool isService) {
   Grant grant;
   Fields fields = {{"criteria", Into(grant.criteria)},
                    {"level", IntoOneOf(grant.level, kLevelNames)}};
-  if (isService) fields["actions"] = IntoList(grant.actions, Action);
+  if (isService) fields["actions"] = IntoList(grant.actions, ReadAction);
   ReadObject(value, fields);
   if (!value.node.contains("criteria") || !value.node.contains("level")) {
     value.Fail("needs criteria and level");

@@ -1,7 +1,5 @@
 #include <simulator/Snapshot.h>
 
-#include <utility>
-
 #include <support/selection/QCSSelectionDef.h>
 
 namespace vq::sim {

@@ -111,8 +111,8 @@ CORBA::Long UsersManagerServant::Register(Call& call, const char* userName, cons
   return kRegistered;
 }
 
-std::string_view UsersManagerServant::Form(const char* userName, const char* shown) {
-  return FormOf(shown, m_world.accounts.Encoded(*m_world.GetSite(), userName));
+std::string_view UsersManagerServant::Form(const char* userName, const char* sent) {
+  return FormOf(sent, m_world.accounts.Encoded(*m_world.GetSite(), userName));
 }
 
 CORBA::Long UsersManagerServant::CRB_CheckUserPassword(const char* userName, const char* password,

@@ -90,7 +90,7 @@ class UsersManagerServant : public Servant<POA_QCSCorbaUsersManager> {
   VQ_NOT_OFFERED(CORBA::Long, CRB_GetClientPlayerControl, const char*, const char*)
 
   // A password's form for the log, compared with the current password.
-  std::string_view Form(const char* userName, const char* shown);
+  std::string_view Form(const char* userName, const char* sent);
 
   // The answer to a registration.
   struct Reply {

@@ -41,7 +41,7 @@ inline std::string UserOf(World& world, const char* userId) {
   return *user;
 }
 
-// The user of that name. Raises USER_NOT_FOUND when the site has none, or no more.
+// The user of that name. Raises USER_NOT_FOUND when the site has none.
 inline const User& Known(const Site& site, const std::string& name) {
   const User* user = site.FindUser(name);
   if (user == nullptr) throw USER_NOT_FOUND("The user is not known.", "No such user");

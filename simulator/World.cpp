@@ -4,7 +4,7 @@
 
 namespace vq::sim {
 
-void World::LoadLocked(const nlohmann::json& document, const std::string& name) {
+void World::Replace(const nlohmann::json& document, const std::string& name) {
   auto site = std::make_shared<const Site>(ReadSite(document, name));
   std::shared_ptr<const Site> before;
   const nlohmann::json none = nlohmann::json::array();
@@ -23,21 +23,21 @@ void World::LoadLocked(const nlohmann::json& document, const std::string& name) 
 
 void World::Load(const nlohmann::json& document, const std::string& name) {
   const std::lock_guard loading(m_loading);
-  LoadLocked(document, name);
+  Replace(document, name);
 }
 
 void World::Patch(const nlohmann::json& patch) {
   const std::lock_guard loading(m_loading);
   nlohmann::json document = m_document;
   document.merge_patch(patch);
-  LoadLocked(document, "patch");
+  Replace(document, "patch");
 }
 
 void World::SetFaults(const nlohmann::json& list) {
   const std::lock_guard loading(m_loading);
   nlohmann::json document = m_document;
   document["faults"] = list;
-  LoadLocked(document, "command");
+  Replace(document, "command");
   faults.Set(GetSite()->faults);
 }
 

@@ -48,14 +48,15 @@ class World {
   Accounts accounts{challenges};
 
  private:
-  std::mutex m_loading;  // held for a whole Load or Patch
+  std::mutex m_loading;  // held for a whole Load, Patch or SetFaults
   std::mutex m_mutex;
   nlohmann::json m_document = nlohmann::json::object();
   std::shared_ptr<const Site> m_site = std::make_shared<Site>();
   std::condition_variable m_stopping;
   bool m_stopped = false;
 
-  void LoadLocked(const nlohmann::json& document, const std::string& name);
+  // m_loading is held.
+  void Replace(const nlohmann::json& document, const std::string& name);
 };
 
 }  // namespace vq::sim
