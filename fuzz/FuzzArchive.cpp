@@ -73,6 +73,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size < 2) return 0;
   const int type = data[0] % 5;
   const std::string bytes = vq::Text(data + 2, size - 2);
-  if (Seen(bytes, false, type, data[1]) != Seen(bytes, true, type, data[1])) std::abort();
+  vq::Require(Seen(bytes, false, type, data[1]) == Seen(bytes, true, type, data[1]));
   return 0;
 }

@@ -1,19 +1,17 @@
-// The file of a configuration domain: whatever it holds, reading it is safe, and one that is
+// The file of a configuration domain: whatever it contains, reading it is safe, and one that is
 // accepted keeps its meaning when it is written and read again.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
+#include <fuzz/Require.h>
 #include <support/configuration/ConfigDocument.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const vq::XmlSession xml;  // Starting anew for each input would take most of the time.
-  const std::string_view text(reinterpret_cast<const char*>(data), size);
   vq::ConfigDocument document;
   std::string error;
-  if (!document.Parse(text, error)) return error.empty() ? std::abort(), 0 : 0;
+  if (!document.Parse(vq::Text(data, size), error)) {
+    vq::Require(!error.empty());
+    return 0;
+  }
 
   using Kind = vq::ConfigChange::Kind;
   document.Apply({Kind::kSetVar, "default", "-BiDirPolicy", "<1>\r\n"});
@@ -21,7 +19,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   document.Apply({Kind::kRemoveScope, "Test1", {}, {}});
   const auto written = document.Text();
   vq::ConfigDocument again;
-  if (!written || !again.Parse(*written, error) || again.Scopes() != document.Scopes())
-    std::abort();
+  vq::Require(written && again.Parse(*written, error) && again.Scopes() == document.Scopes());
   return 0;
 }

@@ -1,5 +1,5 @@
 // Listen endpoint strings, which administrators write: the class that rewrites them and the parser
-// of the ORB's settings take any text, and what they accept they understand again.
+// of the ORB's settings accept or refuse any text, and what the class writes it reads as the same.
 
 #include <stdexcept>
 
@@ -15,20 +15,18 @@ void Rewrite(const std::string& text) {
     const bool accepted = endpoint.fromString(text);
     const std::string written = endpoint.toString();
     if (!accepted || text.empty() || text.find(';') != std::string::npos) return;
-    if (!endpoint.fromString(written) || endpoint.toString() != written) std::abort();
+    vq::Require(endpoint.fromString(written) && endpoint.toString() == written);
   } catch (const std::out_of_range& e) {
-    if (std::string(e.what()) != "invalid string position") std::abort();
+    vq::Require(e.what() == std::string("invalid string position"));
   }
 }
 
 void Parse(const std::string& text) {
   std::string error;
   const auto endpoint = vq::orb::ParseListenEndpoint(text, error);
-  if (!endpoint) {
-    if (error.empty()) std::abort();
-    return;
-  }
-  if (endpoint->port < 0 || endpoint->port > 65535 || endpoint->tlsPort > 65535) std::abort();
+  vq::Require(endpoint
+                  ? endpoint->port >= 0 && endpoint->port <= 65535 && endpoint->tlsPort <= 65535
+                  : !error.empty());
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Line buffers and job text: whatever the bytes, converting them is safe, and what comes back from
-// one form to the other is the same text.
+// Line buffers and job text: whatever the bytes, converting them is safe, and converting there and
+// back gives the same text.
 //
 // The first byte is the longest line, 0 included; the rest is read both as a buffer and as a text.
 

@@ -19,16 +19,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     const int offset = times.GetUtcOffset(text);
     // The text around the first pair of brackets does not count.
-    if (times.GetUtcOffset("+9:99)" + text + "(-9:99)") != offset &&
-        text.find('(') != std::string::npos &&
-        text.find(')', text.find('(')) != std::string::npos) {
-      std::abort();
-    }
+    const bool hasBrackets =
+        text.find('(') != std::string::npos && text.find(')', text.find('(')) != std::string::npos;
+    vq::Require(times.GetUtcOffset("+9:99)" + text + "(-9:99)") == offset || !hasBrackets);
   } catch (const std::out_of_range&) {
     // Only a separator with fewer than two characters before it may end here.
     const std::size_t left = text.find('(');
     const std::size_t separator = text.find_first_of(":.", left + 1);
-    if (left == std::string::npos || separator > left + 2) std::abort();
+    vq::Require(left != std::string::npos && separator <= left + 2);
   }
   return 0;
 }

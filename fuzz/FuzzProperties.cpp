@@ -1,5 +1,5 @@
-// The client properties file: whatever it holds, reading it is safe. What is saved after a load
-// loads again, and saves to the same text, unless it holds what a save does not keep.
+// The client properties file: whatever it contains, reading it is safe. What is saved after a load
+// loads again, and saves to the same text, unless it contains what a save does not keep.
 
 #include <fuzz/Require.h>
 #include <tests/fixture/Environment.h>
@@ -23,10 +23,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   directory.Write(kFile, vq::Text(data, size));
   ClientProperties* properties = ClientProperties::Get();
   properties->Reload();
-  if (!properties->SaveProperties()) std::abort();
+  vq::Require(properties->SaveProperties());
   const std::string saved = directory.Read(kFile);
   properties->Reload();
-  if (!properties->SaveProperties()) std::abort();
-  if (SurvivesSaving(saved) && directory.Read(kFile) != saved) std::abort();
+  vq::Require(properties->SaveProperties());
+  vq::Require(!SurvivesSaving(saved) || directory.Read(kFile) == saved);
   return 0;
 }

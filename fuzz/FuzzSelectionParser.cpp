@@ -30,7 +30,8 @@ std::vector<QCSObject> ObjectsFor(const QCSSelectionDef& definition) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  const std::string input = vq::Text(data, size);
+  const std::string_view text = input;
   static TDiagRegister diagModule("FuzzSelectionParser");
   const TDiagFunc diag(diagModule, "LLVMFuzzerTestOneInput");
   const auto levelOf = [](std::size_t grant) { return static_cast<QCSAuthLevelEnum>(grant % 6); };

@@ -1,4 +1,4 @@
-// Two summer marks, parted by a line end, and the zone that they make.
+// Two summer marks, separated by a line end, and the zone that they make.
 
 #include <stdexcept>
 
@@ -13,14 +13,15 @@ struct Opened : ForecastTimesManipulationMP {
 
 constexpr os_time_period kHour(3600);
 
-// The rule does the same by either clock, save in the hours around its own start and end.
+// The rule has the same effect by either clock, except in the hours around its start and end.
 void CheckDay(const os_time_zone& zone, os_date date) {
   const os_time_period midnight(date.julian_day(), 0, 0, 0, 0);
   const os_time_period noon = midnight + os_time_period(43200);
   const os_time_period adjustment = zone.dst_adjustment(os_time(12, 0, 0), date);
-  if (adjustment != os_time_period() && adjustment != kHour) std::abort();
-  if (zone.to_wall_clock(zone.to_utc(noon)) != noon) std::abort();
-  if (zone.to_utc(midnight) > midnight || zone.to_utc(midnight) < midnight - kHour) std::abort();
+  vq::Require(adjustment == os_time_period() || adjustment == kHour);
+  vq::Require(zone.to_wall_clock(zone.to_utc(noon)) == noon);
+  const os_time_period utc = zone.to_utc(midnight);
+  vq::Require(utc <= midnight && utc >= midnight - kHour);
 }
 
 }  // namespace
@@ -34,8 +35,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const bool hasRule = start.size() >= 8 || end.size() >= 8;
   try {
     const os_time_zone* const zone = times.GetOsTimeZone(text, "(GMT)", start, end, 1);
-    if (zone->rules().size() != (hasRule ? 1U : 0U)) std::abort();
-    if (times.GetOsTimeZone(text, "", "", "", 1) != zone) std::abort();
+    vq::Require(zone->rules().size() == (hasRule ? 1U : 0U));
+    vq::Require(times.GetOsTimeZone(text, "", "", "", 1) == zone);
     for (int month = 1; month <= 12; ++month) {
       for (const int year : {-1, 0, 1999, 2024, 9999}) {
         CheckDay(*zone, os_date(year, month, 1));
@@ -43,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       }
     }
   } catch (const std::out_of_range&) {
-    if (!hasRule || (start.size() >= 6 && end.size() >= 6)) std::abort();
+    vq::Require(hasRule && (start.size() < 6 || end.size() < 6));
   }
   return 0;
 }

@@ -1,15 +1,13 @@
 // A record of a data center, one text a line, and a time of eight bytes in front: the whole way
 // from the server's record to the text on the screen.
 
-#include <algorithm>
 #include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
-#include <string>
+#include <string_view>
 
+#include <fuzz/Require.h>
+#include <support/os_toolkit/os_tokenizer.h>
 #include <vq_client_common/time/ForecastTimesManipulationMP.h>
 #include <vq_idl/AdministrationRecordsC.h>
 
@@ -17,12 +15,12 @@ namespace {
 
 using Times = ForecastTimesManipulationMP;
 
-std::array<std::string, 5> Lines(const char* begin, const char* end) {
+// Each ends before a zero byte.
+std::array<std::string, 5> Lines(std::string_view text) {
   std::array<std::string, 5> lines;
   for (std::string& line : lines) {
-    const char* const stop = std::find(begin, end, '\n');
-    line.assign(begin, std::find(begin, stop, '\0'));
-    begin = stop == end ? end : stop + 1;
+    std::string_view whole = vq::Cut(text, '\n');
+    line = vq::Cut(whole, '\0');
   }
   return lines;
 }
@@ -33,9 +31,9 @@ void CheckConversions(std::int32_t t) {
   int minute = 0;
   int second = 0;
   const bool converted = Times::ConvertTimeToDayHourMin(t, day, hour, minute, second);
-  if (converted != (t >= 0 && t < NO_TIME)) std::abort();
-  if (converted && Times::ConvertToTime(day, hour, minute, second) != t) std::abort();
-  if (Times::ConvertTimeToStrWithDays(t, true).empty() == converted) std::abort();
+  vq::Require(converted == (t >= 0 && t < NO_TIME));
+  vq::Require(!converted || Times::ConvertToTime(day, hour, minute, second) == t);
+  vq::Require(Times::ConvertTimeToStrWithDays(t, true).empty() != converted);
 }
 
 }  // namespace
@@ -45,8 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size < sizeof t) return 0;
   std::memcpy(&t, data, sizeof t);
   CheckConversions(static_cast<std::int32_t>(t));
-  const char* const texts = reinterpret_cast<const char*>(data);
-  const auto lines = Lines(texts + sizeof t, texts + size);
+  const auto lines = Lines(vq::Text(data + sizeof t, size - sizeof t));
 
   QCSCommAdminSeq records;
   records.length(1);
@@ -70,6 +67,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       text.substr(text.find(')') == std::string::npos ? 0 : text.find(')') + 1);
   const bool isClock = clock.size() == 8 && clock[2] == ':' && clock[5] == ':';
   const bool known = &times.GetOsTimeZone("DC") != &os_time_zone::greenwich();
-  if (known && !text.empty() && !isClock) std::abort();
+  vq::Require(!known || text.empty() || isClock);
   return 0;
 }

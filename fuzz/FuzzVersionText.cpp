@@ -6,19 +6,12 @@
 #include <string_view>
 
 #include <fuzz/Require.h>
+#include <support/os_toolkit/os_tokenizer.h>
 #include <vq_client_common/datacenters/TDC.h>
 #include <vq_client_common/datacenters/TString2Enum.h>
 #include <vq_client_common/datacenters/TVltVersion.h>
 
 namespace {
-
-// Takes the text up to the first line end off `rest`.
-std::string TakeLine(std::string_view& rest) {
-  const std::size_t end = rest.find('\n');
-  const std::string line(rest.substr(0, end));
-  rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-  return line;
-}
 
 bool IsClockTime(const std::string& text) {
   std::string err;
@@ -61,7 +54,7 @@ void TryTimes(const std::string& newDay, const std::string& time) {
   vq::Require(inDay == (err.empty() ? 1 : 0) && (inDay == 1 || err.back() == '\t'));
   const int inClock = TDC::CheckTimeHHMMNoTimeSynonym(time, err);
   vq::Require(inClock == (err.empty() ? 1 : 0) && (inClock == 1 || err.back() == '\t'));
-  // Whatever is a synonym of a sound clock time passes the check of its scheduling day.
+  // A synonym of a valid clock time passes the check of its scheduling day.
   if (IsClockTime(time) && IsClockTime(newDay)) {
     TDC::ConvertToTimeSynonymStatic(newDay, time, synonym);
     vq::Require(TDC::CheckTimeHHMMTimeSynonym(synonym, newDay, newDayValid, err) == 1 &&
@@ -72,10 +65,10 @@ void TryTimes(const std::string& newDay, const std::string& time) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::string_view rest(reinterpret_cast<const char*>(data), size);
-  const std::string version = TakeLine(rest);
-  const std::string newDay = TakeLine(rest);
-  TryVersion(version);
+  const std::string input = vq::Text(data, size);
+  std::string_view rest = input;
+  TryVersion(std::string(vq::Cut(rest, '\n')));
+  const std::string newDay(vq::Cut(rest, '\n'));
   TryTimes(newDay, std::string(rest));
   return 0;
 }

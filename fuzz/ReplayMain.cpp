@@ -15,27 +15,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace {
 
-std::size_t Replay(const std::filesystem::path& path) {
+int count = 0;
+
+void Replay(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
   LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-  return 1;
+  ++count;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::size_t count = 0;
   for (int i = 1; i < argc; ++i) {
-    const std::filesystem::path path = argv[i];
-    if (!std::filesystem::is_directory(path)) {
-      count += Replay(path);
+    if (!std::filesystem::is_directory(argv[i])) {
+      Replay(argv[i]);
       continue;
     }
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(path)) {
-      if (entry.is_regular_file()) count += Replay(entry.path());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(argv[i])) {
+      if (entry.is_regular_file()) Replay(entry.path());
     }
   }
-  std::printf("%zu inputs replayed\n", count);
+  std::printf("%d inputs replayed\n", count);
   return count > 0 ? 0 : 1;  // A replay that read nothing has tested nothing.
 }
