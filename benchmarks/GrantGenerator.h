@@ -21,6 +21,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -33,22 +34,16 @@ struct GeneratedGrant {
   std::uint8_t level;  // 1 to 4
 };
 
-// Random numbers that are the same everywhere.
+// Random numbers, the same on every host.
 class GrantRandom {
  public:
-  explicit GrantRandom(std::uint64_t seed) : m_state(seed) {}
+  explicit GrantRandom(std::uint64_t seed) : m_engine(seed) {}
 
   // A number from 0 to `bound` - 1.
-  std::size_t Below(std::size_t bound) {
-    m_state += 0x9E3779B97F4A7C15U;
-    std::uint64_t z = m_state;
-    z = (z ^ (z >> 30U)) * 0xBF58476D1CE4E5B9U;
-    z = (z ^ (z >> 27U)) * 0x94D049BB133111EBU;
-    return (z ^ (z >> 31U)) % bound;
-  }
+  std::size_t Below(std::size_t bound) { return m_engine() % bound; }
 
  private:
-  std::uint64_t m_state;
+  std::mt19937_64 m_engine;
 };
 
 class GrantGenerator {

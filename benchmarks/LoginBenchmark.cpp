@@ -1,12 +1,12 @@
 // What the library adds to its remote calls: each session call beside the bare sequence of stub
 // calls that it makes, against one server process.
 //
-// The cold login is the exception: there whole processes take turns, `vqclient login` and a program
-// that makes the same calls through the stubs and loads the same libraries.
-//
 // Both sides use the same references and the same connection and take turns call by call, so that
-// other load on the host affects both. The answer to the challenge and the password's
-// checksum belong to a login, so both sides compute them. The server writes no log.
+// other load on the host affects both. The response to the challenge and the password's checksum
+// belong to a login, so both sides compute them. The server writes no log.
+//
+// In a cold login whole processes take turns: `vqclient login` and a program that makes the same
+// calls through the stubs and loads the same libraries.
 
 #include <chrono>
 #include <filesystem>

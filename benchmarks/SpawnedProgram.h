@@ -2,7 +2,6 @@
 #ifndef VQ_BENCHMARKS_SPAWNEDPROGRAM_H
 #define VQ_BENCHMARKS_SPAWNEDPROGRAM_H
 
-#include <array>
 #include <chrono>
 #include <stdexcept>
 #include <string>

@@ -2,8 +2,8 @@
 // libraries, and beside one linked to those libraries without this one. The second peer shows what
 // this library does when it is loaded, which the first one does as well.
 //
-// Goal: at most 1.2 times the first peer. The programs take turns, run by run, and the processor
-// time of each process counts, so that other load on the host affects both alike.
+// The programs take turns, run by run, and the processor time of each process counts, so that other
+// load on the host affects both alike.
 
 #include <exception>
 
