@@ -2,7 +2,6 @@
 // and can store settings with which callbacks work.
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstdlib>
 #include <iostream>
@@ -39,16 +38,18 @@ constexpr int kCallLimit = 10000;  // milliseconds
 
 // What to do when `what` cannot be reached at its host and port.
 std::string AdviceFor(vq::orb::Reach reach, const std::string& host, const std::string& what) {
-  using vq::orb::Reach;
-  return reach == Reach::kNotResolvable
-             ? "This host cannot resolve the name '" + host +
-                   "': correct it, or add it to the DNS or to /etc/hosts."
-         : reach == Reach::kRefused
-             ? "No program listens on that port: start " + what + ", or correct the port."
-         : reach == Reach::kReached
-             ? "The port accepts connections, but there is no reply: " + what +
-                   " hangs, or another program uses the port. Restart it, or correct the port."
-             : "Check that the host is up and that no firewall blocks the port.";
+  switch (reach) {
+    case vq::orb::Reach::kNotResolvable:
+      return "This host cannot resolve the name '" + host +
+             "': correct it, or add it to the DNS or to /etc/hosts.";
+    case vq::orb::Reach::kRefused:
+      return "No program listens on that port: start " + what + ", or correct the port.";
+    case vq::orb::Reach::kReached:
+      return "The port accepts connections, but there is no reply: " + what +
+             " hangs, or another program uses the port. Restart it, or correct the port.";
+    default:
+      return "Check that the host is up and that no firewall blocks the port.";
+  }
 }
 
 // A text with each line after the first indented.

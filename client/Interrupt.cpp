@@ -1,13 +1,13 @@
 #include <client/Interrupt.h>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
 
 namespace vqclient {
 namespace {

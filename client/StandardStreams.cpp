@@ -2,8 +2,6 @@
 // their numbers: an ORB product opens a pipe when it is loaded, which is before main. The function
 // below runs before the initialization of any shared library.
 
-#include <initializer_list>
-
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>

@@ -13,6 +13,7 @@ namespace vqclient {
 namespace {
 
 constexpr int kCallLimit = 10000;  // milliseconds
+constexpr int kClientRefused = 56;
 
 struct Verdict {
   std::string serverVersion;
@@ -28,7 +29,7 @@ Verdict AskServer(const CommandLine& line, const std::string& clientVersion) {
   try {
     CORBA::String_var version;
     const int result = users->CRB_VerifyClientServerVersion(clientVersion.c_str(), version.out());
-    if (result == 56) return {version.in(), "the server refuses this client"};
+    if (result == kClientRefused) return {version.in(), "the server refuses this client"};
     if (result != 1) return {version.in(), "unknown: the server does not judge it"};
     return {version.in(), "the server accepts this client"};
   } catch (const CORBA::Exception&) {

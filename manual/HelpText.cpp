@@ -28,7 +28,7 @@ std::string Rows(const Command& command, const std::string& group) {
     if (!option.positional && !option.value.empty()) what += ' ' + option.value;
     std::string text = Sentence(option.description);
     if (option.required && !option.positional) text += " Required.";
-    if (!option.standard.empty()) text += " Default: " + option.standard + ".";
+    if (!option.defaultValue.empty()) text += " Default: " + option.defaultValue + ".";
     rows += Row(what, text);
   }
   return rows;

@@ -13,7 +13,7 @@ Option Describe(const CLI::Option& option) {
   if (result.positional) result.names.push_back(option.get_single_name());
   if (option.get_items_expected_max() > 0) result.value = option.get_type_name();
   result.description = option.get_description();
-  result.standard = option.get_default_str();
+  result.defaultValue = option.get_default_str();
   if (option.get_group() != "Options") result.group = option.get_group();
   result.required = option.get_required();
   return result;

@@ -17,8 +17,8 @@ struct Option {
   std::vector<std::string> names;  // as they are typed: "-s", "--server"; "section"
   std::string value;               // the name of its value, "A|B" for a choice; empty for a flag
   std::string description;
-  std::string standard;  // the default; may be empty
-  std::string group;     // a heading that several commands share; empty for a command's own
+  std::string defaultValue;  // may be empty
+  std::string group;         // a heading that several commands share; empty for a command's own
   bool positional = false;
   bool required = false;
 };
@@ -28,9 +28,9 @@ struct Command {
   std::string description;
   std::string footer;
   std::vector<std::string> commands;  // the words that may follow
-  bool needsCommand = false;          // one of them has to
+  bool needsCommand = false;          // one of them must follow
   std::vector<Option> options;        // its own
-  std::vector<Option> inherited;      // those of the commands above that it takes too
+  std::vector<Option> inherited;      // of the commands above it, which it takes, too
 };
 
 std::vector<Command> CommandsOf(const CLI::App& program);

@@ -1,4 +1,4 @@
-// What a program's manual page is made of, and its completions.
+// The source of a program's manual page, and its shell completions.
 #ifndef VQ_MANUAL_PAGES_H
 #define VQ_MANUAL_PAGES_H
 

@@ -6,8 +6,19 @@
 namespace vq::manual {
 namespace {
 
-// NAME_table PLACE fills commands, arguments, flags and values for the command at that place.
-// PROGRAM stands for the program's name.
+// The texts below contain PROGRAM for the program's name.
+
+// What bash and zsh do with each word before the one to complete, in place of STEP. PROGRAM_table
+// PLACE sets commands, arguments, flags and values for the command at that place.
+constexpr const char* kStep = R"sh(    if [[ -n $value ]]; then
+      value=
+    elif [[ $word == -* ]]; then
+      value=${values[$word]-}
+    elif [[ " $commands " == *" $word "* ]]; then
+      place+=" $word"
+      _PROGRAM_table "$place"
+    fi)sh";
+
 constexpr const char* kBash = R"sh(
 _PROGRAM_complete() {
   local current=${COMP_WORDS[COMP_CWORD]} place= value= word words i
@@ -16,14 +27,7 @@ _PROGRAM_complete() {
   _PROGRAM_table "$place"
   for ((i = 1; i < COMP_CWORD; ++i)); do
     word=${COMP_WORDS[i]}
-    if [[ $value ]]; then
-      value=
-    elif [[ $word == -* ]]; then
-      value=${values[$word]-}
-    elif [[ " $commands " == *" $word "* ]]; then
-      place+=" $word"
-      _PROGRAM_table "$place"
-    fi
+STEP
   done
   case $value in
     FILE)
@@ -48,14 +52,7 @@ _PROGRAM() {
   _PROGRAM_table "$place"
   for ((i = 2; i < CURRENT; ++i)); do
     word=${words[i]}
-    if [[ -n $value ]]; then
-      value=
-    elif [[ $word == -* ]]; then
-      value=${values[$word]-}
-    elif [[ " $commands " == *" $word "* ]]; then
-      place+=" $word"
-      _PROGRAM_table "$place"
-    fi
+STEP
   done
   case $value in
     FILE) _files ;;
@@ -162,14 +159,14 @@ std::string FishOption(const Option& option) {
 std::string BashCompletion(const std::vector<Command>& commands) {
   const std::string& program = commands.front().path;
   return "# Completion of " + program + " for bash, made from its table of options.\n\n" +
-         Table(commands) + Replace(kBash, "PROGRAM", program);
+         Table(commands) + Replace(Replace(kBash, "STEP", kStep), "PROGRAM", program);
 }
 
 std::string ZshCompletion(const std::vector<Command>& commands) {
   const std::string& program = commands.front().path;
   return "#compdef " + program + "\n# Completion of " + program +
          " for zsh, made from its table of options.\n\n" + Table(commands) +
-         Replace(kZsh, "PROGRAM", program);
+         Replace(Replace(kZsh, "STEP", kStep), "PROGRAM", program);
 }
 
 std::string FishCompletion(const std::vector<Command>& commands) {
