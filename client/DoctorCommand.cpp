@@ -260,11 +260,7 @@ class Doctor {
       return Good("server", "it answers");
     } catch (const CORBA::Exception& e) {
       auto [cause, advice] = SplitCause(CauseOf(e));
-      if (advice.empty() && dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&e) != nullptr) {
-        advice =
-            "The server did not register after a restart, or another server uses its port: restart "
-            "it.";
-      } else if (advice.empty() && m_tls) {
+      if (advice.empty() && m_tls) {
         advice =
             "The TLS handshake does not complete: the server hangs, or requires a client "
             "certificate (--certificate FILE, --key FILE). Look at its log.";

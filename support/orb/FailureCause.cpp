@@ -11,13 +11,14 @@
 #include <support/orb/CallDeadline.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/ReferenceAddress.h>
+#include <support/orb/ThreadText.h>
 #include <support/os_toolkit/Atoi.h>
 
 namespace vq::orb {
 namespace {
 
-thread_local std::string noted;
-thread_local std::string peer;
+thread_local ThreadText<2000> noted;
+thread_local ThreadText<300> peer;
 
 constexpr std::chrono::milliseconds kProbeLimit{1000};
 
@@ -39,11 +40,11 @@ std::string WhyUnreachable(const ReferenceEndpoint& place) {
 
 // The address that the call used, if it is known.
 ReferenceEndpoint PlaceOf(const std::vector<ReferenceEndpoint>& endpoints) {
-  const std::size_t colon = peer.rfind(':');
-  if (colon == std::string::npos) return endpoints.front();
-  const bool hasBrackets = peer.front() == '[';
-  const std::size_t cut = hasBrackets ? 1 : 0;
-  return {peer.substr(cut, colon - 2 * cut), Atoi(peer.substr(colon + 1))};
+  const std::string_view place = peer;
+  const std::size_t colon = place.rfind(':');
+  if (colon == std::string_view::npos) return endpoints.front();
+  const std::size_t bracket = place.front() == '[' ? 1 : 0;
+  return {std::string(place.substr(bracket, colon - 2 * bracket)), Atoi(place.substr(colon + 1))};
 }
 
 std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target) {
@@ -60,43 +61,45 @@ std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target)
     if (!why.empty()) return why;
   }
   if (dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&exception) != nullptr) {
-    return place + " does not know the object: the server was restarted, or another uses its port";
+    return place + " does not know the object; log in again, or restart a server that did not " +
+           "register after a restart";
   }
   return place + ": " + ExceptionText(exception);
 }
 
 }  // namespace
 
-void NoteCause(std::string cause) noexcept {
-  noted = std::move(cause);
+void NoteCause(std::string_view cause) noexcept {
+  noted = cause;
 }
 
 void NotePeer(std::string_view address) noexcept {
-  try {
-    peer = address;
-  } catch (const std::bad_alloc&) {
-    peer.clear();
-  }
+  peer = address;
 }
 
 void BeginCall() {
-  peer.clear();
+  peer = "";
   const auto end = CallDeadline::Current();
   if (!end || CallDeadline::Clock::now() < *end) {
-    noted.clear();
+    noted = "";
   } else if (noted.empty()) {
     NoteCause("the time for the calls was over");
   }
 }
 
 std::string TakeCause() noexcept {
-  return std::exchange(noted, {});
+  try {
+    std::string cause(std::string_view{noted});
+    noted = "";
+    return cause;
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
 }
 
 void NoteFailedCall(const CORBA::Exception& exception, CORBA::Object_ptr target) noexcept {
   try {
-    std::string cause = TakeCause();
-    NoteCause(cause.empty() ? CauseOf(exception, target) : std::move(cause));
+    if (noted.empty()) NoteCause(CauseOf(exception, target));
   } catch (const std::exception&) {
     // No memory for an explanation: the failure itself is reported all the same.
   }

@@ -20,7 +20,7 @@ namespace vq::orb {
 // Keeps the cause for the calling thread, which is the one that makes the call. The latest wins.
 // One line without a closing full stop; no secret in it. What to do next, if it is known, follows a
 // semicolon.
-void NoteCause(std::string cause) noexcept;
+void NoteCause(std::string_view cause) noexcept;
 
 // Forgets the cause of an earlier call. When the thread's deadline (CallDeadline) has passed, no
 // call is sent, and the cause of the call that used up the time remains.

@@ -18,8 +18,9 @@ using omni::sslContext;
 
 TDiagRegister diagModule("TLS");
 
-// For the callbacks: written before the ORB starts, read by its threads afterwards.
-TlsSettings tlsInForce;
+// For the callbacks: written before the ORB starts, read by its threads afterwards, which may run
+// until the process ends.
+auto& tlsInForce = *new TlsSettings;
 
 int Judge(int verified, X509_STORE_CTX* context) {
   return JudgeCertificate(verified, *context, tlsInForce);

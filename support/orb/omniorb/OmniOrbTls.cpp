@@ -26,10 +26,11 @@ namespace {
 
 TDiagRegister diagModule("TLS");
 
-// For the interceptors: written before the ORB starts, read by its threads afterwards.
+// For the interceptors: written before the ORB starts, read by its threads afterwards, which may
+// run until the process ends. These are those of the naming service's references.
 bool encryptLookups = false;
-std::set<std::string> namingProfiles;   // those of the naming service's references
-std::set<std::string> namingAddresses;  // its addresses: "giop:tcp:127.0.0.1:2809"
+auto& namingProfiles = *new std::set<std::string>;
+auto& namingAddresses = *new std::set<std::string>;  // "giop:tcp:127.0.0.1:2809"
 
 void CheckFiles(const TlsSettings& settings) {
   const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_method()),

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <optional>
 #include <ratio>
 #include <string_view>
@@ -29,6 +28,7 @@
 #include <tao/default_client.h>
 
 #include <support/orb/CallDeadline.h>
+#include <support/orb/ThreadText.h>
 #include <support/orb/TlsVerdict.h>
 #include <support/orb/tao/TaoConnector.h>
 #include <support/orb/tao/TaoTls.h>
@@ -54,10 +54,10 @@ struct Call {
   Clock::time_point end = Clock::time_point::max();
   int forwards = 0;
   int repetitions = 0;
-  bool isReading = false;      // the thread reads the reply
-  bool closedInOrder = false;  // the server closed the connection instead of a reply
-  std::string unencrypted;     // the place where the request goes unencrypted
-  bool isToNaming = false;     // to the naming service's own object
+  bool isReading = false;       // the thread reads the reply
+  bool closedInOrder = false;   // the server closed the connection instead of a reply
+  ThreadText<300> unencrypted;  // the place where the request goes unencrypted
+  bool isToNaming = false;      // to the naming service's own object
 };
 thread_local Call call;
 
@@ -233,7 +233,7 @@ class CallCheck : public virtual PortableInterceptor::ClientRequestInterceptor,
     if (call.unencrypted.empty() || m_allowed == Unencrypted::kAnyCall) return;
     const CORBA::String_var operation = request->operation();
     if (IsLookUp(operation.in(), call.isToNaming)) return;
-    ReportNoTls(call.unencrypted);
+    ReportNoTls(std::string(std::string_view{call.unencrypted}));
     throw CORBA::INV_POLICY(0, CORBA::COMPLETED_NO);
   }
   void send_poll(ClientRequestInfo_ptr) override {}

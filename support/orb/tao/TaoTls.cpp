@@ -31,6 +31,7 @@
 #include <tao/Transport.h>
 
 #include <support/orb/ReferenceAddress.h>
+#include <support/orb/ThreadText.h>
 #include <support/orb/TlsVerdict.h>
 #include <support/orb/tao/TaoCalls.h>
 #include <support/orb/tao/TaoConnector.h>
@@ -40,7 +41,7 @@ namespace vq::orb {
 namespace {
 
 // The host that this thread connected to last; SSLIOP's handshakes are in the connecting call.
-thread_local std::string hostBeingConnected;
+thread_local ThreadText<300> hostBeingConnected;
 
 bool IsAddress(const std::string& host) {
   std::array<unsigned char, sizeof(in6_addr)> bytes{};
@@ -108,8 +109,9 @@ class Connector : public CheckedConnector {
   }
 };
 
-// For the callbacks: written before the ORB starts, read by its threads afterwards.
-TlsSettings tlsInForce;
+// For the callbacks: written before the ORB starts, read by its threads afterwards, which may run
+// until the process ends.
+auto& tlsInForce = *new TlsSettings;
 
 int Judge(int verified, X509_STORE_CTX* context) {
   return JudgeCertificate(verified, *context, tlsInForce);
@@ -143,9 +145,10 @@ long BeforeRead(BIO* bio, int operation, const char*, std::size_t, int, long, in
 void FollowConnection(const SSL* connection, int where, int result) {
   if (where == SSL_CB_HANDSHAKE_START && SSL_is_server(connection) == 0) {
     BIO_set_callback_ex(SSL_get_rbio(connection), BeforeRead);
-    if (!hostBeingConnected.empty() && !IsAddress(hostBeingConnected)) {
+    const std::string host(std::string_view{hostBeingConnected});
+    if (!host.empty() && !IsAddress(host)) {
       // Only the callback's type is const.
-      SSL_set_tlsext_host_name(const_cast<SSL*>(connection), hostBeingConnected.c_str());
+      SSL_set_tlsext_host_name(const_cast<SSL*>(connection), host.c_str());
     }
   }
   FollowHandshake(connection, where, result);
