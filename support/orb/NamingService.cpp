@@ -1,6 +1,5 @@
 #include <support/orb/NamingService.h>
 
-#include <optional>
 #include <string>
 
 #include <support/diagnostics/TDiag.h>

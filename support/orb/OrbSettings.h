@@ -17,7 +17,6 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <support/orb/ListenEndpoint.h>

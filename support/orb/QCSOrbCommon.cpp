@@ -5,7 +5,6 @@
 #include <mutex>
 #include <optional>
 #include <stdexcept>
-#include <string_view>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>

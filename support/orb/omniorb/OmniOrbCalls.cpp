@@ -134,7 +134,8 @@ bool IsDead(const giopStrand& strand, bool takesCalls) {
   const CheckedConnection& connection = CheckedConnection::Of(strand);
   if (connection.Socket() < 0) return false;
   if (!takesCalls && connection.HasRest()) return true;
-  return vq::orb::IsDead(connection.Socket(), IsTls(strand), takesCalls);
+  return vq::orb::IsDead(connection.Socket(), IsTls(strand), takesCalls) ||
+         connection.HasEndedTls();
 }
 
 // Whether the server closed the connection in order. omniORB does not read the message that says so
@@ -267,6 +268,12 @@ void GuardMessages() {
   }
 }
 
+// Whether connections for such a reference take calls: only with GIOP 1.2. omniORB would share one
+// between earlier calls, whose threads read, and its own thread.
+bool TakesCalls(const omniIOR::IORInfo& info) {
+  return omni::orbParameters::offerBiDirectionalGIOP && info.version().minor >= 2;
+}
+
 // The connections to one server; Base is omniORB's class for them.
 template <class Base>
 class CheckedRope : public Base {
@@ -274,6 +281,11 @@ class CheckedRope : public Base {
   CheckedRope(const omni::giopAddressList& addresses, omniIOR::IORInfo* info)
       : Base(addresses, info) {
     for (omni::giopAddress*& address : this->pd_addresses) address = new CheckedAddress(address);
+  }
+
+  CORBA::Boolean match(const omni::giopAddressList& addresses,
+                       omniIOR::IORInfo* info) const override {
+    return kTakesCalls == TakesCalls(*info) && Base::match(addresses, info);
   }
 
   omni::IOP_C* acquireClient(const omniIOR* ior, const CORBA::Octet* key, CORBA::ULong keySize,
@@ -393,10 +405,9 @@ class CheckedRope : public Base {
 
   // omniORB's destructor of a connection ends the process while a thread still uses it.
   static bool IsInUse(giopStrand& strand) {
-    for (auto* link = strand.clients.next; link != &strand.clients; link = link->next) {
-      if (static_cast<GIOP_C*>(link)->state() != omni::IOP_C::UnUsed) return true;
-    }
-    return false;
+    return AnyOf<GIOP_C>(strand.clients, [](const GIOP_C& attempt) {
+      return attempt.state() != omni::IOP_C::UnUsed;
+    });
   }
 
   // Ends the reading by the ORB's thread, which may still add to the reply: that is deleted with
@@ -405,16 +416,15 @@ class CheckedRope : public Base {
     giopStrand& strand = attempt.strand();
     if (strand.connection == nullptr || !strand.isBiDir()) return;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
-    ReleaseLocks(attempt);
+    EndWriting(attempt);
     while (IsBeingRead(strand)) omni_thread::sleep(0, 1'000'000);
     DropUnfinished(strand);
   }
 
-  // The thread that reads may wait to write, to refuse a message. Before GIOP 1.2 the caller reads.
-  static void ReleaseLocks(GIOP_C& attempt) {
+  // The thread that reads may wait to write, to refuse a message.
+  static void EndWriting(GIOP_C& attempt) {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
     attempt.wrUnLock();
-    attempt.rdUnLock();
   }
 
   // Calls of the server of which a part has arrived. omniORB keeps them while a caller waits, and
@@ -458,18 +468,16 @@ class CheckedRope : public Base {
   bool AwaitsReplies(giopStrand& strand) {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
     if (strand.state() == giopStrand::DYING) return false;
-    for (auto* link = strand.clients.next; link != &strand.clients; link = link->next) {
-      const auto state = static_cast<GIOP_C*>(link)->state();
-      if (state != omni::IOP_C::UnUsed && state != omni::IOP_C::Idle) return true;
-    }
-    return false;
+    return AnyOf<GIOP_C>(strand.clients, [](const GIOP_C& attempt) {
+      return attempt.state() != omni::IOP_C::UnUsed && attempt.state() != omni::IOP_C::Idle;
+    });
   }
 
   std::timed_mutex m_opening;
 };
 
 CORBA::Boolean MakeRope(omniInterceptors::createRope_T::info_T& info) {
-  if (omni::orbParameters::offerBiDirectionalGIOP) {
+  if (TakesCalls(*info.ior_info)) {
     info.rope = new CheckedRope<BiDirClientRope>(info.addrlist, info.ior_info);
   } else {
     info.rope = new CheckedRope<giopRope>(info.addrlist, info.ior_info);

@@ -1,6 +1,7 @@
 #include <support/orb/omniorb/OmniOrbConnection.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <limits>
 #include <map>
@@ -85,9 +86,21 @@ class Watcher {
 class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
  public:
   static OpenedWatcher& Of(omni::giopActiveCollection& opened) {
-    static auto& watchers = *new std::map<omni::giopActiveCollection*, OpenedWatcher>;
     const std::lock_guard lock(mutex);
     return watchers.try_emplace(&opened, opened).first->second;
+  }
+
+  // Returns when no thread watches any more, within a second for each transport.
+  static void StopAll() {
+    std::vector<OpenedWatcher*> all;
+    {
+      const std::lock_guard lock(mutex);
+      for (auto& [opened, watcher] : watchers) all.push_back(&watcher);
+    }
+    for (OpenedWatcher* const watcher : all) {
+      watcher->deactivate();
+      const std::unique_lock ended(watcher->m_watching, std::chrono::seconds(1));
+    }
   }
 
   explicit OpenedWatcher(omni::giopActiveCollection& opened) : m_opened(opened) {}
@@ -97,11 +110,15 @@ class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
   void deactivate() override { m_opened.deactivate(); }
   void Monitor(giopConnection::notifyReadable_t tell, void* cookie) override {
     TellTo(tell, cookie);
+    const std::lock_guard watching(m_watching);
     m_opened.Monitor(Tell, static_cast<Watcher*>(this));
   }
 
  private:
+  static inline auto& watchers = *new std::map<omni::giopActiveCollection*, OpenedWatcher>;
+
   omni::giopActiveCollection& m_opened;
+  std::timed_mutex m_watching;
 };
 
 // An omniORB endpoint whose connections are checked.
@@ -208,6 +225,10 @@ bool IsDeleted(omni::giopStrand& strand) {
 
 }  // namespace
 
+void StopWatching() {
+  OpenedWatcher::StopAll();
+}
+
 std::uint32_t RequestIdOf(const omni::giopStream& call) {
   struct Access : omni::GIOP_C {  // It is protected.
     static std::uint32_t Of(const omni::giopStream& stream) {
@@ -310,7 +331,7 @@ void CheckedConnection::Shutdown() {
 CORBA::Boolean CheckedConnection::gatekeeperCheckSpecific(omni::giopStrand* strand) {
   const std::lock_guard lock(m_handshake);
   if (!m_accepted) {
-    m_accepting = strand;
+    m_strand = strand;
     m_accepted = m_connection.gatekeeperCheckSpecific(strand);
     if (*m_accepted) UseTls();
     return *m_accepted;
@@ -331,6 +352,11 @@ void CheckedConnection::UseTls() {
   SSL_clear_mode(tls, SSL_MODE_AUTO_RETRY);  // It returns after each record.
   const std::lock_guard lock(m_tlsMutex);
   m_tls = tls;
+}
+
+bool CheckedConnection::HasEndedTls() const {
+  const std::lock_guard lock(m_tlsMutex);
+  return m_tls != nullptr && SSL_get_shutdown(m_tls) != 0;
 }
 
 // Reads or writes, as omniORB does with TLS. While it waits, other threads can use the connection.
@@ -359,7 +385,14 @@ int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni
                     deadline);
   }
   if (!m_hasRest) {
-    const int received = m_connection.Recv(data, size, deadline);
+    // Without a deadline omniORB would make the socket block, also for a thread that sends with
+    // one.
+    omni_time_t end = deadline;
+    int received = 0;
+    do {
+      if (!deadline) omni_thread::get_time(end, omni_time_t(3600));
+      received = m_connection.Recv(data, size, end);
+    } while (received == 0 && !deadline);
     if (received >= 0 || !WasReset(m_socket)) return received;
     // omniORB gives up, and what arrived before the reset can still be read, without waiting.
     return m_connection.Recv(data, size, omni_time_t());
@@ -400,7 +433,7 @@ bool CheckedConnection::Refuse(std::uint64_t size) {
 
 // omniORB itself then checks the limit of the settings.
 bool CheckedConnection::IsReadByCaller() const {
-  return m_strand != nullptr && !m_strand->isBiDir();
+  return m_opened != nullptr && m_strand != nullptr && !m_strand->isBiDir();
 }
 
 // False for a message that omniORB must not receive.
@@ -442,16 +475,13 @@ bool CheckedConnection::MayFollow(std::uint64_t id) {
 // Whether a call of the peer's with this number is under way. A call has no number until its header
 // has arrived.
 bool CheckedConnection::IsInHand(std::uint64_t id) const {
-  const omni::giopStrand* const strand = m_strand != nullptr ? m_strand : m_accepting;
-  if (strand == nullptr) return false;
+  if (m_strand == nullptr) return false;
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-  for (auto* link = strand->servers.next; link != &strand->servers; link = link->next) {
-    auto& call = *static_cast<omni::GIOP_S*>(link);
+  return AnyOf<omni::GIOP_S>(m_strand->servers, [id](omni::GIOP_S& call) {
     const bool hasNumber =
         call.state() != omni::IOP_S::UnUsed && call.state() != omni::IOP_S::WaitForRequestHeader;
-    if (hasNumber && RequestIdOf(call) == id) return true;
-  }
-  return false;
+    return hasNumber && RequestIdOf(call) == id;
+  });
 }
 
 void CheckedConnection::NoteReply(std::uint32_t id) {
@@ -473,13 +503,11 @@ bool CheckedConnection::HasReplyTo(omni::GIOP_C& call, bool whole) const {
 bool CheckedConnection::HasUntakenReply() const {
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
   if (m_strand->state() == omni::giopStrand::DYING) return false;
-  for (auto* link = m_strand->clients.next; link != &m_strand->clients; link = link->next) {
-    auto& call = *static_cast<omni::GIOP_C*>(link);
+  return AnyOf<omni::GIOP_C>(m_strand->clients, [this](omni::GIOP_C& call) {
     const bool waits = call.state() == omni::IOP_C::RequestInProgress ||
                        call.state() == omni::IOP_C::WaitingForReply;
-    if (waits && HasReplyTo(call, true)) return true;
-  }
-  return false;
+    return waits && HasReplyTo(call, true);
+  });
 }
 
 // omniORB would report the end of the connection to a caller whose reply has arrived.

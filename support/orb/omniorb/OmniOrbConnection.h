@@ -57,6 +57,9 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool IsBetweenMessages() const { return m_isBetweenMessages; }
   // Whether data has arrived that omniORB has not received yet.
   bool HasRest() const { return m_hasRest; }
+  // Whether the peer has ended TLS and a thread has received that, so that the socket no longer
+  // shows it.
+  bool HasEndedTls() const;
   // Whether omniORB waits for calls that arrive over it.
   bool IsWatched() const { return m_isWatched; }
 
@@ -117,11 +120,10 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   omni::giopActiveConnection* const m_opened;  // null for an accepted one
   omni::giopConnection& m_connection;
   const int m_socket;
-  std::mutex m_tlsMutex;
+  mutable std::mutex m_tlsMutex;
   SSL* m_tls = nullptr;  // after the handshake
   std::mutex m_handshake;
-  omni::giopStrand* m_accepting = nullptr;  // that of an accepted one
-  std::optional<bool> m_accepted;           // whether the handshake of an accepted one succeeded
+  std::optional<bool> m_accepted;  // whether the handshake of an accepted one succeeded
   omni::giopStrand* m_strand = nullptr;
 
   std::array<unsigned char, 12> m_header{};  // of the latest message
@@ -143,6 +145,19 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   std::array<Reply, 16> m_replies;  // the latest
   std::size_t m_nextReply = 0;
 };
+
+// Ends the threads that wait for calls over own connections. For the end of the process.
+void StopWatching();
+
+// Whether one of a connection's calls, its `clients` or `servers`, meets the condition. omniORB's
+// lock is held.
+template <class Call, class List, class Condition>
+bool AnyOf(List& calls, Condition meets) {
+  for (auto* link = calls.next; link != &calls; link = link->next) {
+    if (meets(*static_cast<Call*>(link))) return true;
+  }
+  return false;
+}
 
 // The number by which the peer of a call identifies it.
 std::uint32_t RequestIdOf(const omni::giopStream& call);

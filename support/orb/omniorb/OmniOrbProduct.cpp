@@ -90,6 +90,7 @@ class OmniOrbInstance : public OrbInstance {
       // shutdown without waiting runs in a thread that may still run when the process exits.
       OmniOrbInstance::Stop(CORBA::is_nil(m_poa.in()));
     } catch (const CORBA::Exception&) {  // There is nothing left to do.
+    } catch (const omniORB::fatalException&) {
     }
   }
 
@@ -183,11 +184,16 @@ class OmniOrbInstance : public OrbInstance {
 std::unique_ptr<OrbInstance> StartOrb(const std::string& name, OrbRole role, bool /*useThreadPool*/,
                                       const OrbSettings& settings,
                                       const std::vector<std::string>& arguments) {
-  auto instance = std::make_unique<OmniOrbInstance>(name, settings, arguments);
-  // The first POA opens the endpoints. A bidirectional client needs a POA in either role, for the
-  // calls that arrive over its own connections.
-  if (role == OrbRole::kClient || settings.biDirectional) instance->ChildPoa();
-  return instance;
+  try {
+    auto instance = std::make_unique<OmniOrbInstance>(name, settings, arguments);
+    // The first POA opens the endpoints. A bidirectional client needs a POA in either role, for the
+    // calls that arrive over its own connections.
+    if (role == OrbRole::kClient || settings.biDirectional) instance->ChildPoa();
+    return instance;
+  } catch (const omniORB::fatalException& exception) {
+    VQ_LOG(diagModule, 1) << "omniORB does not start: " << exception.errmsg();
+    throw CORBA::INTERNAL(0, CORBA::COMPLETED_NO);
+  }
 }
 
 std::string MinorCodeName(const CORBA::SystemException& exception) {
