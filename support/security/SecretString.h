@@ -10,6 +10,7 @@
 #ifndef VQ_SUPPORT_SECURITY_SECRETSTRING_H
 #define VQ_SUPPORT_SECURITY_SECRETSTRING_H
 
+#include <concepts>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,13 @@ class VQ_CLIENT_COMMON_API SecretString {
   SecretString() = default;
   // A copy of `text`, which the caller wipes.
   explicit SecretString(std::string_view text) : m_text(text) {}
+  // Takes over a temporary or moved std::string and wipes what is left in it. A template, since a
+  // string literal would fit both constructors.
+  template <std::same_as<std::string> String>
+  explicit SecretString(String&& text) noexcept {
+    m_text.swap(text);
+    Wipe(text);
+  }
   ~SecretString() { Wipe(m_text); }
 
   SecretString(const SecretString& other) = default;

@@ -139,9 +139,7 @@ std::string Complete(UserPass found, std::string& user, SecretString& password) 
     return std::string(found.GetStatStr()) + "\nPassword file " + file + " refused: " + refusal;
   }
   user = found.GetUsername();
-  std::string text = found.GetPassword();
-  password = SecretString(text);
-  Wipe(text);
+  password = SecretString(found.GetPassword());
   return {};
 }
 

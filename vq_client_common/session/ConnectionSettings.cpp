@@ -129,11 +129,9 @@ std::string ConnectionSettings::GetPassword(eEncodingType encoding) const {
 }
 
 std::string ConnectionSettings::EncodePassword(const std::string& password) {
-  std::string checksum;
-  ChkSum(password, checksum);
-  std::string encoded = checksum.substr(0, 8);
-  vq::Wipe(checksum);
-  return encoded;
+  vq::SecretString checksum;
+  ChkSum(password, checksum.Text());
+  return checksum.Text().substr(0, 8);
 }
 
 void ConnectionSettings::LoadEncodePassword(SERVER_ID serverId) {

@@ -159,15 +159,13 @@ int SetUserPassword(const std::string& newPassword, bool expired) {
   const TDiagFunc diag(diagModule, "SetUserPassword");
   passwordChanged = false;
   ConnectionSettings* const settings = ConnectionSettings::Get();
-  std::string wireText =
-      settings->IsEncodePassword() ? ConnectionSettings::EncodePassword(newPassword) : newPassword;
-  const vq::SecretString wirePassword(wireText);
-  vq::Wipe(wireText);
+  const vq::SecretString wirePassword(
+      settings->IsEncodePassword() ? ConnectionSettings::EncodePassword(newPassword) : newPassword);
   int result = kFailed;
   try {
     QCSCorbaUsersManager_ptr users;
-    if (vq::session::GetUsersManager(users, LoginHandler::GetGlobal()->GetServerID()) != 1)
-      return kFailed;
+    const SERVER_ID serverId = LoginHandler::GetGlobal()->GetServerID();
+    if (vq::session::GetUsersManager(users, serverId) != 1) return kFailed;
     if (expired) {
       RegisterAndUpdate(users, wirePassword, result, diag);
     } else {

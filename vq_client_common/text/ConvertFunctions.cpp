@@ -96,8 +96,8 @@ void FormatShiftNum(const std::string& in, std::string& out) {
 
 void FormatRetentionValues(const std::string& in, std::string& out, bool wide) {
   const TDiagFunc diag(diagModule, "FormatRetentionValues");
-  if (in.empty())
-    return;  // Intentional: `out` is unchanged; screens keep the last value of an empty field.
+  // Intentional: `out` is unchanged; screens keep the last value of an empty field.
+  if (in.empty()) return;
   if (std::all_of(in.begin(), in.end(), IsDigit)) {
     out = fmt::format("{:0{}}", vq::Atoi(in), wide ? 3 : 2);
   } else {

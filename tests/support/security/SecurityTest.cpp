@@ -89,6 +89,9 @@ TEST(SecretStringTest, Wipes) {
   ASSERT_TRUE(Shows(source));
   vq::SecretString target(std::move(source));
   EXPECT_FALSE(Shows(source));  // NOLINT(bugprone-use-after-move)
+  std::string given = "secret7";
+  EXPECT_EQ(vq::SecretString(std::move(given)).Text(), "secret7");
+  EXPECT_FALSE(Shows(given));  // NOLINT(bugprone-use-after-move)
   vq::SecretString third("another");
   third = std::move(target);
   EXPECT_EQ(third.Text(), "secret7");

@@ -28,9 +28,7 @@ bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
 
 bool Registrant::FindPassword(const ConnectionSettings& settings, QCSCorbaUsersManager_ptr users,
                               const TDiagFunc& diag) {
-  std::string text = settings.GetPassword(ENC_AS_CONFIGURED);
-  password.Text() = text;
-  Wipe(text);
+  password = SecretString(settings.GetPassword(ENC_AS_CONFIGURED));
   if (!settings.IsChallengeResponse()) return true;
   VQ_LOG(diag, 4) << "It's ChallengeResponse";
   CORBA::String_var first;
