@@ -1,5 +1,4 @@
-// INI files: their reader, and the two things that are read from them, versions of installed
-// products and profile settings.
+// INI files: their reader, and the profile settings, which are stored in two of them.
 //
 //   ; a comment
 //   [NFT]
@@ -13,21 +12,11 @@
 #define VQ_SUPPORT_FOUNDATIONS_INIFILE_H
 
 #include <cstddef>
-#include <list>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
-
-// Looks `product` up in "installed-products.ini" under the root (GetVQRootLocation), which has one
-// section a product, as above; a list of patches may continue on indented lines. Found: returns 1,
-// `version` is its version and `patches` its patches in the order of the file, without blanks
-// around them; none leaves an empty list. Otherwise - no file, no such product, or one without a
-// version - returns 0 and leaves both as they are. A bad line of the file is left out, and a line
-// of the log at level 1 names the first one.
-int GetProductVersion(const std::string& product, std::string& version,
-                      std::list<std::string>& patches);
 
 // Reads a whole decimal number from the profile settings, two files "profile.ini": the user's in
 // vq::GetUserSettingsDirectory(), which a set-user-ID program does not read, and the host's in

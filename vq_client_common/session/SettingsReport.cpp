@@ -5,8 +5,8 @@
 #include <vector>
 
 #include <support/foundations/Environment.h>
-#include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
+#include <support/foundations/ProductVersion.h>
 #include <support/orb/OrbSettings.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/internal/Collaborators.h>
@@ -66,7 +66,7 @@ void AddClientProduct(std::list<Setting>& settings) {
   const bool found = GetProductVersion("NFT", version, patches) == 1;
   for (const std::string& patch : patches) version += " " + patch;
   settings.push_back({"client", "product NFT", version,
-                      found ? GetVQRootLocation() + "installed-products.ini" : "not set"});
+                      found ? InstalledProductsFile() : "not set"});
 }
 
 }  // namespace

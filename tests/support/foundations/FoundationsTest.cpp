@@ -8,6 +8,7 @@
 #include <support/foundations/Environment.h>
 #include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
+#include <support/foundations/ProductVersion.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <tests/fixture/Environment.h>
 #include <tests/fixture/LogCapture.h>

@@ -9,8 +9,8 @@
 #include <list>
 #include <string_view>
 
-#include <support/foundations/IniFile.h>
 #include <support/foundations/Locations.h>
+#include <support/foundations/ProductVersion.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/FailureCause.h>
