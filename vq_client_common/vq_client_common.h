@@ -15,7 +15,6 @@
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/authorizations/QCSGuiAuthActJobsDef.h>
 #include <vq_client_common/authorizations/UserAuthorizations.h>
-#include <vq_client_common/connectivity/IPAddressInfo.h>
 #include <vq_client_common/connectivity/ORBEndpoint.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 #include <vq_client_common/datacenters/ArrayWrap.h>
@@ -46,7 +45,6 @@
 #include <vq_client_common/session/StoredSettings.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/VQBaseException.h>
-#include <vq_client_common/session/VQDetailedMessageException.h>
 #include <vq_client_common/text/BaseString.h>
 #include <vq_client_common/text/ConvertFunctions.h>
 #include <vq_client_common/text/FieldLength.h>

@@ -50,7 +50,7 @@ SESSION_ORDER = (
     "SystemParameterHandler", "internal/UsersManager",
     "CorbaGlobalFuncs", "CorbaServerPackManager", "ConnectionSettings", "internal/Collaborators",
     "ClientId", "ServerId", "LoginResult", "CorbaCallbackCommand",
-    "VQDetailedMessageException", "VQBaseException",
+    "VQBaseException",
 )
 ONLY_IN = {
     r"omniORB4/": {"support/orb", "support/orb/omniorb"},

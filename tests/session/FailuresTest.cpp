@@ -11,7 +11,7 @@
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginExceptions.h>
-#include <vq_client_common/session/VQDetailedMessageException.h>
+#include <vq_client_common/session/VQBaseException.h>
 
 namespace vq::test {
 namespace {

@@ -30,15 +30,24 @@
 #ifndef VQ_CLIENT_COMMON_CONNECTIVITY_TROUBLESHOOTCONNECTION_H
 #define VQ_CLIENT_COMMON_CONNECTIVITY_TROUBLESHOOTCONNECTION_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include <support/Export.h>
 #include <support/orb/Corba.h>
-#include <vq_client_common/connectivity/IPAddressInfo.h>
 #include <vq_client_common/session/ServerId.h>
 
 class QCSOrbCommon;
+
+// One address of this host that a client can publish to servers. The library sets the two texts;
+// the other members are for the client program.
+struct IPAddressInfo {
+  std::string ipAddress;       // such as "10.1.2.3"
+  std::string hostName;        // from the resolver; the address again where it has no name
+  bool isTested = false;       // set by the client program: it has made a trial
+  std::int32_t roundTrip = 0;  // set by the client program: the duration in milliseconds
+};
 
 // The operations around callbacks; none raises an exception.
 //

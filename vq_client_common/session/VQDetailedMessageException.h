@@ -1,7 +1,0 @@
-// VQDetailedMessageException, which VQBaseException.h declares.
-#ifndef VQ_CLIENT_COMMON_SESSION_VQDETAILEDMESSAGEEXCEPTION_H
-#define VQ_CLIENT_COMMON_SESSION_VQDETAILEDMESSAGEEXCEPTION_H
-
-#include <vq_client_common/session/VQBaseException.h>
-
-#endif  // VQ_CLIENT_COMMON_SESSION_VQDETAILEDMESSAGEEXCEPTION_H
