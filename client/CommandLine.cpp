@@ -124,6 +124,7 @@ std::string WhyInvalid(const SharedOption& option, const std::string& text) {
   if (text.empty()) return "it is empty";
   if (!option.IsOrb()) return "";
   const std::string value = OrbValue(option, text);
+  if (value.ends_with(":/NameService")) return quoted + "not HOST:PORT";
   const std::array<const char*, 3> arguments{"vqclient", option.setting.c_str(), value.c_str()};
   for (const vq::Setting& setting : vq::ReportSettings(CLIENT_CLI, 3, arguments.data())) {
     const bool isThis = setting.value.find(option.setting) != std::string::npos;

@@ -174,6 +174,7 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"config set server central --system", 0, "vqclient: server = central", "", name},
       {"config set kind X", 2, "", "not one of GSR"},
       {"config set call-timeout 0", 2, "", "milliseconds"},
+      {"config set naming host:", 2, "", "'host:' is not HOST:PORT"},
       {"config set servr X", 2, "", "did you mean 'server'?"},
       {"config set server-names *.site", 0, "default: -SSLServerNames = *.site"},
       {"config unset server-names", 0, "-SSLServerNames is not set"},
