@@ -5,7 +5,6 @@
 #include <support/configuration/ConfigDocument.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const vq::XmlSession xml;  // Starting anew for each input would take most of the time.
   vq::ConfigDocument document;
   std::string error;
   if (!document.Parse(vq::Text(data, size), error)) {

@@ -45,12 +45,11 @@ ConfigScopes Over(const ConfigScopes& own, ConfigScopes weaker) {
   return weaker;
 }
 
-// Runs `step`, which returns a bool, with the XML library started. A start takes 2 ms, so the
-// library stays started once it was needed.
+// Runs `step`, which returns a bool, with the XML library started.
 template <class Step>
 bool Guarded(std::string& error, Step step) {
   try {
-    [[maybe_unused]] static const vq::XmlSession& xml = *new vq::XmlSession;
+    vq::KeepXmlStarted();
     return vq::CatchXml(error, step);
   } catch (const xercesc::XMLException&) {
     error = "the XML library does not start";

@@ -1,5 +1,6 @@
 #include <support/configuration/ConfigDocument.h>
 
+#include <support/configuration/Xml.h>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
@@ -36,10 +37,6 @@ std::unique_ptr<Object, CallRelease> Released(Object* object) {
 
 xercesc::DOMImplementation* Implementation() {
   return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
-}
-
-xercesc::DOMDocument* NewDomain() {
-  return Implementation()->createDocument(nullptr, u"domain", nullptr);
 }
 
 bool HasTag(const DOMElement* element, const char16_t* tag) {
@@ -127,7 +124,10 @@ void RemoveAll(DOMElement* parent, const char16_t* tag, const std::u16string& na
 
 }  // namespace
 
-ConfigDocument::ConfigDocument() : m_document(NewDomain()) {}
+ConfigDocument::ConfigDocument() {
+  KeepXmlStarted();
+  m_document.reset(Implementation()->createDocument(nullptr, u"domain", nullptr));
+}
 
 ConfigDocument::~ConfigDocument() = default;
 

@@ -21,7 +21,6 @@
 #include <xercesc/util/XercesDefs.hpp>
 
 #include <support/configuration/ConfigAPI.h>
-#include <support/configuration/Xml.h>
 
 XERCES_CPP_NAMESPACE_BEGIN
 class DOMDocument;
@@ -55,7 +54,6 @@ class ConfigDocument {
   std::optional<std::string> Text() const;
 
  private:
-  XmlSession m_xml;  // before the document, which must go first
   std::unique_ptr<XERCES_CPP_NAMESPACE::DOMDocument, CallRelease> m_document;
 };
 

@@ -37,6 +37,10 @@ void StopXml() {
   xercesc::XMLPlatformUtils::Terminate();
 }
 
+void KeepXmlStarted() {
+  [[maybe_unused]] static const bool kStarted = (StartXml(), true);
+}
+
 SafeXmlParser::SafeXmlParser() {
   setValidationScheme(Val_Never);
   setDoNamespaces(false);

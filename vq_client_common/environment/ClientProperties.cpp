@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdio>
 #include <iterator>
-#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -150,9 +149,8 @@ bool ClientProperties::LoadProperties() {
     VQ_LOG(diag, 1) << "Args file parsing had errors";
     return false;
   }
-  std::optional<vq::XmlSession> xml;  // a copy may outlive the instance that started the library
   try {
-    xml.emplace();
+    vq::KeepXmlStarted();  // a copy may outlive the instance that started the library
   } catch (const xercesc::XMLException&) {
     VQ_LOG(diag, 1) << "Error during XML initialization";
     return false;

@@ -65,8 +65,8 @@ void AddClientProduct(std::list<Setting>& settings) {
   std::list<std::string> patches;
   const bool found = GetProductVersion("NFT", version, patches) == 1;
   for (const std::string& patch : patches) version += " " + patch;
-  settings.push_back({"client", "product NFT", version,
-                      found ? InstalledProductsFile() : "not set"});
+  settings.push_back(
+      {"client", "product NFT", version, found ? InstalledProductsFile() : "not set"});
 }
 
 }  // namespace
