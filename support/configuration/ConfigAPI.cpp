@@ -15,8 +15,7 @@ namespace {
 using vq::ConfigChange;
 using vq::ConfigDocument;
 using vq::ConfigScopes;
-
-constexpr char kDefaultScope[] = "default";
+using vq::kDefaultScope;
 
 // The file that is read and replaced. A symbolic link is followed, so that a save replaces the file
 // that it names and not the link.

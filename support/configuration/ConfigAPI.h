@@ -38,6 +38,9 @@ class ConfigDocument;
 using ConfigVariables = std::map<std::string, std::string>;
 using ConfigScopes = std::map<std::string, ConfigVariables>;
 
+// The scope whose variables apply in every scope that does not set them itself.
+inline constexpr const char* kDefaultScope = "default";
+
 struct ConfigChange {
   enum class Kind { kSetVar, kRemoveVar, kRemoveScope };
   Kind kind;
@@ -91,6 +94,9 @@ class ConfigAPI {
 
   // The names of the scopes: "default" first where there is one, then the others in byte order.
   std::list<std::string> GetScopes() const;
+
+  // Every scope with its own variables.
+  const vq::ConfigScopes& Scopes() const { return m_scopes; }
 
   // Puts every variable that applies in `scope` into `table`, replacing entries of the same name:
   // the scope's own values, and those of "default" that it does not set itself. An unknown scope

@@ -31,7 +31,7 @@ namespace {
 
 TDiagRegister diagModule("TroubleshootConnection");
 
-using vq::connectivity::kDefaultScope;
+using vq::kDefaultScope;
 using vq::orb::kBiDirPolicy;
 using vq::orb::kListenEndpoints;
 

@@ -1,6 +1,5 @@
 #include <vq_client_common/session/StoredSettings.h>
 
-#include <map>
 #include <memory>
 
 #include <support/configuration/ConfigAPI.h>
@@ -19,10 +18,7 @@ std::list<StoredSetting> ReadStoredSettings(std::string& error) {
       continue;
     }
     for (const std::string& scope : layer->GetScopes()) {
-      std::map<std::string, std::string> variables;
-      layer->GetScopeAndDefaultVars(scope, variables);
-      for (const auto& [name, value] : variables) {
-        if (!layer->GetVar(scope, name)) continue;  // the value is that of "default"
+      for (const auto& [name, value] : layer->Scopes().at(scope)) {
         settings.push_back({scope, name, value, directory + domain + ".xml"});
       }
     }

@@ -16,8 +16,6 @@ class QCSOrbCommon;
 
 namespace vq::connectivity {
 
-inline constexpr const char* kDefaultScope = "default";
-
 // Removes the scopes of processes that were killed during a trial. The next Save of the domain
 // writes the change.
 void SweepTrialScopes(ConfigAPI& domain);
