@@ -208,7 +208,7 @@ TEST_F(DoctorTest, FindsNothingBadOnAHealthyHostAndNoConnectionThatIsNotThere) {
   EXPECT_EQ(outcome.code, 0);
   if (ThisProduct().tellsConnection) {
     EXPECT_THAT(outcome.output, HasSubstr("[note] callback over the client's connection "
-                                          "(bidirectional IIOP): the server opened"));
+                                          "(bidirectional IIOP): the server called"));
   }
   EXPECT_THAT(outcome.output, Not(HasSubstr("[BAD]")));
 }

@@ -28,29 +28,29 @@ class VQ_CLIENT_COMMON_API ORBEndpoint {
     std::int32_t portSpan = 0;  // how many ports to try, beginning with `port`
   };
 
-  // All texts empty, all numbers 0. That is not the default endpoint: the reuse address is 0, so
+  // All strings empty, all numbers 0. That is not the default endpoint: the reuse address is 0, so
   // toString returns "iiop:///reuse_addr=0".
   ORBEndpoint() = default;
 
-  // Parses a text that contains "iiop://" anywhere, as fromString does. Any other text is logged at
-  // level 2, and the object is empty. Raises as fromString.
+  // Parses a string that contains "iiop://" anywhere, as fromString does. Any other string is
+  // logged at level 2, and the object is empty. Raises as fromString.
   explicit ORBEndpoint(const std::string& text);
 
   // Sets the parts that `text` contains; other parts are unchanged. Returns false when a part is
-  // invalid: that part is logged at level 2 and unchanged, the others are set. The empty text
+  // invalid: that part is logged at level 2 and unchanged, the others are set. The empty string
   // changes nothing and returns true. Raises std::out_of_range ("invalid string position") for a
   // text shorter than "iiop://", and for a ";" with at most five characters after it.
   bool fromString(const std::string& text);
 
-  // The endpoint as a text. Numbers that are 0 and empty texts are left out, but for the reuse
+  // The endpoint as a string. Numbers that are 0 and empty strings are left out, but for the reuse
   // address: 0 is written, any other value is left out.
   std::string toString() const;
 
-  // Whether no port and no text is set, and the reuse address is not 0. The port span is not
+  // Whether no port and no string is set, and the reuse address is not 0. The port span is not
   // tested.
   bool isDefault() const;
 
-  // The host to listen on; empty for every interface. Any text is accepted.
+  // The host to listen on; empty for every interface. Any string is accepted.
   std::string getHostname() const { return m_hostname; }
   void setHostname(const std::string& hostname) { m_hostname = hostname; }
 

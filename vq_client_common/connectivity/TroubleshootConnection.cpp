@@ -104,11 +104,8 @@ bool TryCallback(const TDiagFunc& diag, QCSOrbCommon& orb, std::string& error, l
     roundTripMs = static_cast<long>(taken);
     VQ_LOG(diag, 4) << "GSR called me back, round-trip time: " << roundTripMs;
     if (OffersOwnConnection(orb) && !servant->WasOverOwnConnection()) {
-      vq::orb::NoteCause(
-          "the server opened a connection of its own to call back: it does not "
-          "accept calls back over the client's");
-      VQ_LOG(diag, 1) << "GSR opened a connection of its own to call me back: it does not accept "
-                      << "calls back over the client's";
+      vq::orb::NoteCause("the server called back over a new connection, not by bidirectional IIOP");
+      VQ_LOG(diag, 1) << "GSR called me back over a new connection, not by bidirectional IIOP";
     }
     return true;
   }

@@ -40,7 +40,7 @@
 
 class QCSOrbCommon;
 
-// One address of this host that a client can publish to servers. The library sets the two texts;
+// One address of this host that a client can publish to servers. The library sets the two strings;
 // the other members are for the client program.
 struct IPAddressInfo {
   std::string ipAddress;       // such as "10.1.2.3"
@@ -65,7 +65,7 @@ class VQ_CLIENT_COMMON_API TroubleshootConnection {
   // ORB choose; with `isMask` it is an IP mask. `biDir`: whether to use bidirectional IIOP. True
   // when the server called back; `roundTripMs` is then the duration. False, with `roundTripMs`
   // unchanged, otherwise; GL_GetFailureCause (GlobalFuncs.h) returns the reason, also when with
-  // `biDir` the server opened its own connection to call back.
+  // `biDir` the server called back over a new connection.
   //
   // The trial writes a scope to the configuration domain and removes it at the end. A failure to
   // write is logged at level 1, and the trial uses the settings nevertheless.
@@ -74,11 +74,12 @@ class VQ_CLIENT_COMMON_API TroubleshootConnection {
 
   // Lets the session's server call back an object of `orb` within `timeout` milliseconds, such as
   // that of `ORBCommon<1>::Get()`. True when it did; `roundTripMs` is then the duration. False
-  // otherwise, also for a null `orb`; `error` may be the reason, for the user.
+  // otherwise, also for a null `orb`; `error` is then the reason for the user, and is unchanged
+  // after a CORBA user exception.
   static bool TestCallback(QCSOrbCommon* orb, std::string& error, long& roundTripMs, long timeout);
 
   // Changes an endpoint (ORBEndpoint.h) to publish `hostInIOR` and to listen on every interface.
-  // Invalid parts of the endpoint are removed; a text that cannot be parsed at all is unchanged.
+  // Invalid parts of the endpoint are removed; a string that cannot be parsed at all is unchanged.
   static void TransformEndpoint(std::string& endpoint, const std::string& hostInIOR);
 
   // Writes these settings to every scope of the configuration domain. Clients use them after their

@@ -63,7 +63,7 @@ TArchive::TArchive(std::iostream* stream, unsigned int mode, int /*unused*/, voi
 TArchive::~TArchive() {
   try {
     Close();
-  } catch (...) {  // A stream that is set to raise raises what its buffer raised.
+  } catch (...) {  // of a stream that is set to raise exceptions
   }
   Abort();
 }
@@ -106,8 +106,8 @@ TArchive& TArchive::WritePlain(T value) {
 
 TArchive& TArchive::operator<<(const std::string& value) {
   std::iostream& stream = Stream();
-  // Intentional: without the flag a text is written as zero bytes; loading programs skip it by its
-  // length.
+  // Intentional: without the flag a string is written as zero bytes; loading programs skip it by
+  // its length.
   std::string body(value.size(), '\0');
   if (m_encrypt) StupidEncrypt(value, body);
   std::string record = std::to_string(value.size() + 1) + kSeparator;

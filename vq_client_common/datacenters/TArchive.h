@@ -1,9 +1,9 @@
 // Stores values in a stream one after the other, or loads them from it.
 //
 // Terms. A *record* is one stored value: the length of its text plus one in decimal digits, ";",
-// the text enciphered by StupidEncrypt, and 0x0A. The record of an empty text is "1;" and 0x0A. A
+// the text enciphered by StupidEncrypt, and 0x0A. The record of an empty string is "1;" and 0x0A. A
 // stream has no header and no names, so a reader must know the order of the values. The *decrypt
-// type* defines how values are read. The cipher hides a text from a casual reader and protects
+// type* defines how values are read. The cipher hides a string from a casual reader and protects
 // nothing.
 //
 //   std::stringstream stream;
@@ -33,7 +33,7 @@
 // code 0 and without a message.
 class VQ_CLIENT_COMMON_API TArchiveException {
  public:
-  // Copies `message`; null counts as an empty text.
+  // Copies `message`; null counts as an empty string.
   TArchiveException(int code, const char* message)
       : m_code(code), m_message(message != nullptr ? message : "") {}
   TArchiveException(const TArchiveException&) = default;
@@ -110,7 +110,7 @@ class VQ_CLIENT_COMMON_API TArchive {
   TArchive& operator<<(const char*) = delete;  // would be taken as a bool
 
   // Each loads one value and returns this archive. The text of a number in a record has at most 50
-  // bytes. An integer that does not fit the target is reduced to its low bits; a text that is no
+  // bytes. An integer that does not fit the target is reduced to its low bits; a string that is no
   // number is 0.
   TArchive& operator>>(std::string& value);
   TArchive& operator>>(bool& value);

@@ -34,7 +34,7 @@
 struct QCSCommAdminStruct;  // the server's administration record: <vq_idl/AdministrationRecordsC.h>
 class QCSDBJob;             // a job record; known by name alone
 
-// One data center. All texts are empty at first, all numbers 0, all flags false. A copy has every
+// One data center. All strings are empty at first, all numbers 0, all flags false. A copy has every
 // field but the SMART-tables flag of the version (TVltVersion.h).
 class VQ_CLIENT_COMMON_API TDC {
  public:
@@ -169,8 +169,8 @@ class VQ_CLIENT_COMMON_API TDC {
                                       bool& newDayValid, std::string& err);
 
   // Checks a clock time. Returns 1, with `err` empty, for 0000 to 2400 with minutes below 60; 0,
-  // with a message for the user in `err`, otherwise. A text that is no number counts as 0, which is
-  // valid.
+  // with a message for the user in `err`, otherwise. A string that is no number counts as 0, which
+  // is valid.
   static int CheckTimeHHMMNoTimeSynonym(const std::string& time, std::string& err);
 
  private:

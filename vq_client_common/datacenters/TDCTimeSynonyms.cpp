@@ -44,7 +44,7 @@ bool IsNewDayLength(std::size_t length) {
   return length == kHhmmLength || length == kMarkedNewDayLength;
 }
 
-// The HHMM part of a new-day time; a text of any length but five is used as it is.
+// The HHMM part of a new-day time; a string of any length but five is used as it is.
 std::string_view HhmmOfNewDay(std::string_view newDay) {
   return newDay.size() == kMarkedNewDayLength ? newDay.substr(1) : newDay;
 }

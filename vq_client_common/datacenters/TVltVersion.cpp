@@ -109,7 +109,7 @@ TVltVersion& TVltVersion::operator=(const TVltVersion& other) {
 
 void TVltVersion::SetTypeVer(TVltType type, const std::string& version,
                              const std::string& fixPack) {
-  std::string level = StoredFixPackLevel(fixPack);  // first: both texts may belong to this object
+  std::string level = StoredFixPackLevel(fixPack);  // first: both strings may belong to this object
   m_type = type;
   m_version = version;
   m_fixPack = std::move(level);
@@ -169,7 +169,7 @@ void TVltVersion::UNIXLong2Short(std::string& text) {
   text = kUnixShort;
 }
 
-// Intentional: any text but the short form becomes the long one; clients offer it as the default.
+// Intentional: any string but the short form becomes the long one; clients offer it as the default.
 void TVltVersion::UNIXShort2Long(std::string& text) {
   if (text != kUnixShort) text = kUnixLong;
 }

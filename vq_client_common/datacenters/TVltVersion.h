@@ -1,7 +1,7 @@
 // The version of a data center's scheduler, and the features of that version.
 //
 // Terms. The *type* is the platform: mainframe, distributed, AS/400 or VAX/VMS. The *version* is a
-// text of three characters such as "620" or "62A"; the *fix-pack level* is a text such as "20",
+// string of three characters such as "620" or "62A"; the *fix-pack level* is a string such as "20",
 // empty for none. Versions are compared as texts, byte by byte: "50G" is below "600", "62A" is
 // above "620", an empty version is below all others.
 //
@@ -91,7 +91,7 @@ class VQ_CLIENT_COMMON_API TVltVersion {
   // The type's name in the server's data: "MVS", "UNIX", "AS/400", "VAX/VMS" or "Unknown".
   std::string TypeAsPLATFORMString() const;
 
-  // The type of a name of either kind, case sensitive; VLT_TYPE_UNKNOWN for any other text.
+  // The type of a name of either kind, case sensitive; VLT_TYPE_UNKNOWN for any other string.
   static TVltType TypeFromString(const std::string& text);
   // Type and name of a platform number; VLT_TYPE_UNKNOWN and "MVS" for an unknown number.
   static TVltType PLATFORMtoType(PLATFORM_TYPE platform);
@@ -110,7 +110,7 @@ class VQ_CLIENT_COMMON_API TVltVersion {
 
   // Sets `text` to "UNIX", whatever it was.
   static void UNIXLong2Short(std::string& text);
-  // Sets any text but "UNIX" to "UNIX/Windows/TANDEM". (So "UNIX" itself is unchanged.)
+  // Sets any string but "UNIX" to "UNIX/Windows/TANDEM". (So "UNIX" itself is unchanged.)
   static void UNIXShort2Long(std::string& text);
 
   // Append the platforms that a new data center may have, or the versions of a type, newest first.

@@ -53,8 +53,8 @@ std::string Escaped(const std::string& value) {
   return escaped;
 }
 
-// Intentional: "%s" in a text takes the next replacement, so the closing tag keeps its "%s". Other
-// programs that write the file do the same.
+// Intentional: "%s" in a string takes the next replacement, so the closing tag keeps its "%s".
+// Other programs that write the file do the same.
 std::string EntryLine(const std::string& key, const std::string& value) {
   return vq::Filled("\t<%s>%s</%s>\n", {key, Escaped(value), key});
 }

@@ -65,7 +65,7 @@ class VQ_CLIENT_COMMON_API CmdParser {
   bool parse(std::string&);
 
   // The first value given for `name`. When there is no such parameter and short names are accepted,
-  // the first value given for `shortName`, unless that is empty. An empty text when there is none.
+  // the first value given for `shortName`, unless that is empty. Empty when there is none.
   std::string param(const std::string& name, const std::string& shortName) const;
 
   // All parameters in the order of their names; equal names in the order of the command line. The

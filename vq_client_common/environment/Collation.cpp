@@ -11,8 +11,8 @@
 
 namespace {
 
-// Represents a byte that begins no character, in the range of the surrogates, which no encoding
-// uses. (A comparison by bytes of such texts only would make the order inconsistent.)
+// Added to a byte that begins no character: the range of the surrogates, which no encoding uses.
+// (To compare only such strings by bytes would make the order inconsistent.)
 constexpr wchar_t kBadByte = 0xDC00;
 
 std::wstring Decode(const char* text, std::size_t mostCharacters) {

@@ -36,7 +36,7 @@ extern "C" VQ_CLIENT_COMMON_API int get_locale(const char* language, char* local
 
 // Sets the locale of the process, for all categories, to the one that get_locale finds. Returns its
 // name. When none is found, and for "use_account_locale", it sets the locale of the environment
-// (LC_ALL, LC_..., LANG) and returns an empty text. For a locale that the host does not have, the
+// (LC_ALL, LC_..., LANG) and returns an empty string. For a locale that the host does not have, the
 // current locale stays, and the name is returned nevertheless. The result is logged at level 4. No
 // other thread may use the locale meanwhile.
 VQ_CLIENT_COMMON_API std::string SetLocaleByLanguage(const std::string& language);

@@ -47,7 +47,7 @@ class VQ_CLIENT_COMMON_API UserPass {
     STAT_BAD_FILE_FORMAT = 10
   };
 
-  // Copies the three texts; an empty one counts as not given.
+  // Copies the three strings; an empty one counts as not given.
   UserPass(const std::string& user, const std::string& password, const std::string& passFile);
   UserPass(const UserPass& other) = default;
   UserPass& operator=(const UserPass& other);
@@ -103,7 +103,7 @@ class VQ_CLIENT_COMMON_API UserPass {
 namespace vq {
 
 // A function that sets a user name and a password, where they are empty. Returns the reason when it
-// cannot, and an empty text otherwise.
+// cannot, and an empty string otherwise.
 using CredentialSource = std::function<std::string(std::string& user, SecretString& password)>;
 
 // A source that asks on the console for what is missing, as UserPass does.

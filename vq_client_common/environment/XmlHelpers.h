@@ -16,10 +16,10 @@
 #include <xercesc/dom/DOMNodeFilter.hpp>
 #include <xercesc/util/XercesDefs.hpp>
 
-// A text of Xerces-C, converted to the encoding of the process's locale.
+// A string of Xerces-C, converted to the encoding of the process's locale.
 class VQ_CLIENT_COMMON_API StrX {
  public:
-  // Converts a text that ends with a zero; null counts as an empty text. A character that the
+  // Converts a string that ends with a zero; null counts as an empty string. A character that the
   // encoding does not have is replaced by another.
   explicit StrX(const XMLCh* text);
   ~StrX();

@@ -1,8 +1,9 @@
 // The numbers of the suite's client programs.
 //
 // Each client program has a name in its registration at the server, a short name for its ORB, and a
-// name for users; its ORB may be that of a pure client. No name can be derived from another.
-// ClientIDtoString returns the name for users, ConnectionSettings the others.
+// name for users. No name can be derived from another. ClientIDtoString returns the name for users,
+// ConnectionSettings the others. The ORB of a *pure client* does not listen for callbacks when it
+// starts.
 //
 //   std::cout << ClientIDtoString(CLIENT_CLI) << '\n';   // VELTRA-M/VQ CLI
 #ifndef VQ_CLIENT_COMMON_SESSION_CLIENTID_H

@@ -96,7 +96,7 @@ class VQ_CLIENT_COMMON_API ConnectionSettings {
   std::string m_userName;
   std::string m_dbUserName;
   std::string m_password;
-  std::string m_encodedPassword;
+  std::string m_encodedPassword;  // measured by SetPassword; GetPassword encodes again
   CLIENT_ID m_clientId = CLIENT_UNKNOWN;
   std::string m_userId;
   bool m_connected = false;  // not read: IsConnected tests the user ID

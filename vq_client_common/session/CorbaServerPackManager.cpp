@@ -25,6 +25,7 @@ CORBA::Object_ptr CorbaServerPackManager::FindItem(const char* name, SERVER_ID s
 void CorbaServerPackManager::InsertItem(const char* name, SERVER_ID serverId,
                                         CORBA::Object_ptr object) {
   const TDiagFunc diag(diagModule, "CorbaServerPackManager::InsertItem");
+  // Intentional: no lock, and an earlier reference is not released: its callers may still use it.
   m_items[Key(name, serverId)] = object;
 }
 

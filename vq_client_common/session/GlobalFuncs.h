@@ -98,7 +98,7 @@ VQ_CLIENT_COMMON_API int GL_LogOut(bool destroyOrb);
 // "gui"/"RegisterTimeout", if above 0; 600. May make a remote call.
 VQ_CLIENT_COMMON_API long GL_GetCRBRegisterTimeOut();
 
-// Sets `message` to a warning when the client's certificate expires soon, and to the empty text
+// Sets `message` to a warning when the client's certificate expires soon, and to the empty string
 // otherwise; LoginHandler::CheckSSLCertificateExpiration has the details. Returns 1.
 VQ_CLIENT_COMMON_API int GL_CheckSSLCertificateExpiration(std::string& message);
 

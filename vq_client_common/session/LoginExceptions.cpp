@@ -42,7 +42,7 @@ std::string UserAuthText(const std::string& user) {
 std::string NoServerText() {
   const std::string server = ConnectionSettings::Get()->GetServerName();
   QCSCorbaUsersManager_ptr users;
-  std::string cause = vq::orb::TakeCause();  // The look-up forgets it.
+  std::string cause = vq::orb::TakeCause();  // The look-up clears it.
   // Without a probe: the reference has the server's address even when the server does not run.
   const int found = vq::session::GetUsersManager(users, vq::session::SessionServerId(), false);
   vq::orb::NoteCause(std::move(cause));

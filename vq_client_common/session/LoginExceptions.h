@@ -29,7 +29,7 @@
 // The base class of these exceptions. Catch by non-const reference, since `handle` is not const.
 // The destructor is not virtual: do not delete an object through a pointer to the base.
 //
-// Objects hold copies of all texts and may be passed to another thread. The constructors read
+// Objects hold copies of all strings and may be passed to another thread. The constructors read
 // ConnectionSettings, so they run on the thread of the session.
 class VQ_CLIENT_COMMON_API BaseLoginEx {
  public:

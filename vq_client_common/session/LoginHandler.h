@@ -77,7 +77,7 @@ class VQ_CLIENT_COMMON_API LoginHandler {
 
   // Sets `message` to a warning when the client's certificate expires within the number of days of
   // the server parameter "general"/"WarningSSLExpirationDays" (60 when it cannot be read), and to
-  // the empty text otherwise, without a certificate too. Returns 1.
+  // the empty string otherwise, without a certificate too. Returns 1.
   int CheckSSLCertificateExpiration(std::string& message);
 
   // Owned by this object, valid as long as it, never null.

@@ -34,7 +34,7 @@ void i18n_aux::init_globa_c(bool bIsOnline, SERVER_ID serverId) {
   if (Osl_UnicodeConfiguration::is32BitEncapsolatedMode()) directory += "32";
   Osl_UnicodeConfiguration::Init({.mode = mode, .directory = directory});
   Osl_UnicodeConfiguration::SetCJKMode(isCJK);
-  // The one line of the library in a class of its own.
+  // The library's only log line with a class other than the default.
   VQ_LOG_CLASS(diag, 4, 0x800000)
       << "[I18N**]: initialization of globa-c for i18n support with: bIsOnline=" << bIsOnline
       << ", current encodeing=" << Osl_UnicodeConfiguration::GetCurrentEncoding()

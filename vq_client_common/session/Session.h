@@ -45,7 +45,8 @@ struct SessionOptions {
   // Called with the server's message when the password has expired. Returns the new password, or an
   // empty one to end the login.
   std::function<SecretString(const std::string& message)> newPassword = nullptr;
-  // Of a session without keep-alives. The site's settings replace it (GL_GetCRBRegisterTimeOut).
+  // The server ends the session after this time without a keep-alive. With `postLogin` the site's
+  // setting replaces it at the server (GL_GetCRBRegisterTimeOut).
   std::chrono::seconds timeOut{600};
   std::string namingService{};  // "corbaloc:iiop:HOST:PORT/NameService"; empty: from the settings
   std::vector<std::string> orbArguments{};  // the command line, for its -ORB options; may be empty
@@ -69,7 +70,8 @@ class VQ_CLIENT_COMMON_API Session {
   static std::optional<Session> Open(SessionOptions options, LoginError& error);
 
   // Logs out, and ends the ORB if this object started it. Takes at most one time-out for the logout
-  // and one for a call that another thread is making. Never throws. std::exit does the same.
+  // and one for a call that another thread is making. Never throws. std::exit ends a session in the
+  // same way.
   ~Session() = default;
   Session(Session&&) noexcept = default;
   Session& operator=(Session&&) noexcept = default;

@@ -38,7 +38,9 @@ StoreResult StoreSetting(const std::string& scope, const std::string& name,
   } else if (!value) {
     file->RemoveVar(scope, name);
   } else if (!file->SetVar(scope, name, *value)) {
-    result.error = "the value of " + name + " is no text that the file can hold";
+    result.error = "'" + name +
+                   "' cannot be stored: its scope or name is empty, or a string has a "
+                   "character that XML does not allow or is not UTF-8";
   }
   if (result.error.empty() && !file->Save()) result.error = file->Error();
   return result;

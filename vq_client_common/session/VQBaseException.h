@@ -15,8 +15,8 @@
 // The severity of a failure. The client program defines the numbers; any int is a valid value.
 enum SEVERITY : int {};
 
-// A failure with its source position, its reason and its numbers. Objects hold copies of all texts
-// and may be passed to another thread.
+// A failure with its source position, its reason and its numbers. Objects hold copies of all
+// strings and may be passed to another thread.
 class VQ_CLIENT_COMMON_API VQBaseException {
  public:
   // `file` and `line`: where the exception is raised; a null `file` counts as empty. `reason`: the

@@ -34,8 +34,8 @@ VQ_CLIENT_COMMON_API void FormatInterval(const std::string& in, std::string& out
 // number has two signs: "-3" becomes "--3". Empty stays empty.
 VQ_CLIENT_COMMON_API void FormatShiftNum(const std::string& in, std::string& out);
 
-// Formats a retention: a text of digits gets at least two digits, or three with `wide`; any other
-// text is copied. With an empty `in`, `out` is unchanged.
+// Formats a retention: a string of digits gets at least two digits, or three with `wide`; any other
+// string is copied. With an empty `in`, `out` is unchanged.
 VQ_CLIENT_COMMON_API void FormatRetentionValues(const std::string& in, std::string& out, bool wide);
 
 // Sets `lines` to the text form of a line buffer: CR LF between the lines, none after the last.

@@ -42,7 +42,7 @@ bool SplitLeftMost(const std::string& path, std::string& left, std::string& righ
 }
 
 bool SplitRightMost(const std::string& path, std::string& left, std::string& right) {
-  const std::string text = path.c_str();  // a copy, as above
+  const std::string text = path.c_str();  // a copy, as above, up to the first zero byte
   const std::size_t position = text.rfind(kTablePathSeparator);
   left = text.substr(0, position);
   // Intentional: without a separator both outputs are the path; callers recognise an outermost

@@ -24,10 +24,10 @@ constexpr std::uint32_t Low32(long long value) {
   return static_cast<std::uint32_t>(value);
 }
 
-// The seconds after midnight of a new-day text; empty for a text that Init cannot use.
+// The seconds after midnight of a new-day text; empty for a string that Init cannot use.
 std::optional<std::int32_t> ReadNewDay(std::string_view newDay) {
   if (newDay.empty() || newDay == "0000") return 0;
-  // Intentional: "0700" is refused, like any other text without five characters; servers send five.
+  // Intentional: "0700" is refused, as it has not five characters; servers send five.
   if (newDay.size() != 5) return std::nullopt;
   const int hours = vq::Atoi(newDay.substr(0, 3));
   const int minutes = vq::Atoi(newDay.substr(3));

@@ -83,7 +83,7 @@ class VQ_CLIENT_COMMON_API ForecastTimesManipulationMP {
                                                           bool useOdat, std::string& reason);
 
   // Whether Init can use this new-day text: five characters such as "+0730" or "07:30", "0000", or
-  // an empty text.
+  // an empty string.
   static bool IsUsableNewDay(const std::string& newDay);
 
   // A flag for client programs, which no conversion uses.
@@ -123,9 +123,9 @@ class VQ_CLIENT_COMMON_API ForecastTimesManipulationMP {
   virtual std::string ConvertTimeToString(long long t, const std::string& dataCenter) const;
 
  protected:
-  // The seconds to add to local time to get UTC, from a text with an offset in brackets: -7200 for
-  // "(GMT+02:00) Jerusalem". 0 for a text without one; missing brackets are logged. Raises
-  // std::out_of_range for fewer than two characters between "(" and ":" or ".".
+  // The seconds to add to local time to get UTC, from an offset in brackets: -7200 for "(GMT+02:00)
+  // Jerusalem". 0 without an offset; missing brackets are logged. Raises std::out_of_range for
+  // fewer than two characters between "(" and ":" or ".".
   int GetUtcOffset(const std::string& timeZoneText);
 
   // The zone that is stored under `key`, or else a new zone from the other arguments. Owned by this
@@ -140,7 +140,7 @@ class VQ_CLIENT_COMMON_API ForecastTimesManipulationMP {
   const DcTimeInfo* FindDcTimeInfo(const std::string& dataCenter) const;
 
   // The record whose name has the same address as the characters of `dataCenter`; null without one.
-  // Equal texts are not enough.
+  // Equal strings are not enough.
   static const QCSCommAdminStruct* GetCommAdminStructByDc(const QCSCommAdminSeq& records,
                                                           const std::string& dataCenter);
 

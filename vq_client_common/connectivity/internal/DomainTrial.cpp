@@ -86,7 +86,7 @@ TrialOrb::TrialOrb(const TrialScope& scope) : m_orb(ORBCommon<2>::Get()) {
     if (std::find(names.begin(), names.end(), setting.name) == names.end()) continue;
     inForce += " " + setting.name + " '" + setting.value + "'";
   }
-  VQ_LOG(diagModule, 4) << "The trial goes by" << inForce;
+  VQ_LOG(diagModule, 4) << "The trial uses" << inForce;
 }
 
 TrialOrb::~TrialOrb() {

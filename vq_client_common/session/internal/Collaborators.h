@@ -1,9 +1,9 @@
-// Functions of the session that are declared below the files that define them, so that no two
-// headers include each other.
+// Functions that files of the session call and that files above them define. They are declared
+// here, so that no lower file includes a higher one.
 //
-// A login loads authorizations and may test a callback; authorizations/ and connectivity/, which
-// are built on the session, define the functions for that. Within the session, the settings read a
-// parameter, and the parameters need the settings.
+// A login loads authorizations and may test a callback; authorizations/ and connectivity/ define
+// the functions for that. Within the session, the settings read a parameter, and the parameters
+// need the settings.
 #ifndef VQ_CLIENT_COMMON_SESSION_INTERNAL_COLLABORATORS_H
 #define VQ_CLIENT_COMMON_SESSION_INTERNAL_COLLABORATORS_H
 
@@ -26,9 +26,8 @@ namespace vq::session {
 ConnectionSettings* SessionSettings();
 SERVER_ID SessionServerId();
 
-// Defined in SystemParameterHandler.cpp: the time-out that the client requests for its session, in
-// seconds. The first is the profile setting [Orb Parameters] RegisterTimeOut, which may be 0 or
-// negative; the second is the result of GL_GetCRBRegisterTimeOut.
+// Defined in SystemParameterHandler.cpp: the profile setting [Orb Parameters] RegisterTimeOut,
+// which may be 0 or negative; and what GL_GetCRBRegisterTimeOut returns. Both in seconds.
 std::optional<int> ProfileTimeOut();
 long ConfiguredTimeOut();
 
