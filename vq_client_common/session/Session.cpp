@@ -68,9 +68,9 @@ struct Session::State : std::enable_shared_from_this<State> {
   std::string message;
   std::recursive_mutex calls;  // recursive, since the client's hooks may call members
   std::chrono::steady_clock::time_point lastAlive;
-  bool silent = false;    // the last keep-alive had no answer
-  bool refused = false;   // the last renewal was refused; another could lock the account
-  bool reported = false;  // onLost was called for this loss
+  bool silent = false;                 // the last keep-alive had no answer
+  std::atomic<bool> refused = false;   // the last renewal was refused; more could lock the account
+  std::atomic<bool> reported = false;  // onLost was called for this loss
   std::vector<CORBA::Object_var> oldReferences;
 };
 
@@ -250,7 +250,7 @@ void Session::State::LookAfter() {
   } catch (const std::exception&) {  // no memory; the next attempt may succeed
     return;
   }
-  if (!std::exchange(reported, true) && options.onLost) options.onLost();
+  if (!reported.exchange(true) && options.onLost) options.onLost();
 }
 
 Session::Session(SessionOptions options) {
