@@ -21,7 +21,7 @@ struct Setting {
   std::string group;   // "locations", "ORB", "log", "session", "client"
   std::string name;    // as the user writes it
   std::string value;   // empty when it has none; the error for a setting that cannot be read
-  std::string origin;  // "environment", "command line", a file, "built in", "not set"
+  std::string origin;  // a file, or words such as "command line", "environment, VQ_HOME", "not set"
 };
 
 // The settings that a client of that kind would find now with that command line; `argv` may be null

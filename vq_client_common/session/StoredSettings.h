@@ -37,13 +37,15 @@ struct StoreResult {
   std::string error;  // why the file was not changed; empty after a success
 };
 
-// All values of all layers, the user's layer first, in each layer by scope and name. A layer that
-// cannot be read is left out; `error` has the reason of the first, and is empty without one. No
-// thread may change the environment during this call and the next.
+// All values of all layers: the user's layer first; in each layer the scope "default" first, the
+// others by name; in each scope by name. A layer that cannot be read is left out; `error` has the
+// reason of the first, and is empty without one. No thread may change the environment during this
+// call and the next.
 VQ_CLIENT_COMMON_API std::list<StoredSetting> ReadStoredSettings(std::string& error);
 
-// Sets a value in one layer, or removes it there when `value` is empty; to remove a value that is
-// not there is no error. The rest of the file is unchanged. After a success the value is on disk.
+// Sets a value in one layer, or removes it there when `value` is std::nullopt; to remove a value
+// that is not there is no error. `scope` and `name` must not be empty. The rest of the file is
+// unchanged. After a success the value is on disk.
 VQ_CLIENT_COMMON_API StoreResult StoreSetting(const std::string& scope, const std::string& name,
                                               const std::optional<std::string>& value,
                                               SettingsLayer layer);
