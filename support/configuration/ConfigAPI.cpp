@@ -44,18 +44,6 @@ ConfigScopes Over(const ConfigScopes& own, ConfigScopes weaker) {
   return weaker;
 }
 
-// Runs `step`, which returns a bool, with the XML library started.
-template <class Step>
-bool Guarded(std::string& error, Step step) {
-  try {
-    vq::KeepXmlStarted();
-    return vq::CatchXml(error, step);
-  } catch (const xercesc::XMLException&) {
-    error = "the XML library does not start";
-    return false;
-  }
-}
-
 }  // namespace
 
 ConfigAPI::ConfigAPI(const std::string& directory, const std::string& name,
@@ -82,7 +70,7 @@ std::optional<ConfigScopes> ConfigAPI::ReadScopes(const std::string& path) {
   std::error_code error;
   if (path.empty() || (!std::filesystem::exists(path, error) && !error)) return ConfigScopes();
   std::optional<ConfigScopes> scopes;
-  Guarded(m_error, [&] {
+  vq::WithXml(m_error, [&] {
     ConfigDocument document;
     if (!ReadInto(path, document)) return false;
     scopes = document.Scopes();
@@ -112,7 +100,7 @@ bool ConfigAPI::Save() {
   std::filesystem::create_directories(std::filesystem::path(m_path).parent_path(), failure);
   const vq::FileLock lock(m_path + ".lock", m_wait);
   if (!lock.Held()) return Complain(lock.Error());
-  return Guarded(m_error, [this] {
+  return vq::WithXml(m_error, [this] {
     ConfigDocument document;
     if (!ReadInto(m_path, document)) return false;
     for (const ConfigChange& change : m_changes) document.Apply(change);
@@ -137,7 +125,7 @@ std::optional<std::string> ConfigAPI::GetVar(const std::string& scope,
 bool ConfigAPI::SetVar(const std::string& scope, const std::string& name,
                        const std::string& value) {
   std::string ignored;
-  const bool canBeWritten = Guarded(ignored, [&] {
+  const bool canBeWritten = vq::WithXml(ignored, [&] {
     return !scope.empty() && !name.empty() && vq::XmlFromUtf8(scope) && vq::XmlFromUtf8(name) &&
            vq::XmlFromUtf8(value);
   });

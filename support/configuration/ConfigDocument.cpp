@@ -137,7 +137,7 @@ bool ConfigDocument::Parse(std::string_view text, std::string& error) {
                                           text.size(), u"domain");
   SafeXmlParser parser;
   parser.setErrorHandler(&firstError);
-  const bool isRead = CatchXml(error, [&] {
+  const bool isRead = WithXml(error, [&] {
     parser.parse(source);
     return true;
   });

@@ -59,10 +59,16 @@ std::optional<std::u16string> XmlFromUtf8(std::string_view text);
 // Null gives the empty string.
 std::string Utf8FromXml(const char16_t* text);
 
-// Runs `step`, which returns a bool. Returns false, with the text of the exception in `error`, when
-// Xerces throws one.
+// Runs `step`, which returns a bool, with Xerces started by KeepXmlStarted. Returns false, with the
+// reason in `error`, when Xerces does not start or throws an exception.
 template <class Step>
-bool CatchXml(std::string& error, Step step) {
+bool WithXml(std::string& error, Step step) {
+  try {
+    KeepXmlStarted();
+  } catch (const xercesc::XMLException&) {
+    error = "the XML library does not start";
+    return false;
+  }
   try {
     return step();
   } catch (const xercesc::XMLException& failure) {

@@ -18,7 +18,7 @@
 // returns 1, `version` is its version and `patches` its patches in the order of the file, without
 // blanks around them; the list may be empty. Returns 0, with both unchanged, without such a file or
 // product, or for a product without a version. A bad line of the file is ignored; a line of the log
-// at level 1 names the first one. The file is read again only when it has changed.
+// at level 1 names the first one. The file is read again only when it may have changed.
 //
 // May be called from any thread.
 int GetProductVersion(const std::string& product, std::string& version,
