@@ -2,12 +2,10 @@
 #ifndef VQ_TESTS_CLIENT_CLIENTFIXTURE_H
 #define VQ_TESTS_CLIENT_CLIENTFIXTURE_H
 
-#include <tests/fixture/Environment.h>
 #include <tests/fixture/Server.h>
+#include <tests/fixture/UnitTest.h>
 
 #include <sstream>
-
-#include <gmock/gmock.h>
 
 namespace vq::test {
 

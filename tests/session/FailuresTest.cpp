@@ -1,13 +1,9 @@
 // The exceptions of a failed login, with the texts that they compose, and those for client
 // programs.
 
-#include <gtest/gtest.h>
-
 #include <memory>
 
-#include <tests/fixture/Environment.h>
-#include <tests/fixture/LogCapture.h>
-#include <tests/fixture/TemporaryDirectory.h>
+#include <tests/fixture/UnitTest.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginExceptions.h>

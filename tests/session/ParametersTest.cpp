@@ -2,7 +2,6 @@
 
 #include <tests/fixture/SessionFixture.h>
 
-#include <algorithm>
 #include <clocale>
 
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>

@@ -1,7 +1,5 @@
 // vq::Session: its calls, its end, and its keep-alives.
 
-#include <thread>
-
 #include <tests/fixture/Product.h>
 #include <tests/fixture/SessionFixture.h>
 

@@ -2,14 +2,10 @@
 #include <support/diagnostics/PasswordFile.h>
 #include <support/diagnostics/TDiag.h>
 
-#include <algorithm>
-
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <tests/fixture/LogCapture.h>
-#include <tests/fixture/Rows.h>
+#include <tests/fixture/UnitTest.h>
 #include <tests/support/diagnostics/StandardInput.h>
 
 namespace {

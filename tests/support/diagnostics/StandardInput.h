@@ -7,14 +7,10 @@
 #ifndef VQ_TESTS_SUPPORT_DIAGNOSTICS_STANDARDINPUT_H
 #define VQ_TESTS_SUPPORT_DIAGNOSTICS_STANDARDINPUT_H
 
-#include <optional>
-#include <string>
-
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <tests/fixture/TemporaryDirectory.h>
+#include <tests/fixture/UnitTest.h>
 
 class StandardInput {
  public:

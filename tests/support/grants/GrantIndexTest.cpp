@@ -1,12 +1,9 @@
 #include <support/grants/GrantIndex.h>
 
-#include <algorithm>
 #include <set>
 
-#include <gmock/gmock.h>
-
 #include <benchmarks/GrantGenerator.h>
-#include <tests/fixture/LogCapture.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 

@@ -1,13 +1,10 @@
 #include <support/os_toolkit/os_time_zone.h>
 
-#include <algorithm>
 #include <climits>
 #include <ctime>
-#include <vector>
 
-#include <gtest/gtest.h>
 #include <support/os_toolkit/os_time_and_date.h>
-#include <tests/fixture/Environment.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 

@@ -2,13 +2,10 @@
 #include <support/security/SecretString.h>
 #include <support/security/StupidEncrypt.h>
 
-#include <algorithm>
 #include <memory>
 #include <random>
 
-#include <gtest/gtest.h>
-
-#include <tests/fixture/Rows.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 

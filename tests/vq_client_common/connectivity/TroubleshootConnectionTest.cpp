@@ -2,12 +2,7 @@
 
 #include <memory>
 
-#include <gtest/gtest.h>
-
-#include <tests/fixture/Environment.h>
-#include <tests/fixture/LogCapture.h>
-#include <tests/fixture/Rows.h>
-#include <tests/fixture/TemporaryDirectory.h>
+#include <tests/fixture/UnitTest.h>
 #include <vq_client_common/session/StoredSettings.h>
 
 namespace vq::test {

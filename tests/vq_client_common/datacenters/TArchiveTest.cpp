@@ -4,10 +4,8 @@
 #include <limits>
 #include <sstream>
 
-#include <gtest/gtest.h>
 #include <support/security/StupidEncrypt.h>
-
-#include <tests/fixture/Rows.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 

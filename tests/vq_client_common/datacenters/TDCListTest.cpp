@@ -3,13 +3,8 @@
 #include <vq_client_common/datacenters/TString2Enum.h>
 
 #include <climits>
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
 
-#include <gmock/gmock.h>
-#include <tests/fixture/Rows.h>
-#include <tests/fixture/TemporaryDirectory.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 

@@ -2,9 +2,7 @@
 
 #include <sstream>
 
-#include <gmock/gmock.h>
-
-#include <tests/fixture/Rows.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 

@@ -1,12 +1,8 @@
 #include <vq_client_common/environment/CmdParser.h>
 
 #include <sstream>
-#include <stdexcept>
 
-#include <gmock/gmock.h>
-
-#include <tests/fixture/LogCapture.h>
-#include <tests/fixture/Rows.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 

@@ -1,11 +1,7 @@
 #include <clocale>
 
-#include <gtest/gtest.h>
-
 #include <support/diagnostics/Osl_UnicodeConfiguration.h>
-#include <tests/fixture/Environment.h>
-#include <tests/fixture/Rows.h>
-#include <tests/fixture/TemporaryDirectory.h>
+#include <tests/fixture/UnitTest.h>
 #include <vq_client_common/environment/Collation.h>
 #include <vq_client_common/environment/LanguageLocale.h>
 

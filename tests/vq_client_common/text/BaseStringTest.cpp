@@ -1,11 +1,6 @@
 #include <vq_client_common/text/BaseString.h>
 
-#include <functional>
-#include <stdexcept>
-
-#include <gmock/gmock.h>
-
-#include <tests/fixture/Rows.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 

@@ -1,10 +1,6 @@
 #include <vq_client_common/text/ConvertFunctions.h>
 
-#include <functional>
-#include <stdexcept>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 
