@@ -2,19 +2,11 @@
 
 #include <ctime>
 
-#include <gmock/gmock.h>
-
-#include <tests/HostileXml.h>
-#include <tests/fixture/Environment.h>
-#include <tests/fixture/LogCapture.h>
-#include <tests/fixture/Rows.h>
-#include <tests/fixture/TemporaryDirectory.h>
+#include <tests/fixture/UnitTest.h>
 #include <vq_client_common/environment/XmlHelpers.h>
 #include <xercesc/dom/DOM.hpp>
 
 namespace {
-
-using ::testing::ElementsAre;
 
 constexpr char kFile[] = "CommonClientConf.xml";
 constexpr char kMissing[] = "missing";
@@ -45,6 +37,12 @@ class ClientPropertiesTest : public ::testing::Test {
   vq::test::LogCapture m_log{5};
 };
 
+std::string Repeated(const std::string& text, int times) {
+  std::string repeated;
+  for (int i = 0; i < times; ++i) repeated += text;
+  return repeated;
+}
+
 TEST_F(ClientPropertiesTest, Reads) {
   vq::test::ExpectRows(
       [&](const std::string& content) { return Loaded(content)->GetStringValue("K", "-"); },
@@ -53,8 +51,12 @@ TEST_F(ClientPropertiesTest, Reads) {
        "<P><k>v</k><i><K>v</K></i></P> -> -", "<P><K/></P> -> ", "<P><K><i>v</i></K></P> -> ",
        "<P><K> v\n </K></P> ->  v\n ", "<P><K>&lt;&amp;&gt;&quot;&apos;&#65;</K></P> -> <&>\"'A",
        "<P><K><![CDATA[<]]></K></P> -> <", "<P><K>\xC3\xA9</K></P> -> \xC3\xA9",
+       "<P><K>" + Repeated("<d>", 100'000) + Repeated("</d>", 100'000) + "</K></P> -> ",
+       // What a document declares could expand without end. What it names is not fetched, or there
+       // would be an error.
+       "<!DOCTYPE P []><P><K>v</K></P> -> -",
        "<!DOCTYPE P SYSTEM 'none.dtd'><P><K>v</K></P> -> v"});
-  const std::string many = "<P><K>" + vq::test::Repeated("&amp;", 100'000) + "</K></P>";
+  const std::string many = "<P><K>" + Repeated("&amp;", 100'000) + "</K></P>";
   EXPECT_EQ(Loaded(many)->GetStringValue("K", "").size(), 100'000U);
 }
 
@@ -63,19 +65,11 @@ TEST_F(ClientPropertiesTest, FailedReloadLeavesNothing) {
     ClientProperties* properties = Loaded("<P><K>v</K></P>");
     EXPECT_EQ(properties->GetStringValue("K", "-"), "v");
     Write(content);
-    m_log.Take();
     properties->Reload();
-    EXPECT_EQ(m_log.Take().back(), content == kMissing
-                                       ? "1 File " + m_directory.Path() + kFile + "is missing"
-                                       : "1 Args file parsing had errors");
+    EXPECT_EQ(m_log.Has(1, "Args file parsing had errors"), content != kMissing);
+    m_log.Clear();
     EXPECT_EQ(properties->GetStringValue("K", "-"), "-") << content;
   }
-}
-
-TEST_F(ClientPropertiesTest, RefusesHostileFiles) {
-  vq::test::ExpectHarmless(m_directory, "P", "<P><K>", "</K></P>", [&](const std::string& text) {
-    return Loaded(text)->GetStringValue("K", "").empty();
-  });
 }
 
 TEST_F(ClientPropertiesTest, ReadsNumbers) {
@@ -124,33 +118,15 @@ TEST_F(ClientPropertiesTest, MarkInTextCatchesReplacement) {
   }
 }
 
-TEST_F(ClientPropertiesTest, Logs) {
-  ClientProperties* properties = Loaded("<P/>");
-  m_log.Take();
-  properties->GetStringValue("K", "default");
-  properties->SetIntValue("K", 2, true);
-  properties->GetStringValue("K", "");
-  EXPECT_THAT(m_log.Take(),
-              ElementsAre("4 Parameter: 'K' was not found. using default: 'default'.",
-                          "5 New parameter was inserted: K", "5 Parameters file was updated",
-                          "5 Found Parameter: K. Value is: 2"));
-}
-
-TEST_F(ClientPropertiesTest, LogsTheFailedStep) {
+TEST_F(ClientPropertiesTest, NoticesAFailedSave) {
   ClientProperties* properties = Loaded("<P/>");
   std::filesystem::remove(m_directory / kFile);
   std::filesystem::create_symlink("/dev/full", m_directory / kFile);
-  const auto failure = [&] {
-    m_log.Take();
-    EXPECT_FALSE(properties->SaveProperties());
-    return m_log.Take().back();
-  };
-  EXPECT_EQ(failure(), "1 Parameters file was not closed");  // a short text waits for the close
+  EXPECT_FALSE(properties->SaveProperties()) << "a short text waits for the close";
   properties->SetStringValue("K", std::string(100'000, 'x'), false);
-  EXPECT_THAT(failure(), ::testing::AnyOf("1 Parameters file was not written",
-                                          "1 Parameters file was not closed"));
+  EXPECT_FALSE(properties->SaveProperties());
   const vq::test::Variable data("VQ_DATA", m_directory / "none");
-  EXPECT_EQ(failure(), "1 Parameters file failed to open for saving");
+  EXPECT_FALSE(properties->SaveProperties());
 }
 
 TEST_F(ClientPropertiesTest, LoadsManyKeys) {
