@@ -2,43 +2,47 @@
 
 #include <climits>
 
-#include <gtest/gtest.h>
-#include <tests/fixture/LogCapture.h>
+#include <tests/fixture/UnitTest.h>
 #include <vq_idl/AdministrationRecordsC.h>
 
 namespace {
 
+using std::string;
+using vq::test::ExpectRows;
+using vq::test::Take;
 using Served = QCSCommAdminStruct;
 
-// The server's record with values that all differ.
-const std::pair<decltype(&Served::m_Name), const char*> kServedTexts[] = {
-    {&Served::m_Name, "BERLIN"},
-    {&Served::m_Enabled, "Y"},
-    {&Served::m_Platform, "UNIX"},
-    {&Served::m_Version, "700"},
-    {&Served::m_Code, "B01"},
-    {&Served::m_Protocol, "TCP"},
-    {&Served::m_UpperCase, "1"},
-    {&Served::m_VeltR, "1"},
-    {&Served::m_VeltT, "1"},
-    {&Served::m_VeltB, "1"},
-    {&Served::m_TimeZone, "GMT+01:00"},
-    {&Served::m_HostName, "host"},
-    {&Served::m_GatewayHostName, "gateway"},
-    {&Served::m_NewDayTime, "+0700"},
-    {&Served::m_Description, "description"},
-    {&Served::m_Contact, "contact"},
-    {&Served::m_StartSummerTime, "start"},
-    {&Served::m_EndSummerTime, "end"}};
-const std::pair<decltype(&Served::m_PortNumber), int> kServedNumbers[] = {
-    {&Served::m_PortNumber, 7005},
-    {&Served::m_GatewayPortNumber, 7006},
-    {&Served::m_StartDayOfTheWeek, 7}};  // the server counts from 1
+constexpr auto kServedTexts = {&Served::m_Name,
+                               &Served::m_Enabled,
+                               &Served::m_Platform,
+                               &Served::m_Version,
+                               &Served::m_Code,
+                               &Served::m_Protocol,
+                               &Served::m_UpperCase,
+                               &Served::m_VeltR,
+                               &Served::m_VeltT,
+                               &Served::m_VeltB,
+                               &Served::m_TimeZone,
+                               &Served::m_HostName,
+                               &Served::m_NewDayTime,
+                               &Served::m_GatewayHostName,
+                               &Served::m_Description,
+                               &Served::m_Contact,
+                               &Served::m_StartSummerTime,
+                               &Served::m_EndSummerTime};
+constexpr auto kServedNumbers = {&Served::m_PortNumber, &Served::m_GatewayPortNumber,
+                                 &Served::m_StartDayOfTheWeek};
 
+// The server's record with values that all differ.
 Served Record() {
   Served record;
-  for (const auto& [member, value] : kServedTexts) record.*member = value;
-  for (const auto& [member, value] : kServedNumbers) record.*member = value;
+  string texts =
+      "BERLIN Y UNIX 700 B01 TCP 1 1 1 1 GMT+01:00 host +0700 gateway description contact start "
+      "end";
+  for (const auto member : kServedTexts) record.*member = Take(texts).c_str();
+  record.m_PortNumber = 7005;
+  record.m_GatewayPortNumber = 7006;
+  record.m_StartDayOfTheWeek = 7;  // the server counts from 1
   record.m_FixPackLevel = " 20 ";
   return record;
 }
@@ -49,7 +53,7 @@ TDC Filled(const Served& record = Record()) {
   return dc;
 }
 
-constexpr std::string (TDC::*kTexts[])() const = {
+constexpr string (TDC::*kTexts[])() const = {
     &TDC::GetName,        &TDC::GetNewDayTime,      &TDC::GetEnabled,       &TDC::GetCode,
     &TDC::GetTimeZone,    &TDC::GetStartSummerTime, &TDC::GetEndSummerTime, &TDC::GetProtocol,
     &TDC::GetVLTHostName, &TDC::GetGTWHostName,     &TDC::GetDescription,   &TDC::GetContact};
@@ -59,14 +63,14 @@ constexpr std::pair<bool (TDC::*)() const, void (TDC::*)(bool)> kFlags[] = {
     {&TDC::GetVeltT, &TDC::SetVeltT},
     {&TDC::GetVeltB, &TDC::SetVeltB}};
 
-std::string Flags(const TDC& dc) {
-  std::string text;
+string Flags(const TDC& dc) {
+  string text;
   for (const auto& [get, set] : kFlags) text += (dc.*get)() ? '1' : '0';
   return text;
 }
 
-std::string Dump(const TDC& dc) {
-  std::string text = dc.GetVersion().TypeAsString() + "|" + dc.GetVersion().FullVer() + "|";
+string Dump(const TDC& dc) {
+  string text = dc.GetVersion().TypeAsString() + "|" + dc.GetVersion().FullVer() + "|";
   for (const auto get : kTexts) text += (dc.*get)() + "|";
   for (const int number :
        {dc.GetStartDayOfTheWeek(), dc.GetVLTPortNumber(), dc.GetGTWPortNumber()}) {
@@ -76,7 +80,7 @@ std::string Dump(const TDC& dc) {
 }
 
 TEST(TDCTest, FieldsAreServedAndSet) {
-  const std::string kFilled =
+  const string kFilled =
       "Distributed|700.20|BERLIN|+0700|Y|B01|GMT+01:00|start|end|TCP|host|gateway|description|"
       "contact|6|7005|7006|1111";
   TDC served = Filled();
@@ -99,7 +103,7 @@ TEST(TDCTest, FieldsAreServedAndSet) {
 
 TEST(TDCTest, FlagsKeepTheirPlaces) {
   for (std::size_t i = 0; i < 4; ++i) {
-    std::string expected = "0000";
+    string expected = "0000";
     expected[i] = '1';
     TDC byOne, atOnce;
     (byOne.*kFlags[i].second)(true);
@@ -128,9 +132,9 @@ TEST(TDCTest, RepairsStartDay) {
 
 TEST(TDCTest, NoticesEachChange) {
   std::vector<Served> records;
-  for (const auto& row : kServedTexts) records.emplace_back(Record()).*row.first = "new";
-  for (const auto& row : kServedNumbers) records.emplace_back(Record()).*row.first = 3;
-  std::string lines;
+  for (const auto member : kServedTexts) records.emplace_back(Record()).*member = "new";
+  for (const auto member : kServedNumbers) records.emplace_back(Record()).*member = 3;
+  string lines;
   for (const Served& record : records) {
     TDC dc = Filled();
     vq::test::LogCapture log(5);
@@ -138,7 +142,7 @@ TEST(TDCTest, NoticesEachChange) {
     EXPECT_EQ(log.Lines().size(), 1U) << log.Text();
     lines += log.Text();
   }
-  EXPECT_NE(lines.find(": Value of Port was changed from 7005 to 3\n"), std::string::npos);
+  EXPECT_NE(lines.find(": Value of Port was changed from 7005 to 3\n"), string::npos);
 }
 
 TEST(TDCTest, IgnoresLoneFixPackChange) {
@@ -156,6 +160,93 @@ TEST(TDCTest, IgnoresLoneFixPackChange) {
                       "Platform & Version was changed from Distributed:700.20 to "
                       "Distributed:640.00"));
   EXPECT_EQ(dc.GetVersion().FullVer(), "640");
+}
+
+TEST(TimeSynonymsTest, ConvertsClockTimes) {
+  const auto there = [](string source) {
+    TDC dc;
+    dc.SetNewDayTime(Take(source));
+    string dest = "refused";
+    const bool converted = dc.ConvertToTimeSynonym(source, dest);
+    EXPECT_EQ(converted, dest != source && dest != "refused");
+    return dest;
+  };
+  ExpectRows(there, {"0700 0659 -> 3059", "0700 0700 -> 0700", "0700 2400 -> 2400",
+                     "0000 0000 -> 0000", "x1200 0800 -> 3200", "0700 abcd -> 2400",
+                     "0700 -001 -> -001",  // a huge number
+                     "-700 -900 -> 1500", "9999 9998 -> 12398", "700 0200 -> refused",
+                     "070000 0200 -> refused", "0700 200 -> refused", "0700 02000 -> refused"});
+  const auto back = [](const string& source) {
+    string dest = "before";
+    const bool converted = TDC::ConvertFromTimeSynonym(source, dest);
+    EXPECT_EQ(converted, source != dest);
+    return dest;
+  };
+  ExpectRows(back, {"2400 -> 0000", "3059 -> 0659", "2359 -> 2359", "9999 -> 0399", " -> ",
+                    "240 -> 240", "24000 -> 24000", "-001 -> 1695"});  // 4294967295 modulo 2400
+}
+
+TEST(TimeSynonymsTest, ConvertsNextTimes) {
+  const auto there = [](string nextTime) {
+    const string newDay = Take(nextTime);
+    string dest = nextTime;  // `dest` may be the source itself.
+    const bool converted = TDC::ConvertNextTimeToTimeSynonym(newDay, dest, dest);
+    EXPECT_EQ(converted, dest != nextTime) << nextTime;
+    return dest;
+  };
+  ExpectRows(
+      there,
+      {"0700 20240301023015 -> 2024022926301", "0200 20240301023015 -> 20240301023015",
+       "+0700 20240101023015 -> 2023123126301", "0700 20241301023015 -> 2024130126301",
+       "0700 20230229023015 -> 2023022926301", "0700 00010101023015 -> 0000123126301",
+       "0700         0230   ->         2630 ", "0700 0230 -> 2630", "0700 0800 -> 0800",
+       "0700  -> ", "070 20240301023015 -> 20240301023015", "070 0230 -> 0230", " 02301 -> 02301"});
+  const auto back = [](const string& nextTime) {
+    string dest = nextTime;
+    const bool converted = TDC::ConvertNextTimeFromTimeSynonym(dest, dest);
+    EXPECT_EQ(converted, dest != nextTime) << nextTime;
+    return dest;
+  };
+  ExpectRows(back, {"20240229263015 -> 2024030102301", "20231231240000 -> 2024010100000",
+                    "99991231240000 -> 10000010100000", "20240231263015 -> 2024023102301",
+                    "20240229233015 -> 20240229233015", "2630 -> 0230",
+                    "2024022926301 -> 2024022926301", " -> "});
+}
+
+TEST(TimeSynonymsTest, RefusesBadTimes) {
+  // "in", "?" for no time at all, or the range that it is not in.
+  const auto judged = [](const string& time, int result, const string& err) -> string {
+    EXPECT_EQ(result, err.empty() ? 1 : 0);
+    if (err.empty()) return "in";
+    if (err == "'" + time + "' is not a valid time value\t") return "?";
+    const string start = "Value '" + time + "' is not in time range (";
+    EXPECT_TRUE(err.starts_with(start) && err.ends_with(")\t")) << err;
+    return err.substr(start.size(), 11);
+  };
+  const auto clock = [&](const string& time) {
+    string err = "before";
+    const int result = TDC::CheckTimeHHMMNoTimeSynonym(time, err);
+    return judged(time, result, err);
+  };
+  ExpectRows(clock, {"2359 -> in", "2400 -> in", " -> in", "abc -> in", " 730 -> in", "2401 -> ?",
+                     "0060 -> ?", "-1 -> ?", "9999 -> ?"});
+  // With "!" where the new-day time itself is no time.
+  const auto synonym = [&](string newDay) {
+    const string time = Take(newDay);
+    bool newDayValid = false;
+    string err = "before";
+    const int result = TDC::CheckTimeHHMMTimeSynonym(time, newDay, newDayValid, err);
+    return judged(time, result, err) + (newDayValid ? "" : "!");
+  };
+  ExpectRows(synonym,
+             {"0700 0700 -> in", "3059 +0700 -> in", "3060 0700 -> ?", "3099 0700 -> ?",
+              "3100 0700 -> 0700 - 3059", "0660 0700 -> 0700 - 3059", "-1 0700 -> 0700 - 3059",
+              "2400 0000 -> 0000 - 2359", "2359  -> in", "0100 0130 -> 0130 - 2529",
+              "4800 2400 -> 2400 - 4759", "9900 2401 -> in!", "0060 0060 -> ?!", "0000 -1 -> in!"});
+}
+
+TEST(TimeSynonymsTest, ConvertsNoRecords) {
+  EXPECT_EQ(Convert_DBjobToTimeSynonym(nullptr, "0700") + Convert_DBjobFromTimeSynonym(nullptr), 0);
 }
 
 }  // namespace
