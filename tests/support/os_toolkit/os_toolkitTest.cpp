@@ -4,12 +4,9 @@
 #include <support/os_toolkit/os_time.h>
 #include <support/os_toolkit/os_tokenizer.h>
 
-#include <array>
 #include <climits>
 
-#include <gmock/gmock.h>
-#include <tests/fixture/Rows.h>
-#include <tests/fixture/TemporaryDirectory.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 
@@ -55,18 +52,11 @@ constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
 
 TEST(OsDateTest, RefusesBadDates) {
-  using Date = std::array<int, 3>;
-  for (const auto& [year, month, day] : {Date{2023, 2, 29},
-                                         {1900, 2, 29},
-                                         {2024, 13, 1},
-                                         {2024, 0, 1},
-                                         {2024, 4, 31},
-                                         {2024, 1, 0},
-                                         {2024, 1, 257},
-                                         {2024, 257, 1},
-                                         {-32768, 1, 1},
-                                         {65536 + 2024, 1, 1},
-                                         {2024, INT_MIN, 1}}) {
+  constexpr int kDates[][3] = {{2023, 2, 29},        {1900, 2, 29},     {2024, 13, 1},
+                               {2024, 0, 1},         {2024, 4, 31},     {2024, 1, 0},
+                               {2024, 1, 257},       {2024, 257, 1},    {-32768, 1, 1},
+                               {65536 + 2024, 1, 1}, {2024, INT_MIN, 1}};
+  for (const auto& [year, month, day] : kDates) {
     EXPECT_FALSE(os_date::is_valid(year, month, day)) << year << ' ' << month;
     EXPECT_THROW(os_date(year, month, day), os_toolkit_error);
   }

@@ -1,13 +1,10 @@
 #include <support/selection/QCSSelectionDef.h>
 #include <support/selection/SelectionMatching.h>
 
-#include <map>
-
 #include <fnmatch.h>
-#include <gtest/gtest.h>
 
 #include <benchmarks/GrantGenerator.h>
-#include <tests/fixture/Rows.h>
+#include <tests/fixture/UnitTest.h>
 
 namespace {
 
@@ -80,35 +77,16 @@ TEST(SelectionMatching, Compares) {
     const std::string text = "X " + rest.substr(0, end) + " '" + rest.substr(end + 1) + "'";
     return Parsed(text).DoesItFit(object, false) ? "yes" : "no";
   };
-  vq::test::ExpectRows(fits, {"a = a -> yes",
-                              "b != a -> yes",
-                              "9 < 10 -> yes",
-                              "a < b -> yes",
-                              "-3 < 2 -> yes",
-                              "-20 < -3 -> yes",
-                              "+ < - -> yes",
-                              "07 <= 7 -> yes",
-                              "b > a -> yes",
-                              "5 >= 5 -> yes",
-                              "a = b -> no",
-                              "A = a -> no",
-                              "ab = a* -> no",
-                              "07 = 7 -> no",
-                              "a != a -> no",
-                              "10 < 9 -> no",
-                              "9x < 10 -> no",
-                              "-0 < 0 -> no",
-                              " <  -> no",
-                              "8 <= 7 -> no",
-                              "5 > 5 -> no",
-                              " >= 5 -> no",
-                              "a LIKE a? -> no",
-                              "abcd LIKE *b*d -> yes",
-                              "b NOT LIKE a* -> yes",
-                              "ab NOT LIKE a* -> no",
-                              "* LIKE \\* -> no",
-                              "a LIKE [ab] -> no",
-                              "99999999999999999999 > 99999999999999999998 -> yes"});
+  vq::test::ExpectRows(
+      fits,
+      {"a = a -> yes",         "b != a -> yes",        "9 < 10 -> yes",    "a < b -> yes",
+       "-3 < 2 -> yes",        "-20 < -3 -> yes",      "+ < - -> yes",     "07 <= 7 -> yes",
+       "b > a -> yes",         "5 >= 5 -> yes",        "a = b -> no",      "A = a -> no",
+       "ab = a* -> no",        "07 = 7 -> no",         "a != a -> no",     "10 < 9 -> no",
+       "9x < 10 -> no",        "-0 < 0 -> no",         " <  -> no",        "8 <= 7 -> no",
+       "5 > 5 -> no",          " >= 5 -> no",          "a LIKE a? -> no",  "abcd LIKE *b*d -> yes",
+       "b NOT LIKE a* -> yes", "ab NOT LIKE a* -> no", "* LIKE \\* -> no", "a LIKE [ab] -> no"});
+  vq::test::ExpectRows(fits, {"99999999999999999999 > 99999999999999999998 -> yes"});
 }
 
 TEST(Wildcard, AgreesWithTheShell) {
