@@ -221,6 +221,10 @@ TEST_F(UserAuthorizationsTest, ResetLeavesTheGrants) {
 TEST_F(UserAuthorizationsTest, AsksForQueries) {
   json alice = Grant("owners", "OWNER = 'ops'", "BROWSE_ACCESS");
   alice.merge_patch(Grant("calendars", "NAME LIKE 'A*'"));
+  alice["grants"]["quantRes"] = {{{"criteria", "(A = '1') OR B = '2'"}, {"level", "BROWSE_ACCESS"}},
+                                 {{"criteria", "no selection"}, {"level", "FULL_ACCESS"}},
+                                 {{"criteria", "C = '3'"}, {"level", "ACCESS_NONE"}},
+                                 {{"criteria", "*"}, {"level", "FULL_ACCESS"}}};
   ASSERT_NO_FATAL_FAILURE(Start(alice));
   const std::string userId = LoginHandler::GetGlobal()->GetUserID();
   QCSCorbaUserDefinitionQueries_var definition;
@@ -232,9 +236,11 @@ TEST_F(UserAuthorizationsTest, AsksForQueries) {
   ASSERT_EQ(ask(*UA::Get()), 1);
   QCSCorbaUserActiveQueriesSeq_var owned = active;
   EXPECT_STREQ(definition->m_DefCalendarQuery, "NAME LIKE 'A*'");
+  EXPECT_STREQ(definition->m_DefGlobalCondsQuery, "");
   ASSERT_EQ(owned->length(), 2U);
   EXPECT_STREQ(owned[1U].m_VltName, "TEST");
   EXPECT_STREQ(owned[1U].m_ActiveJobQuery, "OWNER = 'ops'");
+  EXPECT_STREQ(owned[1U].m_ActiveQuantResQuery, "(A = '1') OR B = '2' OR *");
   EXPECT_EQ(m_server->LastCall("CRB_GetUserAuthQueriesEx")["arguments"].dump(),
             R"({"flag1":true,"flag2":false,"names":["PROD","TEST"],"text":"text","userId":")" +
                 userId + "\"}");
