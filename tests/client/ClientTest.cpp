@@ -1,8 +1,6 @@
 // vqclient as a script sees it: exit code, data on stdout, messages on stderr.
 
 #include <csignal>
-#include <cstdlib>
-#include <functional>
 #include <iostream>
 #include <regex>
 #include <set>
@@ -231,6 +229,8 @@ TEST_F(ClientTest, TheNearestPlaceHasTheSetting) {
   m_environment.Set("XDG_CONFIG_HOME", m_directory / "user");
   m_environment.Set("SUPPORT_CJK", "cjk");
   m_environment.Set("VQ_KIND", "CMS");
+  m_environment.Set("VQ_DATA", m_directory / "data");
+  m_directory.Write("user/vq/profile.ini", "[Orb Parameters]\nRegisterTimeOut = 60\n");
   const std::string host = m_directory.Write("root/config/vq.xml", R"(<domain>
     <scope name="CLI"><var name="-ORBCallTimeout">7000</var>
       <var name="-ORBMaxMessageSize">9000</var></scope>
@@ -256,20 +256,32 @@ TEST_F(ClientTest, TheNearestPlaceHasTheSetting) {
   EXPECT_EQ(shown["password-file"], " / not set") << "the user is of a stronger place";
   EXPECT_EQ(shown["kind"], "CMS / environment, VQ_KIND");
   EXPECT_EQ(shown["SUPPORT_CJK"], "cjk / environment");
+  EXPECT_EQ(shown["ENABLE_TEST_CALLBACK"], " / not set");
+  const std::string root = m_directory / "root/";
+  EXPECT_EQ(shown["root"], root + " / environment, VQ_HOME");
+  EXPECT_EQ(shown["data"], m_directory / "data/ / environment, VQ_DATA");
+  EXPECT_EQ(shown["user's settings"], m_directory / "user/vq/ / environment, XDG_CONFIG_HOME");
+  EXPECT_EQ(shown["[Orb Parameters] RegisterTimeOut"], "60 / profile.ini");
+  EXPECT_EQ(shown["product NFT"], "8.0.05 P1 / " + root + "installed-products.ini");
 }
 
 TEST_F(ClientTest, EverySettingOfTheOrbHasALongOption) {
+  std::filesystem::remove(m_directory / "root/installed-products.ini");
+  std::map<std::string, std::string> shown = Shown(
+      "config show --listen iiop:// --bidir 0 --prefer-ip 1 --naming a:1 --connect-timeout 1 "
+      "--call-timeout 1 --tcp-keep-alive 1 --tcp-user-timeout 1 --max-message 8192 --ca a "
+      "--certificate a --key a --verify-peer 1 --verify-host 1 --server-names a "
+      "--encrypt-lookups 0 --revocation-list a");
   int count = 0;
-  for (const auto& [name, place] : Shown(
-           "config show --listen iiop:// --bidir 0 --prefer-ip 1 --naming a:1 --connect-timeout 1 "
-           "--call-timeout 1 --tcp-keep-alive 1 --tcp-user-timeout 1 --max-message 8192 --ca a "
-           "--certificate a --key a --verify-peer 1 --verify-host 1 --server-names a "
-           "--encrypt-lookups 0 --revocation-list a")) {
+  for (const auto& [name, place] : shown) {
     if (!name.starts_with('-')) continue;
     EXPECT_THAT(place, HasSubstr(" / command line")) << name;
     ++count;
   }
   EXPECT_EQ(count, 17);
+  EXPECT_EQ(shown["user's settings"], m_directory / ".config/vq/ / built in");
+  EXPECT_EQ(shown["[Orb Parameters] RegisterTimeOut"], " / not set; the server is asked");
+  EXPECT_EQ(shown["product NFT"], " / not set");
 }
 
 // What the next test runs as a program of its own. vqclient would do but for its shared library,

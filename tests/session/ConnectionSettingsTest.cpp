@@ -1,15 +1,8 @@
-// What the process knows of its connection, the names of clients and servers, and the report of all
-// settings.
+// What the process knows of its connection, and the names of clients and servers.
 
-#include <map>
-
-#include <gtest/gtest.h>
-
-#include <tests/fixture/Environment.h>
-#include <tests/fixture/LogCapture.h>
-#include <tests/fixture/TemporaryDirectory.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/SettingsReport.h>
+
+#include <tests/fixture/UnitTest.h>
 
 namespace vq::test {
 namespace {
@@ -71,36 +64,6 @@ TEST(ConnectionSettings, GiveThePasswordInTheFormAskedFor) {
   copy = settings;
   EXPECT_EQ(copy.GetPassword(ENC_PLAIN) + copy.GetUserID(), "secretabc");
   EXPECT_FALSE(copy.GetWait4Shutdown());
-}
-
-TEST(SettingsReport, NamesOrigins) {
-  const TemporaryDirectory directory;
-  Environment environment;
-  environment.Isolate(directory.Path());
-  environment.Set("VQ_DIAG_LEVEL", "3");
-  environment.Set("VQ_DIAG_FILE", std::nullopt);
-  const auto origins = [] {
-    std::map<std::string, std::string> all;
-    for (const Setting& setting : ReportSettings(CLIENT_CLI, 0, nullptr)) {
-      all[setting.name] = setting.value + " / " + setting.origin;
-    }
-    return all;
-  };
-  const auto bare = origins();
-  const std::string root = directory / "root/", timeOut = "[Orb Parameters] RegisterTimeOut";
-  EXPECT_EQ(bare.at("root"), root + " / environment, VQ_HOME");
-  EXPECT_EQ(bare.at("user's settings"), directory / ".config/vq/" + " / built in");
-  EXPECT_EQ(bare.at("VQ_DIAG_LEVEL"), "3 / environment");
-  EXPECT_EQ(bare.at("VQ_DIAG_FILE"), " / not set");
-  EXPECT_EQ(bare.at(timeOut), " / not set; the server is asked");
-  EXPECT_EQ(bare.at("product NFT"), " / not set");
-  environment.Set("VQ_DATA", directory / "data");
-  directory.Write(".config/vq/profile.ini", "[Orb Parameters]\nRegisterTimeOut = 60\n");
-  directory.Write("root/installed-products.ini", "[NFT]\nversion = 8.0.05\npatches = P1\n");
-  const auto configured = origins();
-  EXPECT_TRUE(configured.at("data").ends_with(" / environment, VQ_DATA")) << configured.at("data");
-  EXPECT_EQ(configured.at(timeOut), "60 / profile.ini");
-  EXPECT_EQ(configured.at("product NFT"), "8.0.05 P1 / " + root + "installed-products.ini");
 }
 
 }  // namespace
