@@ -9,7 +9,6 @@
 #include <sys/resource.h>
 
 #include <cstring>
-#include <fstream>
 #include <iostream>
 #include <random>
 
@@ -151,7 +150,7 @@ TEST_F(MutatedRepliesTest, DoNoHarm) {
         };
         proxy.ChangeNext(mutate, static_cast<int>(random.Below(ofNaming ? 1 : calls)));
         const auto start = std::chrono::steady_clock::now();
-        failures += OutcomeOf(function, m_port) != function.success ? 1 : 0;
+        failures += OutcomeOf(function) != function.success ? 1 : 0;
         const auto taken = std::chrono::steady_clock::now() - start;
         longest = std::max(longest, taken);
         proxy.ChangeNext(nullptr);
@@ -163,7 +162,7 @@ TEST_F(MutatedRepliesTest, DoNoHarm) {
       // The process and the ORB are as good as before. A busy machine may need another try.
       const auto works = [&] {
         Prepare(function);
-        return OutcomeOf(function, m_port) == function.success;
+        return OutcomeOf(function) == function.success;
       };
       EXPECT_TRUE(works() || works() || works())
           << function.name << " after mutation " << number << " of seed " << seed << '\n'

@@ -1,8 +1,8 @@
 // Every public function that calls a server, with the calls that it makes and what becomes of it
 // when one of them fails.
 //
-// An *outcome* is one text: the result or what is raised, and what the function leaves behind. The
-// texts for users stand in it by a short name, such as "<went down>".
+// An *outcome* is one text: the result or what is raised, and what the function leaves behind. A
+// result with a text for users has a short name in it, such as "<went down>".
 #ifndef VQ_TESTS_RELIABILITY_REMOTEFUNCTIONS_H
 #define VQ_TESTS_RELIABILITY_REMOTEFUNCTIONS_H
 
@@ -44,8 +44,7 @@ struct RemoteFunction {
 
 std::span<const RemoteFunction> RemoteFunctions();
 
-// Runs it; `port` is the server's, which does not stand in the outcome.
-std::string OutcomeOf(const RemoteFunction& function, int port);
+std::string OutcomeOf(const RemoteFunction& function);  // runs it
 
 constexpr const char* kParameter = "CRB_GetSystemParameterValue";
 constexpr const char* kProbe = "_non_existent";

@@ -179,6 +179,13 @@ TEST_F(LoginTest, ReportsTheCause) {
   EXPECT_TRUE(GL_GetFailureCause().starts_with("the naming service has no")) << "as before";
   EXPECT_EQ(Login("locked"), 49);
   EXPECT_EQ(GL_GetFailureCause(), "") << "the message says it all";
+  GL_LogOut(false);
+  server.Kill();
+  EXPECT_EQ(Login(), 54);
+  EXPECT_NE(m_message.find("is not running on '127.0.0.1'.\t\n - The Server listening port of " +
+                           std::to_string(server.Port()) + " is blocked by the firewall.\t\n"),
+            std::string::npos)
+      << m_message;
   GL_LogOut(true);
   m_naming->Kill();
   EXPECT_EQ(Login(), 55);
