@@ -1,7 +1,6 @@
 // The doctor: for each broken set-up the first thing that is wrong, and what it says to do.
 
 #include <csignal>
-#include <functional>
 
 #include <unistd.h>
 

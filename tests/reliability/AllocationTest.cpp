@@ -10,14 +10,11 @@
 #include <execinfo.h>
 #include <link.h>
 
-#include <functional>
 #include <iostream>
 #include <new>
-#include <sstream>
 
 #include <support/configuration/Xml.h>
 #include <vq_client_common/authorizations/UserAuthorizations.h>
-#include <vq_client_common/datacenters/TArchive.h>
 #include <vq_client_common/environment/ClientProperties.h>
 
 namespace {
@@ -109,7 +106,7 @@ TEST_F(AllocationTest, LoginsEndWithAResult) {
   });
 }
 
-TEST_F(AllocationTest, FilesAndArchivesStayWhole) {
+TEST_F(AllocationTest, FilesStayWhole) {
   const string before = "<Properties>\n\t<First>one</First>\n</Properties>\n";
   m_environment.Set("VQ_DATA", m_directory / "data");
   const auto prepare = [&] {
@@ -128,21 +125,6 @@ TEST_F(AllocationTest, FilesAndArchivesStayWhole) {
     return after == before || after.find("two") != string::npos;
   });
   StopXml();
-
-  std::stringstream stream;
-  string text;
-  const auto archive = [&]() -> string {
-    try {
-      TArchive(&stream, 0, 0, nullptr) << string(100, 'x') << 8004;
-      int port = 0;
-      TArchive(&stream, 1, 0, nullptr) >> text >> port;
-      return text.substr(0, 1) + std::to_string(port);
-    } catch (const TArchiveException&) {
-      return "refused";
-    }
-  };
-  const auto emptied = [&] { stream = {}, text = ""; };
-  Sweep("archive", emptied, archive, "x8004 refused");
 }
 
 }  // namespace

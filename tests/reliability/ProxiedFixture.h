@@ -28,13 +28,9 @@ class ProxiedFixture : public SessionFixture {
   void SetTimeOut(std::chrono::milliseconds timeOut) {
     GL_LogOut(true);
     const std::string limit = std::to_string(timeOut.count());
-    m_orbArguments = {
-        "-ORBConnectTimeout",
-        limit,
-        "-ORBCallTimeout",
-        limit,
-        "-ORBInitRef",
-        "NameService=corbaloc:iiop:127.0.0.2:" + std::to_string(m_naming->Port()) + "/NameService"};
+    const std::string port = std::to_string(m_naming->Port());
+    const std::string naming = "NameService=corbaloc:iiop:127.0.0.2:" + port + "/NameService";
+    m_orbArguments = {"-ORBConnectTimeout", limit, "-ORBCallTimeout", limit, "-ORBInitRef", naming};
   }
 
   // The server, started anew on the same port; the first time on any.
