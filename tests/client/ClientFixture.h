@@ -22,12 +22,9 @@ class ClientFixture : public ::testing::Test {
     m_directory.Write("root/installed-products.ini", "[NFT]\nversion = 8.0.05\npatches = P1\n");
   }
 
-  Server& StartServer(const nlohmann::json& site = BaseSite(),
-                      const std::vector<std::string>& more = {},
-                      Server::Place place = Server::kDirect) {
+  Server& StartServer(const Server::Options& options = {}) {
     m_server.reset();
-    m_server = std::make_unique<Server>(m_directory, m_naming.Reference(), site,
-                                        std::vector<std::string>{"GSR"}, "central", 0, place, more);
+    m_server = std::make_unique<Server>(m_directory, m_naming.Reference(), options);
     return *m_server;
   }
 
@@ -54,11 +51,10 @@ class ClientFixture : public ::testing::Test {
                      const std::string& output = "") {
     std::vector<std::string> words = Words(command);
     words.insert(words.begin(), VQ_CLIENT);
-    ChildProcess::Options options;
-    options.standardInput = m_directory.Write("in", input);
-    options.standardOutput = output.empty() ? m_directory.Write("out", "") : output;
-    options.standardError = m_directory.Write("err", "");
-    return ChildProcess::Start(words, options);
+    return ChildProcess::Start(
+        words, {.standardInput = m_directory.Write("in", input),
+                .standardOutput = output.empty() ? m_directory.Write("out", "") : output,
+                .standardError = m_directory.Write("err", "")});
   }
   Outcome Run(const std::string& command, const std::string& input = "secret\n",
               const std::string& output = "") {

@@ -69,7 +69,7 @@ TEST_F(ClientTest, EveryCommandAndOption) {
   site["users"]["alice"]["grants"]["tables"] = {
       {{"criteria", "TABLE LIKE 'PAY*'"}, {"level", "UPDATE_ACCESS"}}};
   site["users"]["alice"]["privileges"] = {{"CLI_PRIV_TYPE", "BROWSE_ACCESS"}};
-  const int port = StartServer(site).Port();
+  const int port = StartServer({.site = site}).Port();
   const std::string file = m_directory.Write("file", "user=alice\npassword=secret\n");
   const std::string open = m_directory.Write("open", "user=alice\npassword=secret\n");
   std::filesystem::create_symlink(file, m_directory / "link");
@@ -333,9 +333,9 @@ TEST_F(ClientTest, NothingIsCalledASuccessThatDidNotHappen) {
   for (const auto& [words, closed, code] : rows) {
     std::string command = "exec timeout 60 " VQ_CLIENT;
     for (const std::string& word : Words(words)) command += " " + word;
-    ChildProcess::Options options;
-    options.standardInput = m_directory.Write("in", "secret\n");
-    ChildProcess shell = ChildProcess::Start({"sh", "-c", command + " " + closed}, options);
+    ChildProcess shell =
+        ChildProcess::Start({"sh", "-c", command + " " + closed},
+                            {.standardInput = m_directory.Write("in", "secret\n")});
     EXPECT_EQ(shell.Wait(std::chrono::seconds(90)), code) << closed;
   }
   // The logout at the end is not answered.
@@ -346,7 +346,7 @@ TEST_F(ClientTest, NothingIsCalledASuccessThatDidNotHappen) {
     EXPECT_THAT(outcome.words, HasSubstr("The server does not confirm the logout.\nCause: "));
   }
   // It is not known which of two servers to ask.
-  const Server other(m_directory, m_naming.Reference(), BaseSite(), {"GSR"}, "other");
+  const Server other(m_directory, m_naming.Reference(), {.name = "other"});
   const Outcome ping = Run("ping --count 1 -n NAMING");
   EXPECT_EQ(ping.code, 1);
   EXPECT_THAT(ping.words,
@@ -412,9 +412,7 @@ TEST_F(ClientTest, TheSimulatorBringsAWholeSite) {
   const auto start = [&](const std::string& command) {
     std::vector<std::string> words = Words(command);
     words.insert(words.begin(), VQ_SIMULATOR);
-    ChildProcess::Options options;
-    options.standardOutput = m_directory.Write("simulator", "");
-    return ChildProcess::Start(words, options);
+    return ChildProcess::Start(words, {.standardOutput = m_directory.Write("simulator", "")});
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.command);

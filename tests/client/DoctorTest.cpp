@@ -1,7 +1,5 @@
 // The doctor: for each broken set-up the first thing that is wrong, and what it says to do.
 
-#include <csignal>
-
 #include <unistd.h>
 
 #include <support/orb/ORBCommon.h>
@@ -57,12 +55,10 @@ class DoctorTest : public ClientFixture {
   }
 
   // A server with a TLS endpoint beside the unencrypted one.
-  void StartTls(const Identity& identity, Server::Place place = Server::kDirect) {
-    StartServer(BaseSite(),
-                {"-SSLCACertificate", m_authority.File(), "-SSLCertificate",
-                 m_directory.Write("server.pem", identity.certificate + identity.key),
-                 "-SSLVerifyPeer", "0"},
-                place);
+  void StartTls(const Identity& identity) {
+    StartServer({.arguments = {"-SSLCACertificate", m_authority.File(), "-SSLCertificate",
+                               m_directory.Write("server.pem", identity.certificate + identity.key),
+                               "-SSLVerifyPeer", "0"}});
   }
 
   const Authority m_authority{m_directory, "authority"};
@@ -157,14 +153,14 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
        [&] {
          json site = BaseSite();
          site["server"]["version"] = "7.0.00";
-         StartServer(site);
+         StartServer({.site = site});
        },
        "doctor @alice", 1, "version gate: code 0", "min-accepted-servers.txt"},
       {"no callback works",
        [&] {
          json site = BaseSite();
          site["callback"] = {{"refuse", true}, {"message", "Not today."}};
-         StartServer(site);
+         StartServer({.site = site});
        },
        "doctor @alice", 8, "callbacks: the server cannot call this client back", "bidirectional"},
       {"the domain cannot be written",
@@ -202,7 +198,7 @@ TEST_F(DoctorTest, FindsNothingBadOnAHealthyHostAndNoConnectionThatIsNotThere) {
     }
     EXPECT_THAT(outcome.output, Not(HasSubstr("\033["))) << "colours are for terminals";
   }
-  StartServer(BaseSite(), {"--no-bidir"});
+  StartServer({.arguments = {"--no-bidir"}});
   const Outcome outcome = Run("doctor @alice");
   EXPECT_EQ(outcome.code, 0);
   if (ThisProduct().tellsConnection) {

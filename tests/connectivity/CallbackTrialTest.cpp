@@ -189,7 +189,7 @@ TEST_F(CallbackTrialTest, TriesManyInARow) {
 }
 
 TEST_F(CallbackTrialTest, ReachesAnAddressWithoutBidirectionalOnTheServer) {
-  StartServer(BaseSite(), {"GSR"}, {"--no-bidir"});
+  StartServer({.arguments = {"--no-bidir"}});
   ASSERT_EQ(Login(), 1);
   EXPECT_FALSE(Try(false, kNowhere));
   EXPECT_TRUE(Try(false, "127.0.0.1"));

@@ -23,11 +23,10 @@ struct TlsTest : SessionFixture {
                          Server::Place place = Server::kDirect) {
     const std::string file = m_directory.Write(
         "server-" + std::to_string(m_servers.size()) + ".pem", identity.certificate + identity.key);
-    m_servers.push_back(std::make_unique<Server>(
-        m_directory, m_naming->Reference(), BaseSite(), Words{"GSR"}, "central", 0, place,
-        Words{"-SSLCACertificate", m_caFile, "-SSLCertificate", file, "-SSLVerifyPeer",
-              verifyPeer ? "1" : "0", "-SSLVerifyHost", "0"}));
-    return *m_servers.back();
+    return StartServer(
+        {.place = place,
+         .arguments = {"-SSLCACertificate", m_caFile, "-SSLCertificate", file, "-SSLVerifyPeer",
+                       verifyPeer ? "1" : "0", "-SSLVerifyHost", "0"}});
   }
   // Logs in to a server with that certificate, and out again.
   void ExpectLogin(const Identity& identity, int code, Server::Place place = Server::kDirect) {

@@ -93,7 +93,7 @@ void Sweep(const string& name, const Action& prepare, const Outcome& run, const 
 TEST_F(AllocationTest, LoginsEndWithAResult) {
   nlohmann::json site = BaseSite();
   site["users"]["alice"]["privileges"] = {{"ALERT_PRIV_TYPE", "FULL_ACCESS"}};
-  StartServer(site);
+  StartServer({.site = site});
   InstallClient("8.0.05", "P1");
   TDiag::Instance()->SetMinimumDebugLevel(5);  // at 6 omniORB tells of every byte
   const auto logOut = [] { GL_LogOut(true); };

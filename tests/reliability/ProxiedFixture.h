@@ -43,8 +43,9 @@ class ProxiedFixture : public SessionFixture {
           "SubApplicationFieldIsMandatory": "1", "MinPasswordLength": "3", "MaxPasswordLength": "40",
           "PasswordComplexityOnOff": "1", "PasswordComplexityRules": "U"}}})"));
     m_server.reset();  // before the next one listens in its place
-    m_server.reset(new Server(m_directory, m_naming->Reference(), site, {"GSR"}, "central", m_port,
-                              Server::kBehindProxy, arguments));
+    m_server.reset(new Server(
+        m_directory, m_naming->Reference(),
+        {.site = site, .port = m_port, .place = Server::kBehindProxy, .arguments = arguments}));
   }
 
   // Brings the process to where the function is called, whatever was before.

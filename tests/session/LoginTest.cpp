@@ -21,7 +21,7 @@ TEST_F(LoginTest, ReportsRefusals) {
     "said": {"password": "secret", "locked": true, "message": "Ask Bob."},
     "odd": {"password": "secret", "result": 7, "message": "Seven."},
     "late": {"password": "secret", "expiry": "soon", "message": "Two days."}})"));
-  Server& server = StartServer(site);
+  Server& server = StartServer({.site = site});
   // The last column: the result of a second registration, which is a number only.
   const std::tuple<const char*, int, std::string, bool, int> rows[] = {
       {"locked", 49, "User account is locked.\t", false, 0},
@@ -89,7 +89,7 @@ TEST_F(LoginTest, SendsPasswordsAsTheServerSays) {
 
 TEST_F(LoginTest, KeepsTheReferenceUntilLogout) {
   Server& server = StartSession();
-  const Server& other = StartServer(BaseSite(), {"GSR"}, {}, "other");
+  const Server& other = StartServer({.name = "other"});
   server.ForgetCalls();
   ASSERT_EQ(Login("alice", "secret", "other"), 1);
   EXPECT_EQ(server.Operations().size(), 4U) << "the other server name changes nothing yet";
@@ -103,7 +103,7 @@ TEST_F(LoginTest, KeepsTheReferenceUntilLogout) {
 }
 
 TEST_F(LoginTest, BindsEachServerKindOnItsOwn) {
-  Server& server = StartServer(BaseSite(), {"GSR", "CMS"});
+  Server& server = StartServer({.arguments = {"--kind", "GSR", "--kind", "CMS"}});
   ASSERT_EQ(Login("alice", "secret", "central", CLIENT_CLI, E_CMS), 1) << m_log.Text();
   EXPECT_EQ(server.LastCall("CRB_Register")["kind"], "CMS");
   // Some parameters are read from the central server, whatever the kind of the login is.
@@ -130,7 +130,7 @@ TEST_F(LoginTest, NamesTheSettingOfATooLargeReply) {
 TEST_F(LoginTest, ReportsTheCause) {
   json site = BaseSite();
   site["users"]["odd"] = {{"password", "secret"}, {"result", 7}, {"message", "Seven.\t"}};
-  Server& server = StartServer(site);
+  Server& server = StartServer({.site = site});
   InstallClient("8.0.00");
   const std::string at = "127.0.0.1:" + std::to_string(server.Port());
   const json none = json::array();

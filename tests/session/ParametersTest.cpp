@@ -99,7 +99,7 @@ TEST_F(ParametersTest, AsksEnvironmentThenServerForAnnotations) {
 }
 
 TEST_F(ParametersTest, TakesTheModeOfEnvironmentServerOrDefault) {
-  Server& server = StartServer(BaseSite(), {"GSR", "CMS"});
+  Server& server = StartServer({.arguments = {"--kind", "GSR", "--kind", "CMS"}});
   ASSERT_EQ(Login(), 1);
   // Whether the server may be called, its answer, the variable, and the mode.
   const std::tuple<bool, json, std::optional<std::string>, std::string> rows[] = {
