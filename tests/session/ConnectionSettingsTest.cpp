@@ -8,26 +8,22 @@ namespace vq::test {
 namespace {
 
 TEST(ClientAndServerKinds, HaveNames) {
-  const std::tuple<int, std::string, bool> clients[] = {
-      {0, "vq_gui/GUI/VELTRA-M/VQ GUI", false},
-      {10, "Unkown_Client/RCI/VELTRA-M/VQ Remote Client Interface", true},
-      {11, "Unkown_Client//Unknown Client", true},
-      {12, "Unkown_Client//", true},
-      {-1, "Unkown_Client//", true}};
   ConnectionSettings settings;
   EXPECT_EQ(settings.GetClientID(), CLIENT_UNKNOWN);
-  for (const auto& [value, names, pure] : clients) {
-    settings.SetClientID(static_cast<CLIENT_ID>(value));
-    EXPECT_EQ(settings.GetClientID4CRBRegister() + "/" + settings.GetClientIDAsString() + "/" +
-                  ClientIDtoString(settings.GetClientID()),
-              names);
-    EXPECT_EQ(settings.isPureClient(), pure) << value;
-  }
-  for (const int value : {0, 5, 6, -1}) {
-    const auto kind = static_cast<SERVER_ID>(value);
-    EXPECT_EQ(GL_ResolveServerID(kind), value == 0 ? "GSR" : value == 5 ? "SLS" : "");
-    EXPECT_EQ(ServerIDtoString(kind), value == 0 ? "VELTRA-M/VQ Server" : "");
-  }
+  const auto client = [&](const std::string& number) {
+    settings.SetClientID(static_cast<CLIENT_ID>(std::stoi(number)));
+    return settings.GetClientID4CRBRegister() + "/" + settings.GetClientIDAsString() + "/" +
+           ClientIDtoString(settings.GetClientID()) + (settings.isPureClient() ? ", pure" : "");
+  };
+  ExpectRows(client, {"0 -> vq_gui/GUI/VELTRA-M/VQ GUI",
+                      "10 -> Unkown_Client/RCI/VELTRA-M/VQ Remote Client Interface, pure",
+                      "11 -> Unkown_Client//Unknown Client, pure", "12 -> Unkown_Client//, pure",
+                      "-1 -> Unkown_Client//, pure"});
+  const auto server = [](const std::string& number) {
+    const auto kind = static_cast<SERVER_ID>(std::stoi(number));
+    return GL_ResolveServerID(kind) + "/" + ServerIDtoString(kind);
+  };
+  ExpectRows(server, {"0 -> GSR/VELTRA-M/VQ Server", "5 -> SLS/", "6 -> /", "-1 -> /"});
 }
 
 TEST(ConnectionSettings, KeepSecretsOutOfTheLog) {
