@@ -128,15 +128,6 @@ TEST(QCSObject, KeepsLastValue) {
   EXPECT_FALSE(object.RemoveAttribute("OWNER"));
 }
 
-TEST(QCSSelectionDef, OrsTermsOfAndedMatchings) {
-  for (const char* text : {"*", "NAME = 'PAYROLL'", "NAME = 'x' AND OWNER = 'ops' OR NAME > 'P'"}) {
-    EXPECT_TRUE(Parsed(text).DoesItFit(Job(), false)) << text;
-  }
-  for (const char* text : {"", "NAME = 'PAYROLL' AND OWNER = 'dev'", "name = 'PAYROLL'"}) {
-    EXPECT_FALSE(Parsed(text).DoesItFit(Job(), false)) << text;
-  }
-}
-
 struct LenientDef : QCSSelectionDef {
   bool negated = false;
   void HowToEvaluateMissingAttrsMatches(bool& fits, bool& negatedFits) override {
@@ -146,6 +137,7 @@ struct LenientDef : QCSSelectionDef {
   bool IsValidField(const std::string& field) const override { return field == "NAME"; }
 };
 
+// How terms and matchings combine is tested with the index of grants.
 TEST(QCSSelectionDef, MissingAttributes) {
   for (const std::string op : {"=", "<", "<=", ">", ">=", "LIKE", "!=", "NOT LIKE"}) {
     const std::string text = "X " + op + " 'a'";
