@@ -12,37 +12,28 @@ using vq::test::ExpectRows;
 using vq::test::Take;
 using Served = QCSCommAdminStruct;
 
-constexpr auto kServedTexts = {&Served::m_Name,
-                               &Served::m_Enabled,
-                               &Served::m_Platform,
-                               &Served::m_Version,
-                               &Served::m_Code,
-                               &Served::m_Protocol,
-                               &Served::m_UpperCase,
-                               &Served::m_VeltR,
-                               &Served::m_VeltT,
-                               &Served::m_VeltB,
-                               &Served::m_TimeZone,
-                               &Served::m_HostName,
-                               &Served::m_NewDayTime,
-                               &Served::m_GatewayHostName,
-                               &Served::m_Description,
-                               &Served::m_Contact,
-                               &Served::m_StartSummerTime,
-                               &Served::m_EndSummerTime};
-constexpr auto kServedNumbers = {&Served::m_PortNumber, &Served::m_GatewayPortNumber,
-                                 &Served::m_StartDayOfTheWeek};
+constexpr int kServedValues = 21;
 
-// The server's record with values that all differ.
-Served Record() {
+// The server's record with values that all differ, and another one at the place `changed`.
+Served Record(int changed = -1) {
   Served record;
   string texts =
       "BERLIN Y UNIX 700 B01 TCP 1 1 1 1 GMT+01:00 host +0700 gateway description contact start "
       "end";
-  for (const auto member : kServedTexts) record.*member = Take(texts).c_str();
-  record.m_PortNumber = 7005;
-  record.m_GatewayPortNumber = 7006;
-  record.m_StartDayOfTheWeek = 7;  // the server counts from 1
+  int place = 0;
+  for (auto member : {&Served::m_Name, &Served::m_Enabled, &Served::m_Platform, &Served::m_Version,
+                      &Served::m_Code, &Served::m_Protocol, &Served::m_UpperCase, &Served::m_VeltR,
+                      &Served::m_VeltT, &Served::m_VeltB, &Served::m_TimeZone, &Served::m_HostName,
+                      &Served::m_NewDayTime, &Served::m_GatewayHostName, &Served::m_Description,
+                      &Served::m_Contact, &Served::m_StartSummerTime, &Served::m_EndSummerTime}) {
+    const string text = Take(texts);
+    record.*member = place++ == changed ? "new" : text.c_str();
+  }
+  const auto number = [&](int value) { return place++ == changed ? 3 : value; };
+  record.m_PortNumber = number(7005);
+  record.m_GatewayPortNumber = number(7006);
+  record.m_StartDayOfTheWeek = number(7);  // the server counts from 1
+  EXPECT_EQ(place, kServedValues);
   record.m_FixPackLevel = " 20 ";
   return record;
 }
@@ -131,15 +122,12 @@ TEST(TDCTest, RepairsStartDay) {
 }
 
 TEST(TDCTest, NoticesEachChange) {
-  std::vector<Served> records;
-  for (const auto member : kServedTexts) records.emplace_back(Record()).*member = "new";
-  for (const auto member : kServedNumbers) records.emplace_back(Record()).*member = 3;
   string lines;
-  for (const Served& record : records) {
+  for (int place = 0; place < kServedValues; ++place) {
     TDC dc = Filled();
     vq::test::LogCapture log(5);
-    EXPECT_TRUE(TDC::ConvertQCSCommAdminStructToTDC(record, dc));
-    EXPECT_EQ(log.Lines().size(), 1U) << log.Text();
+    EXPECT_TRUE(TDC::ConvertQCSCommAdminStructToTDC(Record(place), dc));
+    EXPECT_EQ(log.Count(5, ""), 1) << log.Text();
     lines += log.Text();
   }
   EXPECT_NE(lines.find(": Value of Port was changed from 7005 to 3\n"), string::npos);
@@ -202,9 +190,11 @@ TEST(TimeSynonymsTest, ConvertsNextTimes) {
        "0700         0230   ->         2630 ", "0700 0230 -> 2630", "0700 0800 -> 0800",
        "0700  -> ", "070 20240301023015 -> 20240301023015", "070 0230 -> 0230", " 02301 -> 02301"});
   const auto back = [](const string& nextTime) {
+    const vq::test::LogCapture log(1);
     string dest = nextTime;
     const bool converted = TDC::ConvertNextTimeFromTimeSynonym(dest, dest);
     EXPECT_EQ(converted, dest != nextTime) << nextTime;
+    EXPECT_EQ(log.Count(1, "NextTime has illegal field length"), nextTime.size() == 13 ? 1 : 0);
     return dest;
   };
   ExpectRows(back, {"20240229263015 -> 2024030102301", "20231231240000 -> 2024010100000",

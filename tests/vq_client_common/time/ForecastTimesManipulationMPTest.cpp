@@ -50,9 +50,12 @@ class ForecastTimesTest : public ::testing::Test {
 };
 
 TEST_F(ForecastTimesTest, ReadsOffset) {
-  const auto offset = [&](const std::string& text) -> std::string {
+  const auto offset = [&](const std::string& text) -> std::string {  // with the bracket it misses
+    m_log.Clear();
     try {
-      return std::to_string(m_times.GetUtcOffset(text));
+      const std::string seconds = std::to_string(m_times.GetUtcOffset(text));
+      return seconds + (m_log.Contains("', missing left bracket") ? " left" : "") +
+             (m_log.Contains("', missing right bracket") ? " right" : "");
     } catch (const std::out_of_range&) {
       return "raised";
     }
@@ -74,10 +77,10 @@ TEST_F(ForecastTimesTest, ReadsOffset) {
                       "(1:00) -> raised",
                       "(:00) -> raised",
                       "x(.5) -> raised",
-                      "GMT+2 -> 0",
-                      "GMT+02:00) -> 0",
-                      "() -> 0",
-                      ")(GMT+02:00 -> 0"});
+                      "GMT+2 -> 0 left",
+                      "GMT+02:00) -> 0 left",
+                      "() -> 0 right",
+                      ")(GMT+02:00 -> 0 right"});
 }
 
 TEST_F(ForecastTimesTest, ReadsNewDay) {
