@@ -48,9 +48,7 @@ int main(int, char** argv) {
       result = SetUserPassword(ReadLine().Text(), false);
     } else if (command.Text() == "logout") {
       result = GL_LogOut(true);
-    } else if (command.Text() == "exit") {
       exit_vqclient_common();
-      result = 1;
     } else {
       return 0;
     }

@@ -51,6 +51,7 @@ class FaultMatrixTest : public ProxiedFixture,
  protected:
   // Whether the function ends so, and in time.
   void Expect(const std::string& expected) {
+    RecordProperty("cases", ++m_cases);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(OutcomeOf(GetParam()), expected) << m_log.Text();
     EXPECT_LT(std::chrono::steady_clock::now() - start, kLimit);
@@ -70,6 +71,8 @@ class FaultMatrixTest : public ProxiedFixture,
     if (prepares) Prepare(GetParam());
     Expect(GetParam().success);
   }
+
+  int m_cases = 0;
 };
 
 TEST_P(FaultMatrixTest, FailsAtEachCall) {
