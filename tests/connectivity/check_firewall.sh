@@ -33,20 +33,20 @@ soon() { # soon COMMAND... : tries it for half a minute
   cat "$work/output"
   exit 1
 }
-server() { nsenter --net --target "$other" "$@"; }
 unshare --net sleep 300 &
 other=$!
+server="nsenter --net --target $other"  # no function: of one in the background the shell alone ends
 has_left() { [ "$(readlink "/proc/$other/ns/net")" != "$(readlink /proc/self/ns/net)" ]; }
 soon has_left
 ip link add vqclient type veth peer name vqserver netns "$other"
 ip address add $here/24 dev vqclient
-server ip address add $there/24 dev vqserver
+$server ip address add $there/24 dev vqserver
 for device in lo vqclient; do ip link set $device up; done
-for device in lo vqserver; do server ip link set $device up; done
+for device in lo vqserver; do $server ip link set $device up; done
 
-server "$naming_service" $there 2809 "$work/naming" >"$work/output" 2>&1 &
-soon server bash -c "true </dev/tcp/$there/2809"
-server "$simulator" --site "$work/site.json" --server central --endpoint iiop://$there:5000 \
+$server "$naming_service" $there 2809 "$work/naming" >"$work/output" 2>&1 &
+soon $server bash -c "true </dev/tcp/$there/2809"
+$server "$simulator" --site "$work/site.json" --server central --endpoint iiop://$there:5000 \
   --naming corbaloc:iiop:$there:2809/NameService --ready-file "$work/ready" >>"$work/output" 2>&1 &
 soon test -e "$work/ready"
 
@@ -57,7 +57,7 @@ expect() { # expect TEXT... : each stands in what the doctor finds
 expect "[good] callback to $here" "[good] callback over the client's connection"
 
 # It drops what opens a connection towards the client; connections that are open go on.
-server nft "add table inet vq;
+$server nft "add table inet vq;
   add chain inet vq out { type filter hook output priority 0 ; };
   add rule inet vq out ip daddr $here tcp flags & (syn|ack) == syn drop" ||
   { echo "nft does not work here"; exit 77; }
