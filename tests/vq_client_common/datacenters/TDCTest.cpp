@@ -194,13 +194,14 @@ TEST(TimeSynonymsTest, ConvertsNextTimes) {
     string dest = nextTime;
     const bool converted = TDC::ConvertNextTimeFromTimeSynonym(dest, dest);
     EXPECT_EQ(converted, dest != nextTime) << nextTime;
-    EXPECT_EQ(log.Count(1, "NextTime has illegal field length"), nextTime.size() == 13 ? 1 : 0);
+    const bool isWrong = nextTime.size() == 13 || nextTime.size() == 5;
+    EXPECT_EQ(log.Count(1, "NextTime has illegal field length"), isWrong ? 1 : 0);
     return dest;
   };
   ExpectRows(back, {"20240229263015 -> 2024030102301", "20231231240000 -> 2024010100000",
                     "99991231240000 -> 10000010100000", "20240231263015 -> 2024023102301",
                     "20240229233015 -> 20240229233015", "2630 -> 0230",
-                    "2024022926301 -> 2024022926301", " -> "});
+                    "2024022926301 -> 2024022926301", "02301 -> 02301", " -> "});
 }
 
 TEST(TimeSynonymsTest, RefusesBadTimes) {
