@@ -319,6 +319,46 @@ HALF_TO_PROFILE = message(REQUEST, Out().long(5).long(3).short(1).long(0).octets
     b"\1\1\2").text("CRB_Ping").long(0).data + bytes(8), flags=3)
 
 
+def answered_and_ended(call):
+    """The answer and the end of TLS at once, on a connection that stays open for a moment."""
+    call.connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_CORK, 1)
+    answered(call)
+    call.connection.settimeout(0.05)
+    with contextlib.suppress(OSError, ValueError):
+        call.connection.unwrap()
+    call.connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_CORK, 0)
+    call.peer.wait(0.3)
+    return False
+
+
+def deaf(count):
+    """Programs at the client's own port that call it and do not read; then the answer."""
+    calls = b"".join(own_call(number) for number in range(1, 6000, 2))
+
+    def fill(call, end):
+        connection = socket.socket()
+        connection.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 2048)
+        connection.connect(call.peer.places["client"][:2])
+        connection.settimeout(0.4)
+        rest = b""
+        with call.peer.lock:
+            call.peer.open.append(connection)
+        with contextlib.suppress(OSError):
+            while time.monotonic() < end:
+                rest = rest or calls
+                rest = rest[connection.send(rest):]
+
+    def act(call):
+        end = time.monotonic() + 1.5
+        fillers = [threading.Thread(target=fill, args=(call, end)) for _ in range(count)]
+        for filler in fillers:
+            filler.start()
+        for filler in fillers:
+            filler.join()
+        return answered(call)
+    return act
+
+
 def half_handshakes(call):
     """Beginnings of TLS handshakes at the client's own port."""
     with call.peer.lock:

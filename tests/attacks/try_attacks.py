@@ -50,7 +50,8 @@ class Row:
     root: tuple = ("naming",)  # the places in the naming service's address
     tls: str = ""  # the server's context; "none": TLS is on and the server has none
     naming_tls: str = ""
-    own_tls: bool = False  # the client has a certificate, and the port "client"
+    own_port: bool = False  # the client listens at the place "client"
+    own_tls: bool = False  # there, with a certificate
     version: int = 2  # of GIOP, in the references and in the naming service's address
     arguments: tuple = ()
     keep_alives: int = 0  # more than 0: a session
@@ -151,6 +152,9 @@ ROWS = [
     Row("a naming service stops to read, and sends half a call, bidirectional", results=(54,),
         instead=h.HALF_TO_PROFILE, arguments=("-BiDirPolicy", "1"), limit=BINDINGS + 1,
         logged="TIMEOUT"),
+
+    Row("programs that call the client and do not read", {UNREGISTER: h.deaf(4)}, own_port=True,
+        keep_alives=1, results=(1, 1, 1), limit=0.7),
 
     # The time is over while a thread of the ORB's adds to the reply.
     Row("a large reply bit by bit, bidirectional",
@@ -276,6 +280,9 @@ ROWS = [
     Row("TLS, half handshakes at the client's own port",
         {UNREGISTER: h.then(h.half_handshakes, h.answered, 0.1)}, tls="good", own_tls=True,
         keep_alives=1, results=(1, 1, 1)),
+    Row("TLS ended with each answer, bidirectional", {op: h.answered_and_ended for op in (
+        "_non_existent", "CRB_GetSystemParameterValue", CHALLENGE, REGISTER)}, results=(1,),
+        tls="good", arguments=("-BiDirPolicy", "1")),
     Row("TLS, closed while idle", {ALIVE: [h.then(h.answered, h.closed, 0.2)]}, tls="good",
         results=(1, 1, 1, 1), keep_alives=2),
     Row("TLS 1.1", tls="TLS 1.1", results=(54,), logged="L1 TLS: .*no TLS version"),
@@ -401,7 +408,8 @@ class World:
                   "-ORBInitRef", f"NameService={self.root}/NameService", "-ORBConnectTimeout",
                   str(int(TIME_OUT * 1000)), "-ORBCallTimeout", str(int(TIME_OUT * 1000)),
                   "-ORBListenEndpoints",
-                  f"iiop://127.0.0.1:{self.own_place[1] if row.own_tls else ''}", *row.arguments]
+                  f"iiop://127.0.0.1:{self.own_place[1] if row.own_port or row.own_tls else ''}",
+                  *row.arguments]
         if row.tls:
             words += ["-SSLCACertificate", work / "ca.pem"]
         if row.own_tls:
