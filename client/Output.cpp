@@ -13,6 +13,16 @@ namespace {
 bool printed = false;
 std::string errors;  // all so far
 
+// A terminal obeys control characters, which a server or a naming service may send.
+std::string Printable(std::string text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    const bool endsLine = c == '\n' || (c == '\r' && text[i + 1] == '\n');
+    if ((c < ' ' && c != '\t' && !endsLine) || c == 0x7F) text[i] = '?';
+  }
+  return text;
+}
+
 }  // namespace
 
 OutputForm& Form() {
@@ -21,12 +31,12 @@ OutputForm& Form() {
 }
 
 void PrintError(const std::string& message) {
-  std::cerr << "vqclient: " << message << '\n';
+  std::cerr << "vqclient: " << Printable(message) << '\n';
   errors += (errors.empty() ? "" : "\n") + message;
 }
 
 void PrintText(const std::string& text) {
-  if (!Form().json) std::cout << text;
+  if (!Form().json) std::cout << Printable(text);
 }
 
 void PrintLine(const std::string& line) {
