@@ -18,7 +18,9 @@ std::string Printable(std::string text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto c = static_cast<unsigned char>(text[i]);
     const bool endsLine = c == '\n' || (c == '\r' && text[i + 1] == '\n');
-    if ((c < ' ' && c != '\t' && !endsLine) || c == 0x7F) text[i] = '?';
+    const bool isPair = c == 0xC2 && (text[i + 1] & 0xE0) == 0x80;  // U+0080 to U+009F
+    if (isPair) text.erase(i, 1);
+    if (isPair || (c < ' ' && c != '\t' && !endsLine) || c == 0x7F) text[i] = '?';
   }
   return text;
 }

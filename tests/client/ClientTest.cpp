@@ -104,7 +104,7 @@ TEST_F(ClientTest, EveryCommandAndOption) {
       {"login -n NAMING --kind GAS", 2, "",
        "required: the naming service knows no server of kind GAS;", usage},
       {"nonsense", 2, "", "unknown command 'nonsense'\n", usage},
-      {"non\x1b[2Jsense", 2, "", "unknown command 'non?[2Jsense'\n", usage},
+      {"n\x1b[\xc2\x9bs\xc3\xa9", 2, "", "unknown command 'n?[?s\xc3\xa9'\n", usage},
       {"logn -s x", 2, "", "did you mean 'login'?"},
       {"login --sever x", 2, "", "unknown option '--sever'; did you mean '--server'?"},
       {"login @alice --kind XYZ", 2, "", "not one of GSR, GAS, QIMS, Forecast, CMS, SLS"},

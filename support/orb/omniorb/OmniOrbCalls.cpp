@@ -134,8 +134,7 @@ bool IsDead(const giopStrand& strand, bool takesCalls) {
   const CheckedConnection& connection = CheckedConnection::Of(strand);
   if (connection.Socket() < 0) return false;
   if (!takesCalls && connection.HasRest()) return true;
-  return vq::orb::IsDead(connection.Socket(), IsTls(strand), takesCalls) ||
-         connection.HasEndedTls();
+  return vq::orb::IsDead(connection.Socket(), IsTls(strand), takesCalls) || connection.HasEnded();
 }
 
 // Whether the server closed the connection in order. omniORB does not read the message that says so
@@ -320,6 +319,9 @@ class CheckedRope : public Base {
     auto& attempt = *static_cast<GIOP_C*>(client);
     try {
       if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
+      if (attempt.strand().connection != nullptr) {
+        CheckedConnection::Of(attempt.strand()).ForgetReplyTo(attempt);
+      }
       if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt);
       Base::releaseClient(client);
     } catch (const omniORB::fatalException& exception) {
@@ -417,7 +419,8 @@ class CheckedRope : public Base {
     if (strand.connection == nullptr || !strand.isBiDir()) return;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
     EndWriting(attempt);
-    while (IsBeingRead(strand)) omni_thread::sleep(0, 1'000'000);
+    constexpr int kMost = 100;  // milliseconds for the replies to other threads that have arrived
+    for (int i = 0; IsBeingRead(strand, i >= kMost); ++i) omni_thread::sleep(0, 1'000'000);
     DropUnfinished(strand);
   }
 
@@ -440,10 +443,12 @@ class CheckedRope : public Base {
     }
   }
 
-  bool IsBeingRead(giopStrand& strand) {
+  // Nobody begins to read when it is false or `stop` was true.
+  bool IsBeingRead(giopStrand& strand, bool stop) {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-    strand.state(giopStrand::DYING);
-    return strand.rd_nwaiting < 0;
+    const bool isBeingRead = strand.rd_nwaiting < 0;
+    if (stop || !isBeingRead) strand.state(giopStrand::DYING);
+    return isBeingRead;
   }
 
   // False when the connection was idle and is dead, and has been discarded.

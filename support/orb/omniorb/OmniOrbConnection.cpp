@@ -218,6 +218,11 @@ std::uint32_t NumberIn(const unsigned char* data, bool littleEndian) {
   return number;
 }
 
+bool AwaitsReply(omni::GIOP_C& call) {
+  return call.state() == omni::IOP_C::RequestInProgress ||
+         call.state() == omni::IOP_C::WaitingForReply;
+}
+
 bool IsDeleted(omni::giopStrand& strand) {
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
   return strand.deletePending();
@@ -285,16 +290,15 @@ int CheckedConnection::Send(void* data, std::size_t size, const omni_time_t& dea
     if (deadline) end = std::min(end, deadline);
   }
   if (!IsTls()) return m_connection.Send(data, size, end);
-  return Exchange([=](SSL* tls) { return SSL_write(tls, data, static_cast<int>(size)); }, end);
+  constexpr std::size_t kRecord = 16384;
+  const int length = static_cast<int>(std::min(size, kRecord));
+  return Exchange([=](SSL* tls) { return SSL_write(tls, data, length); }, end);
 }
 
 int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& deadline) {
   auto* const bytes = static_cast<unsigned char*>(data);
   const int received = Receive(bytes, size, deadline);
-  if (received <= 0) {
-    AwaitTakenReplies();
-    return received;
-  }
+  if (received <= 0) return End(received);
   const auto length = static_cast<std::size_t>(received);
   std::size_t used = 0;
   if (m_toCome == 0) {
@@ -304,16 +308,32 @@ int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& dea
     m_isBetweenMessages = false;
     if (m_headerSize < m_header.size()) return received;
     m_headerSize = 0;
-    if (!BeginMessage()) return -1;
+    if (!BeginMessage()) return End(-1);
   }
   const std::size_t body = std::min(length - used, m_toCome);
   m_toCome -= body;
-  if (!NoteId(bytes + used, body)) return -1;
+  if (!NoteId(bytes + used, body)) return End(-1);
   m_isBetweenMessages = m_toCome == 0 && m_unfinished.empty();
   used += body;
   m_rest.insert(m_rest.begin(), bytes + used, bytes + length);
   m_hasRest = !m_rest.empty();
   return static_cast<int>(used);
+}
+
+void CheckedConnection::setSelectable(int now, CORBA::Boolean dataInBuffer) {
+  m_isWatched = true;
+  const bool hasData = dataInBuffer || m_hasRest || HasDecrypted();
+  if (auto* const tls = dynamic_cast<omni::sslConnection*>(&m_connection)) {
+    tls->SocketHolder::setSelectable(now, hasData);
+  } else {
+    m_connection.setSelectable(now, hasData);
+  }
+}
+
+CORBA::Boolean CheckedConnection::Peek() {
+  if (m_hasRest || HasDecrypted()) return true;
+  auto* const tls = dynamic_cast<omni::sslConnection*>(&m_connection);
+  return tls != nullptr ? tls->SocketHolder::Peek() : m_connection.Peek();
 }
 
 // With TLS omniORB would use OpenSSL here while another thread does, such as one that waits for the
@@ -354,9 +374,15 @@ void CheckedConnection::UseTls() {
   m_tls = tls;
 }
 
-bool CheckedConnection::HasEndedTls() const {
+// What OpenSSL has received is no longer seen at the socket.
+bool CheckedConnection::HasDecrypted() const {
   const std::lock_guard lock(m_tlsMutex);
-  return m_tls != nullptr && SSL_get_shutdown(m_tls) != 0;
+  return m_tls != nullptr && SSL_pending(m_tls) > 0;
+}
+
+bool CheckedConnection::HasEnded() const {
+  const std::lock_guard lock(m_tlsMutex);
+  return m_hasEnded || (m_tls != nullptr && SSL_get_shutdown(m_tls) != 0);
 }
 
 // Reads or writes, as omniORB does with TLS. While it waits, other threads can use the connection.
@@ -368,6 +394,7 @@ int CheckedConnection::Exchange(Function exchange, const omni_time_t& deadline) 
     {
       const std::lock_guard lock(m_tlsMutex);
       if (m_tls == nullptr) return -1;
+      ERR_clear_error();  // An earlier error on this thread would count for this one.
       const int length = exchange(m_tls);
       if (length > 0) return length;
       error = SSL_get_error(m_tls, length);
@@ -407,7 +434,10 @@ int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni
 // Whether omniORB may receive the message of this header.
 bool CheckedConnection::BeginMessage() {
   m_idSize = 0;
-  if (std::memcmp(m_header.data(), "GIOP", 4) != 0) return true;  // omniORB closes the connection.
+  if (std::memcmp(m_header.data(), "GIOP", 4) != 0) {
+    End(-1);
+    return true;  // omniORB closes the connection.
+  }
   m_size = NumberIn(&m_header[8], (m_header[6] & 1) != 0);
   const int kind = m_header[7];
   const bool isBare = IsLast() || (kind == GIOP::Fragment && !HasId());
@@ -417,10 +447,8 @@ bool CheckedConnection::BeginMessage() {
   // 1.2 it skips an answer to a question that nobody asked while it holds a lock.
   const bool isUseless = kind == GIOP::CancelRequest || (kind == GIOP::LocateReply && !HasId());
   if (isUseless || isTooLarge || (!isBare && m_size < m_id.size())) return Refuse(m_size);
-  if (kind == GIOP::CloseConnection) {
-    m_closedInOrder = m_unfinished.empty();
-    AwaitTakenReplies();
-  }
+  m_closedInOrder = kind == GIOP::CloseConnection && m_unfinished.empty();
+  if (IsLast()) End(-1);
   m_toCome = m_size;
   return HasId() || IsLast() || MayFollow(kNoId);
 }
@@ -464,9 +492,8 @@ bool CheckedConnection::MayFollow(std::uint64_t id) {
   if (isOpen || MoreFollows()) {
     m_unfinished[id] += m_size;
     m_kept += m_size;
-    const bool isTooMuch =
-        m_unfinished.size() > kMost || m_kept > omni::orbParameters::giopMaxMsgSize;
-    if (!IsReadByCaller() && isTooMuch) return Refuse(m_kept);
+    const bool isTooLarge = !IsReadByCaller() && m_kept > omni::orbParameters::giopMaxMsgSize;
+    if (isTooLarge || m_unfinished.size() > kMost) return Refuse(m_kept);
   }
   if (!MoreFollows() && isOpen) m_kept -= m_unfinished.extract(id).mapped();
   return true;
@@ -485,35 +512,43 @@ bool CheckedConnection::IsInHand(std::uint64_t id) const {
 }
 
 void CheckedConnection::NoteReply(std::uint32_t id) {
+  if (m_strand == nullptr) return;
+  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+  const bool isAwaited = AnyOf<omni::GIOP_C>(m_strand->clients, [id](omni::GIOP_C& call) {
+    return AwaitsReply(call) && RequestIdOf(call) == id;
+  });
+  if (!isAwaited) return;
   const std::lock_guard lock(m_mutex);
-  auto* reply = std::ranges::find(m_replies, id, &Reply::id);
-  if (reply == m_replies.end()) {
-    reply = &m_replies.at(m_nextReply++ % m_replies.size());
-    *reply = {id, false};
-  }
-  if (m_toCome == 0 && !MoreFollows()) reply->whole = true;
+  bool& whole = m_replies[id];
+  if (m_toCome == 0 && !MoreFollows()) whole = true;
+}
+
+void CheckedConnection::ForgetReplyTo(omni::GIOP_C& call) {
+  const std::lock_guard lock(m_mutex);
+  m_replies.erase(RequestIdOf(call));
 }
 
 bool CheckedConnection::HasReplyTo(omni::GIOP_C& call, bool whole) const {
   const std::lock_guard lock(m_mutex);
-  const auto* reply = std::ranges::find(m_replies, RequestIdOf(call), &Reply::id);
-  return reply != m_replies.end() && (reply->whole || !whole);
+  const auto reply = m_replies.find(RequestIdOf(call));
+  return reply != m_replies.end() && (reply->second || !whole);
 }
 
 bool CheckedConnection::HasUntakenReply() const {
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
   if (m_strand->state() == omni::giopStrand::DYING) return false;
   return AnyOf<omni::GIOP_C>(m_strand->clients, [this](omni::GIOP_C& call) {
-    const bool waits = call.state() == omni::IOP_C::RequestInProgress ||
-                       call.state() == omni::IOP_C::WaitingForReply;
-    return waits && HasReplyTo(call, true);
+    return AwaitsReply(call) && HasReplyTo(call, true);
   });
 }
 
-// omniORB would report the end of the connection to a caller whose reply has arrived.
-void CheckedConnection::AwaitTakenReplies() const {
+// No call begins on it any more. omniORB would report the end to callers whose replies have
+// arrived, so they get the time to take these.
+int CheckedConnection::End(int result) {
+  m_hasEnded = true;
   while (m_strand != nullptr && m_strand->isBiDir() && HasUntakenReply())
     omni_thread::sleep(0, 1'000'000);
+  return result;
 }
 
 }  // namespace vq::orb

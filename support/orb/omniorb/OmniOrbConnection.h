@@ -50,16 +50,17 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   int Socket() const { return m_socket; }  // -1 for an unknown transport
   void ServeStrand(omni::giopStrand& strand) { m_strand = &strand; }
 
-  // Whether at least a part of the reply to a recent call has arrived, or the whole of it.
+  // Whether at least a part of the reply to a call has arrived, or the whole of it, until the call
+  // has ended and its reply is forgotten.
   bool HasReplyTo(omni::GIOP_C& call, bool whole) const;
+  void ForgetReplyTo(omni::GIOP_C& call);
   // Whether omniORB has received a CloseConnection, and no message had begun before.
   bool WasClosedInOrder() const { return m_closedInOrder; }
   bool IsBetweenMessages() const { return m_isBetweenMessages; }
   // Whether data has arrived that omniORB has not received yet.
   bool HasRest() const { return m_hasRest; }
-  // Whether the peer has ended TLS and a thread has received that, so that the socket no longer
-  // shows it.
-  bool HasEndedTls() const;
+  // Whether a thread has received the end of the connection, which the socket then no longer shows.
+  bool HasEnded() const;
   // Whether omniORB waits for calls that arrive over it.
   bool IsWatched() const { return m_isWatched; }
 
@@ -75,34 +76,27 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   const char* peeridentity() override { return m_connection.peeridentity(); }
   void* peerdetails() override { return m_connection.peerdetails(); }
   CORBA::Boolean gatekeeperCheckSpecific(omni::giopStrand* strand) override;
-  void setSelectable(int now, CORBA::Boolean dataInBuffer) override {
-    m_isWatched = true;
-    m_connection.setSelectable(now, dataInBuffer || m_hasRest);
-  }
+  void setSelectable(int now, CORBA::Boolean dataInBuffer) override;
   void clearSelectable() override {
     m_connection.clearSelectable();
     m_isWatched = false;
   }
   CORBA::Boolean isSelectable() override { return m_connection.isSelectable(); }
-  CORBA::Boolean Peek() override { return m_hasRest || m_connection.Peek(); }
+  CORBA::Boolean Peek() override;
 
  private:
   ~CheckedConnection() override;  // omniORB counts references.
-
-  // What has arrived for one call.
-  struct Reply {
-    std::uint32_t id = 0;
-    bool whole = false;
-  };
 
   static constexpr std::uint64_t kNoId = std::uint64_t{1} << 32U;  // before GIOP 1.2
 
   bool IsTls() const;
   void UseTls();
+  bool HasDecrypted() const;
   template <class Function>
   int Exchange(Function exchange, const omni_time_t& deadline);
   int Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline);
   bool BeginMessage();
+  int End(int result);
   bool Refuse(std::uint64_t size);
   bool IsReadByCaller() const;
   bool NoteId(const unsigned char* body, std::size_t size);
@@ -115,7 +109,6 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   }
   bool MoreFollows() const { return (m_header[6] & 2) != 0; }
   bool HasUntakenReply() const;
-  void AwaitTakenReplies() const;
 
   omni::giopActiveConnection* const m_opened;  // null for an accepted one
   omni::giopConnection& m_connection;
@@ -138,12 +131,12 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   std::vector<unsigned char> m_rest;
   std::atomic<bool> m_hasRest = false;
   std::atomic<bool> m_isBetweenMessages = true;
+  std::atomic<bool> m_hasEnded = false;
   std::atomic<bool> m_closedInOrder = false;
   std::atomic<bool> m_isWatched = false;
 
   mutable std::mutex m_mutex;
-  std::array<Reply, 16> m_replies;  // the latest
-  std::size_t m_nextReply = 0;
+  std::map<std::uint32_t, bool> m_replies;  // to calls in progress, and whether they are whole
 };
 
 // Ends the threads that wait for calls over own connections. For the end of the process.
