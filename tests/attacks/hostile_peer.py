@@ -271,6 +271,15 @@ def half_stray(call):
                              call.version, size=20000))
 
 
+def among_strays(call):
+    """The answer, replies to requests that are still to come, and CloseConnection, all at once."""
+    answer = call.answer()
+    strays = b"".join(message(REPLY, Out().long(call.id + 99 + i).long(0).long(0).data,
+                              call.version) for i in range(20))
+    call.connection.sendall(answer + strays + message(CLOSE, b"", call.version))
+    return False
+
+
 def begun(size):
     """The first fragment of the reply, of `size` bytes, then CloseConnection."""
     def act(call):

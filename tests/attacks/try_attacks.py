@@ -129,6 +129,8 @@ ROWS = [
         limit=1, logged="no answer from <silent>", tao={"logged": ""}),
     Row("a keep-alive forwarded to no address", {ALIVE: [h.forwarded()]}, results=(1, 54, 1),
         keep_alives=2),
+    Row("a keep-alive forwarded to a dead address for good",
+        {ALIVE: [h.forwarded("dead", status=4)]}, results=(1, 54, 1), keep_alives=2, tao=None),
     lost("forwarded to many dead addresses", {REGISTER: h.forwarded(*["dead"] * 40)}),
     lost("forwarded to a silent address", {REGISTER: h.forwarded("silent")},
          logged="no answer from <silent>", tao={"logged": ""}),
@@ -204,6 +206,9 @@ ROWS = [
                               ("closed right behind the reply", h.closed, 0),
                               ("reset right behind the reply", h.reset, 0),
                               ("CloseConnection right behind the reply", h.close_orderly, 0))),
+    Row("an answer, replies to nobody and CloseConnection, bidirectional",
+        {op: h.among_strays for op in ("CRB_GetSystemParameterValue", CHALLENGE, REGISTER)},
+        results=(1,), arguments=("-BiDirPolicy", "1")),
     Row("CloseConnection after each answer", {op: h.then(h.answered, h.close_orderly) for op in (
         "_non_existent", "CRB_GetSystemParameterValue", CHALLENGE, REGISTER)}, results=(1,)),
     Row("the naming service closes after each answer",

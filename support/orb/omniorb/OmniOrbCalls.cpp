@@ -187,6 +187,10 @@ CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T&
 CORBA::Boolean CheckReply(omniInterceptors::clientReceiveReply_T::info_T& info) {
   GIOP_C& attempt = info.giop_c;
   if (IsForward(attempt)) RefuseAtEnd();
+  // From a permanent forward omniORB would not return when its place cannot be called.
+  if (attempt.replyStatus() == GIOP::LOCATION_FORWARD_PERM) {
+    attempt.replyStatus(GIOP::LOCATION_FORWARD);
+  }
   if (attempt.version().minor < 2 && attempt.replyId() != RequestIdOf(attempt)) {
     Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
   }
