@@ -35,6 +35,9 @@ std::string Indented(std::string_view text) {
       result += "\n    ";
     } else if (c == '\x7F' || (c >= 0 && c < ' ' && c != '\t')) {
       fmt::format_to(std::back_inserter(result), "\\x{:02x}", static_cast<int>(c));
+    } else if (result.ends_with('\xC2') && (c & 0xE0) == 0x80) {  // U+0080 to U+009F
+      result.pop_back();
+      fmt::format_to(std::back_inserter(result), "\\u00{:02x}", c & 0xFF);
     } else {
       result += c;
     }

@@ -166,12 +166,12 @@ TEST_F(TDiagTest, CallbackMayLog) {
 TEST_F(TDiagTest, FileSinkEscapesForeignText) {
   const vq::test::TemporaryDirectory directory;
   ASSERT_NE(TDiag::Instance()->AddFileSink(directory / "log"), 0U);
-  VQ_LOG(diagModule, 1) << "first\nL1 forged:\tsecond\r\x1b[2J\x7f\xc3\xa9";
+  VQ_LOG(diagModule, 1) << "first\nL1 forged:\tsecond\r\x1b[2J\x7f\xc2\x9b\xc3\xa9";
   VQ_LOG(TDiagFunc(diagModule, "TDiagTest::Function"), 1) << "scope of the module";
   VQ_LOG(TDiagFunc(diagModule, "TDiagTestOther"), 1) << "another scope";
   EXPECT_THAT(directory.Read("log"),
               MatchesRegex(".* L1 TDiagTest: first\n"
-                           "    L1 forged:\tsecond.x0d.x1b.2J.x7f\xc3\xa9\n"
+                           "    L1 forged:\tsecond.x0d.x1b.2J.x7f.u009b\xc3\xa9\n"
                            ".* L1 TDiagTest::Function: scope of the module\n"
                            ".* L1 .TDiagTest. TDiagTestOther: another scope\n"));
   EXPECT_EQ(TDiag::Instance()->AddFileSink("/dev/null/not-a-directory/log"), 0U);
