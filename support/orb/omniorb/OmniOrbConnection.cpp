@@ -485,7 +485,7 @@ bool CheckedConnection::MayFollow(std::uint64_t id) {
   const bool isOpen = m_unfinished.contains(id);
   const bool begins = kind == GIOP::Request || kind == GIOP::LocateRequest;
   if (kind == GIOP::Fragment ? !isOpen
-                             : (isOpen && (begins || id == kNoId)) || (begins && IsInHand(id))) {
+                             : (isOpen && (begins || id == kNoId)) || (begins && StaysInHand(id))) {
     VQ_LOG(diagModule, 2) << peeraddress() << " sent a message out of turn, which is refused";
     return false;
   }
@@ -496,6 +496,16 @@ bool CheckedConnection::MayFollow(std::uint64_t id) {
     if (isTooLarge || m_unfinished.size() > kMost) return Refuse(m_kept);
   }
   if (!MoreFollows() && isOpen) m_kept -= m_unfinished.extract(id).mapped();
+  return true;
+}
+
+// The peer may use a number again when it has the reply, which is a moment before the call has
+// ended here.
+bool CheckedConnection::StaysInHand(std::uint64_t id) const {
+  for (int i = 0; i < 100; ++i) {
+    if (!IsInHand(id)) return false;
+    omni_thread::sleep(0, 1'000'000);
+  }
   return true;
 }
 

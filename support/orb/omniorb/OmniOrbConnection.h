@@ -101,6 +101,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool IsReadByCaller() const;
   bool NoteId(const unsigned char* body, std::size_t size);
   bool MayFollow(std::uint64_t id);
+  bool StaysInHand(std::uint64_t id) const;
   bool IsInHand(std::uint64_t id) const;
   void NoteReply(std::uint32_t id);
   bool HasId() const { return m_header[5] >= 2; }
