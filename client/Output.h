@@ -1,8 +1,8 @@
 // What vqclient prints: data on stdout, messages on stderr.
 //
 // With --json the data is JSON, also that of a failure. With --quiet the only messages are errors,
-// and the only data is what was asked for. In text a question mark stands for each control character
-// other than tabs and line ends.
+// and the only data is what was asked for. In text a question mark stands for each control
+// character other than tabs and line ends.
 #ifndef VQ_CLIENT_OUTPUT_H
 #define VQ_CLIENT_OUTPUT_H
 

@@ -206,7 +206,7 @@ ROWS = [
                               ("closed right behind the reply", h.closed, 0),
                               ("reset right behind the reply", h.reset, 0),
                               ("CloseConnection right behind the reply", h.close_orderly, 0))),
-    Row("an answer, replies to nobody and CloseConnection, bidirectional",
+    Row("a reply, unrequested replies and CloseConnection, bidirectional",
         {op: h.among_strays for op in ("CRB_GetSystemParameterValue", CHALLENGE, REGISTER)},
         results=(1,), arguments=("-BiDirPolicy", "1")),
     Row("CloseConnection after each answer", {op: h.then(h.answered, h.close_orderly) for op in (

@@ -447,7 +447,7 @@ class CheckedRope : public Base {
     }
   }
 
-  // Nobody begins to read when it is false or `stop` was true.
+  // After false, or with `stop`, no thread begins to read.
   bool IsBeingRead(giopStrand& strand, bool stop) {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
     const bool isBeingRead = strand.rd_nwaiting < 0;

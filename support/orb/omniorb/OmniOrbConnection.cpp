@@ -444,7 +444,7 @@ bool CheckedConnection::BeginMessage() {
   const bool isTooLarge = m_size > std::numeric_limits<std::uint32_t>::max() - m_header.size() ||
                           (!IsReadByCaller() && m_size > omni::orbParameters::giopMaxMsgSize);
   // omniORB can cancel no call, and does not end a connection on which it was asked to. Before GIOP
-  // 1.2 it skips an answer to a question that nobody asked while it holds a lock.
+  // 1.2 it skips a LocateReply without a request while it holds a lock.
   const bool isUseless = kind == GIOP::CancelRequest || (kind == GIOP::LocateReply && !HasId());
   if (isUseless || isTooLarge || (!isBare && m_size < m_id.size())) return Refuse(m_size);
   m_closedInOrder = kind == GIOP::CloseConnection && m_unfinished.empty();
