@@ -5,7 +5,6 @@
 #include <exception>
 #include <new>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <support/orb/CallDeadline.h>

@@ -7,7 +7,6 @@
 #include <map>
 #include <mutex>
 #include <string_view>
-#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
