@@ -65,8 +65,10 @@ std::vector<std::string> GetConfigDomainsDirs() {
   }
   const std::string home = GetEnvOr("VQ_HOME", "");
   const std::string host = home.empty() ? HostSettingsDirectory() : AsDirectory(home) + "config/";
+  std::vector<std::string> directories{host};
   const std::string user = GetUserSettingsDirectory();
-  return user.empty() ? std::vector{host} : std::vector{user, host};
+  if (!user.empty()) directories.insert(directories.begin(), user);
+  return directories;
 }
 
 }  // namespace vq
