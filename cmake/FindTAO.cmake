@@ -1,13 +1,14 @@
 # Finds ACE+TAO, in this order:
 #
-#   1. its own CMake package (TAO-config.cmake, or ACE_TAO-config.cmake), which offers TAO::<library>;
+#   1. its own CMake package (TAO-config.cmake, or ACE_TAO-config.cmake), which offers
+#      TAO::<library>;
 #   2. pkg-config (TAO.pc and its like);
 #   3. ACE_ROOT and TAO_ROOT, as variables of CMake or of the environment: a source tree that was
 #      built in place, or the prefix where it was installed. TAO_ROOT defaults to ACE_ROOT/TAO.
 #
-# Sets TAO_FOUND, TAO_VERSION, TAO_FOUND_BY, TAO_LIBRARY_DIR, TAO_IDL_COMMAND (how tao_idl is called),
-# TAO_NAMING_PROGRAM (tao_cosnaming, which may be missing) and, for other pkg-config files, TAO_PC_MODULES or else TAO_PC_CFLAGS and TAO_PC_LIBS. Makes the
-# targets
+# Sets TAO_FOUND, TAO_VERSION, TAO_FOUND_BY, TAO_LIBRARY_DIR, TAO_IDL_COMMAND (how tao_idl is
+# called), TAO_NAMING_PROGRAM (tao_cosnaming, which may be missing) and, for other pkg-config files,
+# TAO_PC_MODULES or else TAO_PC_CFLAGS and TAO_PC_LIBS. Makes the targets
 #
 #   vq::tao          the ORB with what a client needs, and ACE
 #   vq::tao_ssliop   TLS; only where TAO's libraries and headers for it are found

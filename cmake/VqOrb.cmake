@@ -17,8 +17,7 @@ if(VQ_ORB STREQUAL "omniORB")
   if(NOT OMNIORB_omniORB4_VERSION MATCHES "^4\\.[23]\\.")
     message(WARNING "omniORB ${OMNIORB_omniORB4_VERSION} is unknown: this library was tried with "
       "4.2.5 and 4.3.3. It uses interfaces that omniORB does not promise to keep, in "
-      "support/orb/omniorb/OmniOrbInternals.cpp and OmniOrbSslContext.cpp. If it compiles, run all "
-      "tests before you rely on it.")
+      "support/orb/omniorb. If it compiles, run all tests before you rely on it.")
   endif()
   find_program(VQ_OMNIIDL omniidl REQUIRED)
   target_link_libraries(vq_orb_product INTERFACE PkgConfig::OMNIORB)

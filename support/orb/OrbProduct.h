@@ -1,9 +1,9 @@
 // The seam between this system and the ORB product it was built with.
 //
-// One implementation file a product (OmniOrbProduct.cpp, TaoProduct.cpp) defines what is declared
-// here; nothing else in the tree depends on the product. The translation of our settings into the
-// product's options is a pure function beside it (OmniOrbOptions.h, TaoOptions.h), so that a table
-// can test it.
+// The room of each product (omniorb/OmniOrbProduct.cpp, tao/TaoProduct.cpp) defines what is
+// declared here; nothing outside these rooms depends on the product. The translation of our
+// settings into the product's options is a pure function there (OmniOrbOptions.h, TaoOptions.h), so
+// that a table can test it.
 #ifndef VQ_SUPPORT_ORB_ORBPRODUCT_H
 #define VQ_SUPPORT_ORB_ORBPRODUCT_H
 

@@ -145,7 +145,7 @@ bool ReadDomainScopes(const std::string& scope, DomainScopes& domain) {
                      " cannot be read; correct the file or remove it: " + layer.Error();
       return false;
     }
-    for (const std::string& from : {scope, std::string("default")}) {
+    for (const std::string& from : {scope, std::string(vq::kDefaultScope)}) {
       SettingScope& values = domain.scopes.emplace_back();
       values.origin = file + ", " + from;
       for (const KnownSetting& known : kKnown) {
