@@ -159,6 +159,7 @@ std::string ReasonText(std::span<const Reason> table, int error, const char* oth
 std::string PeerText(const SSL* connection) {
   const Peer peer = PeerOf(connection);
   const std::string name = WantedName(connection);
+  if (peer.address.empty()) return name.empty() ? "a host that has gone" : name;
   return (name.empty() ? peer.address : name) + ":" + peer.port;
 }
 
@@ -368,11 +369,12 @@ int JudgeCertificate(int verified, X509_STORE_CTX& context, const TlsSettings& s
   }
   if (verified == 1) return 1;
   const int error = X509_STORE_CTX_get_error(&context);
-  const std::string peer = PeerText(connection);
+  Handshake* const handshake = Handshake::Of(connection);
+  const std::string peer = handshake != nullptr ? handshake->peer : PeerText(connection);
   const std::string reason = ReasonText(kReasons, error, X509_verify_cert_error_string(error));
   VQ_LOG(diagModule, 1) << "The certificate of " << peer << " is refused: " << reason
                         << ". It is: " << Describe(certificate);
-  if (Handshake* const handshake = Handshake::Of(connection)) handshake->reported = true;
+  if (handshake != nullptr) handshake->reported = true;
   if (SSL_is_server(connection) == 0) {
     NoteCause("The certificate of " + peer + " is refused: " + reason);
   }
