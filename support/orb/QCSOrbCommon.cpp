@@ -45,6 +45,12 @@ void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
                               "; take one of these:" + known);
 }
 
+void ReportNotStarted(const TDiagFunc& diag, const std::string& orbName,
+                      const std::invalid_argument& why) {
+  vq::orb::NoteCause(why.what());
+  VQ_LOG(diag, 1) << "The ORB " << orbName << " is not started: " << why.what();
+}
+
 void ReportNoNamingService(const TDiagFunc& diag, const CORBA::Exception& exception) {
   vq::orb::NoteCause(std::string("no naming service is configured; set ") + vq::orb::kInitRef);
   VQ_LOG(diag, 1) << "No naming service is configured. Set " << vq::orb::kInitRef
@@ -117,8 +123,7 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
       return true;
     }
   } catch (const std::invalid_argument& e) {
-    vq::orb::NoteCause(e.what());
-    VQ_LOG(diag, 1) << "The ORB " << orbName << " is not started: " << e.what();
+    ReportNotStarted(diag, orbName, e);
   } catch (const CORBA::Exception& e) {
     vq::orb::NoteCause("the ORB does not start: " + vq::orb::ExceptionText(e) +
                        "; check its -ORB options and -ORBListenEndpoints");
@@ -132,21 +137,16 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
 bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
                                 std::vector<std::string>& productArguments) {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReadSettings");
-  vq::orb::DomainScopes domain;
-  if (!vq::orb::ReadDomainScopes(scope, domain)) {
-    vq::orb::NoteCause(domain.error);
-    VQ_LOG(diag, 1) << domain.error;
-    return false;
-  }
   try {
+    vq::orb::DomainScopes domain;
+    if (!vq::orb::ReadDomainScopes(scope, domain)) throw std::invalid_argument(domain.error);
     const vq::orb::OrbArguments arguments = vq::orb::SplitArguments(argc, argv);
     m_settings =
         std::make_unique<vq::orb::OrbSettings>(vq::orb::ResolveSettings(arguments, domain.scopes));
     ResolvePublishedHost(*m_settings);
     productArguments = arguments.rest;
   } catch (const std::invalid_argument& e) {
-    vq::orb::NoteCause(e.what());
-    VQ_LOG(diag, 1) << "The ORB " << scope << " is not started: " << e.what();
+    ReportNotStarted(diag, scope, e);
     return false;
   }
   for (const vq::orb::ResolvedSetting& setting : m_settings->table) {
