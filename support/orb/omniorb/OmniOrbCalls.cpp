@@ -49,8 +49,8 @@ using CommFailure = omni::giopStream::CommFailure;
 
 TDiagRegister diagModule("ORB");
 
-// Bounds the attempts of one call, each of which needs a connection, new or idle: against a peer
-// that closes each connection or forwards in circles.
+// Bounds the attempts of one call, each of which needs a connection, new or idle and alive: against
+// a peer that closes each connection or forwards in circles.
 constexpr int kMostConnections = 16;
 
 // Elements of a list, bytes of a list of numbers or characters of a string in one message. omniORB
@@ -309,6 +309,7 @@ class CheckedRope : public Base {
       try {
         GIOP_C& attempt = Connected(ior, key, keySize, *descriptor, tried, connectEnd);
         if (IsUsable(attempt)) return &attempt;
+        --call.connections;
       } catch (const CommFailure& failure) {
         descriptor->setDeadline(call.end);
         if (++tried >= AddressCount() || connectEnd <= Now()) {
@@ -526,7 +527,7 @@ void InstallCalls(const OrbSettings& settings) {
 void EndCalls() {
   ending = true;
   const std::unique_lock last(opens);
-  for (int i = 0; !CloseBiDirectional() && i < 1000; ++i) omni_thread::sleep(0, 1'000'000);
+  CloseBiDirectional();
 }
 
 }  // namespace vq::orb

@@ -152,6 +152,8 @@ class Endpoint : public Watcher, public omni::giopEndpoint {
   std::unique_ptr<omni::giopEndpoint> m_endpoint;
 };
 
+std::atomic<bool> openForGuest = false;
+
 constexpr const char* kTransport = "checked";
 
 // Creates such endpoints for names that begin with kTransport.
@@ -255,12 +257,18 @@ std::string CheckedEndpoint(const std::string& endpoint) {
 }
 
 CheckedConnection::CheckedConnection(omni::giopActiveConnection& opened)
-    : m_opened(&opened), m_connection(opened.getConnection()), m_socket(SocketOf(m_connection)) {
+    : m_opened(&opened),
+      m_connection(opened.getConnection()),
+      m_socket(SocketOf(m_connection)),
+      m_isGuests(openForGuest) {
   UseTls();
 }
 
 CheckedConnection::CheckedConnection(giopConnection& accepted)
-    : m_opened(nullptr), m_connection(accepted), m_socket(SocketOf(m_connection)) {
+    : m_opened(nullptr),
+      m_connection(accepted),
+      m_socket(SocketOf(m_connection)),
+      m_isGuests(false) {
   Watcher::Add(m_connection, *this);
 }
 
@@ -271,6 +279,10 @@ CheckedConnection::~CheckedConnection() {
 
 CheckedConnection& CheckedConnection::Of(const omni::giopStrand& strand) {
   return dynamic_cast<CheckedConnection&>(*strand.connection);
+}
+
+void CheckedConnection::OpenForGuest(bool hasGuest) {
+  openForGuest = hasGuest;
 }
 
 omni::giopActiveCollection* CheckedConnection::registerMonitor() {

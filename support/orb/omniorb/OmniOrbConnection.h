@@ -50,6 +50,10 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   int Socket() const { return m_socket; }  // -1 for an unknown transport
   void ServeStrand(omni::giopStrand& strand) { m_strand = &strand; }
 
+  // Whether it was opened while there was a guest (OmniOrbGuest.h), at whose end it is closed.
+  bool IsGuests() const { return m_isGuests; }
+  static void OpenForGuest(bool hasGuest);
+
   // Whether at least a part of the reply to a call has arrived, or the whole of it, until the call
   // has ended and its reply is forgotten.
   bool HasReplyTo(omni::GIOP_C& call, bool whole) const;
@@ -114,6 +118,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   omni::giopActiveConnection* const m_opened;  // null for an accepted one
   omni::giopConnection& m_connection;
   const int m_socket;
+  const bool m_isGuests;
   mutable std::mutex m_tlsMutex;
   SSL* m_tls = nullptr;  // after the handshake
   std::mutex m_handshake;

@@ -1,38 +1,15 @@
 #include <support/orb/omniorb/OmniOrbGuest.h>
 
-#include <atomic>
-#include <mutex>
-#include <set>
-
 #include <omniORB4/omniInterceptors.h>
 #include <omniORB4/omniORB.h>
 
 #include <support/orb/OrbProduct.h>
+#include <support/orb/omniorb/OmniOrbConnection.h>
 
 namespace vq::orb {
 namespace {
 
 using omni::omniInterceptors;
-
-// The names of the connections that were opened while a guest existed.
-struct Notes {
-  std::atomic<bool> taken = false;
-  std::mutex mutex;
-  std::set<std::string> opened;
-
-  static Notes& Instance() {
-    static auto* const notes = new Notes;
-    return *notes;
-  }
-};
-
-CORBA::Boolean NoteOpened(omniInterceptors::clientOpenConnection_T::info_T& info) {
-  Notes& notes = Notes::Instance();
-  if (!notes.taken) return true;
-  const std::lock_guard lock(notes.mutex);
-  notes.opened.insert(ConnectionName(info));
-  return true;
-}
 
 thread_local bool cameOverOwnConnection = false;
 
@@ -44,7 +21,6 @@ CORBA::Boolean NoteConnection(omniInterceptors::serverReceiveRequest_T::info_T& 
 }  // namespace
 
 void OmniOrbGuest::Install() {
-  omniORB::getInterceptors()->clientOpenConnection.add(NoteOpened);
   omniORB::getInterceptors()->serverReceiveRequest.add(NoteConnection);
 }
 
@@ -53,18 +29,12 @@ bool CameOverOwnConnection() {
 }
 
 OmniOrbGuest::OmniOrbGuest() {
-  Notes::Instance().taken = true;
+  CheckedConnection::OpenForGuest(true);
 }
 
 OmniOrbGuest::~OmniOrbGuest() {
-  Notes& notes = Notes::Instance();
-  notes.taken = false;
-  std::set<std::string> opened;
-  {
-    const std::lock_guard lock(notes.mutex);
-    opened.swap(notes.opened);
-  }
-  CloseConnections(opened);
+  CheckedConnection::OpenForGuest(false);
+  CloseGuestConnections();
 }
 
 const std::vector<std::string>& OmniOrbGuest::Listen(const std::string& endpoint) {

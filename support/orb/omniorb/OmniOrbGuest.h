@@ -4,7 +4,7 @@
 // omniORB closes a connection minutes after its last use, and a bidirectional one only when the ORB
 // ends; it opens its endpoints once for the whole process. A trial must leave nothing behind. So it
 // has its own listening server inside omniORB, whose end closes its ports and its incoming
-// connections and ends its threads. The connections that the process opens meanwhile are recorded,
+// connections and ends its threads. The connections that the process opens meanwhile are marked,
 // and closed at the end.
 //
 //   OmniOrbGuest::Install();  // once after each ORB_init

@@ -41,16 +41,15 @@ void SendCloseConnection(giopStrand& strand) {
   strand.connection->Send(message.data(), message.size(), omni_time_t());
 }
 
-// Closes the named connections in one of omniORB's lists, whose lock is held. An idle one is
+// Closes the connections of guests in one of omniORB's lists, whose lock is held. An idle one is
 // deleted at once: omniORB counts marked connections against its limit, so some of them would make
 // the next call wait, and the scan that deletes them wakes no waiting call. Only connections that
 // take calls are left to that scan.
-void Close(omni::StrandList& list, const std::set<std::string>& names) {
+void CloseGuests(omni::StrandList& list) {
   for (omni::StrandList* link = list.next; link != &list;) {
     auto* const strand = static_cast<giopStrand*>(link);
     link = link->next;
-    if (strand->connection == nullptr || !names.contains(ConnectionName(*strand->connection)))
-      continue;
+    if (strand->connection == nullptr || !CheckedConnection::Of(*strand).IsGuests()) continue;
     SendCloseConnection(*strand);
     strand->connection->Shutdown();
     strand->state(giopStrand::DYING);
@@ -73,6 +72,22 @@ void Remove(giopServer* server) {
   server->stop();
   server->remove();
   place = host;
+}
+
+// False while omniORB has not noticed the end of one.
+bool TryToCloseBiDirectional() {
+  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+  bool isNoticed = true;
+  for (auto* link = giopStrand::active.next; link != &giopStrand::active; link = link->next) {
+    auto& strand = *static_cast<giopStrand*>(link);
+    if (!strand.isBiDir() || strand.connection == nullptr) continue;
+    if (strand.state() != giopStrand::DYING) SendCloseConnection(strand);
+    strand.state(giopStrand::DYING);
+    strand.connection->Shutdown();
+    strand.rdcond.broadcast();
+    if (CheckedConnection::Of(strand).IsWatched()) isNoticed = false;
+  }
+  return isNoticed;
 }
 
 // In seconds; returns the one before. omniORB's threads may read it at any time.
@@ -100,27 +115,16 @@ LongerEnd::~LongerEnd() {
   SetScanPeriod(m_usual);
 }
 
-void CloseConnections(const std::set<std::string>& names) {
+void CloseGuestConnections() {
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
   const CORBA::ULong usualBeats = std::exchange(giopStrand::idleOutgoingBeats, 1U);
-  Close(giopStrand::active, names);
-  Close(giopStrand::active_timedout, names);
+  CloseGuests(giopStrand::active);
+  CloseGuests(giopStrand::active_timedout);
   giopStrand::idleOutgoingBeats = usualBeats;
 }
 
-bool CloseBiDirectional() {
-  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-  bool isNoticed = true;
-  for (auto* link = giopStrand::active.next; link != &giopStrand::active; link = link->next) {
-    auto& strand = *static_cast<giopStrand*>(link);
-    if (!strand.isBiDir() || strand.connection == nullptr) continue;
-    if (strand.state() != giopStrand::DYING) SendCloseConnection(strand);
-    strand.state(giopStrand::DYING);
-    strand.connection->Shutdown();
-    strand.rdcond.broadcast();
-    if (CheckedConnection::Of(strand).IsWatched()) isNoticed = false;
-  }
-  return isNoticed;
+void CloseBiDirectional() {
+  for (int i = 0; !TryToCloseBiDirectional() && i < 1000; ++i) omni_thread::sleep(0, 1'000'000);
 }
 
 CallTarget TargetOf(omni::GIOP_C& call) {

@@ -5,7 +5,6 @@
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBINTERNALS_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBINTERNALS_H
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -48,20 +47,14 @@ class LongerEnd {
   const unsigned int m_usual;
 };
 
-// The two ends of a connection, as a name that no other open connection of the process has. `Ends`
-// is a connection of omniORB, or what an interceptor gets of it.
-template <class Ends>
-std::string ConnectionName(Ends& connection) {
-  return std::string(connection.myaddress()) + " " + connection.peeraddress();
-}
-
-// Closes the outgoing connections with these names, with a CloseConnection message. No call may be
-// in progress on them.
-void CloseConnections(const std::set<std::string>& names);
+// Closes the connections that were opened for a guest, with a CloseConnection message. No call may
+// be in progress on them.
+void CloseGuestConnections();
 
 // Closes the outgoing connections that take calls, and fails the calls that wait for a reply on
-// them. False while omniORB has not noticed the end of one: its own end would forget that one.
-bool CloseBiDirectional();
+// them. Returns when omniORB has noticed the end of all, within a second: its own end would forget
+// the others.
+void CloseBiDirectional();
 
 // The destination of one request. All members are borrowed from the request.
 struct CallTarget {

@@ -145,7 +145,7 @@ void OmniOrbTransport::LeaveAtExit() {
   OmniOrbTransport& transport = Instance();
   const std::unique_lock lock(transport.m_mutex, std::try_to_lock);
   if (lock && !transport.m_users.empty() && transport.m_process == ::getpid()) {
-    for (int i = 0; !CloseBiDirectional() && i < 1000; ++i) omni_thread::sleep(0, 1'000'000);
+    CloseBiDirectional();
     StopWatching();
   }
 }
