@@ -16,10 +16,8 @@ os_time_period SystemClock() {
 
 }  // namespace
 
-os_time_and_date::os_time_and_date(os_time time, os_date date) : m_utc(date.start()) {
-  m_utc = m_utc + time.since_midnight();
-  SetWallClock(m_utc);
-}
+os_time_and_date::os_time_and_date(os_time time, os_date date)
+    : os_time_and_date(time, date, os_time_zone::greenwich()) {}
 
 os_time_and_date::os_time_and_date(os_time time, os_date date, const os_time_zone& zone) {
   const os_time_period wallClock = date.start() + time.since_midnight();
