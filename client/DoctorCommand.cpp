@@ -8,7 +8,6 @@
 #include <map>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 #include <unistd.h>
 
@@ -286,24 +285,22 @@ class Doctor {
                         (message.empty() ? "" : "\n" + message));
       return kSuccess;
     }
-    const std::string text = error.what();
     const auto [cause, next] = SplitCause(error.Cause());
-    const bool isGate = text.find("is not compatible with") != std::string::npos;
-    const bool isPassword = text.find("password is incorrect") != std::string::npos;
     const vq::LoginResult result = error.Result();
+    // A failure with code 0 and without a cause is the server's answer to the registration.
     const char* const advice =
-        isGate ? "Install the client of the server's version, or accept that version in "
-                 "min-accepted-servers.txt."
-        : result == vq::LoginResult::kPasswordExpired ? "Change it: vqclient passwd."
+        result == vq::LoginResult::kPasswordExpired ? "Change it: vqclient passwd."
         : result == vq::LoginResult::kAccountLocked
             ? "Ask the site's administrator to unlock the account."
         : result == vq::LoginResult::kNotAuthorized
             ? "Ask the site's administrator for the right to log in."
-        : isPassword   ? "Check user and password, including upper and lower case."
+        : result == vq::LoginResult::kFailed && cause.empty()
+            ? "Check user and password, including upper and lower case."
         : next.empty() ? "Look at the server's log; -v prints the log of this client."
                        : next.c_str();
-    Bad(isGate ? "version gate" : "login",
-        "code " + std::to_string(error.Code()) + ": " + text + (cause.empty() ? "" : "\n" + cause),
+    Bad("login",
+        "code " + std::to_string(error.Code()) + ": " + error.what() +
+            (cause.empty() ? "" : "\n" + cause),
         advice);
     return ExitCodeOf(result);
   }

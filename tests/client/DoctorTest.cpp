@@ -155,7 +155,7 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
          site["server"]["version"] = "7.0.00";
          StartServer({.site = site});
        },
-       "doctor @alice", 1, "version gate: code 0", "min-accepted-servers.txt"},
+       "doctor @alice", 1, "this client refuses the version", "min-accepted-servers.txt"},
       {"no callback works",
        [&] {
          json site = BaseSite();

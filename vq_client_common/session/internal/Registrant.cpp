@@ -19,7 +19,8 @@ bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
                   << " SystemUserName=" << account;
   // Intentional: an empty name is the failure, not the call's result.
   if (account.empty()) {
-    orb::NoteCause("the account of this process has no name");
+    orb::NoteCause("the account of this process has no name of at most " +
+                   std::to_string(accountSize - 1) + " bytes");
     VQ_LOG(diag, 1) << "couldn't get system user name.";
     return false;
   }

@@ -178,6 +178,9 @@ bool PassVersionGate(QCSCorbaUsersManager_ptr users, const std::string& clientVe
 
     if (result == kVersionRefusedByServer) {
       message = RefusedByServerText(serverKind, settings, clientVersion, serverVersion);
+      orb::NoteCause(
+          "the server refuses the version of this client; install the client of the server's "
+          "version");
       VQ_LOG(diag, 1) << message;
       return false;
     }
@@ -188,6 +191,9 @@ bool PassVersionGate(QCSCorbaUsersManager_ptr users, const std::string& clientVe
         return true;
       }
       message = RefusedByClientText(serverKind, settings, clientVersion, serverVersion);
+      orb::NoteCause(
+          "this client refuses the version of the server; install the client of the server's "
+          "version, or accept that version in min-accepted-servers.txt");
       VQ_LOG(diag, 1) << message;
       return false;
     }
