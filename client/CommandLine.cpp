@@ -51,7 +51,8 @@ const std::vector<SharedOption>& SharedOptions() {
       {"kind", "k", "VQ_KIND", "", "GSR|GAS|QIMS|Forecast|CMS|SLS",
        "Kind of the server; default GSR"},
       {"naming", "n", "VQ_NAMING", kInitRef, "HOST:PORT",
-       "Address of the naming service, or its reference (corbaloc:..., IOR:...)"},
+       "Address of the naming service (HOST alone: port 2809), or its reference (corbaloc:..., "
+       "IOR:...)"},
       {"user", "u", "VQ_USER", "", "NAME", "User; without it and a password file vqclient asks"},
       {"password-file", "f", "VQ_PASSWORD_FILE", "", "FILE",
        "File with user= and password= lines that only you can read. Without it vqclient asks for "

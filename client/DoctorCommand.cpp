@@ -168,9 +168,11 @@ class Doctor {
     address.resize(std::min(address.find_first_of("/,"), address.size()));  // of several the first
     address.erase(0, address.find(':') + 1);                                // no protocol
     address.erase(0, address.find('@') + 1);                                // no version
-    const std::size_t colon = address.rfind(':');
-    if (colon == std::string::npos) return place;
-    std::from_chars(&address[colon + 1], address.data() + address.size(), place.port);
+    place.port = 2809;  // of an address without one
+    const std::size_t colon = address.find(':', address.starts_with('[') ? address.find(']') : 0);
+    if (colon != std::string::npos) {
+      std::from_chars(&address[colon + 1], address.data() + address.size(), place.port);
+    }
     place.host = address.substr(0, colon);
     if (place.host.starts_with('[')) place.host = place.host.substr(1, place.host.size() - 2);
     return place;

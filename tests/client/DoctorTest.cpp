@@ -86,7 +86,7 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
   } rows[] = {
       {"no naming service is configured", start, "doctor -s central -u alice", 55,
        "naming service: no naming service", "vqclient config set naming HOST:PORT"},
-      {"its host is unknown", start, "doctor -s central -n no.such.host.invalid:2809", 55,
+      {"its host is unknown", start, "doctor -s central -n no.such.host.invalid", 55,
        "naming service: the host no.such.host.invalid cannot be resolved",
        "This host cannot resolve the name 'no.such.host.invalid'"},
       {"it is down", start, "doctor -s central -n 127.0.0.1:1", 55,
