@@ -6,7 +6,6 @@
 #include <charconv>
 #include <chrono>
 #include <cstdlib>
-#include <string_view>
 
 #include <CLI/CLI.hpp>
 
@@ -36,7 +35,7 @@ unsigned int Seconds(std::string_view text) {
 }
 
 std::string SiteScope(const std::string& site) {
-  return "site " + site;
+  return std::string(kSiteScope) + site;
 }
 
 }  // namespace
@@ -245,7 +244,7 @@ void CommandLine::FindValues() {
 
 void CommandLine::Apply(bool needsServer) {
   if (verbosity > 0) {
-    TDiag::Instance()->SetMinimumDebugLevel(std::min(verbosity + 3, TDiag::kTrace));
+    TDiag::Instance()->SetMinimumDebugLevel(verbosity + 3);
     TDiag::Instance()->AddStandardErrorSink();
   }
   FindValues();

@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -41,7 +42,7 @@ struct SharedOption {
 const std::vector<SharedOption>& SharedOptions();
 // By its name or by the ORB's; null for none.
 const SharedOption* FindSharedOption(const std::string& name);
-// The first one whose name of the ORB's is in the text; null for none.
+// The first option of the ORB whose ORB name occurs in the text; null for none.
 const SharedOption* SettingNamedIn(const std::string& text);
 
 // The origin of a value, in order of precedence.
@@ -52,6 +53,9 @@ struct Value {
   Source source = Source::kCommandLine;
   std::string origin;  // for display
 };
+
+// Begins the scope of a site; its name follows.
+inline constexpr std::string_view kSiteScope = "site ";
 
 // The scope of a setting in the configuration domain; `site` may be empty.
 std::string ScopeOf(const SharedOption& option, const std::string& site);

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <set>
-#include <string_view>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -82,11 +81,11 @@ int Store(const CommandLine& line, const Change& change) {
 }
 
 int ShowSites() {
-  constexpr std::string_view kPrefix = "site ";
   std::string error;
   std::set<std::string> sites;
   for (const vq::StoredSetting& setting : vq::ReadStoredSettings(error)) {
-    if (setting.scope.starts_with(kPrefix)) sites.insert(setting.scope.substr(kPrefix.size()));
+    if (setting.scope.starts_with(kSiteScope))
+      sites.insert(setting.scope.substr(kSiteScope.size()));
   }
   PrintJson(sites, -1);
   for (const std::string& site : sites) PrintText(site + '\n');

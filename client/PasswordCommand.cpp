@@ -53,7 +53,7 @@ int Change(CommandLine& line) {
   if (vq::IsLoggedIn(result)) {
     PrintLine("The password is changed.");
   } else if (result != vq::LoginResult::kPasswordRefusedByPolicy) {
-    // It may have changed it all the same, when its reply was lost.
+    // The server has changed it if only the reply was lost.
     PrintError("The server did not confirm the change (code " + std::to_string(vq::CodeOf(result)) +
                ").");
   }
