@@ -6,9 +6,9 @@ std::unique_ptr<CLI::App> MakeProgram(Arguments& arguments) {
   auto program = std::make_unique<CLI::App>(
       "A server to try and test clients with, from one JSON file", "vq_simulator");
   program->set_version_flag("--version", VQ_VERSION);
-  arguments.site = VQ_SAMPLE_SITE;
-  program->add_option("--site", arguments.site, "The site: what the server serves (JSON)")
-      ->capture_default_str()
+  program
+      ->add_option("--site", arguments.site,
+                   "The site: what the server serves (JSON). Without it the installed sample")
       ->type_name("FILE");
   CLI::Option* const naming =
       program

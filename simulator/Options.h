@@ -17,7 +17,7 @@ namespace vq::sim {
 enum Status { kDone = 0, kBadUse = 2, kNoNaming = 3, kNoOrb = 4, kNoFile = 5 };
 
 struct Arguments {
-  std::string site;  // a file
+  std::string site;  // a file; empty: the installed sample
   std::string server = "vqserver";
   std::vector<std::string> kinds;
   std::string log;

@@ -134,6 +134,11 @@ std::unique_ptr<Naming> Connect(CORBA::ORB_ptr orb, bool justStarted) {
   }
 }
 
+std::string SampleSite() {
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+  return (program.parent_path() / VQ_SAMPLE_SITE).lexically_normal();
+}
+
 int Run(const Arguments& arguments, const sigset_t& signals) {
   PrepareCredentials();
   World world;
@@ -214,6 +219,7 @@ int main(int argc, char** argv) {
       naming = std::make_unique<NamingProcess>();
       arguments.orb.naming = naming->Reference();
     }
+    if (arguments.site.empty()) arguments.site = SampleSite();
     return Run(arguments, signals);
   } catch (const std::invalid_argument& error) {
     // An unusable site (SiteError), a malformed endpoint, or unusable TLS settings.
@@ -225,6 +231,7 @@ int main(int argc, char** argv) {
     return kNoOrb;
   } catch (const std::exception& error) {
     std::cerr << "vq_simulator: " << error.what() << '\n';
-    return kNoFile;
+    // Without its reference, a naming service of its own has not started.
+    return arguments.ownNaming && arguments.orb.naming.empty() ? kNoNaming : kNoFile;
   }
 }

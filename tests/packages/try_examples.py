@@ -36,8 +36,9 @@ class Servers:
     """A naming service and a simulator on free loopback ports, for as long as a `with` lasts."""
 
     def __init__(self, simulator, site, environment, work, *arguments):
-        self.command = [simulator, "--site", site, "--server", "central", *arguments]
-        self.site, self.environment, self.work, self.processes = site, environment, work, []
+        self.command = [simulator, *(["--site", site] if site else []), "--server", "central", *arguments]
+        self.site = site or simulator.resolve().parents[1] / "share/vq/simulator/site.json"
+        self.environment, self.work, self.processes = environment, work, []
 
     def start(self, ready, out, *command):
         with open(out, "wb") as file:
@@ -110,8 +111,7 @@ def complaint(prefix, example, program, work):
                     "LD_LIBRARY_PATH": ":".join([  # the ORB product's may lie anywhere
                         str(next(prefix.glob("lib/**/libvq_client_common.so")).parent),
                         *filter(None, [os.environ.get("VQ_ORB_LIBRARIES")])])}
-    with Servers(prefix / "bin/vq_simulator", prefix / "share/vq/simulator/site.json", environment,
-                 work) as servers:
+    with Servers(prefix / "bin/vq_simulator", None, environment, work) as servers:
         arguments = [line.replace("@NAMING@", servers.naming)
                      for line in lines_of(example / "arguments.txt")]
         given = example / "input.txt"
