@@ -78,9 +78,8 @@ NamingProcess::NamingProcess()
     Stop();
   }
   RemoveDirectory();
-  throw std::runtime_error(
-      "the naming service does not start; is its program installed (omniNames, in the package "
-      "omniorb-nameserver)?");
+  throw std::runtime_error(std::string("the naming service does not start by the command: ") +
+                           kCommand);
 }
 
 NamingProcess::~NamingProcess() {
