@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <ctime>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -32,6 +33,24 @@ void Compare(benchmark::State& state, Library library, Peer peer) {
   }
   state.counters["peer_s"] = Median(theirs);
   state.counters["ratio"] = Median(ours) / Median(theirs);
+}
+
+// The same for two pieces of work, timed by that clock.
+template <class Library, class Peer>
+void CompareBy(clockid_t clock, benchmark::State& state, Library library, Peer peer) {
+  const auto now = [clock] {
+    std::timespec time{};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+  };
+  const auto secondsOf = [now](auto& work) {
+    const double start = now();
+    work();
+    benchmark::ClobberMemory();
+    return now() - start;
+  };
+  Compare(
+      state, [&] { return secondsOf(library); }, [&] { return secondsOf(peer); });
 }
 
 }  // namespace vq

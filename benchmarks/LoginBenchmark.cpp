@@ -8,7 +8,6 @@
 // In a cold login whole processes take turns: `vqclient login` and a program that makes the same
 // calls through the stubs and loads the same libraries.
 
-#include <chrono>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -100,26 +99,12 @@ class World {
 
 World* world = nullptr;
 
-template <class Call>
-double Seconds(Call call) {
-  const auto start = std::chrono::steady_clock::now();
-  call();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// Compares two pieces of work by elapsed time.
-template <class Library, class Stubs>
-void Compare(benchmark::State& state, Library library, Stubs stubs) {
-  vq::Compare(
-      state, [&] { return Seconds(library); }, [&] { return Seconds(stubs); });
-}
-
 void Parameter(benchmark::State& state) {
   Require(world->Login(kLong) == 1, "no login");
   const std::string userId = ConnectionSettings::Get()->GetUserID();
   std::string value;
-  Compare(
-      state,
+  vq::CompareBy(
+      CLOCK_MONOTONIC, state,
       [&] { Require(GetSystemParameter("Language", value, "general", E_GSR), "no parameter"); },
       [&] {
         CORBA::String_var text;
@@ -133,8 +118,8 @@ BENCHMARK(Parameter)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(1.
 void KeepAlive(benchmark::State& state) {
   Require(world->Login(kLong) == 1, "no login");
   const std::string userId = ConnectionSettings::Get()->GetUserID();
-  Compare(
-      state, [] { benchmark::DoNotOptimize(GL_ClientKeepAlive()); },
+  vq::CompareBy(
+      CLOCK_MONOTONIC, state, [] { benchmark::DoNotOptimize(GL_ClientKeepAlive()); },
       [&] { benchmark::DoNotOptimize(world->users->CRB_ClientKeepAlive(userId.c_str())); });
 }
 BENCHMARK(KeepAlive)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(1.0);
@@ -142,16 +127,16 @@ BENCHMARK(KeepAlive)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(1.
 void ColdLogin(benchmark::State& state) {
   world->ColdLogin();  // the first run of each brings the files into memory
   world->ColdLoginByStubs();
-  Compare(
-      state, [] { world->ColdLogin(); }, [] { world->ColdLoginByStubs(); });
+  vq::CompareBy(
+      CLOCK_MONOTONIC, state, [] { world->ColdLogin(); }, [] { world->ColdLoginByStubs(); });
 }
 BENCHMARK(ColdLogin)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(40);
 
 // Last, when the file with the client's version is old enough: from then on it is read only when it
 // changes.
 void Login(benchmark::State& state) {
-  Compare(
-      state, [] { Require(world->Login(kShort) == 1, "a login fails"); },
+  vq::CompareBy(
+      CLOCK_MONOTONIC, state, [] { Require(world->Login(kShort) == 1, "a login fails"); },
       [] { Require(world->LoginByStubs() == 1, "a login through stubs fails"); });
 }
 BENCHMARK(Login)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(1.0);

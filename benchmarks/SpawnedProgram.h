@@ -20,7 +20,7 @@ struct ProgramTimes {
   double elapsed;
 };
 
-// Runs the program with an environment of these variables alone; an empty one switches nothing on.
+// Runs the program with these environment variables only, so that no setting of the host applies.
 // Throws when it does not start or fails.
 inline ProgramTimes RunProgram(std::vector<std::string> arguments,
                                std::vector<std::string> environment = {}) {

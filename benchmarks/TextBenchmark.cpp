@@ -13,7 +13,6 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <random>
 #include <sstream>
 #include <string>
@@ -37,28 +36,12 @@ void Require(bool condition, const char* what) {
   std::exit(2);
 }
 
-// The processor time of this thread, so that other load on the host does not count.
-double Now() {
-  std::timespec now{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-template <typename Call>
-double Seconds(Call call) {
-  const double start = Now();
-  call();
-  benchmark::ClobberMemory();
-  return Now() - start;
-}
-
-// The benchmark's time is that of `work`.
+// Compares by the processor time of this thread, so that other load on the host does not count.
 template <typename Work, typename Peer>
 void Compare(benchmark::State& state, Work work, Peer peer) {
   peer();
   work();
-  vq::Compare(
-      state, [&] { return Seconds(work); }, [&] { return Seconds(peer); });
+  vq::CompareBy(CLOCK_THREAD_CPUTIME_ID, state, work, peer);
 }
 
 std::string JobText(std::size_t size) {
