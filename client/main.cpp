@@ -23,7 +23,7 @@ int main(int argc, char** argv) {
       program->exit(e);  // prints the help or the version that was asked for
       return FinishOutput(kSuccess);
     }
-    // CLI11 does not parse the options behind an error.
+    // CLI11 does not parse the options after an error.
     Form().json |= std::find(line.own.begin(), line.own.end(), "--json") != line.own.end();
     PrintError(Explain(*program, e) + "\nSee vqclient --help and vqclient COMMAND --help.");
     line.exitCode = kUsage;

@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } catch (const os_toolkit_error&) {
   }
   const std::string text = times.ConvertTimeToString(t, "DC");
-  // Cut off "(+24852)" and look for two colons and no sign behind it.
+  // Cut off "(+24852)" and look for two colons and no sign after it.
   const std::string clock =
       text.substr(text.find(')') == std::string::npos ? 0 : text.find(')') + 1);
   const bool isClock = clock.size() == 8 && clock[2] == ':' && clock[5] == ':';

@@ -1,7 +1,6 @@
 // Version texts, new-day times and job times, as a server or a user may write them.
 //
-// An input is two lines: a version with its fix-pack level, and a new-day time; then, behind the
-// second line end, a time.
+// An input is two lines, a version with its fix-pack level and a new-day time, and then a time.
 
 #include <string_view>
 

@@ -18,7 +18,7 @@ std::string Sentence(std::string text) {
   return text;
 }
 
-// The options of one group; of the empty one those that only this command has.
+// The rows of one group; options of this command alone are in the group "".
 std::string Rows(const Command& command, const std::string& group) {
   std::string rows;
   for (const Option& option : command.options) {

@@ -1,9 +1,9 @@
+#include <manual/Pages.h>
+
 #include <fstream>
 #include <iostream>
 
 #include <CLI/CLI.hpp>
-
-#include <manual/Pages.h>
 
 namespace vq::manual {
 namespace {

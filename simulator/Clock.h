@@ -1,5 +1,5 @@
-// The clock of sessions, challenges and locks. It can be advanced, so that a test of a time-out
-// need not wait.
+// The clock of sessions and challenges. It can be advanced, so that a test of a time-out need not
+// wait.
 //
 // Thread safety: any thread.
 #ifndef VQ_SIMULATOR_CLOCK_H

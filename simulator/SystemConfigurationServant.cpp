@@ -18,7 +18,7 @@ void SystemConfigurationServant::CRB_GetSystemParameterValue(const char* section
   std::string text;
   call.Run([&] {
     const auto site = m_world.GetSite();
-    // Before a login there is no user id, and parameters are readable all the same.
+    // Parameters are readable before a login, when there is no user id.
     if (*userId != '\0') UserOf(m_world, userId);
     const Parameter* parameter = site->FindParameter(section, name);
     if (parameter == nullptr) throw VQCorbaSystemConfiguration::PARAMETER_NOT_FOUND();

@@ -1,6 +1,6 @@
 // The state that all servants of one simulator process share: the current site and the sessions,
-// accounts and faults. All server kinds of a process share it, like the servers of a suite their
-// database.
+// accounts and faults. All server kinds of a process share it, as the servers of a suite share
+// their database.
 //
 // Thread safety: any thread.
 #ifndef VQ_SIMULATOR_WORLD_H

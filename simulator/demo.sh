@@ -32,8 +32,8 @@ await() { # await SECONDS COMMAND... : until the command succeeds
 listens() { (exec 3<>"/dev/tcp/127.0.0.1/$1"); }
 
 title() { printf '\n\033[1m%s\033[0m\n' "$*"; }
-# expect CODE TITLE PASSWORD ARGUMENT... : runs vqclient, its password on standard input, and insists
-# on its exit code.
+# expect CODE TITLE PASSWORD ARGUMENT... : runs vqclient with the password on stdin, and fails on
+# another exit code.
 expect() {
   local code=$1 title=$2 password=$3 result=0
   shift 3

@@ -106,7 +106,7 @@ class ConfigAPI {
 
  private:
   bool ReadInto(const std::string& path, vq::ConfigDocument& document);
-  std::optional<vq::ConfigScopes> ReadScopes(const std::string& path);  // none of a missing file
+  std::optional<vq::ConfigScopes> ReadScopes(const std::string& path);  // no scopes without a file
   bool Complain(const std::string& error);
 
   const std::string m_path;   // empty when the name cannot be a file's

@@ -23,7 +23,7 @@ std::string Folded(std::string_view text) {
 }
 
 // Passes the parser one complete line. Its own reader splits a long line and uses the first half as
-// the value, so in place of a line that does not fit it gets one that is no setting either.
+// the value, so a line that does not fit is replaced by one that is no setting.
 char* NextLine(char* buffer, int size, void* stream) {
   std::string line;
   if (size < 2 || !std::getline(*static_cast<std::istream*>(stream), line)) return nullptr;
