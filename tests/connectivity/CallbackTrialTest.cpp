@@ -10,9 +10,9 @@
 
 #include <support/configuration/ConfigAPI.h>
 #include <support/orb/ORBCommon.h>
-#include <vq_client_common/connectivity/TestCallbackI.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 #include <vq_client_common/connectivity/internal/DomainTrial.h>
+#include <vq_client_common/connectivity/internal/TestCallbackI.h>
 
 // A trial's server stays in memory where its threads do not end in time (EndsWhileNoThreadIsLeft).
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {

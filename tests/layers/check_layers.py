@@ -48,7 +48,8 @@ SESSION_ORDER = (
     "internal/Registrant", "LoginExceptions", "ServerLocale", "SettingsReport",
     "StoredSettings",
     "SystemParameterHandler", "internal/UsersManager",
-    "CorbaGlobalFuncs", "CorbaServerPackManager", "ConnectionSettings", "internal/Collaborators",
+    "CorbaGlobalFuncs", "internal/CorbaServerPackManager", "ConnectionSettings",
+    "internal/Collaborators",
     "ClientId", "ServerId", "LoginResult", "CorbaCallbackCommand",
     "VQBaseException",
 )

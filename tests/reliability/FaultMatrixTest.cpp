@@ -4,7 +4,7 @@
 
 #include <tests/reliability/ProxiedFixture.h>
 
-#include <vq_client_common/session/CorbaServerPackManager.h>
+#include <vq_client_common/session/internal/CorbaServerPackManager.h>
 
 namespace vq::test {
 namespace {

@@ -9,13 +9,13 @@
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaGlobalFuncs.h>
-#include <vq_client_common/session/CorbaServerPackManager.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/PasswordPolicy.h>
 #include <vq_client_common/session/ServerLocale.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
+#include <vq_client_common/session/internal/CorbaServerPackManager.h>
 #include <vq_idl/SystemConfigurationC.h>
 #include <vq_idl/UsersManagerC.h>
 

@@ -3,9 +3,9 @@
 #include <tests/fixture/SessionFixture.h>
 
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/CorbaServerPackManager.h>
 #include <vq_client_common/session/GlobalFuncs.h>
 #include <vq_client_common/session/LoginHandler.h>
+#include <vq_client_common/session/internal/CorbaServerPackManager.h>
 
 namespace vq::test {
 namespace {

@@ -19,8 +19,8 @@
 #include <support/orb/OwnAddresses.h>
 #include <support/orb/ReferenceAddress.h>
 #include <vq_client_common/connectivity/ORBEndpoint.h>
-#include <vq_client_common/connectivity/TestCallbackI.h>
 #include <vq_client_common/connectivity/internal/DomainTrial.h>
+#include <vq_client_common/connectivity/internal/TestCallbackI.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/internal/Collaborators.h>

@@ -7,7 +7,7 @@
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaCallbackCommand.h>
-#include <vq_client_common/session/CorbaServerPackManager.h>
+#include <vq_client_common/session/internal/CorbaServerPackManager.h>
 #include <vq_idl/SystemConfigurationC.h>
 #include <vq_idl/UsersManagerC.h>
 

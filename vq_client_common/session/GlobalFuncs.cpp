@@ -11,12 +11,12 @@
 #include <support/orb/ORBCommon.h>
 #include <vq_client_common/environment/ClientProperties.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/CorbaServerPackManager.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/LoginHandler.h>
 #include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/ServerLocale.h>
 #include <vq_client_common/session/internal/Collaborators.h>
+#include <vq_client_common/session/internal/CorbaServerPackManager.h>
 #include <vq_idl/SharedTypesC.h>
 
 namespace {

@@ -6,12 +6,12 @@
 #include <support/orb/ORBCommon.h>
 #include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/ConnectionSettings.h>
-#include <vq_client_common/session/CorbaServerPackManager.h>
 #include <vq_client_common/session/LoginExceptions.h>
 #include <vq_client_common/session/LoginResult.h>
 #include <vq_client_common/session/ServerLocale.h>
 #include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/internal/Collaborators.h>
+#include <vq_client_common/session/internal/CorbaServerPackManager.h>
 #include <vq_client_common/session/internal/Registrant.h>
 #include <vq_client_common/session/internal/UsersManager.h>
 #include <vq_client_common/session/internal/VersionGate.h>

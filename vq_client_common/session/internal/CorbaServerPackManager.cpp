@@ -1,4 +1,4 @@
-#include <vq_client_common/session/CorbaServerPackManager.h>
+#include <vq_client_common/session/internal/CorbaServerPackManager.h>
 
 #include <mutex>
 

@@ -2,8 +2,8 @@
 //
 // GetCRBServant (CorbaGlobalFuncs.h) fills it and reads it. A reference to a server that has ended
 // stays in the cache, and calls through it fail, until GL_LogOut empties the cache.
-#ifndef VQ_CLIENT_COMMON_SESSION_CORBASERVERPACKMANAGER_H
-#define VQ_CLIENT_COMMON_SESSION_CORBASERVERPACKMANAGER_H
+#ifndef VQ_CLIENT_COMMON_SESSION_INTERNAL_CORBASERVERPACKMANAGER_H
+#define VQ_CLIENT_COMMON_SESSION_INTERNAL_CORBASERVERPACKMANAGER_H
 
 #include <map>
 #include <string>
@@ -51,4 +51,4 @@ class CorbaServerPackManager {
   os_critical_section m_lock{false};
 };
 
-#endif  // VQ_CLIENT_COMMON_SESSION_CORBASERVERPACKMANAGER_H
+#endif  // VQ_CLIENT_COMMON_SESSION_INTERNAL_CORBASERVERPACKMANAGER_H

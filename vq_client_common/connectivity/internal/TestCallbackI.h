@@ -5,8 +5,8 @@
 //
 // The end of the scope deactivates the servant: the ORB refuses later calls. The servant is
 // destroyed after the last call that is being processed.
-#ifndef VQ_CLIENT_COMMON_CONNECTIVITY_TESTCALLBACKI_H
-#define VQ_CLIENT_COMMON_CONNECTIVITY_TESTCALLBACKI_H
+#ifndef VQ_CLIENT_COMMON_CONNECTIVITY_INTERNAL_TESTCALLBACKI_H
+#define VQ_CLIENT_COMMON_CONNECTIVITY_INTERNAL_TESTCALLBACKI_H
 
 #include <atomic>
 #include <memory>
@@ -103,4 +103,4 @@ class TestCallbackI : public CORBAServantWrapper<POA_TestCallback> {
   std::atomic<bool> m_overOwnConnection = false;
 };
 
-#endif  // VQ_CLIENT_COMMON_CONNECTIVITY_TESTCALLBACKI_H
+#endif  // VQ_CLIENT_COMMON_CONNECTIVITY_INTERNAL_TESTCALLBACKI_H
