@@ -92,7 +92,7 @@ bool ConvertNextTime(const TDiagFunc& diag, const std::string& nextTime, int day
   if (nextTime.size() == kLongNextTimeLength) {
     std::string time;
     if (!convertTime(nextTime.substr(kHhmmPosition, kHhmmLength), time)) return false;
-    // Intentional: with one of the two last characters alone; readers expect 13 in all.
+    // Intentional: only the first of the last two characters; readers expect 13 in all.
     dest = MoveDate(nextTime, days) + time + nextTime[kHhmmPosition + kHhmmLength];
     return true;
   }

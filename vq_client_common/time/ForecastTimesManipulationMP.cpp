@@ -37,6 +37,9 @@ std::optional<std::int32_t> ReadNewDay(std::string_view newDay) {
 // The number in a part of a summer mark, YYYYMMDD, whose day may be missing. Raises
 // std::out_of_range for a mark of fewer than `at` characters.
 std::int16_t MarkPart(const std::string& mark, std::size_t at, std::size_t count) {
+  if (mark.size() < at) {
+    throw std::out_of_range("the summer mark '" + mark + "' is not a date YYYYMMDD");
+  }
   return static_cast<std::int16_t>(vq::Atoi(mark.substr(at, count)));
 }
 
@@ -103,11 +106,8 @@ std::optional<std::uint32_t> ForecastTimesManipulationMP::FirstUnusableRecord(
     try {
       one[0] = records[i];
       ForecastTimesManipulationMP().Init({}, false, &one, useOdat);
-    } catch (const std::out_of_range&) {
-      reason = "the time zone '" + CorbaString2StlString(records[i].m_TimeZone) +
-               "' has no hours before its minutes, or the summer marks '" +
-               CorbaString2StlString(records[i].m_StartSummerTime) + "' and '" +
-               CorbaString2StlString(records[i].m_EndSummerTime) + "' are not two dates YYYYMMDD";
+    } catch (const std::out_of_range& e) {
+      reason = e.what();
       return i;
     } catch (const os_toolkit_error& e) {
       reason = e.what();
@@ -200,7 +200,11 @@ int ForecastTimesManipulationMP::GetUtcOffset(const std::string& timeZoneText) {
   const std::size_t signAt = inner.find_first_of("+-");
   const bool negative = signAt != std::string::npos && inner[signAt] == '-';
 
-  // Intentional: substr raises for fewer than two characters; callers recognise a bad text by that.
+  // Intentional: raises instead of returning 0; callers recognise a bad text by that.
+  if (separator < 2) {
+    throw std::out_of_range("the hours of the time zone '" + timeZoneText +
+                            "' have fewer than two digits");
+  }
   const int hours = vq::Atoi(inner.substr(separator - 2, 2));
   const int minutes = vq::Atoi(std::string_view(inner).substr(separator + 1));
   const std::uint32_t west = 0U - (Low32(hours) * 60U + Low32(minutes)) * 60U;

@@ -105,8 +105,8 @@ TEST_F(ForecastTimesTest, FindsFirstUnusableRecord) {
   };
   ExpectRows(find, {"(GMT)|+0700|20240701 -> none",
                     "(GMT)|0700 -> 1: the new-day time '0700' has not five char",
-                    "(1:00) -> 1: the time zone '(1:00)' has no hours befor",
-                    "(GMT)|||20240331 -> 1: the time zone '(GMT)' has no hours before",
+                    "(1:00) -> 1: the hours of the time zone '(1:00)' have ",
+                    "(GMT)|||20240331 -> 1: the summer mark '' is not a date YYYYMMDD",
                     "(GMT)||20240230 -> 1: no such date: 2024-02-30"});
 }
 
