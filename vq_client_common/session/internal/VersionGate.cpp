@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <list>
+#include <memory>
 #include <string_view>
 
 #include <support/foundations/Locations.h>
@@ -118,7 +119,8 @@ int ClientVersion(CLIENT_ID clientId, std::string& plain, std::string& withPatch
 int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
   const TDiagFunc diag(diagModule, "LoginHandler::GetMinimumServerVersionAllowed");
   const std::string path = GetVQRootLocation() + "min-accepted-servers.txt";
-  std::FILE* const file = std::fopen(path.c_str(), "re");  // e: not for child processes
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+      std::fopen(path.c_str(), "re"), std::fclose);  // e: not for child processes
   if (file == nullptr) {
     VQ_LOG(diag, 4) << "Accepted: Couldn't open file " << path << ": " << std::strerror(errno);
     return kFileDoesNotOpen;
@@ -128,7 +130,7 @@ int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
   // A line of more than 255 characters is read in pieces, each as a line of its own. The line end
   // stays in the last token, where numbers end.
   char line[256];
-  while (std::fgets(line, sizeof line, file) != nullptr) {
+  while (std::fgets(line, sizeof line, file.get()) != nullptr) {
     VQ_LOG(diag, 5) << line;
     os_tokenizer tokens(line, "\t ");
     if (tokens.size() < 2) {
@@ -137,11 +139,8 @@ int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
     }
     if (SelectsServer(tokens[0], serverId)) version = tokens[1];
   }
-  const bool failed = std::ferror(file) != 0;
-  const int error = errno;
-  std::fclose(file);
-  if (failed) {
-    VQ_LOG(diag, 1) << "Error occured while reading file " << path << ": " << std::strerror(error);
+  if (std::ferror(file.get()) != 0) {
+    VQ_LOG(diag, 1) << "Error occured while reading file " << path << ": " << std::strerror(errno);
     return 0;
   }
   return 1;
