@@ -46,7 +46,7 @@ class Registration {
     try {
       m_repository->CRB_UnregisterCallbackById(m_id);
     } catch (const CORBA::Exception& e) {
-      VQ_LOG(diagModule, 2) << "The test callback " << m_id << " stays registered: " << e;
+      VQ_LOG(diagModule, 2) << "The removal of the test callback " << m_id << " failed: " << e;
     }
   }
   Registration(const Registration&) = delete;
@@ -183,8 +183,8 @@ void TroubleshootConnection::TransformEndpoint(std::string& endpoint,
   ORBEndpoint parsed;
   try {
     parsed.fromString(endpoint);
-  } catch (const std::out_of_range& e) {
-    VQ_LOG(diagModule, 1) << "The endpoint '" << endpoint << "' stays as it is: " << e.what();
+  } catch (const std::out_of_range&) {
+    VQ_LOG(diagModule, 1) << "The endpoint '" << endpoint << "' is unchanged: it cannot be parsed";
     return;
   }
   parsed.setHostInIOR(hostInIOR, true);
