@@ -63,7 +63,7 @@ constexpr std::array kServerKinds{
     ServerKind{"SLS", ""},
 };
 
-constexpr ServerKind KindOf(SERVER_ID serverId) {
+constexpr ServerKind ServerKindOf(SERVER_ID serverId) {
   const auto index = static_cast<std::size_t>(serverId);
   return index < kServerKinds.size() ? kServerKinds[index] : ServerKind{};
 }
@@ -155,9 +155,9 @@ std::string ClientIDtoString(CLIENT_ID clientId) {
 }
 
 std::string GL_ResolveServerID(SERVER_ID serverId) {
-  return std::string(KindOf(serverId).namingKind);
+  return std::string(ServerKindOf(serverId).namingKind);
 }
 
 std::string ServerIDtoString(SERVER_ID serverId) {
-  return std::string(KindOf(serverId).words);
+  return std::string(ServerKindOf(serverId).words);
 }

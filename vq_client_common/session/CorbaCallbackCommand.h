@@ -1,4 +1,4 @@
-// A piece of work that a server's callback brings and that the client program executes.
+// A piece of work that a callback of the server creates and the client program executes.
 //
 //   class RefreshJobs : public CorbaCallbackCommand {
 //     void Execute() override { Show("jobs have changed"); }
@@ -8,8 +8,7 @@
 
 #include <support/Export.h>
 
-// One piece of work. The callback creates it on a thread of the ORB, and the client program then
-// owns it.
+// One piece of work. It is created on a thread of the ORB, and the client program then owns it.
 class VQ_CLIENT_COMMON_API CorbaCallbackCommand {
  public:
   virtual ~CorbaCallbackCommand();

@@ -40,7 +40,7 @@ struct Session::State : std::enable_shared_from_this<State> {
   LoginResult Renew();
   LoginResult ChangePassword(const std::string& newPassword, bool expired);
   void StartThread();
-  void LookAfter();
+  void KeepAliveOrRenew();
 
   std::string Message() const {
     const std::lock_guard lock(messageLock);
@@ -72,15 +72,11 @@ struct Session::State : std::enable_shared_from_this<State> {
   std::atomic<bool> refused = false;   // the last renewal was refused; more could lock the account
   std::atomic<bool> reported = false;  // onLost was called for this loss
   std::vector<CORBA::Object_var> oldReferences;
+
+  // The session of the process. The objects are never destroyed: std::exit ends the session.
+  static inline std::mutex& currentLock = *new std::mutex;
+  static inline std::weak_ptr<State>& current = *new std::weak_ptr<State>;
 };
-
-namespace {
-
-// The one session of the process. The objects are never destroyed: std::exit ends the session.
-std::mutex& theOneLock = *new std::mutex;
-std::weak_ptr<void>& theOne = *new std::weak_ptr<void>;
-
-}  // namespace
 
 void Session::State::Begin() {
   if (options.password.Text().empty() && options.credentials) {
@@ -88,12 +84,12 @@ void Session::State::Begin() {
     if (!failure.empty()) throw LoginError(LoginResult::kFailed, failure, "");
   }
   {
-    const std::lock_guard lock(theOneLock);
-    if (!theOne.expired() || LoginHandler::GetGlobal()->IsConnected()) {
+    const std::lock_guard lock(currentLock);
+    if (!current.expired() || LoginHandler::GetGlobal()->IsConnected()) {
       throw LoginError(LoginResult::kFailed, "This process is logged in already.",
                        "a process has one session at a time; end the other one first");
     }
-    theOne = weak_from_this();
+    current = weak_from_this();
   }
   std::optional<CallDeadline> deadline;  // also of the logout after a failure
   if (options.deadline.count() > 0) deadline.emplace(options.deadline);
@@ -110,8 +106,8 @@ void Session::State::Begin() {
   options.password = SecretString();
   // Registered after a login, so that it runs before the objects of the login are destroyed.
   [[maybe_unused]] static const int hooked = std::atexit([] {
-    std::unique_lock lock(theOneLock);
-    const auto session = std::static_pointer_cast<State>(theOne.lock());
+    std::unique_lock lock(currentLock);
+    const std::shared_ptr<State> session = current.lock();
     lock.unlock();
     if (session != nullptr) session->End();
   });
@@ -173,8 +169,8 @@ void Session::State::End() noexcept {
   } catch (...) {
     // The session ends by its time-out at the server.
   }
-  const std::lock_guard lock(theOneLock);
-  theOne.reset();
+  const std::lock_guard lock(currentLock);
+  current.reset();
 }
 
 LoginResult Session::State::KeepAlive() {
@@ -217,13 +213,12 @@ LoginResult Session::State::Renew() {
 LoginResult Session::State::ChangePassword(const std::string& newPassword, bool expired) {
   const std::lock_guard lock(calls);
   std::string text;
-  int code = CheckPasswordValidity(newPassword, text);
+  auto answer = static_cast<LoginResult>(CheckPasswordValidity(newPassword, text));
   SetMessage(text);
-  if (code == CodeOf(LoginResult::kSuccess)) {
-    code = SetUserPassword(newPassword, expired);
-    if (code == CodeOf(LoginResult::kSuccess) && !WasPasswordChanged()) code = 0;
-  }
-  return static_cast<LoginResult>(code);
+  if (answer != LoginResult::kSuccess) return answer;
+  answer = static_cast<LoginResult>(SetUserPassword(newPassword, expired));
+  if (answer == LoginResult::kSuccess && !WasPasswordChanged()) return LoginResult::kFailed;
+  return answer;
 }
 
 void Session::State::StartThread() {
@@ -237,13 +232,13 @@ void Session::State::StartThread() {
     std::unique_lock lock(idle);
     while (!wake.wait_for(lock, stop, self->options.keepAlive,
                           [&stop] { return stop.stop_requested(); })) {
-      self->LookAfter();
+      self->KeepAliveOrRenew();
     }
   });
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
-void Session::State::LookAfter() {
+void Session::State::KeepAliveOrRenew() {
   try {
     if (KeepAlive() == LoginResult::kSuccess || !lost) return;
     if (options.renew && !refused && IsLoggedIn(Renew())) return;

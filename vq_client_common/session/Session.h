@@ -110,7 +110,7 @@ class VQ_CLIENT_COMMON_API Session {
  private:
   struct State;
   State& Get() const;
-  std::shared_ptr<State> m_state;  // ends the session when it goes
+  std::shared_ptr<State> m_state;  // its deleter ends the session
 };
 
 }  // namespace vq
