@@ -1,6 +1,7 @@
 // Keeps a session alive, and registers again when it is lost.
 //
-//   keep_alive SERVER USER SECONDS COUNT -ORBInitRef NameService=corbaloc::HOST:2809/NameService
+//   keep_alive SERVER USER SECONDS COUNT
+//              -ORBInitRef NameService=corbaloc:iiop:HOST:2809/NameService
 //
 // The session's own thread sends the keep-alives, every SECONDS. The program reports COUNT times,
 // or until Ctrl-C. A real program takes about a third of the session's time-out as SECONDS.

@@ -59,12 +59,11 @@ int main(int argc, char** argv) {
                                return AskForNewPassword();
                              },
                          .orbArguments = {argv, argv + argc}});
+    changed = expired;
     if (!expired) {
       const vq::SecretString password = AskForNewPassword();
       changed =
           !password.Text().empty() && session.ChangePassword(password) == vq::LoginResult::kSuccess;
-    } else {
-      changed = true;
     }
   } catch (const vq::LoginError& e) {
     std::cerr << e.what() << '\n' << e.Cause() << '\n';
