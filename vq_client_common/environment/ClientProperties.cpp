@@ -70,8 +70,8 @@ std::string LocalText(const XMLCh* text) {
   return ascii;
 }
 
-// Stores the names of the elements outside the document, whose elements all have one name: the XML
-// library's table of names is slow with many names.
+// Stores the names of the elements outside the document, whose elements all have one name: the time
+// of the XML library's table of names grows with the square of their number.
 class PropertiesParser final : public vq::SafeXmlParser {
  public:
   // The entries of the parsed document; the first one of a key that occurs twice.
