@@ -7,7 +7,7 @@
 #include <omniORB4/sslContext.h>
 
 #include <support/diagnostics/TDiag.h>
-#include <support/orb/TlsVerdict.h>
+#include <support/orb/Tls.h>
 
 namespace vq::orb {
 namespace {

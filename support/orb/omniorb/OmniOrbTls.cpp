@@ -15,7 +15,7 @@
 #include <omniORB4/omniORB.h>
 
 #include <support/diagnostics/TDiag.h>
-#include <support/orb/TlsVerdict.h>
+#include <support/orb/Tls.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
 #include <support/orb/omniorb/OmniOrbProfiles.h>

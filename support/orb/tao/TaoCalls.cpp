@@ -29,7 +29,7 @@
 
 #include <support/orb/CallDeadline.h>
 #include <support/orb/ThreadText.h>
-#include <support/orb/TlsVerdict.h>
+#include <support/orb/Tls.h>
 #include <support/orb/tao/TaoConnector.h>
 #include <support/orb/tao/TaoTls.h>
 

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include <support/diagnostics/TDiag.h>
-#include <support/orb/TlsVerdict.h>
+#include <support/orb/Tls.h>
 
 namespace vq::orb {
 namespace {

@@ -32,7 +32,7 @@
 
 #include <support/orb/ReferenceAddress.h>
 #include <support/orb/ThreadText.h>
-#include <support/orb/TlsVerdict.h>
+#include <support/orb/Tls.h>
 #include <support/orb/tao/TaoCalls.h>
 #include <support/orb/tao/TaoConnector.h>
 #include <support/orb/tao/TaoOptions.h>

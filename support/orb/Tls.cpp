@@ -1,4 +1,4 @@
-#include <support/orb/TlsVerdict.h>
+#include <support/orb/Tls.h>
 
 #include <algorithm>
 #include <array>

@@ -3,8 +3,8 @@
 //
 //   std::unique_ptr<SSL_CTX, ...> context(SSL_CTX_new(TLS_method()));
 //   vq::orb::ConfigureTls(*context, settings);   // an exception names the file and the setting
-#ifndef VQ_SUPPORT_ORB_TLSVERDICT_H
-#define VQ_SUPPORT_ORB_TLSVERDICT_H
+#ifndef VQ_SUPPORT_ORB_TLS_H
+#define VQ_SUPPORT_ORB_TLS_H
 
 #include <chrono>
 #include <optional>
@@ -64,4 +64,4 @@ std::optional<std::chrono::sys_seconds> CertificateExpiry(const SSL_CTX& context
 
 }  // namespace vq::orb
 
-#endif  // VQ_SUPPORT_ORB_TLSVERDICT_H
+#endif  // VQ_SUPPORT_ORB_TLS_H
