@@ -1,5 +1,6 @@
-// Configures TLS contexts, and reports to an administrator why a TLS certificate is refused. Uses
-// OpenSSL alone, so it is the same for every ORB product.
+// TLS for every ORB product, with OpenSSL alone: the context for the settings, the check of a
+// certificate, what may go unencrypted, and for an administrator the cause of each refusal and of
+// each handshake that fails.
 //
 //   std::unique_ptr<SSL_CTX, ...> context(SSL_CTX_new(TLS_method()));
 //   vq::orb::ConfigureTls(*context, settings);   // an exception names the file and the setting
