@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <fstream>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -25,6 +26,10 @@ namespace vq::orb {
 namespace {
 
 TDiagRegister diagModule("TLS");
+
+// At the end of the process OpenSSL would end before objects that were made earlier, whose
+// destructors may still log out. So it stays.
+[[maybe_unused]] const int stays = OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 
 // A text, in which {} is the setting.
 struct Reason {
@@ -239,6 +244,20 @@ void LimitMessages(int isSent, int, int type, const void*, std::size_t, SSL* con
                                           reason != nullptr ? reason : "it cannot be read"));
 }
 
+// Whether a PEM file has that many blocks beside certificates, and no binary data. OpenSSL skips
+// what it cannot read behind a block, which may be another list.
+bool HasOnly(int blocks, const std::string& file) {
+  std::ifstream stream(file, std::ios::binary);
+  int found = 0;
+  for (std::string line; std::getline(stream, line);) {
+    const auto isBinary = [](unsigned char c) { return c < ' ' && c != '\t' && c != '\r'; };
+    if (std::ranges::any_of(line, isBinary)) return false;
+    const bool isCertificate = line.find("CERTIFICATE") != std::string::npos;
+    if (line.starts_with("-----BEGIN ") && !isCertificate) ++found;
+  }
+  return found == blocks;
+}
+
 // OpenSSL would ask for a pass phrase on the terminal.
 int NoPassPhrase(char*, int, int, void*) {
   return 0;
@@ -287,8 +306,10 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
   if (!settings.revocationList.empty()) {
     X509_STORE* const store = SSL_CTX_get_cert_store(&context);
     X509_LOOKUP* const files = X509_STORE_add_lookup(store, X509_LOOKUP_file());
-    if (files == nullptr ||
-        X509_load_crl_file(files, settings.revocationList.c_str(), X509_FILETYPE_PEM) < 1) {
+    const int lists = files == nullptr ? 0
+                                       : X509_load_crl_file(files, settings.revocationList.c_str(),
+                                                            X509_FILETYPE_PEM);
+    if (lists < 1 || !HasOnly(lists, settings.revocationList)) {
       Refuse("the file of revocation lists", settings.revocationList, kTlsRevocationList);
     }
     X509_STORE_set_flags(store, X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL);

@@ -145,6 +145,8 @@ TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
   const std::string good = m_directory.Write("good.pem", own.certificate + own.key);
   const std::string wrongKey = m_directory.Write("wrong.key", m_authority.Issue().key);
   const std::string garbage = m_directory.Write("garbage.pem", "no certificate");
+  const std::string binaryBehindList =
+      m_directory.Write("odd.crl", m_authority.RevocationList() + "0\x82\x01");
   const std::pair<Words, const char*> rows[] = {
       {{"-SSLCACertificate", "/no/such.pem"}, "'/no/such.pem' of -SSLCACertificate cannot be used"},
       {{"-SSLCACertificate", garbage}, "of -SSLCACertificate cannot be used"},
@@ -153,6 +155,8 @@ TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
       {{"-SSLCertificate", m_caFile}, "(one without a pass phrase is needed)"},
       {{"-SSLPrivateKey", good}, "-SSLCertificate is not"},
       {{"-SSLCACertificate", m_caFile, "-SSLRevocationList", m_caFile},
+       "of -SSLRevocationList cannot be used"},
+      {{"-SSLCACertificate", m_caFile, "-SSLRevocationList", binaryBehindList},
        "of -SSLRevocationList cannot be used"},
       {{"-SSLCACertificate", m_caFile, "-SSLServerNames", "*.site", "-SSLVerifyPeer", "0"},
        "is set, and -SSLVerifyPeer is 0"},
