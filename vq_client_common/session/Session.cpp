@@ -62,7 +62,8 @@ struct Session::State : std::enable_shared_from_this<State> {
   LoginResult result = LoginResult::kFailed;
   std::shared_ptr<const UserAuthorizations> authorizations;
   std::atomic<bool> lost = false;
-  std::atomic<bool> ended = false;
+  std::atomic<bool> ends = false;
+  std::atomic<bool> hasEnded = false;
   std::jthread thread;
   mutable std::mutex messageLock;
   std::string message;
@@ -76,7 +77,13 @@ struct Session::State : std::enable_shared_from_this<State> {
   // The session of the process. The objects are never destroyed: std::exit ends the session.
   static inline std::mutex& currentLock = *new std::mutex;
   static inline std::weak_ptr<State>& current = *new std::weak_ptr<State>;
+  // Those of the latest session that a hook on its own thread has ended. That thread still runs,
+  // and the process may end meanwhile: their references must not be released then.
+  static inline auto& keptAuthorizations = *new std::shared_ptr<const UserAuthorizations>;
+  static thread_local bool isOnThread;
 };
+
+thread_local bool Session::State::isOnThread = false;
 
 void Session::State::Begin() {
   if (options.password.Text().empty() && options.credentials) {
@@ -109,7 +116,10 @@ void Session::State::Begin() {
     std::unique_lock lock(currentLock);
     const std::shared_ptr<State> session = current.lock();
     lock.unlock();
-    if (session != nullptr) session->End();
+    if (session == nullptr || session->process != ::getpid()) return;
+    session->End();
+    // Another thread may be ending it. It may wait for this one.
+    if (!isOnThread) session->hasEnded.wait(false);
   });
 }
 
@@ -154,10 +164,13 @@ int Session::State::CallLogin(std::string& text) {
 
 void Session::State::End() noexcept {
   // A forked child has neither the threads nor the connections; the session belongs to its parent.
-  if (process != ::getpid() || ended.exchange(true)) return;
+  if (process != ::getpid() || ends.exchange(true)) return;
   thread.request_stop();
   if (thread.get_id() == std::this_thread::get_id()) {
     thread.detach();  // called by a hook on that thread
+    std::shared_ptr<const UserAuthorizations> kept = authorizations;
+    const std::lock_guard lock(currentLock);
+    keptAuthorizations.swap(kept);
   } else if (thread.joinable()) {
     thread.join();
   }
@@ -171,6 +184,8 @@ void Session::State::End() noexcept {
   }
   const std::lock_guard lock(currentLock);
   current.reset();
+  hasEnded = true;
+  hasEnded.notify_all();
 }
 
 LoginResult Session::State::KeepAlive() {
@@ -227,6 +242,7 @@ void Session::State::StartThread() {
   sigfillset(&all);
   pthread_sigmask(SIG_SETMASK, &all, &before);  // the client's own threads handle signals
   thread = std::jthread([self = shared_from_this()](const std::stop_token& stop) {
+    isOnThread = true;
     std::mutex idle;
     std::condition_variable_any wake;
     std::unique_lock lock(idle);
