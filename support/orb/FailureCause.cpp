@@ -4,6 +4,7 @@
 #include <chrono>
 #include <exception>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,26 +38,29 @@ std::string WhyUnreachable(const ReferenceEndpoint& place) {
   return reach == Reach::kFailed && limit < kProbeLimit ? std::string() : why;
 }
 
-// The address that the call used, if it is known.
-ReferenceEndpoint PlaceOf(const std::vector<ReferenceEndpoint>& endpoints) {
+// The address that the call used, or else the target's first one; nothing when neither is known.
+std::optional<ReferenceEndpoint> PlaceOf(CORBA::Object_ptr target) {
   const std::string_view place = peer;
   const std::size_t colon = place.rfind(':');
-  if (colon == std::string_view::npos) return endpoints.front();
+  if (colon == std::string_view::npos) {
+    const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(target);
+    return endpoints.empty() ? std::nullopt : std::optional(endpoints.front());
+  }
   const std::size_t bracket = place.front() == '[' ? 1 : 0;
-  return {std::string(place.substr(bracket, colon - 2 * bracket)), Atoi(place.substr(colon + 1))};
+  return ReferenceEndpoint{std::string(place.substr(bracket, colon - 2 * bracket)),
+                           Atoi(place.substr(colon + 1))};
 }
 
 std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target) {
-  const std::vector<ReferenceEndpoint> endpoints = EndpointsOf(target);
-  if (endpoints.empty()) return ExceptionText(exception);
-  const ReferenceEndpoint endpoint = PlaceOf(endpoints);
-  const std::string place = PlaceText(endpoint);
+  const std::optional<ReferenceEndpoint> endpoint = PlaceOf(target);
+  if (!endpoint) return ExceptionText(exception);
+  const std::string place = PlaceText(*endpoint);
   if (dynamic_cast<const CORBA::TIMEOUT*>(&exception) != nullptr) {
     return "no answer from " + place + " within the time-out";
   }
   if (dynamic_cast<const CORBA::TRANSIENT*>(&exception) != nullptr ||
       dynamic_cast<const CORBA::COMM_FAILURE*>(&exception) != nullptr) {
-    std::string why = WhyUnreachable(endpoint);
+    std::string why = WhyUnreachable(*endpoint);
     if (!why.empty()) return why;
   }
   if (dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&exception) != nullptr) {

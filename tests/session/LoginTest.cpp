@@ -160,7 +160,7 @@ TEST_F(LoginTest, ReportsTheCause) {
       {[](O&) {}, Raise("CRB_VerifyClientServerVersion", "NO_RESOURCES"), 0, "This error",
        at + ": NO_RESOURCES"},
       {[](O&) {}, Raise("CRB_GetMyAuthorizationsFromMemory", "NO_RESOURCES"), 0, "Failed to load",
-       "NO_RESOURCES"}};
+       at + ": NO_RESOURCES"}};
   for (const auto& [change, faults, code, text, cause] : rows) {
     server.SetFaults(faults);
     SessionOptions options = Options();
