@@ -69,6 +69,9 @@ struct Limits {
 std::atomic<bool> ending = false;
 std::shared_mutex opens;
 
+// Whether the process ends, so that no connection may take calls any more.
+std::atomic<bool> leaving = false;
+
 void RefuseAtEnd() {
   if (ending) throw CORBA::BAD_INV_ORDER(omni::BAD_INV_ORDER_ORBHasShutdown, CORBA::COMPLETED_NO);
 }
@@ -356,14 +359,17 @@ class CheckedRope : public Base {
     try {
       std::shared_lock<std::shared_mutex> open;
       std::unique_lock<std::timed_mutex> opening;
-      if constexpr (kTakesCalls) {
+      const bool takesCalls = kTakesCalls && !leaving;
+      if (takesCalls) {
         open = std::shared_lock(opens);
         RefuseAtEnd();
         opening = LockOpening();
         EndDyingSoon();
         descriptor.setDeadline(Share(tried, connectEnd));
       }
-      auto& attempt = *static_cast<GIOP_C*>(Base::acquireClient(ior, key, keySize, &descriptor));
+      auto& attempt = *static_cast<GIOP_C*>(
+          takesCalls ? Base::acquireClient(ior, key, keySize, &descriptor)
+                     : giopRope::acquireClient(ior, key, keySize, &descriptor));
       if (attempt.strand().connection == nullptr) Open(attempt, Share(tried, connectEnd));
       return attempt;
     } catch (const CORBA::TRANSIENT& exception) {
@@ -375,15 +381,22 @@ class CheckedRope : public Base {
     }
   }
 
+  // A connection from which its caller reads.
   void Open(GIOP_C& attempt, const omni_time_t& end) {
+    attempt.strand().flags &= ~CORBA::ULong{GIOPSTRAND_BIDIR};
     attempt.setDeadline(end);
     try {
       attempt.openConnection();
     } catch (...) {
-      attempt.strand().state(giopStrand::DYING);
+      Discard(attempt.strand());
       Base::releaseClient(&attempt);
       throw;
     }
+  }
+
+  static void Discard(giopStrand& strand) {
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    strand.state(giopStrand::DYING);
   }
 
   // Where connections take calls omniORB opens them itself, under a lock for which it waits without
@@ -461,7 +474,7 @@ class CheckedRope : public Base {
     giopStrand& strand = attempt.strand();
     if (!strand.first_use && IsDead(strand, kTakesCalls)) {
       if constexpr (kTakesCalls) AwaitOtherReplies(strand);
-      strand.state(giopStrand::DYING);
+      Discard(strand);
       Base::releaseClient(&attempt);
       return false;
     }
@@ -522,6 +535,12 @@ void InstallCalls(const OrbSettings& settings) {
   interceptors.clientOpenConnection.add(WatchConnection);
   interceptors.clientReceiveReply.add(CheckReply);
   GuardMessages();
+}
+
+void StopTakingCalls() {
+  leaving = true;
+  CloseBiDirectional();
+  StopWatching();
 }
 
 void EndCalls() {

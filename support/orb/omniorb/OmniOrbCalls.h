@@ -29,6 +29,10 @@ void InstallCalls(const OrbSettings& settings);
 // there fail, since omniORB ends the threads that would read it.
 void EndCalls();
 
+// At the end of the process: closes the connections that take calls, and ends omniORB's threads for
+// them, which would use what the process destroys next. Calls can still be made.
+void StopTakingCalls();
+
 }  // namespace vq::orb
 
 #endif  // VQ_SUPPORT_ORB_OMNIORB_OMNIORBCALLS_H

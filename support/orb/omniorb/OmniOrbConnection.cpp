@@ -472,7 +472,7 @@ bool CheckedConnection::Refuse(std::uint64_t size) {
 
 // omniORB itself then checks the limit of the settings.
 bool CheckedConnection::IsReadByCaller() const {
-  return m_opened != nullptr && m_strand != nullptr && !m_strand->isBiDir();
+  return m_opened != nullptr && HasStrand() && !Strand().isBiDir();
 }
 
 // False for a message that omniORB must not receive.
@@ -523,9 +523,9 @@ bool CheckedConnection::StaysInHand(std::uint64_t id) const {
 // Whether a call of the peer's with this number is under way. A call has no number until its header
 // has arrived.
 bool CheckedConnection::IsInHand(std::uint64_t id) const {
-  if (m_strand == nullptr) return false;
+  if (!HasStrand()) return false;
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-  return AnyOf<omni::GIOP_S>(m_strand->servers, [id](omni::GIOP_S& call) {
+  return AnyOf<omni::GIOP_S>(Strand().servers, [id](omni::GIOP_S& call) {
     const bool hasNumber =
         call.state() != omni::IOP_S::UnUsed && call.state() != omni::IOP_S::WaitForRequestHeader;
     return hasNumber && RequestIdOf(call) == id;
@@ -533,9 +533,9 @@ bool CheckedConnection::IsInHand(std::uint64_t id) const {
 }
 
 void CheckedConnection::NoteReply(std::uint32_t id) {
-  if (m_strand == nullptr) return;
+  if (!HasStrand()) return;
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-  const bool isAwaited = AnyOf<omni::GIOP_C>(m_strand->clients, [id](omni::GIOP_C& call) {
+  const bool isAwaited = AnyOf<omni::GIOP_C>(Strand().clients, [id](omni::GIOP_C& call) {
     return AwaitsReply(call) && RequestIdOf(call) == id;
   });
   if (!isAwaited) return;
@@ -557,8 +557,8 @@ bool CheckedConnection::HasReplyTo(omni::GIOP_C& call, bool whole) const {
 
 bool CheckedConnection::HasUntakenReply() const {
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-  if (m_strand->state() == omni::giopStrand::DYING) return false;
-  return AnyOf<omni::GIOP_C>(m_strand->clients, [this](omni::GIOP_C& call) {
+  if (Strand().state() == omni::giopStrand::DYING) return false;
+  return AnyOf<omni::GIOP_C>(Strand().clients, [this](omni::GIOP_C& call) {
     return AwaitsReply(call) && HasReplyTo(call, true);
   });
 }
@@ -567,8 +567,7 @@ bool CheckedConnection::HasUntakenReply() const {
 // arrived, so they get the time to take these.
 int CheckedConnection::End(int result) {
   m_hasEnded = true;
-  while (m_strand != nullptr && m_strand->isBiDir() && HasUntakenReply())
-    omni_thread::sleep(0, 1'000'000);
+  while (HasStrand() && Strand().isBiDir() && HasUntakenReply()) omni_thread::sleep(0, 1'000'000);
   return result;
 }
 

@@ -93,6 +93,8 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
 
   static constexpr std::uint64_t kNoId = std::uint64_t{1} << 32U;  // before GIOP 1.2
 
+  bool HasStrand() const { return m_strand != nullptr; }
+  omni::giopStrand& Strand() const { return *m_strand; }
   bool IsTls() const;
   void UseTls();
   bool HasDecrypted() const;
@@ -123,7 +125,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   SSL* m_tls = nullptr;  // after the handshake
   std::mutex m_handshake;
   std::optional<bool> m_accepted;  // whether the handshake of an accepted one succeeded
-  omni::giopStrand* m_strand = nullptr;
+  std::atomic<omni::giopStrand*> m_strand = nullptr;
 
   std::array<unsigned char, 12> m_header{};  // of the latest message
   std::size_t m_headerSize = 0;              // received so far of the next one

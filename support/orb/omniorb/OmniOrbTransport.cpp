@@ -139,15 +139,12 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
   return orb._retn();
 }
 
-// omniORB's thread for calls over own connections would use what the process destroys next. A child
-// process has the connections of its parent, and no thread.
+// A child process has the connections of its parent, and no thread.
 void OmniOrbTransport::LeaveAtExit() {
   OmniOrbTransport& transport = Instance();
   const std::unique_lock lock(transport.m_mutex, std::try_to_lock);
-  if (lock && !transport.m_users.empty() && transport.m_process == ::getpid()) {
-    CloseBiDirectional();
-    StopWatching();
-  }
+  const bool isUp = !transport.m_users.empty() || transport.m_ending;
+  if (lock && isUp && transport.m_process == ::getpid()) StopTakingCalls();
 }
 
 // An ORB that ended without waiting is destroyed before the next one starts.
