@@ -33,7 +33,8 @@ OutputForm& Form() {
 }
 
 void PrintError(const std::string& message) {
-  std::cerr << "vqclient: " << Printable(message) << '\n';
+  // Indented, since a server's text could imitate a line of the log, which may be there, too.
+  std::cerr << "vqclient: " << Replaced(Printable(message), "\n", "\n  ") << '\n';
   errors += (errors.empty() ? "" : "\n") + message;
 }
 

@@ -344,7 +344,7 @@ TEST_F(ClientTest, NothingIsCalledASuccessThatDidNotHappen) {
   for (const char* command : {"login @alice", "session @alice"}) {
     const Outcome outcome = Run(command);
     EXPECT_EQ(outcome.code, 6) << command;
-    EXPECT_THAT(outcome.words, HasSubstr("The server does not confirm the logout.\nCause: "));
+    EXPECT_THAT(outcome.words, HasSubstr("The server does not confirm the logout.\n  Cause: "));
   }
   // It is not known which of two servers to ask.
   const Server other(m_directory, m_naming.Reference(), {.name = "other"});
