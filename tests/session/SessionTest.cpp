@@ -88,6 +88,29 @@ TEST_F(SessionTest, AlwaysEnds) {
   EXPECT_LT(Clock::now() - start, 4s) << "a logout without an answer ends by the call's time-out";
 }
 
+// The end of omniORB, which waits for the call, would then wait for the new reference, too.
+TEST_F(SessionTest, EndsWhileAnotherThreadGetsAReference) {
+  if (!ThisProduct().endsBesideCalls) GTEST_SKIP() << "the end of TAO's ORB frees what a call uses";
+  StartServer().SetFaults(
+      {{{"operation", "CRB_ClientKeepAlive"}, {"action", "delay"}, {"ms", 400}}});
+  std::optional<Session> session(std::in_place, Options());
+  const auto users = session->Servant<QCSCorbaUsersManager>("UsersManager");
+  int none = 0;
+  const CORBA::ORB_var orb = CORBA::ORB_init(none, nullptr);  // the same one
+  CORBA::Object_var kept;
+  std::jthread caller([&] { users->CRB_ClientKeepAlive("nobody"); });
+  std::jthread other([&] {
+    std::this_thread::sleep_for(250ms);
+    kept = orb->string_to_object("corbaloc::127.0.0.1:1/UsersManager");
+  });
+  std::this_thread::sleep_for(100ms);
+  const auto start = Clock::now();
+  session.reset();
+  EXPECT_LT(Clock::now() - start, 5s);
+  other.join();
+  EXPECT_FALSE(CORBA::is_nil(kept.in()));
+}
+
 // The server closes the connection in place of each reply, so that a call opens the next one.
 TEST_F(SessionTest, EndsWhileAnotherThreadConnects) {
   if (!ThisProduct().endsBesideCalls) GTEST_SKIP() << "the end of TAO's ORB frees what a call uses";

@@ -2,6 +2,10 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <system_error>
 #include <utility>
 
 #include <omniORB4/callDescriptor.h>
@@ -113,6 +117,21 @@ LongerEnd::LongerEnd() : m_usual(SetScanPeriod(10)) {}
 
 LongerEnd::~LongerEnd() {
   SetScanPeriod(m_usual);
+}
+
+DisabledReferences::DisabledReferences() {
+  try {
+    m_thread = std::jthread([](const std::stop_token& stop) {
+      std::mutex idle;
+      std::condition_variable_any wake;
+      std::unique_lock lock(idle);
+      while (!wake.wait_for(lock, stop, std::chrono::milliseconds(20),
+                            [&stop] { return stop.stop_requested(); })) {
+        omniObjRef::_shutdown();
+      }
+    });
+  } catch (const std::system_error&) {  // omniORB's end alone also does, unless a call is unlucky.
+  }
 }
 
 void CloseGuestConnections() {
