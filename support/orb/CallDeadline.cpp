@@ -7,10 +7,12 @@ namespace {
 
 thread_local std::optional<CallDeadline::Clock::time_point> current;
 
+// Differences of longer times cannot be counted in nanoseconds.
+constexpr std::chrono::hours kLongest{100 * 365 * 24};
+
 CallDeadline::Clock::time_point After(CallDeadline::Clock::duration limit) {
-  const auto now = CallDeadline::Clock::now();
-  constexpr auto kLast = CallDeadline::Clock::time_point::max();
-  return limit > kLast - now ? kLast : now + limit;
+  return CallDeadline::Clock::now() +
+         std::clamp<CallDeadline::Clock::duration>(limit, -kLongest, kLongest);
 }
 
 }  // namespace
@@ -18,7 +20,9 @@ CallDeadline::Clock::time_point After(CallDeadline::Clock::duration limit) {
 CallDeadline::CallDeadline(Clock::duration limit) : CallDeadline(After(limit)) {}
 
 CallDeadline::CallDeadline(Clock::time_point end) : m_outer(current) {
-  current = std::min(end, m_outer.value_or(end));
+  const auto now = Clock::now();
+  current = std::clamp<Clock::time_point>(std::min(end, m_outer.value_or(end)), now - kLongest,
+                                          now + kLongest);
 }
 
 CallDeadline::~CallDeadline() {

@@ -30,7 +30,12 @@ namespace vq {
 
 // Shared by the Session and its thread, since a hook on that thread may destroy the Session.
 struct Session::State : std::enable_shared_from_this<State> {
-  explicit State(SessionOptions given) : options(std::move(given)) {}
+  explicit State(SessionOptions given) : options(std::move(given)) {
+    // As good as never, and a clock can count it.
+    constexpr std::chrono::milliseconds kLongest = std::chrono::hours(100 * 365 * 24);
+    options.deadline = std::min(options.deadline, kLongest);
+    options.keepAlive = std::min(options.keepAlive, kLongest);
+  }
 
   void Begin();
   void LogIn();
@@ -198,7 +203,8 @@ LoginResult Session::State::KeepAlive() {
   } catch (BaseLoginEx& e) {
     SetMessage(e.handle());
     silent = true;
-    if (std::chrono::steady_clock::now() - lastAlive >= options.timeOut) lost = true;
+    const auto silence = std::chrono::steady_clock::now() - lastAlive;
+    if (std::chrono::floor<std::chrono::seconds>(silence) >= options.timeOut) lost = true;
     return LoginResult::kNoServer;
   }
 }
@@ -240,6 +246,7 @@ void Session::State::StartThread() {
   sigset_t all;
   sigset_t before;
   sigfillset(&all);
+  for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) sigdelset(&all, fault);
   pthread_sigmask(SIG_SETMASK, &all, &before);  // the client's own threads handle signals
   thread = std::jthread([self = shared_from_this()](const std::stop_token& stop) {
     isOnThread = true;
