@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <span>
@@ -236,6 +237,18 @@ void LimitMessages(int isSent, int, int type, const void*, std::size_t, SSL* con
   ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
 }
 
+// OpenSSL would wait for ever for one who writes to a FIFO.
+void CheckIsFile(const std::string& file, std::string_view setting) {
+  std::error_code failure;
+  const std::filesystem::file_type type = std::filesystem::status(file, failure).type();
+  if (file.empty() || type == std::filesystem::file_type::regular ||
+      type == std::filesystem::file_type::not_found) {
+    return;
+  }
+  throw std::invalid_argument(
+      fmt::format("'{}' of {} cannot be used: it is no file that can be read", file, setting));
+}
+
 [[noreturn]] void Refuse(std::string_view what, std::string_view file, std::string_view setting) {
   const unsigned long error = ERR_peek_last_error();
   const char* const reason = error != 0 ? ERR_reason_error_string(error) : nullptr;
@@ -289,6 +302,10 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
     throw std::invalid_argument(fmt::format("{} or {} is set, and {} is 0", kTlsServerNames,
                                             kTlsRevocationList, kTlsVerifyPeer));
   }
+  CheckIsFile(settings.caCertificate, kTlsCa);
+  CheckIsFile(settings.certificate, kTlsCertificate);
+  CheckIsFile(settings.privateKey, kTlsKey);
+  CheckIsFile(settings.revocationList, kTlsRevocationList);
   SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
   SSL_CTX_set_options(&context, SSL_OP_NO_RENEGOTIATION);
   SSL_CTX_set_msg_callback(&context, LimitMessages);

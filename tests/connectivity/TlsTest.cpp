@@ -2,6 +2,8 @@
 
 #include <tests/fixture/SessionFixture.h>
 
+#include <sys/stat.h>
+
 #include <support/orb/ORBCommon.h>
 #include <support/orb/OrbProduct.h>
 #include <vq_client_common/connectivity/TroubleshootConnection.h>
@@ -145,11 +147,14 @@ TEST_F(TlsTest, UnusableFilesKeepTheOrbDown) {
   const std::string good = m_directory.Write("good.pem", own.certificate + own.key);
   const std::string wrongKey = m_directory.Write("wrong.key", m_authority.Issue().key);
   const std::string garbage = m_directory.Write("garbage.pem", "no certificate");
+  const std::string fifo = m_directory / "fifo";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   const std::string binaryBehindList =
       m_directory.Write("odd.crl", m_authority.RevocationList() + "0\x82\x01");
   const std::pair<Words, const char*> rows[] = {
       {{"-SSLCACertificate", "/no/such.pem"}, "'/no/such.pem' of -SSLCACertificate cannot be used"},
       {{"-SSLCACertificate", garbage}, "of -SSLCACertificate cannot be used"},
+      {{"-SSLCACertificate", fifo}, "it is no file that can be read"},
       {{"-SSLCertificate", garbage}, "of -SSLCertificate cannot be used"},
       {{"-SSLCertificate", good, "-SSLPrivateKey", wrongKey}, "of -SSLPrivateKey cannot be used"},
       {{"-SSLCertificate", m_caFile}, "(one without a pass phrase is needed)"},
