@@ -1,5 +1,6 @@
 #include <vq_client_common/session/Session.h>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <cstdlib>
@@ -39,8 +40,11 @@ struct Session::State : std::enable_shared_from_this<State> {
 
   void Begin();
   void LogIn();
+  std::vector<std::string> Arguments() const;
+  void RefuseOtherSettings() const;
   int CallLogin(std::string& text);
   void End() noexcept;
+  void LogOut() noexcept;
   LoginResult KeepAlive();
   LoginResult Renew();
   LoginResult ChangePassword(const std::string& newPassword, bool expired);
@@ -82,13 +86,15 @@ struct Session::State : std::enable_shared_from_this<State> {
   // The session of the process. The objects are never destroyed: std::exit ends the session.
   static inline std::mutex& currentLock = *new std::mutex;
   static inline std::weak_ptr<State>& current = *new std::weak_ptr<State>;
-  // Those of the latest session that a hook on its own thread has ended. That thread still runs,
-  // and the process may end meanwhile: their references must not be released then.
+  // The authorizations of the latest session that a hook on its own thread has ended. That thread
+  // still runs, and the process may end meanwhile: their references must not be released then.
   static inline auto& keptAuthorizations = *new std::shared_ptr<const UserAuthorizations>;
   static thread_local bool isOnThread;
+  static thread_local bool isEnding;
 };
 
 thread_local bool Session::State::isOnThread = false;
+thread_local bool Session::State::isEnding = false;
 
 void Session::State::Begin() {
   if (options.password.Text().empty() && options.credentials) {
@@ -122,14 +128,19 @@ void Session::State::Begin() {
     const std::shared_ptr<State> session = current.lock();
     lock.unlock();
     if (session == nullptr || session->process != ::getpid()) return;
-    session->End();
-    // Another thread may be ending it. It may wait for this one.
-    if (!isOnThread) session->hasEnded.wait(false);
+    if (isEnding) return;  // in a signal handler
+    if (isOnThread && session->ends) {
+      session->LogOut();  // The thread that ends it waits for this one.
+    } else {
+      session->End();
+      session->hasEnded.wait(false);  // Another thread may be ending it.
+    }
   });
 }
 
 void Session::State::LogIn() {
   startedOrb = !ORBCommon<1>::Get()->IsInitialized();
+  if (!startedOrb) RefuseOtherSettings();
   std::string text;
   result = static_cast<LoginResult>(CallLogin(text));
   SetMessage(text);
@@ -154,12 +165,31 @@ void Session::State::LogIn() {
   SetAlive();
 }
 
-int Session::State::CallLogin(std::string& text) {
+std::vector<std::string> Session::State::Arguments() const {
   std::vector<std::string> words = options.orbArguments;
   if (words.empty() || words.front().starts_with('-')) words.insert(words.begin(), "client");
   if (!options.namingService.empty()) {
     words.insert(words.end(), {orb::kInitRef, "NameService=" + options.namingService});
   }
+  return words;
+}
+
+// An ORB that is up keeps its settings: a session that requires TLS could be unencrypted.
+void Session::State::RefuseOtherSettings() const {
+  const std::vector<std::string> words = Arguments();
+  for (const orb::ResolvedSetting& setting : ORBCommon<1>::Get()->GetSettings()) {
+    const auto given = std::ranges::find(words, setting.name);
+    if (given == words.end() || given + 1 == words.end()) continue;
+    const bool isListed = setting.name == orb::kInitRef && setting.value.find(given[1]) == 0;
+    if (isListed || setting.value == given[1]) continue;
+    throw LoginError(LoginResult::kFailed, "The ORB of this process has other settings.",
+                     setting.name + " is '" + setting.value +
+                         "' there; end it with GL_LogOut(true) before this session begins");
+  }
+}
+
+int Session::State::CallLogin(std::string& text) {
+  std::vector<std::string> words = Arguments();
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   return GL_Login(options.user, options.password.Text(), options.server, TimeOut(), text,
@@ -170,6 +200,7 @@ int Session::State::CallLogin(std::string& text) {
 void Session::State::End() noexcept {
   // A forked child has neither the threads nor the connections; the session belongs to its parent.
   if (process != ::getpid() || ends.exchange(true)) return;
+  isEnding = true;
   thread.request_stop();
   if (thread.get_id() == std::this_thread::get_id()) {
     thread.detach();  // called by a hook on that thread
@@ -179,6 +210,15 @@ void Session::State::End() noexcept {
   } else if (thread.joinable()) {
     thread.join();
   }
+  LogOut();
+  const std::lock_guard lock(currentLock);
+  current.reset();
+  hasEnded = true;
+  hasEnded.notify_all();
+  isEnding = false;
+}
+
+void Session::State::LogOut() noexcept {
   try {
     const std::lock_guard lock(calls);
     oldReferences.clear();
@@ -187,10 +227,6 @@ void Session::State::End() noexcept {
   } catch (...) {
     // The session ends by its time-out at the server.
   }
-  const std::lock_guard lock(currentLock);
-  current.reset();
-  hasEnded = true;
-  hasEnded.notify_all();
 }
 
 LoginResult Session::State::KeepAlive() {

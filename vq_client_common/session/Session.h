@@ -49,8 +49,10 @@ struct SessionOptions {
   // setting replaces it at the server (GL_GetCRBRegisterTimeOut).
   std::chrono::seconds timeOut{600};
   std::string namingService{};  // "corbaloc:iiop:HOST:PORT/NameService"; empty: from the settings
-  std::vector<std::string> orbArguments{};  // the command line, for its -ORB options; may be empty
-  std::chrono::milliseconds deadline{0};    // of the whole login; 0: each call has its own time-out
+  // The command line, for its -ORB options; may be empty. Where the ORB is up already these, and
+  // `namingService`, must be its own.
+  std::vector<std::string> orbArguments{};
+  std::chrono::milliseconds deadline{0};  // of the whole login; 0: each call has its own time-out
   bool postLogin = true;  // false: no GL_PostLogin, for clients that need no authorizations
   // Above 0: a thread of this object sends a keep-alive in this interval.
   std::chrono::milliseconds keepAlive{0};
