@@ -107,7 +107,47 @@ struct Peer {
   std::string port;
 };
 
+// The state of one connection of a client.
+struct Handshake {
+  Peer place;
+  std::string peer;                 // the same as text
+  bool asksForCertificate = false;  // and there is none
+  bool done = false;
+  bool reported = false;  // as failed
+  int messages = 0;       // received
+
+  // Null for a server's connection, and before FollowHandshake saw its start.
+  static Handshake* Of(const SSL* connection) {
+    return static_cast<Handshake*>(SSL_get_ex_data(connection, Index()));
+  }
+
+  static int Index() {
+    static const int index = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, Free);
+    return index;
+  }
+
+  void Report(const std::string& cause) {
+    if (reported) return;
+    reported = true;
+    const std::string line = "The TLS handshake with " + peer + " failed: " + cause;
+    VQ_LOG(diagModule, 1) << line;
+    NoteCause(line);
+  }
+
+ private:
+  // A connection that is closed in the middle of the handshake got no answer. OpenSSL's errors of a
+  // handshake must not be reported for the thread's next connection.
+  static void Free(void*, void* handshake, CRYPTO_EX_DATA*, int, long, void*) {
+    const std::unique_ptr<Handshake> owner(static_cast<Handshake*>(handshake));
+    if (owner == nullptr || owner->done) return;
+    owner->Report("it did not answer in time");
+    ERR_clear_error();
+  }
+};
+
+// What was found at the start of the handshake, as a socket that was closed does not tell.
 Peer PeerOf(const SSL* connection) {
+  if (const Handshake* const known = Handshake::Of(connection)) return known->place;
   sockaddr_storage address{};
   auto* const generic = reinterpret_cast<sockaddr*>(&address);
   socklen_t size = sizeof address;
@@ -169,43 +209,6 @@ std::string PeerText(const SSL* connection) {
   return (name.empty() ? peer.address : name) + ":" + peer.port;
 }
 
-// The state of one connection of a client.
-struct Handshake {
-  std::string peer;
-  bool asksForCertificate = false;  // and there is none
-  bool done = false;
-  bool reported = false;  // as failed
-  int messages = 0;       // received
-
-  // Null for a server's connection, and before FollowHandshake saw its start.
-  static Handshake* Of(const SSL* connection) {
-    return static_cast<Handshake*>(SSL_get_ex_data(connection, Index()));
-  }
-
-  static int Index() {
-    static const int index = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, Free);
-    return index;
-  }
-
-  void Report(const std::string& cause) {
-    if (reported) return;
-    reported = true;
-    const std::string line = "The TLS handshake with " + peer + " failed: " + cause;
-    VQ_LOG(diagModule, 1) << line;
-    NoteCause(line);
-  }
-
- private:
-  // A connection that is closed in the middle of the handshake got no answer. OpenSSL's errors of a
-  // handshake must not be reported for the thread's next connection.
-  static void Free(void*, void* handshake, CRYPTO_EX_DATA*, int, long, void*) {
-    const std::unique_ptr<Handshake> owner(static_cast<Handshake*>(handshake));
-    if (owner == nullptr || owner->done) return;
-    owner->Report("it did not answer in time");
-    ERR_clear_error();
-  }
-};
-
 std::string AlertText(const Handshake& handshake, int alert) {
   if (alert == SSL_AD_HANDSHAKE_FAILURE && handshake.asksForCertificate) {
     alert = SSL_AD_CERTIFICATE_REQUIRED;
@@ -237,7 +240,7 @@ void LimitMessages(int isSent, int, int type, const void*, std::size_t, SSL* con
   ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
 }
 
-// OpenSSL would wait for ever for one who writes to a FIFO.
+// OpenSSL would wait for ever for a process that writes to a FIFO.
 void CheckIsFile(const std::string& file, std::string_view setting) {
   std::error_code failure;
   const std::filesystem::file_type type = std::filesystem::status(file, failure).type();
@@ -249,24 +252,24 @@ void CheckIsFile(const std::string& file, std::string_view setting) {
       fmt::format("'{}' of {} cannot be used: it is no file that can be read", file, setting));
 }
 
-[[noreturn]] void Refuse(std::string_view what, std::string_view file, std::string_view setting) {
+[[noreturn]] void Refuse(std::string_view what, std::string_view file, std::string_view setting,
+                         const char* otherwise = "it cannot be read") {
   const unsigned long error = ERR_peek_last_error();
   const char* const reason = error != 0 ? ERR_reason_error_string(error) : nullptr;
   ERR_clear_error();
   throw std::invalid_argument(fmt::format("{} '{}' of {} cannot be used: {}", what, file, setting,
-                                          reason != nullptr ? reason : "it cannot be read"));
+                                          reason != nullptr ? reason : otherwise));
 }
 
-// Whether a PEM file has that many blocks beside certificates, and no binary data. OpenSSL skips
-// what it cannot read behind a block, which may be another list.
+// Whether a PEM file has that many blocks, and no binary data. OpenSSL skips what it cannot read
+// behind a block, which may be another list.
 bool HasOnly(int blocks, const std::string& file) {
   std::ifstream stream(file, std::ios::binary);
   int found = 0;
   for (std::string line; std::getline(stream, line);) {
     const auto isBinary = [](unsigned char c) { return c < ' ' && c != '\t' && c != '\r'; };
     if (std::ranges::any_of(line, isBinary)) return false;
-    const bool isCertificate = line.find("CERTIFICATE") != std::string::npos;
-    if (line.starts_with("-----BEGIN ") && !isCertificate) ++found;
+    if (line.find("BEGIN") != std::string::npos) ++found;
   }
   return found == blocks;
 }
@@ -327,7 +330,8 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
                                        : X509_load_crl_file(files, settings.revocationList.c_str(),
                                                             X509_FILETYPE_PEM);
     if (lists < 1 || !HasOnly(lists, settings.revocationList)) {
-      Refuse("the file of revocation lists", settings.revocationList, kTlsRevocationList);
+      Refuse("the file of revocation lists", settings.revocationList, kTlsRevocationList,
+             "it has more than lists in PEM form");
     }
     X509_STORE_set_flags(store, X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL);
   }
@@ -407,12 +411,11 @@ int JudgeCertificate(int verified, X509_STORE_CTX& context, const TlsSettings& s
   }
   if (verified == 1) return 1;
   const int error = X509_STORE_CTX_get_error(&context);
-  Handshake* const handshake = Handshake::Of(connection);
-  const std::string peer = handshake != nullptr ? handshake->peer : PeerText(connection);
+  const std::string peer = PeerText(connection);
   const std::string reason = ReasonText(kReasons, error, X509_verify_cert_error_string(error));
   VQ_LOG(diagModule, 1) << "The certificate of " << peer << " is refused: " << reason
                         << ". It is: " << Describe(certificate);
-  if (handshake != nullptr) handshake->reported = true;
+  if (Handshake* const handshake = Handshake::Of(connection)) handshake->reported = true;
   if (SSL_is_server(connection) == 0) {
     NoteCause("The certificate of " + peer + " is refused: " + reason);
   }
@@ -428,6 +431,7 @@ void FollowHandshake(const SSL* connection, int where, int result) {
   if (SSL_is_server(connection) != 0) return;
   if ((where & SSL_CB_HANDSHAKE_START) != 0 && Handshake::Of(connection) == nullptr) {
     auto handshake = std::make_unique<Handshake>();
+    handshake->place = PeerOf(connection);
     handshake->peer = PeerText(connection);
     // The callback's parameter is const, the connection is not.
     if (SSL_set_ex_data(const_cast<SSL*>(connection), Handshake::Index(), handshake.get()) == 1) {
