@@ -63,8 +63,8 @@ UserAuthorizations::~UserAuthorizations() {
 
 int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
   const TDiagFunc diag(diagModule, "UserAuthorizations::LoadAuthorizations");
+  QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
   try {
-    QCSCorbaUsersManager_ptr users;
     if (vq::session::GetUsersManager(users, LoginHandler::GetGlobal()->GetServerID()) != 1) {
       // Intentional: there is no reconnection; readers of logs search for this line.
       VQ_LOG(diag, 1) << "couldn't get CORBA servant automatic reconnect process is to be invoked.";
@@ -88,7 +88,7 @@ int UserAuthorizations::LoadAuthorizations(const std::string& userId) {
     VQ_LOG(diag, 1) << "CRB_GetActionAuthLevel Failed with INVALID_ACTION_NAME exception";
     return kSuccess;  // Intentional: counts as success; the login continues.
   } catch (const CORBA::SystemException& e) {
-    vq::orb::NoteFailedCall(e, CORBA::Object::_nil());
+    vq::orb::NoteFailedCall(e, users);
     VQ_LOG(diag, 1) << "CORBA Exception " << e;
     return kSystemException;
   }

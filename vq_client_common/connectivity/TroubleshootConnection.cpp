@@ -227,6 +227,7 @@ bool TroubleshootConnection::ORBInitAndTestCallback(bool biDir, const std::strin
 bool TroubleshootConnection::TestCallback(QCSOrbCommon* orb, std::string& error, long& roundTripMs,
                                           long timeout) {
   const TDiagFunc diag(diagModule, "TroubleshootConnection::TestCallback");
+  vq::orb::BeginCall();
   try {
     if (orb == nullptr) throw CORBA::BAD_PARAM(0, CORBA::COMPLETED_NO);
     return TryCallback(diag, *orb, error, roundTripMs, timeout);
