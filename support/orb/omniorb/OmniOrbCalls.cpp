@@ -67,12 +67,19 @@ struct Limits {
 // Whether the ORB ends; and a lock that is held while a connection that takes calls is opened. The
 // opening and the end of omniORB would wait for each other until the time for the end is over.
 std::atomic<bool> ending = false;
-std::shared_mutex opens;
+std::shared_timed_mutex opens;
 
 // Whether the process ends, so that no connection may take calls any more.
 std::atomic<bool> leaving = false;
 
+// When omniORB ends it disables all references once, and then waits for every other one without
+// limit: for those that a reply brings to a call in progress, and for its own after a forward.
+void DisableNewReferences() {
+  if (ending) omniObjRef::_shutdown();
+}
+
 void RefuseAtEnd() {
+  DisableNewReferences();
   if (ending) throw CORBA::BAD_INV_ORDER(omni::BAD_INV_ORDER_ORBHasShutdown, CORBA::COMPLETED_NO);
 }
 
@@ -185,11 +192,10 @@ CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T&
   return true;
 }
 
-// An ORB that ends would wait for ever for a reference that is forwarded meanwhile. Before GIOP 1.2
-// omniORB skips the reply to another call while it holds a lock that it takes again if that fails.
+// Before GIOP 1.2 omniORB skips the reply to another call while it holds a lock that it takes again
+// if that fails.
 CORBA::Boolean CheckReply(omniInterceptors::clientReceiveReply_T::info_T& info) {
   GIOP_C& attempt = info.giop_c;
-  if (IsForward(attempt)) RefuseAtEnd();
   // From a permanent forward omniORB would not return when its place cannot be called.
   if (attempt.replyStatus() == GIOP::LOCATION_FORWARD_PERM) {
     attempt.replyStatus(GIOP::LOCATION_FORWARD);
@@ -335,6 +341,7 @@ class CheckedRope : public Base {
     } catch (const omniORB::fatalException& exception) {
       Report(exception);
     }
+    DisableNewReferences();
   }
 
  private:
@@ -357,19 +364,18 @@ class CheckedRope : public Base {
                     const omni_time_t& connectEnd) {
     RefuseAtEnd();
     try {
-      std::shared_lock<std::shared_mutex> open;
+      std::shared_lock<std::shared_timed_mutex> open;
       std::unique_lock<std::timed_mutex> opening;
-      const bool takesCalls = kTakesCalls && !leaving;
-      if (takesCalls) {
+      if constexpr (kTakesCalls) {
         open = std::shared_lock(opens);
         RefuseAtEnd();
         opening = LockOpening();
         EndDyingSoon();
         descriptor.setDeadline(Share(tried, connectEnd));
       }
-      auto& attempt = *static_cast<GIOP_C*>(
-          takesCalls ? Base::acquireClient(ior, key, keySize, &descriptor)
-                     : giopRope::acquireClient(ior, key, keySize, &descriptor));
+      auto& attempt =
+          *static_cast<GIOP_C*>(leaving ? giopRope::acquireClient(ior, key, keySize, &descriptor)
+                                        : Base::acquireClient(ior, key, keySize, &descriptor));
       if (attempt.strand().connection == nullptr) Open(attempt, Share(tried, connectEnd));
       return attempt;
     } catch (const CORBA::TRANSIENT& exception) {
@@ -390,6 +396,7 @@ class CheckedRope : public Base {
     } catch (...) {
       Discard(attempt.strand());
       Base::releaseClient(&attempt);
+      DisableNewReferences();
       throw;
     }
   }
@@ -512,6 +519,7 @@ CORBA::Boolean MakeRope(omniInterceptors::createRope_T::info_T& info) {
 // server that forwarded is asked anew.
 CORBA::Boolean RetryUnsent(void* /*cookie*/, CORBA::ULong /*retries*/,
                            const CORBA::TRANSIENT& exception) {
+  DisableNewReferences();
   return exception.minor() == omni::TRANSIENT_FailedOnForwarded &&
          exception.completed() == CORBA::COMPLETED_NO && call.descriptor != nullptr &&
          call.refusal == 0 && !call.forwarded && !std::exchange(call.reverted, true);
@@ -539,6 +547,7 @@ void InstallCalls(const OrbSettings& settings) {
 
 void StopTakingCalls() {
   leaving = true;
+  const std::unique_lock last(opens, std::chrono::seconds(1));  // connections that are being opened
   CloseBiDirectional();
   StopWatching();
 }

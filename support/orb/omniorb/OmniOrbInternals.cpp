@@ -2,10 +2,6 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <system_error>
 #include <utility>
 
 #include <omniORB4/callDescriptor.h>
@@ -53,7 +49,9 @@ void CloseGuests(omni::StrandList& list) {
   for (omni::StrandList* link = list.next; link != &list;) {
     auto* const strand = static_cast<giopStrand*>(link);
     link = link->next;
-    if (strand->connection == nullptr || !CheckedConnection::Of(*strand).IsGuests()) continue;
+    const auto* const connection = dynamic_cast<CheckedConnection*>(strand->connection);
+    const bool isDying = strand->state() == giopStrand::DYING;
+    if (connection == nullptr || !connection->IsGuests() || isDying) continue;
     SendCloseConnection(*strand);
     strand->connection->Shutdown();
     strand->state(giopStrand::DYING);
@@ -117,21 +115,6 @@ LongerEnd::LongerEnd() : m_usual(SetScanPeriod(10)) {}
 
 LongerEnd::~LongerEnd() {
   SetScanPeriod(m_usual);
-}
-
-DisabledReferences::DisabledReferences() {
-  try {
-    m_thread = std::jthread([](const std::stop_token& stop) {
-      std::mutex idle;
-      std::condition_variable_any wake;
-      std::unique_lock lock(idle);
-      while (!wake.wait_for(lock, stop, std::chrono::milliseconds(20),
-                            [&stop] { return stop.stop_requested(); })) {
-        omniObjRef::_shutdown();
-      }
-    });
-  } catch (const std::system_error&) {  // omniORB's end alone also does, unless a call is unlucky.
-  }
 }
 
 void CloseGuestConnections() {

@@ -6,7 +6,6 @@
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBINTERNALS_H
 
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <support/orb/Corba.h>
@@ -46,16 +45,6 @@ class LongerEnd {
 
  private:
   const unsigned int m_usual;
-};
-
-// While it exists, references that calls in progress still obtain are disabled, such as that of a
-// forward. The end of omniORB disables references once, and then waits for all others.
-class DisabledReferences {
- public:
-  DisabledReferences();
-
- private:
-  std::jthread m_thread;
 };
 
 // Closes the connections that were opened for a guest, with a CloseConnection message. No call may

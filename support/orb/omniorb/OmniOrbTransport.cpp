@@ -97,7 +97,8 @@ void OmniOrbTransport::Release(const void* user, bool wait) {
   OfferAsLastUser();
   if (!m_users.empty()) return;
   m_ending = true;
-  wait ? FinishEnding() : m_orb->shutdown(false);
+  m_orb->shutdown(wait);
+  if (wait) FinishEnding();
 }
 
 bool OmniOrbTransport::HasOtherUsers(const void* user) {
@@ -149,15 +150,10 @@ void OmniOrbTransport::LeaveAtExit() {
 // An ORB that ended without waiting is destroyed before the next one starts.
 void OmniOrbTransport::FinishEnding() {
   if (!m_ending) return;
-  const LongerEnd end;
-  try {
-    const DisabledReferences disabled;
-    m_orb->shutdown(true);
-  } catch (const CORBA::BAD_INV_ORDER&) {  // It has ended already.
-  }
-  m_orb->destroy();
   m_ending = false;
   m_listeners = 0;
+  const LongerEnd end;
+  m_orb->destroy();
   m_orb = CORBA::ORB::_nil();
 }
 
