@@ -1,6 +1,7 @@
 #include <support/foundations/Environment.h>
 
 #include <array>
+#include <cerrno>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -20,7 +21,7 @@ bool WithAccount(Use use) {
   const auto buffer = std::make_unique_for_overwrite<char[]>(kLargest);
   passwd entry{};
   passwd* found = nullptr;
-  ::getpwuid_r(::geteuid(), &entry, buffer.get(), kLargest, &found);
+  errno = ::getpwuid_r(::geteuid(), &entry, buffer.get(), kLargest, &found);
   if (found != nullptr) use(*found);
   return found != nullptr;
 }

@@ -39,7 +39,8 @@ bool HostName(std::string& name);
 
 // Puts the name of the account that the process runs under (its effective user) into `name`. False
 // when there is no such account, or when the name and a closing zero byte do not fit into `size`
-// bytes; `name` is then empty. The name is kept for as long as that user is the effective one.
+// bytes; `name` is then empty, and errno tells why the accounts cannot be read. The name is kept
+// for as long as that user is the effective one.
 bool AccountName(std::string& name, std::size_t size);
 
 // The account's home directory as the account database has it; empty when there is no such account.

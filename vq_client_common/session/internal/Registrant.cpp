@@ -1,5 +1,7 @@
 #include <vq_client_common/session/internal/Registrant.h>
 
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include <support/foundations/Environment.h>
@@ -14,13 +16,18 @@ bool Registrant::FindNames(const TDiagFunc& diag, std::size_t accountSize) {
     VQ_LOG(diag, 1) << "Couldn't get host name.";
     return false;
   }
+  errno = 0;
   const bool found = AccountName(account, accountSize);
+  const int failure = errno;
   VQ_LOG(diag, 5) << "GetUserName/getpwuid resulted with rc=" << found
                   << " SystemUserName=" << account;
   // Intentional: an empty name is the failure, not the call's result.
   if (account.empty()) {
-    orb::NoteCause("the account of this process has no name of at most " +
-                   std::to_string(accountSize - 1) + " bytes");
+    orb::NoteCause(found || failure == 0
+                       ? "the account of this process has no name of at most " +
+                             std::to_string(accountSize - 1) + " bytes"
+                       : std::string("the account of this process cannot be read: ") +
+                             std::strerror(failure));
     VQ_LOG(diag, 1) << "couldn't get system user name.";
     return false;
   }
