@@ -21,7 +21,18 @@ struct SessionTest : SessionFixture {
   static std::size_t Sessions(Server& server) {
     return server.Control({{"command", "state"}})["sessions"].size();
   }
+  using SessionFixture::Login;
+  using SessionFixture::m_orbArguments;
 };
+
+SessionTest* test = nullptr;  // in the process of a death test
+
+void ExitIfGone() {
+  const bool gone = SessionTest::Sessions(*test->m_servers[0]) == 0;
+  test->m_servers.clear();
+  test->m_naming.reset();
+  std::_Exit(gone ? 7 : 1);
+}
 
 TEST_F(SessionTest, CallsWhatTheFunctionsCall) {
   Server& server = StartServer();
@@ -54,23 +65,25 @@ TEST_F(SessionTest, CallsWhatTheFunctionsCall) {
 TEST_F(SessionTest, AlwaysEnds) {
   Server& server = StartServer();
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  static SessionTest* test = this;
+  test = this;
   const auto exits = [] {
-    std::atexit([] {  // runs after the session's own, which is registered later
-      bool gone = Sessions(*test->m_servers[0]) == 0;
-      if (ThisProduct().startsAtExit) {  // after the end of all that was registered meanwhile
-        std::optional<Session> late(std::in_place, test->Options());
-        late.reset();
-        gone = gone && Sessions(*test->m_servers[0]) == 0;
-      }
-      test->m_servers.clear();
-      test->m_naming.reset();
-      std::_Exit(gone ? 7 : 1);
-    });
+    std::atexit(ExitIfGone);  // runs after the session's own, which is registered later
     const Session session(test->Options());
     std::exit(1);
   };
+  const auto logsOut = [] {
+    test->m_orbArguments.insert(test->m_orbArguments.end(), {"-BiDirPolicy", "1"});
+    std::atexit([] {
+      if (GL_ClientKeepAlive() == 1) GL_LogOut(true);
+      ExitIfGone();
+    });
+    test->Login();
+    std::exit(1);
+  };
   EXPECT_EXIT(exits(), ::testing::ExitedWithCode(7), "");
+  if (ThisProduct().callsAtExit) {
+    EXPECT_EXIT(logsOut(), ::testing::ExitedWithCode(7), "");
+  }
   m_orbArguments = {"-ORBCallTimeout", "1000"};
   LoginError error;
   try {

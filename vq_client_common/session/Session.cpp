@@ -150,6 +150,7 @@ void Session::State::LogIn() {
   }
   LoginResult finished = result;
   if (IsLoggedIn(result) && options.postLogin) {
+    const std::lock_guard lock(calls);
     finished = static_cast<LoginResult>(GL_PostLogin(text));
     if (finished != LoginResult::kSuccess) SetMessage(text);
     const std::shared_ptr<UserAuthorizations> copy(session::NewUserAuthorizations(),
@@ -189,6 +190,8 @@ void Session::State::RefuseOtherSettings() const {
 }
 
 int Session::State::CallLogin(std::string& text) {
+  const std::lock_guard lock(calls);
+  if (ends) return CodeOf(LoginResult::kFailed);  // with the process
   std::vector<std::string> words = Arguments();
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
