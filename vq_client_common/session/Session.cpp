@@ -223,10 +223,14 @@ void Session::State::End() noexcept {
 
 void Session::State::LogOut() noexcept {
   try {
-    const std::lock_guard lock(calls);
+    std::unique_lock lock(calls);
     oldReferences.clear();
-    GL_LogOut(startedOrb);
-    ConnectionSettings::Get()->SetPassword("");
+    GL_LogOut(false);
+    ConnectionSettings* const settings = ConnectionSettings::Get();
+    settings->SetPassword("");
+    lock.unlock();
+    // It waits for the servants of the client, which may call members.
+    if (startedOrb) ORBCommon<1>::Get()->DestroyOrb(settings->GetWait4Shutdown());
   } catch (...) {
     // The session ends by its time-out at the server.
   }
@@ -234,6 +238,7 @@ void Session::State::LogOut() noexcept {
 
 LoginResult Session::State::KeepAlive() {
   const std::lock_guard lock(calls);
+  if (ends) return LoginResult::kNoServer;
   try {
     const auto answer = static_cast<LoginResult>(LoginHandler::GetGlobal()->ClientKeepAlive());
     lost = answer != LoginResult::kSuccess;
@@ -250,6 +255,7 @@ LoginResult Session::State::KeepAlive() {
 
 LoginResult Session::State::Renew() {
   const std::lock_guard lock(calls);
+  if (ends) return LoginResult::kNoServer;
   auto answer = LoginResult::kNoServer;
   std::string text;
   try {
@@ -272,6 +278,7 @@ LoginResult Session::State::Renew() {
 
 LoginResult Session::State::ChangePassword(const std::string& newPassword, bool expired) {
   const std::lock_guard lock(calls);
+  if (ends) return LoginResult::kNoServer;
   std::string text;
   auto answer = static_cast<LoginResult>(CheckPasswordValidity(newPassword, text));
   SetMessage(text);
@@ -343,6 +350,7 @@ std::string Session::Message() const {
 std::optional<std::string> Session::Parameter(const std::string& name,
                                               const std::string& section) const {
   const std::lock_guard lock(Get().calls);
+  if (Get().ends) return std::nullopt;
   std::string value;
   if (!GetSystemParameter(name, value, section, Get().options.kind)) return std::nullopt;
   return value;
@@ -370,6 +378,7 @@ LoginResult Session::ChangePassword(const SecretString& newPassword) {
 
 std::optional<std::chrono::days> Session::CertificateWarning() const {
   const std::lock_guard lock(Get().calls);
+  if (Get().ends) return std::nullopt;
   std::string warning;
   GL_CheckSSLCertificateExpiration(warning);
   const auto expiry = ORBCommon<1>::Get()->CertificateExpiry();
@@ -380,6 +389,7 @@ std::optional<std::chrono::days> Session::CertificateWarning() const {
 template <class T>
 typename T::_var_type Session::Servant(const char* name) const {
   const std::lock_guard lock(Get().calls);
+  if (Get().ends) return T::_nil();
   typename T::_ptr_type borrowed = T::_nil();
   if (GetCRBServant<T>(name, borrowed, Get().options.kind, true) != 1) return T::_nil();
   return T::_duplicate(borrowed);
