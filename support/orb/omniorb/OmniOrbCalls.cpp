@@ -547,7 +547,7 @@ void InstallCalls(const OrbSettings& settings) {
 
 void StopTakingCalls() {
   leaving = true;
-  const std::unique_lock last(opens, std::chrono::seconds(1));  // connections that are being opened
+  const std::unique_lock last(opens, InASecond());  // connections that are being opened
   CloseBiDirectional();
   StopWatching();
 }

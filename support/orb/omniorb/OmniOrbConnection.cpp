@@ -98,7 +98,7 @@ class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
     }
     for (OpenedWatcher* const watcher : all) {
       watcher->deactivate();
-      const std::unique_lock ended(watcher->m_watching, std::chrono::seconds(1));
+      const std::unique_lock ended(watcher->m_watching, InASecond());
     }
   }
 

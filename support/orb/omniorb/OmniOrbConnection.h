@@ -18,6 +18,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -146,6 +147,11 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   mutable std::mutex m_mutex;
   std::map<std::uint32_t, bool> m_replies;  // to calls in progress, and whether they are whole
 };
+
+// ThreadSanitizer knows locks with a limit by the system's clock only.
+inline std::chrono::system_clock::time_point InASecond() {
+  return std::chrono::system_clock::now() + std::chrono::seconds(1);
+}
 
 // Ends the threads that wait for calls over own connections. For the end of the process.
 void StopWatching();
