@@ -145,7 +145,7 @@ struct Handshake {
   }
 };
 
-// What was found at the start of the handshake, as a socket that was closed does not tell.
+// The one that was found at the start of the handshake: a closed socket has none any more.
 Peer PeerOf(const SSL* connection) {
   if (const Handshake* const known = Handshake::Of(connection)) return known->place;
   sockaddr_storage address{};
