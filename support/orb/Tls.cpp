@@ -274,6 +274,16 @@ bool HasOnly(int blocks, const std::string& file) {
   return found == blocks;
 }
 
+// Whether one of the revocation lists has only changes. OpenSSL would take it for a whole list.
+bool HasDelta(X509_STORE* store) {
+  const auto* const objects = X509_STORE_get0_objects(store);
+  for (int i = 0; i < sk_X509_OBJECT_num(objects); ++i) {
+    const X509_CRL* const list = X509_OBJECT_get0_X509_CRL(sk_X509_OBJECT_value(objects, i));
+    if (list != nullptr && X509_CRL_get_ext_by_NID(list, NID_delta_crl, -1) >= 0) return true;
+  }
+  return false;
+}
+
 // OpenSSL would ask for a pass phrase on the terminal.
 int NoPassPhrase(char*, int, int, void*) {
   return 0;
@@ -329,9 +339,9 @@ void ConfigureTls(SSL_CTX& context, const TlsSettings& settings) {
     const int lists = files == nullptr ? 0
                                        : X509_load_crl_file(files, settings.revocationList.c_str(),
                                                             X509_FILETYPE_PEM);
-    if (lists < 1 || !HasOnly(lists, settings.revocationList)) {
+    if (lists < 1 || !HasOnly(lists, settings.revocationList) || HasDelta(store)) {
       Refuse("the file of revocation lists", settings.revocationList, kTlsRevocationList,
-             "it has more than lists in PEM form");
+             "it has more than whole lists in PEM form");
     }
     X509_STORE_set_flags(store, X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL);
   }
