@@ -200,17 +200,18 @@ bool IsOver(const omni_time_t& deadline) {
   return deadline && deadline <= now;
 }
 
-// Waits for that event of the socket until the deadline, if there is one.
-void Await(int socket, short event, const omni_time_t& deadline) {
+// Waits for that event of the socket. False at the deadline, if there is one.
+bool Await(int socket, short event, const omni_time_t& deadline) {
   omni_time_t now;
   omni_thread::get_time(now);
   int milliseconds = -1;
   if (deadline) {
-    const omni_time_t left = now < deadline ? deadline - now : omni_time_t();
+    if (deadline <= now) return false;
+    const omni_time_t left = deadline - now;
     milliseconds = static_cast<int>(std::min(left.s, 1'000'000UL) * 1000 + left.ns / 1'000'000 + 1);
   }
   pollfd events{socket, event, 0};
-  ::poll(&events, 1, milliseconds);
+  return ::poll(&events, 1, milliseconds) != 0;
 }
 
 std::uint32_t NumberIn(const unsigned char* data, bool littleEndian) {
@@ -400,7 +401,8 @@ bool CheckedConnection::HasEnded() const {
 // OpenSSL allows one at a time, which omniORB 4.2 does not heed.
 template <class Function>
 int CheckedConnection::Exchange(Function exchange, const omni_time_t& deadline) {
-  while (!IsOver(deadline)) {
+  if (IsOver(deadline)) return 0;
+  while (true) {  // As omniORB, not by the clock once it waits: that may be set meanwhile.
     int error = SSL_ERROR_NONE;
     {
       const std::lock_guard lock(m_tlsMutex);
@@ -412,9 +414,9 @@ int CheckedConnection::Exchange(Function exchange, const omni_time_t& deadline) 
       ERR_clear_error();
     }
     if (error != SSL_ERROR_WANT_READ && error != SSL_ERROR_WANT_WRITE) return -1;
-    Await(m_socket, error == SSL_ERROR_WANT_READ ? POLLIN : POLLOUT, deadline);
+    const short event = error == SSL_ERROR_WANT_READ ? POLLIN : POLLOUT;
+    if (!Await(m_socket, event, deadline)) return 0;
   }
-  return 0;
 }
 
 int CheckedConnection::Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline) {
