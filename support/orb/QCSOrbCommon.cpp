@@ -1,10 +1,17 @@
 #include <support/orb/QCSOrbCommon.h>
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
@@ -13,6 +20,7 @@
 #include <support/orb/OrbProduct.h>
 #include <support/orb/OrbSettings.h>
 #include <support/orb/OwnAddresses.h>
+#include <support/os_toolkit/os_file_system.h>
 
 namespace {
 
@@ -43,6 +51,30 @@ void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
   throw std::invalid_argument("no address of this host begins with '" + settings.preferIpMask +
                               "', the value of " + vq::orb::kPreferIpMask +
                               "; take one of these:" + known);
+}
+
+// Takes for a moment what an ORB needs at least. The products go on without a thread that the
+// system refuses, and their calls and their end then wait for it; without a descriptor the cause is
+// lost.
+void CheckSystemLimits() {
+  constexpr int kDescriptors = 8;
+  constexpr int kThreads = 5;
+  std::vector<vq::Descriptor> descriptors;
+  for (int i = 0; i < kDescriptors; ++i) {
+    descriptors.emplace_back(::open("/", O_PATH | O_CLOEXEC));
+    if (descriptors.back().IsOpen()) continue;
+    throw std::invalid_argument(std::string("no file can be opened: ") + std::strerror(errno));
+  }
+  std::mutex mutex;
+  std::vector<std::jthread> threads;
+  const std::lock_guard lock(mutex);  // which all threads await, and which ends before them
+  try {
+    for (int i = 0; i < kThreads; ++i) {
+      threads.emplace_back([&mutex] { const std::lock_guard end(mutex); });
+    }
+  } catch (const std::system_error& e) {
+    throw std::invalid_argument(std::string("no thread can be started: ") + e.what());
+  }
 }
 
 void ReportNotStarted(const TDiagFunc& diag, const std::string& orbName,
@@ -117,6 +149,7 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
   std::vector<std::string> productArguments;
   if (!ReadSettings(argc, argv, scope, productArguments)) return false;
   try {
+    CheckSystemLimits();
     m_instance = vq::orb::StartOrb(orbName, m_role, m_useThreadPool, *m_settings, productArguments);
     if (ReachNamingService()) {
       VQ_LOG(diag, 4) << "The ORB " << orbName << " is up on " << vq::orb::ProductName();
@@ -129,6 +162,9 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
                        "; check its -ORB options and -ORBListenEndpoints");
     VQ_LOG(diag, 1) << "The ORB " << orbName << " does not start. Check its -ORB options and that "
                     << "it may listen on " << m_settings->table.front().value << ": " << e;
+  } catch (...) {
+    DestroyOrb(true);
+    throw;
   }
   DestroyOrb(true);
   return false;
@@ -217,6 +253,8 @@ void QCSOrbCommon::DestroyOrb(bool wait) {
     m_instance->Stop(wait);
   } catch (const CORBA::Exception& e) {
     VQ_LOG(diag, 1) << "The ORB does not end in order: " << e;
+  } catch (const std::exception& e) {
+    VQ_LOG(diag, 1) << "The ORB does not end in order: " << e.what();
   }
   m_instance.reset();
   m_settings.reset();
