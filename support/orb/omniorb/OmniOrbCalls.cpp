@@ -161,12 +161,23 @@ bool IsForward(GIOP_C& attempt) {
          attempt.replyStatus() == GIOP::LOCATION_FORWARD_PERM;
 }
 
+// Asks the server that forwarded anew the next time. omniORB 4.3 would stay with a place whose
+// object does not exist if the ORB there is another product.
+void LeaveForward(GIOP_C& attempt) {
+  omniObjRef* const object = attempt.calldescriptor()->objref();
+  try {
+    if (object != nullptr) omni::revertToOriginalProfile(object);
+  } catch (...) {  // no memory
+  }
+}
+
 // What a finished or failed attempt means for the next one.
 void NoteEnd(GIOP_C& attempt) {
   const giopStrand& strand = attempt.strand();
   NoteAddress(*strand.address);
   switch (attempt.state()) {
     case omni::IOP_C::Idle:  // A reply has come.
+      if (attempt.replyStatus() == GIOP::SYSTEM_EXCEPTION) LeaveForward(attempt);
       call.forwarded = IsForward(attempt);
       if (!call.forwarded) call.descriptor = nullptr;
       return;
@@ -337,7 +348,7 @@ class CheckedRope : public Base {
         CheckedConnection::Of(attempt.strand()).ForgetReplyTo(attempt);
       }
       if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt);
-      Base::releaseClient(client);
+      if (!StaysBesideOthers(attempt)) Base::releaseClient(&attempt);
     } catch (const omniORB::fatalException& exception) {
       Report(exception);
     }
@@ -455,6 +466,24 @@ class CheckedRope : public Base {
     attempt.wrUnLock();
   }
 
+  // omniORB 4.3 forgets a finished attempt on an ending connection that has others. As with 4.2 it
+  // is deleted with the connection.
+  bool StaysBesideOthers(GIOP_C& attempt) {
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    giopStrand& strand = attempt.strand();
+    const bool isAlone = strand.clients.next == strand.clients.prev;
+    if (!kTakesCalls || isAlone || strand.state() != giopStrand::DYING || !strand.isBiDir() ||
+        strand.connection == nullptr) {
+      return false;
+    }
+    attempt.rdUnLock();
+    attempt.wrUnLock();
+    attempt.cleanup();
+    if (!IsInUse(strand)) strand.startIdleCounter();
+    this->pd_cond.signal();
+    return true;
+  }
+
   // Calls of the server of which a part has arrived. omniORB keeps them while a caller waits, and
   // its destructor of the connection would end the process.
   static void DropUnfinished(giopStrand& strand) {
@@ -482,7 +511,7 @@ class CheckedRope : public Base {
     if (!strand.first_use && IsDead(strand, kTakesCalls)) {
       if constexpr (kTakesCalls) AwaitOtherReplies(strand);
       Discard(strand);
-      Base::releaseClient(&attempt);
+      if (!StaysBesideOthers(attempt)) Base::releaseClient(&attempt);
       return false;
     }
     attempt.setDeadline(call.end);
