@@ -261,17 +261,24 @@ void CheckIsFile(const std::string& file, std::string_view setting) {
                                           reason != nullptr ? reason : otherwise));
 }
 
-// Whether a PEM file has that many blocks, and no binary data. OpenSSL skips what it cannot read
-// behind a block, which may be another list.
-bool HasOnly(int blocks, const std::string& file) {
+// Whether a file has that many revocation lists and nothing else but comments. OpenSSL skips what
+// it cannot read, which may be a newer list.
+bool HasOnly(int lists, const std::string& file) {
   std::ifstream stream(file, std::ios::binary);
   int found = 0;
+  bool isInside = false;
   for (std::string line; std::getline(stream, line);) {
-    const auto isBinary = [](unsigned char c) { return c < ' ' && c != '\t' && c != '\r'; };
-    if (std::ranges::any_of(line, isBinary)) return false;
-    if (line.find("BEGIN") != std::string::npos) ++found;
+    line.resize(line.find_last_not_of(" \t\r") + 1);
+    if (isInside) {
+      isInside = line != "-----END X509 CRL-----";
+    } else if (line == "-----BEGIN X509 CRL-----") {
+      isInside = true;
+      ++found;
+    } else if (!line.empty() && line.front() != '#') {
+      return false;
+    }
   }
-  return found == blocks;
+  return found == lists;
 }
 
 // Whether one of the revocation lists has only changes. OpenSSL would take it for a whole list.
