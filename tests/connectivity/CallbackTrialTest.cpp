@@ -313,6 +313,7 @@ TEST_F(CallbackTrialTest, PublishesAnotherHostThanItListensOn) {
   EXPECT_THROW(kept->CRB_Ping(), CORBA::OBJECT_NOT_EXIST);
   EXPECT_FALSE(kept->_is_equivalent(servant->GetReference())) << "activated anew";
   // A reference that outlives its ORB has no address, and the question starts no other ORB.
+  ORBCommon<1>::Get()->GetChildPoa()->destroy(true, true);  // as a client may
   GL_LogOut(true);
   EXPECT_FALSE(Troubleshoot::GetNetworkInterface4Server(kept.in(), m_host, m_port, E_GSR));
   EXPECT_TRUE(m_log.Has(1, "Invalid stub"));

@@ -107,6 +107,18 @@ std::vector<std::string> OpenEndpoints() {
   return Texts(omni::omniObjAdapter::listMyEndpoints());
 }
 
+void OpenOnly(const std::string& endpoint) {
+  auto& endpoints = omni::omniObjAdapter::options.endpoints;
+  for (auto known = endpoints.begin(); known != endpoints.end();) {
+    if (endpoint == (*known)->uri.in()) {
+      ++known;
+    } else {
+      delete *known;
+      endpoints.erase(known);
+    }
+  }
+}
+
 void CloseEndpoints() {
   omni::omniObjAdapter::shutdown();
 }

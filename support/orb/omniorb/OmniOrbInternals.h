@@ -29,6 +29,10 @@ void OfferBiDirectional(bool offer);
 // publishes.
 std::vector<std::string> OpenEndpoints();
 
+// Before the first POA, which opens the endpoints: forgets all but that one. omniORB's own settings
+// may have added others, without TLS and without checks.
+void OpenOnly(const std::string& endpoint);
+
 // Closes the open endpoints, which omniORB does only when the ORB ends. There must be no POA. The
 // next root POA opens them again.
 void CloseEndpoints();

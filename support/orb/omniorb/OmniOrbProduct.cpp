@@ -119,7 +119,8 @@ class OmniOrbInstance : public OrbInstance {
     if (listens) DestroyPoa(wait);
     m_poa = PortableServer::POA::_nil();
     m_guest.reset();
-    if (listens) transport.CloseListener();
+    // Without waiting, the end of the ORB closes the endpoints.
+    if (listens && (wait || transport.HasOtherUsers(this))) transport.CloseListener();
     transport.Release(this, wait);
   }
 
@@ -128,7 +129,8 @@ class OmniOrbInstance : public OrbInstance {
     try {
       m_poa->destroy(true, wait);
     } catch (const CORBA::BAD_INV_ORDER&) {  // Called by a servant of this POA.
-      m_poa->destroy(true, false);
+      if (wait) DestroyPoa(false);
+    } catch (const CORBA::OBJECT_NOT_EXIST&) {  // The client has destroyed it.
     }
   }
 

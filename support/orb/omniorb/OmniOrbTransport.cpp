@@ -6,6 +6,7 @@
 #include <memory>
 #include <string_view>
 
+#include <sys/auxv.h>
 #include <unistd.h>
 
 #include <omniORB4/omniORB.h>
@@ -50,6 +51,29 @@ void Trace(Setting& setting, Setting value) {
   std::atomic_ref(setting).store(value, std::memory_order_relaxed);
 }
 
+// The caller of a set-user-ID program must not choose the files that omniORB reads and deletes.
+void ForgetVariables() {
+  if (::getauxval(AT_SECURE) == 0) return;
+  std::vector<std::string> names;
+  for (char** variable = environ; *variable != nullptr; ++variable) {
+    const std::string_view text = *variable;
+    if (text.starts_with("ORB") || text.starts_with("OMNIORB_")) {
+      names.emplace_back(text.substr(0, text.find('=')));
+    }
+  }
+  for (const std::string& name : names) ::unsetenv(name.c_str());
+}
+
+// omniORB keeps the lists of a start that failed, such as its endpoints, until an ORB ends.
+void ForgetOptions() {
+  try {
+    int none = 0;
+    const CORBA::ORB_var orb = CORBA::ORB_init(none, nullptr, "omniORB4");
+    orb->destroy();
+  } catch (const CORBA::Exception&) {  // Its own settings are wrong, also for the next start.
+  }
+}
+
 }  // namespace
 
 CORBA::ORB_ptr InitOmniOrb(const OrbSettings& settings, const std::vector<OmniOrbOption>& options,
@@ -63,11 +87,13 @@ CORBA::ORB_ptr InitOmniOrb(const OrbSettings& settings, const std::vector<OmniOr
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   int count = static_cast<int>(pointers.size());
   pointers.push_back(nullptr);
+  ForgetVariables();
   PrepareTls(settings);
   try {
     return CORBA::ORB_init(count, pointers.data(), "omniORB4", table.get());
   } catch (const CORBA::Exception&) {
     RemoveSslContext();  // Only an ORB that started destroys the context.
+    ForgetOptions();
     throw;
   }
 }
@@ -122,15 +148,17 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
                                             const std::vector<std::string>& arguments) {
   omniORB::setLogFunction(LogLine);
   Trace(omniORB::traceLevel, diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff);
-  // The log adds the time itself, and omniORB reads it in a way that is not thread-safe.
-  Trace(omniORB::traceTime, false);
-
   std::vector<OmniOrbOption> options = OmniOrbOptions(settings);
+  std::string endpoint;
   for (auto& [name, value] : options) {
-    if (name == "endPoint") value = CheckedEndpoint(value);
+    if (name == "endPoint") endpoint = value = CheckedEndpoint(value);
   }
   InstallCodeSet();
   CORBA::ORB_var orb = InitOmniOrb(settings, options, arguments);
+  OpenOnly(endpoint);
+  Trace(omniORB::traceLevel, std::min(omniORB::traceLevel, kTraceOn));  // omniORB's own settings
+  // The log adds the time itself, and omniORB reads it in a way that is not thread-safe.
+  Trace(omniORB::traceTime, false);
   [[maybe_unused]] static const int registered = std::atexit(LeaveAtExit);
   InstallCalls(settings);
   InstallProfiles();
@@ -150,11 +178,11 @@ void OmniOrbTransport::LeaveAtExit() {
 // An ORB that ended without waiting is destroyed before the next one starts.
 void OmniOrbTransport::FinishEnding() {
   if (!m_ending) return;
+  const LongerEnd end;
+  m_orb->destroy();  // It raises BAD_INV_ORDER in an incoming call.
+  m_orb = CORBA::ORB::_nil();
   m_ending = false;
   m_listeners = 0;
-  const LongerEnd end;
-  m_orb->destroy();
-  m_orb = CORBA::ORB::_nil();
 }
 
 PortableServer::POA_ptr OmniOrbTransport::OpenListener() {

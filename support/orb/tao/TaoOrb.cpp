@@ -235,15 +235,18 @@ void TaoThreads::Start(CORBA::ORB_ptr orb, int count) {
 }
 
 void TaoThreads::End(CORBA::ORB_ptr orb, bool wait) {
-  const bool isOwn = std::any_of(m_threads.begin(), m_threads.end(), [](const std::thread& thread) {
-    return thread.get_id() == std::this_thread::get_id();
-  });
-  const bool later = m_shared != nullptr && (isOwn || !wait);
-  if (later) {
-    ++m_shared->users;
-    m_shared->destroys = true;
+  bool later = m_shared != nullptr && !wait;
+  if (m_shared != nullptr) ++m_shared->users;
+  try {
+    if (!later) orb->shutdown(true);
+  } catch (const CORBA::BAD_INV_ORDER&) {  // Called in an incoming call.
+    if (m_shared == nullptr) throw;
+    later = true;
   }
-  orb->shutdown(!later);
+  if (later) {
+    m_shared->destroys = true;
+    orb->shutdown(false);
+  }
   for (std::thread& thread : m_threads) later ? thread.detach() : thread.join();
   m_threads.clear();
   if (later) {
