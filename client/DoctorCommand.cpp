@@ -44,8 +44,9 @@ std::string AdviceFor(vq::orb::Reach reach, const std::string& host, const std::
     case vq::orb::Reach::kRefused:
       return "No program listens on that port: start " + what + ", or correct the port.";
     case vq::orb::Reach::kReached:
-      return "The port accepts connections, but there is no reply: " + what +
-             " hangs, or another program uses the port. Restart it, or correct the port.";
+      return "The port accepts connections, but the call fails: " + what +
+             " hangs or refuses it, or another program uses the port. Look at its log, restart it, "
+             "or correct the port.";
     default:
       return "Check that the host is up and that no firewall blocks the port.";
   }
@@ -85,10 +86,6 @@ bool Report(const std::string& step, const Status& status, const std::string& de
   if (isBad || !Form().quiet) PrintText(text);
   std::cout << std::flush;
   return !isBad;
-}
-
-bool Bad(const std::string& step, const std::string& detail, const std::string& advice) {
-  return Report(step, kBad, detail, advice);
 }
 
 bool Good(const std::string& step, const std::string& detail) {
@@ -139,6 +136,20 @@ class Doctor {
   }
 
  private:
+  bool Bad(const std::string& step, const std::string& detail, const std::string& advice) const {
+    return Report(step, kBad, detail,
+                  m_line.IsTimeOver() ? "The time of --max-time is over: allow more." : advice);
+  }
+
+  // Connects within the limit of `count` such trials together.
+  vq::orb::Reach Try(const vq::orb::ReferenceEndpoint& place, std::size_t count,
+                     std::string& why) const {
+    using std::chrono::milliseconds;
+    const auto left = m_line.End() - std::chrono::steady_clock::now();
+    const auto limit = std::min<std::chrono::nanoseconds>(left, kTcpLimit / count);
+    return vq::orb::TryToReach(place, std::chrono::duration_cast<milliseconds>(limit), why);
+  }
+
   bool ExamineSettings() {
     std::string set;
     for (const vq::Setting& setting : m_line.Report()) {
@@ -163,11 +174,12 @@ class Doctor {
   vq::orb::ReferenceEndpoint NamingAddress() const {
     constexpr std::string_view kStart = "NameService=corbaloc:";
     vq::orb::ReferenceEndpoint place;
-    if (!m_namingReference.starts_with(kStart)) return place;
-    std::string address = m_namingReference.substr(kStart.size());
-    address.resize(std::min(address.find_first_of("/,"), address.size()));  // of several the first
-    address.erase(0, address.find(':') + 1);                                // no protocol
-    address.erase(0, address.find('@') + 1);                                // no version
+    const std::size_t start = m_namingReference.find(kStart);
+    if (start == std::string::npos) return place;
+    std::string address = m_namingReference.substr(start + kStart.size());
+    address.resize(std::min(address.find_first_of("/, "), address.size()));  // of several the first
+    address.erase(0, address.find(':') + 1);                                 // no protocol
+    address.erase(0, address.find('@') + 1);                                 // no version
     place.port = 2809;  // of an address without one
     const std::size_t colon = address.find(':', address.starts_with('[') ? address.find(']') : 0);
     if (colon != std::string::npos) {
@@ -195,8 +207,8 @@ class Doctor {
       return Bad("naming service", cause,
                  "Give its address in the form HOST:PORT: --naming HOST:PORT.");
     }
-    std::string why = Text(place) + " does not answer";
-    const vq::orb::Reach reach = vq::orb::TryToReach(place, kTcpLimit, why);
+    std::string why = cause;
+    const vq::orb::Reach reach = Try(place, 1, why);
     return Bad("naming service", why, AdviceFor(reach, place.host, "the naming service"));
   }
 
@@ -246,7 +258,7 @@ class Doctor {
         continue;
       }
       std::string result = Text(endpoint) + " accepts connections";
-      const vq::orb::Reach reach = vq::orb::TryToReach(endpoint, kTcpLimit, result);
+      const vq::orb::Reach reach = Try(endpoint, usable.size(), result);
       isReached |= reach == vq::orb::Reach::kReached;
       found += result;
       if (advice.empty()) advice = AdviceFor(reach, endpoint.host, "the server");
@@ -263,8 +275,8 @@ class Doctor {
       auto [cause, advice] = SplitCause(CauseOf(e));
       if (advice.empty() && m_tls) {
         advice =
-            "The TLS handshake does not complete: the server hangs, or requires a client "
-            "certificate (--certificate FILE, --key FILE). Look at its log.";
+            "The server hangs or refuses the call, or requires a client certificate (--certificate "
+            "FILE, --key FILE). Look at its log.";
       } else if (advice.empty()) {
         advice = AdviceFor(vq::orb::Reach::kReached, "", "the server");
       }
@@ -357,7 +369,7 @@ class Doctor {
     TryCallback("", true);
     if (!m_way.empty()) return kSuccess;
     if (m_line.IsTimeOver()) {
-      Bad("callbacks", "the time of --max-time is over", "Allow more time.");
+      Bad("callbacks", "not all of them were tried", "");
       return kRefused;
     }
     Bad("callbacks", "the server cannot call this client back",

@@ -54,8 +54,9 @@ int Change(CommandLine& line) {
     PrintLine("The password is changed.");
   } else if (result != vq::LoginResult::kPasswordRefusedByPolicy) {
     // The server has changed it if only the reply was lost.
-    PrintError("The server did not confirm the change (code " + std::to_string(vq::CodeOf(result)) +
-               ").");
+    PrintError(WithCause(
+        "The server did not confirm the change (code " + std::to_string(vq::CodeOf(result)) + ").",
+        GL_GetFailureCause()));
   }
   return ExitCodeOf(result);
 }
