@@ -71,6 +71,10 @@ std::optional<ListenEndpoint> ParseListenEndpoint(std::string_view text, std::st
     error = "'" + std::string(text) + "' has a port span and no port to start from";
     return std::nullopt;
   }
+  if (endpoint.portSpan > 1 && endpoint.port + endpoint.portSpan > 65535) {  // omniORB would wrap
+    error = "'" + std::string(text) + "' has a port span that does not end before port 65535";
+    return std::nullopt;
+  }
   return endpoint;
 }
 

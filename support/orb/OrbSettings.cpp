@@ -93,25 +93,28 @@ ResolvedSetting Resolve(const KnownSetting& known, const OrbArguments& arguments
   return {name, std::string(known.builtIn), "built in"};
 }
 
-// The command line may name several initial references, and the last one of a name applies; every
-// other source has one.
+// A value may have several, separated by blanks, and the command line several values. The last one
+// of a name applies.
 std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
                                      const OrbArguments& arguments) {
   std::vector<std::string> refs;
-  const auto add = [&](const std::string& ref) {
-    const std::size_t equals = ref.find('=');
-    if (equals == 0 || equals == std::string::npos || equals + 1 == ref.size()) {
-      Refuse({setting.name, ref, setting.origin}, "of the form NAME=REFERENCE");
+  const auto add = [&](std::string_view list) {
+    while (!list.empty()) {
+      const std::string ref(Cut(list, ' '));
+      const std::size_t equals = ref.find('=');
+      if (equals == 0 || equals == std::string::npos || equals + 1 == ref.size()) {
+        Refuse({setting.name, ref, setting.origin}, "of the form NAME=REFERENCE");
+      }
+      const std::string name = ref.substr(0, equals + 1);
+      std::erase_if(refs, [&](const std::string& known) { return known.starts_with(name); });
+      refs.push_back(ref);
     }
-    const std::string name = ref.substr(0, equals + 1);
-    std::erase_if(refs, [&](const std::string& known) { return known.starts_with(name); });
-    refs.push_back(ref);
   };
   if (setting.origin == kCommandLine) {
     for (const auto& [name, ref] : arguments.options) {
       if (name == setting.name) add(ref);
     }
-  } else if (!setting.value.empty()) {
+  } else {
     add(setting.value);
   }
   return refs;
@@ -163,7 +166,7 @@ OrbSettings ResolveSettings(const OrbArguments& arguments,
   for (const KnownSetting& known : kKnown) {
     settings.table.push_back(Resolve(known, arguments, scopes));
   }
-  const auto find = [&](std::string_view name) -> const ResolvedSetting& {
+  const auto find = [&](std::string_view name) -> ResolvedSetting& {
     return *std::ranges::find(settings.table, name, &ResolvedSetting::name);
   };
 
@@ -174,6 +177,7 @@ OrbSettings ResolveSettings(const OrbArguments& arguments,
   settings.biDirectional = Flag(find(kBiDirPolicy));
   settings.preferIpMask = find(kPreferIpMask).value;
   settings.initialRefs = InitialRefs(find(kInitRef), arguments);
+  find(kInitRef).value = fmt::format("{}", fmt::join(settings.initialRefs, " "));
   settings.connectTimeout = Time(find(kConnectTimeout), 1);
   settings.callTimeout = Time(find(kCallTimeout), 1);
   settings.tcpKeepAlive = Time(find(kTcpKeepAlive), 0);

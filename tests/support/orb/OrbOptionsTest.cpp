@@ -134,11 +134,13 @@ TEST(OmniOrbOptionsTest, Translates) {
        "endPointPublish -ORBListenEndpoints=iiop://[::1]:50/hostname_in_ior=fe80::1 "
        "-SSLCertificate=own.pem -> giop:ssl:[fe80::1]:",
        "endPointPublish -ORBListenEndpoints=iiop:///hostname_in_ior=h.site -> giop:tcp:h.site:"});
-  // The last one of a name counts.
+  // The last one of a name counts. The table shows those that count.
   const char* const argv[] = {"client",          "-ORBInitRef", "B=corbaloc::c/B", "-ORBInitRef",
                               "A=corbaloc::a/A", "-ORBInitRef", "B=corbaloc::b/B"};
-  EXPECT_EQ(OmniOrbValues(ResolveSettings(SplitArguments(7, argv), {}), "InitRef"),
-            "A=corbaloc::a/A B=corbaloc::b/B");
+  const OrbSettings settings = ResolveSettings(SplitArguments(7, argv), {});
+  const std::string last = "A=corbaloc::a/A B=corbaloc::b/B";
+  EXPECT_EQ(OmniOrbValues(settings, "InitRef"), last);
+  EXPECT_EQ(std::ranges::find(settings.table, "-ORBInitRef", &ResolvedSetting::name)->value, last);
 }
 
 // What the directives do is tested with TAO itself.
