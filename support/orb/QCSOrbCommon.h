@@ -51,7 +51,7 @@ class VQ_CLIENT_COMMON_API QCSOrbCommon {
   // it asks for a POA. `argv` may be null when `argc` is 0; its strings are copied. The naming
   // service must answer, or the ORB is not started. False when a setting is malformed, the
   // configuration domain cannot be read, a port cannot be opened or the naming service does not
-  // answer; the reason is logged at level 1. Never raises.
+  // answer; the reason is logged at level 1. Raises nothing but std::bad_alloc.
   bool InitCorba(int argc, char** argv, const char* name);
   bool InitCorba4Client(int argc, char** argv, const char* name);
 

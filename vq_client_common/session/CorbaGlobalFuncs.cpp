@@ -16,6 +16,7 @@ int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID ser
   using Cache = CorbaServerPackManager;
   Cache::DiagPdefWrapper(6, "GetCRBServant");
   vq::orb::BeginCall();
+  CORBA::Object_var object;
   try {
     Cache* const cache = Cache::Get();
     const CORBA::Object_ptr cached = cache->FindItem(name, serverId);
@@ -25,11 +26,13 @@ int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID ser
       return CORBA::is_nil(result) ? 0 : 1;
     }
     Cache::DiagPdefWrapper(4, std::string(name) + ": CRB servant is about to be bound.");
-    CORBA::Object_var object = ORBCommon<1>::Get()->Bind(ConnectionSettings::Get()->GetServerName(),
-                                                         GL_ResolveServerID(serverId), name, probe);
+    object = ORBCommon<1>::Get()->Bind(ConnectionSettings::Get()->GetServerName(),
+                                       GL_ResolveServerID(serverId), name, probe);
     typename T::_var_type bound = T::_narrow(object.in());
     if (CORBA::is_nil(bound.in())) {
       result = T::_nil();
+      vq::orb::NoteCause(std::string("the ") + name +
+                         " of the server is an object of another type");
       Cache::DiagPdefWrapper(5, std::string("Failed to obtain the CRB Servant: '") + name + "'");
       return 0;
     }
@@ -38,6 +41,7 @@ int GetCRBServant(const char* name, typename T::_ptr_type& result, SERVER_ID ser
     Cache::DiagPdefWrapper(4, "GetCRBServant has succeeded");
     return 1;
   } catch (const CORBA::Exception& e) {
+    vq::orb::NoteFailedCall(e, object.in());
     Cache::DiagPdefWrapper(1, "CORBA::Exception was caught. " + vq::orb::ExceptionText(e));
     return -3;
   }

@@ -152,6 +152,8 @@ int GL_LogOut(bool destroyOrb) {
     VQ_LOG(diag, 2) << "Caught a CORBA System Exception - " << e;
   } catch (const CORBA::Exception& e) {
     VQ_LOG(diag, 2) << "Caught a CORBA exception - " << e;
+  } catch (const std::bad_alloc& e) {
+    VQ_LOG(diag, 2) << "The server was not told of the logout - " << e.what();
   }
   CorbaServerPackManager::Get()->Reset();
   vq::session::ResetUserAuthorizations(*session->GetUserAuthorizations());

@@ -9,6 +9,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/ReplaceFirst.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailureCause.h>
 #include <support/os_toolkit/Atoi.h>
 #include <support/security/SecretString.h>
 #include <vq_client_common/session/ConnectionSettings.h>
@@ -162,8 +163,8 @@ int SetUserPassword(const std::string& newPassword, bool expired) {
   const vq::SecretString wirePassword(
       settings->IsEncodePassword() ? ConnectionSettings::EncodePassword(newPassword) : newPassword);
   int result = kFailed;
+  QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
   try {
-    QCSCorbaUsersManager_ptr users;
     const SERVER_ID serverId = LoginHandler::GetGlobal()->GetServerID();
     if (vq::session::GetUsersManager(users, serverId) != 1) return kFailed;
     if (expired) {
@@ -184,6 +185,7 @@ int SetUserPassword(const std::string& newPassword, bool expired) {
     VQ_LOG(diag, 1) << "Failed with USER_NOT_AUTHORIZED exception.";
     result = vq::CodeOf(vq::LoginResult::kNotAuthorized);
   } catch (const CORBA::SystemException& e) {
+    vq::orb::NoteFailedCall(e, users);
     VQ_LOG(diag, 1) << vq::orb::NameAndMinorText(e);
   } catch (...) {
     VQ_LOG(diag, 1) << "Failed with unrecognized exception";

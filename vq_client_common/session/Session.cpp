@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <mutex>
+#include <stdexcept>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -15,6 +19,7 @@
 #include <support/orb/CorbaText.h>
 #include <support/orb/ORBCommon.h>
 #include <support/orb/OrbSettings.h>
+#include <support/os_toolkit/Atoi.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/CorbaGlobalFuncs.h>
 #include <vq_client_common/session/GlobalFuncs.h>
@@ -44,6 +49,7 @@ struct Session::State : std::enable_shared_from_this<State> {
   void RefuseOtherSettings() const;
   int CallLogin(std::string& text);
   void End() noexcept;
+  void AwaitEnd() const;
   void LogOut() noexcept;
   LoginResult KeepAlive();
   LoginResult Renew();
@@ -63,7 +69,18 @@ struct Session::State : std::enable_shared_from_this<State> {
     lastAlive = std::chrono::steady_clock::now();
     lost = silent = refused = reported = false;
   }
-  unsigned int TimeOut() const { return static_cast<unsigned int>(options.timeOut.count()); }
+  unsigned int TimeOut() const {
+    constexpr std::int64_t kLongest = std::numeric_limits<unsigned int>::max();
+    return static_cast<unsigned int>(
+        std::clamp<std::int64_t>(options.timeOut.count(), 0, kLongest));
+  }
+  // How long one remote call may take.
+  static std::chrono::milliseconds CallTimeOut() {
+    for (const orb::ResolvedSetting& setting : ORBCommon<1>::Get()->GetSettings()) {
+      if (setting.name == orb::kCallTimeout) return std::chrono::milliseconds(Atoi(setting.value));
+    }
+    return std::chrono::minutes(1);
+  }
 
   SessionOptions options;
   const pid_t process = ::getpid();
@@ -72,6 +89,7 @@ struct Session::State : std::enable_shared_from_this<State> {
   std::shared_ptr<const UserAuthorizations> authorizations;
   std::atomic<bool> lost = false;
   std::atomic<bool> ends = false;
+  std::atomic<bool> isLoggedOut = false;
   std::atomic<bool> hasEnded = false;
   std::jthread thread;
   mutable std::mutex messageLock;
@@ -110,13 +128,20 @@ void Session::State::Begin() {
     current = weak_from_this();
   }
   std::optional<CallDeadline> deadline;  // also of the logout after a failure
-  if (options.deadline.count() > 0) deadline.emplace(options.deadline);
+  if (options.deadline.count() != 0) deadline.emplace(options.deadline);
+  const auto fail = [&](const std::string& cause) {
+    End();
+    throw LoginError(LoginResult::kFailed, "The login failed.", cause);
+  };
   try {
     LogIn();
     if (options.keepAlive.count() > 0) StartThread();
   } catch (const CORBA::Exception& e) {
-    End();
-    throw LoginError(LoginResult::kFailed, "The login failed.", orb::ExceptionText(e));
+    fail(orb::ExceptionText(e));
+  } catch (const std::invalid_argument& e) {
+    fail(e.what());
+  } catch (const std::system_error& e) {
+    fail(std::string("no thread can be started: ") + e.what());
   } catch (...) {
     End();
     throw;
@@ -133,7 +158,7 @@ void Session::State::Begin() {
       session->LogOut();  // The thread that ends it waits for this one.
     } else {
       session->End();
-      session->hasEnded.wait(false);  // Another thread may be ending it.
+      session->AwaitEnd();  // Another thread may be ending it.
     }
   });
 }
@@ -151,7 +176,7 @@ void Session::State::LogIn() {
   LoginResult finished = result;
   if (IsLoggedIn(result) && options.postLogin) {
     const std::lock_guard lock(calls);
-    finished = static_cast<LoginResult>(GL_PostLogin(text));
+    finished = ends ? LoginResult::kFailed : static_cast<LoginResult>(GL_PostLogin(text));
     if (finished != LoginResult::kSuccess) SetMessage(text);
     const std::shared_ptr<UserAuthorizations> copy(session::NewUserAuthorizations(),
                                                    session::DeleteUserAuthorizations);
@@ -178,14 +203,25 @@ std::vector<std::string> Session::State::Arguments() const {
 // An ORB that is up keeps its settings: a session that requires TLS could be unencrypted.
 void Session::State::RefuseOtherSettings() const {
   const std::vector<std::string> words = Arguments();
-  for (const orb::ResolvedSetting& setting : ORBCommon<1>::Get()->GetSettings()) {
-    const auto given = std::ranges::find(words, setting.name);
-    if (given == words.end() || given + 1 == words.end()) continue;
-    const bool isListed = setting.name == orb::kInitRef && setting.value.find(given[1]) == 0;
-    if (isListed || setting.value == given[1]) continue;
-    throw LoginError(LoginResult::kFailed, "The ORB of this process has other settings.",
-                     setting.name + " is '" + setting.value +
-                         "' there; end it with GL_LogOut(true) before this session begins");
+  std::vector<const char*> pointers;
+  for (const std::string& word : words) pointers.push_back(word.c_str());
+  const orb::OrbArguments given =
+      orb::SplitArguments(static_cast<int>(pointers.size()), pointers.data());
+  const orb::OrbSettings wanted = orb::ResolveSettings(given, {});
+  const std::vector<orb::ResolvedSetting>& inForce = ORBCommon<1>::Get()->GetSettings();
+  const auto isInForce = [&](const orb::ResolvedSetting& setting, const std::string& value) {
+    const auto has = [&](const std::string& ref) {
+      return (" " + value + " ").find(" " + ref + " ") != std::string::npos;
+    };
+    return setting.name == orb::kInitRef ? std::ranges::all_of(wanted.initialRefs, has)
+                                         : setting.value == value;
+  };
+  for (std::size_t i = 0; i < inForce.size(); ++i) {
+    const auto& [name, value, origin] = inForce[i];
+    if (!given.options.contains(name) || isInForce(wanted.table[i], value)) continue;
+    throw LoginError(
+        LoginResult::kFailed, "The ORB of this process has other settings.",
+        name + " is '" + value + "' there; end it with GL_LogOut(true) before this session begins");
   }
 }
 
@@ -217,17 +253,26 @@ void Session::State::End() noexcept {
   const std::lock_guard lock(currentLock);
   current.reset();
   hasEnded = true;
-  hasEnded.notify_all();
   isEnding = false;
+}
+
+// Once it is logged out the ORB has a second to end: it may wait for a servant that ends the
+// process.
+void Session::State::AwaitEnd() const {
+  for (int left = 1000; !hasEnded && left > 0; left -= isLoggedOut) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
 }
 
 void Session::State::LogOut() noexcept {
   try {
     std::unique_lock lock(calls);
+    const CallDeadline limit(CallTimeOut());
     oldReferences.clear();
     GL_LogOut(false);
     ConnectionSettings* const settings = ConnectionSettings::Get();
     settings->SetPassword("");
+    isLoggedOut = true;
     lock.unlock();
     // It waits for the servants of the client, which may call members.
     if (startedOrb) ORBCommon<1>::Get()->DestroyOrb(settings->GetWait4Shutdown());
@@ -284,7 +329,7 @@ LoginResult Session::State::ChangePassword(const std::string& newPassword, bool 
   SetMessage(text);
   if (answer != LoginResult::kSuccess) return answer;
   answer = static_cast<LoginResult>(SetUserPassword(newPassword, expired));
-  if (answer == LoginResult::kSuccess && !WasPasswordChanged()) return LoginResult::kFailed;
+  if (IsLoggedIn(answer) && !WasPasswordChanged()) return LoginResult::kFailed;
   return answer;
 }
 
@@ -294,6 +339,8 @@ void Session::State::StartThread() {
   sigfillset(&all);
   for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) sigdelset(&all, fault);
   pthread_sigmask(SIG_SETMASK, &all, &before);  // the client's own threads handle signals
+  const std::shared_ptr<void> after(nullptr,
+                                    [&](void*) { pthread_sigmask(SIG_SETMASK, &before, nullptr); });
   thread = std::jthread([self = shared_from_this()](const std::stop_token& stop) {
     isOnThread = true;
     std::mutex idle;
@@ -304,12 +351,12 @@ void Session::State::StartThread() {
       self->KeepAliveOrRenew();
     }
   });
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 void Session::State::KeepAliveOrRenew() {
   try {
     if (KeepAlive() == LoginResult::kSuccess || !lost) return;
+    const CallDeadline limit(CallTimeOut());  // for the end of the session, which waits
     if (options.renew && !refused && IsLoggedIn(Renew())) return;
   } catch (const std::exception&) {  // no memory; the next attempt may succeed
     return;
