@@ -9,6 +9,7 @@
 #include <shared_mutex>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include <sys/socket.h>
 
@@ -381,7 +382,7 @@ class CheckedRope : public Base {
         open = std::shared_lock(opens);
         RefuseAtEnd();
         opening = LockOpening();
-        EndDyingSoon();
+        EndDying();
         descriptor.setDeadline(Share(tried, connectEnd));
       }
       auto& attempt =
@@ -428,17 +429,24 @@ class CheckedRope : public Base {
     return opening;
   }
 
-  // omniORB keeps the descriptor of a connection that took calls and died for minutes. Its next
-  // scan finds these.
-  void EndDyingSoon() {
-    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-    for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;
-         link = link->next) {
-      auto* const strand = static_cast<giopStrand*>(link);
-      if (strand->state() == giopStrand::DYING && strand->idlebeats > 1 && !IsInUse(*strand)) {
-        strand->idlebeats = 1;
+  // omniORB keeps the descriptor of a connection that took calls and died for minutes. Its own scan
+  // ends one in this way, also without its lock.
+  void EndDying() {
+    std::vector<giopStrand*> ended;
+    {
+      const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+      for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;) {
+        auto* const strand = static_cast<giopStrand*>(link);
+        link = link->next;
+        if (strand->state() != giopStrand::DYING || strand->idlebeats < 0 || IsInUse(*strand)) {
+          continue;
+        }
+        strand->StrandList::remove();
+        strand->RopeLink::remove();
+        ended.push_back(strand);
       }
     }
+    for (giopStrand* const strand : ended) strand->safeDelete(true);
   }
 
   // omniORB's destructor of a connection ends the process while a thread still uses it.
