@@ -129,19 +129,12 @@ void Session::State::Begin() {
   }
   std::optional<CallDeadline> deadline;  // also of the logout after a failure
   if (options.deadline.count() != 0) deadline.emplace(options.deadline);
-  const auto fail = [&](const std::string& cause) {
-    End();
-    throw LoginError(LoginResult::kFailed, "The login failed.", cause);
-  };
   try {
     LogIn();
     if (options.keepAlive.count() > 0) StartThread();
   } catch (const CORBA::Exception& e) {
-    fail(orb::ExceptionText(e));
-  } catch (const std::invalid_argument& e) {
-    fail(e.what());
-  } catch (const std::system_error& e) {
-    fail(std::string("no thread can be started: ") + e.what());
+    End();
+    throw LoginError(LoginResult::kFailed, "The login failed.", orb::ExceptionText(e));
   } catch (...) {
     End();
     throw;
@@ -205,9 +198,14 @@ void Session::State::RefuseOtherSettings() const {
   const std::vector<std::string> words = Arguments();
   std::vector<const char*> pointers;
   for (const std::string& word : words) pointers.push_back(word.c_str());
-  const orb::OrbArguments given =
-      orb::SplitArguments(static_cast<int>(pointers.size()), pointers.data());
-  const orb::OrbSettings wanted = orb::ResolveSettings(given, {});
+  orb::OrbArguments given;
+  orb::OrbSettings wanted;
+  try {
+    given = orb::SplitArguments(static_cast<int>(pointers.size()), pointers.data());
+    wanted = orb::ResolveSettings(given, {});
+  } catch (const std::invalid_argument& e) {
+    throw LoginError(LoginResult::kFailed, "The login failed.", e.what());
+  }
   const std::vector<orb::ResolvedSetting>& inForce = ORBCommon<1>::Get()->GetSettings();
   const auto isInForce = [&](const orb::ResolvedSetting& setting, const std::string& value) {
     const auto has = [&](const std::string& ref) {
@@ -301,6 +299,7 @@ LoginResult Session::State::KeepAlive() {
 LoginResult Session::State::Renew() {
   const std::lock_guard lock(calls);
   if (ends) return LoginResult::kNoServer;
+  const std::string before = ConnectionSettings::Get()->GetUserID();
   auto answer = LoginResult::kNoServer;
   std::string text;
   try {
@@ -317,6 +316,9 @@ LoginResult Session::State::Renew() {
     text = e.handle();
   }
   SetMessage(text);
+  // The server may have accepted the login, and not the call behind it that sets its time-out.
+  const bool isRegistered = ConnectionSettings::Get()->GetUserID() != before;
+  if (!IsLoggedIn(answer) && isRegistered) answer = LoginResult::kSuccess;
   if (IsLoggedIn(answer)) SetAlive();
   return answer;
 }
@@ -341,7 +343,7 @@ void Session::State::StartThread() {
   pthread_sigmask(SIG_SETMASK, &all, &before);  // the client's own threads handle signals
   const std::shared_ptr<void> after(nullptr,
                                     [&](void*) { pthread_sigmask(SIG_SETMASK, &before, nullptr); });
-  thread = std::jthread([self = shared_from_this()](const std::stop_token& stop) {
+  const auto keepAlive = [self = shared_from_this()](const std::stop_token& stop) {
     isOnThread = true;
     std::mutex idle;
     std::condition_variable_any wake;
@@ -350,13 +352,18 @@ void Session::State::StartThread() {
                           [&stop] { return stop.stop_requested(); })) {
       self->KeepAliveOrRenew();
     }
-  });
+  };
+  try {
+    thread = std::jthread(keepAlive);
+  } catch (const std::system_error& e) {
+    throw LoginError(LoginResult::kFailed, "The login failed.",
+                     std::string("no thread can be started: ") + e.what());
+  }
 }
 
 void Session::State::KeepAliveOrRenew() {
   try {
     if (KeepAlive() == LoginResult::kSuccess || !lost) return;
-    const CallDeadline limit(CallTimeOut());  // for the end of the session, which waits
     if (options.renew && !refused && IsLoggedIn(Renew())) return;
   } catch (const std::exception&) {  // no memory; the next attempt may succeed
     return;

@@ -71,9 +71,9 @@ class VQ_CLIENT_COMMON_API Session {
   // The same without exceptions: empty on failure, with the reason in `error`.
   static std::optional<Session> Open(SessionOptions options, LoginError& error);
 
-  // Logs out, and ends the ORB if this object started it. Takes at most one time-out for the logout
-  // and one for a call that another thread is making. Never throws. std::exit ends a session in the
-  // same way.
+  // Logs out, and ends the ORB if this object started it. Takes at most one call time-out for the
+  // logout, and what a member that another thread has called, or the session's own thread, still
+  // needs for its calls. Never throws. std::exit ends a session in the same way.
   ~Session() = default;
   Session(Session&&) noexcept = default;
   Session& operator=(Session&&) noexcept = default;

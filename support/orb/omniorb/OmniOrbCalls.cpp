@@ -162,23 +162,12 @@ bool IsForward(GIOP_C& attempt) {
          attempt.replyStatus() == GIOP::LOCATION_FORWARD_PERM;
 }
 
-// Asks the server that forwarded anew the next time. omniORB 4.3 would stay with a place whose
-// object does not exist if the ORB there is another product.
-void LeaveForward(GIOP_C& attempt) {
-  omniObjRef* const object = attempt.calldescriptor()->objref();
-  try {
-    if (object != nullptr) omni::revertToOriginalProfile(object);
-  } catch (...) {  // no memory
-  }
-}
-
 // What a finished or failed attempt means for the next one.
 void NoteEnd(GIOP_C& attempt) {
   const giopStrand& strand = attempt.strand();
   NoteAddress(*strand.address);
   switch (attempt.state()) {
     case omni::IOP_C::Idle:  // A reply has come.
-      if (attempt.replyStatus() == GIOP::SYSTEM_EXCEPTION) LeaveForward(attempt);
       call.forwarded = IsForward(attempt);
       if (!call.forwarded) call.descriptor = nullptr;
       return;
@@ -568,6 +557,18 @@ CORBA::Boolean RetryClosed(void* /*cookie*/, CORBA::ULong /*retries*/,
   return call.descriptor != nullptr && call.refusal == 0 && std::exchange(call.repeat, false);
 }
 
+// When another product answers at the place of a forward that the object does not exist,
+// omniORB 4.3 stays with that place. The server that forwarded is asked anew the next time.
+CORBA::Boolean LeaveForward(void* /*cookie*/, CORBA::ULong /*retries*/,
+                            const CORBA::SystemException& exception, CORBA::Object_ptr object,
+                            const char* /*operation*/) {
+  if (CORBA::OBJECT_NOT_EXIST::_downcast(&exception) != nullptr) {
+    omni::revertToOriginalProfile(object->_PR_getobj());
+    DisableNewReferences();
+  }
+  return false;
+}
+
 }  // namespace
 
 void InstallCalls(const OrbSettings& settings) {
@@ -575,6 +576,7 @@ void InstallCalls(const OrbSettings& settings) {
   limits = {settings.connectTimeout, settings.tcpKeepAlive, settings.tcpUserTimeout};
   omniORB::installTransientExceptionHandler(nullptr, RetryUnsent);
   omniORB::installCommFailureExceptionHandler(nullptr, RetryClosed);
+  omniORB::installSystemExceptionHandlerExt(nullptr, LeaveForward);
   omniInterceptors& interceptors = *omniORB::getInterceptors();
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);

@@ -91,6 +91,7 @@ class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
 
   // Returns when no thread watches any more, within a second for each transport.
   static void StopAll() {
+    stopped = true;
     std::vector<OpenedWatcher*> all;
     {
       const std::lock_guard lock(mutex);
@@ -105,15 +106,18 @@ class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
   explicit OpenedWatcher(omni::giopActiveCollection& opened) : m_opened(opened) {}
 
   const char* type() const override { return m_opened.type(); }
-  CORBA::Boolean isEmpty() const override { return m_opened.isEmpty(); }
+  // omniORB's thread asks it when Monitor has returned, and m_opened may be destroyed by then.
+  CORBA::Boolean isEmpty() const override { return stopped || m_opened.isEmpty(); }
   void deactivate() override { m_opened.deactivate(); }
   void Monitor(giopConnection::notifyReadable_t tell, void* cookie) override {
     TellTo(tell, cookie);
     const std::lock_guard watching(m_watching);
+    if (stopped) return;
     m_opened.Monitor(Tell, static_cast<Watcher*>(this));
   }
 
  private:
+  static inline std::atomic<bool> stopped = false;
   static inline auto& watchers = *new std::map<omni::giopActiveCollection*, OpenedWatcher>;
 
   omni::giopActiveCollection& m_opened;

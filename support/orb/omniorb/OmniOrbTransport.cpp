@@ -9,6 +9,7 @@
 #include <sys/auxv.h>
 #include <unistd.h>
 
+#include <omniORB4/minorCode.h>
 #include <omniORB4/omniORB.h>
 
 #include <support/diagnostics/TDiag.h>
@@ -55,7 +56,7 @@ void Trace(Setting& setting, Setting value) {
 void ForgetVariables() {
   if (::getauxval(AT_SECURE) == 0) return;
   std::vector<std::string> names;
-  for (char** variable = environ; *variable != nullptr; ++variable) {
+  for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
     const std::string_view text = *variable;
     if (text.starts_with("ORB") || text.starts_with("OMNIORB_")) {
       names.emplace_back(text.substr(0, text.find('=')));
@@ -179,7 +180,11 @@ void OmniOrbTransport::LeaveAtExit() {
 void OmniOrbTransport::FinishEnding() {
   if (!m_ending) return;
   const LongerEnd end;
-  m_orb->destroy();  // It raises BAD_INV_ORDER in an incoming call.
+  try {
+    m_orb->destroy();
+  } catch (const CORBA::BAD_INV_ORDER& exception) {
+    if (exception.minor() == omni::BAD_INV_ORDER_WouldDeadLock) throw;  // in an incoming call
+  }
   m_orb = CORBA::ORB::_nil();
   m_ending = false;
   m_listeners = 0;
