@@ -141,12 +141,12 @@ class Doctor {
                   m_line.IsTimeOver() ? "The time of --max-time is over: allow more." : advice);
   }
 
-  // Connects within the limit of `count` such trials together.
+  // Connects. Each of `count` such trials has its share of the limit, or of half the time left.
   vq::orb::Reach Try(const vq::orb::ReferenceEndpoint& place, std::size_t count,
                      std::string& why) const {
     using std::chrono::milliseconds;
     const auto left = m_line.End() - std::chrono::steady_clock::now();
-    const auto limit = std::min<std::chrono::nanoseconds>(left, kTcpLimit / count);
+    const auto limit = std::min<std::chrono::nanoseconds>(left / 2, kTcpLimit) / count;
     return vq::orb::TryToReach(place, std::chrono::duration_cast<milliseconds>(limit), why);
   }
 

@@ -101,6 +101,7 @@ std::vector<std::string> InitialRefs(const ResolvedSetting& setting,
   const auto add = [&](std::string_view list) {
     while (!list.empty()) {
       const std::string ref(Cut(list, ' '));
+      if (ref.empty()) continue;
       const std::size_t equals = ref.find('=');
       if (equals == 0 || equals == std::string::npos || equals + 1 == ref.size()) {
         Refuse({setting.name, ref, setting.origin}, "of the form NAME=REFERENCE");

@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include <fcntl.h>
+#include <sys/eventfd.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CorbaText.h>
@@ -56,20 +56,20 @@ void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
 // Takes for a moment what an ORB needs at least. The products go on without a thread that the
 // system refuses, and their calls and their end then wait for it; without a descriptor the cause is
 // lost.
-void CheckSystemLimits() {
-  constexpr int kDescriptors = 8;
-  constexpr int kThreads = 5;
+void CheckSystemLimits(bool biDirectional) {
+  constexpr int kDescriptors = 6;
+  const int count = biDirectional ? 5 : 2;
   std::vector<vq::Descriptor> descriptors;
   for (int i = 0; i < kDescriptors; ++i) {
-    descriptors.emplace_back(::open("/", O_PATH | O_CLOEXEC));
+    descriptors.emplace_back(::eventfd(0, EFD_CLOEXEC));
     if (descriptors.back().IsOpen()) continue;
     throw std::invalid_argument(std::string("no file can be opened: ") + std::strerror(errno));
   }
   std::mutex mutex;
   std::vector<std::jthread> threads;
-  const std::lock_guard lock(mutex);  // which all threads await, and which ends before them
+  const std::lock_guard lock(mutex);  // which these threads await, and which ends before them
   try {
-    for (int i = 0; i < kThreads; ++i) {
+    for (int i = 0; i < count; ++i) {
       threads.emplace_back([&mutex] { const std::lock_guard end(mutex); });
     }
   } catch (const std::system_error& e) {
@@ -149,7 +149,7 @@ bool QCSOrbCommon::InitAlways(int argc, char** argv, const char* name) {
   std::vector<std::string> productArguments;
   if (!ReadSettings(argc, argv, scope, productArguments)) return false;
   try {
-    CheckSystemLimits();
+    CheckSystemLimits(m_settings->biDirectional);
     m_instance = vq::orb::StartOrb(orbName, m_role, m_useThreadPool, *m_settings, productArguments);
     if (ReachNamingService()) {
       VQ_LOG(diag, 4) << "The ORB " << orbName << " is up on " << vq::orb::ProductName();

@@ -49,7 +49,6 @@ struct Session::State : std::enable_shared_from_this<State> {
   void RefuseOtherSettings() const;
   int CallLogin(std::string& text);
   void End() noexcept;
-  void AwaitEnd() const;
   void LogOut() noexcept;
   LoginResult KeepAlive();
   LoginResult Renew();
@@ -89,7 +88,6 @@ struct Session::State : std::enable_shared_from_this<State> {
   std::shared_ptr<const UserAuthorizations> authorizations;
   std::atomic<bool> lost = false;
   std::atomic<bool> ends = false;
-  std::atomic<bool> isLoggedOut = false;
   std::atomic<bool> hasEnded = false;
   std::jthread thread;
   mutable std::mutex messageLock;
@@ -151,7 +149,7 @@ void Session::State::Begin() {
       session->LogOut();  // The thread that ends it waits for this one.
     } else {
       session->End();
-      session->AwaitEnd();  // Another thread may be ending it.
+      session->hasEnded.wait(false);  // Another thread may be ending it.
     }
   });
 }
@@ -251,15 +249,8 @@ void Session::State::End() noexcept {
   const std::lock_guard lock(currentLock);
   current.reset();
   hasEnded = true;
+  hasEnded.notify_all();
   isEnding = false;
-}
-
-// Once it is logged out the ORB has a second to end: it may wait for a servant that ends the
-// process.
-void Session::State::AwaitEnd() const {
-  for (int left = 1000; !hasEnded && left > 0; left -= isLoggedOut) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
 }
 
 void Session::State::LogOut() noexcept {
@@ -270,7 +261,6 @@ void Session::State::LogOut() noexcept {
     GL_LogOut(false);
     ConnectionSettings* const settings = ConnectionSettings::Get();
     settings->SetPassword("");
-    isLoggedOut = true;
     lock.unlock();
     // It waits for the servants of the client, which may call members.
     if (startedOrb) ORBCommon<1>::Get()->DestroyOrb(settings->GetWait4Shutdown());

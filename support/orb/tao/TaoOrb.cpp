@@ -235,17 +235,20 @@ void TaoThreads::Start(CORBA::ORB_ptr orb, int count) {
 }
 
 void TaoThreads::End(CORBA::ORB_ptr orb, bool wait) {
-  bool later = m_shared != nullptr && !wait;
-  if (m_shared != nullptr) ++m_shared->users;
-  try {
-    if (!later) orb->shutdown(true);
-  } catch (const CORBA::BAD_INV_ORDER&) {  // Called in an incoming call.
-    if (m_shared == nullptr) throw;
-    later = true;
-  }
+  const bool isOwn = std::any_of(m_threads.begin(), m_threads.end(), [](const std::thread& thread) {
+    return thread.get_id() == std::this_thread::get_id();
+  });
+  const bool later = m_shared != nullptr && (isOwn || !wait);
   if (later) {
+    ++m_shared->users;
     m_shared->destroys = true;
-    orb->shutdown(false);
+  }
+  try {
+    orb->shutdown(!later);
+  } catch (const CORBA::BAD_INV_ORDER&) {  // In a call that another thread serves: the ORB goes on.
+    for (std::thread& thread : m_threads) thread.detach();
+    m_threads.clear();
+    throw;
   }
   for (std::thread& thread : m_threads) later ? thread.detach() : thread.join();
   m_threads.clear();

@@ -52,6 +52,7 @@ TEST(ListenEndpointTest, Parses) {
                     "iiop://h:70000 -> refused 70000", "iiop://h:-1 -> refused -1",
                     "iiop://h:1/foo=1 -> refused foo=1", "iiop://h:1/ssl_port -> refused ssl_port",
                     "iiop://h/portspan=3 -> refused iiop://h/portspan=3",
+                    "iiop://h:65500/portspan=36 -> refused iiop://h:65500/portspan=36",
                     "iiop://h/hostname_in_ior= -> refused hostname_in_ior="});
 }
 
