@@ -9,7 +9,6 @@
 #include <shared_mutex>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include <sys/socket.h>
 
@@ -418,24 +417,19 @@ class CheckedRope : public Base {
     return opening;
   }
 
-  // omniORB keeps the descriptor of a connection that took calls and died for minutes. Its own scan
-  // ends one in this way, also without its lock.
+  // omniORB keeps the descriptor of a connection that took calls and died for minutes. Another
+  // thread of omniORB may be about to delete the connection, too, under this lock.
   void EndDying() {
-    std::vector<giopStrand*> ended;
-    {
-      const omni_tracedmutex_lock transport(*omni::omniTransportLock);
-      for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;) {
-        auto* const strand = static_cast<giopStrand*>(link);
-        link = link->next;
-        if (strand->state() != giopStrand::DYING || strand->idlebeats < 0 || IsInUse(*strand)) {
-          continue;
-        }
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;) {
+      auto* const strand = static_cast<giopStrand*>(link);
+      link = link->next;
+      if (strand->state() == giopStrand::DYING && strand->idlebeats >= 0 && !IsInUse(*strand)) {
         strand->StrandList::remove();
         strand->RopeLink::remove();
-        ended.push_back(strand);
+        strand->safeDelete(true);
       }
     }
-    for (giopStrand* const strand : ended) strand->safeDelete(true);
   }
 
   // omniORB's destructor of a connection ends the process while a thread still uses it.
