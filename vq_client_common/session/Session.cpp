@@ -52,6 +52,7 @@ struct Session::State : std::enable_shared_from_this<State> {
   void LogOut() noexcept;
   LoginResult KeepAlive();
   LoginResult Renew();
+  static void SetTimeOut();
   LoginResult ChangePassword(const std::string& newPassword, bool expired);
   void StartThread();
   void KeepAliveOrRenew();
@@ -296,8 +297,9 @@ LoginResult Session::State::Renew() {
     if (silent) {  // Looks the server up again. Callers may still use the old references.
       for (auto& old : CorbaServerPackManager::Get()->TakeAll()) oldReferences.push_back(old);
     }
-    answer = static_cast<LoginResult>(LoginHandler::GetGlobal()->ReLogin(text, TimeOut()));
+    answer = static_cast<LoginResult>(LoginHandler::GetGlobal()->Login(text, TimeOut()));
     refused = true;
+    SetTimeOut();
   } catch (UserAuthEx& e) {
     text = e.handle();
     answer = static_cast<LoginResult>(e.GetReturnCode());
@@ -306,11 +308,20 @@ LoginResult Session::State::Renew() {
     text = e.handle();
   }
   SetMessage(text);
-  // The server may have accepted the login, and not the call behind it that sets its time-out.
-  const bool isRegistered = ConnectionSettings::Get()->GetUserID() != before;
-  if (!IsLoggedIn(answer) && isRegistered) answer = LoginResult::kSuccess;
-  if (IsLoggedIn(answer)) SetAlive();
+  if (IsLoggedIn(answer)) {
+    SetAlive();
+  } else {  // The session before may still exist, for the logout.
+    ConnectionSettings::Get()->SetUserID(before);
+  }
   return answer;
+}
+
+// A session whose time-out cannot be set has the one of its registration.
+void Session::State::SetTimeOut() {
+  try {
+    LoginHandler::GetGlobal()->RegisterTimeOut(session::ConfiguredTimeOut());
+  } catch (const BaseLoginEx&) {  // in the log
+  }
 }
 
 LoginResult Session::State::ChangePassword(const std::string& newPassword, bool expired) {
