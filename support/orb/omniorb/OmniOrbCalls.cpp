@@ -337,7 +337,7 @@ class CheckedRope : public Base {
         CheckedConnection::Of(attempt.strand()).ForgetReplyTo(attempt);
       }
       if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt);
-      if (!StaysBesideOthers(attempt)) Base::releaseClient(&attempt);
+      if (!ReleaseTakingCalls(attempt)) Base::releaseClient(&attempt);
     } catch (const omniORB::fatalException& exception) {
       Report(exception);
     }
@@ -457,21 +457,25 @@ class CheckedRope : public Base {
     attempt.wrUnLock();
   }
 
-  // omniORB 4.3 forgets a finished attempt on an ending connection that has others. As with 4.2 it
-  // is deleted with the connection.
-  bool StaysBesideOthers(GIOP_C& attempt) {
+  // Releases an attempt on a connection that takes calls, as omniORB 4.2 does. omniORB 4.3 forgets
+  // one that ends beside others, and keeps its memory.
+  bool ReleaseTakingCalls(GIOP_C& attempt) {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
     giopStrand& strand = attempt.strand();
-    const bool isAlone = strand.clients.next == strand.clients.prev;
-    if (!kTakesCalls || isAlone || strand.state() != giopStrand::DYING || !strand.isBiDir() ||
-        strand.connection == nullptr) {
-      return false;
-    }
+    if (!kTakesCalls || !strand.isBiDir() || strand.connection == nullptr) return false;
     attempt.rdUnLock();
     attempt.wrUnLock();
-    attempt.cleanup();
-    if (!IsInUse(strand)) strand.startIdleCounter();
-    this->pd_cond.signal();
+    if (attempt.state() != omni::IOP_C::Idle) strand.state(giopStrand::DYING);
+    const bool isDying = strand.state() == giopStrand::DYING;
+    const bool isAlone = strand.clients.next == strand.clients.prev;
+    if (isDying || isAlone) {
+      attempt.cleanup();
+      if (isDying ? !IsInUse(strand) : !strand.biDir_has_callbacks) strand.startIdleCounter();
+      this->pd_cond.signal();
+    } else {
+      attempt.giopStreamList::remove();
+      delete &attempt;
+    }
     return true;
   }
 
@@ -502,7 +506,7 @@ class CheckedRope : public Base {
     if (!strand.first_use && IsDead(strand, kTakesCalls)) {
       if constexpr (kTakesCalls) AwaitOtherReplies(strand);
       Discard(strand);
-      if (!StaysBesideOthers(attempt)) Base::releaseClient(&attempt);
+      if (!ReleaseTakingCalls(attempt)) Base::releaseClient(&attempt);
       return false;
     }
     attempt.setDeadline(call.end);
