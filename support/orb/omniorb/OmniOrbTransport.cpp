@@ -168,12 +168,18 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
   return orb._retn();
 }
 
-// A child process has the connections of its parent, and no thread.
+// A child process has the connections of its parent, and no thread. An ORB that ended without
+// waiting would use what the end of the process destroys.
 void OmniOrbTransport::LeaveAtExit() {
   OmniOrbTransport& transport = Instance();
   const std::unique_lock lock(transport.m_mutex, std::try_to_lock);
   const bool isUp = !transport.m_users.empty() || transport.m_ending;
-  if (lock && isUp && transport.m_process == ::getpid()) StopTakingCalls();
+  if (!lock || !isUp || transport.m_process != ::getpid()) return;
+  StopTakingCalls();
+  try {
+    transport.FinishEnding();
+  } catch (const CORBA::Exception&) {  // called by a servant
+  }
 }
 
 // An ORB that ended without waiting is destroyed before the next one starts.
