@@ -264,13 +264,17 @@ void CheckIsFile(const std::string& file, std::string_view setting) {
 // Whether a file has that many revocation lists and nothing else but comments. OpenSSL skips what
 // it cannot read, which may be a newer list.
 bool HasOnly(int lists, const std::string& file) {
+  constexpr std::string_view kBase64 =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
   std::ifstream stream(file, std::ios::binary);
   int found = 0;
   bool isInside = false;
   for (std::string line; std::getline(stream, line);) {
     line.resize(line.find_last_not_of(" \t\r") + 1);
-    if (isInside) {
-      isInside = line != "-----END X509 CRL-----";
+    if (isInside && line == "-----END X509 CRL-----") {
+      isInside = false;
+    } else if (isInside) {
+      if (line.find_first_not_of(kBase64) != std::string::npos) return false;
     } else if (line == "-----BEGIN X509 CRL-----") {
       isInside = true;
       ++found;
