@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <cstring>
 #include <limits>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string_view>
 
 #include <fcntl.h>
@@ -51,6 +53,12 @@ class Watcher {
     const std::lock_guard lock(mutex);
     connections.erase(&known);
   }
+  // The same, and waits until omniORB no longer uses the connection. No lock of omniORB is held.
+  static void RemoveAndWait(giopConnection& known) {
+    std::unique_lock lock(mutex);
+    connections.erase(&known);
+    told.wait(lock, [&] { return !telling.contains(&known); });
+  }
 
  protected:
   // Like all data here never destroyed: omniORB's threads may run until the process ends.
@@ -61,21 +69,25 @@ class Watcher {
     m_cookie = cookie;
   }
 
-  // Runs under omniORB's lock, for which the destructor of a connection waits.
+  // omniORB calls it without a lock, also when another thread ends the connection.
   static void Tell(void* watcher, giopConnection* known) {
-    CheckedConnection* connection = nullptr;
-    {
-      const std::lock_guard lock(mutex);
-      const auto found = connections.find(known);
-      if (found == connections.end()) return;
-      connection = found->second;
-    }
+    std::unique_lock lock(mutex);
+    const auto found = connections.find(known);
+    if (found == connections.end()) return;
+    CheckedConnection* const connection = found->second;
+    telling.insert(known);
+    lock.unlock();
     const Watcher& self = *static_cast<Watcher*>(watcher);
     self.m_tell(self.m_cookie, connection);
+    lock.lock();
+    telling.erase(telling.find(known));
+    told.notify_all();
   }
 
  private:
   static inline auto& connections = *new std::map<giopConnection*, CheckedConnection*>;
+  static inline auto& telling = *new std::multiset<giopConnection*>;
+  static inline auto& told = *new std::condition_variable;
 
   giopConnection::notifyReadable_t m_tell = nullptr;
   void* m_cookie = nullptr;
@@ -277,6 +289,12 @@ CheckedConnection::CheckedConnection(giopConnection& accepted)
   Watcher::Add(m_connection, *this);
 }
 
+void CheckedConnection::clearSelectable() {
+  m_connection.clearSelectable();
+  m_isWatched = false;
+  Watcher::RemoveAndWait(m_connection);
+}
+
 CheckedConnection::~CheckedConnection() {
   Watcher::Remove(m_connection);
   m_connection.decrRefCount(true);
@@ -338,6 +356,7 @@ int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& dea
 
 void CheckedConnection::setSelectable(int now, CORBA::Boolean dataInBuffer) {
   m_isWatched = true;
+  Watcher::Add(m_connection, *this);
   const bool hasData = dataInBuffer || m_hasRest || HasDecrypted();
   if (auto* const tls = dynamic_cast<omni::sslConnection*>(&m_connection)) {
     tls->SocketHolder::setSelectable(now, hasData);

@@ -83,10 +83,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   void* peerdetails() override { return m_connection.peerdetails(); }
   CORBA::Boolean gatekeeperCheckSpecific(omni::giopStrand* strand) override;
   void setSelectable(int now, CORBA::Boolean dataInBuffer) override;
-  void clearSelectable() override {
-    m_connection.clearSelectable();
-    m_isWatched = false;
-  }
+  void clearSelectable() override;
   CORBA::Boolean isSelectable() override { return m_connection.isSelectable(); }
   CORBA::Boolean Peek() override;
 
