@@ -148,12 +148,14 @@ bool IsDead(const giopStrand& strand, bool takesCalls) {
 }
 
 // Whether the server closed the connection in order. omniORB does not read the message that says so
-// when a reset follows it, as it does when the request arrived in the meantime.
+// when a reset follows it, as it does when the request arrived in the meantime. Data before it may
+// be a reply.
 bool WasClosedInOrder(const giopStrand& strand) {
   if (strand.connection == nullptr) return false;
   const CheckedConnection& connection = CheckedConnection::Of(strand);
-  return connection.WasClosedInOrder() || (!IsTls(strand) && connection.IsBetweenMessages() &&
-                                           BeginsWithClose(connection.Socket(), false));
+  return connection.WasClosedInOrder() ||
+         (!IsTls(strand) && connection.IsBetweenMessages() && !connection.HasRest() &&
+          BeginsWithClose(connection.Socket(), false));
 }
 
 bool IsForward(GIOP_C& attempt) {

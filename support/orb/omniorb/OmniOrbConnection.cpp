@@ -78,13 +78,22 @@ class Watcher {
     telling.insert(known);
     lock.unlock();
     const Watcher& self = *static_cast<Watcher*>(watcher);
-    self.m_tell(self.m_cookie, connection);
-    lock.lock();
+    try {
+      self.m_tell(self.m_cookie, connection);
+    } catch (...) {  // no memory
+      HasTold(known);
+      throw;
+    }
+    HasTold(known);
+  }
+
+ private:
+  static void HasTold(giopConnection* known) {
+    const std::lock_guard lock(mutex);
     telling.erase(telling.find(known));
     told.notify_all();
   }
 
- private:
   static inline auto& connections = *new std::map<giopConnection*, CheckedConnection*>;
   static inline auto& telling = *new std::multiset<giopConnection*>;
   static inline auto& told = *new std::condition_variable;
