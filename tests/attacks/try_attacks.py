@@ -134,6 +134,8 @@ ROWS = [
     Row("a keep-alive forwarded to a server of another product, which has no such object",
         {ALIVE: [h.forwarded("second")]}, results=(1, 54, 1), keep_alives=2,
         second={ALIVE: h.raised("OBJECT_NOT_EXIST", h.NO, minor=0x4A430001)}, more={ALIVE: 1}),
+    Row("a keep-alive whose reply asks for another form of address", {ALIVE: [h.other_form(99)]},
+        results=(1, 54, 1), keep_alives=2),
     lost("forwarded to many dead addresses", {REGISTER: h.forwarded(*["dead"] * 40)}),
     lost("forwarded to a silent address", {REGISTER: h.forwarded("silent")},
          logged="no answer from <silent>", tao={"logged": ""}),
@@ -195,7 +197,7 @@ ROWS = [
           second={REGISTER: act}, more={REGISTER: 1})
       for word, act in (("closes", h.closed), ("resets", h.reset),
                         ("raises TRANSIENT", h.raised("TRANSIENT", h.YES)))),
-    *(Row(f"another form of address, {word}", {REGISTER: act}, more={REGISTER: 1})
+    *(Row(f"another form of address, {word}", {REGISTER: act}, tao={"more": {REGISTER: 1}})
       for word, act in (("for ever", h.other_form(2)), ("of no known kind", h.other_form(99)))),
     Row("forwarded to another", {REGISTER: h.forwarded("second")}, results=(1,),
         more={REGISTER: 1}),

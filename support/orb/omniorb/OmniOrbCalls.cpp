@@ -195,12 +195,16 @@ CORBA::Boolean WatchConnection(omniInterceptors::clientOpenConnection_T::info_T&
 }
 
 // Before GIOP 1.2 omniORB skips the reply to another call while it holds a lock that it takes again
-// if that fails.
+// if that fails. A reply that asks for another form of address applies to all later calls, also if
+// there is no such form, and omniORB cannot receive the reply to the call in that form.
 CORBA::Boolean CheckReply(omniInterceptors::clientReceiveReply_T::info_T& info) {
   GIOP_C& attempt = info.giop_c;
   // From a permanent forward omniORB would not return when its place cannot be called.
   if (attempt.replyStatus() == GIOP::LOCATION_FORWARD_PERM) {
     attempt.replyStatus(GIOP::LOCATION_FORWARD);
+  }
+  if (attempt.replyStatus() == GIOP::NEEDS_ADDRESSING_MODE) {
+    Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_NO);
   }
   if (attempt.version().minor < 2 && attempt.replyId() != RequestIdOf(attempt)) {
     Fail(omni::COMM_FAILURE_WaitingForReply, CORBA::COMPLETED_MAYBE);
