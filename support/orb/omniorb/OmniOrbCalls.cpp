@@ -430,7 +430,8 @@ class CheckedRope : public Base {
     for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;) {
       auto* const strand = static_cast<giopStrand*>(link);
       link = link->next;
-      if (strand->state() == giopStrand::DYING && strand->idlebeats >= 0 && !IsInUse(*strand)) {
+      const bool isIdle = strand->idlebeats >= 0 || giopStrand::idleOutgoingBeats == 0;
+      if (strand->state() == giopStrand::DYING && isIdle && !IsInUse(*strand)) {
         strand->StrandList::remove();
         strand->RopeLink::remove();
         strand->safeDelete(true);
