@@ -179,6 +179,7 @@ void OmniOrbTransport::LeaveAtExit() {
   try {
     transport.FinishEnding();
   } catch (const CORBA::Exception&) {  // called by a servant
+  } catch (const omniORB::fatalException&) {
   }
 }
 
