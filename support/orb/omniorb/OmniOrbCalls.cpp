@@ -163,8 +163,9 @@ bool IsForward(GIOP_C& attempt) {
          attempt.replyStatus() == GIOP::LOCATION_FORWARD_PERM;
 }
 
-// What a finished or failed attempt means for the next one.
-void NoteEnd(GIOP_C& attempt) {
+// What a finished or failed attempt means for the next one. While another thread still reads from
+// the connection, it may have the reply in hand.
+void NoteEnd(GIOP_C& attempt, bool isRead) {
   const giopStrand& strand = attempt.strand();
   NoteAddress(*strand.address);
   switch (attempt.state()) {
@@ -174,7 +175,8 @@ void NoteEnd(GIOP_C& attempt) {
       return;
     case omni::IOP_C::RequestInProgress:
     case omni::IOP_C::WaitingForReply:
-      if (WasClosedInOrder(strand) && !CheckedConnection::Of(strand).HasReplyTo(attempt, false) &&
+      if (!isRead && WasClosedInOrder(strand) &&
+          !CheckedConnection::Of(strand).HasReplyTo(attempt, false) &&
           !std::exchange(call.closedInOrder, true)) {
         call.repeat = true;
         return;
@@ -338,11 +340,12 @@ class CheckedRope : public Base {
   void releaseClient(omni::IOP_C* client) override {
     auto& attempt = *static_cast<GIOP_C*>(client);
     try {
-      if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
+      const bool isRead =
+          kTakesCalls && attempt.state() != omni::IOP_C::Idle && !EndReading(attempt);
+      if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt, isRead);
       if (attempt.strand().connection != nullptr) {
         CheckedConnection::Of(attempt.strand()).ForgetReplyTo(attempt);
       }
-      if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt);
       if (!ReleaseTakingCalls(attempt)) Base::releaseClient(&attempt);
     } catch (const omniORB::fatalException& exception) {
       Report(exception);
@@ -447,15 +450,20 @@ class CheckedRope : public Base {
   }
 
   // Ends the reading by the ORB's thread, which may still add to the reply: that is deleted with
-  // the attempt.
-  void EndReading(GIOP_C& attempt) {
+  // the attempt. False when the thread does not end it in time.
+  bool EndReading(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
-    if (strand.connection == nullptr || !strand.isBiDir()) return;
+    if (strand.connection == nullptr || !strand.isBiDir()) return true;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
     EndWriting(attempt);
     constexpr int kMost = 100;  // milliseconds for the replies to other threads that have arrived
-    for (int i = 0; IsBeingRead(strand, i >= kMost); ++i) omni_thread::sleep(0, 1'000'000);
+    bool isRead = IsBeingRead(strand, false);
+    for (int i = 1; isRead && i <= kMost; ++i) {
+      omni_thread::sleep(0, 1'000'000);
+      isRead = IsBeingRead(strand, i == kMost);
+    }
     DropUnfinished(strand);
+    return !isRead;
   }
 
   // The thread that reads may wait to write, to refuse a message.
