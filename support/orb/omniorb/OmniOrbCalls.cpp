@@ -214,6 +214,14 @@ CORBA::Boolean CheckReply(omniInterceptors::clientReceiveReply_T::info_T& info) 
   return true;
 }
 
+// omniORB takes the code set of the server's call for the next call of the client, also one that it
+// does not know. That call now chooses one itself.
+CORBA::Boolean KeepCodeSet(omniInterceptors::serverReceiveRequest_T::info_T& info) {
+  giopStrand& strand = info.giop_s.strand();
+  if (strand.tcs_c == nullptr) strand.tcs_selected = false;
+  return true;
+}
+
 // omniORB raises fatalException when one of its assertions fails. It is no CORBA exception and
 // would end the process. The ORB's own threads survive it.
 void Report(const omniORB::fatalException& exception) {
@@ -594,6 +602,7 @@ void InstallCalls(const OrbSettings& settings) {
   interceptors.createRope.add(MakeRope);
   interceptors.clientOpenConnection.add(WatchConnection);
   interceptors.clientReceiveReply.add(CheckReply);
+  interceptors.serverReceiveRequest.add(KeepCodeSet);
   GuardMessages();
 }
 

@@ -489,8 +489,11 @@ bool CheckedConnection::BeginMessage() {
   const bool isTooLarge = m_size > std::numeric_limits<std::uint32_t>::max() - m_header.size() ||
                           (!IsReadByCaller() && m_size > omni::orbParameters::giopMaxMsgSize);
   // omniORB can cancel no call, and does not end a connection on which it was asked to. Before GIOP
-  // 1.2 it skips a LocateReply without a request while it holds a lock.
-  const bool isUseless = kind == GIOP::CancelRequest || (kind == GIOP::LocateReply && !HasId());
+  // 1.2 it skips a LocateReply without a request while it holds a lock. After a call back of such a
+  // version it never uses the connection again, nor closes it.
+  const bool isOldCallBack = m_opened != nullptr && BeginsCall() && !HasId();
+  const bool isUseless =
+      kind == GIOP::CancelRequest || isOldCallBack || (kind == GIOP::LocateReply && !HasId());
   if (isUseless || isTooLarge || (!isBare && m_size < m_id.size())) return Refuse(m_size);
   m_closedInOrder = kind == GIOP::CloseConnection && m_unfinished.empty();
   if (IsLast()) End(-1);
@@ -528,7 +531,7 @@ bool CheckedConnection::MayFollow(std::uint64_t id) {
   constexpr std::size_t kMost = 1000;
   const int kind = m_header[7];
   const bool isOpen = m_unfinished.contains(id);
-  const bool begins = kind == GIOP::Request || kind == GIOP::LocateRequest;
+  const bool begins = BeginsCall();
   if (kind == GIOP::Fragment ? !isOpen
                              : (isOpen && (begins || id == kNoId)) || (begins && StaysInHand(id))) {
     VQ_LOG(diagModule, 2) << peeraddress() << " sent a message out of turn, which is refused";

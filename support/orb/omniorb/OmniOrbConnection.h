@@ -113,6 +113,9 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool IsLast() const {
     return m_header[7] == GIOP::CloseConnection || m_header[7] == GIOP::MessageError;
   }
+  bool BeginsCall() const {
+    return m_header[7] == GIOP::Request || m_header[7] == GIOP::LocateRequest;
+  }
   bool MoreFollows() const { return (m_header[6] & 2) != 0; }
   bool HasUntakenReply() const;
 
