@@ -163,9 +163,9 @@ bool IsForward(GIOP_C& attempt) {
          attempt.replyStatus() == GIOP::LOCATION_FORWARD_PERM;
 }
 
-// What a finished or failed attempt means for the next one. While another thread still reads from
-// the connection, it may have the reply in hand.
-void NoteEnd(GIOP_C& attempt, bool isRead) {
+// What a finished or failed attempt means for the next one. No other thread reads a reply to it any
+// more.
+void NoteEnd(GIOP_C& attempt) {
   const giopStrand& strand = attempt.strand();
   NoteAddress(*strand.address);
   switch (attempt.state()) {
@@ -175,8 +175,7 @@ void NoteEnd(GIOP_C& attempt, bool isRead) {
       return;
     case omni::IOP_C::RequestInProgress:
     case omni::IOP_C::WaitingForReply:
-      if (!isRead && WasClosedInOrder(strand) &&
-          !CheckedConnection::Of(strand).HasReplyTo(attempt, false) &&
+      if (WasClosedInOrder(strand) && !CheckedConnection::Of(strand).HasReplyTo(attempt, false) &&
           !std::exchange(call.closedInOrder, true)) {
         call.repeat = true;
         return;
@@ -348,9 +347,8 @@ class CheckedRope : public Base {
   void releaseClient(omni::IOP_C* client) override {
     auto& attempt = *static_cast<GIOP_C*>(client);
     try {
-      const bool isRead =
-          kTakesCalls && attempt.state() != omni::IOP_C::Idle && !EndReading(attempt);
-      if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt, isRead);
+      if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt);
+      if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
       if (attempt.strand().connection != nullptr) {
         CheckedConnection::Of(attempt.strand()).ForgetReplyTo(attempt);
       }
@@ -434,15 +432,15 @@ class CheckedRope : public Base {
     return opening;
   }
 
-  // omniORB keeps the descriptor of a connection that took calls and died for minutes. Another
-  // thread of omniORB may be about to delete the connection, too, under this lock.
+  // omniORB keeps the descriptor of a connection that took calls and died for minutes, or for good
+  // where the client passed a reference over it. Another thread of omniORB may be about to delete
+  // the connection, too, under this lock.
   void EndDying() {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
     for (omni::RopeLink* link = this->pd_strands.next; link != &this->pd_strands;) {
       auto* const strand = static_cast<giopStrand*>(link);
       link = link->next;
-      const bool isIdle = strand->idlebeats >= 0 || giopStrand::idleOutgoingBeats == 0;
-      if (strand->state() == giopStrand::DYING && isIdle && !IsInUse(*strand)) {
+      if (strand->state() == giopStrand::DYING && !IsInUse(*strand)) {
         strand->StrandList::remove();
         strand->RopeLink::remove();
         strand->safeDelete(true);
@@ -458,20 +456,15 @@ class CheckedRope : public Base {
   }
 
   // Ends the reading by the ORB's thread, which may still add to the reply: that is deleted with
-  // the attempt. False when the thread does not end it in time.
-  bool EndReading(GIOP_C& attempt) {
+  // the attempt.
+  void EndReading(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
-    if (strand.connection == nullptr || !strand.isBiDir()) return true;
+    if (strand.connection == nullptr || !strand.isBiDir()) return;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
     EndWriting(attempt);
     constexpr int kMost = 100;  // milliseconds for the replies to other threads that have arrived
-    bool isRead = IsBeingRead(strand, false);
-    for (int i = 1; isRead && i <= kMost; ++i) {
-      omni_thread::sleep(0, 1'000'000);
-      isRead = IsBeingRead(strand, i == kMost);
-    }
+    for (int i = 0; IsBeingRead(strand, i >= kMost); ++i) omni_thread::sleep(0, 1'000'000);
     DropUnfinished(strand);
-    return !isRead;
   }
 
   // The thread that reads may wait to write, to refuse a message.
@@ -527,7 +520,10 @@ class CheckedRope : public Base {
   bool IsUsable(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
     if (!strand.first_use && IsDead(strand, kTakesCalls)) {
-      if constexpr (kTakesCalls) AwaitOtherReplies(strand);
+      if constexpr (kTakesCalls) {
+        AwaitOtherReplies(strand);
+        EndReading(attempt);
+      }
       Discard(strand);
       if (!ReleaseTakingCalls(attempt)) Base::releaseClient(&attempt);
       return false;

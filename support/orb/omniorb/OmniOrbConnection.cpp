@@ -521,8 +521,9 @@ bool CheckedConnection::NoteId(const unsigned char* body, std::size_t size) {
   if (m_idSize < m_id.size()) return true;
   const std::uint32_t id = NumberIn(m_id.data(), (m_header[6] & 1) != 0);
   if (part > 0 && !MayFollow(id)) return false;
-  if (m_header[7] == GIOP::Reply || m_header[7] == GIOP::Fragment) NoteReply(id);
-  return true;
+  const int kind = m_header[7];
+  const bool isReply = kind == GIOP::Reply || kind == GIOP::LocateReply;
+  return !(isReply || kind == GIOP::Fragment) || NoteReply(id, isReply && part > 0);
 }
 
 // omniORB adds a fragment to any call with its number, also to one that another thread processes.
@@ -569,16 +570,23 @@ bool CheckedConnection::IsInHand(std::uint64_t id) const {
   });
 }
 
-void CheckedConnection::NoteReply(std::uint32_t id) {
-  if (!HasStrand()) return;
+// False at the beginning of a reply that no call awaits, such as a second one: omniORB adds it to a
+// call that is not sent yet or has just ended.
+bool CheckedConnection::NoteReply(std::uint32_t id, bool begins) {
+  if (!HasStrand()) return true;
   const omni_tracedmutex_lock transport(*omni::omniTransportLock);
   const bool isAwaited = AnyOf<omni::GIOP_C>(Strand().clients, [id](omni::GIOP_C& call) {
     return AwaitsReply(call) && RequestIdOf(call) == id;
   });
-  if (!isAwaited) return;
   const std::lock_guard lock(m_mutex);
+  if (begins && (!isAwaited || m_replies.contains(id))) {
+    VQ_LOG(diagModule, 2) << peeraddress() << " sent a reply to no call, which is refused";
+    return false;
+  }
+  if (!isAwaited) return true;
   bool& whole = m_replies[id];
   if (m_toCome == 0 && !MoreFollows()) whole = true;
+  return true;
 }
 
 void CheckedConnection::ForgetReplyTo(omni::GIOP_C& call) {

@@ -108,7 +108,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool MayFollow(std::uint64_t id);
   bool StaysInHand(std::uint64_t id) const;
   bool IsInHand(std::uint64_t id) const;
-  void NoteReply(std::uint32_t id);
+  bool NoteReply(std::uint32_t id, bool begins);
   bool HasId() const { return m_header[5] >= 2; }
   bool IsLast() const {
     return m_header[7] == GIOP::CloseConnection || m_header[7] == GIOP::MessageError;
