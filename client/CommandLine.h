@@ -103,6 +103,10 @@ struct CommandLine {
   void StartClock();
   // When that time is over; the maximum without a limit.
   std::chrono::steady_clock::time_point End() const { return m_end; }
+  // A part of --max-time remains for the logout.
+  std::chrono::steady_clock::time_point EndBeforeLogout() const {
+    return m_end - std::chrono::milliseconds(std::min(1000U, maxTime * 250));
+  }
   bool IsTimeOver() const { return std::chrono::steady_clock::now() >= m_end; }
 
   // `orb` as argv; valid until `orb` changes.

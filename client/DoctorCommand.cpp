@@ -138,8 +138,10 @@ class Doctor {
  private:
   bool Bad(const std::string& step, const std::string& detail, const std::string& advice) const {
     return Report(step, kBad, detail,
-                  m_line.IsTimeOver() ? "The time of --max-time is over: allow more." : advice);
+                  IsTimeOver() ? "The time of --max-time is over: allow more." : advice);
   }
+
+  bool IsTimeOver() const { return std::chrono::steady_clock::now() >= m_line.EndBeforeLogout(); }
 
   // Connects. Each of `count` such trials has its share of the limit, or of half the time left.
   vq::orb::Reach Try(const vq::orb::ReferenceEndpoint& place, std::size_t count,
@@ -348,6 +350,8 @@ class Doctor {
   }
 
   int ExamineCallbacks() {
+    std::optional<vq::CallDeadline> deadline;
+    if (m_line.maxTime > 0) deadline.emplace(m_line.EndBeforeLogout());
     // A trial stores its settings in the domain and removes them again.
     const std::string scope = "Test" + std::to_string(getpid());
     for (const std::optional<std::string>& value : {std::optional<std::string>("0"), {}}) {
@@ -368,7 +372,7 @@ class Doctor {
     }
     TryCallback("", true);
     if (!m_way.empty()) return kSuccess;
-    if (m_line.IsTimeOver()) {
+    if (IsTimeOver()) {
       Bad("callbacks", "not all of them were tried", "");
       return kRefused;
     }

@@ -61,8 +61,7 @@ bool KeepAlive(vq::Session& session, const Upkeep& upkeep) {
 bool KeepUp(const CommandLine& line, vq::Session& session, const Upkeep& upkeep,
             Interrupt& interrupt) {
   using Clock = std::chrono::steady_clock;
-  // A part of --max-time remains for the logout.
-  const auto end = line.End() - std::chrono::milliseconds(std::min(1000U, line.maxTime * 250));
+  const auto end = line.EndBeforeLogout();
   std::optional<vq::CallDeadline> deadline;
   if (line.maxTime > 0) deadline.emplace(end);
   for (int sent = 0; upkeep.count == 0 || sent < upkeep.count; ++sent) {

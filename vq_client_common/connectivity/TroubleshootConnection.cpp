@@ -182,6 +182,7 @@ void TroubleshootConnection::TransformEndpoint(std::string& endpoint,
                                                const std::string& hostInIOR) {
   ORBEndpoint parsed;
   try {
+    if (endpoint.find('[') != std::string::npos) throw std::out_of_range(endpoint);  // IPv6
     parsed.fromString(endpoint);
   } catch (const std::out_of_range&) {
     VQ_LOG(diagModule, 1) << "The endpoint '" << endpoint << "' is unchanged: it cannot be parsed";

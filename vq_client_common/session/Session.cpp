@@ -12,9 +12,9 @@
 #include <thread>
 #include <utility>
 
-#include <signal.h>
 #include <unistd.h>
 
+#include <support/foundations/NoSignals.h>
 #include <support/orb/CallDeadline.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/ORBCommon.h>
@@ -29,6 +29,7 @@
 #include <vq_client_common/session/SystemParameterHandler.h>
 #include <vq_client_common/session/internal/Collaborators.h>
 #include <vq_client_common/session/internal/CorbaServerPackManager.h>
+#include <vq_client_common/session/internal/UsersManager.h>
 #include <vq_idl/SystemConfigurationC.h>
 #include <vq_idl/UsersManagerC.h>
 
@@ -52,6 +53,7 @@ struct Session::State : std::enable_shared_from_this<State> {
   void LogOut() noexcept;
   LoginResult KeepAlive();
   LoginResult Renew();
+  void EndSession(const std::string& userId) const;
   static void SetTimeOut();
   LoginResult ChangePassword(const std::string& newPassword, bool expired);
   void StartThread();
@@ -309,11 +311,23 @@ LoginResult Session::State::Renew() {
   }
   SetMessage(text);
   if (IsLoggedIn(answer)) {
+    if (!lost || silent) EndSession(before);
     SetAlive();
   } else {  // The session before may still exist, for the logout.
     ConnectionSettings::Get()->SetUserID(before);
   }
   return answer;
+}
+
+// Where the server still knows the session before the one of now.
+void Session::State::EndSession(const std::string& userId) const {
+  if (userId.empty() || userId == ConnectionSettings::Get()->GetUserID()) return;
+  try {
+    QCSCorbaUsersManager_ptr users = QCSCorbaUsersManager::_nil();
+    if (session::GetUsersManager(users, options.kind, false) == 1)
+      users->CRB_Unregister(userId.c_str());
+  } catch (const CORBA::Exception&) {  // It ends after its time-out.
+  }
 }
 
 // A session whose time-out cannot be set has the one of its registration.
@@ -337,13 +351,7 @@ LoginResult Session::State::ChangePassword(const std::string& newPassword, bool 
 }
 
 void Session::State::StartThread() {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) sigdelset(&all, fault);
-  pthread_sigmask(SIG_SETMASK, &all, &before);  // the client's own threads handle signals
-  const std::shared_ptr<void> after(nullptr,
-                                    [&](void*) { pthread_sigmask(SIG_SETMASK, &before, nullptr); });
+  const NoSignals none;  // The client's own threads handle them.
   const auto keepAlive = [self = shared_from_this()](const std::stop_token& stop) {
     isOnThread = true;
     std::mutex idle;
