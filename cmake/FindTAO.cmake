@@ -16,7 +16,7 @@
 # An installed package of this project brings this file along.
 
 # From the top down, so that a static linker is content as well.
-set(_tao_needed CosNaming Messaging BiDirGIOP PortableServer PI CodecFactory Valuetype AnyTypeCode)
+set(_tao_needed CosNaming Messaging BiDirGIOP PI_Server PortableServer PI CodecFactory Valuetype AnyTypeCode)
 set(_tao_missing)
 set(TAO_FOUND_BY)
 set(TAO_PC_MODULES)
@@ -189,7 +189,7 @@ endif()
 set(TAO_TLS_MISSING)
 if(TARGET vq::tao AND NOT TARGET vq::tao_ssliop)
   set(_tls)
-  foreach(_name TAO_SSLIOP TAO_Security TAO_PI_Server TAO_Svc_Utils ACE_SSL)
+  foreach(_name TAO_SSLIOP TAO_Security TAO_Svc_Utils ACE_SSL)
     find_library(TAO_LIBRARY_${_name} ${_name} PATHS ${TAO_LIBRARY_DIR} ${ACE_ROOT} ${TAO_ROOT}
       PATH_SUFFIXES lib lib64 NO_DEFAULT_PATH) # not half of another TAO
     mark_as_advanced(TAO_LIBRARY_${_name})

@@ -9,16 +9,19 @@
 #include <optional>
 #include <ratio>
 #include <string_view>
+#include <utility>
 
 #include <poll.h>
 #include <sys/socket.h>
 
 #include <tao/IIOP_Transport.h>
 #include <tao/Incoming_Message_Stack.h>
+#include <tao/Leader_Follower.h>
 #include <tao/LocalObject.h>
 #include <tao/Messaging/Messaging.h>
 #include <tao/ORB_Core.h>
 #include <tao/PI/PI.h>
+#include <tao/PI_Server/PI_Server.h>
 #include <tao/Queued_Data.h>
 #include <tao/Resume_Handle.h>
 #include <tao/Stub.h>
@@ -37,6 +40,7 @@ namespace vq::orb {
 namespace {
 
 using PortableInterceptor::ClientRequestInfo_ptr;
+using PortableInterceptor::ServerRequestInfo_ptr;
 using Clock = CallDeadline::Clock;
 
 // Bounds for one call, against a server that forwards in circles or asks for the request again.
@@ -60,6 +64,8 @@ struct Call {
   bool isToNaming = false;      // to the naming service's own object
 };
 thread_local Call call;
+
+thread_local bool runsNoServants = false;
 
 // The time that a policy gives the call; nothing where there is none.
 std::optional<Clock::duration> LimitOf(TAO_Stub* stub) {
@@ -93,10 +99,8 @@ void Begin(TAO_ORB_Core*, TAO_Stub* stub, bool& isLimited, ACE_Time_Value& time)
 constexpr int kHeaderSize = 12;
 using Header = std::array<unsigned char, kHeaderSize>;
 
-bool IsClose(const Header& header) {
-  constexpr int kCloseConnection = 5;
-  return header[7] == kCloseConnection;
-}
+// The kinds of messages that a reply reader must know.
+constexpr int kRequest = 0, kLocateRequest = 3, kCloseConnection = 5;
 
 // The size of the message behind the header. TAO allocates that much before it reads on. When the
 // sum with the header's size exceeds 32 bits, TAO reads without end.
@@ -120,11 +124,14 @@ class ReplyReader : public TAO_Wait_Strategy {
 
   int wait(ACE_Time_Value*, TAO_Synch_Reply_Dispatcher& reply) override {
     reply.state_changed(TAO_LF_Event::LFS_ACTIVE, transport_->orb_core()->leader_follower());
-    const Call own = call;  // a call that arrives here may make calls
+    call.isReading = true;
     const int error = Read(reply);
-    call = own;
+    call.isReading = false;
     call.closedInOrder = error == ESHUTDOWN;
-    if (error != 0) transport_->close_connection();
+    if (error != 0) {
+      transport_->purge_entry();  // For TAO a closed one in its cache is about to connect.
+      transport_->close_connection();
+    }
     if (error == EMSGSIZE) throw CORBA::MARSHAL(kTooLarge, CORBA::COMPLETED_MAYBE);
     errno = error;
     return error != 0 || reply.error_detected() ? -1 : 0;
@@ -132,36 +139,35 @@ class ReplyReader : public TAO_Wait_Strategy {
 
   int register_handler() override { return 0; }  // the ORB's threads do not read
   bool non_blocking() const override { return false; }
-  bool can_process_upcalls() const override { return true; }
+  bool can_process_upcalls() const override { return false; }  // so that TAO also writes in time
 
  private:
   // Returns 0 or the cause as an error number.
   int Read(TAO_Synch_Reply_Dispatcher& reply) {
-    const Clock::time_point end = call.end;
     m_isTls = dynamic_cast<TAO_IIOP_Transport*>(transport_) == nullptr;
     TAO_Resume_Handle resume;
     std::uint64_t announced = 0;
     Header next{};
     int known = 0;  // bytes of it
     while (reply.keep_waiting()) {
-      call.end = end;
-      call.isReading = true;
       if (!m_isTls && !AwaitReplyBytes(Socket())) return ETIME;  // TLS waits by itself.
       if (!IsWithinMessage()) {
         // A TLS record may end within the header: TAO then reads that part.
         const int more = m_isTls ? PeekTls(*transport_, next.data() + known, kHeaderSize - known)
                                  : PeekWhole(next);
-        if (more <= 0) return end <= Clock::now() ? ETIME : ECONNRESET;
+        if (more <= 0) return call.end <= Clock::now() ? ETIME : ECONNRESET;
         known = (known + more) % kHeaderSize;
         if (known == 0) {
           if (std::memcmp(next.data(), "GIOP", 4) != 0) return ECONNRESET;
-          if (announced == 0 && IsClose(next)) return ESHUTDOWN;
+          const int kind = next[7];
+          if (kind == kRequest || kind == kLocateRequest) return ECONNRESET;
+          if (announced == 0 && kind == kCloseConnection) return ESHUTDOWN;
           announced += AnnouncedSize(next) + kMessageCost;
           if (m_limit != 0 && announced > m_limit + kMessageCost) return EMSGSIZE;
         }
       }
       if (transport_->handle_input(resume, nullptr) == -1 && reply.keep_waiting()) {
-        return end <= Clock::now() ? ETIME : ECONNRESET;
+        return call.end <= Clock::now() ? ETIME : ECONNRESET;
       }
     }
     return 0;
@@ -197,14 +203,34 @@ class ReplyReader : public TAO_Wait_Strategy {
   bool m_isTls = false;
 };
 
-class ReplyReaders : public TAO_Default_Client_Strategy_Factory {
+// Waits as TAO does: while another thread reads, or by reading from all connections.
+class SharedWait : public TAO_Wait_Strategy {
  public:
-  explicit ReplyReaders(const OrbSettings& settings) : m_limit(settings.maxMessageSize) {}
+  using TAO_Wait_Strategy::TAO_Wait_Strategy;
+  int sending_request(TAO_ORB_Core* core, TAO_Message_Semantics semantics) override {
+    register_handler();
+    return TAO_Wait_Strategy::sending_request(core, semantics);
+  }
+  int wait(ACE_Time_Value* limit, TAO_Synch_Reply_Dispatcher& reply) override {
+    const NoServants none;
+    return transport_->orb_core()->leader_follower().wait_for_event(&reply, transport_, limit);
+  }
+  int register_handler() override { return is_registered_ ? 1 : transport_->register_handler(); }
+  bool non_blocking() const override { return true; }
+  bool can_process_upcalls() const override { return true; }
+};
+
+class ReplyWaits : public TAO_Default_Client_Strategy_Factory {
+ public:
+  explicit ReplyWaits(const OrbSettings& settings)
+      : m_shared(settings.biDirectional), m_limit(settings.maxMessageSize) {}
   TAO_Wait_Strategy* create_wait_strategy(TAO_Transport* transport) override {
+    if (m_shared) return new SharedWait(transport);
     return new ReplyReader(transport, m_limit);
   }
 
  private:
+  const bool m_shared;
   const std::uint64_t m_limit;
 };
 
@@ -261,16 +287,39 @@ class CallCheck : public virtual PortableInterceptor::ClientRequestInterceptor,
   const Unencrypted m_allowed;
 };
 
+// Thread safety: no state but that of the thread.
+class ServantCheck : public virtual PortableInterceptor::ServerRequestInterceptor,
+                     public virtual CORBA::LocalObject {
+ public:
+  char* name() override { return CORBA::string_dup("vq::orb::ServantCheck"); }
+  void destroy() override {}
+  void receive_request_service_contexts(ServerRequestInfo_ptr) override {
+    if (runsNoServants) throw CORBA::TRANSIENT(0, CORBA::COMPLETED_NO);
+  }
+  void receive_request(ServerRequestInfo_ptr) override {}
+  void send_reply(ServerRequestInfo_ptr) override {}
+  void send_exception(ServerRequestInfo_ptr) override {}
+  void send_other(ServerRequestInfo_ptr) override {}
+};
+
 }  // namespace
 
-void AddReplyReader(ACE_Service_Gestalt& services, const OrbSettings& settings) {
-  AddService<ReplyReaders>(services, "Client_Strategy_Factory", settings);
+NoServants::NoServants() : m_before(std::exchange(runsNoServants, true)) {}
+
+NoServants::~NoServants() {
+  runsNoServants = m_before;
+}
+
+void AddReplyWait(ACE_Service_Gestalt& services, const OrbSettings& settings) {
+  AddService<ReplyWaits>(services, "Client_Strategy_Factory", settings);
 }
 
 void CheckCalls(CORBA::ORB_ptr orb, Unencrypted allowed) {
   orb->orb_core()->set_timeout_hook(Begin);
   const PortableInterceptor::ClientRequestInterceptor_var check = new CallCheck(allowed);
   orb->orb_core()->add_interceptor(check.in());
+  const PortableInterceptor::ServerRequestInterceptor_var servants = new ServantCheck;
+  orb->orb_core()->add_interceptor(servants.in());
 }
 
 void NoteUnencrypted(const std::string& place, bool isToNaming) {

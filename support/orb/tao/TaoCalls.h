@@ -1,7 +1,7 @@
 // The rules for each call through TAO: its deadline, how often it is sent, whether it may go
 // unencrypted, and how its reply is read.
 //
-//   AddReplyReader(services, settings);                      // before ORB_init
+//   AddReplyWait(services, settings);                        // before ORB_init
 //   CORBA::ORB_var orb = CORBA::ORB_init(argc, argv);
 //   CheckCalls(orb.in(), Unencrypted::kLookUps);
 //
@@ -23,9 +23,23 @@ namespace vq::orb {
 // What an ORB may call at the naming service unencrypted, though TLS is on.
 enum class Unencrypted { kLookUps, kAnyCall };
 
+// While it exists this thread runs no servant: calls that arrive on it are refused with TRANSIENT.
+// A servant that needs a lock of the waiting caller would wait for ever, and a peer could nest
+// servants until the stack overflows.
+class NoServants {
+ public:
+  NoServants();
+  ~NoServants();
+  NoServants(const NoServants&) = delete;
+  NoServants& operator=(const NoServants&) = delete;
+
+ private:
+  const bool m_before;
+};
+
 // Makes the thread of a call read the reply until the call's deadline, up to -ORBMaxMessageSize.
-// Not for bidirectional IIOP, where the ORB's threads read.
-void AddReplyReader(ACE_Service_Gestalt& services, const OrbSettings& settings);
+// With bidirectional IIOP the ORB's threads read, and this thread where none of them is free.
+void AddReplyWait(ACE_Service_Gestalt& services, const OrbSettings& settings);
 
 // Called once, before the ORB's first call. Raises CORBA::SystemException.
 void CheckCalls(CORBA::ORB_ptr orb, Unencrypted allowed);

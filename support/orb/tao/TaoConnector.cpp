@@ -10,11 +10,12 @@
 #include <tao/Transport.h>
 
 #include <support/orb/PeerSocket.h>
+#include <support/orb/tao/TaoCalls.h>
 
 namespace vq::orb {
 namespace {
 
-// Idle connections to one place that may turn out dead in one call.
+// New connections in one call that may turn out dead at once.
 constexpr int kMostConnections = 16;
 
 // Whether the peer has closed an idle connection. With TLS or bidirectional IIOP other data may
@@ -40,17 +41,19 @@ TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolv
     share.msec(static_cast<long>(timeout->msec() / addresses));
     timeout = &share;
   }
-  for (int connections = 0; connections < kMostConnections; ++connections) {
+  const NoServants none;
+  for (int connections = 0; connections < kMostConnections;) {
     TAO_Transport* const transport = Connect(*m_connector, resolver, descriptor, timeout);
     if (transport == nullptr && timeout == &share && errno == ETIME) errno = EHOSTUNREACH;
     if (transport == nullptr || !transport->is_connected()) return transport;
     const int socket = transport->event_handler_i()->get_handle();
     if (transport->first_request()) {
       WatchPeer(socket, m_settings.tcpKeepAlive, m_settings.tcpUserTimeout);
+      ++connections;
     }
     if (!HasEnded(*transport, socket, m_settings.biDirectional)) return transport;
+    transport->purge_entry();  // For TAO a closed one in its cache is about to connect.
     transport->close_connection();
-    transport->purge_entry();
     transport->remove_reference();
   }
   return nullptr;

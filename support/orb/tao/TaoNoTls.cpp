@@ -12,7 +12,7 @@ TDiagRegister diagModule("TLS");
 
 }  // namespace
 
-void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt&) {
+void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt&, bool) {
   CheckTls(settings);
   if (!settings.tls.IsOn()) return;
   throw std::invalid_argument(
@@ -24,6 +24,10 @@ void AllowNaming(CORBA::ORB_ptr, const OrbSettings&) {}
 
 int PeekTls(TAO_Transport&, void*, int) {
   return -1;
+}
+
+ACE_Log_Category* TlsLog() {
+  return nullptr;
 }
 
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings&) {

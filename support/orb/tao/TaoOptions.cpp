@@ -77,8 +77,9 @@ std::vector<std::string> TaoDirectives(const OrbSettings& settings) {
     directives.insert(directives.end(),
                       {R"(static Messaging_Loader "")", R"(static BiDirGIOP_Loader "")"});
     protocol = kTlsProtocol;
-    options =
-        std::string("-SSLAuthenticate ") + (settings.tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE");
+    // Whoever connects and then does nothing holds a thread for these seconds.
+    options = std::string("-SSLAcceptTimeout 2 -SSLAuthenticate ") +
+              (settings.tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE");
   }
   directives.push_back("static " + protocol + " \"" + options + "\"");
   directives.push_back("static Resource_Factory \"-ORBProtocolFactory " + protocol + "\"");

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <atomic>
-#include <csignal>
 #include <exception>
 #include <mutex>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
+
+#include <fcntl.h>
+#include <sys/select.h>
 
 #include <ace/Log_Category.h>
 #include <ace/Log_Msg.h>
@@ -25,10 +28,12 @@
 #include <tao/default_resource.h>
 
 #include <support/diagnostics/TDiag.h>
+#include <support/foundations/NoSignals.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/tao/TaoConnector.h>
 #include <support/orb/tao/TaoOptions.h>
 #include <support/orb/tao/TaoTls.h>
+#include <support/os_toolkit/os_file_system.h>
 
 namespace vq::orb {
 namespace {
@@ -77,7 +82,9 @@ class AceLog {
       ace->clr_flags(ACE_Log_Msg::STDERR | ACE_Log_Msg::LOGGER);
       ace->set_flags(ACE_Log_Msg::CUSTOM);
     } else if (TAO_debug_level == 0) {  // Otherwise the application traces TAO.
-      for (ACE_Log_Category* category : {&ACE_Log_Category::ace_lib(), &TAO_log_category}) {
+      for (ACE_Log_Category* category :
+           {&ACE_Log_Category::ace_lib(), &TAO_log_category, TlsLog()}) {
+        if (category == nullptr) continue;
         m_masks.emplace_back(category, category->priority_mask(0));
       }
     }
@@ -110,7 +117,8 @@ auto& aceLog = *new AceLog;  // never destroyed: ORBs may end late
 
 // The services of one ORB. TAO reads no configuration file, and by that leaves ACE's log alone,
 // unless an argument names one.
-ACE_Intrusive_Auto_Ptr<ACE_Service_Gestalt> MakeServices(const OrbSettings& settings) {
+ACE_Intrusive_Auto_Ptr<ACE_Service_Gestalt> MakeServices(const OrbSettings& settings,
+                                                         bool isFirst) {
   ACE_Intrusive_Auto_Ptr<ACE_Service_Gestalt> services(
       new ACE_Service_Gestalt(ACE_Service_Gestalt::MAX_SERVICES / 4, true));
   const ACE_Service_Config_Guard guard(services.get());
@@ -118,8 +126,8 @@ ACE_Intrusive_Auto_Ptr<ACE_Service_Gestalt> MakeServices(const OrbSettings& sett
   services->process_directive(ace_svc_desc_TAO_Default_Resource_Factory);
   AddService<CheckedProtocol<TAO_IIOP_Protocol_Factory, CheckedConnector>>(*services, kProtocol,
                                                                            settings);
-  PrepareTls(settings, *services);
-  if (!settings.biDirectional) AddReplyReader(*services, settings);
+  PrepareTls(settings, *services, isFirst);
+  AddReplyWait(*services, settings);
   for (const std::string& directive : TaoDirectives(settings)) {
     services->process_directive(directive.c_str());
   }
@@ -133,6 +141,16 @@ void IgnoreOfferedConnections(CORBA::ORB_ptr orb) {
   TAO_Service_Context_Registry& handlers = orb->orb_core()->service_context_registry();
   delete handlers[IOP::BI_DIR_IIOP];
   handlers = TAO_Service_Context_Registry();
+}
+
+// ACE waits with select(), which writes beyond its memory for a higher descriptor.
+void CheckDescriptors() {
+  constexpr int kNeeded = 50;
+  const Descriptor next(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  if (next.Get() < FD_SETSIZE - kNeeded) return;
+  throw std::invalid_argument("the program has about " + std::to_string(next.Get()) +
+                              " open files; TAO can use descriptors up to " +
+                              std::to_string(FD_SETSIZE - 1));
 }
 
 // Limits on connecting and on a whole call, for everything that this ORB sends.
@@ -155,7 +173,9 @@ void EndTao(CORBA::ORB_ptr orb) {
 }  // namespace
 
 CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
-                        const std::vector<std::string>& arguments, Unencrypted allowed) {
+                        const std::vector<std::string>& arguments, Unencrypted allowed,
+                        bool isFirst) {
+  CheckDescriptors();
   std::vector<std::string> all{"vq"};
   for (const auto& some :
        {TaoConfigurationArguments(arguments), TaoArguments(settings), arguments}) {
@@ -173,7 +193,7 @@ CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
   CORBA::ORB_var orb;
   try {
     {
-      const auto services = MakeServices(settings);
+      const auto services = MakeServices(settings, isFirst);
       const ACE_Service_Config_Guard guard(services.get());
       orb = CORBA::ORB_init(count, pointers.data(), id.c_str());
     }
@@ -212,11 +232,7 @@ struct TaoThreads::Shared {
 };
 
 void TaoThreads::Start(CORBA::ORB_ptr orb, int count) {
-  // The new threads leave signals to those of the application.
-  sigset_t all, former;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &former);
-  const AtEnd restored([&] { pthread_sigmask(SIG_SETMASK, &former, nullptr); });
+  const NoSignals none;  // The new threads leave them to those of the application.
   m_shared = std::make_shared<Shared>();
   m_shared->users = count;
   for (int i = 0; i < count; ++i) {

@@ -20,13 +20,15 @@
 namespace vq::orb {
 
 // Starts a new ORB, also where the process has one of that name. `arguments` are those for TAO.
-// Raises CORBA::SystemException, and std::invalid_argument for TLS settings that cannot be used.
+// Raises CORBA::SystemException, and std::invalid_argument for TLS settings that cannot be used and
+// for too many open files. The first ORB gives TLS its settings, which the others share.
 //
 // Until the last of these ORBs ends, TAO and ACE write no log of their own, which would go to
 // stderr. The application's ACE log is not touched, unless this library's log is at level 6: then
 // all of ACE's log goes there meanwhile.
 CORBA::ORB_ptr StartTao(const std::string& name, const OrbSettings& settings,
-                        const std::vector<std::string>& arguments, Unencrypted allowed);
+                        const std::vector<std::string>& arguments, Unencrypted allowed,
+                        bool isFirst);
 
 // A policy that contains a time. The caller owns it.
 CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,

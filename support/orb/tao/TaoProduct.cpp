@@ -21,7 +21,8 @@ namespace {
 
 TDiagRegister diagModule("ORB");
 
-// Threads that take calls where SetUseThreadPool asks for a pool; otherwise there is one.
+// Threads that take calls where SetUseThreadPool asks for a pool, and with bidirectional IIOP,
+// where they also read replies; otherwise there is one.
 constexpr int kPool = 4;
 
 // With bidirectional IIOP the ORB's threads read messages of any size.
@@ -36,10 +37,12 @@ void WarnOfMessageSize(const OrbSettings& settings) {
 // The settings of the ORBs that are up, the oldest first.
 class Running {
  public:
-  // The settings to start an ORB with, which counts as up from here on.
-  OrbSettings Enter(const void* orb, const std::string& name, OrbSettings settings) {
+  // The settings to start an ORB with, which counts as up from here on, and whether it is the
+  // first.
+  OrbSettings Enter(const void* orb, const std::string& name, OrbSettings settings, bool& isFirst) {
     const std::lock_guard lock(m_mutex);
-    if (!m_all.empty()) {
+    isFirst = m_all.empty();
+    if (!isFirst) {
       VQ_LOG(diagModule, 4) << "The ORB " << name << " shares the time-outs, TLS and the initial "
                             << "references of the ORB that is up already";
       const OrbSettings& first = m_all.front().second;
@@ -67,10 +70,10 @@ class TaoInstance : public OrbInstance {
   TaoInstance(std::string name, OrbSettings settings, const std::vector<std::string>& arguments,
               bool useThreadPool)
       : m_name(std::move(name)),
-        m_settings(running.Enter(this, m_name, std::move(settings))),
+        m_settings(running.Enter(this, m_name, std::move(settings), m_isFirst)),
         m_useThreadPool(useThreadPool) {
     try {
-      m_orb = StartTao(m_name, m_settings, arguments, Unencrypted::kLookUps);
+      m_orb = StartTao(m_name, m_settings, arguments, Unencrypted::kLookUps, m_isFirst);
       if (m_settings.biDirectional) WarnOfMessageSize(m_settings);
     } catch (...) {
       running.Leave(this);
@@ -97,7 +100,7 @@ class TaoInstance : public OrbInstance {
     const std::lock_guard lock(m_mutex);
     if (CORBA::is_nil(m_poa.in())) {
       m_poa = CreatePoa();
-      m_threads.Start(m_orb.in(), m_useThreadPool ? kPool : 1);
+      m_threads.Start(m_orb.in(), m_useThreadPool || m_settings.biDirectional ? kPool : 1);
     }
     return m_poa.in();
   }
@@ -135,6 +138,7 @@ class TaoInstance : public OrbInstance {
   }
 
   const std::string m_name;
+  bool m_isFirst = true;
   const OrbSettings m_settings;
   const bool m_useThreadPool;
   CORBA::ORB_var m_orb;

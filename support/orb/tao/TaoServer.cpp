@@ -44,7 +44,7 @@ std::unique_ptr<ServerOrb> StartServerOrb(const ServerOptions& options) {
   settings.connectTimeout = settings.callTimeout = kUsualLimit;
   // A server registers its names unencrypted.
   return std::make_unique<TaoServer>(
-      StartTao("server", settings, options.rest, Unencrypted::kAnyCall));
+      StartTao("server", settings, options.rest, Unencrypted::kAnyCall, true));
 }
 
 CORBA::Object_ptr WithCallLimit(CORBA::Object_ptr object, std::chrono::milliseconds time) {

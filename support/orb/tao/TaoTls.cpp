@@ -15,12 +15,14 @@
 #include <netinet/in.h>
 #include <openssl/err.h>
 #include <openssl/ssl.h>
+#include <sys/select.h>
 #include <sys/socket.h>
 
 #include <ace/INET_Addr.h>
 #include <ace/SSL/SSL_Context.h>
 #include <ace/SSL/SSL_SOCK_Stream.h>
 #include <ace/Svc_Handler.h>
+#include <orbsvcs/Log_Macros.h>
 #include <orbsvcs/SSLIOP/SSLIOP_Endpoint.h>
 #include <orbsvcs/SSLIOP/SSLIOP_Factory.h>
 #include <tao/Base_Transport_Property.h>
@@ -30,6 +32,8 @@
 #include <tao/Stub.h>
 #include <tao/Transport.h>
 
+#include <support/diagnostics/TDiag.h>
+#include <support/foundations/NoSignals.h>
 #include <support/orb/ReferenceAddress.h>
 #include <support/orb/ThreadText.h>
 #include <support/orb/Tls.h>
@@ -40,8 +44,13 @@
 namespace vq::orb {
 namespace {
 
+TDiagRegister diagModule("TLS");
+
 // The host that this thread connected to last; SSLIOP's handshakes are in the connecting call.
 thread_local ThreadText<300> hostBeingConnected;
+
+// Whether this thread has made a handshake since it was set to false.
+thread_local bool isNew = false;
 
 bool IsAddress(const std::string& host) {
   std::array<unsigned char, sizeof(in6_addr)> bytes{};
@@ -93,7 +102,8 @@ class Connector : public CheckedConnector {
     if (endpoint->ssl_component().port != 0) {
       NoteUnencrypted({});
       hostBeingConnected = address.host();
-      return connector.connect(resolver, descriptor, timeout);
+      const NoSignals none;  // SSLIOP takes one in a handshake for its end.
+      return ConnectTls(connector, *resolver, *descriptor, timeout);
     }
     const std::string place = address.host() + (":" + std::to_string(address.port()));
     const auto [isNaming, isOwnObject] = FindNaming(address, *resolver->stub());
@@ -107,6 +117,28 @@ class Connector : public CheckedConnector {
     TAO_Base_Transport_Property unencrypted(&address);
     return connector.TAO_Connector::connect(resolver, &unencrypted, timeout);
   }
+
+ private:
+  // SSLIOP puts a new connection into TAO's cache as an idle one, and returns it all the same, so
+  // that two threads would use it. Here it is taken from the cache, where one thread gets it.
+  static TAO_Transport* ConnectTls(TAO_Connector& connector,
+                                   TAO::Profile_Transport_Resolver& resolver,
+                                   TAO_Transport_Descriptor_Interface& descriptor,
+                                   ACE_Time_Value* timeout) {
+    constexpr int kMost = 16;  // Other threads may take those that this one opens.
+    for (int i = 0; i < kMost; ++i) {
+      isNew = false;
+      TAO_Transport* const transport = connector.connect(&resolver, &descriptor, timeout);
+      if (transport == nullptr || (!isNew && transport->is_connected())) return transport;
+      transport->remove_reference();
+    }
+    return nullptr;
+  }
+};
+
+// In place of ACE's service of that name, which deletes the process's context when any ORB ends.
+struct ContextKeeper : ACE_Service_Object {
+  explicit ContextKeeper(const OrbSettings&) {}
 };
 
 // For the callbacks: written before the ORB starts, read by its threads afterwards, which may run
@@ -140,10 +172,21 @@ long BeforeRead(BIO* bio, int operation, const char*, std::size_t, int, long, in
   return -1;
 }
 
+// ACE waits with select() in a handshake, which would write beyond its memory.
+void EndOnHighDescriptor(const SSL* connection) {
+  const int socket = SSL_get_fd(connection);
+  if (socket < FD_SETSIZE) return;
+  ::shutdown(socket, SHUT_RDWR);
+  VQ_LOG(diagModule, 1) << "TAO can use descriptors up to " << FD_SETSIZE - 1
+                        << ". This process has too many open files: " << socket;
+}
+
 // For OpenSSL, at the start and end of a handshake. The host's name is given to the server, too; an
 // address is no name. Any thread.
 void FollowConnection(const SSL* connection, int where, int result) {
+  if (where == SSL_CB_HANDSHAKE_START) EndOnHighDescriptor(connection);
   if (where == SSL_CB_HANDSHAKE_START && SSL_is_server(connection) == 0) {
+    isNew = true;
     BIO_set_callback_ex(SSL_get_rbio(connection), BeforeRead);
     const std::string host(std::string_view{hostBeingConnected});
     if (!host.empty() && !IsAddress(host)) {
@@ -156,11 +199,13 @@ void FollowConnection(const SSL* connection, int where, int result) {
 
 }  // namespace
 
-void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services) {
+void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services, bool isFirst) {
   CheckTls(settings);
   if (!settings.tls.IsOn()) return;
+  AddService<ContextKeeper>(services, "ACE_SSL_Initializer", settings);
   AddService<CheckedProtocol<TAO::SSLIOP::Protocol_Factory, Connector>>(services, kTlsProtocol,
                                                                         settings);
+  if (!isFirst) return;
   tlsInForce = settings.tls;
   WarnOfWeakVerification(settings.tls);
   ACE_SSL_Context& ace = *ACE_SSL_Context::instance();
@@ -202,6 +247,10 @@ int PeekTls(TAO_Transport& transport, void* bytes, int size) {
   const int length = SSL_peek(handler->peer().ssl(), bytes, size);
   if (length <= 0) ERR_clear_error();
   return length;
+}
+
+ACE_Log_Category* TlsLog() {
+  return &ORBSVCS_log_category;
 }
 
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings& settings) {

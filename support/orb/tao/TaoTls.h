@@ -19,6 +19,7 @@
 #include <support/orb/Corba.h>
 #include <support/orb/OrbSettings.h>
 
+class ACE_Log_Category;
 class ACE_Service_Gestalt;
 class TAO_Transport;
 
@@ -26,8 +27,9 @@ namespace vq::orb {
 
 // Checks the settings, applies them to ACE's context, and adds the protocol kTlsProtocol
 // (TaoOptions.h) to the services of an ORB; with TLS off OpenSSL is not touched. Raises
-// std::invalid_argument, also where TLS is on and SSLIOP is missing.
-void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services);
+// std::invalid_argument, also where TLS is on and SSLIOP is missing. Unless it is the first ORB,
+// the context is in use and stays as it is.
+void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services, bool isFirst);
 
 // Allows unencrypted look-ups, where TLS is on and the naming service offers none.
 void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings);
@@ -39,6 +41,9 @@ int PeekTls(TAO_Transport& transport, void* bytes, int size);
 // Nothing when TLS is off or there is no own certificate. Logs that SSLIOP is missing. Any thread
 // while the ORB is up.
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const OrbSettings& settings);
+
+// SSLIOP's log; null without SSLIOP. Any thread.
+ACE_Log_Category* TlsLog();
 
 }  // namespace vq::orb
 
