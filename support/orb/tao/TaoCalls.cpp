@@ -139,7 +139,10 @@ class ReplyReader : public TAO_Wait_Strategy {
 
   int register_handler() override { return 0; }  // the ORB's threads do not read
   bool non_blocking() const override { return false; }
-  bool can_process_upcalls() const override { return false; }  // so that TAO also writes in time
+  // Where false, TAO writes within the deadline, too.
+  bool can_process_upcalls() const override {
+    return transport_->opened_as() == TAO::TAO_SERVER_ROLE;
+  }
 
  private:
   // Returns 0 or the cause as an error number.
