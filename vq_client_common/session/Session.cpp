@@ -311,7 +311,7 @@ LoginResult Session::State::Renew() {
   }
   SetMessage(text);
   if (IsLoggedIn(answer)) {
-    if (!lost || silent) EndSession(before);
+    if (!lost && !silent) EndSession(before);
     SetAlive();
   } else {  // The session before may still exist, for the logout.
     ConnectionSettings::Get()->SetUserID(before);
@@ -319,7 +319,8 @@ LoginResult Session::State::Renew() {
   return answer;
 }
 
-// Where the server still knows the session before the one of now.
+// Where the server still knows the session before the one of now. After a silence it may be another
+// server, which has given the user ID to another client.
 void Session::State::EndSession(const std::string& userId) const {
   if (userId.empty() || userId == ConnectionSettings::Get()->GetUserID()) return;
   try {
