@@ -102,7 +102,7 @@ TEST_F(TlsTest, RefusesEachBadCertificate) {
 
 // Both peers present certificates, and the server calls back over a new TLS connection.
 TEST_F(TlsTest, CallsBackOverTls) {
-  StartTlsServer(m_authority.Issue(), true);
+  Server& server = StartTlsServer(m_authority.Issue(), true);
   const bool isOmni = vq::orb::ProductName() == "omniORB";
   const int port = FreePort();  // for TLS as well, as there is no ssl_port
   m_orbArguments = OwnCertificate({});
@@ -119,6 +119,13 @@ TEST_F(TlsTest, CallsBackOverTls) {
   EXPECT_FALSE(m_log.Contains("override endpoint 0: 'giop:tcp:"));
   EXPECT_TRUE(TroubleshootConnection::ORBInitAndTestCallback(true, "", roundTrip, false))
       << m_log.Text();
+  // The ends of the trials' ORBs leave the session's checks in force.
+  server.Kill();
+  StartTlsServer(m_authority.SelfSigned());
+  const CORBA::Object_var other =
+      ORBCommon<1>::Get()->Bind("central", "GSR", "UsersManager", false);
+  EXPECT_ANY_THROW(other->_non_existent());
+  EXPECT_TRUE(m_log.Contains("it is self-signed;")) << m_log.Text();
   GL_LogOut(true);
   m_orbArguments = {"-SSLCACertificate", m_caFile};  // without a client certificate
   EXPECT_EQ(Login(), 54);
