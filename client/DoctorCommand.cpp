@@ -112,6 +112,9 @@ class Doctor {
   // Stores the settings of the way, and the ORB's settings from the command line and the
   // environment of this run; then reads them back. Returns why that failed; empty on success.
   std::string Store() {
+    if (!m_address.empty() && m_listenEndpoint.find('[') != std::string::npos) {
+      return "-ORBListenEndpoints has an IPv6 address, beside which no other one can be published";
+    }
     m_needed[vq::orb::kBiDirPolicy] = m_biDirectional ? "1" : "0";
     for (const auto& [name, value] : m_needed) {
       const vq::StoreResult stored =
@@ -161,6 +164,7 @@ class Doctor {
                    "Correct it where it is set: vqclient config show prints the origins.");
       }
       if (setting.name == vq::orb::kInitRef) m_namingReference = setting.value;
+      if (setting.name == vq::orb::kListenEndpoints) m_listenEndpoint = setting.value;
       m_tls |= (setting.name == vq::orb::kTlsCa || setting.name == vq::orb::kTlsCertificate) &&
                !setting.value.empty();
       if (setting.origin == "built in") continue;
@@ -389,6 +393,7 @@ class Doctor {
   std::optional<vq::Session> m_session;         // on the ORB of m_naming, and ends before it
   std::map<std::string, std::string> m_needed;  // settings to store, by name
   std::string m_namingReference;
+  std::string m_listenEndpoint;
   bool m_tls = false;
   std::string m_way;  // for display; empty until the server has called back
   std::string m_address;
