@@ -144,7 +144,10 @@ class Doctor {
                   IsTimeOver() ? "The time of --max-time is over: allow more." : advice);
   }
 
-  bool IsTimeOver() const { return std::chrono::steady_clock::now() >= m_line.EndBeforeLogout(); }
+  bool IsTimeOver() const {
+    const auto end = m_session ? m_line.EndBeforeLogout() : m_line.End();
+    return std::chrono::steady_clock::now() >= end;
+  }
 
   // Connects. Each of `count` such trials has its share of the limit, or of half the time left.
   vq::orb::Reach Try(const vq::orb::ReferenceEndpoint& place, std::size_t count,

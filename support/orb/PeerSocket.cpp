@@ -24,11 +24,11 @@ bool BeginsWithClose(int socket, bool tls) {
   return next[0] == kAlert || (next[0] == kData && next[3] == 0 && next[4] == kHiddenAlertSize);
 }
 
-bool IsDead(int socket, bool tls, bool takesCalls) {
+bool IsDead(int socket, bool tls, bool takesCalls, bool isWithinMessage) {
   pollfd events{socket, POLLIN | POLLRDHUP, 0};
   if (::poll(&events, 1, 0) <= 0) return false;
   if (!takesCalls || (events.revents & ~POLLIN) != 0) return true;
-  return BeginsWithClose(socket, tls);
+  return !isWithinMessage && BeginsWithClose(socket, tls);
 }
 
 void WatchPeer(int socket, std::chrono::milliseconds keepAlive,

@@ -14,8 +14,9 @@ namespace vq::orb {
 bool BeginsWithClose(int socket, bool tls);
 
 // Whether the peer has closed an idle connection or lost it. On one that takes no calls no data is
-// expected, so any data announces its end or is of no use.
-bool IsDead(int socket, bool tls, bool takesCalls);
+// expected, so any data announces its end or is of no use. `isWithinMessage`: the next bytes are
+// the content of a message that has been received in part.
+bool IsDead(int socket, bool tls, bool takesCalls, bool isWithinMessage = false);
 
 // Has the system probe a peer that is silent for `keepAlive`, and drop the connection after three
 // probes; likewise for a peer that leaves sent data unacknowledged. 0 keeps the system's default.

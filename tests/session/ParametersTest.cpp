@@ -40,6 +40,10 @@ TEST_F(ParametersTest, ReportsEachFailure) {
   EXPECT_EQ(arguments["name"], "Name");
   EXPECT_EQ(arguments["userId"], ConnectionSettings::Get()->GetUserID());
 
+  const std::string large(1'000'000, 'n');  // more than a socket takes at once
+  EXPECT_FALSE(GetSystemParameter(large, value, "general", E_GSR));
+  EXPECT_TRUE(m_log.Has(4, "CRB_GetSystemParameter exception - PARAMETER_NOT_FOUND - " + large));
+
   GL_LogOut(true);  // without a reference no server can be called
   EXPECT_FALSE(GetSystemParameter("Name", value, "general", E_GSR));
   EXPECT_FALSE(isAnnotationRequired("job.delete"));

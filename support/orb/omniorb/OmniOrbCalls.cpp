@@ -139,12 +139,22 @@ bool IsTls(const giopStrand& strand) {
   return std::strcmp(strand.address->type(), "giop:ssl") == 0;
 }
 
+// Whether a message has been received in part. The rest may look like the end of the connection.
+bool IsWithinMessage(const CheckedConnection& connection) {
+  return connection.HasRest() || !connection.IsBetweenMessages();
+}
+
 // As IsDead of PeerSocket.h, with the data that omniORB has not received yet.
 bool IsDead(const giopStrand& strand, bool takesCalls) {
   const CheckedConnection& connection = CheckedConnection::Of(strand);
   if (connection.Socket() < 0) return false;
   if (!takesCalls && connection.HasRest()) return true;
-  return vq::orb::IsDead(connection.Socket(), IsTls(strand), takesCalls) || connection.HasEnded();
+  const auto isDead = [&](bool isWithin) {
+    return vq::orb::IsDead(connection.Socket(), IsTls(strand), takesCalls, isWithin);
+  };
+  if (connection.HasEnded()) return true;
+  return isDead(IsWithinMessage(connection)) &&
+         (!IsWithinMessage(connection) || isDead(true));  // if it has begun meanwhile
 }
 
 // Whether the server closed the connection in order. omniORB does not read the message that says so
@@ -153,9 +163,8 @@ bool IsDead(const giopStrand& strand, bool takesCalls) {
 bool WasClosedInOrder(const giopStrand& strand) {
   if (strand.connection == nullptr) return false;
   const CheckedConnection& connection = CheckedConnection::Of(strand);
-  return connection.WasClosedInOrder() ||
-         (!IsTls(strand) && connection.IsBetweenMessages() && !connection.HasRest() &&
-          BeginsWithClose(connection.Socket(), false));
+  return connection.WasClosedInOrder() || (!IsTls(strand) && !IsWithinMessage(connection) &&
+                                           BeginsWithClose(connection.Socket(), false));
 }
 
 bool IsForward(GIOP_C& attempt) {

@@ -43,11 +43,12 @@ TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolv
   }
   const NoServants none;
   for (int connections = 0; connections < kMostConnections;) {
-    TAO_Transport* const transport = Connect(*m_connector, resolver, descriptor, timeout);
+    bool isNew = false;
+    TAO_Transport* const transport = Connect(*m_connector, resolver, descriptor, timeout, isNew);
     if (transport == nullptr && timeout == &share && errno == ETIME) errno = EHOSTUNREACH;
     if (transport == nullptr || !transport->is_connected()) return transport;
     const int socket = transport->event_handler_i()->get_handle();
-    if (transport->first_request()) {
+    if (isNew) {
       WatchPeer(socket, m_settings.tcpKeepAlive, m_settings.tcpUserTimeout);
       ++connections;
     }

@@ -13,6 +13,7 @@
 #include <ace/Service_Gestalt.h>
 #include <ace/Service_Object.h>
 #include <tao/SystemException.h>
+#include <tao/Transport.h>
 #include <tao/Transport_Connector.h>
 
 #include <support/orb/OrbSettings.h>
@@ -62,8 +63,10 @@ class CheckedConnector : public TAO_Connector {
   virtual TAO_Transport* Connect(TAO_Connector& connector,
                                  TAO::Profile_Transport_Resolver* resolver,
                                  TAO_Transport_Descriptor_Interface* descriptor,
-                                 ACE_Time_Value* timeout) {
-    return connector.connect(resolver, descriptor, timeout);
+                                 ACE_Time_Value* timeout, bool& isNew) {
+    TAO_Transport* const transport = connector.connect(resolver, descriptor, timeout);
+    isNew = transport != nullptr && transport->first_request();
+    return transport;
   }
 
   // Only the connector within is asked for these, by itself; what remains are calls for reference

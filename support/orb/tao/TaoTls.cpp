@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -18,6 +19,7 @@
 #include <sys/select.h>
 #include <sys/socket.h>
 
+#include <ace/Countdown_Time.h>
 #include <ace/INET_Addr.h>
 #include <ace/SSL/SSL_Context.h>
 #include <ace/SSL/SSL_SOCK_Stream.h>
@@ -50,7 +52,7 @@ TDiagRegister diagModule("TLS");
 thread_local ThreadText<300> hostBeingConnected;
 
 // Whether this thread has made a handshake since it was set to false.
-thread_local bool isNew = false;
+thread_local bool madeHandshake = false;
 
 bool IsAddress(const std::string& host) {
   std::array<unsigned char, sizeof(in6_addr)> bytes{};
@@ -94,8 +96,8 @@ class Connector : public CheckedConnector {
 
  protected:
   TAO_Transport* Connect(TAO_Connector& connector, TAO::Profile_Transport_Resolver* resolver,
-                         TAO_Transport_Descriptor_Interface* descriptor,
-                         ACE_Time_Value* timeout) override {
+                         TAO_Transport_Descriptor_Interface* descriptor, ACE_Time_Value* timeout,
+                         bool& isNew) override {
     auto* const endpoint = dynamic_cast<TAO_SSLIOP_Endpoint*>(descriptor->endpoint());
     if (endpoint == nullptr) return nullptr;
     TAO_IIOP_Endpoint& address = *endpoint->iiop_endpoint();
@@ -103,7 +105,7 @@ class Connector : public CheckedConnector {
       NoteUnencrypted({});
       hostBeingConnected = address.host();
       const NoSignals none;  // SSLIOP takes one in a handshake for its end.
-      return ConnectTls(connector, *resolver, *descriptor, timeout);
+      return ConnectTls(connector, *resolver, *descriptor, timeout, isNew);
     }
     const std::string place = address.host() + (":" + std::to_string(address.port()));
     const auto [isNaming, isOwnObject] = FindNaming(address, *resolver->stub());
@@ -115,7 +117,10 @@ class Connector : public CheckedConnector {
     NoteUnencrypted(place, isOwnObject);
     // SSLIOP's own function does the same, where a policy of the reference allows it.
     TAO_Base_Transport_Property unencrypted(&address);
-    return connector.TAO_Connector::connect(resolver, &unencrypted, timeout);
+    TAO_Transport* const transport =
+        connector.TAO_Connector::connect(resolver, &unencrypted, timeout);
+    isNew = transport != nullptr && transport->first_request();
+    return transport;
   }
 
  private:
@@ -124,14 +129,18 @@ class Connector : public CheckedConnector {
   static TAO_Transport* ConnectTls(TAO_Connector& connector,
                                    TAO::Profile_Transport_Resolver& resolver,
                                    TAO_Transport_Descriptor_Interface& descriptor,
-                                   ACE_Time_Value* timeout) {
+                                   ACE_Time_Value* timeout, bool& isNew) {
     constexpr int kMost = 16;  // Other threads may take those that this one opens.
-    for (int i = 0; i < kMost; ++i) {
-      isNew = false;
+    ACE_Countdown_Time countdown(timeout);
+    for (int i = 0; i < kMost && (timeout == nullptr || timeout->msec() > 0); ++i) {
+      madeHandshake = false;
       TAO_Transport* const transport = connector.connect(&resolver, &descriptor, timeout);
-      if (transport == nullptr || (!isNew && transport->is_connected())) return transport;
+      if (transport == nullptr || (!madeHandshake && transport->is_connected())) return transport;
+      isNew |= madeHandshake;
       transport->remove_reference();
+      countdown.update();
     }
+    errno = ETIME;
     return nullptr;
   }
 };
@@ -186,7 +195,7 @@ void EndOnHighDescriptor(const SSL* connection) {
 void FollowConnection(const SSL* connection, int where, int result) {
   if (where == SSL_CB_HANDSHAKE_START) EndOnHighDescriptor(connection);
   if (where == SSL_CB_HANDSHAKE_START && SSL_is_server(connection) == 0) {
-    isNew = true;
+    madeHandshake = true;
     BIO_set_callback_ex(SSL_get_rbio(connection), BeforeRead);
     const std::string host(std::string_view{hostBeingConnected});
     if (!host.empty() && !IsAddress(host)) {
@@ -214,6 +223,8 @@ void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services, bool
   SSL_CTX_set_cert_store(&context, X509_STORE_new());  // not those of an earlier start
   ConfigureTls(context, settings.tls);
   SSL_CTX_set_max_proto_version(&context, 0);  // as OpenSSL has it, whatever an earlier start set
+  // What could not be written at once TAO writes later, from a copy.
+  SSL_CTX_set_mode(&context, SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
   if (settings.biDirectional) ForbidMessagesAfterHandshake(context);
   SSL_CTX_set_info_callback(&context, FollowConnection);
   SSL_CTX_set_cert_cb(&context, ChooseCertificate, nullptr);
