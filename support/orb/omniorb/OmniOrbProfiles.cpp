@@ -1,7 +1,6 @@
 #include <support/orb/omniorb/OmniOrbProfiles.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 #include <omniORB4/CORBA.h>
@@ -54,9 +53,10 @@ void AddProfile(const IIOP::ProfileBody& profile, giopAddressList& addresses) {
 }
 
 bool IsSameObject(const IIOP::ProfileBody& one, const IIOP::ProfileBody& other) {
-  return one.object_key.length() == other.object_key.length() &&
-         std::memcmp(one.object_key.get_buffer(), other.object_key.get_buffer(),
-                     one.object_key.length()) == 0;
+  const CORBA::Octet* const key = one.object_key.get_buffer();
+  const CORBA::Octet* const another = other.object_key.get_buffer();
+  return std::equal(key, key + one.object_key.length(), another,
+                    another + other.object_key.length());
 }
 
 CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& info) {

@@ -139,10 +139,7 @@ class ReplyReader : public TAO_Wait_Strategy {
 
   int register_handler() override { return 0; }  // the ORB's threads do not read
   bool non_blocking() const override { return false; }
-  // Where false, TAO writes within the deadline, too.
-  bool can_process_upcalls() const override {
-    return transport_->opened_as() == TAO::TAO_SERVER_ROLE;
-  }
+  bool can_process_upcalls() const override { return true; }
 
  private:
   // Returns 0 or the cause as an error number.

@@ -1,6 +1,8 @@
 #include <support/orb/tao/TaoConnector.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 
 #include <ace/Event_Handler.h>
 #include <tao/IIOP_Transport.h>
@@ -32,6 +34,18 @@ CORBA::ULong AddressCount(TAO::Profile_Transport_Resolver& resolver) {
 
 }  // namespace
 
+Countdown::Countdown(ACE_Time_Value* left) : m_left(left), m_end(Clock::now()) {
+  if (left != nullptr) m_end += std::chrono::milliseconds(left->msec());
+}
+
+bool Countdown::Update() const {
+  if (m_left == nullptr) return true;
+  const auto left = std::chrono::floor<std::chrono::milliseconds>(m_end - Clock::now());
+  m_left->msec(static_cast<long>(std::max<std::int64_t>(left.count(), 0)));
+  if (left.count() <= 0) errno = ETIME;
+  return left.count() > 0;
+}
+
 TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolver,
                                          TAO_Transport_Descriptor_Interface* descriptor,
                                          ACE_Time_Value* timeout) {
@@ -42,7 +56,8 @@ TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolv
     timeout = &share;
   }
   const NoServants none;
-  for (int connections = 0; connections < kMostConnections;) {
+  const Countdown countdown(timeout);
+  for (int connections = 0; connections < kMostConnections && countdown.Update();) {
     bool isNew = false;
     TAO_Transport* const transport = Connect(*m_connector, resolver, descriptor, timeout, isNew);
     if (transport == nullptr && timeout == &share && errno == ETIME) errno = EHOSTUNREACH;

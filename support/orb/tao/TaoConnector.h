@@ -6,6 +6,7 @@
 #ifndef VQ_SUPPORT_ORB_TAO_TAOCONNECTOR_H
 #define VQ_SUPPORT_ORB_TAO_TAOCONNECTOR_H
 
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -36,6 +37,18 @@ void AddService(ACE_Service_Gestalt& services, const char* name, const OrbSettin
   current = &settings;
   services.process_directive(descriptor);
 }
+
+// Counts a time limit of TAO's down over several steps; null is no limit.
+class Countdown {
+ public:
+  explicit Countdown(ACE_Time_Value* left);
+  bool Update() const;  // false, with ETIME, when the time is over
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  ACE_Time_Value* const m_left;
+  Clock::time_point m_end;
+};
 
 // A connector of TAO's, which does all the work, with checks around it. Thread safety: any thread,
 // as in TAO.

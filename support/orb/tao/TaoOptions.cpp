@@ -82,10 +82,7 @@ std::vector<std::string> TaoDirectives(const OrbSettings& settings) {
               (settings.tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE");
   }
   directives.push_back("static " + protocol + " \"" + options + "\"");
-  // Without the ORB's threads the rest of a large request is sent by the thread of the call.
-  const std::string flushing = settings.biDirectional ? "" : " -ORBFlushingStrategy blocking";
-  directives.push_back("static Resource_Factory \"-ORBProtocolFactory " + protocol + flushing +
-                       "\"");
+  directives.push_back("static Resource_Factory \"-ORBProtocolFactory " + protocol + "\"");
   return directives;
 }
 

@@ -220,6 +220,7 @@ CORBA::Policy_ptr TimePolicy(CORBA::ORB_ptr orb, CORBA::PolicyType type,
 struct TaoThreads::Shared {
   std::atomic<int> users = 0;
   std::atomic<bool> destroys = false;
+  std::vector<std::thread> threads;  // of an ORB that has ended
 
   void Leave(CORBA::ORB_ptr orb) {
     if (--users > 0 || !destroys) return;
@@ -230,6 +231,39 @@ struct TaoThreads::Shared {
     }
   }
 };
+
+// The threads of ORBs that ended without waiting. At the end of the process they are awaited,
+// before ACE destroys what they use.
+class TaoThreads::Leaving {
+ public:
+  void Add(std::shared_ptr<Shared> shared) {
+    const std::lock_guard lock(m_mutex);
+    std::erase_if(m_all, [](const auto& one) {
+      if (one->users == 0) Join(*one);
+      return one->users == 0;
+    });
+    m_all.push_back(std::move(shared));
+    [[maybe_unused]] static const bool isHooked = std::atexit([] { leaving.JoinAll(); }) == 0;
+  }
+
+ private:
+  static void Join(Shared& shared) {
+    for (std::thread& thread : shared.threads) {
+      thread.get_id() == std::this_thread::get_id() ? thread.detach() : thread.join();
+    }
+    shared.threads.clear();
+  }
+  void JoinAll() {
+    const std::lock_guard lock(m_mutex);
+    for (const auto& one : m_all) Join(*one);
+    m_all.clear();
+  }
+
+  std::mutex m_mutex;
+  std::vector<std::shared_ptr<Shared>> m_all;
+};
+
+TaoThreads::Leaving& TaoThreads::leaving = *new Leaving;
 
 void TaoThreads::Start(CORBA::ORB_ptr orb, int count) {
   const NoSignals none;  // The new threads leave them to those of the application.
@@ -266,7 +300,12 @@ void TaoThreads::End(CORBA::ORB_ptr orb, bool wait) {
     m_threads.clear();
     throw;
   }
-  for (std::thread& thread : m_threads) later ? thread.detach() : thread.join();
+  if (later) {
+    m_shared->threads = std::move(m_threads);
+    leaving.Add(m_shared);
+  } else {
+    for (std::thread& thread : m_threads) thread.join();
+  }
   m_threads.clear();
   if (later) {
     m_shared->Leave(orb);

@@ -48,6 +48,9 @@ class TaoThreads {
 
  private:
   struct Shared;
+  class Leaving;
+  static Leaving& leaving;  // never destroyed
+
   std::vector<std::thread> m_threads;
   std::shared_ptr<Shared> m_shared;
 };

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -19,7 +19,6 @@
 #include <sys/select.h>
 #include <sys/socket.h>
 
-#include <ace/Countdown_Time.h>
 #include <ace/INET_Addr.h>
 #include <ace/SSL/SSL_Context.h>
 #include <ace/SSL/SSL_SOCK_Stream.h>
@@ -36,6 +35,7 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/NoSignals.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/ReferenceAddress.h>
 #include <support/orb/ThreadText.h>
 #include <support/orb/Tls.h>
@@ -89,6 +89,21 @@ std::pair<bool, bool> FindNaming(const TAO_IIOP_Endpoint& address, TAO_Stub& obj
           std::ranges::count(namingPlaces, KeyOf(object), &NamingPlace::key) > 0};
 }
 
+// The context with the settings, which is kept: ACE has another one after the application has ended
+// an ORB of its own with TLS. That one checks nothing.
+auto& contextInForce = *new std::atomic<SSL_CTX*>(nullptr);
+
+void PutInForce(SSL_CTX& context) {
+  SSL_CTX_up_ref(&context);
+  SSL_CTX_free(contextInForce.exchange(&context));
+}
+
+bool IsContextInForce() {
+  if (ACE_SSL_Context::instance()->context() == contextInForce) return true;
+  NoteCause("the program has ended the TLS of ACE; log out, and in again");
+  return false;
+}
+
 // SSLIOP's connector. Only a naming service is connected to without TLS.
 class Connector : public CheckedConnector {
  public:
@@ -104,6 +119,7 @@ class Connector : public CheckedConnector {
     if (endpoint->ssl_component().port != 0) {
       NoteUnencrypted({});
       hostBeingConnected = address.host();
+      if (!IsContextInForce()) return nullptr;
       const NoSignals none;  // SSLIOP takes one in a handshake for its end.
       return ConnectTls(connector, *resolver, *descriptor, timeout, isNew);
     }
@@ -131,16 +147,14 @@ class Connector : public CheckedConnector {
                                    TAO_Transport_Descriptor_Interface& descriptor,
                                    ACE_Time_Value* timeout, bool& isNew) {
     constexpr int kMost = 16;  // Other threads may take those that this one opens.
-    ACE_Countdown_Time countdown(timeout);
-    for (int i = 0; i < kMost && (timeout == nullptr || timeout->msec() > 0); ++i) {
+    const Countdown countdown(timeout);
+    for (int i = 0; i < kMost && countdown.Update(); ++i) {
       madeHandshake = false;
       TAO_Transport* const transport = connector.connect(&resolver, &descriptor, timeout);
       if (transport == nullptr || (!madeHandshake && transport->is_connected())) return transport;
       isNew |= madeHandshake;
       transport->remove_reference();
-      countdown.update();
     }
-    errno = ETIME;
     return nullptr;
   }
 };
@@ -223,12 +237,11 @@ void PrepareTls(const OrbSettings& settings, ACE_Service_Gestalt& services, bool
   SSL_CTX_set_cert_store(&context, X509_STORE_new());  // not those of an earlier start
   ConfigureTls(context, settings.tls);
   SSL_CTX_set_max_proto_version(&context, 0);  // as OpenSSL has it, whatever an earlier start set
-  // What could not be written at once TAO writes later, from a copy.
-  SSL_CTX_set_mode(&context, SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
   if (settings.biDirectional) ForbidMessagesAfterHandshake(context);
   SSL_CTX_set_info_callback(&context, FollowConnection);
   SSL_CTX_set_cert_cb(&context, ChooseCertificate, nullptr);
   SSL_CTX_set_cert_verify_callback(&context, Verify, nullptr);
+  PutInForce(context);
 }
 
 void AllowNaming(CORBA::ORB_ptr orb, const OrbSettings& settings) {
