@@ -77,7 +77,7 @@ std::vector<std::string> TaoDirectives(const OrbSettings& settings) {
     directives.insert(directives.end(),
                       {R"(static Messaging_Loader "")", R"(static BiDirGIOP_Loader "")"});
     protocol = kTlsProtocol;
-    // Whoever connects and then does nothing holds a thread for these seconds.
+    // A program that connects and does not begin TLS holds a thread for these seconds.
     options = std::string("-SSLAcceptTimeout 2 -SSLAuthenticate ") +
               (settings.tls.verifyPeer ? "SERVER_AND_CLIENT" : "NONE");
   }
