@@ -14,7 +14,7 @@ namespace {
 using omni::giopAddress;
 using omni::giopAddressList;
 
-// Further addresses of a reference are ignored.
+// A reference's other addresses are ignored: a list of many thousands would take omniORB minutes.
 constexpr std::size_t kMostAddresses = 32;
 
 void Add(giopAddress* address, giopAddressList& addresses) {
@@ -27,6 +27,11 @@ void Add(giopAddress* address, giopAddressList& addresses) {
   } else {
     addresses.push_back(address);
   }
+}
+
+void EraseFrom(giopAddress** first, giopAddressList& addresses) {
+  std::for_each(first, addresses.end(), [](const giopAddress* address) { delete address; });
+  addresses.erase(first, addresses.end());
 }
 
 void AddProfile(const IIOP::ProfileBody& profile, giopAddressList& addresses) {
@@ -78,20 +83,17 @@ CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& i
   // An object that listens for TLS only has port 0 in its profile. An attempt to connect to it
   // would take a share of the time for connecting.
   RemoveAddresses(addresses, [](std::string_view address) { return address.ends_with(":0"); });
+  if (addresses.size() > kMostAddresses) EraseFrom(addresses.begin() + kMostAddresses, addresses);
   return true;
 }
 
 }  // namespace
 
 void RemoveAddresses(giopAddressList& addresses, bool (*isUnwanted)(std::string_view)) {
-  for (auto* at = addresses.begin(); at != addresses.end();) {
-    if (isUnwanted((*at)->address())) {
-      delete *at;
-      at = addresses.erase(at);
-    } else {
-      ++at;
-    }
-  }
+  EraseFrom(std::stable_partition(
+                addresses.begin(), addresses.end(),
+                [&](const giopAddress* address) { return !isUnwanted(address->address()); }),
+            addresses);
 }
 
 void InstallProfiles() {
