@@ -129,7 +129,8 @@ struct Handshake {
   void Report(const std::string& cause) {
     if (reported) return;
     reported = true;
-    const std::string line = "The TLS handshake with " + peer + " failed: " + cause;
+    const std::string line = std::string("The TLS ") + (done ? "connection" : "handshake") +
+                             " with " + peer + " failed: " + cause;
     VQ_LOG(diagModule, 1) << line;
     NoteCause(line);
   }
