@@ -43,6 +43,8 @@ std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
       {"clientCallTimeOutPeriod", std::to_string(settings.callTimeout.count())},
       // The address that answered last is tried first. Releases differ in their default.
       {"retainAddressOrder", "1"},
+      // Else a sixth call to a server waits while five are under way.
+      {"maxGIOPConnectionPerServer", "100"},
       {"giopMaxMsgSize", std::to_string(settings.maxMessageSize)},
       // Without a message before the first call that asks whether the object exists.
       {"verifyObjectExistsAndType", "0"},
