@@ -413,7 +413,10 @@ class CheckedRope : public Base {
 
   // A connection from which its caller reads.
   void Open(GIOP_C& attempt, const omni_time_t& end) {
-    attempt.strand().flags &= ~CORBA::ULong{GIOPSTRAND_BIDIR};
+    {
+      const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+      attempt.strand().flags &= ~CORBA::ULong{GIOPSTRAND_BIDIR};
+    }
     attempt.setDeadline(end);
     try {
       attempt.openConnection();
