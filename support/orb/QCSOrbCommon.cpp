@@ -58,7 +58,7 @@ void ResolvePublishedHost(vq::orb::OrbSettings& settings) {
 // lost.
 void CheckSystemLimits(bool biDirectional) {
   constexpr int kDescriptors = 6;
-  const int count = biDirectional ? 5 : 2;
+  const int count = biDirectional ? 6 : 2;
   std::vector<vq::Descriptor> descriptors;
   for (int i = 0; i < kDescriptors; ++i) {
     descriptors.emplace_back(::eventfd(0, EFD_CLOEXEC));
