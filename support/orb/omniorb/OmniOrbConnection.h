@@ -33,6 +33,8 @@
 #include <omniORB4/giopEndpoint.h>
 #include <openssl/ssl.h>
 
+#include <support/orb/FailureCause.h>
+
 namespace omni {
 class GIOP_C;
 class giopStrand;
@@ -194,7 +196,9 @@ class CheckedAddress : public omni::giopAddress {
                                       CORBA::Boolean& timedOut) const override {
     NoteAddress(*m_address);
     omni::giopActiveConnection* const opened = m_address->Connect(deadline, flags, timedOut);
-    return opened != nullptr ? new CheckedConnection(*opened) : nullptr;
+    if (opened == nullptr) return nullptr;
+    NoteCause("");  // why an address before it failed
+    return new CheckedConnection(*opened);
   }
 
  private:

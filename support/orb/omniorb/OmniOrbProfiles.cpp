@@ -8,6 +8,8 @@
 #include <omniORB4/omniIOR.h>
 #include <omniORB4/omniInterceptors.h>
 
+#include <support/orb/omniorb/OmniOrbOptions.h>
+
 namespace vq::orb {
 namespace {
 
@@ -83,7 +85,12 @@ CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& i
   // An object that listens for TLS only has port 0 in its profile. An attempt to connect to it
   // would take a share of the time for connecting.
   RemoveAddresses(addresses, [](std::string_view address) { return address.ends_with(":0"); });
-  if (addresses.size() > kMostAddresses) EraseFrom(addresses.begin() + kMostAddresses, addresses);
+  if (addresses.size() > kMostAddresses) {  // Those with TLS may be the only ones that are used.
+    std::stable_partition(addresses.begin(), addresses.end(), [](const giopAddress* address) {
+      return std::string_view(address->address()).starts_with(kTls);
+    });
+    EraseFrom(addresses.begin() + kMostAddresses, addresses);
+  }
   return true;
 }
 
