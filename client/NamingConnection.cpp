@@ -1,8 +1,10 @@
 #include <client/NamingConnection.h>
 
 #include <algorithm>
+#include <chrono>
 
 #include <client/ExitCodes.h>
+#include <support/orb/CallDeadline.h>
 #include <support/orb/ORBCommon.h>
 #include <support/orb/OrbSettings.h>
 
@@ -59,6 +61,7 @@ std::string NamingConnection::OnlyServer(SERVER_ID kind, std::string& reason) co
 std::vector<CosNaming::Binding> ListContext(CosNaming::NamingContext_ptr context) {
   constexpr CORBA::ULong kAtOnce = 500;
   constexpr std::size_t kMost = 100'000;
+  const vq::CallDeadline deadline(std::chrono::minutes(1));  // also for many small parts
   CosNaming::BindingList_var list;
   CosNaming::BindingIterator_var more;
   context->list(kAtOnce, list.out(), more.out());

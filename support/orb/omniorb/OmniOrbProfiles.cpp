@@ -16,8 +16,9 @@ namespace {
 using omni::giopAddress;
 using omni::giopAddressList;
 
-// A reference's other addresses are ignored: a list of many thousands would take omniORB minutes.
-constexpr std::size_t kMostAddresses = 32;
+// A reference's other addresses are ignored: no call makes more attempts, and a list of many
+// thousands would take omniORB minutes.
+constexpr std::size_t kMostAddresses = 16;
 
 void Add(giopAddress* address, giopAddressList& addresses) {
   if (address == nullptr) return;  // without port, or of an unknown transport
