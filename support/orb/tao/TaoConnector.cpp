@@ -2,14 +2,21 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include <ace/Event_Handler.h>
 #include <tao/IIOP_Transport.h>
+#include <tao/ORB_Core.h>
 #include <tao/Profile.h>
 #include <tao/Profile_Transport_Resolver.h>
 #include <tao/Stub.h>
+#include <tao/Thread_Lane_Resources.h>
 #include <tao/Transport.h>
+#include <tao/Transport_Descriptor_Interface.h>
+
+#include <tao/Transport_Cache_Manager.h>  // It does not include what it needs of the above.
 
 #include <support/orb/PeerSocket.h>
 #include <support/orb/tao/TaoCalls.h>
@@ -30,6 +37,36 @@ bool HasEnded(TAO_Transport& transport, int socket, bool takesCalls) {
 // The addresses that TAO tries in turn. They share the time: TAO would give all of it to the first.
 CORBA::ULong AddressCount(TAO::Profile_Transport_Resolver& resolver) {
   return resolver.profile()->endpoint_count() * resolver.stub()->base_profiles().profile_count();
+}
+
+void Discard(TAO_Transport& transport) {
+  transport.purge_entry();  // For TAO a closed one in its cache is about to connect.
+  transport.close_connection();
+  transport.remove_reference();
+}
+
+// Discards that dead connection and all others to its place that are idle. TAO looks for an idle
+// one up to the first gap, which the discarded one leaves, and would keep the dead ones behind it.
+void DiscardDead(TAO_Transport& first, TAO_Transport_Descriptor_Interface* descriptor) {
+  auto& cache = first.orb_core()->lane_resources().transport_cache();
+  std::vector<TAO_Transport*> dead{&first};
+  std::vector<TAO_Transport*> alive;
+  while (true) {
+    TAO_Transport* found = nullptr;
+    std::size_t busy = 0;
+    if (cache.find_transport(descriptor, found, busy) !=
+        TAO::Transport_Cache_Manager::CACHE_FOUND_AVAILABLE) {
+      if (found != nullptr) found->remove_reference();
+      break;
+    }
+    const int socket = found->event_handler_i()->get_handle();
+    (HasEnded(*found, socket, false) ? dead : alive).push_back(found);
+  }
+  for (TAO_Transport* const transport : alive) {
+    transport->make_idle();
+    transport->remove_reference();
+  }
+  for (TAO_Transport* const transport : dead) Discard(*transport);
 }
 
 }  // namespace
@@ -68,9 +105,8 @@ TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolv
       ++connections;
     }
     if (!HasEnded(*transport, socket, m_settings.biDirectional)) return transport;
-    transport->purge_entry();  // For TAO a closed one in its cache is about to connect.
-    transport->close_connection();
-    transport->remove_reference();
+    // With bidirectional IIOP the threads share a connection.
+    m_settings.biDirectional ? Discard(*transport) : DiscardDead(*transport, descriptor);
   }
   return nullptr;
 }
