@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <ace/Event_Handler.h>
+#include <tao/CDR.h>
 #include <tao/IIOP_Transport.h>
 #include <tao/ORB_Core.h>
 #include <tao/Profile.h>
@@ -81,6 +82,31 @@ bool Countdown::Update() const {
   m_left->msec(static_cast<long>(std::max<std::int64_t>(left.count(), 0)));
   if (left.count() <= 0) errno = ETIME;
   return left.count() > 0;
+}
+
+bool CheckedConnector::HasEmptyList(const TAO_InputCDR& profile) {
+  constexpr CORBA::ULong kTaoTags = 0x54414F00;  // "TAO" and a number
+  TAO_InputCDR stream(profile);
+  CORBA::Octet major = 0, minor = 0;
+  CORBA::UShort port = 0;
+  CORBA::ULong keySize = 0, count = 0;
+  if (!stream.read_octet(major) || !stream.read_octet(minor) || !stream.skip_string() ||
+      !stream.read_ushort(port) || !stream.read_ulong(keySize) || !stream.skip_bytes(keySize) ||
+      minor == 0 || !stream.read_ulong(count)) {
+    return false;
+  }
+  for (CORBA::ULong tag = 0, size = 0; count > 0; --count) {
+    if (!stream.read_ulong(tag) || !stream.read_ulong(size)) return false;
+    TAO_InputCDR content(stream, size);
+    CORBA::Boolean order = false;
+    CORBA::ULong elements = 1;
+    if ((tag & 0xFFFFFF00) == kTaoTags && size > 0 && content.read_boolean(order)) {
+      content.reset_byte_order(order);
+      if (content.read_ulong(elements) && elements == 0) return true;
+    }
+    if (!stream.skip_bytes(size)) return false;
+  }
+  return false;
 }
 
 TAO_Transport* CheckedConnector::connect(TAO::Profile_Transport_Resolver* resolver,

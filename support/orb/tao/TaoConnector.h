@@ -66,7 +66,7 @@ class CheckedConnector : public TAO_Connector {
     return m_connector->corbaloc_scan(reference, size);
   }
   TAO_Profile* create_profile(TAO_InputCDR& stream) override {
-    return m_connector->create_profile(stream);
+    return HasEmptyList(stream) ? nullptr : m_connector->create_profile(stream);
   }
   int check_prefix(const char* endpoint) override { return m_connector->check_prefix(endpoint); }
   char object_key_delimiter() const override { return m_connector->object_key_delimiter(); }
@@ -95,6 +95,9 @@ class CheckedConnector : public TAO_Connector {
   const OrbSettings m_settings;
 
  private:
+  // Whether a profile has an empty list of TAO's own form. TAO reads beyond one.
+  static bool HasEmptyList(const TAO_InputCDR& profile);
+
   const std::unique_ptr<TAO_Connector> m_connector;
 };
 
