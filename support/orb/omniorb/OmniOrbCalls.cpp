@@ -603,6 +603,8 @@ CORBA::Boolean LeaveForward(void* /*cookie*/, CORBA::ULong /*retries*/,
 void InstallCalls(const OrbSettings& settings) {
   ending = false;
   limits = {settings.connectTimeout, settings.tcpKeepAlive, settings.tcpUserTimeout};
+  // A host's own options may set it, and then each repetition would be a call with a new deadline.
+  omni::orbParameters::resetTimeOutOnRetries = false;
   omniORB::installTransientExceptionHandler(nullptr, RetryUnsent);
   omniORB::installCommFailureExceptionHandler(nullptr, RetryClosed);
   omniORB::installSystemExceptionHandlerExt(nullptr, LeaveForward);
