@@ -40,8 +40,8 @@ struct Session::State : std::enable_shared_from_this<State> {
   explicit State(SessionOptions given) : options(std::move(given)) {
     // As good as never, and a clock can count it.
     constexpr std::chrono::milliseconds kLongest = std::chrono::hours(100 * 365 * 24);
-    options.deadline = std::min(options.deadline, kLongest);
-    options.keepAlive = std::min(options.keepAlive, kLongest);
+    options.deadline = std::clamp(options.deadline, -kLongest, kLongest);
+    options.keepAlive = std::clamp(options.keepAlive, -kLongest, kLongest);
   }
 
   void Begin();
