@@ -60,12 +60,17 @@ bool IsAddress(const std::string& host) {
          ::inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1;
 }
 
-// The object's key, which distinguishes the objects at one address.
+// The object's key, which distinguishes the objects at one address. Profiles of unknown kinds have
+// none.
 std::string KeyOf(TAO_Stub& stub) {
-  const TAO_Profile* const profile = stub.base_profiles().get_profile(0);
-  if (profile == nullptr) return {};
-  const TAO::ObjectKey& key = profile->object_key();
-  return {reinterpret_cast<const char*>(key.get_buffer()), key.length()};
+  TAO_MProfile& profiles = stub.base_profiles();
+  for (TAO_PHandle i = 0; i < profiles.profile_count(); ++i) {
+    const TAO_Profile& profile = *profiles.get_profile(i);
+    if (profile.tag() != IOP::TAG_INTERNET_IOP) continue;
+    const TAO::ObjectKey& key = profile.object_key();
+    return {reinterpret_cast<const char*>(key.get_buffer()), key.length()};
+  }
+  return {};
 }
 
 // The addresses of the naming services without TLS. Only these may be called unencrypted. They may
