@@ -528,10 +528,12 @@ class CheckedRope : public Base {
     return isBeingRead;
   }
 
-  // False when the connection was idle and is dead, and has been discarded.
+  // False when the connection was idle and is dead, and has been discarded. The one repetition of a
+  // call needs a new connection: the server may be closing all idle ones.
   bool IsUsable(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
-    if (!strand.first_use && IsDead(strand, kTakesCalls)) {
+    const bool isNewNeeded = call.closedInOrder && !kTakesCalls;
+    if (!strand.first_use && (isNewNeeded || IsDead(strand, kTakesCalls))) {
       if constexpr (kTakesCalls) {
         AwaitOtherReplies(strand);
         EndReading(attempt);
