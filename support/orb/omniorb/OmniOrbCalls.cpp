@@ -304,10 +304,12 @@ void GuardMessages() {
   }
 }
 
-// Whether connections for such a reference take calls: only with GIOP 1.2. omniORB would share one
-// between earlier calls, whose threads read, and its own thread.
+// Whether connections for such a reference take calls: only with GIOP 1.2, which a host's options
+// may switch off. omniORB would share one between earlier calls, whose threads read, and its own
+// thread.
 bool TakesCalls(const omniIOR::IORInfo& info) {
-  return omni::orbParameters::offerBiDirectionalGIOP && info.version().minor >= 2;
+  const auto minor = std::min(info.version().minor, omni::orbParameters::maxGIOPVersion.minor);
+  return omni::orbParameters::offerBiDirectionalGIOP && minor >= 2;
 }
 
 // The connections to one server; Base is omniORB's class for them.
