@@ -29,7 +29,7 @@ Interrupt::Interrupt() {
   struct sigaction action {};
   action.sa_handler = NoteSignal;
   action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
-  for (const int signal : {SIGINT, SIGTERM}) {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     struct sigaction former {};
     sigaction(signal, nullptr, &former);
     if (former.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);

@@ -1,4 +1,4 @@
-// A wait that SIGINT and SIGTERM end.
+// A wait that SIGHUP, SIGINT and SIGTERM end.
 #ifndef VQ_CLIENT_INTERRUPT_H
 #define VQ_CLIENT_INTERRUPT_H
 
@@ -6,8 +6,8 @@
 
 namespace vqclient {
 
-// Once constructed, the first SIGINT or SIGTERM only ends WaitUntil; the second ends the process.
-// One object per process, used by one thread.
+// Once constructed, the first of these signals only ends WaitUntil; the same one again ends the
+// process. One object per process, used by one thread.
 class Interrupt {
  public:
   Interrupt();

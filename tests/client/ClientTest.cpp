@@ -446,7 +446,7 @@ TEST_F(ClientTest, ASessionEndsInOrderOnInterruptWhateverItDoes) {
     ASSERT_TRUE(
         WaitUntil([&] { return m_directory.Read("out").find("login: 1") != std::string::npos; }));
     ASSERT_TRUE(WaitUntil([&] { return !server.LastCall(awaited).is_null(); }));
-    client.Signal(SIGINT);
+    client.Signal(*interval == '1' ? SIGHUP : SIGINT);
     EXPECT_EQ(client.Wait(std::chrono::seconds(60)), 0) << m_directory.Read("err");
     EXPECT_EQ(server.Operations().back(), "CRB_Unregister");
   }

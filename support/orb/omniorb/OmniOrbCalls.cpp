@@ -607,7 +607,10 @@ CORBA::Boolean LeaveForward(void* /*cookie*/, CORBA::ULong /*retries*/,
 void InstallCalls(const OrbSettings& settings) {
   ending = false;
   limits = {settings.connectTimeout, settings.tcpKeepAlive, settings.tcpUserTimeout};
-  // A host's own options may set it, and then each repetition would be a call with a new deadline.
+  // Each of these, set by omniORB's own options, would let a call last longer: its limit, that of
+  // connecting, which extends the call's, and a new deadline for each repetition.
+  omniORB::setClientCallTimeout(static_cast<CORBA::ULong>(settings.callTimeout.count()));
+  omniORB::setClientConnectTimeout(0);
   omni::orbParameters::resetTimeOutOnRetries = false;
   omniORB::installTransientExceptionHandler(nullptr, RetryUnsent);
   omniORB::installCommFailureExceptionHandler(nullptr, RetryClosed);

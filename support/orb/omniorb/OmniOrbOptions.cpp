@@ -38,9 +38,6 @@ std::string OmniOrbEndpoint(const OrbSettings& settings) {
 
 std::vector<OmniOrbOption> OmniOrbOptions(const OrbSettings& settings) {
   std::vector<OmniOrbOption> options{
-      // omniORB's own limit for connecting would extend the call's; see OmniOrbCalls.h.
-      {"clientConnectTimeOutPeriod", "0"},
-      {"clientCallTimeOutPeriod", std::to_string(settings.callTimeout.count())},
       // The address that answered last is tried first. Releases differ in their default.
       {"retainAddressOrder", "1"},
       // Else a sixth call to a server waits while five are under way.

@@ -1,6 +1,6 @@
 // The settings as options of omniORB: a pure function, which does not need omniORB.
 //
-//   OmniOrbOptions(settings) -> {{"clientCallTimeOutPeriod", "60000"}, ...}
+//   OmniOrbOptions(settings) -> {{"giopMaxMsgSize", "268435456"}, ...}
 #ifndef VQ_SUPPORT_ORB_OMNIORB_OMNIORBOPTIONS_H
 #define VQ_SUPPORT_ORB_OMNIORB_OMNIORBOPTIONS_H
 

@@ -126,8 +126,7 @@ TEST(OmniOrbOptionsTest, Translates) {
   test::ExpectRows(
       value,
       {"endPoint -> giop:tcp::", "endPointPublish -> addr", "InitRef -> ",
-       "clientConnectTimeOutPeriod -> 0", "verifyObjectExistsAndType -> 0",
-       "clientTransportRule -> * unix,tcp,ssl,bidir",
+       "verifyObjectExistsAndType -> 0", "clientTransportRule -> * unix,tcp,ssl,bidir",
        "clientTransportRule -SSLCACertificate=ca.pem -> * ssl,tcp,bidir",
        "endPoint -ORBListenEndpoints=iiop://h:5000 -> giop:tcp:h:5000",
        "endPoint -ORBListenEndpoints=iiop://h:50/portspan=10 -> giop:tcp:h:50-59",
