@@ -1,13 +1,9 @@
 #include <support/orb/omniorb/OmniOrbConnection.h>
 
 #include <algorithm>
-#include <chrono>
-#include <condition_variable>
 #include <cstring>
 #include <limits>
-#include <map>
 #include <mutex>
-#include <set>
 #include <string_view>
 
 #include <fcntl.h>
@@ -34,6 +30,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/FailureCause.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
+#include <support/orb/omniorb/OmniOrbWatcher.h>
 
 namespace vq::orb {
 namespace {
@@ -42,165 +39,7 @@ TDiagRegister diagModule("ORB");
 
 using omni::giopConnection;
 
-// omniORB's threads watch its own connection objects; a Watcher finds the checked ones for them.
-class Watcher {
- public:
-  static void Add(giopConnection& known, CheckedConnection& connection) {
-    const std::lock_guard lock(mutex);
-    connections[&known] = &connection;
-  }
-  static void Remove(giopConnection& known) {
-    const std::lock_guard lock(mutex);
-    connections.erase(&known);
-  }
-  // The same, and waits until omniORB no longer uses the connection. No lock of omniORB is held.
-  static void RemoveAndWait(giopConnection& known) {
-    std::unique_lock lock(mutex);
-    connections.erase(&known);
-    told.wait(lock, [&] { return !telling.contains(&known); });
-  }
-
- protected:
-  // Like all data here never destroyed: omniORB's threads may run until the process ends.
-  static inline auto& mutex = *new std::mutex;
-
-  void TellTo(giopConnection::notifyReadable_t tell, void* cookie) {
-    m_tell = tell;
-    m_cookie = cookie;
-  }
-
-  // omniORB calls it without a lock, also when another thread ends the connection.
-  static void Tell(void* watcher, giopConnection* known) {
-    std::unique_lock lock(mutex);
-    const auto found = connections.find(known);
-    if (found == connections.end()) return;
-    CheckedConnection* const connection = found->second;
-    telling.insert(known);
-    lock.unlock();
-    const Watcher& self = *static_cast<Watcher*>(watcher);
-    try {
-      self.m_tell(self.m_cookie, connection);
-    } catch (...) {  // no memory
-      HasTold(known);
-      throw;
-    }
-    HasTold(known);
-  }
-
- private:
-  static void HasTold(giopConnection* known) {
-    const std::lock_guard lock(mutex);
-    telling.erase(telling.find(known));
-    told.notify_all();
-  }
-
-  static inline auto& connections = *new std::map<giopConnection*, CheckedConnection*>;
-  static inline auto& telling = *new std::multiset<giopConnection*>;
-  static inline auto& told = *new std::condition_variable;
-
-  giopConnection::notifyReadable_t m_tell = nullptr;
-  void* m_cookie = nullptr;
-};
-
-// Watches the bidirectional connections of one transport that this process opened.
-class OpenedWatcher : public Watcher, public omni::giopActiveCollection {
- public:
-  static OpenedWatcher& Of(omni::giopActiveCollection& opened) {
-    const std::lock_guard lock(mutex);
-    return watchers.try_emplace(&opened, opened).first->second;
-  }
-
-  // Returns when no thread watches any more, within a second for each transport.
-  static void StopAll() {
-    stopped = true;
-    std::vector<OpenedWatcher*> all;
-    {
-      const std::lock_guard lock(mutex);
-      for (auto& [opened, watcher] : watchers) all.push_back(&watcher);
-    }
-    for (OpenedWatcher* const watcher : all) {
-      watcher->deactivate();
-      const std::unique_lock ended(watcher->m_watching, InASecond());
-    }
-  }
-
-  explicit OpenedWatcher(omni::giopActiveCollection& opened) : m_opened(opened) {}
-
-  const char* type() const override { return m_opened.type(); }
-  // omniORB's thread asks it when Monitor has returned, and m_opened may be destroyed by then.
-  CORBA::Boolean isEmpty() const override { return stopped || m_opened.isEmpty(); }
-  void deactivate() override { m_opened.deactivate(); }
-  void Monitor(giopConnection::notifyReadable_t tell, void* cookie) override {
-    TellTo(tell, cookie);
-    const std::lock_guard watching(m_watching);
-    if (stopped) return;
-    m_opened.Monitor(Tell, static_cast<Watcher*>(this));
-  }
-
- private:
-  static inline std::atomic<bool> stopped = false;
-  static inline auto& watchers = *new std::map<omni::giopActiveCollection*, OpenedWatcher>;
-
-  omni::giopActiveCollection& m_opened;
-  std::timed_mutex m_watching;
-};
-
-// An omniORB endpoint whose connections are checked.
-class Endpoint : public Watcher, public omni::giopEndpoint {
- public:
-  explicit Endpoint(omni::giopEndpoint* endpoint) : m_endpoint(endpoint) {}
-
-  const char* type() const override { return m_endpoint->type(); }
-  const char* address() const override { return m_endpoint->address(); }
-  const omni::orbServer::EndpointList* addresses() const override {
-    return m_endpoint->addresses();
-  }
-  CORBA::Boolean publish(const omni::orbServer::PublishSpecs& specs, CORBA::Boolean allSpecs,
-                         CORBA::Boolean allEndpoints,
-                         omni::orbServer::EndpointList& published) override {
-    return m_endpoint->publish(specs, allSpecs, allEndpoints, published);
-  }
-  CORBA::Boolean Bind() override { return m_endpoint->Bind(); }
-  void Poke() override { m_endpoint->Poke(); }
-  giopConnection* AcceptAndMonitor(giopConnection::notifyReadable_t tell, void* cookie) override {
-    TellTo(tell, cookie);
-    giopConnection* const accepted =
-        m_endpoint->AcceptAndMonitor(Tell, static_cast<Watcher*>(this));
-    return accepted != nullptr ? new CheckedConnection(*accepted) : nullptr;
-  }
-  void Shutdown() override {
-    m_endpoint.release()->Shutdown();  // It deletes itself.
-    delete this;
-  }
-
- private:
-  std::unique_ptr<omni::giopEndpoint> m_endpoint;
-};
-
 std::atomic<bool> openForGuest = false;
-
-constexpr const char* kTransport = "checked";
-
-// Creates such endpoints for names that begin with kTransport.
-class Transport : public omni::giopTransportImpl {
- public:
-  Transport() : giopTransportImpl(kTransport) {}
-
-  omni::giopEndpoint* toEndpoint(const char* name) override {
-    omni::giopEndpoint* const endpoint = omni::giopEndpoint::str2Endpoint(name);
-    return endpoint != nullptr ? new Endpoint(endpoint) : nullptr;
-  }
-  omni::giopAddress* toAddress(const char* name) override {
-    return omni::giopAddress::str2Address(name);
-  }
-  CORBA::Boolean isValid(const char* name) override {
-    return omni::giopEndpoint::strIsValidEndpoint(name);
-  }
-  CORBA::Boolean addToIOR(const char* name, omni::IORPublish* published) override {
-    return omni::giopEndpoint::addToIOR(name, published);
-  }
-  const omnivector<const char*>* getInterfaceAddress() override { return nullptr; }
-};
 
 SSL* TlsOf(giopConnection& connection) {
   const auto* const tls = dynamic_cast<omni::sslConnection*>(&connection);
@@ -257,10 +96,6 @@ bool IsDeleted(omni::giopStrand& strand) {
 
 }  // namespace
 
-void StopWatching() {
-  OpenedWatcher::StopAll();
-}
-
 std::uint32_t RequestIdOf(const omni::giopStream& call) {
   struct Access : omni::GIOP_C {  // It is protected.
     static std::uint32_t Of(const omni::giopStream& stream) {
@@ -275,11 +110,6 @@ void NoteAddress(const omni::giopAddress& address) {
   const std::string_view text = address.address();
   if (text.starts_with(kTcp) || text.starts_with(kTls))
     NotePeer(text.substr(std::string_view(kTcp).size()));
-}
-
-std::string CheckedEndpoint(const std::string& endpoint) {
-  static auto* const transport = new Transport;  // registered with omniORB for good
-  return std::string(transport->type) + ":" + endpoint;
 }
 
 CheckedConnection::CheckedConnection(omni::giopActiveConnection& opened)
@@ -319,7 +149,7 @@ void CheckedConnection::OpenForGuest(bool hasGuest) {
 
 omni::giopActiveCollection* CheckedConnection::registerMonitor() {
   Watcher::Add(m_connection, *this);
-  return &OpenedWatcher::Of(*m_opened->registerMonitor());
+  return &WatcherOfOpened(*m_opened->registerMonitor());
 }
 
 // When it ends, omniORB sends CloseConnection to each peer in turn, and would wait for one that

@@ -6,8 +6,7 @@
 // messages are buffered without limit, a reply is lost when the connection ends right behind it,
 // the caller does not learn that the server closed the connection in order, and two threads use
 // OpenSSL at a time. omniORB 4.3 checks the sizes and locks OpenSSL itself. Tried with
-// omniORB 4.2.5 and 4.3.3. Its source has more than 500 lines, since all of it guards one stream of
-// messages.
+// omniORB 4.2.5 and 4.3.3.
 //
 //   pd_addresses[i] = new CheckedAddress(pd_addresses[i]);  // of a rope
 //
@@ -151,14 +150,6 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   std::map<std::uint32_t, bool> m_replies;  // to calls in progress, and whether they are whole
 };
 
-// ThreadSanitizer knows locks with a limit by the system's clock only.
-inline std::chrono::system_clock::time_point InASecond() {
-  return std::chrono::system_clock::now() + std::chrono::seconds(1);
-}
-
-// Ends the threads that wait for calls over own connections. For the end of the process.
-void StopWatching();
-
 // Whether one of a connection's calls, its `clients` or `servers`, meets the condition. omniORB's
 // lock is held.
 template <class Call, class List, class Condition>
@@ -174,9 +165,6 @@ std::uint32_t RequestIdOf(const omni::giopStream& call);
 
 // Notes it for the cause if the calling thread's call fails.
 void NoteAddress(const omni::giopAddress& address);
-
-// The name of an endpoint that accepts checked connections at one of omniORB's ("giop:tcp::").
-std::string CheckedEndpoint(const std::string& endpoint);
 
 // An address whose connections are checked.
 class CheckedAddress : public omni::giopAddress {

@@ -20,6 +20,7 @@
 // clang-format on
 
 #include <support/orb/omniorb/OmniOrbConnection.h>
+#include <support/orb/omniorb/OmniOrbEndpoint.h>
 
 namespace vq::orb {
 namespace {

@@ -16,7 +16,7 @@
 #include <support/orb/CorbaText.h>
 #include <support/orb/omniorb/OmniOrbCalls.h>
 #include <support/orb/omniorb/OmniOrbCodeSet.h>
-#include <support/orb/omniorb/OmniOrbConnection.h>
+#include <support/orb/omniorb/OmniOrbEndpoint.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
