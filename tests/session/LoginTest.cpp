@@ -1,5 +1,6 @@
 // Logins at a server through a naming service, and the results of logins that are refused or fail.
 
+#include <tests/fixture/Product.h>
 #include <tests/fixture/SessionFixture.h>
 
 #include <vq_client_common/session/ConnectionSettings.h>
@@ -191,6 +192,13 @@ TEST_F(LoginTest, ReportsTheCause) {
   EXPECT_EQ(Login(), 55);
   EXPECT_TRUE(m_message.ends_with(
       "[Edit and save the file. Restart the application to apply the new settings].\t"));
+  if (!ThisProduct().manyOrbs) {
+    int count = 0;
+    const CORBA::ORB_var other = CORBA::ORB_init(count, nullptr);
+    EXPECT_EQ(Login(), 55);
+    EXPECT_TRUE(GL_GetFailureCause().starts_with("other code of this process has started omniORB"));
+    other->destroy();
+  }
 }
 
 }  // namespace

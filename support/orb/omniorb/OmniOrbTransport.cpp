@@ -4,12 +4,14 @@
 #include <atomic>
 #include <cstdlib>
 #include <memory>
+#include <stdexcept>
 #include <string_view>
 
 #include <sys/auxv.h>
 #include <unistd.h>
 
 #include <omniORB4/minorCode.h>
+#include <omniORB4/omniInterceptors.h>
 #include <omniORB4/omniORB.h>
 
 #include <support/diagnostics/TDiag.h>
@@ -63,6 +65,15 @@ void ForgetVariables() {
     }
   }
   for (const std::string& name : names) ::unsetenv(name.c_str());
+}
+
+// omniORB has one ORB for the process, with the settings of the code that starts it.
+bool IsRunning() {
+  try {
+    return omniORB::getInterceptors() != nullptr;
+  } catch (const CORBA::INITIALIZE&) {
+    return false;
+  }
 }
 
 // omniORB keeps the lists of a start that failed, such as its endpoints, until an ORB ends.
@@ -147,6 +158,10 @@ void OmniOrbTransport::OfferAsLastUser() const {
 
 CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
                                             const std::vector<std::string>& arguments) {
+  if (IsRunning()) {
+    throw std::invalid_argument("other code of this process has started omniORB, whose settings "
+                                "would apply; log in first");
+  }
   omniORB::setLogFunction(LogLine);
   Trace(omniORB::traceLevel, diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff);
   std::vector<OmniOrbOption> options = OmniOrbOptions(settings);
