@@ -195,6 +195,21 @@ OrbSettings ResolveSettings(const OrbArguments& arguments,
   return settings;
 }
 
+const ResolvedSetting* FindOther(const OrbArguments& arguments,
+                                 const std::vector<ResolvedSetting>& inForce) {
+  const OrbSettings wanted = ResolveSettings(arguments, {});
+  for (std::size_t i = 0; i < inForce.size(); ++i) {
+    const ResolvedSetting& setting = inForce[i];
+    const auto has = [&](const std::string& reference) {
+      return (" " + setting.value + " ").find(" " + reference + " ") != std::string::npos;
+    };
+    const bool isInForce = setting.name == kInitRef ? std::ranges::all_of(wanted.initialRefs, has)
+                                                    : wanted.table[i].value == setting.value;
+    if (arguments.options.contains(setting.name) && !isInForce) return &setting;
+  }
+  return nullptr;
+}
+
 std::vector<std::string> NamingReferences(const OrbSettings& settings) {
   constexpr std::string_view kName = "NameService=";
   constexpr std::string_view kScheme = "corbaloc:";

@@ -120,6 +120,11 @@ bool ReadDomainScopes(const std::string& scope, DomainScopes& domain);
 // std::invalid_argument with a text that names the setting, the value and the form.
 OrbSettings ResolveSettings(const OrbArguments& arguments, const std::vector<SettingScope>& scopes);
 
+// The first of the settings in force that the arguments give with another value; null without one.
+// Raises as ResolveSettings.
+const ResolvedSetting* FindOther(const OrbArguments& arguments,
+                                 const std::vector<ResolvedSetting>& inForce);
+
 // The references of the naming service: that of the initial reference NameService, or, where it is
 // a corbaloc with several addresses, one for each of them. Empty when there is none.
 std::vector<std::string> NamingReferences(const OrbSettings& settings);

@@ -98,6 +98,13 @@ TEST_F(TlsTest, RefusesEachBadCertificate) {
   m_orbArguments = {"-SSLCACertificate", m_caFile, "-SSLVerifyPeer", "0"};
   ExpectLogin(m_authority.Issue({.fromDays = -20, .toDays = -10}), 1);
   EXPECT_TRUE(m_log.Has(1, "TLS certificates are not verified"));
+  m_orbArguments = {};
+  StartServer();
+  EXPECT_EQ(Login(), 1);
+  GL_LogOut(false);
+  m_orbArguments = {"-SSLCACertificate", m_caFile};
+  EXPECT_EQ(Login(), 55) << "the ORB that is up has no TLS";
+  EXPECT_TRUE(GL_GetFailureCause().starts_with("-SSLCACertificate is '' in the ORB that is up"));
 }
 
 // Both peers present certificates, and the server calls back over a new TLS connection.

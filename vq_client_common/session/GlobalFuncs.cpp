@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <map>
+#include <stdexcept>
 #include <utility>
 
 #include <support/diagnostics/TDiag.h>
@@ -9,6 +11,7 @@
 #include <support/orb/CorbaText.h>
 #include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
+#include <support/orb/OrbSettings.h>
 #include <vq_client_common/environment/ClientProperties.h>
 #include <vq_client_common/session/ConnectionSettings.h>
 #include <vq_client_common/session/LoginExceptions.h>
@@ -44,6 +47,22 @@ void TestCallbackIfAsked(const TDiagFunc& diag) {
   VQ_LOG(diag, 4) << "ENABLE_TEST_CALLBACK environment variable is set : starting test callback";
   if (!vq::session::TestSessionCallback()) troubleshooter(troubleshooterData);
   VQ_LOG(diag, 4) << "ENABLE_TEST_CALLBACK environment variable is set : test callback ended";
+}
+
+// An ORB that is up keeps its settings, and a login that requires TLS could be unencrypted.
+bool HasTlsOf(int argc, char** argv, const QCSOrbCommon& orb) {
+  try {
+    vq::orb::OrbArguments given = vq::orb::SplitArguments(argc, argv);
+    std::erase_if(given.options, [](const auto& one) { return !one.first.starts_with("-SSL"); });
+    if (given.options.empty()) return true;
+    const vq::orb::ResolvedSetting* const other = vq::orb::FindOther(given, orb.GetSettings());
+    if (other == nullptr) return true;
+    vq::orb::NoteCause(other->name + " is '" + other->value +
+                       "' in the ORB that is up; end it with GL_LogOut(true) before the login");
+  } catch (const std::invalid_argument& e) {
+    vq::orb::NoteCause(e.what());
+  }
+  return false;
 }
 
 }  // namespace
@@ -84,7 +103,7 @@ std::string GL_GetFailureCause() {
 bool GL_InitializeCORBA(int argc, char** argv) {
   const TDiagFunc diag(diagModule, "GL_InitializeCORBA");
   auto* const orb = ORBCommon<1>::Get();
-  if (orb->IsInitialized()) return true;
+  if (orb->IsInitialized()) return HasTlsOf(argc, argv, *orb);
   const std::string name = ConnectionSettings::Get()->GetClientIDAsString();
   if (ConnectionSettings::Get()->isPureClient()) {
     orb->InitCorba4Client(argc, argv, name.c_str());

@@ -37,7 +37,8 @@
 //
 // `server`: the server's name in the naming service. `timeOut`: seconds without a keep-alive after
 // which the server ends the session. `argc` and `argv`: the command line, whose -ORB options are
-// read unless the ORB is up already; `argv` may be null when `argc` is 0.
+// read unless the ORB is up already; the login then fails if they give other values of the -SSL
+// options. `argv` may be null when `argc` is 0.
 //
 // `message` receives the text for the user. It is unchanged, with the code 0, when the host or the
 // account has no name, when the server gives no challenge for the password (CRB_AquireChallenge),
@@ -58,7 +59,7 @@ VQ_CLIENT_COMMON_API int GL_Login(const std::string& user, const std::string& pa
 VQ_CLIENT_COMMON_API std::string GL_GetFailureCause();
 
 // Starts the session's ORB unless it is up. GL_Login does so, too; a client may do it earlier. True
-// when the ORB is up. Call ConnectionSettings::SetClientID before: the ORB gets its name and kind
+// when the ORB is up, with the -SSL options of `argv` if it has any. Call ConnectionSettings::SetClientID before: the ORB gets its name and kind
 // from the client ID, and without one it is that of a pure client without a name.
 VQ_CLIENT_COMMON_API bool GL_InitializeCORBA(int argc, char** argv);
 

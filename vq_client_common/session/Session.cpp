@@ -199,29 +199,17 @@ void Session::State::RefuseOtherSettings() const {
   const std::vector<std::string> words = Arguments();
   std::vector<const char*> pointers;
   for (const std::string& word : words) pointers.push_back(word.c_str());
-  orb::OrbArguments given;
-  orb::OrbSettings wanted;
+  const orb::ResolvedSetting* other = nullptr;
   try {
-    given = orb::SplitArguments(static_cast<int>(pointers.size()), pointers.data());
-    wanted = orb::ResolveSettings(given, {});
+    other = orb::FindOther(orb::SplitArguments(static_cast<int>(pointers.size()), pointers.data()),
+                           ORBCommon<1>::Get()->GetSettings());
   } catch (const std::invalid_argument& e) {
     throw LoginError(LoginResult::kFailed, "The login failed.", e.what());
   }
-  const std::vector<orb::ResolvedSetting>& inForce = ORBCommon<1>::Get()->GetSettings();
-  const auto isInForce = [&](const orb::ResolvedSetting& setting, const std::string& value) {
-    const auto has = [&](const std::string& ref) {
-      return (" " + value + " ").find(" " + ref + " ") != std::string::npos;
-    };
-    return setting.name == orb::kInitRef ? std::ranges::all_of(wanted.initialRefs, has)
-                                         : setting.value == value;
-  };
-  for (std::size_t i = 0; i < inForce.size(); ++i) {
-    const auto& [name, value, origin] = inForce[i];
-    if (!given.options.contains(name) || isInForce(wanted.table[i], value)) continue;
-    throw LoginError(
-        LoginResult::kFailed, "The ORB of this process has other settings.",
-        name + " is '" + value + "' there; end it with GL_LogOut(true) before this session begins");
-  }
+  if (other == nullptr) return;
+  throw LoginError(LoginResult::kFailed, "The ORB of this process has other settings.",
+                   other->name + " is '" + other->value +
+                       "' there; end it with GL_LogOut(true) before this session begins");
 }
 
 int Session::State::CallLogin(std::string& text) {
