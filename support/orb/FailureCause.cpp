@@ -19,13 +19,13 @@ namespace {
 
 thread_local ThreadText<2000> noted;
 thread_local ThreadText<300> peer;
+thread_local auto callEnd = CallDeadline::Clock::time_point::max();
 
 constexpr std::chrono::milliseconds kProbeLimit{1000};
 
 std::chrono::milliseconds ProbeLimit() {
-  const auto end = CallDeadline::Current();
-  if (!end) return kProbeLimit;
-  const auto left = *end - CallDeadline::Clock::now();
+  const auto end = std::min(CallDeadline::Current().value_or(callEnd), callEnd);
+  const auto left = end - CallDeadline::Clock::now();
   return std::min(kProbeLimit, std::chrono::floor<std::chrono::milliseconds>(left));
 }
 
@@ -80,8 +80,13 @@ void NotePeer(std::string_view address) noexcept {
   peer = address;
 }
 
+void NoteCallEnd(CallDeadline::Clock::time_point end) noexcept {
+  callEnd = end;
+}
+
 void BeginCall() {
   peer = "";
+  callEnd = CallDeadline::Clock::time_point::max();
   const auto end = CallDeadline::Current();
   if (!end || CallDeadline::Clock::now() < *end) {
     noted = "";

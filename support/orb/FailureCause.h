@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+#include <support/orb/CallDeadline.h>
 #include <support/orb/Corba.h>
 
 namespace vq::orb {
@@ -33,10 +34,13 @@ std::string TakeCause() noexcept;
 // need not be the first one of the call's reference.
 void NotePeer(std::string_view address) noexcept;
 
+// Keeps until when the calling thread's call may last, for NoteFailedCall.
+void NoteCallEnd(CallDeadline::Clock::time_point end) noexcept;
+
 // Finds out why a remote call failed and notes that. Does nothing when a cause has been noted since
 // the call began, which is more precise. Where no connection came about it looks the host up and
-// tries to connect once, for a second at most and within the thread's deadline; `target` may be
-// nil. Without a better cause, the exception's own text is noted.
+// tries to connect once, for a second at most and within the time of the call; `target` may be nil.
+// Without a better cause, the exception's own text is noted.
 void NoteFailedCall(const CORBA::Exception& exception, CORBA::Object_ptr target) noexcept;
 
 }  // namespace vq::orb

@@ -29,6 +29,7 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/CallDeadline.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/PeerSocket.h>
 #include <support/orb/omniorb/OmniOrbConnection.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
@@ -127,6 +128,7 @@ void Begin(omniCallDescriptor& descriptor) {
     if (!call.end || scopeEnd < call.end) call.end = scopeEnd;
   }
   descriptor.setDeadline(call.end);
+  NoteCallEnd(CallDeadline::Clock::now() + Until(call.end));
 }
 
 bool IsTls(const giopStrand& strand) {
@@ -251,9 +253,13 @@ class CheckedRope : public Base {
     if (call.descriptor != descriptor || !(call.end == descriptor->getDeadline())) {
       Begin(*descriptor);
     }
-    if (call.refusal != 0) Fail(call.refusal, CORBA::COMPLETED_MAYBE);
-    call.repeat = false;
     omni_time_t now = Now();
+    if (call.refusal != 0) {
+      // A handler of the program's own may repeat the failed call.
+      if (call.end <= now) call.refusal = omni::TRANSIENT_CallTimedout;
+      Fail(call.refusal, CORBA::COMPLETED_MAYBE);
+    }
+    call.repeat = false;
     const omni_time_t connectEnd = std::min(call.end, now + ToOmni(limits.connect));
     for (std::size_t tried = 0;; now = Now()) {
       if (call.end <= now) Fail(omni::TRANSIENT_CallTimedout, CORBA::COMPLETED_NO);
@@ -510,6 +516,13 @@ CORBA::Boolean RetryClosed(void* /*cookie*/, CORBA::ULong /*retries*/,
   return call.descriptor != nullptr && call.refusal == 0 && std::exchange(call.repeat, false);
 }
 
+// Instead of a handler of the program's own, which would have the call sent again, with a new
+// deadline.
+CORBA::Boolean NeverRetry(void* /*cookie*/, CORBA::ULong /*retries*/,
+                          const CORBA::TIMEOUT& /*exception*/) {
+  return false;
+}
+
 // When another product answers at the place of a forward that the object does not exist,
 // omniORB 4.3 stays with that place. The server that forwarded is asked anew the next time.
 CORBA::Boolean LeaveForward(void* /*cookie*/, CORBA::ULong /*retries*/,
@@ -534,6 +547,7 @@ void InstallCalls(const OrbSettings& settings) {
   omni::orbParameters::resetTimeOutOnRetries = false;
   omniORB::installTransientExceptionHandler(nullptr, RetryUnsent);
   omniORB::installCommFailureExceptionHandler(nullptr, RetryClosed);
+  omniORB::installTimeoutExceptionHandler(nullptr, NeverRetry);
   omniORB::installSystemExceptionHandlerExt(nullptr, LeaveForward);
   omniInterceptors& interceptors = *omniORB::getInterceptors();
   interceptors.createRope.add(MakeRope);

@@ -159,8 +159,9 @@ void OmniOrbTransport::OfferAsLastUser() const {
 CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
                                             const std::vector<std::string>& arguments) {
   if (IsRunning()) {
-    throw std::invalid_argument("other code of this process has started omniORB, whose settings "
-                                "would apply; log in first");
+    throw std::invalid_argument(
+        "other code of this process has started omniORB, whose settings "
+        "would apply; log in first");
   }
   omniORB::setLogFunction(LogLine);
   Trace(omniORB::traceLevel, diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff);

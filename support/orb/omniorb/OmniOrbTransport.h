@@ -39,7 +39,8 @@ class OmniOrbTransport {
   // Adds a user, identified by `user`, and starts the ORB for the first one. Until the user's
   // Release or the next Acquire, these settings decide whether new references offer bidirectional
   // IIOP; earlier references keep their own connections. Raises CORBA::SystemException, and
-  // std::invalid_argument as PrepareTls or while an ORB of other code is up. The result is borrowed.
+  // std::invalid_argument as PrepareTls or while an ORB of other code is up. The result is
+  // borrowed.
   CORBA::ORB_ptr Acquire(const void* user, const OrbSettings& settings,
                          const std::vector<std::string>& arguments);
 

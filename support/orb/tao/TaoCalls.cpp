@@ -31,6 +31,7 @@
 #include <tao/default_client.h>
 
 #include <support/orb/CallDeadline.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/ThreadText.h>
 #include <support/orb/Tls.h>
 #include <support/orb/tao/TaoConnector.h>
@@ -91,6 +92,7 @@ void Begin(TAO_ORB_Core*, TAO_Stub* stub, bool& isLimited, ACE_Time_Value& time)
   isLimited = limit.has_value();
   if (!isLimited) return;
   call.end = *limit < Clock::time_point::max() - now ? now + *limit : Clock::time_point::max();
+  NoteCallEnd(call.end);
   const auto seconds = std::chrono::floor<std::chrono::seconds>(*limit);
   const auto rest = std::chrono::ceil<std::chrono::microseconds>(*limit - seconds);
   time.set(seconds.count(), static_cast<suseconds_t>(rest.count()));
