@@ -59,8 +59,9 @@ VQ_CLIENT_COMMON_API int GL_Login(const std::string& user, const std::string& pa
 VQ_CLIENT_COMMON_API std::string GL_GetFailureCause();
 
 // Starts the session's ORB unless it is up. GL_Login does so, too; a client may do it earlier. True
-// when the ORB is up, with the -SSL options of `argv` if it has any. Call ConnectionSettings::SetClientID before: the ORB gets its name and kind
-// from the client ID, and without one it is that of a pure client without a name.
+// when the ORB is up, with the -SSL options of `argv` if it has any. Call
+// ConnectionSettings::SetClientID before: the ORB gets its name and kind from the client ID, and
+// without one it is that of a pure client without a name.
 VQ_CLIENT_COMMON_API bool GL_InitializeCORBA(int argc, char** argv);
 
 // Completes a login that returned 1 or 50: loads the authorizations, sends the session's time-out

@@ -226,6 +226,17 @@ CORBA::Boolean KeepCodeSet(omniInterceptors::serverReceiveRequest_T::info_T& inf
   return true;
 }
 
+// The client's POA may let a call of the server wait, such as while its manager holds requests.
+// omniORB holds the lock for reading meanwhile, for which a caller would wait at its end. A request
+// that has arrived whole no longer needs it.
+CORBA::Boolean EndReadingRequest(omniInterceptors::serverReceiveRequest_T::info_T& info) {
+  giopStrand& strand = info.giop_s.strand();
+  if (!strand.isClient() || !CheckedConnection::Of(strand).IsBetweenMessages()) return true;
+  const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+  info.giop_s.rdUnLock();
+  return true;
+}
+
 // Whether connections for such a reference take calls: only with GIOP 1.2, which a host's options
 // may switch off. omniORB would share one between earlier calls, whose threads read, and its own
 // thread.
@@ -396,14 +407,17 @@ class CheckedRope : public Base {
   }
 
   // Ends the reading by the ORB's thread, which may still add to the reply: that is deleted with
-  // the attempt.
+  // the attempt. A thread whose servant's POA lets a part of a call wait reads on.
   void EndReading(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
     if (strand.connection == nullptr || !strand.isBiDir()) return;
     ::shutdown(CheckedConnection::Of(strand).Socket(), SHUT_RDWR);
     EndWriting(attempt);
     constexpr int kMost = 100;  // milliseconds for the replies to other threads that have arrived
-    for (int i = 0; IsBeingRead(strand, i >= kMost); ++i) omni_thread::sleep(0, 1'000'000);
+    constexpr int kLongest = 300;
+    for (int i = 0; IsBeingRead(strand, i >= kMost) && i < kLongest; ++i) {
+      omni_thread::sleep(0, 1'000'000);
+    }
     DropUnfinished(strand);
   }
 
@@ -425,7 +439,12 @@ class CheckedRope : public Base {
     const bool isDying = strand.state() == giopStrand::DYING;
     const bool isAlone = strand.clients.next == strand.clients.prev;
     if (isDying || isAlone) {
-      attempt.cleanup();
+      if (isDying && strand.rd_nwaiting < 0) {  // A thread may still add to the reply.
+        attempt.state(omni::IOP_C::UnUsed);
+        attempt.calldescriptor(nullptr);
+      } else {
+        attempt.cleanup();
+      }
       if (isDying ? !IsInUse(strand) : !strand.biDir_has_callbacks) strand.startIdleCounter();
       this->pd_cond.signal();
     } else {
@@ -554,6 +573,7 @@ void InstallCalls(const OrbSettings& settings) {
   interceptors.clientOpenConnection.add(WatchConnection);
   interceptors.clientReceiveReply.add(CheckReply);
   interceptors.serverReceiveRequest.add(KeepCodeSet);
+  interceptors.serverReceiveRequest.add(EndReadingRequest);
   GuardMessages();
 }
 
