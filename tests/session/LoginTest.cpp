@@ -101,6 +101,11 @@ TEST_F(LoginTest, KeepsTheReferenceUntilLogout) {
   EXPECT_FALSE(LoginHandler::GetGlobal()->IsConnected());
   ASSERT_EQ(Login("alice", "secret", "other"), 1);
   EXPECT_EQ(other.Operations().back(), "CRB_Register");
+  GL_LogOut(false);
+  EXPECT_EQ(Login("alice", "wrong", "other"), 0);
+  server.ForgetCalls();
+  const Session session(Options());
+  EXPECT_FALSE(server.Operations().empty()) << "a Session goes to its server after any failure";
 }
 
 TEST_F(LoginTest, BindsEachServerKindOnItsOwn) {

@@ -160,6 +160,7 @@ void Session::State::Begin() {
 void Session::State::LogIn() {
   startedOrb = !ORBCommon<1>::Get()->IsInitialized();
   if (!startedOrb) RefuseOtherSettings();
+  GL_LogOut(false);  // forgets the server of a GL_Login that failed
   std::string text;
   result = static_cast<LoginResult>(CallLogin(text));
   SetMessage(text);
