@@ -17,6 +17,7 @@
 #include <support/foundations/NoSignals.h>
 #include <support/orb/CallDeadline.h>
 #include <support/orb/CorbaText.h>
+#include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
 #include <support/orb/OrbSettings.h>
 #include <support/os_toolkit/Atoi.h>
@@ -160,7 +161,7 @@ void Session::State::Begin() {
 void Session::State::LogIn() {
   startedOrb = !ORBCommon<1>::Get()->IsInitialized();
   if (!startedOrb) RefuseOtherSettings();
-  GL_LogOut(false);  // forgets the server of a GL_Login that failed
+  CorbaServerPackManager::Get()->Reset();  // A GL_Login that failed keeps its server.
   std::string text;
   result = static_cast<LoginResult>(CallLogin(text));
   SetMessage(text);
@@ -301,6 +302,7 @@ LoginResult Session::State::Renew() {
   SetMessage(text);
   if (IsLoggedIn(answer)) {
     if (!lost && !silent) EndSession(before);
+    orb::TakeCause();  // of steps whose failure does not matter
     SetAlive();
   } else {  // The session before may still exist, for the logout.
     ConnectionSettings::Get()->SetUserID(before);

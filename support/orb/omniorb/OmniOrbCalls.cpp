@@ -54,6 +54,7 @@ constexpr int kMostConnections = 16;
 
 // Written before the ORB starts, read by calls.
 struct Limits {
+  std::chrono::milliseconds call{0};
   std::chrono::milliseconds connect{0};
   std::chrono::milliseconds keepAlive{0};
   std::chrono::milliseconds unacknowledged{0};
@@ -123,9 +124,11 @@ void Begin(omniCallDescriptor& descriptor) {
   call = Call();
   call.descriptor = &descriptor;
   call.end = descriptor.getDeadline();
+  // The program may have asked omniORB for calls without a limit.
+  if (!call.end) call.end = Now() + ToOmni(limits.call);
   if (const auto scope = CallDeadline::Current()) {
     const omni_time_t scopeEnd = Now() + ToOmni(*scope - CallDeadline::Clock::now());
-    if (!call.end || scopeEnd < call.end) call.end = scopeEnd;
+    call.end = std::min(call.end, scopeEnd);
   }
   descriptor.setDeadline(call.end);
   NoteCallEnd(CallDeadline::Clock::now() + Until(call.end));
@@ -519,27 +522,35 @@ CORBA::Boolean MakeRope(omniInterceptors::createRope_T::info_T& info) {
   return true;
 }
 
+// What a handler of omniORB returns: whether the failed call is repeated. Otherwise it is over, and
+// the thread's next call may look the same.
+bool Repeats(bool again) {
+  if (!again) call.descriptor = nullptr;
+  return again;
+}
+
 // The place that an earlier call was forwarded to cannot be reached. Nothing was sent, so the
 // server that forwarded is asked anew.
 CORBA::Boolean RetryUnsent(void* /*cookie*/, CORBA::ULong /*retries*/,
                            const CORBA::TRANSIENT& exception) {
   DisableNewReferences();
-  return exception.minor() == omni::TRANSIENT_FailedOnForwarded &&
-         exception.completed() == CORBA::COMPLETED_NO && call.descriptor != nullptr &&
-         call.refusal == 0 && !call.forwarded && !std::exchange(call.reverted, true);
+  return Repeats(exception.minor() == omni::TRANSIENT_FailedOnForwarded &&
+                 exception.completed() == CORBA::COMPLETED_NO && call.descriptor != nullptr &&
+                 call.refusal == 0 && !call.forwarded && !std::exchange(call.reverted, true));
 }
 
 // For a call whose server closed in order. Where omniORB has seen that, it repeats the call itself.
 CORBA::Boolean RetryClosed(void* /*cookie*/, CORBA::ULong /*retries*/,
                            const CORBA::COMM_FAILURE& /*exception*/) {
-  return call.descriptor != nullptr && call.refusal == 0 && std::exchange(call.repeat, false);
+  return Repeats(call.descriptor != nullptr && call.refusal == 0 &&
+                 std::exchange(call.repeat, false));
 }
 
 // Instead of a handler of the program's own, which would have the call sent again, with a new
 // deadline.
 CORBA::Boolean NeverRetry(void* /*cookie*/, CORBA::ULong /*retries*/,
                           const CORBA::TIMEOUT& /*exception*/) {
-  return false;
+  return Repeats(false);
 }
 
 // When another product answers at the place of a forward that the object does not exist,
@@ -551,14 +562,15 @@ CORBA::Boolean LeaveForward(void* /*cookie*/, CORBA::ULong /*retries*/,
     omni::revertToOriginalProfile(object->_PR_getobj());
     DisableNewReferences();
   }
-  return false;
+  return Repeats(false);
 }
 
 }  // namespace
 
 void InstallCalls(const OrbSettings& settings) {
   ending = false;
-  limits = {settings.connectTimeout, settings.tcpKeepAlive, settings.tcpUserTimeout};
+  limits = {settings.callTimeout, settings.connectTimeout, settings.tcpKeepAlive,
+            settings.tcpUserTimeout};
   // Each of these, set by omniORB's own options, would let a call last longer: its limit, that of
   // connecting, which extends the call's, and a new deadline for each repetition.
   omniORB::setClientCallTimeout(static_cast<CORBA::ULong>(settings.callTimeout.count()));

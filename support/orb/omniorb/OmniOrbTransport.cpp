@@ -158,7 +158,7 @@ void OmniOrbTransport::OfferAsLastUser() const {
 
 CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
                                             const std::vector<std::string>& arguments) {
-  if (IsRunning()) {
+  if (!m_failed && IsRunning()) {
     throw std::invalid_argument(
         "other code of this process has started omniORB, whose settings "
         "would apply; log in first");
@@ -171,6 +171,7 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
     if (name == "endPoint") endpoint = value = CheckedEndpoint(value);
   }
   InstallCodeSet();
+  m_failed = true;
   CORBA::ORB_var orb = InitOmniOrb(settings, options, arguments);
   OpenOnly(endpoint);
   Trace(omniORB::traceLevel, std::min(omniORB::traceLevel, kTraceOn));  // omniORB's own settings
@@ -181,6 +182,7 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
   InstallProfiles();
   OmniOrbGuest::Install();
   GuardTls(orb.in(), settings);
+  m_failed = false;
   return orb._retn();
 }
 

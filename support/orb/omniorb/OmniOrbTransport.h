@@ -69,8 +69,7 @@ class OmniOrbTransport {
   };
 
   OmniOrbTransport() = default;
-  static CORBA::ORB_ptr Initialise(const OrbSettings& settings,
-                                   const std::vector<std::string>& arguments);
+  CORBA::ORB_ptr Initialise(const OrbSettings& settings, const std::vector<std::string>& arguments);
   static void LeaveAtExit();
   void OfferAsLastUser() const;
   void FinishEnding();
@@ -81,7 +80,8 @@ class OmniOrbTransport {
   std::vector<User> m_users;
   int m_listeners = 0;
   bool m_ending = false;
-  pid_t m_process = 0;  // that started the ORB
+  bool m_failed = false;  // a start; omniORB may seem to run since
+  pid_t m_process = 0;    // that started the ORB
 };
 
 }  // namespace vq::orb
