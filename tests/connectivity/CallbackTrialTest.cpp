@@ -188,6 +188,17 @@ TEST_F(CallbackTrialTest, TriesManyInARow) {
   }
 }
 
+TEST_F(CallbackTrialTest, EndsWhileThePoaHoldsRequests) {
+  StartServer();
+  ASSERT_EQ(LogIn({"-BiDirPolicy", "1", "-ORBCallTimeout", "1000"}), 1);
+  const PortableServer::POAManager_var manager =
+      ORBCommon<1>::Get()->GetChildPoa()->the_POAManager();
+  manager->hold_requests(false);
+  EXPECT_FALSE(TrySession(5000));
+  manager->activate();
+  EXPECT_EQ(GL_ClientKeepAlive(), 1);
+}
+
 TEST_F(CallbackTrialTest, ReachesAnAddressWithoutBidirectionalOnTheServer) {
   StartServer({.arguments = {"--no-bidir"}});
   ASSERT_EQ(Login(), 1);
