@@ -410,7 +410,8 @@ class CheckedRope : public Base {
   }
 
   // Ends the reading by the ORB's thread, which may still add to the reply: that is deleted with
-  // the attempt. A thread whose servant's POA lets a part of a call wait reads on.
+  // the attempt. A thread that waits in a POA, with a call of which a part is still to be read, is
+  // not awaited for longer than this; the attempt is then kept as long as the connection.
   void EndReading(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
     if (strand.connection == nullptr || !strand.isBiDir()) return;
@@ -442,7 +443,7 @@ class CheckedRope : public Base {
     const bool isDying = strand.state() == giopStrand::DYING;
     const bool isAlone = strand.clients.next == strand.clients.prev;
     if (isDying || isAlone) {
-      if (isDying && strand.rd_nwaiting < 0) {  // A thread may still add to the reply.
+      if (isDying && strand.rd_nwaiting < 0) {  // It is kept: a thread may still add to the reply.
         attempt.state(omni::IOP_C::UnUsed);
         attempt.calldescriptor(nullptr);
       } else {
