@@ -128,6 +128,9 @@ OrbArguments SplitArguments(int argc, const char* const* argv) {
   for (int i = 0; argv != nullptr && i < argc && argv[i] != nullptr; ++i) {
     const std::string argument = argv[i];
     if (std::ranges::find(kKnown, argument, &KnownSetting::name) == kKnown.end()) {
+      if (argument.starts_with("-SSL")) {  // Ignored, it could leave a login unencrypted.
+        throw std::invalid_argument("the option " + argument + " is unknown");
+      }
       arguments.rest.push_back(argument);
       continue;
     }

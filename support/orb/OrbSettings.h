@@ -100,7 +100,8 @@ struct SettingScope {
 };
 
 // Takes our own options with their values out of an argument vector. `argv` may be null when `argc`
-// is 0. A known option without a value raises std::invalid_argument.
+// is 0. A known option without a value, and an unknown one that begins with -SSL, raise
+// std::invalid_argument.
 OrbArguments SplitArguments(int argc, const char* const* argv);
 
 // The scopes of the configuration domain that concern one ORB: in each layer its own and "default".

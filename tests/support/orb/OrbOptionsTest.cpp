@@ -96,8 +96,10 @@ TEST(OrbSettingsTest, RefusesMalformedValues) {
        "-SSLServerNames=a.site,,b.site -> a list of host nam",
        "-SSLServerNames=* -> a list of host nam", "-SSLServerNames=a*.site -> a list of host nam",
        "-SSLServerNames=*..site -> a list of host nam", "-SSLServerNames=*.site,10.0.0.1 -> "});
-  const char* const argv[] = {"client", "-ORBCallTimeout"};
-  EXPECT_THROW(SplitArguments(2, argv), std::invalid_argument);
+  for (const char* last : {"-ORBCallTimeout", "-SSLCACertficate", "-SSLCACertificate=ca.pem"}) {
+    const char* const argv[] = {"client", last};
+    EXPECT_THROW(SplitArguments(2, argv), std::invalid_argument) << last;
+  }
   EXPECT_TRUE(SplitArguments(0, nullptr).rest.empty());
 }
 
