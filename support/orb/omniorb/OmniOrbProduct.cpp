@@ -25,6 +25,7 @@
 #include <support/orb/omniorb/OmniOrbCalls.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
+#include <support/orb/omniorb/OmniOrbMessages.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
 #include <support/orb/omniorb/OmniOrbTls.h>
 #include <support/orb/omniorb/OmniOrbTransport.h>
@@ -113,6 +114,15 @@ class OmniOrbInstance : public OrbInstance {
   void Stop(bool wait) override {
     if (m_stopped) return;
     m_stopped = true;
+    try {
+      StopOnce(wait);
+    } catch (const omniORB::fatalException& exception) {  // The session is over all the same.
+      Report(exception);
+    }
+  }
+
+ private:
+  void StopOnce(bool wait) {
     OmniOrbTransport& transport = OmniOrbTransport::Instance();
     if (!transport.HasOtherUsers(this)) EndCalls();
     const bool listens = !CORBA::is_nil(m_poa.in());
@@ -124,7 +134,6 @@ class OmniOrbInstance : public OrbInstance {
     transport.Release(this, wait);
   }
 
- private:
   void DestroyPoa(bool wait) {
     try {
       m_poa->destroy(true, wait);

@@ -21,6 +21,7 @@
 #include <support/orb/omniorb/OmniOrbEndpoint.h>
 #include <support/orb/omniorb/OmniOrbGuest.h>
 #include <support/orb/omniorb/OmniOrbInternals.h>
+#include <support/orb/omniorb/OmniOrbMessages.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
 #include <support/orb/omniorb/OmniOrbProfiles.h>
 #include <support/orb/omniorb/OmniOrbSslContext.h>
@@ -160,8 +161,8 @@ CORBA::ORB_ptr OmniOrbTransport::Initialise(const OrbSettings& settings,
                                             const std::vector<std::string>& arguments) {
   if (!m_failed && IsRunning()) {
     throw std::invalid_argument(
-        "other code of this process has started omniORB, whose settings "
-        "would apply; log in first");
+        "omniORB is up already: other code of this process has started it, or it did not end in "
+        "order; log in first, or start the program again");
   }
   omniORB::setLogFunction(LogLine);
   Trace(omniORB::traceLevel, diagModule.IsActive(TDiag::kTrace) ? kTraceOn : kTraceOff);
@@ -209,6 +210,8 @@ void OmniOrbTransport::FinishEnding() {
     m_orb->destroy();
   } catch (const CORBA::BAD_INV_ORDER& exception) {
     if (exception.minor() == omni::BAD_INV_ORDER_WouldDeadLock) throw;  // in an incoming call
+  } catch (const omniORB::fatalException& exception) {  // What is destroyed must not be again.
+    Report(exception);
   }
   m_orb = CORBA::ORB::_nil();
   m_ending = false;
