@@ -49,20 +49,20 @@ void TestCallbackIfAsked(const TDiagFunc& diag) {
   VQ_LOG(diag, 4) << "ENABLE_TEST_CALLBACK environment variable is set : test callback ended";
 }
 
-// An ORB that is up keeps its settings, and a login that requires TLS could be unencrypted.
-bool HasTlsOf(int argc, char** argv, const QCSOrbCommon& orb) {
+// The -SSL option that differs from the ORB that is up, and "" if there is none. That ORB keeps its
+// settings, and a login that requires TLS could be unencrypted.
+std::string FindOtherTls(int argc, char** argv, const QCSOrbCommon& orb) {
   try {
     vq::orb::OrbArguments given = vq::orb::SplitArguments(argc, argv);
     std::erase_if(given.options, [](const auto& one) { return !one.first.starts_with("-SSL"); });
-    if (given.options.empty()) return true;
+    if (given.options.empty()) return "";
     const vq::orb::ResolvedSetting* const other = vq::orb::FindOther(given, orb.GetSettings());
-    if (other == nullptr) return true;
-    vq::orb::NoteCause(other->name + " is '" + other->value +
-                       "' in the ORB that is up; end it with GL_LogOut(true) before the login");
+    if (other == nullptr) return "";
+    return other->name + " is '" + other->value +
+           "' in the ORB that is up; end it with GL_LogOut(true) before the login";
   } catch (const std::invalid_argument& e) {
-    vq::orb::NoteCause(e.what());
+    return e.what();
   }
-  return false;
 }
 
 }  // namespace
@@ -103,7 +103,13 @@ std::string GL_GetFailureCause() {
 bool GL_InitializeCORBA(int argc, char** argv) {
   const TDiagFunc diag(diagModule, "GL_InitializeCORBA");
   auto* const orb = ORBCommon<1>::Get();
-  if (orb->IsInitialized()) return HasTlsOf(argc, argv, *orb);
+  if (orb->IsInitialized()) {
+    const std::string other = FindOtherTls(argc, argv, *orb);
+    if (other.empty()) return true;
+    VQ_LOG(diag, 1) << other;
+    vq::orb::NoteCause(other);
+    return false;
+  }
   const std::string name = ConnectionSettings::Get()->GetClientIDAsString();
   if (ConnectionSettings::Get()->isPureClient()) {
     orb->InitCorba4Client(argc, argv, name.c_str());
