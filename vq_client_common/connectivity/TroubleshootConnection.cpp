@@ -97,7 +97,13 @@ bool TryCallback(const TDiagFunc& diag, QCSOrbCommon& orb, std::string& error, l
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   CORBA::String_var message;
-  const bool reached = users->CRB_TryCallback(registration.Id(), AsLong(timeout), message.out());
+  bool reached = false;
+  try {
+    reached = users->CRB_TryCallback(registration.Id(), AsLong(timeout), message.out());
+  } catch (const CORBA::Exception& e) {
+    vq::orb::NoteFailedCall(e, users.in());  // The removal of the callback is a call, too.
+    throw;
+  }
   const auto taken =
       std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
   if (reached && servant->WasCalledBack()) {
