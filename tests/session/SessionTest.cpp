@@ -181,7 +181,15 @@ TEST_F(SessionTest, KeepsItselfAlive) {
     EXPECT_TRUE(IsLoggedIn(session.Renew()));
     EXPECT_FALSE(session.IsLost());
   }
-  options.renew = true;
+  {
+    options.keepAlive = 0ms;
+    Session session(options);
+    server->Kill();
+    server = &StartServer();
+    EXPECT_EQ(session.Renew(), LoginResult::kNoServer) << "at the place of the killed server";
+    EXPECT_TRUE(IsLoggedIn(session.Renew())) << m_log.Text();
+  }
+  options.renew = true, options.keepAlive = 50ms;
   const Session session(options);
   server->Control({{"command", "end-sessions"}});
   EXPECT_TRUE(WaitUntil([&] { return Sessions(*server) == 1; })) << m_log.Text();

@@ -98,7 +98,7 @@ struct Session::State : std::enable_shared_from_this<State> {
   std::string message;
   std::recursive_mutex calls;  // recursive, since the client's hooks may call members
   std::chrono::steady_clock::time_point lastAlive;
-  bool silent = false;                 // the last keep-alive had no answer
+  bool silent = false;                 // the last keep-alive or renewal had no answer
   std::atomic<bool> refused = false;   // the last renewal was refused; more could lock the account
   std::atomic<bool> reported = false;  // onLost was called for this loss
   std::vector<CORBA::Object_var> oldReferences;
@@ -298,6 +298,7 @@ LoginResult Session::State::Renew() {
     refused = true;
   } catch (BaseLoginEx& e) {
     text = e.handle();
+    silent = true;
   }
   SetMessage(text);
   if (IsLoggedIn(answer)) {
