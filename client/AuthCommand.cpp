@@ -127,6 +127,7 @@ std::string ToText(const json& all) {
 
 int Show(CommandLine& line) {
   const vq::Session session = LogIn(line, OptionsOf(line, true));
+  const auto limit = line.LimitBeforeLogout();
   json all;
   try {
     QCSCorbaAuthorization_var object;
@@ -167,6 +168,7 @@ int Check(CommandLine& line, const std::vector<std::string>& words) {
   line.Apply(true);
 
   const vq::Session session = LogIn(line, OptionsOf(line, true));
+  const auto limit = line.LimitBeforeLogout();
   const auto level = static_cast<QCSAuthLevelEnum>(found - kLevels.begin());
   const bool allowed = (*session.Authorizations().*kind->question)(object, level);
   PrintJson({{"kind", kind->name}, {"level", *found}, {"allowed", allowed}}, -1);

@@ -296,6 +296,10 @@ void CommandLine::StartClock() {
   m_deadline = std::make_unique<vq::CallDeadline>(m_end);
 }
 
+std::unique_ptr<vq::CallDeadline> CommandLine::LimitBeforeLogout() const {
+  return maxTime == 0 ? nullptr : std::make_unique<vq::CallDeadline>(EndBeforeLogout());
+}
+
 std::vector<char*> CommandLine::OrbArguments() {
   std::vector<char*> arguments;
   for (std::string& argument : orb) arguments.push_back(argument.data());

@@ -107,6 +107,9 @@ struct CommandLine {
   std::chrono::steady_clock::time_point EndBeforeLogout() const {
     return m_end - std::chrono::milliseconds(std::min(1000U, maxTime * 250));
   }
+  // Limits the calls of this thread to that time, until the object is destroyed; null without a
+  // limit.
+  std::unique_ptr<vq::CallDeadline> LimitBeforeLogout() const;
   bool IsTimeOver() const { return std::chrono::steady_clock::now() >= m_end; }
 
   // `orb` as argv; valid until `orb` changes.

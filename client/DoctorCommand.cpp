@@ -357,8 +357,7 @@ class Doctor {
   }
 
   int ExamineCallbacks() {
-    std::optional<vq::CallDeadline> deadline;
-    if (m_line.maxTime > 0) deadline.emplace(m_line.EndBeforeLogout());
+    const auto limit = m_line.LimitBeforeLogout();
     // A trial stores its settings in the domain and removes them again.
     const std::string scope = "Test" + std::to_string(getpid());
     for (const std::optional<std::string>& value : {std::optional<std::string>("0"), {}}) {

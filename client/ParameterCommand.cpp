@@ -46,6 +46,7 @@ nlohmann::json Read(const vq::Session& session, const std::string& section,
 
 int Get(CommandLine& line, const std::string& section, const std::string& name) {
   const vq::Session session = LogIn(line, OptionsOf(line));
+  const auto limit = line.LimitBeforeLogout();
   const nlohmann::json value = Read(session, section, name);
   if (value.is_null()) {
     throw Failure(kNoAnswer, "The server returns no value for " + section + "/" + name + ".");
@@ -57,6 +58,7 @@ int Get(CommandLine& line, const std::string& section, const std::string& name) 
 
 int List(CommandLine& line) {
   const vq::Session session = LogIn(line, OptionsOf(line));
+  const auto limit = line.LimitBeforeLogout();
   nlohmann::json rows = nlohmann::json::array();
   for (const auto& [section, name] : kKnown) {
     rows.push_back({{"section", section}, {"name", name}, {"value", Read(session, section, name)}});

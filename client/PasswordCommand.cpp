@@ -42,6 +42,7 @@ int Change(CommandLine& line) {
   };
   vq::LoginError error;
   std::optional<vq::Session> session = LogIn(line, std::move(options), error);
+  const auto limit = line.LimitBeforeLogout();
   vq::LoginResult result = session ? session->Result() : error.Result();
   if (!session && !expired) return ExitCodeOf(result);
   if (!expired) password = AskForNewPassword();

@@ -62,8 +62,7 @@ bool KeepUp(const CommandLine& line, vq::Session& session, const Upkeep& upkeep,
             Interrupt& interrupt) {
   using Clock = std::chrono::steady_clock;
   const auto end = line.EndBeforeLogout();
-  std::optional<vq::CallDeadline> deadline;
-  if (line.maxTime > 0) deadline.emplace(end);
+  const auto limit = line.LimitBeforeLogout();
   for (int sent = 0; upkeep.count == 0 || sent < upkeep.count; ++sent) {
     const auto next = std::min(Clock::now() + std::chrono::seconds(upkeep.interval), end);
     if (interrupt.WaitUntil(next) || next == end) return true;

@@ -388,6 +388,13 @@ TEST_F(ClientTest, ALostSessionHasItsTrueCauseAndKeepsToItsTime) {
   EXPECT_THAT(outcome.words,
               HasSubstr("Cause: no answer from 127.0.0.1:" + std::to_string(m_server->Port())));
   m_server->Kill();
+
+  // The time ends in mid-session, and the server is told.
+  Server& slow = StartServer();
+  slow.SetFaults(
+      {{{"operation", "CRB_GetSystemParameterValue"}, {"action", "delay"}, {"ms", 500}}});
+  EXPECT_EQ(Run("param list @alice --max-time 3").code, 6);
+  EXPECT_EQ(slow.Calls().back()["operation"], "CRB_Unregister");
 }
 
 // Every option of the simulator with its exit status, and one command for naming service and
