@@ -17,11 +17,15 @@ bool BeginsWithClose(int socket, bool tls) {
   if (length < static_cast<ssize_t>(next.size())) return false;
   constexpr int kCloseConnection = 5;
   if (!tls) return std::memcmp(next.data(), "GIOP", 4) == 0 && next[7] == kCloseConnection;
+  // The bytes may be the middle of a record, a part of which OpenSSL has received.
+  constexpr int kLargestAlert = 512;
+  const int size = next[3] * 256 + next[4];
+  if (next[1] != 3 || next[2] > 3 || size > kLargestAlert) return false;
   // TLS 1.3 encrypts an alert as data: its size identifies it, since no message is so short.
   constexpr int kAlert = 21;
   constexpr int kData = 23;
   constexpr int kHiddenAlertSize = 19;
-  return next[0] == kAlert || (next[0] == kData && next[3] == 0 && next[4] == kHiddenAlertSize);
+  return next[0] == kAlert || (next[0] == kData && size == kHiddenAlertSize);
 }
 
 bool IsDead(int socket, bool tls, bool takesCalls, bool isWithinMessage) {
