@@ -168,7 +168,6 @@ int Check(CommandLine& line, const std::vector<std::string>& words) {
   line.Apply(true);
 
   const vq::Session session = LogIn(line, OptionsOf(line, true));
-  const auto limit = line.LimitBeforeLogout();
   const auto level = static_cast<QCSAuthLevelEnum>(found - kLevels.begin());
   const bool allowed = (*session.Authorizations().*kind->question)(object, level);
   PrintJson({{"kind", kind->name}, {"level", *found}, {"allowed", allowed}}, -1);

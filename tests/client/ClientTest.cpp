@@ -389,7 +389,7 @@ TEST_F(ClientTest, ALostSessionHasItsTrueCauseAndKeepsToItsTime) {
               HasSubstr("Cause: no answer from 127.0.0.1:" + std::to_string(m_server->Port())));
   m_server->Kill();
 
-  // The time ends in mid-session, and the server is told.
+  // The time ends during the session, and the server still receives the logout.
   Server& slow = StartServer();
   slow.SetFaults(
       {{{"operation", "CRB_GetSystemParameterValue"}, {"action", "delay"}, {"ms", 500}}});

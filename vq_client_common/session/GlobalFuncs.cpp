@@ -49,9 +49,9 @@ void TestCallbackIfAsked(const TDiagFunc& diag) {
   VQ_LOG(diag, 4) << "ENABLE_TEST_CALLBACK environment variable is set : test callback ended";
 }
 
-// The -SSL option that differs from the ORB that is up, and "" if there is none. That ORB keeps its
+// Why the ORB that is up cannot serve a login with these -SSL options; "" if it can. It keeps its
 // settings, and a login that requires TLS could be unencrypted.
-std::string FindOtherTls(int argc, char** argv, const QCSOrbCommon& orb) {
+std::string WhyOtherTls(int argc, char** argv, const QCSOrbCommon& orb) {
   try {
     vq::orb::OrbArguments given = vq::orb::SplitArguments(argc, argv);
     std::erase_if(given.options, [](const auto& one) { return !one.first.starts_with("-SSL"); });
@@ -104,10 +104,10 @@ bool GL_InitializeCORBA(int argc, char** argv) {
   const TDiagFunc diag(diagModule, "GL_InitializeCORBA");
   auto* const orb = ORBCommon<1>::Get();
   if (orb->IsInitialized()) {
-    const std::string other = FindOtherTls(argc, argv, *orb);
-    if (other.empty()) return true;
-    VQ_LOG(diag, 1) << other;
-    vq::orb::NoteCause(other);
+    const std::string cause = WhyOtherTls(argc, argv, *orb);
+    if (cause.empty()) return true;
+    VQ_LOG(diag, 1) << cause;
+    vq::orb::NoteCause(cause);
     return false;
   }
   const std::string name = ConnectionSettings::Get()->GetClientIDAsString();
