@@ -11,6 +11,7 @@
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/Locations.h>
 #include <support/foundations/ReplaceFirst.h>
+#include <support/orb/CallDeadline.h>
 #include <support/orb/CorbaText.h>
 #include <support/orb/FailureCause.h>
 #include <support/orb/ORBCommon.h>
@@ -34,6 +35,9 @@ TDiagRegister diagModule("TroubleshootConnection");
 using vq::kDefaultScope;
 using vq::orb::kBiDirPolicy;
 using vq::orb::kListenEndpoints;
+
+// After it no further name is looked up: each can take as long as the resolver waits.
+constexpr std::chrono::seconds kTimeForNames{2};
 
 // One callback registration at the server; the destructor removes it.
 class Registration {
@@ -167,10 +171,15 @@ void TroubleshootConnection::IdentifyIPAddresses(std::vector<IPAddressInfo*>& li
     VQ_LOG(diag, 1) << "Failed to get_ip_interfaces. errno " << error;
     return;
   }
+  using vq::CallDeadline;
+  const auto endOfNames = CallDeadline::Clock::now() + kTimeForNames;
+  const auto hasTimeForNames = [&] {
+    return !CallDeadline::Current() && CallDeadline::Clock::now() < endOfNames;
+  };
   const std::size_t first = list.size();
   for (std::size_t i = 0; i < addresses.size(); ++i) {
     const std::string& address = addresses[i].text;
-    const std::string name = vq::orb::HostNameOf(address);
+    const std::string name = hasTimeForNames() ? vq::orb::HostNameOf(address) : address;
     VQ_LOG(diag, 4) << "Identified IP address [" << i + 1 << "] " << address
                     << " associated to hostname '" << name << "'";
     if (addresses[i].isLoopback) continue;

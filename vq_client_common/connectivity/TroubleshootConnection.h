@@ -57,8 +57,9 @@ class VQ_CLIENT_COMMON_API TroubleshootConnection {
  public:
   // Appends this host's addresses, without loopback addresses; the caller owns the objects.
   // `defaultIndex` becomes the index of the first one, and is unchanged when there is none. The
-  // host names come from the resolver, which can take seconds. A failure is logged at level 1 and
-  // appends nothing.
+  // host names come from the resolver, which can take 10 seconds. Once it has taken 2, and within a
+  // vq::CallDeadline, an address stands for its name. A failure is logged at level 1 and appends
+  // nothing.
   static void IdentifyIPAddresses(std::vector<IPAddressInfo*>& list, unsigned int& defaultIndex);
 
   // Makes one trial with its own ORB, which publishes `address`. An empty `address` lets the
