@@ -19,6 +19,7 @@
 #include <omniORB4/internal/giopRope.h>
 #include <omniORB4/internal/GIOP_C.h>
 #include <omniORB4/internal/GIOP_S.h>
+#include <omniORB4/internal/libcWrapper.h>
 #include <omniORB4/tcpConnection.h>
 #include <omniORB4/unixConnection.h>
 #include <omniORB4/sslContext.h>
@@ -110,6 +111,16 @@ void NoteAddress(const omni::giopAddress& address) {
   const std::string_view text = address.address();
   if (text.starts_with(kTcp) || text.starts_with(kTls))
     NotePeer(text.substr(std::string_view(kTcp).size()));
+}
+
+bool HasSlowName(const omni::giopAddress& address, const omni_time_t& deadline) {
+  const std::string host = address.host() != nullptr ? address.host() : "";
+  if (host.empty() || omni::LibcWrapper::isipaddr(host.c_str())) return false;
+  omni_time_t now;
+  omni_thread::get_time(now);
+  if (!deadline || now < deadline) return false;
+  NoteCause("the host " + host + " cannot be resolved: no answer within the time-out");
+  return true;
 }
 
 CheckedConnection::CheckedConnection(omni::giopActiveConnection& opened)

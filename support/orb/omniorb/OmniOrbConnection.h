@@ -166,6 +166,10 @@ std::uint32_t RequestIdOf(const omni::giopStream& call);
 // Notes it for the cause if the calling thread's call fails.
 void NoteAddress(const omni::giopAddress& address);
 
+// Whether no connection came about because the look-up of the host's name used up the time, of
+// which omniORB does not tell. Notes the cause.
+bool HasSlowName(const omni::giopAddress& address, const omni_time_t& deadline);
+
 // An address whose connections are checked.
 class CheckedAddress : public omni::giopAddress {
  public:
@@ -184,7 +188,10 @@ class CheckedAddress : public omni::giopAddress {
                                       CORBA::Boolean& timedOut) const override {
     NoteAddress(*m_address);
     omni::giopActiveConnection* const opened = m_address->Connect(deadline, flags, timedOut);
-    if (opened == nullptr) return nullptr;
+    if (opened == nullptr) {
+      if (!timedOut) timedOut = HasSlowName(*m_address, deadline);
+      return nullptr;
+    }
     NoteCause("");  // why an address before it failed
     return new CheckedConnection(*opened);
   }
