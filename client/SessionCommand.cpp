@@ -20,7 +20,7 @@ namespace {
 struct Upkeep {
   int interval = 0;    // seconds; 0: log out at once
   int count = 0;       // keep-alives; 0: until interrupted
-  bool again = false;  // log in again when the server no longer knows the session
+  bool again = false;  // log in again when the session is lost
 };
 
 // "2026-11-21T23:22:37+0100"
@@ -39,8 +39,9 @@ void Report(const char* event, int result) {
   std::cout.flush();
 }
 
-// Sends a keep-alive, and renews a lost session if asked to. Returns whether the session is alive.
-bool KeepAlive(vq::Session& session, const Upkeep& upkeep) {
+// Sends a keep-alive, and renews a lost session if asked to. Returns the result of the last of
+// them.
+vq::LoginResult KeepAlive(vq::Session& session, const Upkeep& upkeep) {
   const vq::LoginResult result = session.KeepAlive();
   if (result == vq::LoginResult::kNoServer) {
     PrintError(WithCause("The server does not answer.", GL_GetFailureCause()));
@@ -48,27 +49,30 @@ bool KeepAlive(vq::Session& session, const Upkeep& upkeep) {
     PrintError("The server does not know the session any more.");
   }
   Report("keep-alive", vq::CodeOf(result));
-  if (result == vq::LoginResult::kSuccess) return true;
-  if (!upkeep.again) return false;
+  if (result == vq::LoginResult::kSuccess || !upkeep.again) return result;
   const vq::LoginResult again = session.Renew();
   if (!vq::IsLoggedIn(again)) PrintError(WithCause(session.Message(), GL_GetFailureCause()));
   Report("login again", vq::CodeOf(again));
-  return vq::IsLoggedIn(again);
+  return again;
 }
 
 // Sends keep-alives until all are sent, a signal arrives, the time is over or the session is lost.
-// Returns whether the session is alive.
+// With `again` it goes on while the server does not answer. Returns whether the session is alive.
 bool KeepUp(const CommandLine& line, vq::Session& session, const Upkeep& upkeep,
             Interrupt& interrupt) {
   using Clock = std::chrono::steady_clock;
   const auto end = line.EndBeforeLogout();
   const auto limit = line.LimitBeforeLogout();
+  bool isAlive = true;
   for (int sent = 0; upkeep.count == 0 || sent < upkeep.count; ++sent) {
     const auto next = std::min(Clock::now() + std::chrono::seconds(upkeep.interval), end);
-    if (interrupt.WaitUntil(next) || next == end) return true;
-    if (!KeepAlive(session, upkeep)) return false;
+    if (interrupt.WaitUntil(next) || next == end) break;
+    const vq::LoginResult result = KeepAlive(session, upkeep);
+    isAlive = vq::IsLoggedIn(result);
+    const bool mayReturn = upkeep.again && result == vq::LoginResult::kNoServer;
+    if (!isAlive && !mayReturn) break;
   }
-  return true;
+  return isAlive;
 }
 
 int Run(CommandLine& line, const Upkeep& upkeep) {

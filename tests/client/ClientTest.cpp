@@ -371,12 +371,14 @@ TEST_F(ClientTest, ALostSessionHasItsTrueCauseAndKeepsToItsTime) {
                "Cause: connection refused at 127.0.0.1:"},
               {" --max-time 6", [](Server& server) { server.Stop(); }, " logout: 54\n",
                "Cause: no answer from 127.0.0.1:"}};
+  const auto prints = [&](const char* event) {
+    return WaitUntil([&] { return m_directory.Read("out").find(event) != std::string::npos; });
+  };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.words);
     Server& server = StartServer();
     ChildProcess client = Start("session @alice --interval 1" + row.options);
-    ASSERT_TRUE(WaitUntil(
-        [&] { return m_directory.Read("out").find("keep-alive: 1") != std::string::npos; }));
+    ASSERT_TRUE(prints("keep-alive: 1"));
     row.fault(server);
     EXPECT_EQ(client.Wait(std::chrono::seconds(20)), 6);
     EXPECT_THAT(m_directory.Read("out"), HasSubstr(row.output));
@@ -388,6 +390,16 @@ TEST_F(ClientTest, ALostSessionHasItsTrueCauseAndKeepsToItsTime) {
   EXPECT_THAT(outcome.words,
               HasSubstr("Cause: no answer from 127.0.0.1:" + std::to_string(m_server->Port())));
   m_server->Kill();
+
+  StartServer();
+  ChildProcess goesOn = Start("session @alice --interval 1 --again");
+  ASSERT_TRUE(prints("keep-alive: 1"));
+  m_server->Kill();
+  ASSERT_TRUE(prints("login again: 54"));
+  StartServer();
+  EXPECT_TRUE(prints("login again: 1"));
+  goesOn.Signal(SIGTERM);
+  EXPECT_EQ(goesOn.Wait(std::chrono::seconds(20)), 0);
 
   // The time ends during the session, and the server still receives the logout.
   Server& slow = StartServer();
