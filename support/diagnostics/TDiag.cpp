@@ -1,6 +1,7 @@
 #include <support/diagnostics/TDiag.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <map>
@@ -8,6 +9,8 @@
 #include <mutex>
 #include <utility>
 #include <vector>
+
+#include <fcntl.h>
 
 #include <fmt/format.h>
 #include <spdlog/details/log_msg.h>
@@ -163,7 +166,12 @@ TDiag::SinkId TDiag::AddFileSink(const std::string& path, std::size_t maxBytes,
   const std::lock_guard lock(m_state->mutex);
   try {
     using File = spdlog::sinks::rotating_file_sink_st;
-    return m_state->Add(TextSink(std::make_shared<File>(path, maxBytes, olderFiles)));
+    spdlog::file_event_handlers handlers;
+    handlers.after_open = [](const std::string&, std::FILE* file) {
+      fcntl(fileno(file), F_SETFD, FD_CLOEXEC);  // not for the programs that this one starts
+    };
+    return m_state->Add(
+        TextSink(std::make_shared<File>(path, maxBytes, olderFiles, false, handlers)));
   } catch (const spdlog::spdlog_ex&) {
     return 0;
   }
