@@ -150,11 +150,14 @@ class Doctor {
   }
 
   // Connects. Each of `count` such trials has its share of the limit, or of half the time left.
+  // Leaves `why` as it is on success, and when no time is left.
   vq::orb::Reach Try(const vq::orb::ReferenceEndpoint& place, std::size_t count,
                      std::string& why) const {
     using std::chrono::milliseconds;
-    const auto left = m_line.End() - std::chrono::steady_clock::now();
-    const auto limit = std::min<std::chrono::nanoseconds>(left / 2, kTcpLimit) / count;
+    const std::chrono::nanoseconds left = m_line.End() - std::chrono::steady_clock::now();
+    if (left.count() <= 0) return vq::orb::Reach::kFailed;
+    const auto limit =
+        std::min<std::chrono::nanoseconds>(left / 2, kTcpLimit) / static_cast<int>(count);
     return vq::orb::TryToReach(place, std::chrono::duration_cast<milliseconds>(limit), why);
   }
 
@@ -266,9 +269,12 @@ class Doctor {
         advice = "Let the server publish another address of its host (hostname_in_ior).";
         continue;
       }
-      std::string result = Text(endpoint) + " accepts connections";
+      std::string result = Text(endpoint) + " was not tried: no time is left";
       const vq::orb::Reach reach = Try(endpoint, usable.size(), result);
-      isReached |= reach == vq::orb::Reach::kReached;
+      if (reach == vq::orb::Reach::kReached) {
+        result = Text(endpoint) + " accepts connections";
+        isReached = true;
+      }
       found += result;
       if (advice.empty()) advice = AdviceFor(reach, endpoint.host, "the server");
     }
