@@ -47,11 +47,13 @@ class Registration {
       : m_repository(CrbCallbackRepository::_duplicate(repository)),
         m_id(repository->CRB_RegisterCallback(userId.c_str(), callback, true)) {}
   ~Registration() {
+    const std::string cause = vq::orb::TakeCause();  // A new connection would clear it.
     try {
       m_repository->CRB_UnregisterCallbackById(m_id);
     } catch (const CORBA::Exception& e) {
       VQ_LOG(diagModule, 2) << "The removal of the test callback " << m_id << " failed: " << e;
     }
+    vq::orb::NoteCause(cause);
   }
   Registration(const Registration&) = delete;
   Registration& operator=(const Registration&) = delete;
