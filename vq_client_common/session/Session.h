@@ -94,8 +94,8 @@ class VQ_CLIENT_COMMON_API Session {
   // The server does not know the session, or has answered no keep-alive for the time-out.
   bool IsLost() const;
   // Registers again with the same user and password, and returns the result of that login. Ends the
-  // session before, if the server has answered its last keep-alive. The renewal that follows
-  // kNoServer looks the server up again: it may have moved.
+  // session before, if the server has answered the last keep-alive and the renewals since. The
+  // renewal that follows kNoServer looks the server up again: it may have moved.
   LoginResult Renew();
 
   // Checks the new password against the site's rules and changes the password. Returns kSuccess;
