@@ -60,6 +60,14 @@ struct Session::State : std::enable_shared_from_this<State> {
   void StartThread();
   void KeepAliveOrRenew();
 
+  // For a remote call. Not locked when the deadline of the caller passes first.
+  std::unique_lock<std::recursive_timed_mutex> Lock() {
+    const auto end = CallDeadline::Current();
+    if (!end) return std::unique_lock(calls);
+    std::unique_lock lock(calls, *end);
+    if (!lock) orb::BeginCall();  // which notes the cause
+    return lock;
+  }
   std::string Message() const {
     const std::lock_guard lock(messageLock);
     return message;
@@ -96,7 +104,7 @@ struct Session::State : std::enable_shared_from_this<State> {
   std::jthread thread;
   mutable std::mutex messageLock;
   std::string message;
-  std::recursive_mutex calls;  // recursive, since the client's hooks may call members
+  std::recursive_timed_mutex calls;  // recursive, since the client's hooks may call members
   std::chrono::steady_clock::time_point lastAlive;
   bool silent = false;                 // the last keep-alive or renewal had no answer
   std::atomic<bool> refused = false;   // the last renewal was refused; more could lock the account
@@ -263,8 +271,8 @@ void Session::State::LogOut() noexcept {
 }
 
 LoginResult Session::State::KeepAlive() {
-  const std::lock_guard lock(calls);
-  if (ends) return LoginResult::kNoServer;
+  const auto lock = Lock();
+  if (!lock || ends) return LoginResult::kNoServer;
   try {
     const auto answer = static_cast<LoginResult>(LoginHandler::GetGlobal()->ClientKeepAlive());
     lost = answer != LoginResult::kSuccess;
@@ -280,18 +288,19 @@ LoginResult Session::State::KeepAlive() {
 }
 
 LoginResult Session::State::Renew() {
-  const std::lock_guard lock(calls);
-  if (ends) return LoginResult::kNoServer;
+  const auto lock = Lock();
+  if (!lock || ends) return LoginResult::kNoServer;
   const std::string before = ConnectionSettings::Get()->GetUserID();
   auto answer = LoginResult::kNoServer;
   std::string text;
+  CorbaServerPackManager* const cache = CorbaServerPackManager::Get();
+  CorbaServerPackManager::Items others;  // Callers may still use them.
+  const bool looksUp = silent;           // The server may have moved.
+  if (looksUp) cache->Exchange(others);
   try {
-    if (silent) {  // Looks the server up again. Callers may still use the old references.
-      for (auto& old : CorbaServerPackManager::Get()->TakeAll()) oldReferences.push_back(old);
-    }
     answer = static_cast<LoginResult>(LoginHandler::GetGlobal()->Login(text, TimeOut()));
     refused = true;
-    SetTimeOut();
+    if (options.postLogin) SetTimeOut();
   } catch (UserAuthEx& e) {
     text = e.handle();
     answer = static_cast<LoginResult>(e.GetReturnCode());
@@ -299,7 +308,9 @@ LoginResult Session::State::Renew() {
   } catch (BaseLoginEx& e) {
     text = e.handle();
     silent = true;
+    if (looksUp) cache->Exchange(others);  // The server may answer there again.
   }
+  for (const auto& [key, reference] : others) oldReferences.emplace_back(reference);
   SetMessage(text);
   if (IsLoggedIn(answer)) {
     if (!lost && !silent) EndSession(before);
@@ -332,8 +343,8 @@ void Session::State::SetTimeOut() {
 }
 
 LoginResult Session::State::ChangePassword(const std::string& newPassword, bool expired) {
-  const std::lock_guard lock(calls);
-  if (ends) return LoginResult::kNoServer;
+  const auto lock = Lock();
+  if (!lock || ends) return LoginResult::kNoServer;
   std::string text;
   auto answer = static_cast<LoginResult>(CheckPasswordValidity(newPassword, text));
   SetMessage(text);
@@ -405,8 +416,8 @@ std::string Session::Message() const {
 
 std::optional<std::string> Session::Parameter(const std::string& name,
                                               const std::string& section) const {
-  const std::lock_guard lock(Get().calls);
-  if (Get().ends) return std::nullopt;
+  const auto lock = Get().Lock();
+  if (!lock || Get().ends) return std::nullopt;
   std::string value;
   if (!GetSystemParameter(name, value, section, Get().options.kind)) return std::nullopt;
   return value;
@@ -433,8 +444,8 @@ LoginResult Session::ChangePassword(const SecretString& newPassword) {
 }
 
 std::optional<std::chrono::days> Session::CertificateWarning() const {
-  const std::lock_guard lock(Get().calls);
-  if (Get().ends) return std::nullopt;
+  const auto lock = Get().Lock();
+  if (!lock || Get().ends) return std::nullopt;
   std::string warning;
   GL_CheckSSLCertificateExpiration(warning);
   const auto expiry = ORBCommon<1>::Get()->CertificateExpiry();
@@ -444,8 +455,8 @@ std::optional<std::chrono::days> Session::CertificateWarning() const {
 
 template <class T>
 typename T::_var_type Session::Servant(const char* name) const {
-  const std::lock_guard lock(Get().calls);
-  if (Get().ends) return T::_nil();
+  const auto lock = Get().Lock();
+  if (!lock || Get().ends) return T::_nil();
   typename T::_ptr_type borrowed = T::_nil();
   if (GetCRBServant<T>(name, borrowed, Get().options.kind, true) != 1) return T::_nil();
   return T::_duplicate(borrowed);

@@ -39,13 +39,9 @@ void CorbaServerPackManager::Reset() {
   m_items.clear();
 }
 
-std::vector<CORBA::Object_var> CorbaServerPackManager::TakeAll() {
+void CorbaServerPackManager::Exchange(Items& items) {
   const std::lock_guard lock(m_lock);
-  std::vector<CORBA::Object_var> taken;
-  taken.reserve(m_items.size());
-  for (const auto& [key, object] : m_items) taken.emplace_back(object);
-  m_items.clear();
-  return taken;
+  m_items.swap(items);
 }
 
 void CorbaServerPackManager::DiagPdefWrapper(int level, const std::string& text) {

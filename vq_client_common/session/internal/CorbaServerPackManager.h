@@ -8,7 +8,6 @@
 #include <map>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <support/orb/Corba.h>
 #include <support/os_toolkit/os_critical_section.h>
@@ -16,10 +15,13 @@
 
 // Owns one counted reference for each key.
 //
-// Thread safety: FindItem, Reset and TakeAll lock; InsertItem does not, so two threads must not
+// Thread safety: FindItem, Reset and Exchange lock; InsertItem does not, so two threads must not
 // look up a missing key at the same time. The lock is never held during a remote call.
 class CorbaServerPackManager {
  public:
+  using Key = std::pair<std::string, SERVER_ID>;
+  using Items = std::map<Key, CORBA::Object_ptr>;
+
   // The one instance, created by the first call, which must not run on two threads at once.
   static CorbaServerPackManager* Get();
 
@@ -37,8 +39,9 @@ class CorbaServerPackManager {
   // Releases every reference, in key order, and empties the map.
   void Reset();
 
-  // Empties the map and returns its references, for callers that still use them.
-  std::vector<CORBA::Object_var> TakeAll();
+  // Puts these references in the place of all others, which it returns in `items`. Their owner
+  // changes, and callers may still use them.
+  void Exchange(Items& items);
 
   // Logs one line under this class's module, for GetCRBServant.
   static void DiagPdefWrapper(int level, const std::string& text);
@@ -46,8 +49,7 @@ class CorbaServerPackManager {
   inline static CorbaServerPackManager* pCorbaServerPackManager = nullptr;  // until the first Get
 
  private:
-  using Key = std::pair<std::string, SERVER_ID>;
-  std::map<Key, CORBA::Object_ptr> m_items;
+  Items m_items;
   os_critical_section m_lock{false};
 };
 
