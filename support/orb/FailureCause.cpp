@@ -18,6 +18,7 @@ namespace vq::orb {
 namespace {
 
 thread_local ThreadText<2000> noted;
+thread_local std::optional<CallDeadline::Clock::time_point> notedWithin;  // the deadline then
 thread_local ThreadText<300> peer;
 thread_local auto callEnd = CallDeadline::Clock::time_point::max();
 
@@ -27,6 +28,13 @@ std::chrono::milliseconds ProbeLimit() {
   const auto end = std::min(CallDeadline::Current().value_or(callEnd), callEnd);
   const auto left = end - CallDeadline::Clock::now();
   return std::min(kProbeLimit, std::chrono::floor<std::chrono::milliseconds>(left));
+}
+
+constexpr const char* kTimeOver = "the time for the calls was over";
+
+bool IsTimeOver() {
+  const auto end = CallDeadline::Current();
+  return end && *end <= CallDeadline::Clock::now();
 }
 
 // Why no connection comes about; empty if one does, or if the time is too short to know.
@@ -74,6 +82,11 @@ std::string CauseOf(const CORBA::Exception& exception, CORBA::Object_ptr target)
 
 void NoteCause(std::string_view cause) noexcept {
   noted = cause;
+  notedWithin = CallDeadline::Current();
+}
+
+std::string NotedPeer() {
+  return std::string(std::string_view(peer));
 }
 
 void NotePeer(std::string_view address) noexcept {
@@ -87,11 +100,10 @@ void NoteCallEnd(CallDeadline::Clock::time_point end) noexcept {
 void BeginCall() {
   peer = "";
   callEnd = CallDeadline::Clock::time_point::max();
-  const auto end = CallDeadline::Current();
-  if (!end || CallDeadline::Clock::now() < *end) {
+  if (!IsTimeOver()) {
     noted = "";
-  } else if (noted.empty()) {
-    NoteCause("the time for the calls was over");
+  } else if (noted.empty() || notedWithin != CallDeadline::Current()) {
+    NoteCause(kTimeOver);
   }
 }
 

@@ -24,7 +24,8 @@ namespace vq::orb {
 void NoteCause(std::string_view cause) noexcept;
 
 // Forgets the cause of an earlier call. When the thread's deadline (CallDeadline) has passed, no
-// call is sent, and the cause of the call that used up the time remains.
+// call is sent: that is the cause, unless one was noted within this deadline, by the call that used
+// up the time.
 void BeginCall();
 
 // The cause noted last on this thread, which is forgotten; empty when none was noted since.
@@ -33,6 +34,7 @@ std::string TakeCause() noexcept;
 // Keeps the address ("host:port") that a call of the calling thread uses, for NoteFailedCall: it
 // need not be the first one of the call's reference.
 void NotePeer(std::string_view address) noexcept;
+std::string NotedPeer();  // empty when none was noted for the call
 
 // Keeps until when the calling thread's call may last, for NoteFailedCall.
 void NoteCallEnd(CallDeadline::Clock::time_point end) noexcept;

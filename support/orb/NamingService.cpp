@@ -1,5 +1,6 @@
 #include <support/orb/NamingService.h>
 
+#include <algorithm>
 #include <string>
 
 #include <support/diagnostics/TDiag.h>
@@ -45,7 +46,8 @@ CORBA::Object_ptr NamingService::Resolve(const CosNaming::Name& name) {
 void NamingService::Ask(const std::function<void(CosNaming::NamingContext_ptr)>& call) {
   const std::size_t count = m_roots.size();
   const std::size_t first = m_answering;
-  const auto end = CallDeadline::Clock::now() + m_timeOut;
+  auto end = CallDeadline::Clock::now() + m_timeOut;
+  if (const auto limit = CallDeadline::Current()) end = std::min(end, *limit);
   for (std::size_t tried = 0;; ++tried) {
     const std::size_t current = (first + tried) % count;
     const CallDeadline share((end - CallDeadline::Clock::now()) / static_cast<int>(count - tried));

@@ -195,6 +195,7 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
 // can still be distinguished from a server that is not running.
 bool QCSOrbCommon::ReachNamingService() {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReachNamingService");
+  vq::orb::BeginCall();
   try {
     m_naming = std::make_unique<vq::orb::NamingService>(*m_instance, *m_settings);
     m_naming->Reach();

@@ -206,7 +206,10 @@ std::string ReasonText(std::span<const Reason> table, int error, const char* oth
 std::string PeerText(const SSL* connection) {
   const Peer peer = PeerOf(connection);
   const std::string name = WantedName(connection);
-  if (peer.address.empty()) return name.empty() ? "a host that has gone" : name;
+  if (peer.address.empty()) {
+    const std::string noted = NotedPeer();
+    return !noted.empty() ? noted : name.empty() ? "a host that has gone" : name;
+  }
   return (name.empty() ? peer.address : name) + ":" + peer.port;
 }
 
