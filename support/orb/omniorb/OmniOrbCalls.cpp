@@ -82,6 +82,7 @@ void RefuseAtEnd() {
 // The call under way on a thread. A repetition by omniORB has the same descriptor and deadline.
 struct Call {
   const omniCallDescriptor* descriptor = nullptr;
+  CallDeadline::Clock::time_point begin;
   omni_time_t end;
   CORBA::ULong refusal = 0;  // why nothing may be sent any more, as a minor code
   int connections = 0;
@@ -123,15 +124,16 @@ std::chrono::nanoseconds Until(const omni_time_t& end) {
 void Begin(omniCallDescriptor& descriptor) {
   call = Call();
   call.descriptor = &descriptor;
+  call.begin = CallDeadline::Clock::now();
   call.end = descriptor.getDeadline();
   // The program may have asked omniORB for calls without a limit.
   if (!call.end) call.end = Now() + ToOmni(limits.call);
   if (const auto scope = CallDeadline::Current()) {
-    const omni_time_t scopeEnd = Now() + ToOmni(*scope - CallDeadline::Clock::now());
+    const omni_time_t scopeEnd = Now() + ToOmni(*scope - call.begin);
     call.end = std::min(call.end, scopeEnd);
   }
   descriptor.setDeadline(call.end);
-  NoteCallEnd(CallDeadline::Clock::now() + Until(call.end));
+  NoteCallEnd(call.begin + Until(call.end));
 }
 
 bool IsTls(const giopStrand& strand) {
@@ -299,7 +301,10 @@ class CheckedRope : public Base {
     auto& attempt = *static_cast<GIOP_C*>(client);
     try {
       if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt);
-      if (attempt.calldescriptor() == call.descriptor) NoteEnd(attempt);
+      if (attempt.calldescriptor() == call.descriptor) {
+        if (IsUnanswered(attempt)) m_silentSince = call.begin;
+        NoteEnd(attempt);
+      }
       if (attempt.strand().connection != nullptr) {
         CheckedConnection::Of(attempt.strand()).ForgetReplyTo(attempt);
       }
@@ -312,6 +317,18 @@ class CheckedRope : public Base {
 
  private:
   static constexpr bool kTakesCalls = std::is_same_v<Base, BiDirClientRope>;
+
+  static CallDeadline::Clock::time_point LastReceived(giopStrand& strand) {
+    return CheckedConnection::Of(strand).LastReceived();
+  }
+
+  // Whether the time is over for the reply to a call, since whose beginning nothing has arrived.
+  static bool IsUnanswered(GIOP_C& attempt) {
+    const bool isSent = attempt.state() == omni::IOP_C::RequestInProgress ||
+                        attempt.state() == omni::IOP_C::WaitingForReply;
+    return isSent && attempt.strand().connection != nullptr && call.end <= Now() &&
+           LastReceived(attempt.strand()) < call.begin;
+  }
 
   std::size_t AddressCount() {
     const omni_tracedmutex_lock transport(*omni::omniTransportLock);
@@ -480,10 +497,12 @@ class CheckedRope : public Base {
   }
 
   // False when the connection was idle and is dead, and has been discarded. The one repetition of a
-  // call needs a new connection: the server may be closing all idle ones.
+  // call needs a new connection: the server may be closing all idle ones. When a call has had no
+  // answer the network may have dropped all that were idle, too.
   bool IsUsable(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
-    const bool isNewNeeded = call.closedInOrder && !kTakesCalls;
+    const bool isNewNeeded =
+        !kTakesCalls && (call.closedInOrder || LastReceived(strand) < m_silentSince.load());
     if (!strand.first_use && (isNewNeeded || IsDead(strand, kTakesCalls))) {
       if constexpr (kTakesCalls) {
         AwaitOtherReplies(strand);
@@ -512,6 +531,7 @@ class CheckedRope : public Base {
   }
 
   std::timed_mutex m_opening;
+  std::atomic<CallDeadline::Clock::time_point> m_silentSince{};
 };
 
 CORBA::Boolean MakeRope(omniInterceptors::createRope_T::info_T& info) {

@@ -118,7 +118,8 @@ bool HasSlowName(const omni::giopAddress& address, const omni_time_t& deadline) 
   if (host.empty() || omni::LibcWrapper::isipaddr(host.c_str())) return false;
   omni_time_t now;
   omni_thread::get_time(now);
-  if (!deadline || now < deadline) return false;
+  // A little later, so that it is no failure at the last moment.
+  if (!deadline || now < deadline + omni_time_t(0, 20'000'000)) return false;
   NoteCause("the host " + host + " cannot be resolved: no answer within the time-out");
   return true;
 }
@@ -176,13 +177,24 @@ int CheckedConnection::Send(void* data, std::size_t size, const omni_time_t& dea
   if (!IsTls()) return m_connection.Send(data, size, end);
   constexpr std::size_t kRecord = 16384;
   const int length = static_cast<int>(std::min(size, kRecord));
-  return Exchange([=](SSL* tls) { return SSL_write(tls, data, length); }, end);
+  const int sent = Exchange([=](SSL* tls) { return SSL_write(tls, data, length); }, end);
+  if (sent < 0) ReceiveAlert();
+  return sent;
+}
+
+// Why the peer closed the connection: with TLS 1.3 it may refuse a certificate after the handshake.
+void CheckedConnection::ReceiveAlert() {
+  const std::lock_guard lock(m_tlsMutex);
+  char first = 0;
+  if (m_tls != nullptr) SSL_peek(m_tls, &first, 1);
+  ERR_clear_error();
 }
 
 int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& deadline) {
   auto* const bytes = static_cast<unsigned char*>(data);
   const int received = Receive(bytes, size, deadline);
   if (received <= 0) return End(received);
+  m_lastReceived = Clock::now();
   const auto length = static_cast<std::size_t>(received);
   std::size_t used = 0;
   if (m_toCome == 0) {

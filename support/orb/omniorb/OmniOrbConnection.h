@@ -44,6 +44,8 @@ namespace vq::orb {
 
 class CheckedConnection : public omni::giopActiveConnection, public omni::giopConnection {
  public:
+  using Clock = std::chrono::steady_clock;
+
   explicit CheckedConnection(omni::giopActiveConnection& opened);
   explicit CheckedConnection(omni::giopConnection& accepted);
 
@@ -68,6 +70,8 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool HasRest() const { return m_hasRest; }
   // Whether a thread has received the end of the connection, which the socket then no longer shows.
   bool HasEnded() const;
+  // When data arrived last, or else when it was opened.
+  Clock::time_point LastReceived() const { return m_lastReceived; }
   // Whether omniORB waits for calls that arrive over it.
   bool IsWatched() const { return m_isWatched; }
 
@@ -98,6 +102,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool IsTls() const;
   void UseTls();
   bool HasDecrypted() const;
+  void ReceiveAlert();
   template <class Function>
   int Exchange(Function exchange, const omni_time_t& deadline);
   int Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline);
@@ -145,6 +150,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   std::atomic<bool> m_hasEnded = false;
   std::atomic<bool> m_closedInOrder = false;
   std::atomic<bool> m_isWatched = false;
+  std::atomic<Clock::time_point> m_lastReceived = Clock::now();
 
   mutable std::mutex m_mutex;
   std::map<std::uint32_t, bool> m_replies;  // to calls in progress, and whether they are whole
