@@ -73,9 +73,9 @@ bool Report(const std::string& step, const Status& status, const std::string& de
   const bool isBad = &status == &kBad;
   const char* const plain = std::getenv("NO_COLOR");
   const bool hasColours = isatty(STDOUT_FILENO) == 1 && (plain == nullptr || *plain == '\0');
-  std::string text =
+  const std::string mark =
       hasColours ? status.colour + std::string(status.mark) + "\033[0m" : status.mark;
-  text += step + ": " + Indented(detail) + '\n';
+  std::string text = step + ": " + Indented(detail) + '\n';
   nlohmann::json entry{
       {"step", step}, {"good", &status == &kGood}, {"status", status.name}, {"detail", detail}};
   if (isBad) {
@@ -83,7 +83,10 @@ bool Report(const std::string& step, const Status& status, const std::string& de
     entry["advice"] = advice;
   }
   PrintJson(entry, -1);
-  if (isBad || !Form().quiet) PrintText(text);
+  if (!Form().json && (isBad || !Form().quiet)) {
+    std::cout << mark;
+    PrintText(text);
+  }
   std::cout << std::flush;
   return !isBad;
 }
@@ -336,7 +339,9 @@ class Doctor {
 
   std::string ServerName() const { return "'" + m_line.server + "' of kind " + m_kind; }
 
-  void TryCallback(const std::string& address, bool biDirectional) {
+  // Without a limit each of its calls has its own. `toTry` trials, this one included, share what is
+  // left of one.
+  void TryCallback(const std::string& address, bool biDirectional, std::size_t toTry) {
     const std::string way =
         biDirectional ? "over the client's connection (bidirectional IIOP)"
                       : "to " + (address.empty() ? std::string("the default address") : address);
@@ -345,6 +350,12 @@ class Doctor {
       Report(step, kNote, "not tried: a link-local address is valid on one network link only");
       return;
     }
+    if (IsTimeOver()) {
+      Report(step, kNote, "not tried: no time is left");
+      return;
+    }
+    const auto now = std::chrono::steady_clock::now();
+    const vq::CallDeadline share(now + (m_line.EndBeforeLogout() - now) / static_cast<int>(toTry));
     long milliseconds = 0;
     const bool reached =
         TroubleshootConnection::ORBInitAndTestCallback(biDirectional, address, milliseconds, false);
@@ -377,12 +388,13 @@ class Doctor {
     std::vector<IPAddressInfo*> addresses;
     unsigned int preferred = 0;
     TroubleshootConnection::IdentifyIPAddresses(addresses, preferred);
-    if (addresses.empty()) TryCallback("", false);  // only the loopback address exists
+    std::size_t toTry = addresses.size() + 1;
+    if (addresses.empty()) TryCallback("", false, toTry + 1);  // only the loopback address exists
     for (const IPAddressInfo* const address : addresses) {
-      TryCallback(address->ipAddress, false);
+      TryCallback(address->ipAddress, false, toTry--);
       delete address;
     }
-    TryCallback("", true);
+    TryCallback("", true, 1);
     if (!m_way.empty()) return kSuccess;
     if (IsTimeOver()) {
       Bad("callbacks", "not all of them were tried", "");
