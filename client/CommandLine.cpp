@@ -60,7 +60,7 @@ const std::vector<SharedOption>& SharedOptions() {
        "Time limit of the whole command (1 to 86400); default: none, each call has its own limit"},
       {"lifetime", "t", "", "", kSeconds,
        "The server ends the session after this time without a keep-alive (1 to 86400); default "
-       "600. Formerly --timeout"},
+       "600. For session and auth the site's setting replaces it. Formerly --timeout"},
       {"connect-timeout", "", "", kConnectTimeout, kMilliseconds, "Time limit for connecting"},
       {"call-timeout", "", "", kCallTimeout, kMilliseconds, "Time limit of a remote call"},
       {"tcp-keep-alive", "", "", kTcpKeepAlive, kMilliseconds,
@@ -82,7 +82,7 @@ const std::vector<SharedOption>& SharedOptions() {
        "1: callbacks use the client's connection to the server (bidirectional IIOP)"},
       {"listen", "", "", kListenEndpoints, "ENDPOINT", "Where to listen for callbacks"},
       {"prefer-ip", "", "", kPreferIpMask, "TEXT",
-       "Beginning of the local address to publish for callbacks"},
+       "Beginning of the local address that $IP in --listen stands for"},
       {"max-message", "", "", kMaxMessageSize, "BYTES", "Refuse larger messages"}};
   return kOptions;
 }
@@ -294,6 +294,13 @@ void CommandLine::StartClock() {
   if (maxTime == 0 || m_deadline != nullptr) return;
   m_end = std::chrono::steady_clock::now() + std::chrono::seconds(maxTime);
   m_deadline = std::make_unique<vq::CallDeadline>(m_end);
+}
+
+CommandLine::StoppedClock::~StoppedClock() {
+  if (m_line.m_deadline == nullptr) return;
+  m_line.m_end += std::chrono::steady_clock::now() - m_start;
+  m_line.m_deadline.reset();  // The new one would keep to it.
+  m_line.m_deadline = std::make_unique<vq::CallDeadline>(m_line.m_end);
 }
 
 std::unique_ptr<vq::CallDeadline> CommandLine::LimitBeforeLogout() const {

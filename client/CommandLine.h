@@ -101,6 +101,19 @@ struct CommandLine {
 
   // Starts the time of --max-time, which limits the calls of this thread. Later calls do nothing.
   void StartClock();
+  // The time of a user's input does not count: End moves when the object is destroyed. Within its
+  // scope, and while a limit of the time below exists, nothing else limits calls.
+  class StoppedClock {
+   public:
+    explicit StoppedClock(CommandLine& line) : m_line(line) {}
+    ~StoppedClock();
+    StoppedClock(const StoppedClock&) = delete;
+    StoppedClock& operator=(const StoppedClock&) = delete;
+
+   private:
+    CommandLine& m_line;
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+  };
   // When that time is over; the maximum without a limit.
   std::chrono::steady_clock::time_point End() const { return m_end; }
   // A part of --max-time remains for the logout.

@@ -7,7 +7,7 @@
 
 namespace vqclient {
 
-vq::SessionOptions OptionsOf(const CommandLine& line, bool postLogin) {
+vq::SessionOptions OptionsOf(CommandLine& line, bool postLogin) {
   vq::SessionOptions options{.server = line.server,
                              .kind = line.kind,
                              .user = line.user,
@@ -19,6 +19,7 @@ vq::SessionOptions OptionsOf(const CommandLine& line, bool postLogin) {
     throw Failure(kNoCredentials, "Conflict, Have a Username and password file");
   }
   const auto find = hasFile ? vq::ReadPasswordFile(line.passwordFile) : vq::AskForPassword();
+  const CommandLine::StoppedClock stopped(line);
   const std::string failure = find(options.user, options.password);
   if (!failure.empty()) throw Failure(kNoCredentials, failure);
   return options;
@@ -29,7 +30,12 @@ std::optional<vq::Session> LogIn(CommandLine& line, vq::SessionOptions options,
   line.StartClock();
   std::optional<vq::Session> session = vq::Session::Open(std::move(options), error);
   if (!session) {
-    PrintError(WithCause(error.what(), error.Cause()));
+    std::string text = error.what();
+    const std::string code = std::to_string(error.Code());
+    if (ExitCodeOf(error.Result()) == kServerCode && text.find(code) == std::string::npos) {
+      text += " (code " + code + ")";
+    }
+    PrintError(WithCause(text, error.Cause()));
   } else if (!Form().quiet && !session->Message().empty()) {
     PrintError(session->Message());
   }

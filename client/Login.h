@@ -10,7 +10,7 @@ namespace vqclient {
 
 // The options of the session that the command line asks for. Reads the password from its file or
 // asks for it; raises Failure without one.
-vq::SessionOptions OptionsOf(const CommandLine& line, bool postLogin = false);
+vq::SessionOptions OptionsOf(CommandLine& line, bool postLogin = false);
 
 // Logs in and prints the server's message. On failure prints text and cause, and returns nothing.
 std::optional<vq::Session> LogIn(CommandLine& line, vq::SessionOptions options,
@@ -18,6 +18,8 @@ std::optional<vq::Session> LogIn(CommandLine& line, vq::SessionOptions options,
 
 // The same for commands that need a session: raises Failure without one.
 vq::Session LogIn(CommandLine& line, vq::SessionOptions options);
+
+inline constexpr const char* kUnknownSession = "The server does not know the session any more.";
 
 // Logs out. Returns whether the server has confirmed that, which the result of GL_LogOut does not
 // show, and prints the cause otherwise.

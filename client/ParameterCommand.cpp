@@ -35,17 +35,18 @@ constexpr std::array kKnown{Parameter{"general", "ApplicationFieldIsMandatory"},
                             Parameter{"gui", "RegisterTimeout"},
                             Parameter{"gui", "UserChangePassword"}};
 
-// Null when the server does not return it. Raises Failure when the server cannot be asked.
-nlohmann::json Read(const vq::Session& session, const std::string& section,
-                    const std::string& name) {
+// Null when the server does not return it. Raises Failure when the server cannot be asked, or no
+// longer knows the session.
+nlohmann::json Read(vq::Session& session, const std::string& section, const std::string& name) {
   if (const auto value = session.Parameter(name, section)) return *value;
   const std::string cause = GL_GetFailureCause();
-  if (cause.empty()) return nullptr;
-  throw Failure(kSessionLost, WithCause("The server cannot be asked.", cause));
+  if (!cause.empty()) throw Failure(kSessionLost, WithCause("The server cannot be asked.", cause));
+  if (session.KeepAlive() == vq::LoginResult::kFailed) throw Failure(kSessionLost, kUnknownSession);
+  return nullptr;
 }
 
 int Get(CommandLine& line, const std::string& section, const std::string& name) {
-  const vq::Session session = LogIn(line, OptionsOf(line));
+  vq::Session session = LogIn(line, OptionsOf(line));
   const auto limit = line.LimitBeforeLogout();
   const nlohmann::json value = Read(session, section, name);
   if (value.is_null()) {
@@ -57,7 +58,7 @@ int Get(CommandLine& line, const std::string& section, const std::string& name) 
 }
 
 int List(CommandLine& line) {
-  const vq::Session session = LogIn(line, OptionsOf(line));
+  vq::Session session = LogIn(line, OptionsOf(line));
   const auto limit = line.LimitBeforeLogout();
   nlohmann::json rows = nlohmann::json::array();
   for (const auto& [section, name] : kKnown) {

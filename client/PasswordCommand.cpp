@@ -32,20 +32,24 @@ vq::SecretString AskForNewPassword() {
 }
 
 int Change(CommandLine& line) {
+  const auto ask = [&line] {
+    const CommandLine::StoppedClock stopped(line);
+    return AskForNewPassword();
+  };
   vq::SecretString password;
   bool expired = false;
   vq::SessionOptions options = OptionsOf(line);
   options.newPassword = [&](const std::string& message) {
     PrintError(message);
     expired = true;
-    return password = AskForNewPassword();
+    return password = ask();
   };
   vq::LoginError error;
   std::optional<vq::Session> session = LogIn(line, std::move(options), error);
-  const auto limit = line.LimitBeforeLogout();
   vq::LoginResult result = session ? session->Result() : error.Result();
   if (!session && !expired) return ExitCodeOf(result);
-  if (!expired) password = AskForNewPassword();
+  if (!expired) password = ask();
+  const auto limit = line.LimitBeforeLogout();
   if (password.Text().empty()) return kNoCredentials;
   if (!expired) {
     result = session->ChangePassword(password);

@@ -39,25 +39,28 @@ void Report(const char* event, int result) {
   std::cout.flush();
 }
 
-// Sends a keep-alive, and renews a lost session if asked to. Returns the result of the last of
-// them.
-vq::LoginResult KeepAlive(vq::Session& session, const Upkeep& upkeep) {
+// Sends a keep-alive. Returns its result.
+vq::LoginResult KeepAlive(vq::Session& session) {
   const vq::LoginResult result = session.KeepAlive();
   if (result == vq::LoginResult::kNoServer) {
     PrintError(WithCause("The server does not answer.", GL_GetFailureCause()));
   } else if (result != vq::LoginResult::kSuccess) {
-    PrintError("The server does not know the session any more.");
+    PrintError(kUnknownSession);
   }
   Report("keep-alive", vq::CodeOf(result));
-  if (result == vq::LoginResult::kSuccess || !upkeep.again) return result;
-  const vq::LoginResult again = session.Renew();
-  if (!vq::IsLoggedIn(again)) PrintError(WithCause(session.Message(), GL_GetFailureCause()));
-  Report("login again", vq::CodeOf(again));
-  return again;
+  return result;
 }
 
-// Sends keep-alives until all are sent, a signal arrives, the time is over or the session is lost.
-// With `again` it goes on while the server does not answer. Returns whether the session is alive.
+vq::LoginResult Renew(vq::Session& session) {
+  const vq::LoginResult result = session.Renew();
+  if (!vq::IsLoggedIn(result)) PrintError(WithCause(session.Message(), GL_GetFailureCause()));
+  Report("login again", vq::CodeOf(result));
+  return result;
+}
+
+// Sends keep-alives until all are sent, a signal arrives, the time is over, the session is lost or
+// nobody reads what is printed. With `again` it renews a lost session, and goes on while the server
+// does not answer. Returns whether the session is alive.
 bool KeepUp(const CommandLine& line, vq::Session& session, const Upkeep& upkeep,
             Interrupt& interrupt) {
   using Clock = std::chrono::steady_clock;
@@ -67,10 +70,12 @@ bool KeepUp(const CommandLine& line, vq::Session& session, const Upkeep& upkeep,
   for (int sent = 0; upkeep.count == 0 || sent < upkeep.count; ++sent) {
     const auto next = std::min(Clock::now() + std::chrono::seconds(upkeep.interval), end);
     if (interrupt.WaitUntil(next) || next == end) break;
-    const vq::LoginResult result = KeepAlive(session, upkeep);
+    vq::LoginResult result = KeepAlive(session);
+    const bool isOver = interrupt.WaitUntil(Clock::now()) || end <= Clock::now();
+    if (result != vq::LoginResult::kSuccess && upkeep.again && !isOver) result = Renew(session);
     isAlive = vq::IsLoggedIn(result);
     const bool mayReturn = upkeep.again && result == vq::LoginResult::kNoServer;
-    if (!isAlive && !mayReturn) break;
+    if ((!isAlive && !mayReturn) || !std::cout) break;
   }
   return isAlive;
 }

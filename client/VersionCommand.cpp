@@ -42,8 +42,9 @@ int Show(CommandLine& line) {
   const std::optional<vq::Session> session = LogIn(line, OptionsOf(line), error);
   const vq::LoginResult result = session ? session->Result() : error.Result();
   std::optional<NamingConnection> naming;  // a failed login has ended the ORB
-  if (!session && result != vq::LoginResult::kOrbNotUp)
+  if (!session && result != vq::LoginResult::kOrbNotUp && !line.IsTimeOver())
     naming.emplace(line, kCallLimit, ExitCodeOf(result));
+  const auto limit = line.LimitBeforeLogout();
   std::string plain;
   std::string withPatches;
   const bool known = LoginHandler::GetGlobal()->GetClientVersion(plain, withPatches) == 1;

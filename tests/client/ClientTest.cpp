@@ -392,8 +392,17 @@ TEST_F(ClientTest, ALostSessionHasItsTrueCauseAndKeepsToItsTime) {
   m_server->Kill();
 
   StartServer();
-  ChildProcess goesOn = Start("session @alice --interval 1 --again");
+  ChildProcess goesOn = Start("session @alice --interval 1 --again --call-timeout 1000");
   ASSERT_TRUE(prints("keep-alive: 1"));
+  m_naming.Stop();
+  m_server->Stop();
+  ASSERT_TRUE(prints("login again: 54"));
+  m_server->Continue();
+  EXPECT_TRUE(WaitUntil([&] {  // It needs no naming service.
+    const std::string output = m_directory.Read("out");
+    return output.find("keep-alive: 1", output.find("login again")) != std::string::npos;
+  }));
+  m_naming.Continue();
   m_server->Kill();
   ASSERT_TRUE(prints("login again: 54"));
   StartServer();
