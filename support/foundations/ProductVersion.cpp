@@ -2,11 +2,10 @@
 
 #include <ctime>
 #include <mutex>
+#include <optional>
 #include <string_view>
 
 #include <sys/stat.h>
-
-#include <fmt/format.h>
 
 #include <support/diagnostics/TDiag.h>
 #include <support/foundations/IniFile.h>
@@ -28,20 +27,28 @@ std::list<std::string> SplitPatches(const std::string& text) {
   return patches;
 }
 
-// Identifies a look-up and the state of the file: it differs whenever the file was written or
-// replaced. Empty for a missing file, and for one that changed within the last two seconds: another
-// change in the same tick of the file system's clock would not show.
-std::string KeyOf(const std::string& path, const std::string& product) {
+// A look-up and the state of the file: it differs whenever the file was written or replaced.
+struct Key {
+  std::string path, product;
+  dev_t device;
+  ino_t file;
+  time_t seconds;
+  long nanoseconds;
+  bool operator==(const Key&) const = default;
+};
+
+// Nothing for a missing file, and for one that changed within the last two seconds: another change
+// in the same tick of the file system's clock would not show.
+std::optional<Key> KeyOf(const std::string& path, const std::string& product) {
   struct stat file {};
   if (::stat(path.c_str(), &file) != 0) return {};
   if (std::time(nullptr) - file.st_ctim.tv_sec <= 2) return {};
-  return fmt::format("{}\n{}\n{} {} {}.{:09}", path, product, file.st_dev, file.st_ino,
-                     file.st_ctim.tv_sec, file.st_ctim.tv_nsec);
+  return Key{path, product, file.st_dev, file.st_ino, file.st_ctim.tv_sec, file.st_ctim.tv_nsec};
 }
 
 // The last look-up, kept so that a login reads the file only when it has changed.
 struct LookUp {
-  std::string key;
+  std::optional<Key> key{};
   std::string version{};
   std::list<std::string> patches{};
 };
@@ -73,8 +80,8 @@ int GetProductVersion(const std::string& product, std::string& version,
   static auto& last = *new LookUp;  // never destroyed
   const std::string path = vq::InstalledProductsFile();
   const std::lock_guard lock(mutex);
-  const std::string key = KeyOf(path, product);
-  if (key.empty() || key != last.key) last = LookUpProduct(path, product);
+  const std::optional<Key> key = KeyOf(path, product);
+  if (!key || key != last.key) last = LookUpProduct(path, product);
   if (last.version.empty()) return 0;
   version = last.version;
   patches = last.patches;

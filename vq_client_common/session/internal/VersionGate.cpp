@@ -10,6 +10,8 @@
 #include <memory>
 #include <string_view>
 
+#include <sys/stat.h>
+
 #include <support/foundations/Locations.h>
 #include <support/foundations/ProductVersion.h>
 #include <support/foundations/ReplaceFirst.h>
@@ -119,8 +121,10 @@ int ClientVersion(CLIENT_ID clientId, std::string& plain, std::string& withPatch
 int MinimumServerVersion(SERVER_ID serverId, std::string& version) {
   const TDiagFunc diag(diagModule, "LoginHandler::GetMinimumServerVersionAllowed");
   const std::string path = GetVQRootLocation() + "min-accepted-servers.txt";
+  struct stat found {};  // Most sites have none, which takes less time than to open it.
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-      std::fopen(path.c_str(), "re"), std::fclose);  // e: not for child processes
+      ::stat(path.c_str(), &found) == 0 ? std::fopen(path.c_str(), "re") : nullptr,
+      std::fclose);  // e: not for child processes
   if (file == nullptr) {
     VQ_LOG(diag, 4) << "Accepted: Couldn't open file " << path << ": " << std::strerror(errno);
     return kFileDoesNotOpen;
