@@ -101,8 +101,8 @@ struct CommandLine {
 
   // Starts the time of --max-time, which limits the calls of this thread. Later calls do nothing.
   void StartClock();
-  // The time of a user's input does not count: End moves when the object is destroyed. Within its
-  // scope, and while a limit of the time below exists, nothing else limits calls.
+  // The time of a user's input does not count: End moves by the lifetime of the object. At its end
+  // the thread may have no vq::CallDeadline but that of StartClock.
   class StoppedClock {
    public:
     explicit StoppedClock(CommandLine& line) : m_line(line) {}

@@ -421,7 +421,8 @@ class Doctor {
 };
 
 // Asks on stdin; only y or yes is a yes.
-bool Agrees(const std::string& question) {
+bool Agrees(CommandLine& line, const std::string& question) {
+  const CommandLine::StoppedClock stopped(line);
   std::cerr << question << " [y/N] " << std::flush;
   std::string answer;
   return std::getline(std::cin, answer) && (answer == "y" || answer == "yes");
@@ -435,8 +436,8 @@ int Run(CommandLine& line, bool fix) {
     PrintError("Nothing is written: the server cannot call this client back.");
     return code;
   }
-  if (!Agrees("Write to the configuration domain that the server calls back " + doctor.Way() +
-              "?")) {
+  if (!Agrees(line, "Write to the configuration domain that the server calls back " + doctor.Way() +
+                        "?")) {
     PrintError("Nothing is written.");
     return code;
   }

@@ -194,6 +194,11 @@ TEST_F(SessionTest, KeepsItselfAlive) {
     server = &StartServer();
     EXPECT_EQ(session.Renew(), LoginResult::kNoServer) << "at the place of the killed server";
     EXPECT_TRUE(IsLoggedIn(session.Renew())) << m_log.Text();
+    server->SetFaults({Return("CRB_AquireChallenge", 77)});
+    EXPECT_FALSE(IsLoggedIn(session.Renew()));
+    EXPECT_EQ(GL_GetFailureCause(), "the server gave no challenge for the password");
+    EXPECT_EQ(session.Message(), "The login failed with code 0.");
+    server->SetFaults(json::array());
   }
   options.renew = true, options.keepAlive = 50ms;
   const Session session(options);

@@ -78,6 +78,9 @@ struct Session::State : std::enable_shared_from_this<State> {
     const std::lock_guard lock(messageLock);
     message = LoginError(LoginResult::kFailed, text, "").what();  // without tabs at the end
   }
+  static std::string FailedText(LoginResult result) {
+    return "The login failed with code " + std::to_string(CodeOf(result)) + ".";
+  }
   void SetAlive() {
     lastAlive = std::chrono::steady_clock::now();
     lost = silent = refused = reported = false;
@@ -190,8 +193,7 @@ void Session::State::LogIn() {
     authorizations = copy;
   }
   if (!IsLoggedIn(finished)) {
-    const std::string code = std::to_string(CodeOf(finished));
-    if (Message().empty()) SetMessage("The login failed with code " + code + ".");
+    if (Message().empty()) SetMessage(FailedText(finished));
     throw LoginError(finished, Message(), GL_GetFailureCause());
   }
   SetAlive();
@@ -302,7 +304,7 @@ LoginResult Session::State::Renew() {
   try {
     answer = static_cast<LoginResult>(LoginHandler::GetGlobal()->Login(text, TimeOut()));
     refused = true;
-    if (options.postLogin) SetTimeOut();
+    if (IsLoggedIn(answer) && options.postLogin) SetTimeOut();
   } catch (UserAuthEx& e) {
     text = e.handle();
     answer = static_cast<LoginResult>(e.GetReturnCode());
@@ -313,7 +315,7 @@ LoginResult Session::State::Renew() {
     if (looksUp) cache->Exchange(others);  // The server may answer there again.
   }
   for (const auto& [key, reference] : others) oldReferences.emplace_back(reference);
-  SetMessage(text);
+  SetMessage(text.empty() && !IsLoggedIn(answer) ? FailedText(answer) : text);
   if (IsLoggedIn(answer)) {
     if (!lost && !silent) EndSession(before);
     orb::TakeCause();  // of steps whose failure does not matter
