@@ -192,10 +192,11 @@ class Doctor {
     const std::size_t start = m_namingReference.find(kStart);
     if (start == std::string::npos) return place;
     std::string address = m_namingReference.substr(start + kStart.size());
-    address.resize(std::min(address.find_first_of("/, "), address.size()));  // of several the first
-    address.erase(0, address.find(':') + 1);                                 // no protocol
-    address.erase(0, address.find('@') + 1);                                 // no version
-    place.port = 2809;  // of an address without one
+    address.resize(std::min(address.find_first_of("/ "), address.size()));
+    address.erase(0, address.rfind(',') + 1);  // Of several the last was asked last.
+    address.erase(0, address.find(':') + 1);   // no protocol
+    address.erase(0, address.find('@') + 1);   // no version
+    place.port = 2809;                         // of an address without one
     const std::size_t colon = address.find(':', address.starts_with('[') ? address.find(']') : 0);
     if (colon != std::string::npos) {
       std::from_chars(&address[colon + 1], address.data() + address.size(), place.port);
@@ -351,6 +352,7 @@ class Doctor {
       return;
     }
     if (IsTimeOver()) {
+      m_isComplete = false;
       Report(step, kNote, "not tried: no time is left");
       return;
     }
@@ -396,13 +398,13 @@ class Doctor {
     }
     TryCallback("", true, 1);
     if (!m_way.empty()) return kSuccess;
-    if (IsTimeOver()) {
+    if (!m_isComplete) {
       Bad("callbacks", "not all of them were tried", "");
       return kRefused;
     }
-    Bad("callbacks", "the server cannot call this client back",
-        "Open a port of this host for the server (--listen iiop://:PORT), or let the server accept "
-        "bidirectional IIOP.");
+    Report("callbacks", kBad, "the server cannot call this client back",
+           "Open a port of this host for the server (--listen iiop://:PORT), or let the server "
+           "accept bidirectional IIOP.");
     return kNoCallback;
   }
 
@@ -415,7 +417,8 @@ class Doctor {
   std::string m_namingReference;
   std::string m_listenEndpoint;
   bool m_tls = false;
-  std::string m_way;  // for display; empty until the server has called back
+  bool m_isComplete = true;  // whether each callback was tried for which there is a way
+  std::string m_way;         // for display; empty until the server has called back
   std::string m_address;
   bool m_biDirectional = false;
 };

@@ -1,5 +1,6 @@
 #include <support/orb/QCSOrbCommon.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -191,13 +192,25 @@ bool QCSOrbCommon::ReadSettings(int argc, char** argv, const std::string& scope,
   return true;
 }
 
+// The settings with the naming service's addresses: an ORB that has none, such as that of a
+// callback trial, uses those of the one that is up.
+const vq::orb::OrbSettings& QCSOrbCommon::NamingSettings() const {
+  if (!vq::orb::NamingReferences(*m_settings).empty()) return *m_settings;
+  Registry& registry = Registry::Instance();
+  const std::lock_guard lock(registry.mutex);
+  const auto other = std::ranges::find_if(registry.orbs, [this](const auto& orb) {
+    return orb.second.get() != this && orb.second->IsInitialized();
+  });
+  return other != registry.orbs.end() ? *other->second->m_settings : *m_settings;
+}
+
 // Asks the naming service once whether it exists. Without it no server can be found, and here that
 // can still be distinguished from a server that is not running.
 bool QCSOrbCommon::ReachNamingService() {
   const TDiagFunc diag(diagModule, "QCSOrbCommon::ReachNamingService");
   vq::orb::BeginCall();
   try {
-    m_naming = std::make_unique<vq::orb::NamingService>(*m_instance, *m_settings);
+    m_naming = std::make_unique<vq::orb::NamingService>(*m_instance, NamingSettings());
     m_naming->Reach();
     vq::orb::TakeCause();  // that of an address before, which does not answer
     return true;

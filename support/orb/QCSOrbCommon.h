@@ -107,6 +107,7 @@ class VQ_CLIENT_COMMON_API QCSOrbCommon {
  private:
   bool ReadSettings(int argc, char** argv, const std::string& scope,
                     std::vector<std::string>& productArguments);
+  const vq::orb::OrbSettings& NamingSettings() const;
   bool ReachNamingService();
 
   std::unique_ptr<vq::orb::OrbSettings> m_settings;

@@ -188,7 +188,11 @@ TEST_F(DoctorTest, SaysWhatIsWrongAndWhatToDo) {
 TEST_F(DoctorTest, FindsNothingBadOnAHealthyHostAndNoConnectionThatIsNotThere) {
   const bool hasTls = ThisProduct().mixesTls;
   hasTls ? StartTls(m_authority.Issue()) : static_cast<void>(StartServer());
-  for (const std::string& more : {std::string(), " --bidir 1 --ca " + m_authority.File()}) {
+  NamingService silent(m_directory);
+  silent.Stop();
+  const std::string two = " --call-timeout 2000 -ORBInitRef NameService=corbaloc::127.0.0.1:" +
+                          std::to_string(silent.Port()) + ",:" + At() + "/NameService";
+  for (const std::string& more : {std::string(), " --bidir 1 --ca " + m_authority.File(), two}) {
     if (!hasTls && !more.empty()) continue;
     const Outcome outcome = Run("doctor @alice" + more);
     EXPECT_EQ(outcome.code, 0) << outcome.words;
