@@ -118,20 +118,22 @@ class Doctor {
     if (!m_address.empty() && m_listenEndpoint.find('[') != std::string::npos) {
       return "-ORBListenEndpoints has an IPv6 address, beside which no other one can be published";
     }
-    m_needed[vq::orb::kBiDirPolicy] = m_biDirectional ? "1" : "0";
+    if (!m_isOwn) m_needed[vq::orb::kBiDirPolicy] = m_biDirectional ? "1" : "0";
     for (const auto& [name, value] : m_needed) {
       const vq::StoreResult stored =
           vq::StoreSetting("default", name, value, vq::SettingsLayer::kOwn);
       if (!stored.error.empty()) return stored.error;
     }
-    if (!TroubleshootConnection::ORBConfigure(m_address, m_biDirectional, false)) {
-      return GL_GetFailureCause();
+    if (!m_isOwn) {
+      if (!TroubleshootConnection::ORBConfigure(m_address, m_biDirectional, false)) {
+        return GL_GetFailureCause();
+      }
+      m_needed.erase(vq::orb::kListenEndpoints);  // ORBConfigure has changed it
     }
-    m_needed.erase(vq::orb::kListenEndpoints);  // ORBConfigure has changed it
     const std::string endpoint = m_address.empty() ? "" : "hostname_in_ior=" + m_address;
     for (const vq::Setting& setting : vq::ReportSettings(CLIENT_CLI, 0, nullptr)) {
       const auto needed = m_needed.find(setting.name);
-      const bool isStored = setting.name == vq::orb::kListenEndpoints
+      const bool isStored = !m_isOwn && setting.name == vq::orb::kListenEndpoints
                                 ? setting.value.find(endpoint) != std::string::npos
                                 : needed == m_needed.end() || needed->second == setting.value;
       if (!isStored) {
@@ -340,6 +342,32 @@ class Doctor {
 
   std::string ServerName() const { return "'" + m_line.server + "' of kind " + m_kind; }
 
+  // Whether the site says at which port to listen. The trials do not use it.
+  bool HasPort() const {
+    const ORBEndpoint::PortOptions ports = ORBEndpoint(m_listenEndpoint).getPortOptions();
+    return ports.port != 0 || ports.sslPort != 0;
+  }
+
+  // When this part of what is left of a limit is over; as good as never without one.
+  std::chrono::steady_clock::time_point Share(int parts) const {
+    const auto now = std::chrono::steady_clock::now();
+    return now + (m_line.EndBeforeLogout() - now) / parts;
+  }
+
+  // Returns whether the server has called back.
+  bool TryOwnSettings() {
+    const vq::CallDeadline share(Share(2));
+    std::string why;
+    long milliseconds = 0;
+    const bool reached = TroubleshootConnection::TestCallback(
+        ORBCommon<1>::Get(), why, milliseconds, TroubleshootConnection::GetTimeout4TestCallback());
+    const std::string cause = GL_GetFailureCause();
+    if (!reached) return Report("callback", kNote, cause.empty() ? why : cause), false;
+    m_isOwn = true;
+    m_way = "with the settings in effect";
+    return Good("callback " + m_way, "round trip " + std::to_string(milliseconds) + " ms");
+  }
+
   // Without a limit each of its calls has its own. `toTry` trials, this one included, share what is
   // left of one.
   void TryCallback(const std::string& address, bool biDirectional, std::size_t toTry) {
@@ -356,8 +384,7 @@ class Doctor {
       Report(step, kNote, "not tried: no time is left");
       return;
     }
-    const auto now = std::chrono::steady_clock::now();
-    const vq::CallDeadline share(now + (m_line.EndBeforeLogout() - now) / static_cast<int>(toTry));
+    const vq::CallDeadline share(Share(static_cast<int>(toTry)));
     long milliseconds = 0;
     const bool reached =
         TroubleshootConnection::ORBInitAndTestCallback(biDirectional, address, milliseconds, false);
@@ -377,6 +404,7 @@ class Doctor {
 
   int ExamineCallbacks() {
     const auto limit = m_line.LimitBeforeLogout();
+    if (HasPort() && TryOwnSettings()) return kSuccess;
     // A trial stores its settings in the domain and removes them again.
     const std::string scope = "Test" + std::to_string(getpid());
     for (const std::optional<std::string>& value : {std::optional<std::string>("0"), {}}) {
@@ -417,6 +445,7 @@ class Doctor {
   std::string m_namingReference;
   std::string m_listenEndpoint;
   bool m_tls = false;
+  bool m_isOwn = false;      // the way is that of the settings in effect
   bool m_isComplete = true;  // whether each callback was tried for which there is a way
   std::string m_way;         // for display; empty until the server has called back
   std::string m_address;

@@ -236,6 +236,11 @@ TEST_F(DoctorTest, WritesWhatTheNextLoginNeeds) {
   EXPECT_EQ(written.code, 0) << written.words;
   EXPECT_THAT(written.output, HasSubstr("Written."));
   EXPECT_EQ(Run(login).code, 0);
+  const std::string endpoint = "iiop://:" + std::to_string(FreePort());
+  const Outcome own = Run("doctor @alice --fix --listen " + endpoint, "secret\ny\n");
+  EXPECT_THAT(own.output, HasSubstr("callback with the settings in effect: round trip"));
+  EXPECT_THAT(Run("config show").output, HasSubstr(endpoint));
+  EXPECT_EQ(Run("config unset listen").code, 0);
   // What was written does not come into force: a stronger layer says otherwise.
   if (geteuid() == 0) {
     m_environment.Set("VQ_CONFIG_DOMAINS", std::nullopt);
