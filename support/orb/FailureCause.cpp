@@ -20,6 +20,7 @@ namespace {
 thread_local ThreadText<2000> noted;
 thread_local std::optional<CallDeadline::Clock::time_point> notedWithin;  // the deadline then
 thread_local ThreadText<300> peer;
+thread_local bool objectUnknown = false;
 thread_local auto callEnd = CallDeadline::Clock::time_point::max();
 
 constexpr std::chrono::milliseconds kProbeLimit{1000};
@@ -99,6 +100,7 @@ void NoteCallEnd(CallDeadline::Clock::time_point end) noexcept {
 
 void BeginCall() {
   peer = "";
+  objectUnknown = false;
   callEnd = CallDeadline::Clock::time_point::max();
   if (!IsTimeOver()) {
     noted = "";
@@ -118,11 +120,16 @@ std::string TakeCause() noexcept {
 }
 
 void NoteFailedCall(const CORBA::Exception& exception, CORBA::Object_ptr target) noexcept {
+  objectUnknown = dynamic_cast<const CORBA::OBJECT_NOT_EXIST*>(&exception) != nullptr;
   try {
     if (noted.empty()) NoteCause(CauseOf(exception, target));
   } catch (const std::exception&) {
     // No memory for an explanation: the failure itself is reported all the same.
   }
+}
+
+bool WasObjectUnknown() noexcept {
+  return objectUnknown;
 }
 
 }  // namespace vq::orb

@@ -45,6 +45,10 @@ void NoteCallEnd(CallDeadline::Clock::time_point end) noexcept;
 // Without a better cause, the exception's own text is noted.
 void NoteFailedCall(const CORBA::Exception& exception, CORBA::Object_ptr target) noexcept;
 
+// Whether the answer to the thread's last call was that there is no such object, as from a server
+// that was started anew.
+bool WasObjectUnknown() noexcept;
+
 }  // namespace vq::orb
 
 #endif  // VQ_SUPPORT_ORB_FAILURECAUSE_H

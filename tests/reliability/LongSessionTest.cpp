@@ -87,6 +87,14 @@ TEST_F(LongSessionTest, OneCallPaysForAllSilentConnections) {
   for (int i = 0; i < 3; ++i) EXPECT_EQ(GL_ClientKeepAlive(), 1) << m_log.Text();
 }
 
+TEST_F(LongSessionTest, ASessionIsRenewedAtOnceAfterARestart) {
+  SessionOptions options = Options();
+  options.keepAlive = std::chrono::milliseconds(50), options.renew = true;
+  Session session(options);
+  Restart();
+  EXPECT_TRUE(WaitUntil([&] { return session.KeepAlive() == LoginResult::kSuccess; }));
+}
+
 // Whatever code set the server's ORB has, and whether they are of any.
 TEST_F(LongSessionTest, TakesTextsAsTheirBytes) {
   std::vector<std::vector<std::string>> servers{{}};

@@ -283,8 +283,8 @@ LoginResult Session::State::KeepAlive() {
     if (!lost) SetAlive();
     return answer;
   } catch (BaseLoginEx& e) {
-    SetMessage(e.handle());
     silent = true;
+    SetMessage(e.handle());
     const auto silence = std::chrono::steady_clock::now() - lastAlive;
     if (std::chrono::floor<std::chrono::seconds>(silence) >= options.timeOut) lost = true;
     return LoginResult::kNoServer;
@@ -380,8 +380,11 @@ void Session::State::StartThread() {
 
 void Session::State::KeepAliveOrRenew() {
   try {
-    if (KeepAlive() == LoginResult::kSuccess || !lost) return;
+    if (KeepAlive() == LoginResult::kSuccess) return;
+    const bool isRestarted = orb::WasObjectUnknown();  // the server, as far as is known
+    if (!lost && !isRestarted) return;
     if (options.renew && !refused && IsLoggedIn(Renew())) return;
+    if (!lost) return;
   } catch (const std::exception&) {  // no memory; the next attempt may succeed
     return;
   }

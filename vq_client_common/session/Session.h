@@ -56,7 +56,7 @@ struct SessionOptions {
   bool postLogin = true;  // false: no GL_PostLogin, for clients that need no authorizations
   // Above 0: a thread of this object sends a keep-alive in this interval.
   std::chrono::milliseconds keepAlive{0};
-  bool renew = false;  // whether that thread registers a lost session again
+  bool renew = false;  // whether that thread registers a lost session again, also after a restart
   // Called on that thread, once for each loss that is not repaired at once. Must not throw.
   std::function<void()> onLost = nullptr;
 };
