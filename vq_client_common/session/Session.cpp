@@ -312,8 +312,9 @@ LoginResult Session::State::Renew() {
   } catch (BaseLoginEx& e) {
     text = e.handle();
     silent = true;
-    if (looksUp) cache->Exchange(others);  // The server may answer there again.
   }
+  // The session before may still be where it was.
+  if (looksUp && !IsLoggedIn(answer)) cache->Exchange(others);
   for (const auto& [key, reference] : others) oldReferences.emplace_back(reference);
   SetMessage(text.empty() && !IsLoggedIn(answer) ? FailedText(answer) : text);
   if (IsLoggedIn(answer)) {
