@@ -74,17 +74,19 @@ TEST_F(LongSessionTest, ExplainsAFailureWithinTheDeadline) {
   for (const int one : sockets) ::close(one);
 }
 
-// As a firewall does that forgets its connections.
-TEST_F(LongSessionTest, OneCallPaysForAllSilentConnections) {
+// As a firewall does that forgets its connections, and may reset them.
+TEST_F(LongSessionTest, OneCallPaysForAllLostConnections) {
   SetTimeOut(std::chrono::seconds(2));
   ASSERT_EQ(Login(), 1) << m_log.Text();
   m_server->SetFaults({{{"operation", "CRB_ClientKeepAlive"}, {"action", "delay"}, {"ms", 300}}});
-  std::vector<std::jthread> threads;
-  for (int i = 0; i < 3; ++i) threads.emplace_back([] { EXPECT_EQ(GL_ClientKeepAlive(), 1); });
-  threads.clear();
-  EXPECT_GT(m_proxy->Mute(), 1U);
-  EXPECT_THROW(GL_ClientKeepAlive(), ServerTypeEx);
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(GL_ClientKeepAlive(), 1) << m_log.Text();
+  for (const bool ends : {false, true}) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 3; ++i) threads.emplace_back([] { EXPECT_EQ(GL_ClientKeepAlive(), 1); });
+    threads.clear();
+    EXPECT_GT(m_proxy->Mute(ends), 1U);
+    EXPECT_THROW(GL_ClientKeepAlive(), ServerTypeEx);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(GL_ClientKeepAlive(), 1) << m_log.Text();
+  }
 }
 
 TEST_F(LongSessionTest, ASessionIsRenewedAtOnceAfterARestart) {

@@ -302,7 +302,7 @@ class CheckedRope : public Base {
     try {
       if (kTakesCalls && attempt.state() != omni::IOP_C::Idle) EndReading(attempt);
       if (attempt.calldescriptor() == call.descriptor) {
-        if (IsUnanswered(attempt)) m_silentSince = call.begin;
+        if (IsLost(attempt)) SuspectIdle(attempt.strand());
         NoteEnd(attempt);
       }
       if (attempt.strand().connection != nullptr) {
@@ -322,12 +322,18 @@ class CheckedRope : public Base {
     return CheckedConnection::Of(strand).LastReceived();
   }
 
-  // Whether the time is over for the reply to a call, since whose beginning nothing has arrived.
-  static bool IsUnanswered(GIOP_C& attempt) {
+  // Whether a call over a connection that had been idle has no reply.
+  static bool IsLost(GIOP_C& attempt) {
     const bool isSent = attempt.state() == omni::IOP_C::RequestInProgress ||
                         attempt.state() == omni::IOP_C::WaitingForReply;
-    return isSent && attempt.strand().connection != nullptr && call.end <= Now() &&
-           LastReceived(attempt.strand()) < call.begin;
+    return isSent && !attempt.strand().first_use && attempt.strand().connection != nullptr;
+  }
+
+  // Since then the network may have lost the connections from which nothing has come, too.
+  void SuspectIdle(giopStrand& lost) {
+    const auto since = std::max(call.begin, LastReceived(lost));
+    const omni_tracedmutex_lock transport(*omni::omniTransportLock);
+    m_silentSince = std::max(m_silentSince.load(), since);
   }
 
   std::size_t AddressCount() {
@@ -497,8 +503,7 @@ class CheckedRope : public Base {
   }
 
   // False when the connection was idle and is dead, and has been discarded. The one repetition of a
-  // call needs a new connection: the server may be closing all idle ones. When a call has had no
-  // answer the network may have dropped all that were idle, too.
+  // call needs a new connection: the server may be closing all idle ones.
   bool IsUsable(GIOP_C& attempt) {
     giopStrand& strand = attempt.strand();
     const bool isNewNeeded =
