@@ -43,8 +43,9 @@ std::string WhyUnreachable(const ReferenceEndpoint& place) {
   const std::chrono::milliseconds limit = ProbeLimit();
   std::string why;
   if (limit.count() <= 0) return why;
-  const Reach reach = TryToReach(place, limit, why);
-  return reach == Reach::kFailed && limit < kProbeLimit ? std::string() : why;
+  const auto end = CallDeadline::Clock::now() + limit;
+  TryToReach(place, limit, why);
+  return limit < kProbeLimit && end <= CallDeadline::Clock::now() ? std::string() : why;
 }
 
 // The address that the call used, or else the target's first one; nothing when neither is known.

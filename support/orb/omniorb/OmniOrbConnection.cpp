@@ -178,16 +178,21 @@ int CheckedConnection::Send(void* data, std::size_t size, const omni_time_t& dea
   constexpr std::size_t kRecord = 16384;
   const int length = static_cast<int>(std::min(size, kRecord));
   const int sent = Exchange([=](SSL* tls) { return SSL_write(tls, data, length); }, end);
-  if (sent < 0) ReceiveAlert();
+  if (sent < 0) ReceiveReason();
   return sent;
 }
 
-// Why the peer closed the connection: with TLS 1.3 it may refuse a certificate after the handshake.
-void CheckedConnection::ReceiveAlert() {
+// Why the peer closed the connection: with TLS 1.3 it may refuse a certificate after the handshake,
+// or it may have done so in order.
+void CheckedConnection::ReceiveReason() {
   const std::lock_guard lock(m_tlsMutex);
-  char first = 0;
-  if (m_tls != nullptr) SSL_peek(m_tls, &first, 1);
+  std::array<unsigned char, 12> next{};
+  const int length = m_tls != nullptr ? SSL_peek(m_tls, next.data(), next.size()) : 0;
   ERR_clear_error();
+  if (length == next.size() && m_isBetweenMessages && !m_hasRest &&
+      std::memcmp(next.data(), "GIOP", 4) == 0 && next[7] == GIOP::CloseConnection) {
+    m_closedInOrder = true;
+  }
 }
 
 int CheckedConnection::Recv(void* data, std::size_t size, const omni_time_t& deadline) {

@@ -102,7 +102,7 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool IsTls() const;
   void UseTls();
   bool HasDecrypted() const;
-  void ReceiveAlert();
+  void ReceiveReason();
   template <class Function>
   int Exchange(Function exchange, const omni_time_t& deadline);
   int Receive(unsigned char* data, std::size_t size, const omni_time_t& deadline);

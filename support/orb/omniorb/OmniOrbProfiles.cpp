@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unordered_set>
 
 #include <omniORB4/CORBA.h>
 #include <omniORB4/giopEndpoint.h>
@@ -35,6 +36,21 @@ void Add(giopAddress* address, giopAddressList& addresses) {
 void EraseFrom(giopAddress** first, giopAddressList& addresses) {
   std::for_each(first, addresses.end(), [](const giopAddress* address) { delete address; });
   addresses.erase(first, addresses.end());
+}
+
+// omniORB adds an address as often as the reference has it. Each would take a share of the time for
+// connecting.
+void RemoveRepeated(giopAddressList& addresses) {
+  std::unordered_set<std::string_view> known;
+  giopAddress** end = addresses.begin();
+  for (giopAddress* address : addresses) {
+    if (known.insert(address->address()).second) {
+      *end++ = address;
+    } else {
+      delete address;
+    }
+  }
+  addresses.erase(end, addresses.end());
 }
 
 void AddProfile(const IIOP::ProfileBody& profile, giopAddressList& addresses) {
@@ -72,6 +88,7 @@ CORBA::Boolean AddFurtherProfiles(omni::omniInterceptors::decodeIOR_T::info_T& i
   const CORBA::Long selected = info.ior.addr_selected_profile_index();
   if (!info.has_iiop_body || selected < 0) return true;
   giopAddressList& addresses = info.ior.getIORInfo()->addresses();
+  RemoveRepeated(addresses);
   for (CORBA::ULong i = 0; i < profiles.length(); ++i) {
     if (profiles[i].tag != IOP::TAG_INTERNET_IOP || i == static_cast<CORBA::ULong>(selected)) {
       continue;
