@@ -112,8 +112,10 @@ class Doctor {
   // called.
   const std::string& Way() const { return m_way; }
 
-  // Stores the settings of the way, and the ORB's settings from the command line and the
-  // environment of this run; then reads them back. Returns why that failed; empty on success.
+  bool IsStored() const { return m_isOwn && m_needed.empty(); }
+
+  // Stores the settings of the way, and the ORB's settings from the command line, the environment
+  // and the site of this run; then reads them back. Returns why that failed; empty on success.
   std::string Store() {
     if (!m_address.empty() && m_listenEndpoint.find('[') != std::string::npos) {
       return "-ORBListenEndpoints has an IPv6 address, beside which no other one can be published";
@@ -180,7 +182,8 @@ class Doctor {
                !setting.value.empty();
       if (setting.origin == "built in") continue;
       set += "\n" + setting.name + " = " + setting.value + " (" + setting.origin + ")";
-      if (setting.origin == "command line" || setting.origin.starts_with("environment")) {
+      if (setting.origin == "command line" || setting.origin.starts_with("environment") ||
+          setting.origin.ends_with(", " + std::string(kSiteScope) + m_line.site)) {
         m_needed[setting.name] = setting.value;
       }
     }
@@ -344,7 +347,11 @@ class Doctor {
 
   // Whether the site says at which port to listen. The trials do not use it.
   bool HasPort() const {
-    const ORBEndpoint::PortOptions ports = ORBEndpoint(m_listenEndpoint).getPortOptions();
+    std::string endpoint = m_listenEndpoint;
+    // ORBEndpoint takes the first colon for the one before the port.
+    const std::size_t end = endpoint.find(']');
+    if (end != std::string::npos) endpoint.replace(0, end + 1, "iiop://");
+    const ORBEndpoint::PortOptions ports = ORBEndpoint(endpoint).getPortOptions();
     return ports.port != 0 || ports.sslPort != 0;
   }
 
@@ -471,6 +478,10 @@ int Run(CommandLine& line, bool fix) {
   if (!fix) return code;
   if (doctor.Way().empty()) {
     PrintError("Nothing is written: the server cannot call this client back.");
+    return code;
+  }
+  if (doctor.IsStored()) {
+    PrintLine("Nothing needs to be written: clients already use these settings.");
     return code;
   }
   if (!Agrees(line, "Write to the configuration domain that the server calls back " + doctor.Way() +

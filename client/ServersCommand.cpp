@@ -59,6 +59,7 @@ void AddServer(nlohmann::json& rows, CosNaming::NamingContext_ptr root, CosNamin
 int Show(CommandLine& line) {
   const NamingConnection connection(line, kCallLimit, kOrbNotUp);
   nlohmann::json rows = nlohmann::json::array();
+  bool isComplete = true;
   try {
     for (const CosNaming::Name& name : connection.Servers()) {
       try {
@@ -67,8 +68,11 @@ int Show(CommandLine& line) {
       }
     }
   } catch (const CORBA::Exception& e) {
-    if (line.IsTimeOver()) throw Failure(kRefused, "The time of --max-time is over.");
-    throw Failure(kOrbNotUp, WithCause("The naming service fails.", CauseOf(e)));
+    if (!line.IsTimeOver()) {
+      throw Failure(kOrbNotUp, WithCause("The naming service fails.", CauseOf(e)));
+    }
+    if (rows.empty()) throw Failure(kRefused, "The time of --max-time is over.");
+    isComplete = false;
   }
   if (!Form().json && !Form().quiet) {
     const nlohmann::json header{{"name", "NAME"}, {"kind", "KIND"}, {"host", "HOST"},
@@ -77,6 +81,7 @@ int Show(CommandLine& line) {
   }
   PrintRows(rows,
             {{"name", 21}, {"kind", 10}, {"host", 27}, {"port", 7}, {"tls", 5}, {"alive", 0}});
+  if (!isComplete) throw Failure(kRefused, "The time of --max-time is over: servers are missing.");
   return kSuccess;
 }
 

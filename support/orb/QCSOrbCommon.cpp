@@ -256,6 +256,7 @@ CORBA::Object_ptr QCSOrbCommon::Bind(const std::string& server, const std::strin
 
 CosNaming::NamingContext_ptr QCSOrbCommon::GetNamingRoot() {
   if (!IsInitialized()) throw CORBA::BAD_INV_ORDER(0, CORBA::COMPLETED_NO);
+  vq::orb::BeginCall();
   return m_naming->Root();
 }
 

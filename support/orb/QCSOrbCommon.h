@@ -63,8 +63,8 @@ class VQ_CLIENT_COMMON_API QCSOrbCommon {
   CORBA::Object_ptr Bind(const std::string& server, const std::string& kind,
                          const std::string& service, bool probe);
 
-  // The naming service's root context; no call is made. Borrowed. Raises CORBA::BAD_INV_ORDER while
-  // the ORB is not initialized.
+  // The naming service's root context; no call is made, and the cause of an earlier failure is
+  // forgotten. Borrowed. Raises CORBA::BAD_INV_ORDER while the ORB is not initialized.
   CosNaming::NamingContext_ptr GetNamingRoot();
 
   // Ends the ORB; does nothing when it is not running. With `wait` it returns when calls in

@@ -240,6 +240,14 @@ TEST_F(DoctorTest, WritesWhatTheNextLoginNeeds) {
   const Outcome own = Run("doctor @alice --fix --listen " + endpoint, "secret\ny\n");
   EXPECT_THAT(own.output, HasSubstr("callback with the settings in effect: round trip"));
   EXPECT_THAT(Run("config show").output, HasSubstr(endpoint));
+  const Outcome stored = Run("doctor -s central -u alice --fix", "secret\ny\n");
+  EXPECT_THAT(stored.output, HasSubstr("Nothing needs to be written"));
+  EXPECT_EQ(Run("config unset listen").code, 0);
+  const std::string ofSite = "iiop://[::]:" + std::to_string(FreePort());
+  EXPECT_EQ(Run("--site here config set listen " + ofSite).code, 0);
+  const Outcome site = Run("--site here doctor @alice --fix", "secret\ny\n");
+  EXPECT_THAT(site.output, HasSubstr("Written."));
+  EXPECT_THAT(Run("config show").output, HasSubstr(ofSite));
   EXPECT_EQ(Run("config unset listen").code, 0);
   // What was written does not come into force: a stronger layer says otherwise.
   if (geteuid() == 0) {
