@@ -453,7 +453,15 @@ void FollowHandshake(const SSL* connection, int where, int result) {
   if ((where & SSL_CB_HANDSHAKE_DONE) != 0) {
     SSL_set_options(const_cast<SSL*>(connection), SSL_OP_IGNORE_UNEXPECTED_EOF);
   }
-  if (SSL_is_server(connection) != 0) return;
+  constexpr int kFatal = 2;
+  const bool isRefused = where == SSL_CB_READ_ALERT && result >> 8 == kFatal;
+  if (SSL_is_server(connection) != 0) {
+    if (isRefused) {
+      VQ_LOG(diagModule, 2) << PeerText(connection) << " connected to this client and ended TLS: "
+                            << AlertText({}, result & 0xFF);
+    }
+    return;
+  }
   if ((where & SSL_CB_HANDSHAKE_START) != 0 && Handshake::Of(connection) == nullptr) {
     auto handshake = std::make_unique<Handshake>();
     handshake->place = PeerOf(connection);
@@ -465,11 +473,8 @@ void FollowHandshake(const SSL* connection, int where, int result) {
   }
   Handshake* const handshake = Handshake::Of(connection);
   if (handshake == nullptr) return;
-  constexpr int kFatal = 2;
   if ((where & SSL_CB_HANDSHAKE_DONE) != 0) handshake->done = true;
-  if (where == SSL_CB_READ_ALERT && result >> 8 == kFatal) {
-    handshake->Report(AlertText(*handshake, result & 0xFF));
-  }
+  if (isRefused) handshake->Report(AlertText(*handshake, result & 0xFF));
   if (where != SSL_CB_CONNECT_EXIT || result > 0 || handshake->done) return;
   if (const unsigned long error = ERR_peek_last_error(); error != 0) {
     handshake->Report(ReasonText(kErrors, ERR_GET_REASON(error), ERR_reason_error_string(error)));
