@@ -114,7 +114,8 @@ struct Handshake {
   bool asksForCertificate = false;  // and there is none
   bool done = false;
   bool reported = false;  // as failed
-  int messages = 0;       // received
+  std::string failure;    // the line that was logged
+  int messages = 0;       // of the protocol, received since the last data
 
   // Null for a server's connection, and before FollowHandshake saw its start.
   static Handshake* Of(const SSL* connection) {
@@ -133,6 +134,7 @@ struct Handshake {
                              " with " + peer + " failed: " + cause;
     VQ_LOG(diagModule, 1) << line;
     NoteCause(line);
+    failure = line;
   }
 
  private:
@@ -235,11 +237,18 @@ int ReportMissingCertificate(SSL* connection, X509**, EVP_PKEY**) {
 
 // OpenSSL calls it for each message. It does not return to its caller while such messages arrive,
 // and a server may send them without end, also after the handshake.
-void LimitMessages(int isSent, int, int type, const void*, std::size_t, SSL* connection, void*) {
+void LimitMessages(int isSent, int, int type, const void* bytes, std::size_t size, SSL* connection,
+                   void*) {
   constexpr int kMost = 1000;
   Handshake* const handshake = Handshake::Of(connection);
-  if (handshake == nullptr || isSent != 0 || type != SSL3_RT_HANDSHAKE) return;
-  if (++handshake->messages <= kMost) return;
+  if (handshake == nullptr || isSent != 0 || size == 0) return;
+  // With TLS 1.3 the header of each record says that it has data.
+  const int kindIsIn =
+      SSL_version(connection) == TLS1_3_VERSION ? SSL3_RT_INNER_CONTENT_TYPE : SSL3_RT_HEADER;
+  if (type == kindIsIn && *static_cast<const unsigned char*>(bytes) == SSL3_RT_APPLICATION_DATA) {
+    handshake->messages = 0;
+  }
+  if (type != SSL3_RT_HANDSHAKE || ++handshake->messages <= kMost) return;
   handshake->Report("it sends messages without end");
   ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
 }
@@ -485,6 +494,19 @@ void FollowHandshake(const SSL* connection, int where, int result) {
   } else if (BIO_should_retry(SSL_get_rbio(connection)) == 0) {
     handshake->Report(std::strerror(errno));
   }
+}
+
+void ReportEnd(const SSL& connection) {
+  Handshake* const handshake = Handshake::Of(&connection);
+  const unsigned long error = ERR_peek_last_error();
+  const char* const reason = ERR_reason_error_string(error);
+  if (handshake == nullptr || reason == nullptr) return;
+  if (ERR_GET_REASON(error) != SSL_R_PROTOCOL_IS_SHUTDOWN) handshake->Report(reason);
+}
+
+void NoteFailureOf(const SSL& connection) {
+  const Handshake* const handshake = Handshake::Of(&connection);
+  if (handshake != nullptr && !handshake->failure.empty()) NoteCause(handshake->failure);
 }
 
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const SSL_CTX& context) {

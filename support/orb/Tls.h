@@ -60,6 +60,13 @@ int JudgeCertificate(int verified, X509_STORE_CTX& context, const TlsSettings& s
 // the call's cause, also when the peer is silent until the connection is given up.
 void FollowHandshake(const SSL* connection, int where, int result);
 
+// Logs at level 1 why OpenSSL has given a connection up after the handshake, by its latest error.
+void ReportEnd(const SSL& connection);
+
+// Keeps what was logged of a client's connection as the cause of the calling thread's call: another
+// thread may have found it.
+void NoteFailureOf(const SSL& connection);
+
 // When the own certificate of a context expires; nothing when it has none.
 std::optional<std::chrono::sys_seconds> CertificateExpiry(const SSL_CTX& context);
 

@@ -298,6 +298,10 @@ ROWS = [
     Row("TLS ended with each answer, bidirectional", {op: h.answered_and_ended for op in (
         "_non_existent", "CRB_GetSystemParameterValue", CHALLENGE, REGISTER)}, results=(1,),
         tls="good", arguments=("-BiDirPolicy", "1")),
+    *(Row(f"TLS, and an unencrypted answer{words}", {REGISTER: h.answered_unencrypted}, tls="good",
+          arguments=arguments, tao={"logged": "", "limit": 1},
+          logged="Cause: The TLS connection with <server> failed: wrong version number")
+      for words, arguments in (("", ()), (", bidirectional", ("-BiDirPolicy", "1")))),
     Row("TLS, closed while idle", {ALIVE: [h.then(h.answered, h.closed, 0.2)]}, tls="good",
         results=(1, 1, 1, 1), keep_alives=2),
     Row("TLS 1.1", tls="TLS 1.1", results=(54,), logged="L1 TLS: .*no TLS version"),

@@ -190,6 +190,7 @@ void NoteEnd(GIOP_C& attempt) {
         call.repeat = true;
         return;
       }
+      if (strand.connection != nullptr) CheckedConnection::Of(strand).NoteFailure();
       break;
     default:
       break;

@@ -30,6 +30,7 @@
 
 #include <support/diagnostics/TDiag.h>
 #include <support/orb/FailureCause.h>
+#include <support/orb/Tls.h>
 #include <support/orb/omniorb/OmniOrbOptions.h>
 #include <support/orb/omniorb/OmniOrbWatcher.h>
 
@@ -287,6 +288,11 @@ bool CheckedConnection::HasEnded() const {
   return m_hasEnded || (m_tls != nullptr && SSL_get_shutdown(m_tls) != 0);
 }
 
+void CheckedConnection::NoteFailure() const {
+  const std::lock_guard lock(m_tlsMutex);
+  if (m_tls != nullptr) NoteFailureOf(*m_tls);
+}
+
 // Reads or writes, as omniORB does with TLS. While it waits, other threads can use the connection.
 // OpenSSL allows one at a time, which omniORB 4.2 does not heed.
 template <class Function>
@@ -301,6 +307,7 @@ int CheckedConnection::Exchange(Function exchange, const omni_time_t& deadline) 
       const int length = exchange(m_tls);
       if (length > 0) return length;
       error = SSL_get_error(m_tls, length);
+      if (error == SSL_ERROR_SSL) ReportEnd(*m_tls);
       ERR_clear_error();
     }
     if (error != SSL_ERROR_WANT_READ && error != SSL_ERROR_WANT_WRITE) return -1;

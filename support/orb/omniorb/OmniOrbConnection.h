@@ -70,6 +70,8 @@ class CheckedConnection : public omni::giopActiveConnection, public omni::giopCo
   bool HasRest() const { return m_hasRest; }
   // Whether a thread has received the end of the connection, which the socket then no longer shows.
   bool HasEnded() const;
+  // Notes why TLS has ended, if it has, for the calling thread's call.
+  void NoteFailure() const;
   // When data arrived last, or else when it was opened.
   Clock::time_point LastReceived() const { return m_lastReceived; }
   // Whether omniORB waits for calls that arrive over it.
