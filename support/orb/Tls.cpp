@@ -465,9 +465,12 @@ void FollowHandshake(const SSL* connection, int where, int result) {
   constexpr int kFatal = 2;
   const bool isRefused = where == SSL_CB_READ_ALERT && result >> 8 == kFatal;
   if (SSL_is_server(connection) != 0) {
-    if (isRefused) {
-      VQ_LOG(diagModule, 2) << PeerText(connection) << " connected to this client and ended TLS: "
-                            << AlertText({}, result & 0xFF);
+    const bool hasNone =
+        where == SSL_CB_ACCEPT_EXIT && result <= 0 &&
+        ERR_GET_REASON(ERR_peek_last_error()) == SSL_R_PEER_DID_NOT_RETURN_A_CERTIFICATE;
+    if (isRefused || hasNone) {
+      VQ_LOG(diagModule, 2) << PeerText(connection) << " connected to this client, and TLS failed: "
+                            << (hasNone ? "it has no certificate" : AlertText({}, result & 0xFF));
     }
     return;
   }
