@@ -345,15 +345,8 @@ class Doctor {
 
   std::string ServerName() const { return "'" + m_line.server + "' of kind " + m_kind; }
 
-  // Whether the site says at which port to listen. The trials do not use it.
-  bool HasPort() const {
-    std::string endpoint = m_listenEndpoint;
-    // ORBEndpoint takes the first colon for the one before the port.
-    const std::size_t end = endpoint.find(']');
-    if (end != std::string::npos) endpoint.replace(0, end + 1, "iiop://");
-    const ORBEndpoint::PortOptions ports = ORBEndpoint(endpoint).getPortOptions();
-    return ports.port != 0 || ports.sslPort != 0;
-  }
+  // Whether the site says where to listen, or what to publish. The trials use ports of their own.
+  bool HasEndpoint() const { return m_listenEndpoint != "iiop://"; }
 
   // When this part of what is left of a limit is over; as good as never without one.
   std::chrono::steady_clock::time_point Share(int parts) const {
@@ -416,7 +409,7 @@ class Doctor {
 
   int ExamineCallbacks() {
     const auto limit = m_line.LimitBeforeLogout();
-    if (HasPort() && TryOwnSettings()) return kSuccess;
+    if (HasEndpoint() && TryOwnSettings()) return kSuccess;
     // A trial stores its settings in the domain and removes them again.
     const std::string scope = "Test" + std::to_string(getpid());
     for (const std::optional<std::string>& value : {std::optional<std::string>("0"), {}}) {
