@@ -165,7 +165,7 @@ ROWS = [
         logged="TIMEOUT"),
 
     Row("programs that call the client and do not read", {UNREGISTER: h.deaf(4)}, own_port=True,
-        keep_alives=1, results=(1, 1, 1), limit=0.7),
+        keep_alives=1, results=(1, 1, 1), limit=0.7, tao=None),
 
     # The time is over while a thread of the ORB's adds to the reply.
     Row("a large reply bit by bit, bidirectional",
