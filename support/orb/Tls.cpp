@@ -501,7 +501,7 @@ void FollowHandshake(const SSL* connection, int where, int result) {
 
 void ReportEnd(const SSL& connection) {
   Handshake* const handshake = Handshake::Of(&connection);
-  const unsigned long error = ERR_peek_last_error();
+  const unsigned long error = ERR_peek_error();
   const char* const reason = ERR_reason_error_string(error);
   if (handshake == nullptr || reason == nullptr) return;
   if (ERR_GET_REASON(error) != SSL_R_PROTOCOL_IS_SHUTDOWN) handshake->Report(reason);

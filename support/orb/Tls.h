@@ -60,7 +60,8 @@ int JudgeCertificate(int verified, X509_STORE_CTX& context, const TlsSettings& s
 // the call's cause, also when the peer is silent until the connection is given up.
 void FollowHandshake(const SSL* connection, int where, int result);
 
-// Logs at level 1 why OpenSSL has given a connection up after the handshake, by its latest error.
+// Logs at level 1 why OpenSSL has given a connection up after the handshake, by its first error:
+// OpenSSL 3.2 and later add one that says nothing.
 void ReportEnd(const SSL& connection);
 
 // Keeps what was logged of a client's connection as the cause of the calling thread's call: another
